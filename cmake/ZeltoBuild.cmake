@@ -1,0 +1,85 @@
+# How every target is built: language level, warnings, sanitizers, and the three functions that declare targets.
+
+option(ZELTO_TESTS "Build the tests" ON)
+option(ZELTO_BENCH "Build the benchmarks" OFF)
+option(ZELTO_FUZZ "Build the fuzz targets (Clang)" OFF)
+set(ZELTO_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize takes them")
+
+set(CMAKE_CXX_STANDARD 23)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_CXX_VISIBILITY_PRESET default)
+
+add_library(zelto_options INTERFACE)
+target_compile_options(zelto_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow=local -Wnon-virtual-dtor
+                                               -Wno-missing-field-initializers)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # GCC 12 reports false positives from inlined library code at -O2 and above.
+  target_compile_options(zelto_options INTERFACE -Wno-maybe-uninitialized -Wno-stringop-overflow -Wno-restrict
+                                                 -Wno-array-bounds -Wno-dangling-pointer -Wno-free-nonheap-object)
+endif()
+if(ZELTO_SANITIZE)
+  target_compile_options(zelto_options INTERFACE -fsanitize=${ZELTO_SANITIZE} -fno-omit-frame-pointer
+                                                 -fno-sanitize-recover=all)
+  target_link_options(zelto_options INTERFACE -fsanitize=${ZELTO_SANITIZE})
+  if(ZELTO_SANITIZE MATCHES "thread")
+    # The sanitizer does not model fences; the warning is all there is to it.
+    target_compile_options(zelto_options INTERFACE -Wno-tsan)
+  endif()
+endif()
+
+find_program(ZELTO_CCACHE ccache)
+if(ZELTO_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${ZELTO_CCACHE}")
+endif()
+find_program(ZELTO_MOLD mold)
+if(ZELTO_MOLD AND NOT ZELTO_FUZZ)
+  add_link_options(-fuse-ld=mold)
+endif()
+
+# zelto_library(NAME FOLDER src-folder [EXCLUDE regex] [PUBLIC libs...] [PRIVATE libs...])
+# A static library of all sources below a folder of src/. Adding a file needs no edit here.
+function(zelto_library name)
+  cmake_parse_arguments(ARG "" "FOLDER;EXCLUDE" "PUBLIC;PRIVATE" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/${ARG_FOLDER}/*.cpp")
+  if(ARG_EXCLUDE)
+    list(FILTER sources EXCLUDE REGEX "${ARG_EXCLUDE}")
+  endif()
+  if(NOT sources)
+    add_library(${name} INTERFACE)
+    target_include_directories(${name} INTERFACE "${CMAKE_SOURCE_DIR}/src")
+    target_link_libraries(${name} INTERFACE ${ARG_PUBLIC})
+    return()
+  endif()
+  add_library(${name} STATIC ${sources})
+  target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/src>" "$<INSTALL_INTERFACE:include>")
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE zelto_options ${ARG_PRIVATE})
+endfunction()
+
+# zelto_tests(FOLDER libs...): the program <FOLDER>Tests of all sources below tests/<FOLDER>.
+function(zelto_tests folder)
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp")
+  if(NOT sources)
+    return()
+  endif()
+  add_executable(${folder}Tests ${sources})
+  target_include_directories(${folder}Tests PRIVATE "${CMAKE_SOURCE_DIR}/tests")
+  target_link_libraries(${folder}Tests PRIVATE zelto_options zelto_test_main ${ARGN})
+  target_compile_definitions(${folder}Tests PRIVATE ZELTO_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
+                                                    ZELTO_BINARY_DIR="${CMAKE_BINARY_DIR}")
+  target_precompile_headers(${folder}Tests PRIVATE <gtest/gtest.h> <string> <vector> <map> <optional> <memory>
+                            <functional>)
+  add_test(NAME ${folder} COMMAND ${folder}Tests)
+endfunction()
+
+# zelto_programs(FOLDER libs...): one program a source file of bench/ or fuzz/, named after the file.
+function(zelto_programs folder)
+  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/${folder}/*.cpp")
+  foreach(source IN LISTS sources)
+    get_filename_component(name "${source}" NAME_WE)
+    add_executable(${name} "${source}")
+    target_link_libraries(${name} PRIVATE zelto_options ${ARGN})
+  endforeach()
+endfunction()

@@ -1,0 +1,32 @@
+#include <Platform/Completion.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+
+namespace zelto {
+
+namespace {
+
+void reportDropped() {
+    std::fputs("zelto: a completion was dropped without being called\n", stderr);
+}
+
+std::atomic<CallbackGuard::DroppedHandler> droppedHandler = reportDropped;
+
+} // namespace
+
+CallbackGuard::DroppedHandler CallbackGuard::setDroppedHandler(DroppedHandler handler) noexcept {
+    return droppedHandler.exchange(handler);
+}
+
+void CallbackGuard::dropped() noexcept {
+    droppedHandler.load()();
+}
+
+void CallbackGuard::calledTwice() noexcept {
+    std::fputs("zelto: a completion was called twice\n", stderr);
+    std::abort();
+}
+
+} // namespace zelto
