@@ -1,0 +1,9 @@
+#include <ZeltoCommonLogger/LogRecord.h>
+
+#include <Platform/EnumDescription.h>
+
+namespace zelto {
+
+ZELTO_DESCRIBE_ENUM(LogLevel, trace, info, warn, error);
+
+} // namespace zelto
