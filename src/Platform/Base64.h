@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace zelto {
+
+// Base64 of RFC 4648 section 4, with padding and without line breaks.
+constexpr std::uint64_t base64Length(std::uint64_t byteCount) {
+    return (byteCount / 3 + (byteCount % 3 != 0 ? 1 : 0)) * 4;
+}
+
+// Writes base64Length(bytes.size()) characters to `text`. Pieces of a longer input come out as the whole
+// would if all but the last are multiples of 3 bytes.
+void writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* text);
+
+std::string base64Encoded(std::string_view bytes);
+
+} // namespace zelto

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <Platform/Data.h>
+#include <Platform/Result.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+enum class HTTPBodyError {
+    fileTooShort, // a file has lost bytes since it was appended
+    fileUnreadable,
+};
+
+// The bytes of a message body as a list of segments: texts in memory, and open files that are read when the
+// body is sent, as they are or as Base64. The length is known and kept: a file that has grown since gives
+// what it held when it was appended, one that has shrunk an error. Copies share their segments and cost no
+// memory; several threads may read copies of one body.
+class HTTPBody {
+  public:
+    HTTPBody() = default;
+    explicit HTTPBody(std::string text);
+    explicit HTTPBody(const Data& data);
+
+    void append(std::string text);
+    void append(const HTTPBody& other);
+
+    // The file is opened here and stays open as long as a copy of the body lives, so that replacing or
+    // removing it changes nothing. False, and nothing appended, for what cannot be opened or is no regular
+    // file.
+    [[nodiscard]] bool appendFile(const std::filesystem::path& path);
+
+    // The file's bytes as Base64 without line breaks.
+    [[nodiscard]] bool appendFileAsBase64(const std::filesystem::path& path);
+
+    std::uint64_t size() const { return size_; }
+
+    bool empty() const { return size_ == 0; }
+
+    // The whole in memory.
+    Result<Data, HTTPBodyError> bytes() const;
+
+    // Reads a body from its beginning to its end. Holds the segments itself; one thread at a time.
+    class Reader;
+
+  private:
+    class Segment;
+    class TextSegment;
+    class FileSegment;
+    class Base64FileSegment;
+
+    void append(std::shared_ptr<const Segment> segment);
+
+    std::vector<std::shared_ptr<const Segment>> segments_;
+    std::uint64_t size_ = 0;
+};
+
+class HTTPBody::Reader {
+  public:
+    explicit Reader(HTTPBody body) : body_(std::move(body)) {}
+
+    // Fills the buffer as far as the body reaches and gives the count; 0 is the end. After an error the
+    // reader stands where it stood.
+    Result<std::size_t, HTTPBodyError> read(std::span<std::uint8_t> buffer);
+
+    // A redirect or a second attempt sends the body again.
+    void rewind();
+
+  private:
+    HTTPBody body_;
+    std::size_t segment_ = 0;
+    std::uint64_t offset_ = 0; // in the segment
+};
+
+} // namespace zelto

@@ -1,0 +1,65 @@
+#include <Platform/HTTP/HTTPHeaders.h>
+
+#include <algorithm>
+
+namespace zelto {
+
+namespace {
+
+char asciiLower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool isTokenCharacter(char c) {
+    const bool alphanumeric = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    return alphanumeric || std::string_view("!#$%&'*+-.^_`|~").contains(c);
+}
+
+template <class Fields> auto find(Fields& fields, std::string_view name) {
+    return std::ranges::find_if(
+        fields, [&](const HTTPHeaderField& field) { return equalIgnoringASCIICase(field.name, name); });
+}
+
+} // namespace
+
+void HTTPHeaders::set(std::string name, std::string value) {
+    const auto found = find(fields_, name);
+    if (found == fields_.end()) {
+        fields_.push_back({std::move(name), std::move(value)});
+    } else {
+        *found = {std::move(name), std::move(value)};
+    }
+}
+
+void HTTPHeaders::remove(std::string_view name) {
+    const auto found = find(fields_, name);
+    if (found != fields_.end()) {
+        fields_.erase(found);
+    }
+}
+
+std::optional<std::string> HTTPHeaders::value(std::string_view name) const {
+    const auto found = find(fields_, name);
+    return found == fields_.end() ? std::nullopt : std::optional(found->value);
+}
+
+const HTTPHeaderField* HTTPHeaders::firstInvalid() const {
+    const auto found = std::ranges::find_if_not(fields_, [](const HTTPHeaderField& field) {
+        return isValidHeaderName(field.name) && isValidHeaderValue(field.value);
+    });
+    return found == fields_.end() ? nullptr : &*found;
+}
+
+bool isValidHeaderValue(std::string_view value) {
+    return value.find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
+}
+
+bool isValidHeaderName(std::string_view name) {
+    return !name.empty() && std::ranges::all_of(name, isTokenCharacter);
+}
+
+bool equalIgnoringASCIICase(std::string_view left, std::string_view right) {
+    return std::ranges::equal(left, right, {}, asciiLower, asciiLower);
+}
+
+} // namespace zelto

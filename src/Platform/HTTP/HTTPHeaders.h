@@ -1,0 +1,49 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelto {
+
+struct HTTPHeaderField {
+    std::string name;
+    std::string value;
+
+    bool operator==(const HTTPHeaderField&) const = default;
+};
+
+// The header fields of a message. Names are found without regard to case, and kept with the spelling and in
+// the order of setting. Anything can be set: the transport refuses a message with a field that is not valid.
+class HTTPHeaders {
+  public:
+    // Replaces the value of a field in its place, with the new spelling of its name, or adds the field at the
+    // end.
+    void set(std::string name, std::string value);
+
+    void remove(std::string_view name);
+
+    std::optional<std::string> value(std::string_view name) const;
+
+    const std::vector<HTTPHeaderField>& fields() const { return fields_; }
+
+    // Nothing when every field may be sent, else the first that may not.
+    const HTTPHeaderField* firstInvalid() const;
+
+    // Compares spelling and order too.
+    bool operator==(const HTTPHeaders&) const = default;
+
+  private:
+    std::vector<HTTPHeaderField> fields_;
+};
+
+// False for a value with CR, LF or NUL, which would end the field and begin another, and for a name that is
+// no token of RFC 9110. Whoever writes a message to the wire asks these before the first byte goes out.
+bool isValidHeaderValue(std::string_view value);
+bool isValidHeaderName(std::string_view name);
+
+// Whether two field names, tokens or schemes are the same; only A to Z have a case here.
+bool equalIgnoringASCIICase(std::string_view left, std::string_view right);
+
+} // namespace zelto

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <Platform/Date.h>
+#include <Platform/HTTP/HTTPBody.h>
+#include <Platform/HTTP/HTTPHeaders.h>
+#include <Platform/URL.h>
+
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace zelto {
+
+enum class URLRequestCachePolicy {
+    useProtocolCachePolicy, // what the protocol's own rules say; no answer is kept on disk
+};
+
+// One HTTP request as its maker describes it. A plain value: an authoriser changes it in place, and a copy
+// can be sent again.
+struct URLRequest {
+    // How long a transfer may stand still before it is given up; one that moves goes on.
+    static constexpr TimeInterval standardTimeout{60};
+
+    explicit URLRequest(URL requestURL, std::string requestMethod = "GET")
+        : url(std::move(requestURL)), method(std::move(requestMethod)) {}
+
+    URL url;
+    std::string method;
+    URLRequestCachePolicy cachePolicy = URLRequestCachePolicy::useProtocolCachePolicy;
+    TimeInterval timeout = standardTimeout;
+    HTTPHeaders headers;
+    std::optional<HTTPBody> body;
+};
+
+} // namespace zelto
