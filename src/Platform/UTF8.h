@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace zelto {
+
+// Whether the bytes are well-formed UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
+bool isValidUTF8(std::string_view bytes) noexcept;
+
+// How many bytes at the start are well-formed UTF-8; all of them if the whole is.
+std::size_t validUTF8Length(std::string_view bytes) noexcept;
+
+// Each ill-formed piece becomes one U+FFFD, as the Unicode standard advises (the longest piece that could
+// have begun a character counts as one).
+std::string repairedUTF8(std::string_view bytes);
+
+// The code point that begins at the front of well-formed, non-empty text, and its length in bytes.
+struct DecodedCodePoint {
+    char32_t value = 0;
+    std::size_t length = 0;
+};
+
+DecodedCodePoint firstCodePoint(std::string_view wellFormed) noexcept;
+
+void appendUTF8(std::string& text, char32_t codePoint);
+
+} // namespace zelto

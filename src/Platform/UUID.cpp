@@ -1,0 +1,30 @@
+#include <Platform/UUID.h>
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <sys/random.h>
+
+namespace zelto {
+
+std::string uuid() {
+    std::array<unsigned char, 16> bytes{};
+    if (getentropy(bytes.data(), bytes.size()) != 0) {
+        std::perror("no random bytes from the kernel");
+        std::abort();
+    }
+    bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40);
+    bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80);
+    std::string text;
+    text.reserve(36);
+    for (std::size_t index = 0; index < bytes.size(); ++index) {
+        if (index == 4 || index == 6 || index == 8 || index == 10) {
+            text += '-';
+        }
+        text += "0123456789abcdef"[bytes[index] >> 4];
+        text += "0123456789abcdef"[bytes[index] & 15];
+    }
+    return text;
+}
+
+} // namespace zelto
