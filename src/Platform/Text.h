@@ -1,0 +1,51 @@
+#pragma once
+
+#include <Platform/UTF8.h>
+
+#include <optional>
+
+namespace zelto {
+
+// A character is what a reader sees as one (an extended grapheme cluster of UAX 29): a letter with its
+// combining marks, an emoji with its joiners, CR and LF together. Text that is not UTF-8 is not rejected
+// where characters are counted or cut: each ill-formed piece counts as one character. All of these may be
+// called on any thread.
+
+std::size_t characterCount(std::string_view text);
+
+// The first so many characters; all of a shorter text.
+std::string_view prefixCharacters(std::string_view text, std::size_t count);
+
+// As many whole characters as fit. Where not even the first one fits, as many whole code points of it as fit.
+std::string_view prefixBytes(std::string_view text, std::size_t limit);
+
+// The same with the limit in UTF-16 code units.
+std::string_view prefixUTF16Units(std::string_view text, std::size_t limit);
+
+// The length in UTF-16 code units. Each ill-formed piece counts as one.
+std::size_t utf16Length(std::string_view text);
+
+// Transliterated to Latin letters by ICU's "Any-Latin"; letters keep or get diacritics ("Жуков" gives
+// "Žukov"). Nothing if the text is not UTF-8.
+std::optional<std::string> toLatin(std::string_view text);
+
+// Without accents: decomposed, stripped of nonspacing marks, composed again. A letter that Unicode does not
+// decompose stays as it is ("ø", "ł", "đ"). Nothing if the text is not UTF-8.
+std::optional<std::string> strippingDiacritics(std::string_view text);
+
+// For comparing without regard to case (full case folding of Unicode; "ß" equals "ss"). Ill-formed pieces
+// become U+FFFD.
+std::string foldedCase(std::string_view text);
+
+// Without white space and line ends at both ends (White_Space of Unicode).
+std::string_view trimmed(std::string_view text);
+
+// Whether there is nothing but white space and line ends.
+bool isBlank(std::string_view text);
+
+// For showing foreign text on a terminal or in one line of a log: "\n", "\r" and "\t" for these three,
+// "\u{1B}" for other C0 and C1 controls, DEL, line separators and marks that turn the direction of writing,
+// "\xFF" for each byte that is not UTF-8. All else stays, the backslash too.
+std::string escapeControlCharacters(std::string_view text);
+
+} // namespace zelto
