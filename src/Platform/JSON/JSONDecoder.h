@@ -1,0 +1,30 @@
+#pragma once
+
+#include <Platform/JSON/JSONReader.h>
+#include <Platform/Result.h>
+
+#include <string_view>
+
+namespace zelto {
+
+// JSON to values. Unknown keys are ignored, a null reads as absent for an optional, a required key that is
+// missing is an error; of a key that stands twice the last counts. A number that is no whole one, or out of
+// range, does not decode as an integer (1.0 and 1e3 do). Nesting deeper than 512, UTF-8 or surrogates that
+// are broken, a byte order mark, numbers beyond a double and text behind the value are errors. Any thread.
+struct JSONDecoder {
+    DateStrategy dateStrategy = DateStrategy::default_;
+
+    template <class T> Result<T, DecodingError> decode(std::string_view text) const {
+        const auto tape = JSONTape::parse(text);
+        if (!tape) {
+            return failure(tape.error());
+        }
+        try {
+            return JSONReader(*tape, dateStrategy).as<T>();
+        } catch (DecodingError& error) {
+            return failure(std::move(error));
+        }
+    }
+};
+
+} // namespace zelto

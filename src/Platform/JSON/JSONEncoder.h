@@ -1,0 +1,31 @@
+#pragma once
+
+#include <Platform/JSON/JSONWriter.h>
+#include <Platform/Result.h>
+
+#include <string>
+
+namespace zelto {
+
+// Values to JSON. Keys stand in declared order, absent optionals are left out (an absent one at the top is
+// null), "/" and all that is not ASCII is written as it is. Text that is no UTF-8, a number that is not
+// finite, and nesting deeper than 512 are errors. Any thread.
+struct JSONEncoder {
+    DateStrategy dateStrategy = DateStrategy::default_;
+    int indent = 0; // blanks a level, for people; 0 writes one line without blanks
+
+    template <class T> Result<std::string, EncodingError> encode(const T& value) const {
+        JSONWriter writer(dateStrategy);
+        try {
+            writer.write(value);
+        } catch (EncodingError& error) {
+            return failure(std::move(error));
+        }
+        return indent > 0 ? indented(writer.take(), indent) : writer.take();
+    }
+
+  private:
+    static std::string indented(std::string_view json, int width);
+};
+
+} // namespace zelto

@@ -1,0 +1,307 @@
+#include <Platform/JSON/JSONTape.h>
+
+#include <boost/json/basic_parser_impl.hpp>
+
+#include <charconv>
+#include <cstring>
+#include <limits>
+#include <new>
+
+namespace zelto {
+
+namespace {
+
+using ParserError = boost::json::error_code;
+using Text = boost::json::string_view;
+
+enum class Refusal { numberTooLarge, outOfMemory };
+
+// The library's own double is not always the nearest one.
+bool nearestDouble(Text text, double& value) {
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc::result_out_of_range) {
+        // Too small is told the same way as too large.
+        const bool tooSmall = std::abs(value) < 1;
+        value = text.front() == '-' ? -0.0 : 0.0;
+        return tooSmall;
+    }
+    return true;
+}
+
+} // namespace
+
+// Takes the events of Boost.JSON's parser.
+class JSONTapeBuilder {
+  public:
+    constexpr static std::size_t max_object_size = std::numeric_limits<std::size_t>::max();
+    constexpr static std::size_t max_array_size = max_object_size;
+    constexpr static std::size_t max_key_size = max_object_size;
+    constexpr static std::size_t max_string_size = max_object_size;
+
+    explicit JSONTapeBuilder(std::string_view source) : source_(source) { grow(source.size() / 16 + 16); }
+
+    JSONTape take() && { return std::move(tape_); }
+
+    bool on_document_begin(ParserError&) { return true; }
+
+    bool on_document_end(ParserError&) { return true; }
+
+    bool on_object_begin(ParserError&) { return begin(JSONKind::object); }
+
+    bool on_object_end(std::size_t count, ParserError&) { return end(count); }
+
+    bool on_array_begin(ParserError&) { return begin(JSONKind::array); }
+
+    bool on_array_end(std::size_t count, ParserError&) { return end(count); }
+
+    bool on_key_part(Text part, std::size_t, ParserError&) { return unescape(part); }
+
+    bool on_key(Text rest, std::size_t size, ParserError&) { return string(rest, size); }
+
+    bool on_string_part(Text part, std::size_t, ParserError&) { return unescape(part); }
+
+    bool on_string(Text rest, std::size_t size, ParserError&) { return string(rest, size); }
+
+    bool on_number_part(Text, ParserError&) { return true; }
+
+    bool on_int64(std::int64_t value, Text text, ParserError&) {
+        auto& node = add();
+        if (value == 0 && text.front() == '-') {
+            node.kind = JSONKind::real;
+            node.real = -0.0;
+        } else {
+            node.kind = JSONKind::int64;
+            node.int64 = value;
+        }
+        return true;
+    }
+
+    bool on_uint64(std::uint64_t value, Text, ParserError&) {
+        auto& node = add();
+        node.kind = JSONKind::uint64;
+        node.uint64 = value;
+        return true;
+    }
+
+    bool on_double(double value, Text text, ParserError& error) {
+        if (!nearestDouble(text, value)) {
+            error = boost::json::error::exponent_overflow;
+            return false;
+        }
+        auto& node = add();
+        node.kind = JSONKind::real;
+        node.real = value;
+        return true;
+    }
+
+    bool on_bool(bool value, ParserError&) {
+        auto& node = add();
+        node.kind = JSONKind::boolean;
+        node.boolean = value;
+        return true;
+    }
+
+    bool on_null(ParserError&) {
+        add().kind = JSONKind::null;
+        return true;
+    }
+
+    bool on_comment_part(Text, ParserError&) { return true; }
+
+    bool on_comment(Text, ParserError&) { return true; }
+
+  private:
+    JSONNode& add() {
+        if (count_ == capacity_) [[unlikely]] {
+            grow(capacity_ * 2);
+        }
+        return tape_.nodes_.get()[count_++];
+    }
+
+    void grow(std::size_t capacity) {
+        auto* nodes = static_cast<JSONNode*>(std::realloc(tape_.nodes_.get(), capacity * sizeof(JSONNode)));
+        if (!nodes) {
+            throw std::bad_alloc();
+        }
+        static_cast<void>(tape_.nodes_.release());
+        tape_.nodes_.reset(nodes);
+        capacity_ = capacity;
+    }
+
+    bool begin(JSONKind kind) {
+        // Until its end is known, a container holds the place of the one around it.
+        auto& node = add();
+        node.kind = kind;
+        node.count = open_;
+        open_ = static_cast<std::uint32_t>(count_ - 1);
+        return true;
+    }
+
+    bool end(std::size_t count) {
+        auto& node = tape_.nodes_.get()[open_];
+        node.size = static_cast<std::uint32_t>(count_ - open_);
+        open_ = static_cast<std::uint32_t>(node.count);
+        node.count = count;
+        return true;
+    }
+
+    bool unescape(Text part) {
+        if (!tape_.unescaped_) {
+            // Text never gets longer by unescaping. Pages that stay unused cost nothing.
+            tape_.unescaped_ = std::make_unique_for_overwrite<char[]>(source_.size());
+            unescapedEnd_ = tape_.unescaped_.get();
+        }
+        std::memcpy(unescapedEnd_, part.data(), part.size());
+        unescapedEnd_ += part.size();
+        return true;
+    }
+
+    bool string(Text rest, std::size_t size) {
+        auto& node = add();
+        node.kind = JSONKind::string;
+        node.size = static_cast<std::uint32_t>(size);
+        if (rest.size() == size && rest.data() >= source_.data() &&
+            rest.data() <= source_.data() + source_.size()) {
+            node.string = rest.data();
+        } else {
+            unescape(rest);
+            node.string = unescapedEnd_ - size;
+        }
+        return true;
+    }
+
+    std::string_view source_;
+    JSONTape tape_;
+    std::size_t count_ = 0;
+    std::size_t capacity_ = 0;
+    std::uint32_t open_ = 0;
+    char* unescapedEnd_ = nullptr;
+};
+
+namespace {
+
+// Only listens, to find where an error lies.
+struct Nobody {
+    constexpr static std::size_t max_object_size = std::numeric_limits<std::size_t>::max();
+    constexpr static std::size_t max_array_size = max_object_size;
+    constexpr static std::size_t max_key_size = max_object_size;
+    constexpr static std::size_t max_string_size = max_object_size;
+
+    bool on_document_begin(ParserError&) { return true; }
+
+    bool on_document_end(ParserError&) { return true; }
+
+    bool on_object_begin(ParserError&) { return true; }
+
+    bool on_object_end(std::size_t, ParserError&) { return true; }
+
+    bool on_array_begin(ParserError&) { return true; }
+
+    bool on_array_end(std::size_t, ParserError&) { return true; }
+
+    bool on_key_part(Text, std::size_t, ParserError&) { return true; }
+
+    bool on_key(Text, std::size_t, ParserError&) { return true; }
+
+    bool on_string_part(Text, std::size_t, ParserError&) { return true; }
+
+    bool on_string(Text, std::size_t, ParserError&) { return true; }
+
+    bool on_number_part(Text, ParserError&) { return true; }
+
+    bool on_int64(std::int64_t, Text, ParserError&) { return true; }
+
+    bool on_uint64(std::uint64_t, Text, ParserError&) { return true; }
+
+    bool on_double(double, Text, ParserError&) { return true; }
+
+    bool on_bool(bool, ParserError&) { return true; }
+
+    bool on_null(ParserError&) { return true; }
+
+    bool on_comment_part(Text, ParserError&) { return true; }
+
+    bool on_comment(Text, ParserError&) { return true; }
+};
+
+boost::json::parse_options options() {
+    boost::json::parse_options all;
+    all.max_depth = jsonDepthLimit;
+    return all;
+}
+
+// Boost.JSON does not tell where it stopped. The text is read again in pieces, the one with the fault byte
+// by byte.
+std::size_t offsetOfFault(std::string_view source) {
+    constexpr std::size_t piece = 4096;
+    boost::json::basic_parser<Nobody> coarse(options());
+    ParserError error;
+    std::size_t begin = 0;
+    for (; begin < source.size(); begin += piece) {
+        const auto text = source.substr(begin, piece);
+        coarse.write_some(true, text.data(), text.size(), error);
+        if (error) {
+            break;
+        }
+    }
+    if (!error) {
+        return source.size();
+    }
+    boost::json::basic_parser<Nobody> fine(options());
+    error = {};
+    fine.write_some(true, source.data(), begin, error);
+    for (std::size_t offset = begin; offset < source.size(); ++offset) {
+        fine.write_some(true, source.data() + offset, 1, error);
+        if (error) {
+            return offset;
+        }
+    }
+    return source.size();
+}
+
+std::string textOf(ParserError error) {
+    switch (static_cast<boost::json::error>(error.value())) {
+    case boost::json::error::incomplete:
+        return "the text ends too early";
+    case boost::json::error::extra_data:
+        return "there is text behind the value";
+    case boost::json::error::too_deep:
+        return "nested deeper than " + std::to_string(jsonDepthLimit) + " levels";
+    case boost::json::error::exponent_overflow:
+        return "the number is too large";
+    case boost::json::error::illegal_leading_surrogate:
+    case boost::json::error::illegal_trailing_surrogate:
+        return "a surrogate stands alone in an escape";
+    case boost::json::error::expected_hex_digit:
+        return "an escape needs four hexadecimal digits";
+    default:
+        return "an unexpected byte, or text that is not UTF-8";
+    }
+}
+
+Result<JSONTape, DecodingError> syntaxError(std::size_t offset, std::string text) {
+    return failure(DecodingError{DecodingError::Reason::syntax, {}, std::move(text), offset});
+}
+
+} // namespace
+
+Result<JSONTape, DecodingError> JSONTape::parse(std::string_view source) {
+    if (source.starts_with("\xEF\xBB\xBF")) {
+        return syntaxError(0, "a byte order mark stands before the value");
+    }
+    if (source.size() > std::numeric_limits<std::uint32_t>::max()) {
+        return syntaxError(0, "the text is longer than 4 GiB");
+    }
+    boost::json::basic_parser<JSONTapeBuilder> parser(options(), source);
+    ParserError error;
+    const auto used = parser.write_some(false, source.data(), source.size(), error);
+    if (error) {
+        return syntaxError(offsetOfFault(source), textOf(error));
+    }
+    if (used < source.size()) {
+        return syntaxError(used, textOf(boost::json::error::extra_data));
+    }
+    return std::move(parser.handler()).take();
+}
+
+} // namespace zelto

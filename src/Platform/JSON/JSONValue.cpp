@@ -1,0 +1,248 @@
+#include <Platform/JSON/JSONValue.h>
+
+#include <algorithm>
+#include <cmath>
+#include <unordered_map>
+
+namespace zelto {
+
+namespace {
+
+constexpr std::size_t fewMembers = 16;
+
+template <class Number> bool equals(double real, Number integer) {
+    // Every double that a 64-bit integer rounds to is checked by going back, where that is defined.
+    constexpr double beyond =
+        std::same_as<Number, std::uint64_t> ? 18446744073709551616.0 : 9223372036854775808.0;
+    const auto rounded = static_cast<double>(integer);
+    return real == rounded && rounded < beyond && static_cast<Number>(rounded) == integer;
+}
+
+std::vector<const JSONObject::Member*> sorted(const JSONObject& object) {
+    std::vector<const JSONObject::Member*> members;
+    members.reserve(object.size());
+    for (const auto& each : object) {
+        members.push_back(&each);
+    }
+    std::ranges::sort(members, {},
+                      [](const JSONObject::Member* each) -> const std::string& { return each->first; });
+    return members;
+}
+
+} // namespace
+
+JSONObject::JSONObject() = default;
+JSONObject::JSONObject(const JSONObject& other) = default;
+JSONObject::JSONObject(JSONObject&& other) noexcept = default;
+JSONObject& JSONObject::operator=(const JSONObject& other) = default;
+JSONObject& JSONObject::operator=(JSONObject&& other) noexcept = default;
+JSONObject::~JSONObject() = default;
+
+JSONObject::JSONObject(std::initializer_list<Member> members) {
+    for (const auto& [key, value] : members) {
+        set(key, value);
+    }
+}
+
+std::size_t JSONObject::size() const {
+    return members_.size();
+}
+
+bool JSONObject::empty() const {
+    return members_.empty();
+}
+
+const JSONValue* JSONObject::find(std::string_view key) const {
+    const auto found = std::ranges::find(members_, key, &Member::first);
+    return found == members_.end() ? nullptr : &found->second;
+}
+
+JSONValue* JSONObject::find(std::string_view key) {
+    return const_cast<JSONValue*>(std::as_const(*this).find(key));
+}
+
+JSONValue& JSONObject::set(std::string_view key, JSONValue value) {
+    if (auto* found = find(key)) {
+        return *found = std::move(value);
+    }
+    return members_.emplace_back(key, std::move(value)).second;
+}
+
+bool JSONObject::erase(std::string_view key) {
+    return std::erase_if(members_, [&](const Member& each) { return each.first == key; }) > 0;
+}
+
+const JSONObject::Member* JSONObject::begin() const {
+    return members_.data();
+}
+
+const JSONObject::Member* JSONObject::end() const {
+    return members_.data() + members_.size();
+}
+
+bool JSONObject::operator==(const JSONObject& other) const {
+    if (size() != other.size()) {
+        return false;
+    }
+    const auto sameKey = [](const Member& one, const Member& two) { return one.first == two.first; };
+    if (std::ranges::equal(members_, other.members_, sameKey)) {
+        return members_ == other.members_;
+    }
+    return std::ranges::equal(sorted(*this), sorted(other),
+                              [](const Member* one, const Member* two) { return *one == *two; });
+}
+
+Result<JSONValue, DecodingError> JSONValue::parse(std::string_view text) {
+    return JSONDecoder().decode<JSONValue>(text);
+}
+
+Result<std::string, EncodingError> JSONValue::text(int indent) const {
+    return JSONEncoder{.indent = indent}.encode(*this);
+}
+
+std::optional<bool> JSONValue::asBool() const {
+    const auto* value = std::get_if<bool>(&value_);
+    return value ? std::optional(*value) : std::nullopt;
+}
+
+std::optional<std::int64_t> JSONValue::asInt64() const {
+    if (const auto* integer = std::get_if<std::int64_t>(&value_)) {
+        return *integer;
+    }
+    const auto* real = std::get_if<double>(&value_);
+    if (real && *real >= -9223372036854775808.0 && *real < 9223372036854775808.0 &&
+        std::trunc(*real) == *real) {
+        return static_cast<std::int64_t>(*real);
+    }
+    return std::nullopt;
+}
+
+std::optional<std::uint64_t> JSONValue::asUInt64() const {
+    if (const auto* integer = std::get_if<std::uint64_t>(&value_)) {
+        return *integer;
+    }
+    if (const auto* real = std::get_if<double>(&value_);
+        real && *real >= 0 && *real < 18446744073709551616.0 && std::trunc(*real) == *real) {
+        return static_cast<std::uint64_t>(*real);
+    }
+    const auto integer = asInt64();
+    return integer && *integer >= 0 ? std::optional(static_cast<std::uint64_t>(*integer)) : std::nullopt;
+}
+
+std::optional<double> JSONValue::asDouble() const {
+    if (const auto* real = std::get_if<double>(&value_)) {
+        return *real;
+    }
+    if (const auto* integer = std::get_if<std::int64_t>(&value_)) {
+        return static_cast<double>(*integer);
+    }
+    if (const auto* integer = std::get_if<std::uint64_t>(&value_)) {
+        return static_cast<double>(*integer);
+    }
+    return std::nullopt;
+}
+
+const JSONValue* JSONValue::find(std::string_view key) const {
+    const auto* object = asObject();
+    return object ? object->find(key) : nullptr;
+}
+
+JSONValue& JSONValue::set(std::string_view key, JSONValue value) {
+    if (!asObject()) {
+        value_ = JSONObject();
+    }
+    return asObject()->set(key, std::move(value));
+}
+
+bool JSONValue::operator==(const JSONValue& other) const {
+    if (kind() == other.kind()) {
+        return value_ == other.value_;
+    }
+    if (other.kind() == JSONKind::real && kind() != JSONKind::real) {
+        return other == *this;
+    }
+    if (const auto* real = std::get_if<double>(&value_)) {
+        if (const auto* integer = std::get_if<std::int64_t>(&other.value_)) {
+            return equals(*real, *integer);
+        }
+        if (const auto* integer = std::get_if<std::uint64_t>(&other.value_)) {
+            return equals(*real, *integer);
+        }
+    }
+    return false;
+}
+
+void encodeJSON(JSONWriter& writer, const JSONValue& value) {
+    switch (value.kind()) {
+    case JSONKind::null:
+        return writer.null();
+    case JSONKind::boolean:
+        return writer.boolean(*value.asBool());
+    case JSONKind::int64:
+        return writer.integer(*value.asInt64());
+    case JSONKind::uint64:
+        return writer.integer(*value.asUInt64());
+    case JSONKind::real:
+        return writer.number(*value.asDouble());
+    case JSONKind::string:
+        return writer.string(*value.asString());
+    case JSONKind::array:
+        return writer.write(*value.asArray());
+    case JSONKind::object:
+        writer.beginObject();
+        for (const auto& [key, each] : *value.asObject()) {
+            writer.key(key);
+            encodeJSON(writer, each);
+        }
+        return writer.endObject();
+    }
+}
+
+void decodeJSON(const JSONReader& reader, JSONValue& value) {
+    switch (reader.kind()) {
+    case JSONKind::null:
+        value = nullptr;
+        return;
+    case JSONKind::boolean:
+        value = reader.boolean();
+        return;
+    case JSONKind::int64:
+        value = reader.as<std::int64_t>();
+        return;
+    case JSONKind::uint64:
+        value = reader.as<std::uint64_t>();
+        return;
+    case JSONKind::real:
+        value = reader.number();
+        return;
+    case JSONKind::string:
+        value = reader.string();
+        return;
+    case JSONKind::array:
+        value = reader.as<JSONValue::Array>();
+        return;
+    case JSONKind::object:
+        break;
+    }
+    JSONObject object;
+    auto& members = object.members_;
+    members.reserve(reader.count());
+    if (reader.count() <= fewMembers) {
+        for (const auto& [key, each] : reader.members()) {
+            object.set(key, each.as<JSONValue>());
+        }
+    } else {
+        std::unordered_map<std::string_view, std::size_t> places;
+        for (const auto& [key, each] : reader.members()) {
+            const auto [place, isNew] = places.try_emplace(key, members.size());
+            if (isNew) {
+                members.emplace_back(key, each.as<JSONValue>());
+            } else {
+                members[place->second].second = each.as<JSONValue>();
+            }
+        }
+    }
+    value = std::move(object);
+}
+
+} // namespace zelto

@@ -1,0 +1,138 @@
+#pragma once
+
+#include <Platform/JSON/JSONCoding.h>
+
+#include <concepts>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace zelto {
+
+class JSONValue;
+
+// The members of a JSON object in their order. Each key stands once. Two are equal if they have equal
+// members, in whatever order.
+class JSONObject {
+  public:
+    using Member = std::pair<std::string, JSONValue>;
+
+    JSONObject();
+    JSONObject(std::initializer_list<Member> members);
+    JSONObject(const JSONObject& other);
+    JSONObject(JSONObject&& other) noexcept;
+    JSONObject& operator=(const JSONObject& other);
+    JSONObject& operator=(JSONObject&& other) noexcept;
+    ~JSONObject();
+
+    std::size_t size() const;
+    bool empty() const;
+    // Null if there is none.
+    const JSONValue* find(std::string_view key) const;
+    JSONValue* find(std::string_view key);
+    // Replaces the value in its place, or adds a member at the end.
+    JSONValue& set(std::string_view key, JSONValue value);
+    // False if there was none.
+    bool erase(std::string_view key);
+
+    const Member* begin() const;
+    const Member* end() const;
+
+    bool operator==(const JSONObject& other) const;
+
+  private:
+    friend void decodeJSON(const JSONReader& reader, JSONValue& value);
+
+    std::vector<Member> members_;
+};
+
+// Any JSON. Numbers are int64 where they fit, else uint64, else double: 64-bit integers are exact, and what
+// JSON writes 1.5, 1e3, 1.0 or -0 is a double. Of a key that stands twice in a text the last value counts, in
+// the place of the first. Numbers are equal by value, whatever holds them.
+class JSONValue {
+  public:
+    using Array = std::vector<JSONValue>;
+
+    JSONValue() = default;
+
+    JSONValue(std::nullptr_t) {}
+
+    JSONValue(std::same_as<bool> auto value) : value_(value) {}
+
+    template <std::integral I>
+
+    requires(!std::same_as<I, bool>) JSONValue(I value) {
+        if (std::in_range<std::int64_t>(value)) {
+            value_ = static_cast<std::int64_t>(value);
+        } else {
+            value_ = static_cast<std::uint64_t>(value);
+        }
+    }
+
+    JSONValue(double value) : value_(value) {}
+
+    JSONValue(std::string value) : value_(std::move(value)) {}
+
+    JSONValue(std::string_view value) : value_(std::string(value)) {}
+
+    JSONValue(const char* value) : value_(std::string(value)) {}
+
+    JSONValue(Array value) : value_(std::move(value)) {}
+
+    JSONValue(JSONObject value) : value_(std::move(value)) {}
+
+    static Result<JSONValue, DecodingError> parse(std::string_view text);
+    // Fails as JSONEncoder does.
+    Result<std::string, EncodingError> text(int indent = 0) const;
+
+    JSONKind kind() const { return static_cast<JSONKind>(value_.index()); }
+
+    bool isNull() const { return kind() == JSONKind::null; }
+
+    // Nothing if the value is of another kind. Numbers convert where the value stays the same.
+    std::optional<bool> asBool() const;
+    std::optional<std::int64_t> asInt64() const;
+    std::optional<std::uint64_t> asUInt64() const;
+    std::optional<double> asDouble() const;
+
+    // Null if the value is of another kind.
+    const std::string* asString() const { return std::get_if<std::string>(&value_); }
+
+    const Array* asArray() const { return std::get_if<Array>(&value_); }
+
+    Array* asArray() { return std::get_if<Array>(&value_); }
+
+    const JSONObject* asObject() const { return std::get_if<JSONObject>(&value_); }
+
+    JSONObject* asObject() { return std::get_if<JSONObject>(&value_); }
+
+    // An object's member; null if there is none, and of all other kinds.
+    const JSONValue* find(std::string_view key) const;
+    // Makes an object of a value that is none.
+    JSONValue& set(std::string_view key, JSONValue value);
+
+    bool operator==(const JSONValue& other) const;
+
+  private:
+    // In the order of JSONKind.
+    std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, double, std::string, Array, JSONObject>
+        value_;
+};
+
+ZELTO_JSON_CODED(JSONValue);
+
+// Between a value and what JSON makes of it, without a detour through one's own text.
+template <class T>
+Result<JSONValue, EncodingError> toJSONValue(const T& value,
+                                             DateStrategy dateStrategy = DateStrategy::default_) {
+    const auto text = JSONEncoder{dateStrategy}.encode(value);
+    if (!text) {
+        return failure(text.error());
+    }
+    return *JSONValue::parse(*text);
+}
+
+} // namespace zelto

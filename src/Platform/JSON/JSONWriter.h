@@ -1,0 +1,174 @@
+#pragma once
+
+#include <Platform/Enum.h>
+#include <Platform/JSON/DateStrategy.h>
+#include <Platform/JSON/JSONError.h>
+#include <Platform/JSON/JSONTypes.h>
+
+#include <array>
+#include <charconv>
+#include <concepts>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+namespace zelto {
+
+// Builds one JSON text, without blanks, as a type's encodeJSON fills it. Commas and colons come by
+// themselves; each begin needs its end, and an object's members are a key and a value in turn. What has no
+// JSON throws an EncodingError, which JSONEncoder catches.
+class JSONWriter {
+  public:
+    explicit JSONWriter(DateStrategy dateStrategy) : dateStrategy_(dateStrategy) {}
+
+    DateStrategy dateStrategy() const { return dateStrategy_; }
+
+    void null() { literal("null"); }
+
+    void boolean(bool value) { literal(value ? std::string_view("true") : std::string_view("false")); }
+
+    template <std::integral I> void integer(I value) {
+        reserve(longestNumber);
+        comma();
+        end_ = std::to_chars(end_, end_ + longestNumber, value).ptr;
+    }
+
+    // In the shortest form that reads back as the same double; 3600.0 is written as 3600.
+    void number(double value);
+    void string(std::string_view utf8);
+
+    void beginObject() { begin('{'); }
+
+    void endObject() { end('}'); }
+
+    void beginArray() { begin('['); }
+
+    void endArray() { end(']'); }
+
+    void key(std::string_view key);
+
+    // A key that is known to need no escape, with all that stands around it: `,"name":`.
+    void describedKey(std::string_view written) {
+        reserve(written.size());
+        const std::size_t skipped = needsComma() ? 0 : 1;
+        std::memcpy(end_, written.data() + skipped, written.size() - skipped);
+        end_ += written.size() - skipped;
+    }
+
+    // Any type that JSON codes; an absent optional is null.
+    template <class T> void write(const T& value);
+
+    // A member of an object; an absent optional is left out.
+    template <class T> void field(std::string_view name, const T& value) {
+        if constexpr (JSONOptional<T>) {
+            if (value) {
+                field(name, *value);
+            }
+        } else {
+            key(name);
+            write(value);
+        }
+    }
+
+    // The text; the writer is empty after it.
+    std::string take();
+
+    [[noreturn]] void fail(EncodingError::Reason reason);
+
+  private:
+    static constexpr std::ptrdiff_t longestNumber = 32;
+
+    void reserve(std::size_t count) {
+        // One more for the comma.
+        if (static_cast<std::size_t>(limit_ - end_) <= count) [[unlikely]] {
+            grow(count + 1);
+        }
+    }
+
+    bool needsComma() const {
+        // The last byte of what is finished is never one of these.
+        return end_ != buffer_.data() && end_[-1] != '{' && end_[-1] != '[' && end_[-1] != ':';
+    }
+
+    void comma() {
+        if (needsComma()) {
+            *end_++ = ',';
+        }
+    }
+
+    void literal(std::string_view text) {
+        reserve(text.size());
+        comma();
+        std::memcpy(end_, text.data(), text.size());
+        end_ += text.size();
+    }
+
+    void begin(char bracket) {
+        if (++depth_ > jsonDepthLimit) [[unlikely]] {
+            fail(EncodingError::Reason::tooDeep);
+        }
+        reserve(1);
+        comma();
+        *end_++ = bracket;
+    }
+
+    void end(char bracket) {
+        --depth_;
+        reserve(1);
+        *end_++ = bracket;
+    }
+
+    void grow(std::size_t count);
+    void quoted(std::string_view utf8);
+    void date(Date value);
+
+    std::string buffer_;
+    char* end_ = buffer_.data();
+    char* limit_ = buffer_.data();
+    int depth_ = 0;
+    DateStrategy dateStrategy_;
+
+  public:
+    JSONWriter(const JSONWriter&) = delete;
+    JSONWriter& operator=(const JSONWriter&) = delete;
+};
+
+template <class T> void JSONWriter::write(const T& value) {
+    if constexpr (std::same_as<T, bool>) {
+        boolean(value);
+    } else if constexpr (std::integral<T>) {
+        integer(value);
+    } else if constexpr (std::same_as<T, double>) {
+        number(value);
+    } else if constexpr (std::convertible_to<const T&, std::string_view>) {
+        string(value);
+    } else if constexpr (std::same_as<T, Date>) {
+        date(value);
+    } else if constexpr (JSONNumberedEnum<T>) {
+        integer(rawValue(value));
+    } else if constexpr (JSONOptional<T>) {
+        if (value) {
+            write(*value);
+        } else {
+            null();
+        }
+    } else if constexpr (JSONVector<T>) {
+        beginArray();
+        for (const auto& each : value) {
+            write<typename T::value_type>(each);
+        }
+        endArray();
+    } else if constexpr (JSONMap<T>) {
+        beginObject();
+        for (const auto& [name, each] : value) {
+            key(name);
+            write(each);
+        }
+        endObject();
+    } else {
+        encodeJSON(*this, value);
+    }
+}
+
+} // namespace zelto
