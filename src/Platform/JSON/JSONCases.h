@@ -77,7 +77,7 @@ template <Enumeration E> void readCase(const JSONReader& reader, E& value) {
     const auto [name, payload] = readCase(reader);
     const auto known = fromName<E>(name);
     if (!known) {
-        reader.failMismatch("the name of a known case");
+        reader.fail("expected the name of a known case as the key, found another");
     }
     readNoPayload(payload);
     value = *known;

@@ -87,7 +87,7 @@ Date JSONReader::date() const {
     }
     const auto date = parseISO8601(string());
     if (!date) {
-        fail("expected an ISO 8601 date, found another text");
+        failValue("an ISO 8601 date");
     }
     return *date;
 }
@@ -127,11 +127,13 @@ void JSONReader::fail(std::string text) const {
 }
 
 void JSONReader::failMismatch(std::string_view expected) const {
-    const bool another = expected.ends_with(nameOf(kind()).substr(2));
-    throw DecodingError{
-        DecodingError::Reason::mismatch, tape_->pathOf(node_),
-        "expected " + std::string(expected) + ", found " +
-            (another ? "another " + std::string(nameOf(kind()).substr(2)) : std::string(nameOf(kind())))};
+    throw DecodingError{DecodingError::Reason::mismatch, tape_->pathOf(node_),
+                        "expected " + std::string(expected) + ", found " + std::string(nameOf(kind()))};
+}
+
+void JSONReader::failValue(std::string_view expected) const {
+    throw DecodingError{DecodingError::Reason::mismatch, tape_->pathOf(node_),
+                        "expected " + std::string(expected) + ", found another value"};
 }
 
 void JSONReader::failMissing(std::string_view key) const {

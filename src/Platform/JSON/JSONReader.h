@@ -83,8 +83,10 @@ class JSONReader {
 
     // For rules of a type's own. The text must not hold the value.
     [[noreturn]] void fail(std::string text) const;
-    // "expected <what>, found a number"
+    // "expected <what>, found a number": a value of the wrong kind.
     [[noreturn]] void failMismatch(std::string_view expected) const;
+    // "expected <what>, found another value": the right kind, but no value of the type.
+    [[noreturn]] void failValue(std::string_view expected) const;
     [[noreturn]] void failMissing(std::string_view key) const;
 
     // The last member of each key, null where there is none.
@@ -208,7 +210,7 @@ template <class T> void JSONReader::read(T& value) const {
         const auto known = fromRawValue<T>(signedInteger(std::numeric_limits<std::int64_t>::min(),
                                                          std::numeric_limits<std::int64_t>::max()));
         if (!known) {
-            failMismatch("the number of a known case");
+            failValue("the number of a known case");
         }
         value = *known;
     } else if constexpr (JSONOptional<T>) {

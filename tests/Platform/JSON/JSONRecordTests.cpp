@@ -27,7 +27,7 @@ void encodeJSON(JSONWriter& writer, const Direction& value) {
 void decodeJSON(const JSONReader& reader, Direction& value) {
     const auto text = reader.string();
     if (text != "INCOMING" && text != "OUTGOING") {
-        reader.failMismatch("a direction");
+        reader.failValue("a direction");
     }
     value = text == "INCOMING" ? Direction::incoming : Direction::outgoing;
 }
@@ -252,14 +252,14 @@ TEST(JSONRecord, EnumerationsAreTheirNumbers) {
     EXPECT_EQ(encoded(Colour::darkBlue), "7");
     EXPECT_EQ(decoded<Colour>("7.0"), Colour::darkBlue);
     EXPECT_EQ(faultOf<std::vector<Colour>>("[3,4]"),
-              "[1]: expected the number of a known case, found another number");
+              "[1]: expected the number of a known case, found another value");
     EXPECT_EQ(faultOf<Colour>("\"red\""), "expected a whole number, found a string");
 }
 
 TEST(JSONRecord, AnEnumerationWithCodingOfItsOwnUsesIt) {
     EXPECT_EQ(encoded(std::vector{Direction::outgoing}), R"(["OUTGOING"])");
     EXPECT_EQ(decoded<Direction>(R"("INCOMING")"), Direction::incoming);
-    EXPECT_EQ(faultOf<Direction>(R"("UP")"), "expected a direction, found a string");
+    EXPECT_EQ(faultOf<Direction>(R"("UP")"), "expected a direction, found another value");
 }
 
 TEST(JSONRecord, TypesOfOtherNamespacesAndNestedOnesAreCoded) {
