@@ -1,0 +1,128 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace zelto {
+
+class OperationCore;
+
+// A piece of work that an OperationQueue runs once, when all operations that it depends on have finished.
+// Always made with std::make_shared. All functions may be called on any thread, and no lock is held while
+// main(), a completion block or any other function of a caller runs.
+//
+// An operation is pending, then executing, then finished. An asynchronous one (isAsynchronous) stays
+// executing when main() has returned, holding no thread, until it calls finish().
+//
+// Who owns it: the queue, from addOperation until it has finished. If the queue object is released before,
+// what is pending still runs; an asynchronous operation that executes is then owned by whoever is to call
+// finish(), who therefore holds it strongly (shared_from_this). One that is released while it executes counts
+// as finished. Finishing drops the completion block and the links to other operations.
+class Operation : public std::enable_shared_from_this<Operation> {
+  public:
+    Operation();
+    virtual ~Operation();
+    Operation(const Operation&) = delete;
+    Operation& operator=(const Operation&) = delete;
+
+    // Runs a ready operation that is in no queue, on the calling thread. Without effect when it isn't ready
+    // or has begun.
+    void start();
+
+    // An operation that has not begun never calls main(): at once, whatever it depends on and whether or not
+    // it is in a queue or its queue has room, endBeforeStart() is called on a thread of the pool and it
+    // counts as finished. For one that executes the flag is set and nothing else happens, unless a subclass
+    // acts (it calls this one too). Harmless at any other time and any number of times.
+    virtual void cancel();
+
+    // All dependencies have finished, or it was cancelled.
+    bool isReady() const;
+
+    bool isExecuting() const noexcept { return stage_.load() == executing; }
+
+    bool isFinished() const noexcept { return stage_.load() == finished; }
+
+    bool isCancelled() const noexcept { return cancelled_.load(); }
+
+    virtual bool isAsynchronous() const noexcept { return false; }
+
+    // This operation will not begin before the other one has finished, in whatever queue that is or if it is
+    // in none. Possible as long as this one has not begun, also when it is ready and in a queue; false after
+    // that. A pending dependency is not owned: released unfinished it never will finish, and holds nobody
+    // back. A finished one is kept until this operation finishes. Operations that depend on each other in a
+    // circle never begin; cancelling one of them releases the others, an operation cannot depend on itself.
+    bool addDependency(const std::shared_ptr<Operation>& dependency);
+    void removeDependency(const std::shared_ptr<Operation>& dependency);
+
+    // In order of addition; empty once this operation has finished.
+    std::vector<std::shared_ptr<Operation>> dependencies() const;
+
+    // Called once, after the operation has finished and released those that depend on it, on the thread that
+    // finished it. One that is set after that is never called.
+    void setCompletionBlock(std::move_only_function<void()> block);
+
+    // Never returns on the operation's own thread while it executes. Elsewhere it may be called from other
+    // operations.
+    void waitUntilFinished() const;
+
+  protected:
+    // The work. What it throws is contained (ContainedException.h), and the operation finishes, an
+    // asynchronous one too.
+    virtual void main();
+
+    // Called instead of main() when the operation was cancelled before it began, and before it counts as
+    // finished: the place to report that nothing was done.
+    virtual void endBeforeStart();
+
+    // Ends an asynchronous operation, on any thread, also within main(). Again has no effect.
+    void finish();
+
+  private:
+    friend class OperationCore;
+
+    enum Stage : int { pending, ending, executing, finished };
+    struct Links;
+
+    // What finishing takes out of the operation, to be dealt with when no lock is held.
+    struct Rest {
+        bool hasFinished = false;
+        std::unique_ptr<Links> links;
+        std::shared_ptr<OperationCore> core;
+
+        Rest();
+        Rest(Rest&& other) noexcept;
+        ~Rest();
+    };
+
+    bool begin();
+    bool perform();
+    void performEnding();
+    Rest conclude();
+    void end(Rest rest);
+    std::shared_ptr<OperationCore> dependencyEnded(const Operation& dependency,
+                                                   std::shared_ptr<Operation> kept);
+    Links& links();
+
+    mutable std::mutex mutex_;
+    std::atomic<int> stage_ = pending;
+    std::atomic<bool> cancelled_ = false;
+    std::uint32_t unfinishedDependencies_ = 0;
+    std::unique_ptr<Links> links_;
+    std::shared_ptr<OperationCore> core_;
+
+    // Guarded by the core's lock.
+    std::shared_ptr<Operation> keptByQueue_;
+    Operation* previous_ = nullptr;
+    Operation* next_ = nullptr;
+    std::uint64_t order_ = 0;
+    bool isListed_ = false;
+    bool isReadyListed_ = false;
+    bool holdsSlot_ = false;
+};
+
+} // namespace zelto

@@ -1,0 +1,127 @@
+#include <Platform/Operations/ThreadPool.h>
+
+#include <Platform/Operations/ContainedException.h>
+
+#include <algorithm>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace zelto {
+namespace {
+
+constexpr std::size_t leastThreads = 4;
+constexpr std::size_t mostThreadsAtWork = 64;
+constexpr std::chrono::milliseconds patience{10};
+constexpr std::chrono::seconds idleLife{10};
+
+thread_local bool isPoolThread = false;
+
+} // namespace
+
+ThreadPool& ThreadPool::shared() {
+    // Never destroyed: a job may still run while the process ends.
+    static auto* pool = new ThreadPool;
+    return *pool;
+}
+
+ThreadPool::ThreadPool() : least_(std::max<std::size_t>(leastThreads, std::thread::hardware_concurrency())) {
+    std::thread([this] { watch(); }).detach();
+}
+
+void ThreadPool::post(Job job) {
+    bool wakesWorker = false;
+    bool wakesWatch = false;
+    {
+        const std::lock_guard lock(mutex_);
+        jobs_.push_back(std::move(job));
+        waiting_.store(jobs_.size(), std::memory_order_relaxed);
+        if (jobs_.size() <= idle_) {
+            wakesWorker = true;
+        } else if (threads_ - blocked_ < least_) {
+            addThread();
+        } else {
+            wakesWatch = !std::exchange(watching_, true);
+        }
+    }
+    if (wakesWorker) {
+        work_.notify_one();
+    }
+    if (wakesWatch) {
+        watch_.notify_one();
+    }
+}
+
+void ThreadPool::addThread() {
+    try {
+        std::thread([this] { work(); }).detach();
+        ++threads_;
+    } catch (const std::system_error&) {
+        // The threads that are there take the job when they can; without any there is nobody to.
+        if (threads_ == 0) {
+            throw;
+        }
+    }
+}
+
+void ThreadPool::work() {
+    isPoolThread = true;
+    std::unique_lock lock(mutex_);
+    while (true) {
+        while (jobs_.empty()) {
+            ++idle_;
+            const bool ended = work_.wait_for(lock, idleLife) == std::cv_status::timeout;
+            --idle_;
+            if (ended && jobs_.empty() && threads_ - blocked_ > least_) {
+                --threads_;
+                return;
+            }
+        }
+        Job job = std::move(jobs_.front());
+        jobs_.pop_front();
+        waiting_.store(jobs_.size(), std::memory_order_relaxed);
+        ++taken_;
+        lock.unlock();
+        containingExceptions("A job of the thread pool", job);
+        job = nullptr;
+        lock.lock();
+    }
+}
+
+void ThreadPool::watch() {
+    std::unique_lock lock(mutex_);
+    while (true) {
+        watch_.wait(lock, [this] { return watching_; });
+        while (!jobs_.empty()) {
+            const auto before = taken_;
+            lock.unlock();
+            std::this_thread::sleep_for(patience);
+            lock.lock();
+            if (taken_ == before && !jobs_.empty() && atWork() < mostThreadsAtWork) {
+                addThread();
+            }
+        }
+        watching_ = false;
+    }
+}
+
+ThreadPool::BlockingScope::BlockingScope() : counted_(isPoolThread) {
+    if (counted_) {
+        auto& pool = shared();
+        const std::lock_guard lock(pool.mutex_);
+        ++pool.blocked_;
+        if (pool.jobs_.size() > pool.idle_ && pool.threads_ - pool.blocked_ < pool.least_) {
+            pool.addThread();
+        }
+    }
+}
+
+ThreadPool::BlockingScope::~BlockingScope() {
+    if (counted_) {
+        auto& pool = shared();
+        const std::lock_guard lock(pool.mutex_);
+        --pool.blocked_;
+    }
+}
+
+} // namespace zelto
