@@ -92,6 +92,10 @@ bool isValidUTF8(std::string_view bytes) noexcept {
     return validUTF8Length(bytes) == bytes.size();
 }
 
+std::size_t illFormedLength(std::string_view bytes) noexcept {
+    return sequenceAt(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()).length;
+}
+
 std::string repairedUTF8(std::string_view bytes) {
     std::string repaired;
     repaired.reserve(bytes.size());
@@ -103,8 +107,7 @@ std::string repairedUTF8(std::string_view bytes) {
             return repaired;
         }
         repaired += "\xEF\xBF\xBD";
-        bytes.remove_prefix(
-            sequenceAt(reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()).length);
+        bytes.remove_prefix(illFormedLength(bytes));
     }
 }
 

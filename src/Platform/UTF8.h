@@ -12,6 +12,10 @@ bool isValidUTF8(std::string_view bytes) noexcept;
 // How many bytes at the start are well-formed UTF-8; all of them if the whole is.
 std::size_t validUTF8Length(std::string_view bytes) noexcept;
 
+// The length of the ill-formed piece that begins at the front of bytes that are not empty and begin with no
+// well-formed character: the longest start of a character, or one byte.
+std::size_t illFormedLength(std::string_view bytes) noexcept;
+
 // Each ill-formed piece becomes one U+FFFD, as the Unicode standard advises (the longest piece that could
 // have begun a character counts as one).
 std::string repairedUTF8(std::string_view bytes);

@@ -1,0 +1,196 @@
+#include <Platform/Text.h>
+
+#include <unicode/brkiter.h>
+#include <unicode/utext.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+namespace zelto {
+
+namespace {
+
+bool isASCII(char byte) {
+    return static_cast<unsigned char>(byte) < 0x80;
+}
+
+bool isContinuation(char byte) {
+    return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
+}
+
+// Making an iterator of ICU costs as much as walking some thousand characters, so that each thread keeps one.
+icu::BreakIterator& iteratorOfThread() {
+    thread_local const std::unique_ptr<icu::BreakIterator> iterator = [] {
+        UErrorCode status = U_ZERO_ERROR;
+        std::unique_ptr<icu::BreakIterator> made(
+            icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
+        if (U_FAILURE(status)) {
+            std::fprintf(stderr, "ICU has no rules for characters: %s\n", u_errorName(status));
+            std::abort();
+        }
+        return made;
+    }();
+    return *iterator;
+}
+
+// Steps from the end of one character to the end of the next. Between two characters of ASCII there is always
+// an end, CR LF apart: ICU is asked about the pieces between such places only. Two of them at once on one
+// thread would disturb each other.
+class CharacterEnds {
+  public:
+    explicit CharacterEnds(std::string_view text) : text_(text) {}
+
+    CharacterEnds(const CharacterEnds&) = delete;
+    CharacterEnds& operator=(const CharacterEnds&) = delete;
+
+    ~CharacterEnds() { utext_close(&piece_); }
+
+    // Nothing behind the last one.
+    std::optional<std::size_t> next() {
+        if (end_ == pieceEnd_) {
+            if (end_ == text_.size()) {
+                return std::nullopt;
+            }
+            if (endsBehind(end_)) {
+                pieceEnd_ = end_ + 1;
+                return end_ = pieceEnd_;
+            }
+            openPiece();
+        }
+        const auto end = iterator_.next();
+        end_ = end == icu::BreakIterator::DONE ? pieceEnd_ : pieceBegin_ + static_cast<std::size_t>(end);
+        return end_;
+    }
+
+  private:
+    // ICU counts in 32 bits.
+    static constexpr std::size_t longestPiece = std::size_t{1} << 30;
+
+    // Whether the byte there is a whole character, or the last byte of one, for certain.
+    bool endsBehind(std::size_t index) const {
+        if (!isASCII(text_[index])) {
+            return false;
+        }
+        if (index + 1 == text_.size()) {
+            return true;
+        }
+        const char following = text_[index + 1];
+        return isASCII(following) && !(text_[index] == '\r' && following == '\n');
+    }
+
+    void openPiece() {
+        pieceBegin_ = end_;
+        const auto limit = pieceBegin_ + std::min(longestPiece, text_.size() - pieceBegin_);
+        while (pieceEnd_ < limit && !endsBehind(pieceEnd_)) {
+            ++pieceEnd_;
+        }
+        if (pieceEnd_ < limit) {
+            ++pieceEnd_;
+        } else if (pieceEnd_ < text_.size()) {
+            while (isContinuation(text_[pieceEnd_]) && pieceEnd_ > limit - 4) {
+                --pieceEnd_;
+            }
+        }
+        UErrorCode status = U_ZERO_ERROR;
+        utext_openUTF8(&piece_, text_.data() + pieceBegin_,
+                       static_cast<std::int64_t>(pieceEnd_ - pieceBegin_), &status);
+        iterator_.setText(&piece_, status);
+    }
+
+    std::string_view text_;
+    std::size_t end_ = 0;
+    std::size_t pieceBegin_ = 0;
+    std::size_t pieceEnd_ = 0;
+    UText piece_ = UTEXT_INITIALIZER;
+    icu::BreakIterator& iterator_ = iteratorOfThread();
+};
+
+std::size_t bytesOf(std::string_view piece) {
+    return piece.size();
+}
+
+// The longest prefix of whole characters that measures no more than the limit; of whole code points if the
+// first character alone measures more.
+template <class Measure>
+std::string_view prefixMeasuring(std::string_view text, std::size_t limit, Measure measure) {
+    CharacterEnds ends(text);
+    std::size_t length = 0;
+    std::size_t measured = 0;
+    while (const auto end = ends.next()) {
+        measured += measure(text.substr(length, *end - length));
+        if (measured > limit) {
+            break;
+        }
+        length = *end;
+    }
+    if (length > 0 || text.empty()) {
+        return text.substr(0, length);
+    }
+    measured = 0;
+    while (length < text.size()) {
+        auto next = length + 1;
+        while (next < std::min(length + 4, text.size()) && isContinuation(text[next])) {
+            ++next;
+        }
+        measured += measure(text.substr(length, next - length));
+        if (measured > limit) {
+            break;
+        }
+        length = next;
+    }
+    return text.substr(0, length);
+}
+
+} // namespace
+
+std::size_t characterCount(std::string_view text) {
+    CharacterEnds ends(text);
+    std::size_t count = 0;
+    while (ends.next()) {
+        ++count;
+    }
+    return count;
+}
+
+std::string_view prefixCharacters(std::string_view text, std::size_t count) {
+    CharacterEnds ends(text);
+    std::size_t length = 0;
+    for (; count > 0; --count) {
+        const auto end = ends.next();
+        if (!end) {
+            break;
+        }
+        length = *end;
+    }
+    return text.substr(0, length);
+}
+
+std::string_view prefixBytes(std::string_view text, std::size_t limit) {
+    return text.size() <= limit ? text : prefixMeasuring(text, limit, bytesOf);
+}
+
+std::string_view prefixUTF16Units(std::string_view text, std::size_t limit) {
+    // No text has more units than bytes.
+    return text.size() <= limit ? text : prefixMeasuring(text, limit, utf16Length);
+}
+
+std::size_t utf16Length(std::string_view text) {
+    std::size_t units = 0;
+    while (!text.empty()) {
+        const auto valid = text.substr(0, validUTF8Length(text));
+        for (const char byte : valid) {
+            units += (isContinuation(byte) ? 0u : 1u) + (static_cast<unsigned char>(byte) >= 0xF0 ? 1u : 0u);
+        }
+        text.remove_prefix(valid.size());
+        if (!text.empty()) {
+            text.remove_prefix(illFormedLength(text));
+            ++units;
+        }
+    }
+    return units;
+}
+
+} // namespace zelto
