@@ -1,0 +1,165 @@
+#include <Platform/FileManager.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace zelto {
+
+namespace {
+
+using std::filesystem::path;
+
+constexpr std::size_t readStep = std::size_t{1} << 20;
+
+auto systemFailure(const path& where) {
+    return failure(FileError::fromSystem(errno, where));
+}
+
+// Removes the file unless it has been renamed into its place.
+class Temporary {
+  public:
+    explicit Temporary(path where) : path_(std::move(where)) {}
+
+    Temporary(const Temporary&) = delete;
+    Temporary& operator=(const Temporary&) = delete;
+
+    ~Temporary() {
+        if (!path_.empty()) {
+            unlink(path_.c_str());
+        }
+    }
+
+    const path& where() const { return path_; }
+
+    void keep() { path_.clear(); }
+
+  private:
+    path path_;
+};
+
+// Not every file system can bring a directory to the disk.
+Result<void, FileError> syncDirectory(const path& directory) {
+    const auto opened = FileManager::openFile(directory, O_RDONLY | O_DIRECTORY);
+    if (!opened) {
+        return failure(opened.error());
+    }
+    if (fsync(opened->number()) != 0 && errno != EINVAL && errno != ENOTSUP) {
+        return systemFailure(directory);
+    }
+    return {};
+}
+
+// As much as is known to be there, so that a file is read in one piece.
+std::size_t expectedSize(const struct stat& status, std::uint64_t limit) {
+    return static_cast<std::size_t>(
+        std::min(static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0)), limit));
+}
+
+} // namespace
+
+Result<Data, FileError> FileManager::readFile(const path& where, std::uint64_t limit) {
+    const auto file = openFile(where, O_RDONLY);
+    if (!file) {
+        return failure(file.error());
+    }
+
+    struct stat status {};
+
+    if (fstat(file->number(), &status) != 0) {
+        return systemFailure(where);
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return failure(FileError::fromSystem(EISDIR, where));
+    }
+    if (S_ISREG(status.st_mode) && static_cast<std::uint64_t>(status.st_size) > limit) {
+        return failure(FileError{FileErrorCode::tooLarge, 0, where});
+    }
+    Data bytes;
+    std::size_t filled = 0;
+    // One byte more than expected, so that the end shows without another growth.
+    bytes.resize(expectedSize(status, limit) + 1);
+    for (;;) {
+        const auto count = read(file->number(), bytes.data() + filled, bytes.size() - filled);
+        if (count < 0 && errno == EINTR) {
+            continue;
+        }
+        if (count < 0) {
+            return systemFailure(where);
+        }
+        filled += static_cast<std::size_t>(count);
+        if (filled > limit) {
+            return failure(FileError{FileErrorCode::tooLarge, 0, where});
+        }
+        if (count == 0) {
+            bytes.resize(filled);
+            return bytes;
+        }
+        if (filled == bytes.size()) {
+            bytes.resize(bytes.size() + std::max(readStep, bytes.size() / 2));
+        }
+    }
+}
+
+Result<void, FileError> FileManager::writeFileAtomically(const path& where, std::string_view bytes,
+                                                         unsigned mode) {
+    const auto directory = where.has_parent_path() ? where.parent_path() : path(".");
+    auto name = (directory / ".zelto-XXXXXX").native();
+    {
+        const FileDescriptor file(mkostemp(name.data(), O_CLOEXEC));
+        if (!file) {
+            return systemFailure(directory);
+        }
+        Temporary temporary(name);
+        if (fchmod(file.number(), mode) != 0) {
+            return systemFailure(where);
+        }
+        if (auto written = writeAll(file, bytes, where); !written) {
+            return written;
+        }
+        if (fsync(file.number()) != 0 || rename(temporary.where().c_str(), where.c_str()) != 0) {
+            return systemFailure(where);
+        }
+        temporary.keep();
+    }
+    return syncDirectory(directory);
+}
+
+Result<void, FileError> FileManager::writeFileAtomically(const path& where, const Data& bytes,
+                                                         unsigned mode) {
+    return writeFileAtomically(where, viewOf(bytes), mode);
+}
+
+Result<FileDescriptor, FileError> FileManager::openFile(const path& where, int flags, unsigned mode) {
+    for (;;) {
+        FileDescriptor file(open(where.c_str(), flags | O_CLOEXEC, mode));
+        if (file) {
+            return file;
+        }
+        if (errno != EINTR) {
+            return systemFailure(where);
+        }
+    }
+}
+
+Result<FileDescriptor, FileError> FileManager::createFile(const path& where, unsigned mode) {
+    return openFile(where, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW, mode);
+}
+
+Result<void, FileError> FileManager::writeAll(const FileDescriptor& file, std::string_view bytes,
+                                              const path& where) {
+    while (!bytes.empty()) {
+        const auto count = write(file.number(), bytes.data(), bytes.size());
+        if (count >= 0) {
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        } else if (errno != EINTR) {
+            return systemFailure(where);
+        }
+    }
+    return {};
+}
+
+} // namespace zelto
