@@ -50,7 +50,7 @@ struct Pipe {
         if (!reading || !writing) {
             return failure(reading ? writing.error() : reading.error());
         }
-        ::fcntl(reading->get(), F_SETFL, O_NONBLOCK);
+        ::fcntl(reading->number(), F_SETFL, O_NONBLOCK);
         return Pipe{std::move(*reading), std::move(*writing)};
     }
 };
@@ -65,13 +65,13 @@ Result<FileDescriptor, std::error_code> inputFile(const std::string& input) {
         return file;
     }
     for (std::size_t written = 0; written < input.size();) {
-        const auto count = ::write(file->get(), input.data() + written, input.size() - written);
+        const auto count = ::write(file->number(), input.data() + written, input.size() - written);
         if (count < 0 && errno != EINTR) {
             return failure(lastError());
         }
         written += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
-    if (::lseek(file->get(), 0, SEEK_SET) != 0) {
+    if (::lseek(file->number(), 0, SEEK_SET) != 0) {
         return failure(lastError());
     }
     return file;
@@ -138,10 +138,10 @@ Result<ChildProcess, std::error_code> ChildProcess::start(const ProcessRequest& 
         .environment = request.environment ? environment.data() : ::environ,
         .workingDirectory = request.workingDirectory.empty() ? nullptr : request.workingDirectory.c_str(),
         .limits = request.limits,
-        .input = input->get(),
-        .output = keeps ? output->writing.get() : nowhere->get(),
-        .errorOutput = keeps ? errorOutput->writing.get() : nowhere->get(),
-        .startError = startError->writing.get(),
+        .input = input->number(),
+        .output = keeps ? output->writing.number() : nowhere->number(),
+        .errorOutput = keeps ? errorOutput->writing.number() : nowhere->number(),
+        .startError = startError->writing.number(),
         .parent = ::getpid(),
         .openFilesLimit = ::sysconf(_SC_OPEN_MAX),
     };
@@ -173,7 +173,7 @@ std::optional<ProcessEnd> ChildProcess::collect() {
         return ProcessFailedToStart{lastError()}; // somebody else has collected it
     }
     int error = 0;
-    if (::read(startError_.get(), &error, sizeof error) == sizeof error) {
+    if (::read(startError_.number(), &error, sizeof error) == sizeof error) {
         return ProcessFailedToStart{{error, std::generic_category()}};
     }
     if (WIFSIGNALED(status)) {

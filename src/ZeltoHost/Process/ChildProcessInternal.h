@@ -2,9 +2,9 @@
 
 // For sources only: brings in POSIX.
 
-#include <ZeltoHost/Process/FileDescriptor.h>
 #include <ZeltoHost/Process/Process.h>
 
+#include <Platform/FileDescriptor.h>
 #include <Platform/Result.h>
 
 #include <sys/types.h>

@@ -29,18 +29,18 @@ class OutputTail {
   public:
     OutputTail(FileDescriptor& source, std::size_t kept) : source_(source), kept_(kept) {}
 
-    int descriptor() const { return source_.get(); }
+    int descriptor() const { return source_.number(); }
 
     // Takes what is there, but no more than a few pieces: a program may write faster than we read.
     void read() {
         std::array<char, 16 * 1024> piece;
         for (int round = 0; source_ && round < 16; ++round) {
-            const auto count = ::read(source_.get(), piece.data(), piece.size());
+            const auto count = ::read(source_.number(), piece.data(), piece.size());
             if (count < 0) {
                 return;
             }
             if (count == 0) {
-                source_.reset();
+                source_ = FileDescriptor();
                 return;
             }
             text_.append(piece.data(), static_cast<std::size_t>(count));
@@ -67,10 +67,11 @@ class OutputTail {
 class StopSignal {
   public:
     explicit StopSignal(const std::stop_token& stop)
-        : event_(::eventfd(0, EFD_CLOEXEC)),
-          callback_(stop, [this] { [[maybe_unused]] const auto done = ::eventfd_write(event_.get(), 1); }) {}
+        : event_(::eventfd(0, EFD_CLOEXEC)), callback_(stop, [this] {
+              [[maybe_unused]] const auto done = ::eventfd_write(event_.number(), 1);
+          }) {}
 
-    int descriptor() const { return event_.get(); }
+    int descriptor() const { return event_.number(); }
 
   private:
     FileDescriptor event_;
@@ -133,7 +134,7 @@ class Watch {
         }
         constexpr milliseconds most{std::chrono::hours(24)};
         const int timeout = longest ? static_cast<int>(std::min(*longest, most).count()) : -1;
-        std::array<pollfd, 4> watched{{{child_.endSignal().get(), POLLIN, 0},
+        std::array<pollfd, 4> watched{{{child_.endSignal().number(), POLLIN, 0},
                                        {output_.descriptor(), POLLIN, 0},
                                        {errorOutput_.descriptor(), POLLIN, 0},
                                        {stopDescriptor, POLLIN, 0}}};

@@ -1,6 +1,6 @@
 #include <ZeltoHost/Process/Process.h>
 
-#include <ZeltoHost/Process/FileDescriptor.h>
+#include <Platform/FileDescriptor.h>
 
 #include <gtest/gtest.h>
 
@@ -253,7 +253,7 @@ TEST(Process, ACallerWithoutStandardFilesCanRunPrograms) {
     request.input = "given";
     const auto result = runProcess(request);
     if (saved) {
-        ::dup2(saved.get(), STDIN_FILENO);
+        ::dup2(saved.number(), STDIN_FILENO);
     }
     EXPECT_EQ(result.output, "given");
     EXPECT_EQ(result.errorOutput, "err\n");
