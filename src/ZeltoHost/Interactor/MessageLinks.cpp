@@ -1,0 +1,103 @@
+#include <Platform/PercentEncoding.h>
+#include <ZeltoHost/HTML/PlainText.h>
+#include <ZeltoHost/Interactor/MessageLinks.h>
+
+namespace zelto {
+
+namespace {
+
+// "$", "+", "=", "!" and the like stand in ids and in URLs alike, but "(", ")", "'", "*", "&" and ";" would
+// have to be escaped again wherever a link is written.
+std::string escapedMessageID(std::string_view id) {
+    static constexpr std::string_view kept = "-._~@$+=!";
+    std::string result;
+    for (const char c : id) {
+        const bool alphanumeric = (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'z');
+        if (alphanumeric || kept.find(c) != std::string_view::npos) {
+            result += c;
+        } else {
+            result += percentEncodeBytes({&c, 1}, AllowedCharacters::alphanumerics);
+        }
+    }
+    return result;
+}
+
+std::string replacingEach(std::string_view text, std::string_view characters, auto replacement) {
+    std::string result;
+    for (const char c : text) {
+        if (characters.find(c) == std::string_view::npos) {
+            result += c;
+        } else {
+            result += replacement(c);
+        }
+    }
+    return result;
+}
+
+std::string percentEncodedEach(std::string_view url, std::string_view characters) {
+    return replacingEach(url, characters, [](char c) {
+        return percentEncodeBytes({&c, 1}, AllowedCharacters::alphanumerics);
+    });
+}
+
+std::string slackEscaped(std::string_view text) {
+    return replacingEach(text, "&<>", [](char c) {
+        return std::string(c == '&' ? "&amp;" : c == '<' ? "&lt;" : "&gt;");
+    });
+}
+
+} // namespace
+
+std::optional<IntegrationLinkComponents> MessageLinks::components(const IntegrationLinkType& type) const {
+    struct Chooser {
+        const MessageLinks& links;
+
+        const auto& operator()(const IntegrationLinkType::Backlink&) const { return links.backlink; }
+
+        const auto& operator()(const IntegrationLinkType::AltBacklink&) const { return links.altBacklink; }
+
+        const auto& operator()(const IntegrationLinkType::WebLink&) const { return links.webLink; }
+
+        const auto& operator()(const IntegrationLinkType::SafeBacklink&) const { return links.safeBacklink; }
+    };
+
+    const auto& url = std::visit(Chooser{*this}, type.value);
+    return url ? std::optional(IntegrationLinkComponents{text, *url}) : std::nullopt;
+}
+
+std::optional<std::string> MessageLinks::written(const IntegrationLinkType& type) const {
+    const auto link = components(type);
+    return link ? std::optional(writtenLink(*link, type.format())) : std::nullopt;
+}
+
+MessageLinks linksToMail(const std::optional<std::string>& messageID) {
+    if (!messageID) {
+        return {};
+    }
+    MessageLinks links;
+    links.backlink = "mid:" + escapedMessageID(*messageID);
+    links.altBacklink = "message:%3C" + escapedMessageID(*messageID) + "%3E";
+    links.safeBacklink = "mid:" + percentEncodeBytes(*messageID, AllowedCharacters::alphanumerics);
+    return links;
+}
+
+std::string writtenLink(const IntegrationLinkComponents& link, IntegrationLinkFormat format) {
+    switch (format) {
+    case IntegrationLinkFormat::raw:
+        return link.url;
+    case IntegrationLinkFormat::html:
+        return "<a href=\"" + htmlEscaped(link.url) + "\">" + htmlEscaped(link.text) + "</a>";
+    case IntegrationLinkFormat::markdown:
+        return "[" +
+               replacingEach(link.text, "\\[]*_`<>",
+                             [](char c) {
+                                 return std::string{'\\', c};
+                             }) +
+               "](" + percentEncodedEach(link.url, "()<> ") + ")";
+    case IntegrationLinkFormat::mrkdwn:
+        return "<" + slackEscaped(percentEncodedEach(link.url, "|<>")) + "|" + slackEscaped(link.text) + ">";
+    }
+    return link.url;
+}
+
+} // namespace zelto

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <ZeltoIntegrations/IntegrationLink.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zelto {
+
+// The addresses of one message; each may be absent.
+struct MessageLinks {
+    std::string text; // what a reader sees of a link
+    std::optional<std::string> backlink;
+    std::optional<std::string> altBacklink;
+    std::optional<std::string> safeBacklink;
+    std::optional<std::string> webLink;
+
+    std::optional<IntegrationLinkComponents> components(const IntegrationLinkType& type) const;
+    // The link in the type's format.
+    std::optional<std::string> written(const IntegrationLinkType& type) const;
+};
+
+// The three backlinks to the mail with that Message-ID (without angle brackets), which the user's mail client
+// opens:
+// - the backlink is the "mid:" URL of RFC 2392, "mid:note.1@example.org";
+// - the alternative is the "message:" URL that some mail clients know instead, with the angle brackets of the
+//   header, "message:%3Cnote.1@example.org%3E";
+// - the safe one is the same "mid:" URL with everything but letters and digits escaped
+//   ("mid:note%2E1%40example%2Eorg"), for places that take "@" for an address, "_" for emphasis or "." for
+//   the end of a link.
+MessageLinks linksToMail(const std::optional<std::string>& messageID);
+
+// `raw` is the URL alone, `html` an element, `markdown` "[text](url)", `mrkdwn` "<url|text>"; the text is
+// escaped as the format asks.
+std::string writtenLink(const IntegrationLinkComponents& link, IntegrationLinkFormat format);
+
+} // namespace zelto

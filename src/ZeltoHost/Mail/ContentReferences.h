@@ -1,0 +1,16 @@
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+
+namespace zelto {
+
+// The content ids of the "cid:" URLs (RFC 2392) in attributes and styles of an HTML text.
+std::set<std::string> referredContentIDs(std::string_view html);
+
+// The content id of a "cid:" URL; nothing for any other.
+std::optional<std::string> contentIDOf(std::string_view url);
+
+} // namespace zelto

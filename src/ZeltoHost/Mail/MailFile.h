@@ -1,0 +1,42 @@
+#pragma once
+
+#include <Platform/FileDescriptor.h>
+#include <Platform/Result.h>
+#include <ZeltoHost/Mail/MailError.h>
+
+#include <cstdint>
+#include <ctime>
+#include <filesystem>
+#include <memory>
+#include <span>
+
+namespace zelto {
+
+// A mail on disk, held open: deleting or replacing the file does no harm, changing it in place is noticed.
+// Any thread.
+class MailFile {
+  public:
+    // A regular file, or a pipe, which is spooled first.
+    static Result<std::shared_ptr<const MailFile>, MailError> open(const std::filesystem::path& path);
+
+    std::uint64_t size() const { return size_; }
+
+    // Fills the whole buffer from the offset on; less than that in the file is `changed`.
+    Result<void, MailError> read(std::uint64_t offset, std::span<char> buffer) const;
+
+    // False once the file has been written to or cut since it was opened.
+    bool isUnchanged() const;
+
+  private:
+    MailFile(FileDescriptor file, std::uint64_t size, timespec modified);
+
+    FileDescriptor file_;
+    std::uint64_t size_;
+    timespec modified_;
+};
+
+// Copies all that comes from an open file, such as standard input, to a file in the process's private
+// temporary directory, and gives its path.
+Result<std::filesystem::path, MailError> spool(int descriptor);
+
+} // namespace zelto

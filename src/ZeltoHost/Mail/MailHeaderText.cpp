@@ -1,0 +1,120 @@
+#include <Platform/UTF8.h>
+#include <ZeltoHost/Mail/GMimeInternal.h>
+#include <ZeltoHost/Mail/MailHeaderText.h>
+
+#include <algorithm>
+
+namespace zelto {
+
+namespace {
+
+// GMime descends into a group for each colon; no mail has more groups than this.
+constexpr std::size_t maxGroups = 100;
+
+std::optional<std::string> nonEmpty(std::string text) {
+    return text.empty() ? std::nullopt : std::optional(std::move(text));
+}
+
+std::string withFewGroups(std::string value) {
+    std::size_t groups = 0;
+    for (auto& c : value) {
+        if (c == ':' && ++groups > maxGroups) {
+            c = ' ';
+        }
+        // Some programs put semicolons between addresses.
+        if (c == ';' && groups == 0) {
+            c = ',';
+        }
+    }
+    return value;
+}
+
+// "Jane Mary Doe" and "Doe, Jane Mary".
+void splitName(IntegrationsInteractorAddress& address) {
+    const auto& name = *address.displayName;
+    if (const auto comma = name.find(','); comma != std::string::npos) {
+        address.lastName = nonEmpty(onOneLine(name.substr(0, comma)));
+        address.firstName = nonEmpty(onOneLine(name.substr(comma + 1)));
+        return;
+    }
+    const auto blank = name.rfind(' ');
+    address.firstName = name.substr(0, blank);
+    if (blank != std::string::npos) {
+        address.lastName = name.substr(blank + 1);
+    }
+}
+
+void collect(InternetAddressList* list, std::vector<IntegrationsInteractorAddress>& addresses) {
+    const int count = internet_address_list_length(list);
+    for (int index = 0; index < count; ++index) {
+        auto* each = internet_address_list_get_address(list, index);
+        if (INTERNET_ADDRESS_IS_GROUP(each)) {
+            collect(internet_address_group_get_members(INTERNET_ADDRESS_GROUP(each)), addresses);
+            continue;
+        }
+        IntegrationsInteractorAddress address;
+        address.email = onOneLine(textOf(internet_address_mailbox_get_addr(INTERNET_ADDRESS_MAILBOX(each))));
+        address.displayName = nonEmpty(onOneLine(textOf(internet_address_get_name(each))));
+        if (address.email.empty()) {
+            continue;
+        }
+        if (address.displayName) {
+            splitName(address);
+        }
+        addresses.push_back(std::move(address));
+    }
+}
+
+} // namespace
+
+std::string onOneLine(std::string_view text) {
+    const auto valid = repairedUTF8(text);
+    std::string line;
+    bool blank = false;
+    for (std::string_view rest = valid; !rest.empty();) {
+        const auto [c, length] = firstCodePoint(rest);
+        if (c <= ' ' || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029) {
+            blank = !line.empty();
+        } else {
+            line.append(blank ? " " : "").append(rest.substr(0, length));
+            blank = false;
+        }
+        rest.remove_prefix(length);
+    }
+    return line;
+}
+
+std::string decodedText(std::string_view value) {
+    const std::string text(value);
+    const GLibPointer<char> decoded(g_mime_utils_header_decode_text(gmimeOptions(), text.c_str()));
+    return onOneLine(textOf(decoded.get()));
+}
+
+std::vector<IntegrationsInteractorAddress> decodedAddresses(std::string_view value) {
+    std::vector<IntegrationsInteractorAddress> addresses;
+    const auto text = withFewGroups(std::string(value));
+    const GLibPointer<InternetAddressList> list(internet_address_list_parse(gmimeOptions(), text.c_str()));
+    if (list) {
+        collect(list.get(), addresses);
+    }
+    return addresses;
+}
+
+std::optional<Date> decodedDate(std::string_view value) {
+    gmimeOptions();
+    const std::string text(value);
+    const GLibPointer<GDateTime> date(g_mime_utils_header_decode_date(text.c_str()));
+    return date ? std::optional(Date::fromUnixSeconds(static_cast<double>(g_date_time_to_unix(date.get()))))
+                : std::nullopt;
+}
+
+std::optional<std::string> decodedMessageID(std::string_view value) {
+    gmimeOptions();
+    const std::string text(value);
+    const GLibPointer<char> decoded(g_mime_utils_decode_message_id(text.c_str()));
+    auto id = onOneLine(textOf(decoded.get()));
+    std::erase(id, ' ');
+    return nonEmpty(std::move(id));
+}
+
+} // namespace zelto

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <ZeltoHost/Mail/MailScanner.h>
+
+namespace zelto {
+
+// What a part's header says about it.
+struct MailPartHeader {
+    MailPart part;
+    std::string boundary; // of a multipart, or empty
+};
+
+// `inDigest`: a part of a multipart/digest is a message unless it says other.
+MailPartHeader readPartHeader(const std::vector<MailField>& fields, bool inDigest);
+
+bool isMultipart(const MailPart& part);
+bool isMessage(const MailPart& part); // an attached message
+
+} // namespace zelto
