@@ -19,6 +19,11 @@ auto systemFailure(const path& where) {
     return failure(FileError::fromSystem(errno, where));
 }
 
+// The system would take such a path for the part before the NUL, which is another file.
+bool holdsNul(const path& where) {
+    return where.native().contains('\0');
+}
+
 // Removes the file unless it has been renamed into its place.
 class Temporary {
   public:
@@ -106,6 +111,9 @@ Result<Data, FileError> FileManager::readFile(const path& where, std::uint64_t l
 
 Result<void, FileError> FileManager::writeFileAtomically(const path& where, std::string_view bytes,
                                                          unsigned mode) {
+    if (holdsNul(where)) {
+        return failure(FileError::fromSystem(EINVAL, where));
+    }
     const auto directory = where.has_parent_path() ? where.parent_path() : path(".");
     auto name = (directory / ".zelto-XXXXXX").native();
     {
@@ -134,6 +142,9 @@ Result<void, FileError> FileManager::writeFileAtomically(const path& where, cons
 }
 
 Result<FileDescriptor, FileError> FileManager::openFile(const path& where, int flags, unsigned mode) {
+    if (holdsNul(where)) {
+        return failure(FileError::fromSystem(EINVAL, where));
+    }
     for (;;) {
         FileDescriptor file(open(where.c_str(), flags | O_CLOEXEC, mode));
         if (file) {

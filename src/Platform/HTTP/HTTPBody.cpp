@@ -1,6 +1,7 @@
 #include <Platform/HTTP/HTTPBody.h>
 
 #include <Platform/Base64.h>
+#include <Platform/FileManager.h>
 
 #include <algorithm>
 #include <array>
@@ -21,35 +22,25 @@ class OpenFile {
   public:
     // Nothing for what cannot be opened or is no regular file; a pipe is not waited for.
     static std::shared_ptr<const OpenFile> open(const std::filesystem::path& path) {
-        if (path.native().contains('\0')) {
-            return nullptr;
-        }
-        const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-        if (descriptor < 0) {
-            return nullptr;
-        }
-        auto file = std::make_shared<OpenFile>(descriptor);
+        auto descriptor = FileManager::openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
         struct stat status = {};
-        if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+        if (!descriptor || ::fstat(descriptor->number(), &status) != 0 || !S_ISREG(status.st_mode)) {
             return nullptr;
         }
-        file->size_ = static_cast<std::uint64_t>(status.st_size);
-        return file->size_ <= maximumFileSize ? file : nullptr;
+        const auto size = static_cast<std::uint64_t>(status.st_size);
+        return size <= maximumFileSize ? std::make_shared<OpenFile>(std::move(*descriptor), size) : nullptr;
     }
 
-    explicit OpenFile(int descriptor) : descriptor_(descriptor) {}
-
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-
-    ~OpenFile() { ::close(descriptor_); }
+    OpenFile(FileDescriptor descriptor, std::uint64_t size)
+        : descriptor_(std::move(descriptor)), size_(size) {}
 
     std::uint64_t size() const { return size_; }
 
     // Fills the buffer whole.
     Result<void, HTTPBodyError> read(std::uint64_t offset, std::span<std::uint8_t> buffer) const {
         while (!buffer.empty()) {
-            const auto count = ::pread(descriptor_, buffer.data(), buffer.size(), static_cast<off_t>(offset));
+            const auto count =
+                ::pread(descriptor_.number(), buffer.data(), buffer.size(), static_cast<off_t>(offset));
             if (count < 0 && errno == EINTR) {
                 continue;
             }
@@ -63,8 +54,8 @@ class OpenFile {
     }
 
   private:
-    int descriptor_;
-    std::uint64_t size_ = 0;
+    FileDescriptor descriptor_;
+    std::uint64_t size_;
 };
 
 } // namespace
