@@ -1,6 +1,8 @@
 #pragma once
 
+#include <Platform/FileError.h>
 #include <Platform/HTTP/URLRequest.h>
+#include <Platform/Result.h>
 #include <ZeltoIntegrations/Helpers/ExporterHelperMultipartData.h>
 #include <ZeltoIntegrations/IntegrationExportContentType.h>
 #include <ZeltoIntegrations/ServiceType.h>
@@ -37,8 +39,8 @@ class ExportServiceHelper {
     static std::string txtName(std::string_view name, bool sanitise = true);
 
     // A path of that name in a fresh folder of the temporary directory.
-    static std::filesystem::path pdfFilePath(std::string_view name, bool sanitise = true);
-    static std::filesystem::path txtFilePath(std::string_view name, bool sanitise = true);
+    static Result<std::filesystem::path, FileError> pdfFilePath(std::string_view name, bool sanitise = true);
+    static Result<std::filesystem::path, FileError> txtFilePath(std::string_view name, bool sanitise = true);
 
     // False for nothing and for a text of white space and line ends alone.
     static bool isNotEmpty(const std::optional<std::string>& text);
