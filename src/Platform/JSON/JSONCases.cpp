@@ -11,10 +11,9 @@ std::pair<std::string_view, JSONReader> readCase(const JSONReader& reader) {
 }
 
 void failUnknownCase(const JSONReader& reader, std::span<const std::string_view> names) {
-    std::string text = "expected one of the keys";
+    std::string text;
     for (const auto name : names) {
-        text.append(text.ends_with('s') && name.data() == names.front().data() ? " \"" : ", \"");
-        text.append(name).append("\"");
+        text.append(text.empty() ? "expected one of the keys \"" : ", \"").append(name).append("\"");
     }
     reader.fail(text + ", found another");
 }

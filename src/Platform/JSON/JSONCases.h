@@ -2,13 +2,16 @@
 
 #include <Platform/JSON/JSONCoding.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
+#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
 #include <utility>
 #include <variant>
+#include <vector>
 
 namespace zelto {
 
@@ -64,7 +67,6 @@ void readCase(const JSONReader& reader, std::variant<Cases...>& value,
     }
 }
 
-// An enumeration whose cases are all without payload, in the same form: {"senderOnly":{}}.
 template <Enumeration E> void writeCase(JSONWriter& writer, E value) {
     writer.beginObject();
     writer.key(nameOf(value));
@@ -77,10 +79,67 @@ template <Enumeration E> void readCase(const JSONReader& reader, E& value) {
     const auto [name, payload] = readCase(reader);
     const auto known = fromName<E>(name);
     if (!known) {
-        reader.fail("expected the name of a known case as the key, found another");
+        std::vector<std::string_view> names;
+        for (const auto& each : casesOf<E>()) {
+            names.push_back(each.name);
+        }
+        failUnknownCase(reader, names);
     }
     readNoPayload(payload);
     value = *known;
 }
 
+template <Enumeration E> using EnumText = std::pair<E, std::string_view>;
+
+template <Enumeration E> void writeText(JSONWriter& writer, E value, std::span<const EnumText<E>> texts) {
+    writer.string(std::ranges::find(texts, value, &EnumText<E>::first)->second);
+}
+
+template <Enumeration E>
+void readText(const JSONReader& reader, E& value, std::span<const EnumText<E>> texts) {
+    const auto found = std::ranges::find(texts, reader.string(), &EnumText<E>::second);
+    if (found == texts.end()) {
+        reader.failValue("the text of a known case");
+    }
+    value = found->first;
+}
+
 } // namespace zelto
+
+// These stand in sources, as ZELTO_JSON_RECORD does, for a type with ZELTO_JSON_CODED in its header.
+
+// A struct or class T whose std::variant `member` holds the choice; the names in the order of its
+// alternatives.
+#define ZELTO_JSON_CASES(T, member, ...)                                                                     \
+    void encodeJSON(::zelto::JSONWriter& writer, const T& value) {                                           \
+        ::zelto::writeCase(writer, value.member, {__VA_ARGS__});                                             \
+    }                                                                                                        \
+    void decodeJSON(const ::zelto::JSONReader& reader, T& value) {                                           \
+        ::zelto::readCase(reader, value.member, {__VA_ARGS__});                                              \
+    }                                                                                                        \
+    static_assert(true)
+
+// An enumeration with ZELTO_ENUM in the same form: {"senderOnly":{}}.
+#define ZELTO_JSON_ENUM_CASES(E)                                                                             \
+    void encodeJSON(::zelto::JSONWriter& writer, const E& value) {                                           \
+        ::zelto::writeCase(writer, value);                                                                   \
+    }                                                                                                        \
+    void decodeJSON(const ::zelto::JSONReader& reader, E& value) {                                           \
+        ::zelto::readCase(reader, value);                                                                    \
+    }                                                                                                        \
+    static_assert(true)
+
+// An enumeration that JSON holds as text: ZELTO_JSON_ENUM_TEXTS(Status, {Status::inProgress, "IN_PROGRESS"},
+// ...); with every case in the list.
+#define ZELTO_JSON_ENUM_TEXTS(E, ...)                                                                        \
+    static std::span<const ::zelto::EnumText<E>> jsonTextsOf(std::type_identity<E>) {                        \
+        static constexpr ::zelto::EnumText<E> texts[] = {__VA_ARGS__};                                       \
+        return texts;                                                                                        \
+    }                                                                                                        \
+    void encodeJSON(::zelto::JSONWriter& writer, const E& value) {                                           \
+        ::zelto::writeText(writer, value, jsonTextsOf(std::type_identity<E>()));                             \
+    }                                                                                                        \
+    void decodeJSON(const ::zelto::JSONReader& reader, E& value) {                                           \
+        ::zelto::readText(reader, value, jsonTextsOf(std::type_identity<E>()));                              \
+    }                                                                                                        \
+    static_assert(true)

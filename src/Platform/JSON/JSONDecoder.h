@@ -9,8 +9,9 @@ namespace zelto {
 
 // JSON to values. Unknown keys are ignored, a null reads as absent for an optional, a required key that is
 // missing is an error; of a key that stands twice the last counts. A number that is no whole one, or out of
-// range, does not decode as an integer (1.0 and 1e3 do). Nesting deeper than 512, UTF-8 or surrogates that
-// are broken, a byte order mark, numbers beyond a double and text behind the value are errors. Any thread.
+// range, does not decode as an integer (1.0 and 1e3 do, up to 2^53). Nesting deeper than 512, UTF-8 or
+// surrogates that are broken, a byte order mark, numbers beyond a double and text behind the value are
+// errors. Any thread.
 struct JSONDecoder {
     DateStrategy dateStrategy = DateStrategy::default_;
 

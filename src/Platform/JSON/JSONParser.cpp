@@ -3,9 +3,11 @@
 #include <boost/json/basic_parser_impl.hpp>
 
 #include <charconv>
+#include <cmath>
 #include <cstring>
 #include <limits>
 #include <new>
+#include <optional>
 
 namespace zelto {
 
@@ -13,8 +15,6 @@ namespace {
 
 using ParserError = boost::json::error_code;
 using Text = boost::json::string_view;
-
-enum class Refusal { numberTooLarge, outOfMemory };
 
 // The library's own double is not always the nearest one.
 bool nearestDouble(Text text, double& value) {
@@ -41,6 +41,9 @@ class JSONTapeBuilder {
     explicit JSONTapeBuilder(std::string_view source) : source_(source) { grow(source.size() / 16 + 16); }
 
     JSONTape take() && { return std::move(tape_); }
+
+    // Where this builder, not the parser, refused to go on.
+    std::optional<std::size_t> fault() const { return fault_; }
 
     bool on_document_begin(ParserError&) { return true; }
 
@@ -86,6 +89,7 @@ class JSONTapeBuilder {
     bool on_double(double value, Text text, ParserError& error) {
         if (!nearestDouble(text, value)) {
             error = boost::json::error::exponent_overflow;
+            fault_ = static_cast<std::size_t>(text.data() - source_.data());
             return false;
         }
         auto& node = add();
@@ -176,6 +180,7 @@ class JSONTapeBuilder {
     std::size_t capacity_ = 0;
     std::uint32_t open_ = 0;
     char* unescapedEnd_ = nullptr;
+    std::optional<std::size_t> fault_;
 };
 
 namespace {
@@ -259,8 +264,22 @@ std::size_t offsetOfFault(std::string_view source) {
     return source.size();
 }
 
-std::string textOf(ParserError error) {
-    switch (static_cast<boost::json::error>(error.value())) {
+// The parser tells some lone surrogates as faults of syntax.
+bool standsBehindSurrogate(std::string_view source, std::size_t offset) {
+    constexpr std::size_t escape = std::string_view("\\ud800").size();
+    for (const std::size_t end : {offset, offset - 1}) {
+        if (end < source.size() && end >= escape) {
+            const auto text = source.substr(end - escape, escape);
+            if (text.starts_with("\\u") && (text[2] | 0x20) == 'd' && text[3] >= '8') {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+std::string textOf(boost::json::error error) {
+    switch (error) {
     case boost::json::error::incomplete:
         return "the text ends too early";
     case boost::json::error::extra_data:
@@ -296,7 +315,13 @@ Result<JSONTape, DecodingError> JSONTape::parse(std::string_view source) {
     ParserError error;
     const auto used = parser.write_some(false, source.data(), source.size(), error);
     if (error) {
-        return syntaxError(offsetOfFault(source), textOf(error));
+        auto reason = static_cast<boost::json::error>(error.value());
+        const auto refused = parser.handler().fault();
+        const auto offset = refused ? *refused : offsetOfFault(source);
+        if (reason == boost::json::error::syntax && standsBehindSurrogate(source, offset)) {
+            reason = boost::json::error::illegal_leading_surrogate;
+        }
+        return syntaxError(offset, textOf(reason));
     }
     if (used < source.size()) {
         return syntaxError(used, textOf(boost::json::error::extra_data));

@@ -9,12 +9,8 @@ namespace zelto {
 
 namespace {
 
-constexpr double twoTo63 = 9223372036854775808.0;
-constexpr double twoTo64 = 18446744073709551616.0;
-
-bool isWhole(double value) {
-    return std::trunc(value) == value;
-}
+// Beyond it a double may have been rounded from another whole number.
+constexpr double largestExact = 9007199254740992.0;
 
 std::string rangeText(const std::string& lowest, const std::string& highest) {
     return "expected a whole number from " + lowest + " to " + highest + ", found a number out of range";
@@ -22,17 +18,33 @@ std::string rangeText(const std::string& lowest, const std::string& highest) {
 
 } // namespace
 
-std::int64_t JSONReader::signedInteger(std::int64_t lowest, std::int64_t highest) const {
-    std::optional<std::int64_t> value;
-    if (kind() == JSONKind::int64) [[likely]] {
-        value = node_->int64;
-    } else if (kind() == JSONKind::real && isWhole(node_->real)) {
-        if (node_->real >= -twoTo63 && node_->real < twoTo63) {
-            value = static_cast<std::int64_t>(node_->real);
+// The value of a number that fits in 64 bits, as int64; nothing above or below that.
+std::optional<std::int64_t> JSONReader::wholeNumber() const {
+    switch (kind()) {
+    case JSONKind::int64:
+        return node_->int64;
+    case JSONKind::uint64:
+        return std::nullopt;
+    case JSONKind::real:
+        if (std::abs(node_->real) > largestExact) {
+            return std::nullopt;
         }
-    } else if (kind() != JSONKind::uint64) {
-        failMismatch("a whole number");
+        if (std::trunc(node_->real) == node_->real) {
+            return static_cast<std::int64_t>(node_->real);
+        }
+        break;
+    case JSONKind::null:
+    case JSONKind::boolean:
+    case JSONKind::string:
+    case JSONKind::array:
+    case JSONKind::object:
+        break;
     }
+    failMismatch("a whole number");
+}
+
+std::int64_t JSONReader::signedInteger(std::int64_t lowest, std::int64_t highest) const {
+    const auto value = wholeNumber();
     if (!value || *value < lowest || *value > highest) [[unlikely]] {
         fail(rangeText(std::to_string(lowest), std::to_string(highest)));
     }
@@ -40,24 +52,14 @@ std::int64_t JSONReader::signedInteger(std::int64_t lowest, std::int64_t highest
 }
 
 std::uint64_t JSONReader::unsignedInteger(std::uint64_t highest) const {
-    std::optional<std::uint64_t> value;
-    if (kind() == JSONKind::int64) [[likely]] {
-        if (node_->int64 >= 0) {
-            value = static_cast<std::uint64_t>(node_->int64);
-        }
-    } else if (kind() == JSONKind::uint64) {
-        value = node_->uint64;
-    } else if (kind() == JSONKind::real && isWhole(node_->real)) {
-        if (node_->real >= 0 && node_->real < twoTo64) {
-            value = static_cast<std::uint64_t>(node_->real);
-        }
-    } else {
-        failMismatch("a whole number");
+    if (kind() == JSONKind::uint64 && node_->uint64 <= highest) {
+        return node_->uint64;
     }
-    if (!value || *value > highest) [[unlikely]] {
+    const auto value = wholeNumber();
+    if (!value || *value < 0 || static_cast<std::uint64_t>(*value) > highest) [[unlikely]] {
         fail(rangeText("0", std::to_string(highest)));
     }
-    return *value;
+    return static_cast<std::uint64_t>(*value);
 }
 
 double JSONReader::number() const {

@@ -37,7 +37,8 @@ class JSONReader {
         return node_->boolean;
     }
 
-    // 1.0 and 1e3 are whole numbers, 1.5 is none. Out of the range is an error.
+    // 1.0 and 1e3 are whole numbers, 1.5 is none. Out of the range is an error, and so is a number with a
+    // fraction or an exponent beyond 2^53, since it may not be exact.
     std::int64_t signedInteger(std::int64_t lowest, std::int64_t highest) const;
     std::uint64_t unsignedInteger(std::uint64_t highest) const;
 
@@ -105,6 +106,7 @@ class JSONReader {
         }
     }
 
+    std::optional<std::int64_t> wholeNumber() const;
     Date date() const;
 
     const JSONTape* tape_;

@@ -3,7 +3,10 @@
 #include <Platform/JSON/JSONCoding.h>
 
 #include <concepts>
+#include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -88,11 +91,18 @@ class JSONValue {
     // Fails as JSONEncoder does.
     Result<std::string, EncodingError> text(int indent = 0) const;
 
+    // What JSONEncoder makes of any coded value, and what JSONDecoder makes of this one.
+    template <class T>
+    static Result<JSONValue, EncodingError> of(const T& value,
+                                               DateStrategy dateStrategy = DateStrategy::default_);
+    template <class T> Result<T, DecodingError> as(DateStrategy dateStrategy = DateStrategy::default_) const;
+
     JSONKind kind() const { return static_cast<JSONKind>(value_.index()); }
 
     bool isNull() const { return kind() == JSONKind::null; }
 
-    // Nothing if the value is of another kind. Numbers convert where the value stays the same.
+    // Nothing if the value is of another kind. A number converts to an integer of the same value; asDouble
+    // gives the nearest one.
     std::optional<bool> asBool() const;
     std::optional<std::int64_t> asInt64() const;
     std::optional<std::uint64_t> asUInt64() const;
@@ -124,15 +134,21 @@ class JSONValue {
 
 ZELTO_JSON_CODED(JSONValue);
 
-// Between a value and what JSON makes of it, without a detour through one's own text.
-template <class T>
-Result<JSONValue, EncodingError> toJSONValue(const T& value,
-                                             DateStrategy dateStrategy = DateStrategy::default_) {
-    const auto text = JSONEncoder{dateStrategy}.encode(value);
+template <class T> Result<JSONValue, EncodingError> JSONValue::of(const T& value, DateStrategy dateStrategy) {
+    const auto text = JSONEncoder{.dateStrategy = dateStrategy}.encode(value);
     if (!text) {
         return failure(text.error());
     }
-    return *JSONValue::parse(*text);
+    return *parse(*text);
+}
+
+template <class T> Result<T, DecodingError> JSONValue::as(DateStrategy dateStrategy) const {
+    const auto json = text();
+    if (!json) {
+        const auto& error = json.error();
+        return failure(DecodingError{DecodingError::Reason::custom, error.path, error.message()});
+    }
+    return JSONDecoder{dateStrategy}.decode<T>(*json);
 }
 
 } // namespace zelto

@@ -1,0 +1,157 @@
+#include <Platform/JSON/JSONValue.h>
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <string>
+
+namespace zelto {
+namespace {
+
+JSONValue parsed(std::string_view text) {
+    return JSONValue::parse(text).value();
+}
+
+std::string again(std::string_view text) {
+    return parsed(text).text().value();
+}
+
+TEST(JSONValue, KeepsTheOrderOfKeys) {
+    EXPECT_EQ(again(R"({"z":1,"a":{"y":[],"b":null},"m":"t"})"), R"({"z":1,"a":{"y":[],"b":null},"m":"t"})");
+}
+
+TEST(JSONValue, KeepsSixtyFourBitIntegers) {
+    EXPECT_EQ(again("[9223372036854775807,-9223372036854775808,18446744073709551615,9007199254740993]"),
+              "[9223372036854775807,-9223372036854775808,18446744073709551615,9007199254740993]");
+    EXPECT_EQ(parsed("18446744073709551615").kind(), JSONKind::uint64);
+    EXPECT_EQ(parsed("9223372036854775807").kind(), JSONKind::int64);
+    EXPECT_EQ(parsed("1.0").kind(), JSONKind::real);
+}
+
+TEST(JSONValue, WhatWasReadIsJSONWhenWrittenAgain) {
+    for (const auto* text : {"-0", "-0.0", "1e23", "5e-324", "1.7976931348623157e308", "18446744073709551616",
+                             "-9223372036854775809", "0.1", "1E+2", "\"\\u0000\\ud83d\\ude00\\u2028\"",
+                             "[[],{}]", "{\"\":\"\"}", "{\"\\\"\":1}"}) {
+        const auto written = again(text);
+        EXPECT_EQ(parsed(written), parsed(text)) << text << " became " << written;
+        EXPECT_EQ(again(written), written);
+    }
+    EXPECT_TRUE(std::signbit(*parsed(again("-0")).asDouble()));
+}
+
+TEST(JSONValue, OfADuplicateKeyTheLastValueCountsInTheFirstsPlace) {
+    EXPECT_EQ(again(R"({"a":1,"b":2,"a":[3]})"), R"({"a":[3],"b":2})");
+    std::string many = "{";
+    for (int index = 0; index < 50; ++index) {
+        many += "\"k" + std::to_string(index % 25) + "\":" + std::to_string(index) + ",";
+    }
+    many.back() = '}';
+    const auto value = parsed(many);
+    EXPECT_EQ(value.asObject()->size(), 25u);
+    EXPECT_EQ(value.asObject()->begin()->first, "k0");
+    EXPECT_EQ(*value.find("k0"), 25);
+    EXPECT_EQ(*value.find("k24"), 49);
+}
+
+TEST(JSONValue, AnObjectOfManyKeysIsReadInLinearTime) {
+    std::string text = "{";
+    for (int index = 0; index < 200'000; ++index) {
+        text += "\"k" + std::to_string(index) + "\":0,";
+    }
+    text.back() = '}';
+    EXPECT_EQ(parsed(text).asObject()->size(), 200'000u);
+}
+
+TEST(JSONValue, AccessorsGiveNothingForAnotherKind) {
+    const JSONValue text = "x";
+    EXPECT_EQ(*text.asString(), "x");
+    EXPECT_EQ(text.asBool(), std::nullopt);
+    EXPECT_EQ(text.asInt64(), std::nullopt);
+    EXPECT_EQ(text.asUInt64(), std::nullopt);
+    EXPECT_EQ(text.asDouble(), std::nullopt);
+    EXPECT_EQ(text.asArray(), nullptr);
+    EXPECT_EQ(text.asObject(), nullptr);
+    EXPECT_EQ(text.find("x"), nullptr);
+    EXPECT_EQ(JSONValue(true).asBool(), true);
+    EXPECT_EQ(JSONValue(true).asInt64(), std::nullopt);
+    EXPECT_EQ(JSONValue(1).asBool(), std::nullopt);
+    EXPECT_EQ(JSONValue(1).asString(), nullptr);
+    EXPECT_TRUE(JSONValue().isNull());
+    EXPECT_EQ(JSONValue(JSONValue::Array{1, 2}).asArray()->size(), 2u);
+}
+
+TEST(JSONValue, NumbersConvertWhereTheValueStaysTheSame) {
+    EXPECT_EQ(JSONValue(3.0).asInt64(), 3);
+    EXPECT_EQ(JSONValue(3.5).asInt64(), std::nullopt);
+    EXPECT_EQ(JSONValue(-1).asUInt64(), std::nullopt);
+    EXPECT_EQ(JSONValue(std::numeric_limits<std::uint64_t>::max()).asInt64(), std::nullopt);
+    EXPECT_EQ(JSONValue(std::numeric_limits<std::uint64_t>::max()).asUInt64(),
+              std::numeric_limits<std::uint64_t>::max());
+    EXPECT_EQ(JSONValue(9223372036854775808.0).asInt64(), std::nullopt);
+    EXPECT_EQ(JSONValue(9223372036854775808.0).asUInt64(), 9223372036854775808u);
+    EXPECT_EQ(JSONValue(18446744073709551616.0).asUInt64(), std::nullopt);
+    EXPECT_EQ(JSONValue(std::nan("")).asInt64(), std::nullopt);
+    EXPECT_EQ(JSONValue(7).asDouble(), 7.0);
+    EXPECT_EQ(JSONValue(std::numeric_limits<std::uint64_t>::max()).asDouble(), 18446744073709551616.0);
+}
+
+TEST(JSONValue, NumbersAreEqualByValue) {
+    EXPECT_EQ(parsed("1.0"), parsed("1"));
+    EXPECT_EQ(JSONValue(std::uint64_t{5}), JSONValue(5));
+    EXPECT_EQ(parsed("-0"), parsed("0"));
+    EXPECT_EQ(JSONValue(9223372036854775808.0), JSONValue(std::uint64_t{9223372036854775808u}));
+    EXPECT_NE(JSONValue(9007199254740992.0), JSONValue(std::int64_t{9007199254740993}));
+    EXPECT_NE(JSONValue(9223372036854775808.0), JSONValue(std::numeric_limits<std::int64_t>::max()));
+    EXPECT_NE(JSONValue(18446744073709551616.0), JSONValue(std::numeric_limits<std::uint64_t>::max()));
+    EXPECT_NE(JSONValue(1), JSONValue(true));
+    EXPECT_NE(JSONValue(1), JSONValue("1"));
+    EXPECT_NE(JSONValue(1.5), JSONValue("1"));
+    EXPECT_NE(JSONValue(), JSONValue(0));
+}
+
+TEST(JSONValue, ObjectsAreEqualInWhateverOrder) {
+    EXPECT_EQ(parsed(R"({"a":1,"b":[{"x":1,"y":2}]})"), parsed(R"({"b":[{"y":2,"x":1}],"a":1})"));
+    EXPECT_NE(parsed(R"({"a":1,"b":2})"), parsed(R"({"b":1,"a":2})"));
+    EXPECT_NE(parsed(R"({"a":1})"), parsed(R"({"a":1,"b":2})"));
+    EXPECT_NE(parsed(R"({"a":1,"c":2})"), parsed(R"({"a":1,"b":2})"));
+    EXPECT_NE(parsed("[1,2]"), parsed("[2,1]"));
+}
+
+TEST(JSONValue, IsBuiltAndChangedInPlace) {
+    JSONValue value;
+    value.set("a", 1);
+    value.set("list", JSONValue::Array{true, nullptr, 2.5});
+    value.set("a", "again");
+    value.set("b", JSONObject{{"k", 1}, {"k", 2}});
+    value.find("list")->isNull();
+    value.asObject()->find("list")->asArray()->push_back("end");
+    EXPECT_EQ(value.text(), R"({"a":"again","list":[true,null,2.5,"end"],"b":{"k":2}})");
+    EXPECT_TRUE(value.asObject()->erase("a"));
+    EXPECT_FALSE(value.asObject()->erase("a"));
+    EXPECT_EQ(value.asObject()->size(), 2u);
+    EXPECT_FALSE(value.asObject()->empty());
+}
+
+TEST(JSONValue, ALargeUnsignedNumberThatFitsIsAnInt64) {
+    EXPECT_EQ(JSONValue(std::uint64_t{7}).kind(), JSONKind::int64);
+    EXPECT_EQ(JSONValue(std::numeric_limits<std::uint64_t>::max()).kind(), JSONKind::uint64);
+}
+
+TEST(JSONValue, AnyCodedValueBecomesOneAndBack) {
+    const std::vector<std::optional<std::string>> list{"a", std::nullopt};
+    const auto value = JSONValue::of(list);
+    EXPECT_EQ(value, (JSONValue::Array{"a", nullptr}));
+    EXPECT_EQ(value->as<std::vector<std::optional<std::string>>>(), list);
+    EXPECT_EQ(value->as<int>().error().message(), "expected a whole number, found an array");
+    EXPECT_EQ(JSONValue::of(std::nan("")).error().reason, EncodingError::Reason::nonFiniteNumber);
+    EXPECT_EQ(JSONValue("2001-01-01T00:00:01Z").as<Date>(DateStrategy::iso8601),
+              Date::fromReferenceSeconds(1));
+    EXPECT_EQ(JSONValue::of(Date::fromReferenceSeconds(1), DateStrategy::iso8601),
+              JSONValue("2001-01-01T00:00:01Z"));
+}
+
+} // namespace
+} // namespace zelto
