@@ -148,10 +148,7 @@ void MailDataInteractor::messagePlainText(std::optional<IntegrationLinkType> lin
         lvxLogError(messageOf(text.error()), "messagePlainText(linkType:)");
         return completion(std::nullopt);
     }
-    if (const auto link = linkType ? links_.written(*linkType) : std::nullopt) {
-        text->append(text->empty() ? "" : "\n\n").append(*link);
-    }
-    completion(*std::move(text));
+    completion(links_.appended(*std::move(text), linkType));
 }
 
 std::optional<Date> MailDataInteractor::meetTranscriptStartDate() {

@@ -29,21 +29,6 @@ std::string withFewGroups(std::string value) {
     return value;
 }
 
-// "Jane Mary Doe" and "Doe, Jane Mary".
-void splitName(IntegrationsInteractorAddress& address) {
-    const auto& name = *address.displayName;
-    if (const auto comma = name.find(','); comma != std::string::npos) {
-        address.lastName = nonEmpty(onOneLine(name.substr(0, comma)));
-        address.firstName = nonEmpty(onOneLine(name.substr(comma + 1)));
-        return;
-    }
-    const auto blank = name.rfind(' ');
-    address.firstName = name.substr(0, blank);
-    if (blank != std::string::npos) {
-        address.lastName = name.substr(blank + 1);
-    }
-}
-
 void collect(InternetAddressList* list, std::vector<IntegrationsInteractorAddress>& addresses) {
     const int count = internet_address_list_length(list);
     for (int index = 0; index < count; ++index) {
@@ -52,16 +37,11 @@ void collect(InternetAddressList* list, std::vector<IntegrationsInteractorAddres
             collect(internet_address_group_get_members(INTERNET_ADDRESS_GROUP(each)), addresses);
             continue;
         }
-        IntegrationsInteractorAddress address;
-        address.email = onOneLine(textOf(internet_address_mailbox_get_addr(INTERNET_ADDRESS_MAILBOX(each))));
-        address.displayName = nonEmpty(onOneLine(textOf(internet_address_get_name(each))));
-        if (address.email.empty()) {
-            continue;
+        auto address = makeAddress(textOf(internet_address_mailbox_get_addr(INTERNET_ADDRESS_MAILBOX(each))),
+                                   textOf(internet_address_get_name(each)));
+        if (!address.email.empty()) {
+            addresses.push_back(std::move(address));
         }
-        if (address.displayName) {
-            splitName(address);
-        }
-        addresses.push_back(std::move(address));
     }
 }
 
@@ -98,6 +78,26 @@ std::vector<IntegrationsInteractorAddress> decodedAddresses(std::string_view val
         collect(list.get(), addresses);
     }
     return addresses;
+}
+
+IntegrationsInteractorAddress makeAddress(std::string_view email, std::string_view displayName) {
+    IntegrationsInteractorAddress address;
+    address.email = onOneLine(email);
+    address.displayName = nonEmpty(onOneLine(displayName));
+    if (!address.displayName) {
+        return address;
+    }
+    const std::string_view name = *address.displayName;
+    if (const auto comma = name.find(','); comma != std::string_view::npos) {
+        address.lastName = nonEmpty(onOneLine(name.substr(0, comma)));
+        address.firstName = nonEmpty(onOneLine(name.substr(comma + 1)));
+    } else if (const auto blank = name.rfind(' '); blank != std::string_view::npos) {
+        address.firstName = std::string(name.substr(0, blank));
+        address.lastName = std::string(name.substr(blank + 1));
+    } else {
+        address.firstName = std::string(name);
+    }
+    return address;
 }
 
 std::optional<Date> decodedDate(std::string_view value) {

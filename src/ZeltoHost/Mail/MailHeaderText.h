@@ -15,6 +15,8 @@ namespace zelto {
 
 std::string decodedText(std::string_view value);
 std::vector<IntegrationsInteractorAddress> decodedAddresses(std::string_view value);
+// One address, its first and last name split off the display name ("Jane Mary Doe", "Doe, Jane Mary").
+IntegrationsInteractorAddress makeAddress(std::string_view email, std::string_view displayName);
 std::optional<Date> decodedDate(std::string_view value);
 // The first message id of the value, without its angle brackets.
 std::optional<std::string> decodedMessageID(std::string_view value);
