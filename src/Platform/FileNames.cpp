@@ -84,12 +84,14 @@ std::string fileNameCutTo(std::string_view name, std::size_t bytes) {
     if (name.size() <= bytes) {
         return std::string(name);
     }
-    auto extension = extensionOf(name);
-    if (extension.size() > std::min(longestExtension, bytes / 2)) {
-        extension = {};
+    const auto extension = extensionOf(name);
+    if (extension.size() <= longestExtension && extension.size() < bytes) {
+        const auto stem = name.substr(0, name.size() - extension.size());
+        if (const auto kept = prefixBytes(stem, bytes - extension.size()); !kept.empty()) {
+            return std::string(kept) + std::string(extension);
+        }
     }
-    const auto stem = name.substr(0, name.size() - extension.size());
-    return std::string(prefixBytes(stem, bytes - extension.size())) + std::string(extension);
+    return std::string(prefixBytes(name, bytes));
 }
 
 std::string cleanedFileName(std::string_view name, std::string_view fallback) {
