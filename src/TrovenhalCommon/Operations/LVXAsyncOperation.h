@@ -1,0 +1,26 @@
+#pragma once
+
+#include <TrovenhalCommon/Operations/LVXOperation.h>
+
+#include <functional>
+
+namespace zelto {
+
+// An operation that goes on when its function has returned, holding no thread, until its callback is called.
+class LVXAsyncOperation : public LVXOperation {
+  public:
+    bool isAsynchronous() const noexcept final { return true; }
+
+  protected:
+    // The work, on a thread of the queue; not called when the operation was cancelled before it began.
+    //
+    // The operation counts as finished once `onComplete` was called, on any thread, also before this returns.
+    // Again has no effect. It keeps the operation alive; a task that drops it uncalled leaves a queue waiting
+    // that still lives.
+    virtual void asyncMain(std::function<void()> onComplete) = 0;
+
+  private:
+    void main() final;
+};
+
+} // namespace zelto

@@ -1,0 +1,138 @@
+#include <TrovenhalCommon/Operations/LVXAsyncOperation.h>
+#include <TrovenhalCommon/Operations/LVXOperationQueue.h>
+
+#include <Platform/Operations/BlockOperation.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <future>
+#include <mutex>
+#include <thread>
+
+namespace zelto {
+namespace {
+
+class Step : public LVXAsyncOperation {
+  public:
+    using Work = std::function<void(std::function<void()>)>;
+
+    explicit Step(Work work) : work_(std::move(work)) {}
+
+  private:
+    void asyncMain(std::function<void()> onComplete) override { work_(std::move(onComplete)); }
+
+    Work work_;
+};
+
+TEST(LVXAsyncOperation, StaysExecutingUntilItsCallbackIsCalled) {
+    LVXOperationQueue queue;
+    std::promise<std::function<void()>> handed;
+    const auto step = std::make_shared<Step>([&](auto onComplete) { handed.set_value(onComplete); });
+    queue.addOperation(step);
+    const auto onComplete = handed.get_future().get();
+    EXPECT_TRUE(step->isExecuting());
+    EXPECT_FALSE(step->isFinished());
+    onComplete();
+    step->waitUntilFinished();
+    EXPECT_TRUE(step->isFinished());
+    EXPECT_FALSE(step->isExecuting());
+}
+
+TEST(LVXAsyncOperation, MayFinishBeforeItsFunctionReturns) {
+    LVXOperationQueue queue;
+    const auto step = std::make_shared<Step>([](const auto& onComplete) { onComplete(); });
+    queue.addOperations({step}, true);
+    EXPECT_TRUE(step->isFinished());
+}
+
+TEST(LVXAsyncOperation, ASecondCallOfTheCallbackIsHarmless) {
+    LVXOperationQueue queue;
+    int after = 0;
+    const auto step = std::make_shared<Step>([](const auto& onComplete) {
+        onComplete();
+        onComplete();
+    });
+    const auto next = std::make_shared<BlockOperation>([&] { ++after; });
+    next->addDependency(step);
+    queue.addOperations({step, next}, true);
+    EXPECT_EQ(after, 1);
+}
+
+TEST(LVXAsyncOperation, CancelledBeforeItBeganItsFunctionIsNotRun) {
+    LVXOperationQueue queue;
+    bool ran = false;
+    const auto step = std::make_shared<Step>([&](const auto& onComplete) {
+        ran = true;
+        onComplete();
+    });
+    step->cancel();
+    queue.addOperations({step}, true);
+    EXPECT_TRUE(step->isFinished());
+    EXPECT_FALSE(ran);
+}
+
+TEST(LVXAsyncOperation, TheNextOneOfASerialQueueWaitsForTheCallback) {
+    LVXOperationQueue queue;
+    queue.setMaxConcurrentOperationCount(1);
+    std::promise<std::function<void()>> handed;
+    std::atomic<bool> secondBegan = false;
+    queue.addOperation(std::make_shared<Step>([&](auto onComplete) { handed.set_value(onComplete); }));
+    const auto second = std::make_shared<Step>([&](const auto& onComplete) {
+        secondBegan = true;
+        onComplete();
+    });
+    queue.addOperation(second);
+    const auto onComplete = handed.get_future().get();
+    EXPECT_FALSE(secondBegan);
+    onComplete();
+    second->waitUntilFinished();
+    EXPECT_TRUE(secondBegan);
+}
+
+TEST(LVXAsyncOperation, TheCallbackMayComeAfterQueueAndOwnerAreGone) {
+    std::promise<std::function<void()>> handed;
+    std::weak_ptr<Step> released;
+    {
+        LVXOperationQueue queue;
+        auto step = std::make_shared<Step>([&](auto onComplete) { handed.set_value(std::move(onComplete)); });
+        released = step;
+        queue.addOperation(std::move(step));
+    }
+    auto onComplete = handed.get_future().get();
+    onComplete();
+    onComplete();
+    onComplete = nullptr;
+    // The thread of the pool may still be on its way out of the operation.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (!released.expired() && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::yield();
+    }
+    EXPECT_TRUE(released.expired());
+}
+
+TEST(LVXAsyncOperation, AHundredWaitingOnesHoldNoThread) {
+    LVXOperationQueue queue;
+    std::mutex lock;
+    std::vector<std::function<void()>> callbacks;
+    std::promise<void> allBegan;
+    for (int index = 0; index < 100; ++index) {
+        queue.addOperation(std::make_shared<Step>([&](auto onComplete) {
+            const std::lock_guard guard(lock);
+            callbacks.push_back(std::move(onComplete));
+            if (callbacks.size() == 100) {
+                allBegan.set_value();
+            }
+        }));
+    }
+    ASSERT_EQ(allBegan.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    const std::lock_guard guard(lock);
+    for (const auto& callback : callbacks) {
+        callback();
+    }
+    queue.waitUntilAllOperationsAreFinished();
+}
+
+} // namespace
+} // namespace zelto
