@@ -1,0 +1,16 @@
+#pragma once
+
+// For sources only.
+
+#include <ZeltoHost/Storage/SQLiteConnectionInternal.h>
+
+namespace zelto {
+
+inline constexpr const char* accountFileName = "accounts.sqlite";
+
+// Opens the account file of a directory that prepareDataDirectory has prepared, and makes it first if there
+// is none. It appears whole or not at all, so that an empty or cut one is always damage.
+Result<std::unique_ptr<SQLiteConnection>, StorageError>
+openAccountFile(const std::filesystem::path& directory);
+
+} // namespace zelto

@@ -1,0 +1,37 @@
+#pragma once
+
+// For sources only.
+
+#include <ZeltoHost/Storage/SQLiteConnectionInternal.h>
+
+#include <ZeltoIntegrations/ServiceAccountConfiguration.h>
+
+#include <vector>
+
+namespace zelto {
+
+// What SQLiteAccountStorage does, on its connection.
+
+Result<void, StorageError> storeAccount(SQLiteConnection& connection,
+                                        const ServiceAccountConfiguration& account);
+
+Result<void, StorageError> deleteAccount(SQLiteConnection& connection,
+                                         const ServiceAccountConfiguration& account);
+
+Result<std::optional<ServiceAccountConfiguration>, StorageError>
+accountWithIdentifier(SQLiteConnection& connection, const std::string& identifier);
+
+Result<void, StorageError> rememberLastUsed(SQLiteConnection& connection, ServiceType type,
+                                            const std::optional<ServiceAccountConfiguration>& account);
+
+Result<std::optional<ServiceAccountConfiguration>, StorageError> lastUsedAccount(SQLiteConnection& connection,
+                                                                                 ServiceType type);
+
+struct StoredAccounts {
+    std::vector<ServiceAccountConfiguration> accounts; // in the order of first saving
+    std::vector<StorageError> unreadable;
+};
+
+Result<StoredAccounts, StorageError> allAccounts(SQLiteConnection& connection);
+
+} // namespace zelto

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <ZeltoHost/Storage/StorageError.h>
+
+#include <ZeltoCommonLogger/LoggerClient.h>
+#include <ZeltoIntegrations/ServiceConfigurationsStorage.h>
+
+#include <Platform/Result.h>
+
+#include <memory>
+#include <mutex>
+#include <source_location>
+
+namespace zelto {
+
+class SQLiteConnection;
+
+// The accounts in an SQLite file, "accounts.sqlite" of mode 0600 in a directory of mode 0700. Any thread;
+// several processes may have it open at once, and one may be killed at any moment. What a call has stored is
+// on the disk when it returns. A write of a record replaces it whole: of two at once the later one stays.
+//
+// An account is found by its service type and user name, which is what its identifier says. So an account of
+// the type whose identifiers are random at each call (Calendar) is found too; it is loaded by the identifier
+// that it got when it was first saved. Replacing an account keeps its place in the order, which is that of
+// first saving.
+//
+// A record that cannot be read, such as one with a service type of a later version, stays in the file and is
+// left out of lists; it counts as a failure.
+class SQLiteAccountStorage final : public ServiceConfigurationsStorage, private LoggerClient {
+  public:
+    // Makes directory and file if they are missing. A damaged file is an error, never an empty storage.
+    static Result<std::shared_ptr<SQLiteAccountStorage>, StorageError>
+    open(const std::filesystem::path& directory);
+
+    ~SQLiteAccountStorage() override;
+
+    SQLiteAccountStorage(const SQLiteAccountStorage&) = delete;
+    SQLiteAccountStorage& operator=(const SQLiteAccountStorage&) = delete;
+
+    // These log a failure and give nothing; lastError() tells it.
+    void save(const ServiceAccountConfiguration& configuration) override;
+    void remove(const ServiceAccountConfiguration& configuration) override;
+    std::optional<ServiceAccountConfiguration> load(const std::string& identifier) override;
+    void setLastUsedConfiguration(ServiceType serviceType,
+                                  const std::optional<ServiceAccountConfiguration>& configuration) override;
+    std::optional<ServiceAccountConfiguration> lastUsedConfiguration(ServiceType serviceType) override;
+    std::vector<ServiceAccountConfiguration> loadConfigurations() override;
+
+    // The same with their errors. Removing an account that is not there is no error. The account used last is
+    // given as it is stored now, or as it was told if it is not stored; removing an account forgets it.
+    Result<void, StorageError> trySave(const ServiceAccountConfiguration& configuration);
+    Result<void, StorageError> tryRemove(const ServiceAccountConfiguration& configuration);
+    Result<std::optional<ServiceAccountConfiguration>, StorageError> tryLoad(const std::string& identifier);
+    Result<void, StorageError>
+    trySetLastUsedConfiguration(ServiceType serviceType,
+                                const std::optional<ServiceAccountConfiguration>& configuration);
+    Result<std::optional<ServiceAccountConfiguration>, StorageError>
+    tryLastUsedConfiguration(ServiceType serviceType);
+
+    // Fails if the file cannot be read; records that cannot are left out, logged and told by lastError().
+    Result<std::vector<ServiceAccountConfiguration>, StorageError> tryLoadConfigurations();
+
+    // The latest failure of any operation, also if later ones worked; nothing if all have worked.
+    std::optional<StorageError> lastError() const;
+
+  private:
+    explicit SQLiteAccountStorage(std::unique_ptr<SQLiteConnection> connection);
+
+    // Runs it with the connection, alone; what fails is logged and remembered.
+    template <class Operation>
+    auto perform(const char* function, Operation operation,
+                 const std::source_location& location = std::source_location::current());
+    void note(const StorageError& error, const char* function, const std::source_location& location);
+
+    std::mutex mutex_; // guards the connection
+    std::unique_ptr<SQLiteConnection> connection_;
+
+    mutable std::mutex errorMutex_;
+    std::optional<StorageError> lastError_;
+};
+
+} // namespace zelto

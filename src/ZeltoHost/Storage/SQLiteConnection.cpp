@@ -1,0 +1,163 @@
+#include <ZeltoHost/Storage/SQLiteConnectionInternal.h>
+
+#include <sqlite3.h>
+
+#include <random>
+#include <thread>
+
+namespace zelto {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds longestWait{5000};
+
+StorageErrorCode codeOf(int result) {
+    switch (result & 0xff) {
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_PROTOCOL: // others were faster too many times
+        return StorageErrorCode::busy;
+    case SQLITE_FULL:
+        return StorageErrorCode::noSpace;
+    case SQLITE_CORRUPT:
+    case SQLITE_NOTADB:
+    case SQLITE_ERROR: // our statements are right: the tables are not ours
+    case SQLITE_CONSTRAINT:
+    case SQLITE_MISMATCH:
+        return StorageErrorCode::damaged;
+    default:
+        return StorageErrorCode::cannotAccess;
+    }
+}
+
+} // namespace
+
+void SQLiteStatement::Finalizer::operator()(sqlite3_stmt* statement) const {
+    sqlite3_finalize(statement);
+}
+
+SQLiteStatement& SQLiteStatement::bind(int parameter, std::int64_t value) {
+    sqlite3_bind_int64(statement_.get(), parameter, value);
+    return *this;
+}
+
+SQLiteStatement& SQLiteStatement::bind(int parameter, std::string_view text) {
+    sqlite3_bind_text64(statement_.get(), parameter, text.data(), text.size(), SQLITE_STATIC, SQLITE_UTF8);
+    return *this;
+}
+
+Result<bool, StorageError> SQLiteStatement::step() {
+    switch (sqlite3_step(statement_.get())) {
+    case SQLITE_ROW:
+        return true;
+    case SQLITE_DONE:
+        return false;
+    default:
+        return failure(connection_->error());
+    }
+}
+
+Result<void, StorageError> SQLiteStatement::run() {
+    for (;;) {
+        const auto row = step();
+        if (!row) {
+            return failure(row.error());
+        }
+        if (!*row) {
+            return {};
+        }
+    }
+}
+
+std::int64_t SQLiteStatement::integer(int column) const {
+    return sqlite3_column_int64(statement_.get(), column);
+}
+
+std::string SQLiteStatement::text(int column) const {
+    const auto* text = sqlite3_column_text(statement_.get(), column);
+    const auto size = sqlite3_column_bytes(statement_.get(), column);
+    return text == nullptr ? std::string()
+                           : std::string(reinterpret_cast<const char*>(text), static_cast<std::size_t>(size));
+}
+
+void SQLiteConnection::Closer::operator()(sqlite3* database) const {
+    sqlite3_close_v2(database);
+}
+
+// SQLite's own waiting grows to steps of a tenth of a second: a writer in a crowd that writes without pause
+// would hardly ever meet the moment between two others.
+int SQLiteConnection::waitForOthers(void* connection, int calls) {
+    auto& self = *static_cast<SQLiteConnection*>(connection);
+    const auto now = std::chrono::steady_clock::now();
+    if (calls == 0) {
+        self.waitingSince_ = now;
+    }
+    if (now - self.waitingSince_ >= longestWait) {
+        return 0;
+    }
+    thread_local std::minstd_rand random(std::random_device{}());
+    std::this_thread::sleep_for(std::chrono::microseconds(500 + random() % 3500));
+    return 1;
+}
+
+Result<std::unique_ptr<SQLiteConnection>, StorageError>
+SQLiteConnection::open(const std::filesystem::path& path) {
+    std::unique_ptr<SQLiteConnection> connection(new SQLiteConnection(path));
+    sqlite3* database = nullptr;
+    const int opened =
+        sqlite3_open_v2(path.c_str(), &database,
+                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+    connection->database_.reset(database);
+    if (opened != SQLITE_OK) {
+        return failure(connection->error());
+    }
+    sqlite3_busy_handler(database, &waitForOthers, connection.get());
+    sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    return connection;
+}
+
+Result<SQLiteStatement, StorageError> SQLiteConnection::prepare(std::string_view sql) {
+    sqlite3_stmt* statement = nullptr;
+    if (sqlite3_prepare_v2(database_.get(), sql.data(), static_cast<int>(sql.size()), &statement, nullptr) !=
+        SQLITE_OK) {
+        return failure(error());
+    }
+    return SQLiteStatement(*this, statement);
+}
+
+Result<void, StorageError> SQLiteConnection::execute(const std::string& sql) {
+    if (sqlite3_exec(database_.get(), sql.c_str(), nullptr, nullptr, nullptr) != SQLITE_OK) {
+        return failure(error());
+    }
+    return {};
+}
+
+Result<std::int64_t, StorageError> SQLiteConnection::number(std::string_view sql) {
+    auto statement = prepare(sql);
+    if (!statement) {
+        return failure(statement.error());
+    }
+    const auto row = statement->step();
+    if (!row) {
+        return failure(row.error());
+    }
+    return *row ? statement->integer(0) : 0;
+}
+
+bool SQLiteConnection::hasMoved() const {
+    int moved = 0;
+    return sqlite3_file_control(database_.get(), "main", SQLITE_FCNTL_HAS_MOVED, &moved) == SQLITE_OK &&
+           moved != 0;
+}
+
+StorageError SQLiteConnection::error() const {
+    if (!database_) {
+        return {StorageErrorCode::cannotAccess, path_, sqlite3_errstr(SQLITE_NOMEM)};
+    }
+    return {codeOf(sqlite3_extended_errcode(database_.get())), path_, sqlite3_errmsg(database_.get())};
+}
+
+} // namespace zelto
