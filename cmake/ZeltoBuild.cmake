@@ -13,12 +13,15 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_CXX_VISIBILITY_PRESET default)
 
 add_library(zelto_options INTERFACE)
-target_compile_options(zelto_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wshadow=local -Wnon-virtual-dtor
+target_compile_options(zelto_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wnon-virtual-dtor
                                                -Wno-missing-field-initializers)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(zelto_options INTERFACE -Wshadow=local)
   # GCC 12 reports false positives from inlined library code at -O2 and above.
   target_compile_options(zelto_options INTERFACE -Wno-maybe-uninitialized -Wno-stringop-overflow -Wno-restrict
                                                  -Wno-array-bounds -Wno-dangling-pointer -Wno-free-nonheap-object)
+else()
+  target_compile_options(zelto_options INTERFACE -Wshadow)
 endif()
 if(ZELTO_SANITIZE)
   target_compile_options(zelto_options INTERFACE -fsanitize=${ZELTO_SANITIZE} -fno-omit-frame-pointer
