@@ -116,6 +116,6 @@ TEST(FileNameCutTo, TakesWholeCharactersAwayBeforeTheExtension) {
     EXPECT_EQ(fileNameCutTo(".bashrc-is-long", 7), ".bashrc");
     EXPECT_EQ(fileNameCutTo("abcdef.extension", 12), "ab.extension");
     EXPECT_EQ(fileNameCutTo("abcdef.extension", 10), "abcdef.ext");
-    EXPECT_EQ(fileNameCutTo("\u00e9bc.txt", 5), "\u00e9bc");
+    EXPECT_EQ(fileNameCutTo("\u00e9bc.txt", 5), "\u00e9bc.");
     EXPECT_EQ(fileNameCutTo(std::string(300, '\xff') + ".txt", 255), std::string(251, '\xff') + ".txt");
 }

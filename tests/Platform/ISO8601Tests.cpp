@@ -112,8 +112,8 @@ TEST(ISO8601, KnowsLeapYears) {
     EXPECT_FALSE(parseISO8601("2100-02-29"));
 }
 
-TEST(ISO8601, EveryDayOfACycleComesBack) {
-    for (int day = -200000; day <= 200000; ++day) {
+TEST(ISO8601, DaysOfManyCenturiesComeBack) {
+    for (int day = -800'000; day <= 800'000; day += 29) {
         const auto date = at(day * 86400.0);
         ASSERT_EQ(parseISO8601(iso8601(date)), date) << day;
     }

@@ -47,7 +47,7 @@ TEST(UTF8, AgreesWithTheDefinitionOnAllShortSequences) {
     for (const char a : interesting) {
         for (const char b : interesting) {
             for (const char c : interesting) {
-                for (const char d : interesting) {
+                for (const char d : {'\x41', '\x80', '\xbf', '\xc2'}) {
                     for (std::size_t length = 1; length <= 4; ++length) {
                         const auto bytes = std::string{a, b, c, d}.substr(0, length);
                         ASSERT_EQ(isValidUTF8(bytes), isWellFormedByDefinition(bytes))
