@@ -18,7 +18,7 @@ target_compile_options(zelto_options INTERFACE -Wall -Wextra -Wpedantic -Werror 
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   target_compile_options(zelto_options INTERFACE -Wshadow=local)
   # GCC 12 reports false positives from inlined library code at -O2 and above.
-  target_compile_options(zelto_options INTERFACE -Wno-maybe-uninitialized -Wno-stringop-overflow -Wno-restrict
+  target_compile_options(zelto_options INTERFACE -Wshadow=local -Wno-maybe-uninitialized -Wno-stringop-overflow -Wno-restrict
                                                  -Wno-array-bounds -Wno-dangling-pointer -Wno-free-nonheap-object)
 else()
   target_compile_options(zelto_options INTERFACE -Wshadow)
