@@ -1,0 +1,104 @@
+#include <ZeltoHost/HTML/HTMLGuard.h>
+
+#include <ZeltoHost/HTML/HTMLTokenizer.h>
+#include <ZeltoHost/HTML/OpenElementsInternal.h>
+
+namespace zelto {
+
+namespace {
+
+// A step takes about a nanosecond.
+constexpr std::uint64_t workLimit = 300'000'000;
+
+GumboTag tagOf(std::string_view name) {
+    return gumbo_tagn_enum(name.data(), static_cast<unsigned>(name.size()));
+}
+
+// Copies what is kept, in as few pieces as there are.
+class KeptSource {
+  public:
+    explicit KeptSource(std::string_view html) : html_(html) {}
+
+    void drop(std::string_view piece) {
+        const auto begin = static_cast<std::size_t>(piece.data() - html_.data());
+        kept_.append(html_, copied_, begin - copied_);
+        copied_ = begin + piece.size();
+    }
+
+    void add(std::string_view piece) { kept_ += piece; }
+
+    std::string finish() {
+        kept_.append(html_, copied_);
+        return std::move(kept_);
+    }
+
+  private:
+    std::string_view html_;
+    std::string kept_;
+    std::size_t copied_ = 0;
+};
+
+} // namespace
+
+std::optional<std::string> guardedHTML(std::string_view html) {
+    KeptSource kept(html);
+    OpenElements open;
+    HTMLTokenizer tokenizer(html);
+    HTMLToken token;
+    while (tokenizer.next(token)) {
+        if (token.kind == HTMLToken::Kind::text) {
+            open.text(token.source.size());
+        } else if (token.kind == HTMLToken::Kind::startTag) {
+            const auto tag = tagOf(token.name);
+            const auto verdict = open.start(tag, token.selfClosing);
+            if (verdict == OpenElements::Verdict::drop) {
+                kept.drop(token.source);
+            } else if (token.excessAttributes > 0) {
+                kept.drop(token.source.substr(token.excessAttributes));
+                kept.add(token.selfClosing ? "/>" : ">");
+            }
+            if (open.beginsRawText(tag)) {
+                tokenizer.readRawText(token.name);
+            }
+        } else if (token.kind == HTMLToken::Kind::endTag) {
+            if (open.end(tagOf(token.name)) == OpenElements::Verdict::drop) {
+                kept.drop(token.source);
+            }
+        }
+        tokenizer.setForeign(open.inForeignContent());
+        if (open.work() > workLimit) {
+            return std::nullopt;
+        }
+    }
+    return kept.finish();
+}
+
+std::string flattenedHTML(std::string_view html) {
+    std::string flat;
+    HTMLTokenizer tokenizer(html);
+    HTMLToken token;
+    GumboTag rawText = GUMBO_TAG_LAST;
+    bool blockIsEmpty = true;
+    while (tokenizer.next(token)) {
+        const auto tag = token.name.empty() ? GUMBO_TAG_LAST : tagOf(token.name);
+        if (token.kind == HTMLToken::Kind::text && rawText == GUMBO_TAG_LAST) {
+            flat += token.source;
+            blockIsEmpty = false;
+        }
+        if (token.kind == HTMLToken::Kind::startTag && rawTextTags.contains(tag)) {
+            tokenizer.readRawText(token.name);
+            rawText = tag;
+            continue;
+        }
+        rawText = GUMBO_TAG_LAST;
+        if (tag == GUMBO_TAG_BR) {
+            flat += "<br>";
+        } else if (tag != GUMBO_TAG_LAST && blockTags.contains(tag) && !blockIsEmpty) {
+            flat += "<br>";
+            blockIsEmpty = true;
+        }
+    }
+    return flat;
+}
+
+} // namespace zelto

@@ -1,0 +1,69 @@
+// For sources only: brings in gumbo.
+#pragma once
+
+#include <ZeltoHost/HTML/HTMLArena.h>
+
+#include <gumbo.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelto {
+
+// An HTML document as a browser understands it. Every input gives one, in time linear in its length.
+class HTMLTree {
+  public:
+    explicit HTMLTree(std::string_view html);
+
+    // The html element.
+    const GumboNode& root() const { return *root_; }
+
+  private:
+    bool parse(std::size_t byteLimit, double cpuSeconds);
+
+    std::string source_; // the nodes point into it
+    std::unique_ptr<HTMLArena> arena_;
+    const GumboNode* root_ = nullptr;
+};
+
+bool isHTMLElement(const GumboNode& node);
+
+// nullptr if there is none.
+const char* attributeOf(const GumboElement& element, const char* name);
+
+std::string_view textOf(const GumboNode& node);
+bool isTextNode(const GumboNode& node);
+bool isElementNode(const GumboNode& node);
+
+// Visits a node and all below it without recursion: enter(node) says whether to go on to its children, and
+// leave(node) comes after them (after every element that enter went into).
+template <class Visitor> void walk(const GumboNode& from, Visitor&& visitor) {
+    struct Step {
+        const GumboNode* node;
+        unsigned nextChild;
+    };
+
+    std::vector<Step> path;
+    const auto enter = [&](const GumboNode& node) {
+        if (visitor.enter(node) && isElementNode(node)) {
+            path.push_back({&node, 0});
+        }
+    };
+    enter(from);
+    while (!path.empty()) {
+        auto& [node, nextChild] = path.back();
+        const auto& children = node->v.element.children;
+        if (nextChild < children.length) {
+            enter(*static_cast<const GumboNode*>(children.data[nextChild++]));
+        } else {
+            const auto* done = node;
+            path.pop_back();
+            visitor.leave(*done);
+        }
+    }
+}
+
+} // namespace zelto

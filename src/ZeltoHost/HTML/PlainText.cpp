@@ -1,0 +1,180 @@
+#include <ZeltoHost/HTML/PlainText.h>
+
+#include <ZeltoHost/HTML/TextFlow.h>
+
+#include <Platform/Text.h>
+
+#include <algorithm>
+
+namespace zelto {
+
+namespace {
+
+void endLine(std::string& text) {
+    text.resize(text.find_last_not_of(" \t") + 1);
+}
+
+// Writes lines with the quotation's mark in front of each.
+class LineWriter {
+  public:
+    void begin(int quoteDepth) {
+        prefix_.clear();
+        for (int level = 0; level < std::min(quoteDepth, quoteLimit); ++level) {
+            prefix_ += "> ";
+        }
+        text_ += prefix_;
+    }
+
+    void write(std::string_view text) {
+        while (true) {
+            const auto end = text.find('\n');
+            text_ += text.substr(0, end);
+            if (end == std::string_view::npos) {
+                return;
+            }
+            newLine();
+            text_ += prefix_;
+            text.remove_prefix(end + 1);
+        }
+    }
+
+    void newLine() {
+        endLine(text_);
+        text_ += '\n';
+    }
+
+    std::string finish() {
+        endLine(text_);
+        return std::move(text_);
+    }
+
+  private:
+    static constexpr int quoteLimit = 32;
+
+    std::string text_;
+    std::string prefix_;
+};
+
+bool tellsAddress(std::string_view text, std::string_view address) {
+    text = trimmed(text);
+    for (const std::string_view scheme : {"", "mailto:", "tel:", "http://", "https://"}) {
+        if (address.starts_with(scheme)) {
+            const auto rest = address.substr(scheme.size());
+            if (text == rest || (rest.ends_with('/') && text == rest.substr(0, rest.size() - 1))) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+void writeRuns(LineWriter& writer, const TextFlow& flow, const TextFlow::Block& block,
+               const PlainTextOptions& options) {
+    std::string linkText;
+    for (std::size_t index = 0; index < block.runs.size(); ++index) {
+        const auto& run = block.runs[index];
+        writer.write(run.text);
+        if (!run.link || !options.linkTargets) {
+            continue;
+        }
+        linkText += run.text;
+        const bool last = index + 1 == block.runs.size() || block.runs[index + 1].link != run.link;
+        const auto& address = flow.links[*run.link].absoluteString();
+        if (last && !isBlank(linkText) && !tellsAddress(linkText, address)) {
+            writer.write(" <" + address + ">");
+        }
+        if (last) {
+            linkText.clear();
+        }
+    }
+}
+
+} // namespace
+
+std::string plainTextFromHTML(std::string_view html, const PlainTextOptions& options) {
+    const auto flow = textFlowOf(html);
+    LineWriter writer;
+    const TextFlow::Block* before = nullptr;
+    for (const auto& block : flow.blocks) {
+        if (before != nullptr) {
+            writer.newLine();
+        }
+        if (before != nullptr && block.gapBefore) {
+            writer.begin(std::min(before->quoteDepth, block.quoteDepth));
+            writer.newLine();
+        }
+        writer.begin(block.quoteDepth);
+        writeRuns(writer, flow, block, options);
+        before = &block;
+    }
+    return writer.finish();
+}
+
+namespace {
+
+std::string_view entityOf(char c) {
+    switch (c) {
+    case '&':
+        return "&amp;";
+    case '<':
+        return "&lt;";
+    case '>':
+        return "&gt;";
+    case '"':
+        return "&quot;";
+    case '\'':
+        return "&#39;";
+    default:
+        return {};
+    }
+}
+
+bool isControl(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return (byte < 0x20 && c != '\n' && c != '\t' && c != '\r') || byte == 0x7F;
+}
+
+constexpr std::string_view noBreakSpace = "\u00A0";
+
+} // namespace
+
+std::string htmlEscaped(std::string_view text) {
+    std::string escaped;
+    escaped.reserve(text.size());
+    for (const char c : text) {
+        if (const auto entity = entityOf(c); !entity.empty()) {
+            escaped += entity;
+        } else if (!isControl(c)) {
+            escaped += c;
+        }
+    }
+    return escaped;
+}
+
+std::string htmlFromPlainText(std::string_view text) {
+    std::string html;
+    html.reserve(text.size() + text.size() / 8);
+    bool blankBefore = true;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        const char c = text[at];
+        if (c == '\n' || c == '\r') {
+            html += "<br>\n";
+            at += c == '\r' && text.substr(at + 1, 1) == "\n" ? 1 : 0;
+            blankBefore = true;
+        } else if (c == '\t') {
+            for (int i = 0; i < 4; ++i) {
+                html += noBreakSpace;
+            }
+            blankBefore = false;
+        } else if (c == ' ') {
+            html += blankBefore ? noBreakSpace : std::string_view(" ");
+            blankBefore = !blankBefore;
+        } else {
+            html += htmlEscaped(text.substr(at, 1));
+            blankBefore = false;
+        }
+    }
+    return html;
+}
+
+} // namespace zelto

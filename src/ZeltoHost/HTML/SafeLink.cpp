@@ -1,0 +1,69 @@
+#include <ZeltoHost/HTML/SafeLink.h>
+
+#include <ZeltoHost/HTML/ASCII.h>
+
+#include <algorithm>
+#include <array>
+
+namespace zelto {
+
+namespace {
+
+constexpr std::array<std::string_view, 5> safeSchemes{"http", "https", "mailto", "tel", "mid"};
+
+// Longer ones open nowhere.
+constexpr std::size_t lengthLimit = 65536;
+
+bool needsEncoding(char c) {
+    constexpr std::string_view forbidden = "\"<>\\^`{|}";
+    const auto byte = static_cast<unsigned char>(c);
+    return byte <= 0x20 || byte >= 0x7F || forbidden.find(c) != std::string_view::npos;
+}
+
+bool isEscape(std::string_view text) {
+    constexpr std::string_view digits = "0123456789abcdefABCDEF";
+    return text.size() >= 3 && digits.find(text[1]) != std::string_view::npos &&
+           digits.find(text[2]) != std::string_view::npos;
+}
+
+std::string encoded(std::string_view href) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    std::string text;
+    bool fragment = false;
+    for (std::size_t at = 0; at < href.size(); ++at) {
+        const char c = href[at];
+        if (c == '\n' || c == '\r' || c == '\t') {
+            continue;
+        }
+        const bool secondHash = c == '#' && fragment;
+        fragment = fragment || c == '#';
+        if (needsEncoding(c) || secondHash || (c == '%' && !isEscape(href.substr(at)))) {
+            const auto byte = static_cast<unsigned char>(c);
+            text += {'%', digits[byte >> 4], digits[byte & 15]};
+        } else {
+            text += c;
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+std::optional<URL> safeLink(std::string_view href) {
+    while (!href.empty() && static_cast<unsigned char>(href.front()) <= 0x20) {
+        href.remove_prefix(1);
+    }
+    while (!href.empty() && static_cast<unsigned char>(href.back()) <= 0x20) {
+        href.remove_suffix(1);
+    }
+    if (href.empty() || href.size() > lengthLimit) {
+        return std::nullopt;
+    }
+    auto url = URL::parse(encoded(href));
+    if (!url || std::ranges::find(safeSchemes, url->scheme()) == safeSchemes.end()) {
+        return std::nullopt;
+    }
+    return url;
+}
+
+} // namespace zelto

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <ZeltoIntegrations/FormattedBodyComponent.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelto {
+
+// What a reader sees of an HTML document, as lines of styled text in order.
+struct TextFlow {
+    using Modifiers = FormattedBodyComponent::TextPart::Modifiers;
+
+    struct Run {
+        std::string text; // white space collapsed; "\n" is a line break
+        Modifiers modifiers;
+        std::optional<std::size_t> link; // an index into links: one for each a element
+    };
+
+    struct Block {
+        std::optional<FormattedBodyComponent::HeaderLevel> header;
+        int quoteDepth = 0;
+        bool gapBefore = false; // a blank line
+        std::vector<Run> runs;
+    };
+
+    std::vector<Block> blocks;
+    std::vector<URL> links;
+};
+
+TextFlow textFlowOf(std::string_view html);
+
+} // namespace zelto
