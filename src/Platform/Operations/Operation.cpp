@@ -6,15 +6,30 @@
 #include <Platform/Operations/ThreadPool.h>
 
 #include <algorithm>
+#include <mutex>
+#include <unordered_set>
 #include <utility>
 
 namespace zelto {
+namespace {
 
-void Operation::Links::addDependant(std::weak_ptr<Operation> dependant) {
+bool isSame(const std::weak_ptr<Operation>& one, const std::weak_ptr<Operation>& other) {
+    return !one.owner_before(other) && !other.owner_before(one);
+}
+
+bool isNone(const std::weak_ptr<Operation>& one) {
+    return isSame(one, {});
+}
+
+} // namespace
+
+void Operation::Links::addDependant(Dependant dependant) {
     if (dependants.size() == dependants.capacity()) {
         // An operation that never finishes would otherwise gather all that ever waited for it.
-        std::erase_if(dependants, [](const auto& each) { return each.expired(); });
-        dependants.reserve(std::max<std::size_t>(1, 2 * dependants.size()));
+        const auto gone = std::ranges::remove_if(
+            dependants, [](const Dependant& each) { return each.operation.expired(); });
+        dependants.erase(gone.begin(), gone.end());
+        dependants.reserve(2 * dependants.size());
     }
     dependants.push_back(std::move(dependant));
 }
@@ -31,8 +46,8 @@ Operation::~Operation() {
     }
     if (links_) {
         for (const auto& each : links_->dependants) {
-            if (const auto dependant = each.lock()) {
-                if (const auto core = dependant->dependencyEnded(*this, nullptr)) {
+            if (const auto dependant = each.operation.lock()) {
+                if (const auto core = dependant->dependencyEnded(each.place, nullptr)) {
                     core->becameReady(*dependant);
                 }
             }
@@ -45,11 +60,11 @@ Operation::~Operation() {
 
 void Operation::start() {
     {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard guard(lock_);
         if (stage_ != pending || unfinishedDependencies_ != 0 || core_) {
             return;
         }
-        stage_ = executing;
+        stage_.store(executing, std::memory_order_release);
     }
     const auto self = shared_from_this();
     if (perform()) {
@@ -60,12 +75,12 @@ void Operation::start() {
 void Operation::cancel() {
     std::shared_ptr<OperationCore> core;
     {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard guard(lock_);
         cancelled_ = true;
         if (stage_ != pending) {
             return;
         }
-        stage_ = ending;
+        stage_.store(ending, std::memory_order_release);
         core = core_;
     }
     if (core) {
@@ -76,7 +91,7 @@ void Operation::cancel() {
 }
 
 bool Operation::isReady() const {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard guard(lock_);
     return stage_ != pending || unfinishedDependencies_ == 0;
 }
 
@@ -84,56 +99,46 @@ bool Operation::addDependency(const std::shared_ptr<Operation>& dependency) {
     if (dependency.get() == this) {
         return false;
     }
+    std::size_t place = 0;
     {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard guard(lock_);
         if (stage_ != pending) {
             return false;
         }
-        auto& own = links();
-        const bool isNew =
-            own.dependencies
-                .try_emplace(dependency.get(), Links::Dependency{dependency, nullptr, own.dependenciesAdded})
-                .second;
-        if (!isNew) {
-            return true;
-        }
-        ++own.dependenciesAdded;
+        auto& dependencies = links().dependencies;
+        place = dependencies.size();
+        dependencies.push_back({dependency, nullptr});
         ++unfinishedDependencies_;
     }
     {
-        const std::lock_guard lock(dependency->mutex_);
+        const std::lock_guard guard(dependency->lock_);
         if (dependency->stage_ != finished) {
-            dependency->links().addDependant(weak_from_this());
+            dependency->links().addDependant({weak_from_this(), place});
             return true;
         }
     }
-    if (const auto core = dependencyEnded(*dependency, dependency)) {
+    if (const auto core = dependencyEnded(place, dependency)) {
         core->becameReady(*this);
     }
     return true;
 }
 
 void Operation::removeDependency(const std::shared_ptr<Operation>& dependency) {
-    std::unordered_map<const Operation*, Links::Dependency>::node_type removed;
+    std::vector<Links::Dependency> removed;
     std::shared_ptr<OperationCore> core;
     {
-        const std::lock_guard lock(mutex_);
-        if (links_) {
-            removed = links_->dependencies.extract(dependency.get());
-        }
-        if (!removed) {
+        const std::lock_guard guard(lock_);
+        if (!links_) {
             return;
         }
-        if (!removed.mapped().finished && --unfinishedDependencies_ == 0 && stage_ == pending) {
-            core = core_;
+        for (auto& each : links_->dependencies) {
+            if (isSame(each.operation, dependency)) {
+                unfinishedDependencies_ -= !each.finished;
+                removed.push_back(std::exchange(each, {}));
+            }
         }
-    }
-    {
-        const std::lock_guard lock(dependency->mutex_);
-        if (dependency->links_) {
-            std::erase_if(dependency->links_->dependants, [this](const auto& each) {
-                return !each.owner_before(weak_from_this()) && !weak_from_this().owner_before(each);
-            });
+        if (!removed.empty() && unfinishedDependencies_ == 0 && stage_ == pending) {
+            core = core_;
         }
     }
     if (core) {
@@ -142,27 +147,22 @@ void Operation::removeDependency(const std::shared_ptr<Operation>& dependency) {
 }
 
 std::vector<std::shared_ptr<Operation>> Operation::dependencies() const {
-    std::vector<std::pair<std::uint64_t, std::shared_ptr<Operation>>> found;
+    std::vector<std::shared_ptr<Operation>> all;
     {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard guard(lock_);
         if (links_) {
-            for (const auto& [key, each] : links_->dependencies) {
-                found.emplace_back(each.order, each.finished ? each.finished : each.operation.lock());
+            for (const auto& each : links_->dependencies) {
+                all.push_back(each.operation.lock());
             }
         }
     }
-    std::ranges::sort(found, {}, [](const auto& each) { return each.first; });
-    std::vector<std::shared_ptr<Operation>> all;
-    for (auto& [order, operation] : found) {
-        if (operation) {
-            all.push_back(std::move(operation));
-        }
-    }
+    std::unordered_set<Operation*> seen;
+    std::erase_if(all, [&](const auto& each) { return !each || !seen.insert(each.get()).second; });
     return all;
 }
 
 void Operation::setCompletionBlock(std::move_only_function<void()> block) {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard guard(lock_);
     if (stage_ != finished && (block || links_)) {
         links().completionBlock.swap(block);
     }
@@ -188,11 +188,11 @@ void Operation::finish() {
 }
 
 bool Operation::begin() {
-    const std::lock_guard lock(mutex_);
+    const std::lock_guard guard(lock_);
     if (stage_ != pending || unfinishedDependencies_ != 0) {
         return false;
     }
-    stage_ = executing;
+    stage_.store(executing, std::memory_order_release);
     return true;
 }
 
@@ -210,7 +210,7 @@ void Operation::performEnding() {
 Operation::Rest Operation::conclude() {
     Rest rest;
     {
-        const std::lock_guard lock(mutex_);
+        const std::lock_guard guard(lock_);
         if (stage_ == finished) {
             return rest;
         }
@@ -230,8 +230,8 @@ void Operation::end(Rest rest) {
     if (rest.links) {
         const auto self = shared_from_this();
         for (const auto& each : rest.links->dependants) {
-            if (const auto dependant = each.lock()) {
-                if (const auto core = dependant->dependencyEnded(*this, self)) {
+            if (const auto dependant = each.operation.lock()) {
+                if (const auto core = dependant->dependencyEnded(each.place, self)) {
                     core->becameReady(*dependant);
                 }
             }
@@ -246,20 +246,21 @@ void Operation::end(Rest rest) {
 }
 
 // The queue to tell when that made this operation ready.
-std::shared_ptr<OperationCore> Operation::dependencyEnded(const Operation& dependency,
+std::shared_ptr<OperationCore> Operation::dependencyEnded(std::size_t place,
                                                           std::shared_ptr<Operation> kept) {
-    const std::lock_guard lock(mutex_);
+    std::weak_ptr<Operation> released;
+    const std::lock_guard guard(lock_);
     if (!links_) {
         return nullptr;
     }
-    const auto found = links_->dependencies.find(&dependency);
-    if (found == links_->dependencies.end() || found->second.finished) {
+    auto& dependency = links_->dependencies[place];
+    if (isNone(dependency.operation)) {
         return nullptr;
     }
     if (kept) {
-        found->second.finished = std::move(kept);
+        dependency.finished = std::move(kept);
     } else {
-        links_->dependencies.erase(found);
+        released.swap(dependency.operation);
     }
     return --unfinishedDependencies_ == 0 && stage_ == pending ? core_ : nullptr;
 }

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <Platform/Operations/SpinLock.h>
+
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <vector>
 
 namespace zelto {
@@ -104,11 +105,10 @@ class Operation : public std::enable_shared_from_this<Operation> {
     void performEnding();
     Rest conclude();
     void end(Rest rest);
-    std::shared_ptr<OperationCore> dependencyEnded(const Operation& dependency,
-                                                   std::shared_ptr<Operation> kept);
+    std::shared_ptr<OperationCore> dependencyEnded(std::size_t place, std::shared_ptr<Operation> kept);
     Links& links();
 
-    mutable std::mutex mutex_;
+    mutable SpinLock lock_;
     std::atomic<int> stage_ = pending;
     std::atomic<bool> cancelled_ = false;
     std::uint32_t unfinishedDependencies_ = 0;

@@ -106,7 +106,7 @@ bool OperationCore::add(std::span<const std::shared_ptr<Operation>> operations) 
 }
 
 bool OperationCore::list(const std::shared_ptr<Operation>& operation) {
-    const std::lock_guard lock(operation->mutex_);
+    const std::lock_guard guard(operation->lock_);
     if (operation->core_) {
         return false;
     }
@@ -312,8 +312,8 @@ bool OperationCore::run(const std::shared_ptr<Operation>& operation, OperationLi
     }
     if (rest.links) {
         for (const auto& each : rest.links->dependants) {
-            auto dependant = each.lock();
-            const auto core = dependant ? dependant->dependencyEnded(*operation, operation) : nullptr;
+            auto dependant = each.operation.lock();
+            const auto core = dependant ? dependant->dependencyEnded(each.place, operation) : nullptr;
             if (core.get() == this) {
                 released.push_back(std::move(dependant));
             } else if (core) {

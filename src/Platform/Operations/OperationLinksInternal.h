@@ -1,31 +1,36 @@
 #pragma once
 
-// For the sources of this folder only.
+// For the sources of this folder only: brings in Boost.Container.
 
 #include <Platform/Operations/Operation.h>
 
-#include <cstdint>
+#include <boost/container/small_vector.hpp>
+
+#include <cstddef>
 #include <functional>
 #include <memory>
-#include <unordered_map>
-#include <vector>
 
 namespace zelto {
 
 // What most operations do without.
 struct Operation::Links {
+    // Both empty once it was removed or released unfinished, so that the places of the others stay.
     struct Dependency {
         std::weak_ptr<Operation> operation;
         std::shared_ptr<Operation> finished;
-        std::uint64_t order;
     };
 
-    void addDependant(std::weak_ptr<Operation> dependant);
+    struct Dependant {
+        std::weak_ptr<Operation> operation;
+        // Where the dependency stands in the dependant's list.
+        std::size_t place;
+    };
 
-    std::unordered_map<const Operation*, Dependency> dependencies;
-    std::uint64_t dependenciesAdded = 0;
-    // May hold operations that were cancelled or no longer depend on this one.
-    std::vector<std::weak_ptr<Operation>> dependants;
+    void addDependant(Dependant dependant);
+
+    boost::container::small_vector<Dependency, 1> dependencies;
+    // May hold operations that are gone or no longer depend on this one.
+    boost::container::small_vector<Dependant, 1> dependants;
     std::move_only_function<void()> completionBlock;
 };
 

@@ -15,6 +15,9 @@ constexpr std::size_t mostThreadsAtWork = 64;
 constexpr std::chrono::milliseconds patience{10};
 constexpr std::chrono::seconds idleLife{10};
 
+// The next job of a queue often comes at once, and waking a thread costs more than many jobs.
+constexpr int looksBeforeSleep = 30;
+
 thread_local bool isPoolThread = false;
 
 } // namespace
@@ -36,8 +39,8 @@ void ThreadPool::post(Job job) {
         const std::lock_guard lock(mutex_);
         jobs_.push_back(std::move(job));
         waiting_.store(jobs_.size(), std::memory_order_relaxed);
-        if (jobs_.size() <= idle_) {
-            wakesWorker = true;
+        if (jobs_.size() <= idle_ + spinning_) {
+            wakesWorker = jobs_.size() > std::size_t{spinning_};
         } else if (threads_ - blocked_ < least_) {
             addThread();
         } else {
@@ -67,16 +70,7 @@ void ThreadPool::addThread() {
 void ThreadPool::work() {
     isPoolThread = true;
     std::unique_lock lock(mutex_);
-    while (true) {
-        while (jobs_.empty()) {
-            ++idle_;
-            const bool ended = work_.wait_for(lock, idleLife) == std::cv_status::timeout;
-            --idle_;
-            if (ended && jobs_.empty() && threads_ - blocked_ > least_) {
-                --threads_;
-                return;
-            }
-        }
+    while (waitForJob(lock)) {
         Job job = std::move(jobs_.front());
         jobs_.pop_front();
         waiting_.store(jobs_.size(), std::memory_order_relaxed);
@@ -86,6 +80,28 @@ void ThreadPool::work() {
         job = nullptr;
         lock.lock();
     }
+}
+
+// False when this thread is no longer needed.
+bool ThreadPool::waitForJob(std::unique_lock<std::mutex>& lock) {
+    if (jobs_.empty() && !std::exchange(spinning_, true)) {
+        lock.unlock();
+        for (int look = 0; look < looksBeforeSleep && waiting() == 0; ++look) {
+            std::this_thread::yield();
+        }
+        lock.lock();
+        spinning_ = false;
+    }
+    while (jobs_.empty()) {
+        ++idle_;
+        const bool isOver = work_.wait_for(lock, idleLife) == std::cv_status::timeout;
+        --idle_;
+        if (isOver && jobs_.empty() && threads_ - blocked_ > least_) {
+            --threads_;
+            return false;
+        }
+    }
+    return true;
 }
 
 void ThreadPool::watch() {
@@ -110,7 +126,7 @@ ThreadPool::BlockingScope::BlockingScope() : counted_(isPoolThread) {
         auto& pool = shared();
         const std::lock_guard lock(pool.mutex_);
         ++pool.blocked_;
-        if (pool.jobs_.size() > pool.idle_ && pool.threads_ - pool.blocked_ < pool.least_) {
+        if (pool.jobs_.size() > pool.idle_ + pool.spinning_ && pool.threads_ - pool.blocked_ < pool.least_) {
             pool.addThread();
         }
     }

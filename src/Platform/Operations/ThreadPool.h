@@ -47,6 +47,7 @@ class ThreadPool {
     ThreadPool();
 
     void work();
+    bool waitForJob(std::unique_lock<std::mutex>& lock);
     void watch();
     void addThread();
 
@@ -61,6 +62,7 @@ class ThreadPool {
     std::size_t idle_ = 0;
     std::size_t blocked_ = 0;
     std::size_t taken_ = 0;
+    bool spinning_ = false;
     bool watching_ = false;
     const std::size_t least_;
 };

@@ -1,0 +1,64 @@
+#include <Platform/Operations/OperationFixtures.h>
+
+#include <Platform/Operations/ContainedException.h>
+#include <Platform/Operations/ThreadPool.h>
+
+namespace zelto {
+namespace {
+
+TEST(ThreadPool, RunsEachJobOnceAndReleasesIt) {
+    auto counted = std::make_shared<std::atomic<int>>(0);
+    for (int index = 0; index < 1000; ++index) {
+        ThreadPool::shared().post([counted] { ++*counted; });
+    }
+    expectSoon([&] { return counted.use_count() == 1; });
+    EXPECT_EQ(*counted, 1000);
+}
+
+TEST(ThreadPool, RunsAtLeastFourJobsAtATime) {
+    std::atomic<int> inside = 0;
+    std::atomic<int> ended = 0;
+    for (int index = 0; index < 4; ++index) {
+        ThreadPool::shared().post([&] {
+            ++inside;
+            expectSoon([&] { return inside == 4; });
+            ++ended;
+        });
+    }
+    expectSoon([&] { return ended == 4; });
+}
+
+TEST(ThreadPool, GrowsWhenJobsBlock) {
+    std::atomic<int> inside = 0;
+    std::atomic<int> ended = 0;
+    Event opened;
+    for (int index = 0; index < 12; ++index) {
+        ThreadPool::shared().post([&] {
+            ++inside;
+            opened.wait();
+            ++ended;
+        });
+    }
+    expectSoon([&] { return inside == 12; });
+    opened.set();
+    expectSoon([&] { return ended == 12; });
+}
+
+TEST(ThreadPool, GoesOnAfterAJobThrew) {
+    const auto before = setContainedExceptionHandler([](std::string_view, const std::exception_ptr&) {});
+    std::atomic<int> ran = 0;
+    for (int index = 0; index < 100; ++index) {
+        ThreadPool::shared().post([&] {
+            ++ran;
+            throw ran.load();
+        });
+    }
+    expectSoon([&] { return ran == 100; });
+    Event after;
+    ThreadPool::shared().post([&] { after.set(); });
+    after.wait();
+    setContainedExceptionHandler(before);
+}
+
+} // namespace
+} // namespace zelto
