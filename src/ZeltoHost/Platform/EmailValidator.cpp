@@ -1,0 +1,142 @@
+#include <ZeltoHost/Platform/EmailValidator.h>
+
+#include <Platform/Text.h>
+
+#include <algorithm>
+#include <string>
+
+#include <arpa/inet.h>
+
+namespace zelto {
+
+namespace {
+
+constexpr std::size_t longestAddress = 254;
+constexpr std::size_t longestLocalPart = 64;
+constexpr std::size_t longestLabel = 63;
+
+// A label outside ASCII travels as "xn--" and at least one octet a character.
+constexpr std::size_t longestInternationalLabel = 59;
+
+bool isASCII(char octet) {
+    return static_cast<unsigned char>(octet) < 0x80;
+}
+
+bool isDigit(char octet) {
+    return octet >= '0' && octet <= '9';
+}
+
+bool isLetterOrDigit(char octet) {
+    return isDigit(octet) || (octet >= 'a' && octet <= 'z') || (octet >= 'A' && octet <= 'Z');
+}
+
+bool isAtomText(char octet) {
+    return !isASCII(octet) || isLetterOrDigit(octet) ||
+           std::string_view("!#$%&'*+-/=?^_`{|}~").find(octet) != std::string_view::npos;
+}
+
+bool isPrintable(char octet) {
+    return !isASCII(octet) || (octet >= ' ' && octet <= '~');
+}
+
+// Well-formed, and outside ASCII no white space, control or invisible turn of the writing's direction.
+bool isSoundText(std::string_view text) {
+    if (!isValidUTF8(text) || escapeControlCharacters(text) != text) {
+        return false;
+    }
+    while (!text.empty()) {
+        const auto length = firstCodePoint(text).length;
+        if (length > 1 && isBlank(text.substr(0, length))) {
+            return false;
+        }
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
+// Calls the function for each part; whether it holds for all. No part may be empty for most callers, so empty
+// ones are told too.
+template <class F> bool allParts(std::string_view text, F&& holds) {
+    for (;;) {
+        const auto dot = text.find('.');
+        if (!holds(text.substr(0, dot))) {
+            return false;
+        }
+        if (dot == std::string_view::npos) {
+            return true;
+        }
+        text.remove_prefix(dot + 1);
+    }
+}
+
+bool isDotAtom(std::string_view text) {
+    return allParts(
+        text, [](std::string_view atom) { return !atom.empty() && std::ranges::all_of(atom, isAtomText); });
+}
+
+bool isQuotedContent(std::string_view text) {
+    for (std::size_t index = 0; index < text.size(); ++index) {
+        if (text[index] == '"') {
+            return false;
+        }
+        if (text[index] == '\\' && (++index == text.size() || !isASCII(text[index]))) {
+            return false;
+        }
+        if (!isPrintable(text[index])) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool isLocalPart(std::string_view text) {
+    if (text.empty() || text.size() > longestLocalPart) {
+        return false;
+    }
+    if (text.front() != '"') {
+        return isDotAtom(text);
+    }
+    return text.size() > 1 && text.back() == '"' && isQuotedContent(text.substr(1, text.size() - 2));
+}
+
+bool isLabel(std::string_view label) {
+    if (label.empty() || label.front() == '-' || label.back() == '-') {
+        return false;
+    }
+    const bool isInternational = !std::ranges::all_of(label, isASCII);
+    const auto characters = static_cast<std::size_t>(
+        std::ranges::count_if(label, [](char octet) { return (octet & 0xC0) != 0x80; }));
+    return characters <= (isInternational ? longestInternationalLabel : longestLabel) &&
+           std::ranges::all_of(
+               label, [](char octet) { return !isASCII(octet) || isLetterOrDigit(octet) || octet == '-'; });
+}
+
+bool isLiteral(std::string_view content) {
+    constexpr std::string_view tag = "IPv6:";
+    unsigned char address[sizeof(in6_addr)];
+    if (content.starts_with(tag)) {
+        return ::inet_pton(AF_INET6, std::string(content.substr(tag.size())).c_str(), address) == 1;
+    }
+    return ::inet_pton(AF_INET, std::string(content).c_str(), address) == 1;
+}
+
+bool isDomain(std::string_view text) {
+    if (text.starts_with('[') && text.ends_with(']')) {
+        return isLiteral(text.substr(1, text.size() - 2));
+    }
+    const auto last = text.substr(text.rfind('.') + 1);
+    return allParts(text, isLabel) && !std::ranges::all_of(last, isDigit);
+}
+
+} // namespace
+
+bool isEmailAddress(std::string_view text) {
+    if (text.size() > longestAddress || !isSoundText(text)) {
+        return false;
+    }
+    // The last one: a quoted local part may hold others.
+    const auto at = text.rfind('@');
+    return at != std::string_view::npos && isLocalPart(text.substr(0, at)) && isDomain(text.substr(at + 1));
+}
+
+} // namespace zelto

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <ZeltoIntegrations/IntegrationsDateFormatter.h>
+
+namespace zelto {
+
+// Dates in the locale of the environment (LC_ALL, LC_TIME, LANG) or in a named one, in the system's time
+// zone. Empty for a date that no calendar holds. Any thread.
+class HostDateFormatter final : public IntegrationsDateFormatter {
+  public:
+    std::string string(Date date, const std::string& format) override;
+    std::string string(Date date, const std::string& format, const std::string& localeName) override;
+};
+
+} // namespace zelto

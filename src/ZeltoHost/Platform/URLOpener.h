@@ -1,0 +1,39 @@
+#pragma once
+
+#include <ZeltoHost/Platform/OpenError.h>
+#include <ZeltoHost/Process/ProcessRunner.h>
+
+#include <Platform/Completion.h>
+#include <Platform/URL.h>
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+// Opens URLs on the user's system by running a program with the URL as its last argument; no shell sees it.
+// The program's exit status 0 means opened. It has 30 seconds, /dev/null for input and output, and the
+// process's environment; an application that it leaves running is not touched. Any thread; the completion
+// comes once, on any thread, at the latest while this is destroyed.
+class URLOpener {
+  public:
+    static constexpr std::chrono::seconds longestWait{30};
+
+    // By xdg-open, or by a command: the program's name or path, and arguments that go before the URL.
+    URLOpener() : URLOpener(std::vector<std::string>{"xdg-open"}) {}
+
+    explicit URLOpener(std::vector<std::string> command, std::chrono::milliseconds limit = longestWait);
+
+    // The applications' schemes, https, and http to this machine.
+    static bool isAllowed(const URL& url);
+
+    void open(const URL& url, Completion<void, OpenError> completion);
+
+  private:
+    std::vector<std::string> command_;
+    std::chrono::milliseconds limit_;
+    ProcessRunner runner_;
+};
+
+} // namespace zelto
