@@ -1,0 +1,20 @@
+#pragma once
+
+#include <ZeltoIntegrations/Agenda/AgendaConfiguration.h>
+#include <ZeltoIntegrations/SchemeExporter.h>
+
+namespace zelto {
+
+// Makes a note in Agenda, in the project "Exported from Zelto", which is created if it does not exist.
+class AgendaExporter final : public SchemeExporter {
+  public:
+    using SchemeExporter::SchemeExporter;
+
+    static constexpr auto urlHost = "agenda";
+
+    void loadConfiguration(Completion<AgendaConfiguration, IntegrationLoadError> completion);
+    std::shared_ptr<ExportProgress> export_(AgendaConfiguration configuration,
+                                            Completion<void, IntegrationExportError> completion);
+};
+
+} // namespace zelto

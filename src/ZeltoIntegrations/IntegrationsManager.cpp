@@ -1,0 +1,234 @@
+#include <ZeltoIntegrations/IntegrationsManager.h>
+
+#include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
+#include <ZeltoIntegrations/IntegrationsDataInteractorStub.h>
+#include <ZeltoIntegrations/IntegrationsServiceDataFetcher.h>
+#include <ZeltoIntegrations/ServiceCredentialsManager.h>
+
+#include <algorithm>
+
+namespace zelto {
+
+namespace {
+
+using AccountError = IntegrationAccountCreationError;
+using AccountResult = Result<ServiceAccountConfiguration, AccountError>;
+using AccountCompletion = IntegrationsManager::AccountCompletion;
+
+// The name of an account whose own name is not known yet.
+constexpr auto temporaryUserName = "temp_user_name";
+
+bool requireDataFetch(ServiceType serviceType) {
+    using enum ServiceType;
+    constexpr ServiceType fetching[] = {TodoIst,  Asana, OneNote, Evernote, Trello,      MeisterTask,
+                                        TickTick, Slack, Hubspot, Notion,   GoogleDrive, Dropbox};
+    return std::ranges::find(fetching, serviceType) != std::end(fetching);
+}
+
+// Zoom and GoTo are meeting services too, but there is nothing to check while they are connected.
+bool isConferenceIntegration(ServiceType serviceType) {
+    return serviceType == ServiceType::MicrosoftTeams;
+}
+
+bool isAccountExist(ServiceConfigurationsStorage& storage, const ServiceAccountConfiguration& configuration) {
+    const auto identifier = configuration.identifier();
+    return std::ranges::any_of(storage.loadConfigurations(), [&](const ServiceAccountConfiguration& stored) {
+        return stored.identifier() == identifier;
+    });
+}
+
+// The account under another name, and with it another key in the key chain; nothing without credentials.
+std::optional<ServiceAccountConfiguration> createAccount(const ServiceAccountConfiguration& from,
+                                                         const std::string& name) {
+    if (!from.credentials) {
+        return std::nullopt;
+    }
+    auto credentials = ServiceAccountCredentials::forIdentifier(
+        ExportServiceHelper::getServiceIdentifierFor(from.serviceType(), name));
+    ServiceCredentialsManager::fill(*from.credentials, credentials);
+    return ServiceAccountConfiguration(from, std::move(credentials), name);
+}
+
+void removeSecrets(const ServiceAccountConfiguration& configuration) {
+    if (configuration.credentials) {
+        ServiceCredentialsManager::remove(*configuration.credentials);
+    }
+}
+
+void storeSecrets(const ServiceAccountConfiguration& configuration) {
+    if (configuration.credentials) {
+        ServiceCredentialsManager::store(*configuration.credentials);
+    }
+}
+
+// What the fetch of an exporter's data says about the account that is being connected.
+AccountResult loadAccount(const Result<void, IntegrationLoadError>& fetched,
+                          const ServiceAccountConfiguration& temporary,
+                          const ServiceAccountConfiguration& configuration, ServiceExporter& exporter,
+                          ServiceConfigurationsStorage& storage) {
+    // An exporter that refreshed a token during the fetch has saved the temporary account.
+    storage.remove(temporary);
+    removeSecrets(temporary);
+    if (!fetched) {
+        return failure(AccountError::dataLoadingError());
+    }
+    std::optional<ServiceAccountConfiguration> account;
+    if (configuration.serviceType() == ServiceType::TickTick && configuration.userName()) {
+        account = createAccount(configuration, *configuration.userName());
+    } else if (const auto email = exporter.loadUserEmail()) {
+        account = createAccount(exporter.accountConfiguration(), *email);
+    }
+    if (!account) {
+        return failure(AccountError::dataLoadingError());
+    }
+    return *std::move(account);
+}
+
+} // namespace
+
+IntegrationsManager::IntegrationsManager(std::shared_ptr<ServiceConfigurationsStorage> storage,
+                                         std::shared_ptr<IntegrationsPlatformInteractorProtocol> interactor,
+                                         EmailValidator emailValidator, std::string attachmentsPath)
+    : configurationStorage_(std::move(storage)), platformInteractor_(std::move(interactor)),
+      emailValidator_(std::move(emailValidator)), attachmentsPath_(std::move(attachmentsPath)) {}
+
+IntegrationsManager::~IntegrationsManager() = default;
+
+std::string IntegrationsManager::getServiceIdentifier(ServiceType from,
+                                                      const std::optional<std::string>& andUsername) const {
+    return ExportServiceHelper::getServiceIdentifierFor(from, andUsername);
+}
+
+std::map<int, std::vector<ServiceAccountConfiguration>>
+IntegrationsManager::servicesConfigurationsGroupedByType() const {
+    std::map<int, std::vector<ServiceAccountConfiguration>> groups;
+    for (auto& configuration : servicesConfigurations()) {
+        groups[rawValue(configuration.serviceType())].push_back(std::move(configuration));
+    }
+    return groups;
+}
+
+std::vector<ServiceAccountConfiguration> IntegrationsManager::servicesConfigurations() const {
+    return configurationStorage_->loadConfigurations();
+}
+
+void IntegrationsManager::removeServiceConfiguration(const ServiceAccountConfiguration& configuration) {
+    removeSecrets(configuration);
+    configurationStorage_->remove(configuration);
+    platformInteractor_->integrationServiceDidRemoved(configuration);
+}
+
+void IntegrationsManager::setLastUsedConfiguration(
+    ServiceType serviceType, const std::optional<ServiceAccountConfiguration>& configuration) {
+    configurationStorage_->setLastUsedConfiguration(serviceType, configuration);
+}
+
+std::optional<ServiceAccountConfiguration>
+IntegrationsManager::lastUsedConfiguration(ServiceType serviceType) const {
+    return configurationStorage_->lastUsedConfiguration(serviceType);
+}
+
+void IntegrationsManager::storeServiceConfiguration(const ServiceAccountConfiguration& configuration) {
+    configurationStorage_->save(configuration);
+}
+
+void IntegrationsManager::trySaveServiceConfiguration(const ServiceAccountConfiguration& configuration,
+                                                      AccountCompletion completion) {
+    fetchAccount(configuration, [storage = configurationStorage_, interactor = platformInteractor_,
+                                 completion = std::move(completion)](AccountResult account) mutable {
+        if (account && isAccountExist(*storage, *account)) {
+            account = failure(AccountError::accountAlreadyExist(*account));
+        }
+        if (account) {
+            storeSecrets(*account);
+            storage->save(*account);
+            interactor->integrationServiceDidAdded(*account);
+        }
+        completion(std::move(account));
+    });
+}
+
+void IntegrationsManager::tryUpdateServiceConfiguration(const ServiceAccountConfiguration& withNew,
+                                                        const ServiceAccountConfiguration& fromOld,
+                                                        AccountCompletion completion) {
+    fetchAccount(withNew, [old = fromOld, completion = std::move(completion)](AccountResult account) mutable {
+        if (account && account->identifier() != old.identifier()) {
+            account = failure(AccountError::accountMismatch(old, *account));
+        }
+        if (account) {
+            storeSecrets(*account);
+        }
+        completion(std::move(account));
+    });
+}
+
+void IntegrationsManager::replaceServiceConfiguration(const ServiceAccountConfiguration& old,
+                                                      const ServiceAccountConfiguration& with,
+                                                      AccountCompletion completion) {
+    const auto replacement = with.userName() ? createAccount(with, *with.userName()) : std::nullopt;
+    if (!replacement) {
+        return completion(failure(AccountError::dataLoadingError()));
+    }
+    removeSecrets(old);
+    configurationStorage_->remove(old);
+    configurationStorage_->save(*replacement);
+    storeSecrets(*replacement);
+    completion(*replacement);
+}
+
+std::optional<ServiceAccountConfiguration>
+IntegrationsManager::loadServiceConfiguration(const std::string& identifier) const {
+    return configurationStorage_->load(identifier);
+}
+
+void IntegrationsManager::removeAllServiceConfigurations() {
+    for (const auto& configuration : servicesConfigurations()) {
+        removeServiceConfiguration(configuration);
+    }
+}
+
+void IntegrationsManager::fetchAccount(const ServiceAccountConfiguration& configuration,
+                                       AccountCompletion completion) {
+    if (requireDataFetch(configuration.serviceType())) {
+        fetchAccountByExporter(configuration, std::move(completion));
+    } else if (isConferenceIntegration(configuration.serviceType())) {
+        fetchAccountByMeetingCreator(configuration, std::move(completion));
+    } else {
+        completion(configuration);
+    }
+}
+
+void IntegrationsManager::fetchAccountByExporter(const ServiceAccountConfiguration& configuration,
+                                                 AccountCompletion completion) {
+    const auto temporary = createAccount(configuration, temporaryUserName);
+    const auto exporter =
+        temporary ? createServiceExporter(*temporary, std::make_shared<IntegrationsDataInteractorStub>())
+                  : nullptr;
+    if (!exporter) {
+        return completion(failure(AccountError::dataLoadingError()));
+    }
+    exporter->fetchServiceData(
+        [temporary = *temporary, configuration, exporter, storage = configurationStorage_,
+         completion = std::move(completion)](const Result<void, IntegrationLoadError>& fetched) mutable {
+            completion(loadAccount(fetched, temporary, configuration, *exporter, *storage));
+        });
+}
+
+void IntegrationsManager::fetchAccountByMeetingCreator(const ServiceAccountConfiguration& configuration,
+                                                       AccountCompletion completion) {
+    const auto fetcher =
+        std::dynamic_pointer_cast<IntegrationsServiceDataFetcher>(createMeetingCreator(configuration));
+    if (!fetcher) {
+        return completion(failure(AccountError::dataLoadingError()));
+    }
+    fetcher->fetchServiceData([configuration, fetcher, completion = std::move(completion)](
+                                  const Result<void, IntegrationLoadError>& fetched) mutable {
+        if (fetched) {
+            completion(configuration);
+        } else {
+            completion(failure(AccountError::dataLoadingError()));
+        }
+    });
+}
+
+} // namespace zelto

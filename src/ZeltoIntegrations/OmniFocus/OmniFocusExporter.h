@@ -1,0 +1,20 @@
+#pragma once
+
+#include <ZeltoIntegrations/OmniFocus/OmniFocusConfiguration.h>
+#include <ZeltoIntegrations/SchemeExporter.h>
+
+namespace zelto {
+
+// Adds a task to the inbox of OmniFocus.
+class OmniFocusExporter final : public SchemeExporter {
+  public:
+    using SchemeExporter::SchemeExporter;
+
+    static constexpr auto urlHost = "omnifocus";
+
+    void loadConfiguration(Completion<OmniFocusConfiguration, IntegrationLoadError> completion);
+    std::shared_ptr<ExportProgress> export_(OmniFocusConfiguration configuration,
+                                            Completion<void, IntegrationExportError> completion);
+};
+
+} // namespace zelto

@@ -1,0 +1,109 @@
+#include <ZeltoIntegrations/ServiceExporter.h>
+
+#include <utility>
+
+namespace zelto {
+
+namespace {
+
+constexpr auto lastExportContentTypeKey = "lastExportContentType";
+
+} // namespace
+
+ServiceExporter::ServiceExporter(ServiceAccountConfiguration configuration,
+                                 std::shared_ptr<ServiceConfigurationsStorage> configurationStorage,
+                                 std::shared_ptr<IntegrationsPlatformInteractorProtocol> platformInteractor,
+                                 std::shared_ptr<IntegrationsDataInteractorProtocol> dataInteractor,
+                                 std::optional<std::string> actionSource,
+                                 bool attachmentsAreSelectedByDefault)
+    : configurationStorage_(std::move(configurationStorage)),
+      platformInteractor_(std::move(platformInteractor)), dataInteractor_(std::move(dataInteractor)),
+      accountConfiguration_(std::move(configuration)), actionSource_(std::move(actionSource)),
+      attachmentsAreSelectedByDefault_(attachmentsAreSelectedByDefault) {
+    taskQueue_.setMaxConcurrentOperationCount(1);
+}
+
+ServiceExporter::~ServiceExporter() = default;
+
+ServiceAccountConfiguration ServiceExporter::accountConfiguration() const {
+    const std::lock_guard guard(lock_);
+    return accountConfiguration_;
+}
+
+IntegrationExportTarget ServiceExporter::exportTarget() {
+    return dataInteractor_->exportTarget();
+}
+
+std::optional<IntegrationExportContentType> ServiceExporter::lastExportContentType() const {
+    return getCachedValue<IntegrationExportContentType>(lastExportContentTypeKey);
+}
+
+void ServiceExporter::setLastExportContentType(std::optional<IntegrationExportContentType> type) {
+    setCachedValue(type, lastExportContentTypeKey);
+}
+
+void ServiceExporter::fetchServiceData(Completion<void, IntegrationLoadError> withCompletion) {
+    lvxLogError("fetchServiceData is not implemented", "fetchServiceData(withCompletion:)");
+    withCompletion(failure(IntegrationLoadError::internalError));
+}
+
+std::optional<std::string> ServiceExporter::loadUserEmail() {
+    lvxLogError("loadUserEmail is not implemented", "loadUserEmail()");
+    return std::nullopt;
+}
+
+void ServiceExporter::saveConfiguration() {
+    configurationStorage_->save(accountConfiguration());
+}
+
+void ServiceExporter::execute(const std::vector<std::shared_ptr<Operation>>& operations) {
+    taskQueue_.addOperations(operations, false);
+}
+
+std::shared_ptr<BlockOperation> ServiceExporter::createSyncTask(std::move_only_function<void()> block) const {
+    return std::make_shared<BlockOperation>(std::move(block));
+}
+
+void ServiceExporter::updateActiveClient(std::shared_ptr<CancellableServiceClient> client) {
+    const std::lock_guard guard(lock_);
+    serviceClient_ = std::move(client);
+}
+
+void ServiceExporter::cancelTasks() {
+    std::shared_ptr<CancellableServiceClient> client;
+    {
+        const std::lock_guard guard(lock_);
+        client = serviceClient_;
+    }
+    if (client) {
+        client->cancelAllOperations();
+    }
+    taskQueue_.cancelAllOperations();
+}
+
+bool ServiceExporter::countStep(ExportProgress& progress) {
+    progress.setCompletedUnitCount(progress.completedUnitCount() + 1);
+    if (!progress.isCancelled()) {
+        return true;
+    }
+    cancelTasks();
+    return false;
+}
+
+void ServiceExporter::postExportEvent(IntegrationExportContentType exportType,
+                                      const std::vector<std::string>& modifiedFields,
+                                      const ExporterResult<void>& result) {
+    std::optional<std::string> error;
+    if (!result) {
+        error = nameOf(result.error());
+    }
+    platformInteractor_->postExportEvent(accountConfiguration().serviceType(), exportType, modifiedFields,
+                                         actionSource_, error);
+}
+
+void ServiceExporter::modifyAccount(const std::function<void(ServiceAccountConfiguration&)>& change) {
+    const std::lock_guard guard(lock_);
+    change(accountConfiguration_);
+}
+
+} // namespace zelto

@@ -1,0 +1,163 @@
+#pragma once
+
+#include <ZeltoIntegrations/CancellableServiceClient.h>
+#include <ZeltoIntegrations/ExportConfig.h>
+#include <ZeltoIntegrations/ExportProgress.h>
+#include <ZeltoIntegrations/ExporterAsyncOperation.h>
+#include <ZeltoIntegrations/IntegrationError.h>
+#include <ZeltoIntegrations/IntegrationExportContentType.h>
+#include <ZeltoIntegrations/IntegrationsDataInteractorProtocol.h>
+#include <ZeltoIntegrations/IntegrationsPlatformInteractorProtocol.h>
+#include <ZeltoIntegrations/ServiceConfigurationsStorage.h>
+
+#include <ZeltoCommonLogger/LoggerClient.h>
+
+#include <Platform/Operations/BlockOperation.h>
+#include <Platform/Operations/OperationQueue.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+// The common base of all exporters, built per mail: a serial queue of steps, the account, the host's three
+// objects and the way one export is closed. A concrete exporter adds `contentTypes(target)`,
+// `loadConfiguration(completion)`, `loadPreview(type, completion)` and `export_(configuration, completion)`.
+//
+// Steps and completions run on queue threads, never on the caller's. An export in progress keeps its exporter
+// alive. Nothing that was done on the service is rolled back after a failure.
+class ServiceExporter : public LoggerClient, public std::enable_shared_from_this<ServiceExporter> {
+  public:
+    ServiceExporter(ServiceAccountConfiguration configuration,
+                    std::shared_ptr<ServiceConfigurationsStorage> configurationStorage,
+                    std::shared_ptr<IntegrationsPlatformInteractorProtocol> platformInteractor,
+                    std::shared_ptr<IntegrationsDataInteractorProtocol> dataInteractor,
+                    std::optional<std::string> actionSource, bool attachmentsAreSelectedByDefault);
+    virtual ~ServiceExporter();
+
+    // The exporter's own copy of the account: refreshed tokens and cached values land here.
+    ServiceAccountConfiguration accountConfiguration() const;
+
+    IntegrationExportTarget exportTarget();
+
+    // The content type of the last export with this account.
+    std::optional<IntegrationExportContentType> lastExportContentType() const;
+    void setLastExportContentType(std::optional<IntegrationExportContentType> type);
+
+    // A cached value of the account. Setting one saves the whole account through the storage.
+    template <class T> std::optional<T> getCachedValue(const std::string& key) const {
+        return accountConfiguration().getCachedItem<T>(key);
+    }
+
+    template <class T> void setCachedValue(const std::optional<T>& value, const std::string& key) {
+        modifyAccount([&](ServiceAccountConfiguration& account) { account.setCachedItem(value, key); });
+        saveConfiguration();
+    }
+
+    // Fills the caches with what the service knows of the account. An exporter without such data fails with
+    // `internalError`.
+    virtual void fetchServiceData(Completion<void, IntegrationLoadError> withCompletion);
+    // The e-mail or login of the signed-in user, from the data fetched.
+    virtual std::optional<std::string> loadUserEmail();
+
+    void saveConfiguration();
+
+  protected:
+    // The result of one export, told once: the first call counts.
+    template <class T> using ResultMediator = std::function<void(ExporterResult<T>)>;
+    // Produces the configuration that the exporter itself would have offered.
+    template <class C> using OriginalConfigBlock = std::function<void(Completion<C, IntegrationLoadError>)>;
+
+    // Adds the steps to the queue; they run one after the other in this order.
+    void execute(const std::vector<std::shared_ptr<Operation>>& operations);
+
+    template <class R>
+    std::shared_ptr<ExporterAsyncOperation<R>>
+    createAsyncTask(typename ExporterAsyncOperation<R>::Task operation) const {
+        return std::make_shared<ExporterAsyncOperation<R>>(std::move(operation));
+    }
+
+    std::shared_ptr<BlockOperation> createSyncTask(std::move_only_function<void()> block) const;
+
+    // Each step calls this when it ends. True if the export goes on; a cancelled one is stopped, and
+    // `completion` gets `canceled`.
+    template <class T> bool update(ExportProgress& progress, const ResultMediator<T>& completion) {
+        if (countStep(progress)) {
+            return true;
+        }
+        if (completion) {
+            completion(failure(IntegrationExportError::canceled));
+        }
+        return false;
+    }
+
+    void updateActiveClient(std::shared_ptr<CancellableServiceClient> client);
+    void cancelTasks();
+
+    // Closes an export: posts the analytics event, has the configuration store its last-export settings (for
+    // a failed export too) and calls the completion, in this order.
+    template <ExportConfig C, class T>
+    ResultMediator<T> createResultMediator(C configuration, OriginalConfigBlock<C> originalConfigBlock,
+                                           Completion<T, IntegrationExportError> completion) {
+        auto closing = std::make_shared<Completion<T, IntegrationExportError>>(std::move(completion));
+        auto told = std::make_shared<std::atomic_flag>();
+        return
+            [self = shared_from_this(), configuration = std::move(configuration),
+             originalConfigBlock = std::move(originalConfigBlock), closing, told](ExporterResult<T> result) {
+                if (told->test_and_set()) {
+                    return;
+                }
+                self->close(configuration, originalConfigBlock, closing, std::move(result));
+            };
+    }
+
+    template <ExportConfig C>
+    void postAnalytics(const C& originalConfig, const C& userConfig, const ExporterResult<void>& result) {
+        postExportEvent(userConfig.exportType(),
+                        originalConfig.diff(userConfig, attachmentsAreSelectedByDefault_), result);
+    }
+
+    IntegrationsPlatformInteractorProtocol& platformInteractor() const { return *platformInteractor_; }
+
+    IntegrationsDataInteractorProtocol& dataInteractor() const { return *dataInteractor_; }
+
+  private:
+    template <ExportConfig C, class T>
+    void close(const C& configuration, const OriginalConfigBlock<C>& originalConfigBlock,
+               const std::shared_ptr<Completion<T, IntegrationExportError>>& closing,
+               ExporterResult<T> result) {
+        if (!dynamic_cast<typename C::Exporter*>(this)) {
+            return (*closing)(failure(IntegrationExportError::internalError));
+        }
+        originalConfigBlock([self = shared_from_this(), configuration, closing,
+                             result = std::move(result)](Result<C, IntegrationLoadError> original) mutable {
+            // Without an original there is nothing to compare with, so nothing counts as changed.
+            self->postAnalytics(original ? *original : configuration, configuration,
+                                result ? ExporterResult<void>() : failure(result.error()));
+            configuration.storeLastExportInfo(dynamic_cast<typename C::Exporter&>(*self));
+            (*closing)(std::move(result));
+        });
+    }
+
+    // False for a cancelled progress, whose tasks it cancels.
+    bool countStep(ExportProgress& progress);
+    void postExportEvent(IntegrationExportContentType exportType,
+                         const std::vector<std::string>& modifiedFields, const ExporterResult<void>& result);
+    void modifyAccount(const std::function<void(ServiceAccountConfiguration&)>& change);
+
+    OperationQueue taskQueue_;
+    std::shared_ptr<CancellableServiceClient> serviceClient_;
+    const std::shared_ptr<ServiceConfigurationsStorage> configurationStorage_;
+    const std::shared_ptr<IntegrationsPlatformInteractorProtocol> platformInteractor_;
+    const std::shared_ptr<IntegrationsDataInteractorProtocol> dataInteractor_;
+    mutable std::mutex lock_; // guards the account and the client
+    ServiceAccountConfiguration accountConfiguration_;
+    const std::optional<std::string> actionSource_;
+    const bool attachmentsAreSelectedByDefault_;
+};
+
+} // namespace zelto

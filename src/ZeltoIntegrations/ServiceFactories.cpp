@@ -1,0 +1,120 @@
+// Which class serves which service: the three factories of the manager.
+
+#include <ZeltoIntegrations/Agenda/AgendaExporter.h>
+#include <ZeltoIntegrations/Bear/BearExporter.h>
+#include <ZeltoIntegrations/IntegrationsManager.h>
+#include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
+#include <ZeltoIntegrations/Things/ThingsExporter.h>
+#include <ZeltoIntegrations/TwoDo/TwoDoExporter.h>
+
+#include <algorithm>
+
+namespace zelto {
+
+namespace {
+
+// What every exporter is made with.
+struct ExporterArguments {
+    const ServiceAccountConfiguration& configuration;
+    std::shared_ptr<ServiceConfigurationsStorage> storage;
+    std::shared_ptr<IntegrationsPlatformInteractorProtocol> interactor;
+    std::shared_ptr<IntegrationsDataInteractorProtocol> dataInteractor;
+    std::optional<std::string> actionSource;
+    bool attachmentsAreSelectedByDefault;
+};
+
+template <class Exporter> std::shared_ptr<ServiceExporter> make(ExporterArguments arguments) {
+    return std::make_shared<Exporter>(arguments.configuration, std::move(arguments.storage),
+                                      std::move(arguments.interactor), std::move(arguments.dataInteractor),
+                                      std::move(arguments.actionSource),
+                                      arguments.attachmentsAreSelectedByDefault);
+}
+
+struct ExporterRow {
+    ServiceType serviceType;
+    std::shared_ptr<ServiceExporter> (*make)(ExporterArguments);
+};
+
+// A row without a class gives nothing, as a type without a row does.
+constexpr ExporterRow exporters[] = {
+    {ServiceType::Reminders, nullptr},
+    {ServiceType::OmniFocus, make<OmniFocusExporter>},
+    {ServiceType::Type2Do, make<TwoDoExporter>},
+    {ServiceType::Things, make<ThingsExporter>},
+    {ServiceType::TodoIst, nullptr},
+    {ServiceType::Asana, nullptr},
+    {ServiceType::OneNote, nullptr},
+    {ServiceType::Evernote, nullptr},
+    {ServiceType::Trello, nullptr},
+    {ServiceType::Bear, make<BearExporter>},
+    {ServiceType::MeisterTask, nullptr},
+    {ServiceType::TickTick, nullptr},
+    {ServiceType::Agenda, make<AgendaExporter>},
+    {ServiceType::Slack, nullptr},
+    {ServiceType::Hubspot, nullptr},
+    {ServiceType::Notion, nullptr},
+    {ServiceType::GoogleDrive, nullptr},
+    {ServiceType::Dropbox, nullptr},
+    {ServiceType::iCloudDrive, nullptr},
+    {ServiceType::Instapaper, nullptr},
+};
+
+struct ImporterRow {
+    ServiceType serviceType;
+    std::shared_ptr<ServiceImporter> (*make)(
+        const ServiceAccountConfiguration& configuration,
+        std::shared_ptr<IntegrationsPlatformInteractorProtocol> interactor,
+        std::optional<std::string> actionSource);
+};
+
+constexpr ImporterRow importers[] = {
+    {ServiceType::GoogleDrive, nullptr},
+    {ServiceType::Dropbox, nullptr},
+};
+
+struct MeetingCreatorRow {
+    ServiceType serviceType;
+    std::shared_ptr<MeetingCreator> (*make)(const ServiceAccountCredentials& credentials);
+};
+
+constexpr MeetingCreatorRow meetingCreators[] = {
+    {ServiceType::G2Meeting, nullptr},
+    {ServiceType::ZoomMeeting, nullptr},
+    {ServiceType::MicrosoftTeams, nullptr},
+};
+
+// The maker in the type's row, or null.
+template <class Row, std::size_t count> auto makerFor(ServiceType serviceType, const Row (&rows)[count]) {
+    const auto row = std::ranges::find(rows, serviceType, &Row::serviceType);
+    return row == std::end(rows) ? nullptr : row->make;
+}
+
+} // namespace
+
+std::shared_ptr<ServiceExporter>
+IntegrationsManager::makeServiceExporter(const ServiceAccountConfiguration& configuration,
+                                         std::shared_ptr<IntegrationsDataInteractorProtocol> dataInteractor,
+                                         std::optional<std::string> actionSource,
+                                         bool attachmentsAreSelectedByDefault) {
+    const auto make = makerFor(configuration.serviceType(), exporters);
+    if (!make) {
+        return nullptr;
+    }
+    return make({configuration, configurationStorage_, platformInteractor_, std::move(dataInteractor),
+                 std::move(actionSource), attachmentsAreSelectedByDefault});
+}
+
+std::shared_ptr<ServiceImporter>
+IntegrationsManager::makeServiceImporter(const ServiceAccountConfiguration& configuration,
+                                         std::optional<std::string> actionSource) {
+    const auto make = makerFor(configuration.serviceType(), importers);
+    return make ? make(configuration, platformInteractor_, std::move(actionSource)) : nullptr;
+}
+
+std::shared_ptr<MeetingCreator>
+IntegrationsManager::createMeetingCreator(const ServiceAccountConfiguration& configuration) {
+    const auto make = makerFor(configuration.serviceType(), meetingCreators);
+    return make && configuration.credentials ? make(*configuration.credentials) : nullptr;
+}
+
+} // namespace zelto

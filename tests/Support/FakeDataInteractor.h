@@ -1,0 +1,127 @@
+#pragma once
+
+#include <ZeltoIntegrations/IntegrationsDataInteractorProtocol.h>
+
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+// A mail or meeting note made of the fields set here. It answers at once, on the caller's thread.
+class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
+  public:
+    IntegrationExportTarget target = IntegrationExportTarget::email;
+    std::string titleText = "Title";
+    std::optional<std::string> linkText = "mid:1@example.org";
+    std::optional<std::string> plainText = "Body";
+    std::optional<std::string> summary = "Summary";
+    IntegrationAttachments attachments;
+    // Called before a text is given, with the name of the operation.
+    std::function<void(const std::string&)> onAsked = [](const std::string&) {};
+
+    // The link types that were asked for, in order.
+    std::vector<IntegrationLinkType> askedLinks() const {
+        const std::lock_guard guard(lock_);
+        return askedLinks_;
+    }
+
+    IntegrationExportTarget exportTarget() override { return target; }
+
+    IntegrationsInteractorAddresses addresses() override { return {}; }
+
+    IntegrationsInteractorAddresses externalAddresses() override { return {}; }
+
+    std::optional<std::string> subject() override { return titleText; }
+
+    std::optional<Date> originalDate() override { return std::nullopt; }
+
+    std::optional<Date> receivedDate() override { return std::nullopt; }
+
+    std::string title() override { return titleText; }
+
+    void link(IntegrationLinkType type, Callback<std::optional<std::string>> completion) override {
+        ask("link", type);
+        completion(linkText);
+    }
+
+    void linkComponents(IntegrationLinkType type,
+                        Callback<std::optional<IntegrationLinkComponents>> completion) override {
+        ask("linkComponents", type);
+        completion(std::nullopt);
+    }
+
+    void html(IntegrationExportHtmlOptions, Callback<std::optional<std::string>> completion) override {
+        completion(std::nullopt);
+    }
+
+    void enml(std::string, Callback<std::optional<IntegrationsInteractorEnml>> completion) override {
+        completion(std::nullopt);
+    }
+
+    void enml(IntegrationExportHtmlOptions,
+              Callback<std::optional<IntegrationsInteractorEnml>> completion) override {
+        completion(std::nullopt);
+    }
+
+    void htmlHeader(Callback<std::optional<std::string>> completion) override { completion(std::nullopt); }
+
+    void headerComponents(Callback<IntegrationHeaderComponents> completion) override { completion({}); }
+
+    void messagePlainText(std::optional<IntegrationLinkType> linkType,
+                          Callback<std::optional<std::string>> completion) override {
+        ask("messagePlainText", linkType);
+        completion(plainText);
+    }
+
+    std::optional<Date> meetTranscriptStartDate() override { return std::nullopt; }
+
+    std::optional<Date> meetTranscriptEndDate() override { return std::nullopt; }
+
+    std::optional<std::vector<IntegrationsInteractorAddress>> meetTranscriptAttendees() override {
+        return std::nullopt;
+    }
+
+    void meetTranscript(IntegrationMeetingTranscriptContent content,
+                        IntegrationMeetingTranscriptFormat format,
+                        std::optional<IntegrationLinkType> linkType,
+                        Callback<std::optional<std::string>> completion) override {
+        ask("meetTranscript", linkType);
+        const bool isSummary = content == IntegrationMeetingTranscriptContent::summary &&
+                               format == IntegrationMeetingTranscriptFormat::text;
+        completion(isSummary ? summary : std::nullopt);
+    }
+
+    void availableAttachments(Callback<IntegrationAttachments> completion) override {
+        completion(attachments);
+    }
+
+    void fetchAttachment(std::int64_t,
+                         Completion<std::optional<URL>, AttachmentFetchError> completion) override {
+        completion(failure(AttachmentFetchError::unknownAttachment));
+    }
+
+    void formattedBodyComponents(Callback<std::vector<FormattedBodyComponent>> completion) override {
+        completion({});
+    }
+
+    void
+    formattedMeetingSummaryComponents(Callback<std::vector<FormattedBodyComponent>> completion) override {
+        completion({});
+    }
+
+  private:
+    void ask(const std::string& operation, const std::optional<IntegrationLinkType>& type) {
+        if (type) {
+            const std::lock_guard guard(lock_);
+            askedLinks_.push_back(*type);
+        }
+        onAsked(operation);
+    }
+
+    mutable std::mutex lock_;
+    std::vector<IntegrationLinkType> askedLinks_;
+};
+
+} // namespace zelto

@@ -1,0 +1,112 @@
+#pragma once
+
+#include <ZeltoIntegrations/IntegrationsPlatformInteractorProtocol.h>
+
+#include <Platform/DateFormatter.h>
+
+#include <functional>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+struct FakeDateFormatter final : IntegrationsDateFormatter {
+    std::string string(Date date, const std::string& format) override {
+        return DateFormatter(format, "en_US", "UTC").string(date);
+    }
+
+    std::string string(Date date, const std::string& format, const std::string& localeName) override {
+        return DateFormatter(format, localeName, "UTC").string(date);
+    }
+};
+
+// One analytics event of an export.
+struct ExportEvent {
+    ServiceType service;
+    IntegrationExportContentType exportType;
+    std::vector<std::string> modifiedFields;
+    std::optional<std::string> actionSource;
+    std::optional<std::string> exportError;
+
+    bool operator==(const ExportEvent&) const = default;
+};
+
+// A host that remembers what it was asked for; its dates are in UTC and American English.
+class FakePlatformInteractor final : public IntegrationsPlatformInteractorProtocol {
+  public:
+    // What opening a URL does; by default it works at once.
+    std::function<void(const URL&, Callback<bool>)> openURL = [](const URL&, Callback<bool> done) {
+        done(true);
+    };
+
+    std::shared_ptr<EvernoteClient> evernoteClient(const ServiceAccountConfiguration&) override {
+        return nullptr;
+    }
+
+    std::shared_ptr<RemindersClient> remindersClient() override { return nullptr; }
+
+    std::shared_ptr<IntegrationsDateFormatter> dateFormatter() override {
+        return std::make_shared<FakeDateFormatter>();
+    }
+
+    void convert(std::string, std::filesystem::path, Callback<bool> completion) override {
+        completion(false);
+    }
+
+    void executeAction(URL url, Callback<bool> completion) override {
+        {
+            const std::lock_guard guard(lock_);
+            openedURLs_.push_back(url.absoluteString());
+        }
+        openURL(url, std::move(completion));
+    }
+
+    void postExportEvent(ServiceType service, IntegrationExportContentType exportType,
+                         const std::vector<std::string>& modifiedFields,
+                         const std::optional<std::string>& actionSource,
+                         const std::optional<std::string>& exportError) override {
+        const std::lock_guard guard(lock_);
+        exportEvents_.push_back({service, exportType, modifiedFields, actionSource, exportError});
+    }
+
+    void postImportEvent(ServiceType, ImportActionType, const std::optional<std::string>&,
+                         const std::optional<std::string>&) override {}
+
+    void integrationServiceDidAdded(const ServiceAccountConfiguration& configuration) override {
+        const std::lock_guard guard(lock_);
+        added_.push_back(configuration.identifier());
+        if (onAdded) {
+            onAdded();
+        }
+    }
+
+    void integrationServiceDidRemoved(const ServiceAccountConfiguration& configuration) override {
+        const std::lock_guard guard(lock_);
+        removed_.push_back(configuration.identifier());
+    }
+
+    std::function<void()> onAdded;
+
+    std::vector<std::string> openedURLs() const { return locked(openedURLs_); }
+
+    std::vector<ExportEvent> exportEvents() const { return locked(exportEvents_); }
+
+    std::vector<std::string> added() const { return locked(added_); }
+
+    std::vector<std::string> removed() const { return locked(removed_); }
+
+  private:
+    template <class T> T locked(const T& value) const {
+        const std::lock_guard guard(lock_);
+        return value;
+    }
+
+    mutable std::mutex lock_;
+    std::vector<std::string> openedURLs_;
+    std::vector<ExportEvent> exportEvents_;
+    std::vector<std::string> added_;
+    std::vector<std::string> removed_;
+};
+
+} // namespace zelto
