@@ -136,7 +136,9 @@ TEST(ServiceAccountConfiguration, AbsentCachedItemIsStoredAsNullAndReadsAsNothin
     account.setCachedItem(std::optional<int>(), "count");
     EXPECT_EQ(account.additionalInfo.at("cached_count"), "null");
     EXPECT_EQ(account.getCachedItem<int>("count"), std::nullopt);
-    EXPECT_EQ(account.getCachedItem<std::optional<int>>("count"), std::optional(std::optional<int>()));
+    const auto ofOptionalType = account.getCachedItem<std::optional<int>>("count");
+    ASSERT_TRUE(ofOptionalType);
+    EXPECT_EQ(*ofOptionalType, std::nullopt);
 }
 
 TEST(ServiceAccountConfiguration, CachedItemThatDoesNotDecodeIsNothing) {

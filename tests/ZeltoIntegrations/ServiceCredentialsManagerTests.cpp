@@ -21,7 +21,7 @@ ServiceAccountCredentials filled() {
     credentials.password = "password-1";
     credentials.loginName = "login-1";
     credentials.expirationDate = Date::fromReferenceSeconds(812345678.25);
-    credentials.additionalInfo = {{"team", "T1"}};
+    credentials.additionalInfo.emplace()["team"] = "T1";
     return credentials;
 }
 
@@ -156,7 +156,7 @@ TEST(ServiceCredentialsManager, WhatWasStoredIsMaskedInTheLog) {
     const MemoryKeyChain keyChain;
     auto credentials = withKeyAlone();
     credentials.accessToken = "canary-in-the-log-1";
-    credentials.additionalInfo = {{"extra", "canary-in-the-log-2"}};
+    credentials.additionalInfo.emplace()["extra"] = "canary-in-the-log-2";
     ServiceCredentialsManager::store(credentials);
     const LogCapture log;
     Logger::shared().error("it was canary-in-the-log-1, and canary-in-the-log-2", "test()");
