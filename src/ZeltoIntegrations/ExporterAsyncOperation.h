@@ -1,6 +1,6 @@
 #pragma once
 
-#include <TrovenhalCommon/LVXAsyncOperation.h>
+#include <TrovenhalCommon/Operations/LVXAsyncOperation.h>
 
 #include <Platform/Completion.h>
 
@@ -27,7 +27,7 @@ template <class R> class ExporterAsyncOperation final : public LVXAsyncOperation
     }
 
   protected:
-    void asyncMain(OnComplete onComplete) override {
+    void asyncMain(std::function<void()> onComplete) override {
         auto task = std::exchange(task_, nullptr);
         task([weakly = std::weak_ptr(std::static_pointer_cast<ExporterAsyncOperation>(shared_from_this())),
               onComplete = std::move(onComplete)](R value) mutable {
