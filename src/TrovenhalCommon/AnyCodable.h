@@ -27,7 +27,7 @@ class AnyCodable {
 
     requires(!std::same_as<T, AnyCodable>) explicit AnyCodable(T value)
         : typeName_(registeredName(typeid(T))),
-          json_([held = std::move(value)](DateStrategy strategy) { return toJSONValue(held, strategy); }) {}
+          json_([held = std::move(value)](DateStrategy strategy) { return JSONValue::of(held, strategy); }) {}
 
     // The JSON of T goes under `name` from now on. Once for each type; a name that another type has already
     // is a programming error: it is logged, and the first type keeps it.
