@@ -38,13 +38,13 @@ void applyFont(std::string_view value, InlineStyle& style) {
 
 void apply(std::string_view name, std::string_view value, InlineStyle& style) {
     if (name == "display") {
-        style.hidden = value == "none";
+        style.hidden = style.hidden || value == "none";
     } else if (name == "visibility") {
         style.hidden = style.hidden || value == "hidden" || value == "collapse";
     } else if (name == "mso-hide") {
         style.hidden = style.hidden || value == "all";
     } else if (name == "font-size") {
-        style.hidden = style.hidden || isZeroLength(value);
+        style.invisible = isZeroLength(value);
     } else if (name == "font-weight") {
         const auto bold = isBoldWeight(value);
         style.bold = bold ? bold : style.bold;

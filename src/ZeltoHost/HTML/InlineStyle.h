@@ -12,8 +12,9 @@ struct InlineStyle {
     std::optional<bool>
         underline; // only true counts: an inner element does not take an outer one's line away
     std::optional<bool> preformatted;
-    bool hidden = false;
-    bool withoutMarkers = false; // of a list
+    std::optional<bool> invisible; // of no size, until an inner element has one
+    bool hidden = false;           // with all that is in it
+    bool withoutMarkers = false;   // of a list
 };
 
 InlineStyle inlineStyle(std::string_view style);

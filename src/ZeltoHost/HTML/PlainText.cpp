@@ -1,5 +1,6 @@
 #include <ZeltoHost/HTML/PlainText.h>
 
+#include <ZeltoHost/HTML/MarkupEscape.h>
 #include <ZeltoHost/HTML/TextFlow.h>
 
 #include <Platform/Text.h>
@@ -112,28 +113,6 @@ std::string plainTextFromHTML(std::string_view html, const PlainTextOptions& opt
 
 namespace {
 
-std::string_view entityOf(char c) {
-    switch (c) {
-    case '&':
-        return "&amp;";
-    case '<':
-        return "&lt;";
-    case '>':
-        return "&gt;";
-    case '"':
-        return "&quot;";
-    case '\'':
-        return "&#39;";
-    default:
-        return {};
-    }
-}
-
-bool isControl(char c) {
-    const auto byte = static_cast<unsigned char>(c);
-    return (byte < 0x20 && c != '\n' && c != '\t' && c != '\r') || byte == 0x7F;
-}
-
 constexpr std::string_view noBreakSpace = "\u00A0";
 
 } // namespace
@@ -141,17 +120,12 @@ constexpr std::string_view noBreakSpace = "\u00A0";
 std::string htmlEscaped(std::string_view text) {
     std::string escaped;
     escaped.reserve(text.size());
-    for (const char c : text) {
-        if (const auto entity = entityOf(c); !entity.empty()) {
-            escaped += entity;
-        } else if (!isControl(c)) {
-            escaped += c;
-        }
-    }
+    appendEscaped(escaped, text, Quotes::escape);
     return escaped;
 }
 
-std::string htmlFromPlainText(std::string_view text) {
+std::string htmlFromPlainText(std::string_view plainText) {
+    const auto text = htmlEscaped(plainText);
     std::string html;
     html.reserve(text.size() + text.size() / 8);
     bool blankBefore = true;
@@ -159,7 +133,7 @@ std::string htmlFromPlainText(std::string_view text) {
         const char c = text[at];
         if (c == '\n' || c == '\r') {
             html += "<br>\n";
-            at += c == '\r' && text.substr(at + 1, 1) == "\n" ? 1 : 0;
+            at += c == '\r' && text.compare(at + 1, 1, "\n") == 0 ? 1 : 0;
             blankBefore = true;
         } else if (c == '\t') {
             for (int i = 0; i < 4; ++i) {
@@ -170,7 +144,7 @@ std::string htmlFromPlainText(std::string_view text) {
             html += blankBefore ? noBreakSpace : std::string_view(" ");
             blankBefore = !blankBefore;
         } else {
-            html += htmlEscaped(text.substr(at, 1));
+            html += c;
             blankBefore = false;
         }
     }

@@ -50,7 +50,9 @@ class TextFlowReader {
   public:
     bool enter(const GumboNode& node) {
         if (isTextNode(node)) {
-            builder_.text(textOf(node), frames_.back().style);
+            if (!frames_.back().invisible) {
+                builder_.text(textOf(node), frames_.back().style);
+            }
             return false;
         }
         if (!isElementNode(node)) {
@@ -84,6 +86,7 @@ class TextFlowReader {
         TextFlowBuilder::Style style;
         int listDepth = 0;
         bool withoutMarkers = false;
+        bool invisible = false;
         std::optional<int> nextNumber; // in an ordered list
     };
 
@@ -160,6 +163,7 @@ class TextFlowReader {
             set(modifiers, Modifiers::underline, true);
         }
         frame.style.preformatted = style.preformatted.value_or(frame.style.preformatted);
+        frame.invisible = style.invisible.value_or(frame.invisible);
         frame.withoutMarkers = frame.withoutMarkers || style.withoutMarkers;
     }
 

@@ -1,0 +1,238 @@
+#include <ZeltoHost/HTML/CSSCleaner.h>
+
+#include <ZeltoHost/HTML/ASCII.h>
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+namespace zelto {
+
+namespace {
+
+constexpr auto npos = std::string_view::npos;
+
+// Beyond this depth nothing is kept; what is honest has one level.
+constexpr int mediaDepthLimit = 4;
+
+constexpr std::array<std::string_view, 12> harmlessFunctions{"rgb",
+                                                             "rgba",
+                                                             "hsl",
+                                                             "hsla",
+                                                             "hwb",
+                                                             "calc",
+                                                             "min",
+                                                             "max",
+                                                             "linear-gradient",
+                                                             "radial-gradient",
+                                                             "clamp",
+                                                             "conic-gradient"};
+
+// Properties by which print engines add links, bookmarks, attached or replaced content.
+constexpr std::array<std::string_view, 9> harmfulProperties{
+    "behavior", "src", "content", "cursor", "anchor", "link", "string-set", "bookmark-label", "filter"};
+
+bool isNameCharacter(char c) {
+    return isASCIILetter(c) || isASCIIDigit(c) || c == '-' || c == '_' ||
+           static_cast<unsigned char>(c) >= 0x80;
+}
+
+// The comments of CSS and the marks that hide a sheet from ancient browsers become blanks. What is in quotes
+// stays.
+std::string withoutComments(std::string_view css) {
+    std::string text;
+    text.reserve(css.size());
+    char quote = '\0';
+    for (std::size_t at = 0; at < css.size(); ++at) {
+        const char c = css[at];
+        if (quote != '\0') {
+            quote = c == quote || c == '\n' ? '\0' : quote;
+        } else if (c == '"' || c == '\'') {
+            quote = c;
+        } else if (css.substr(at, 2) == "/*") {
+            const auto end = css.find("*/", at + 2);
+            at = end == npos ? css.size() : end + 1;
+            text += ' ';
+            continue;
+        } else if (css.substr(at, 4) == "<!--" || css.substr(at, 3) == "-->") {
+            at += c == '<' ? 3 : 2;
+            text += ' ';
+            continue;
+        }
+        text += c;
+    }
+    return text;
+}
+
+// Where one of the characters stands that is neither in quotes nor within brackets opened behind `from`; the
+// size if nowhere.
+std::size_t findOutside(std::string_view css, std::size_t from, std::string_view wanted) {
+    int brackets = 0;
+    char quote = '\0';
+    for (auto at = from; at < css.size(); ++at) {
+        const char c = css[at];
+        if (quote != '\0') {
+            quote = c == quote || c == '\n' ? '\0' : quote;
+            continue;
+        }
+        if (brackets == 0 && wanted.find(c) != npos) {
+            return at;
+        }
+        if (c == '"' || c == '\'') {
+            quote = c;
+        } else if (c == '(' || c == '[' || c == '{') {
+            ++brackets;
+        } else if (c == ')' || c == ']' || c == '}') {
+            brackets = std::max(brackets - 1, 0);
+        }
+    }
+    return css.size();
+}
+
+// Whether quotes and round brackets are balanced and nothing is in it that might be read in another way.
+bool isPlain(std::string_view css) {
+    int brackets = 0;
+    char quote = '\0';
+    for (const char c : css) {
+        if (c == '\\' || c == '<' || c == '@' || c == '\0') {
+            return false;
+        }
+        if (quote != '\0') {
+            if (c == '\n' || c == '\r' || c == '\f') {
+                return false;
+            }
+            quote = c == quote ? '\0' : quote;
+        } else if (c == '"' || c == '\'') {
+            quote = c;
+        } else if (c == '(') {
+            ++brackets;
+        } else if (c == ')') {
+            --brackets;
+        } else if (c == '{' || c == '}' || c == ';') {
+            return false;
+        }
+        if (brackets < 0) {
+            return false;
+        }
+    }
+    return quote == '\0' && brackets == 0 && css.find("/*") == npos;
+}
+
+bool isNameBehind(std::string_view text) {
+    return !text.empty() && isASCIILetter(text.back());
+}
+
+bool hasHarmlessFunctionsOnly(std::string_view value) {
+    for (auto bracket = value.find('('); bracket != npos; bracket = value.find('(', bracket + 1)) {
+        auto start = bracket;
+        while (start > 0 && isNameCharacter(value[start - 1])) {
+            --start;
+        }
+        const auto name = toASCIILower(value.substr(start, bracket - start));
+        if (name.empty() && isNameBehind(trimmedHTMLSpace(value.substr(0, start)))) {
+            return false; // "url (" is not a function, but nobody needs it
+        }
+        if (!name.empty() && std::ranges::find(harmlessFunctions, name) == harmlessFunctions.end()) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool isHarmlessProperty(std::string_view name) {
+    return !name.empty() && isASCIILetter(name.front()) && std::ranges::all_of(name, [](char c) {
+        return isASCIILetter(c) || isASCIIDigit(c) || c == '-';
+    }) && std::ranges::find(harmfulProperties, name) == harmfulProperties.end();
+}
+
+std::optional<std::string> cleanedDeclaration(std::string_view declaration) {
+    const auto colon = declaration.find(':');
+    if (colon == npos) {
+        return std::nullopt;
+    }
+    const auto name = toASCIILower(trimmedHTMLSpace(declaration.substr(0, colon)));
+    const auto value = trimmedHTMLSpace(declaration.substr(colon + 1));
+    if (!isHarmlessProperty(name) || value.empty() || !isPlain(value) || !hasHarmlessFunctionsOnly(value)) {
+        return std::nullopt;
+    }
+    return name + ":" + std::string(value);
+}
+
+std::string cleanedWithoutComments(std::string_view css) {
+    std::string cleaned;
+    for (std::size_t at = 0; at < css.size();) {
+        const auto end = findOutside(css, at, ";");
+        if (const auto declaration = cleanedDeclaration(css.substr(at, end - at))) {
+            cleaned += cleaned.empty() ? "" : ";";
+            cleaned += *declaration;
+        }
+        at = end + 1;
+    }
+    return cleaned;
+}
+
+bool isMediaRule(std::string_view prelude) {
+    return prelude.size() > 6 && equalsIgnoringCase(prelude.substr(0, 6), "@media") &&
+           !isNameCharacter(prelude[6]);
+}
+
+bool isHarmlessMediaQuery(std::string_view query) {
+    return isPlain(query) && query.find_first_of("\"'") == npos;
+}
+
+class StyleSheetCleaner {
+  public:
+    std::string clean(std::string_view css, int depth) {
+        std::string cleaned;
+        for (std::size_t at = 0; at < css.size();) {
+            at = rule(css, at, depth, cleaned);
+        }
+        return cleaned;
+    }
+
+  private:
+    // Cleans the rule that begins there and gives where the next begins.
+    std::size_t rule(std::string_view css, std::size_t start, int depth, std::string& cleaned) {
+        const auto from = css.find_first_not_of(" \t\r\n\f;}", start);
+        if (from == npos) {
+            return css.size();
+        }
+        const bool atRule = css[from] == '@';
+        const auto open = findOutside(css, from, atRule ? "{;" : "{");
+        if (open == css.size() || css[open] == ';') {
+            return std::min(open + 1, css.size());
+        }
+        const auto close = findOutside(css, open + 1, "}");
+        const auto prelude = trimmedHTMLSpace(css.substr(from, open - from));
+        const auto body = css.substr(open + 1, close - open - 1);
+        if (!atRule) {
+            append(prelude, cleanedWithoutComments(body), isPlain(prelude), cleaned);
+        } else if (isMediaRule(prelude) && depth < mediaDepthLimit) {
+            const bool harmless = isHarmlessMediaQuery(prelude.substr(6));
+            append("@media " + std::string(trimmedHTMLSpace(prelude.substr(6))),
+                   harmless ? clean(body, depth + 1) : std::string(), harmless, cleaned);
+        }
+        return std::min(close + 1, css.size());
+    }
+
+    static void append(std::string_view prelude, std::string_view body, bool harmless, std::string& cleaned) {
+        if (harmless && !prelude.empty() && !body.empty()) {
+            cleaned += prelude;
+            cleaned += '{';
+            cleaned += body;
+            cleaned += "}\n";
+        }
+    }
+};
+
+} // namespace
+
+std::string cleanedDeclarations(std::string_view declarations) {
+    return cleanedWithoutComments(withoutComments(declarations));
+}
+
+std::string cleanedStyleSheet(std::string_view styleSheet) {
+    return StyleSheetCleaner().clean(withoutComments(styleSheet), 0);
+}
+
+} // namespace zelto

@@ -1,0 +1,170 @@
+#include <ZeltoHost/HTML/CleanedHTML.h>
+
+#include <ZeltoHost/HTML/ASCII.h>
+#include <ZeltoHost/HTML/CSSCleaner.h>
+#include <ZeltoHost/HTML/DataImage.h>
+#include <ZeltoHost/HTML/HTMLTagKindsInternal.h>
+#include <ZeltoHost/HTML/MarkupEscape.h>
+#include <ZeltoHost/HTML/MarkupWriterInternal.h>
+
+#include <algorithm>
+#include <array>
+
+#define T(NAME) GUMBO_TAG_##NAME // NOLINT(cppcoreguidelines-macro-usage)
+
+namespace zelto {
+
+namespace {
+
+constexpr HTMLTagSet written{
+    T(A),      T(ABBR),     T(ACRONYM),    T(ADDRESS),  T(ARTICLE),    T(ASIDE),  T(B),      T(BDI),
+    T(BDO),    T(BIG),      T(BLOCKQUOTE), T(BR),       T(CAPTION),    T(CENTER), T(CITE),   T(CODE),
+    T(COL),    T(COLGROUP), T(DD),         T(DEL),      T(DETAILS),    T(DFN),    T(DIR),    T(DIV),
+    T(DL),     T(DT),       T(EM),         T(FIELDSET), T(FIGCAPTION), T(FIGURE), T(FONT),   T(FOOTER),
+    T(H1),     T(H2),       T(H3),         T(H4),       T(H5),         T(H6),     T(HEADER), T(HGROUP),
+    T(HR),     T(I),        T(INS),        T(KBD),      T(LEGEND),     T(LI),     T(MAIN),   T(MARK),
+    T(MENU),   T(NAV),      T(NOBR),       T(OL),       T(P),          T(PRE),    T(Q),      T(RP),
+    T(RT),     T(RUBY),     T(S),          T(SAMP),     T(SECTION),    T(SMALL),  T(SPAN),   T(STRIKE),
+    T(STRONG), T(SUB),      T(SUMMARY),    T(SUP),      T(TABLE),      T(TBODY),  T(TD),     T(TFOOT),
+    T(TH),     T(THEAD),    T(TIME),       T(TR),       T(TT),         T(U),      T(UL),     T(VAR),
+    T(WBR)};
+
+constexpr HTMLTagSet preformatted{T(LISTING), T(XMP), T(PLAINTEXT)};
+
+constexpr HTMLTagSet dropped{T(HEAD),    T(SCRIPT), T(STYLE),    T(TEMPLATE), T(TITLE),    T(IFRAME),
+                             T(NOEMBED), T(SELECT), T(TEXTAREA), T(DATALIST), T(AUDIO),    T(VIDEO),
+                             T(CANVAS),  T(EMBED),  T(MAP),      T(METER),    T(PROGRESS), T(FRAMESET)};
+
+constexpr std::array<std::string_view, 40> attributes{
+    "align",   "alt",    "bgcolor", "border",  "cellpadding", "cellspacing", "char",   "charoff",
+    "class",   "clear",  "color",   "colspan", "compact",     "datetime",    "dir",    "face",
+    "headers", "height", "hspace",  "id",      "lang",        "noshade",     "nowrap", "open",
+    "rowspan", "rules",  "frame",   "scope",   "size",        "span",        "start",  "style",
+    "summary", "title",  "type",    "valign",  "value",       "vspace",      "width",  "abbr"};
+
+bool isHarmlessAttribute(std::string_view name) {
+    return std::ranges::find(attributes, name) != attributes.end();
+}
+
+class CleanedHTMLWriter final : public MarkupWriter {
+  public:
+    explicit CleanedHTMLWriter(const CleanedHTMLOptions& options) : options_(options) {}
+
+    std::string finish() {
+        auto body = takeMarkup();
+        std::string html = "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>";
+        appendEscaped(html, options_.title.empty() ? title_ : options_.title, Quotes::keep);
+        html += "</title>\n";
+        if (!styles_.empty()) {
+            html += "<style>\n" + styles_ + "</style>\n";
+        }
+        html += "</head>\n<body" + bodyAttributes_ + ">\n" + body + "\n</body>\n</html>\n";
+        return html;
+    }
+
+  protected:
+    ElementPlan planFor(GumboTag tag) const override {
+        if (written.contains(tag)) {
+            return {ElementPlan::Kind::write, gumbo_normalized_tagname(tag)};
+        }
+        if (preformatted.contains(tag)) {
+            return {ElementPlan::Kind::write, "pre"};
+        }
+        return {dropped.contains(tag) ? ElementPlan::Kind::drop : ElementPlan::Kind::unwrap, {}};
+    }
+
+    bool allowsAttribute(GumboTag tag, std::string_view name) const override {
+        return isHarmlessAttribute(name) || (tag == T(A) && (name == "href" || name == "name"));
+    }
+
+    bool isXML() const override { return false; }
+
+    bool keepsHidden() const override { return true; }
+
+    bool keepsLinks() const override { return options_.links; }
+
+    bool writeImage(const GumboElement& image) override {
+        const char* source = attributeOf(image, "src");
+        if (source == nullptr || !options_.images) {
+            return false;
+        }
+        const auto given = options_.imageSource ? options_.imageSource(source) : std::nullopt;
+        const auto address = rasterDataURL(given ? std::string_view(*given) : source);
+        if (!address) {
+            return false;
+        }
+        markup_ += "<img";
+        writeAttribute("src", *address);
+        writeAttributes(image);
+        markup_ += '>';
+        return true;
+    }
+
+    void sawElement(const GumboElement& element) override {
+        if (element.tag == T(STYLE)) {
+            addStyle(element);
+        } else if (element.tag == T(TITLE) && title_.empty()) {
+            title_ = contentOf(element);
+        } else if (element.tag == T(BODY) && bodyAttributes_.empty()) {
+            addBodyAttributes(element);
+        } else if (element.tag == T(HEAD)) {
+            sawHead(element);
+        }
+    }
+
+  private:
+    // The head is not written, so the walk does not go there.
+    void sawHead(const GumboElement& head) {
+        for (unsigned index = 0; index < head.children.length; ++index) {
+            const auto& child = *static_cast<const GumboNode*>(head.children.data[index]);
+            if (isHTMLElement(child) && child.v.element.tag != T(HEAD)) {
+                sawElement(child.v.element);
+            }
+        }
+    }
+
+    static std::string contentOf(const GumboElement& element) {
+        std::string content;
+        for (unsigned index = 0; index < element.children.length; ++index) {
+            const auto& child = *static_cast<const GumboNode*>(element.children.data[index]);
+            if (isTextNode(child)) {
+                content += textOf(child);
+            }
+        }
+        return std::string(trimmedHTMLSpace(content));
+    }
+
+    void addStyle(const GumboElement& element) {
+        const char* media = attributeOf(element, "media");
+        const auto sheet = contentOf(element);
+        styles_ += cleanedStyleSheet(
+            media == nullptr || *media == '\0' ? sheet : "@media " + std::string(media) + "{" + sheet + "}");
+    }
+
+    void addBodyAttributes(const GumboElement& body) {
+        auto content = std::exchange(markup_, {});
+        writeAttributes(body);
+        bodyAttributes_ = std::exchange(markup_, std::move(content));
+    }
+
+    const CleanedHTMLOptions& options_;
+    std::string styles_;
+    std::string title_;
+    std::string bodyAttributes_;
+};
+
+} // namespace
+
+std::string cleanedHTML(std::string_view html, const CleanedHTMLOptions& options) {
+    CleanedHTMLWriter writer(options);
+    if (!options.header.empty()) {
+        writer.write(options.header);
+    }
+    writer.write(html);
+    if (!options.footer.empty()) {
+        writer.write(options.footer);
+    }
+    return writer.finish();
+}
+
+} // namespace zelto
