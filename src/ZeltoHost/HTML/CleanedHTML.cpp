@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #define T(NAME) GUMBO_TAG_##NAME // NOLINT(cppcoreguidelines-macro-usage)
 
