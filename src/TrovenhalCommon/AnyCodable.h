@@ -48,11 +48,10 @@ class AnyCodable {
             return std::nullopt;
         }
         const auto unwrapped = json(strategy_);
-        const auto text = unwrapped ? unwrapped->text() : failure(unwrapped.error());
-        if (!text) {
+        if (!unwrapped) {
             return std::nullopt;
         }
-        auto decoded = JSONDecoder{strategy_}.template decode<T>(*text);
+        auto decoded = unwrapped->template as<T>(strategy_);
         return decoded ? std::optional<T>(std::move(*decoded)) : std::nullopt;
     }
 

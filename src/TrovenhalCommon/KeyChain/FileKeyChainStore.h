@@ -1,0 +1,42 @@
+#pragma once
+
+#include <TrovenhalCommon/KeyChain/LVXKeyChainStore.h>
+
+#include <filesystem>
+#include <memory>
+
+namespace zelto {
+
+// How long a passphrase takes to become a key, for us and for whoever guesses. Fixed when the file is made.
+enum class PassphraseCost {
+    interactive, // some 0.1 s and 64 MiB
+    moderate,    // some 0.5 s and 256 MiB
+};
+
+// A key chain in one encrypted file of mode 0600. With a passphrase the key is made of it (Argon2id), once a
+// store object; without one a random key lies beside the file, in "<path>.key" of mode 0600: that guards a
+// copy of the file, not the account of its user.
+//
+// The file is made at the first write, its directory with mode 0700 if need be. Any number of processes may
+// use it at once: a write holds the lock of "<path>.lock" and replaces the file as a whole, so that a crash
+// leaves the state before or after it. Values are read anew each time. Files of another user, or that others
+// may read or write, are refused.
+class FileKeyChainStore final : public LVXKeyChainStore {
+  public:
+    explicit FileKeyChainStore(std::filesystem::path path,
+                               std::optional<std::string> passphrase = std::nullopt,
+                               PassphraseCost cost = PassphraseCost::moderate);
+    ~FileKeyChainStore() override;
+
+    const std::filesystem::path& path() const;
+
+    Result<std::optional<Data>, KeyChainError> read(const std::string& key) override;
+    Result<void, KeyChainError> write(const std::string& key, const Data& value) override;
+    Result<bool, KeyChainError> erase(const std::string& key) override;
+
+  private:
+    class File;
+    std::unique_ptr<File> file_;
+};
+
+} // namespace zelto

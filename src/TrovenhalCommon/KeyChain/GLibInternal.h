@@ -1,0 +1,69 @@
+#pragma once
+
+// For the sources of the key chain only: brings in GLib.
+
+#include <gio/gio.h>
+
+#include <chrono>
+#include <condition_variable>
+#include <memory>
+#include <mutex>
+#include <stop_token>
+#include <thread>
+
+namespace zelto {
+
+template <auto Free> struct GLibDeleter {
+    template <class T> void operator()(T* pointer) const { Free(pointer); }
+};
+
+template <class T> using GObjectPtr = std::unique_ptr<T, GLibDeleter<g_object_unref>>;
+using GVariantPtr = std::unique_ptr<GVariant, GLibDeleter<g_variant_unref>>;
+using GHashTablePtr = std::unique_ptr<GHashTable, GLibDeleter<g_hash_table_unref>>;
+using GStringPtr = std::unique_ptr<char, GLibDeleter<g_free>>;
+
+// Where GLib's functions put their error.
+class GErrorHolder {
+  public:
+    GErrorHolder() = default;
+
+    ~GErrorHolder() { g_clear_error(&error_); }
+
+    GErrorHolder(const GErrorHolder&) = delete;
+    GErrorHolder& operator=(const GErrorHolder&) = delete;
+
+    GError** out() {
+        g_clear_error(&error_);
+        return &error_;
+    }
+
+    const GError* get() const { return error_; }
+
+  private:
+    GError* error_ = nullptr;
+};
+
+// A cancellable that ends whatever it is given to when its time is over.
+class TimedCancellable {
+  public:
+    explicit TimedCancellable(std::chrono::milliseconds limit)
+        : cancellable_(g_cancellable_new()), timer_([this, limit](const std::stop_token& stop) {
+              std::unique_lock guard(lock_);
+              const bool isDone = ended_.wait_for(guard, stop, limit, [&] { return stop.stop_requested(); });
+              if (!isDone) {
+                  g_cancellable_cancel(cancellable_.get());
+              }
+          }) {}
+
+    GCancellable* get() const { return cancellable_.get(); }
+
+    bool isOver() const { return g_cancellable_is_cancelled(cancellable_.get()) != FALSE; }
+
+  private:
+    GObjectPtr<GCancellable> cancellable_;
+    std::mutex lock_;
+    std::condition_variable_any ended_;
+    std::jthread timer_; // last: ends before what it uses
+};
+
+} // namespace zelto
