@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 #include <unordered_map>
 
 namespace zelto {
@@ -27,6 +28,28 @@ std::vector<const JSONObject::Member*> sorted(const JSONObject& object) {
     std::ranges::sort(members, {},
                       [](const JSONObject::Member* each) -> const std::string& { return each->first; });
     return members;
+}
+
+using Members = std::vector<JSONObject::Member>;
+
+// Small objects are searched for the key, large ones keep the places of all keys.
+void readMembers(const JSONReader& reader, Members& members) {
+    members.reserve(reader.count());
+    std::unordered_map<std::string_view, std::size_t> places;
+    const bool isLarge = reader.count() > fewMembers;
+    for (const auto& [key, value] : reader.members()) {
+        auto place = members.size();
+        if (isLarge) {
+            place = places.try_emplace(key, place).first->second;
+        } else {
+            place = static_cast<std::size_t>(std::ranges::find(members, key, &JSONObject::Member::first) -
+                                             members.begin());
+        }
+        if (place == members.size()) {
+            members.emplace_back(std::piecewise_construct, std::forward_as_tuple(key), std::tuple<>());
+        }
+        decodeJSON(value, members[place].second);
+    }
 }
 
 } // namespace
@@ -216,33 +239,15 @@ void decodeJSON(const JSONReader& reader, JSONValue& value) {
         value = reader.number();
         return;
     case JSONKind::string:
-        value = reader.string();
+        value.value_.emplace<std::string>(reader.string());
         return;
     case JSONKind::array:
-        value = reader.as<JSONValue::Array>();
+        reader.read(value.value_.emplace<JSONValue::Array>());
         return;
     case JSONKind::object:
-        break;
+        readMembers(reader, value.value_.emplace<JSONObject>().members_);
+        return;
     }
-    JSONObject object;
-    auto& members = object.members_;
-    members.reserve(reader.count());
-    if (reader.count() <= fewMembers) {
-        for (const auto& [key, each] : reader.members()) {
-            object.set(key, each.as<JSONValue>());
-        }
-    } else {
-        std::unordered_map<std::string_view, std::size_t> places;
-        for (const auto& [key, each] : reader.members()) {
-            const auto [place, isNew] = places.try_emplace(key, members.size());
-            if (isNew) {
-                members.emplace_back(key, each.as<JSONValue>());
-            } else {
-                members[place->second].second = each.as<JSONValue>();
-            }
-        }
-    }
-    value = std::move(object);
 }
 
 } // namespace zelto

@@ -127,6 +127,8 @@ class JSONValue {
     bool operator==(const JSONValue& other) const;
 
   private:
+    friend void decodeJSON(const JSONReader& reader, JSONValue& value);
+
     // In the order of JSONKind.
     std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, double, std::string, Array, JSONObject>
         value_;
