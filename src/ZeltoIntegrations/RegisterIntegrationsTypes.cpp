@@ -1,0 +1,20 @@
+#include <ZeltoIntegrations/RegisterIntegrationsTypes.h>
+
+#include <ZeltoIntegrations/Asana/AsanaWorkspace.h>
+#include <ZeltoIntegrations/OneNote/OneNoteNotebook.h>
+#include <ZeltoIntegrations/Todoist/TodoistProject.h>
+
+#include <TrovenhalCommon/AnyCodable.h>
+
+namespace zelto {
+
+void RegisterIntegrationsTypes() {
+    AnyCodable::RegisterType<AsanaWorkspace>("AsanaWorkspace");
+    AnyCodable::RegisterType<AsanaProject>("AsanaProject");
+    AnyCodable::RegisterType<AsanaUser>("AsanaUser");
+    AnyCodable::RegisterType<OneNoteNotebook>("OneNoteNotebook");
+    AnyCodable::RegisterType<OneNoteSection>("OneNoteSection");
+    AnyCodable::RegisterType<TodoistProject>("TodoistProject");
+}
+
+} // namespace zelto

@@ -1,0 +1,407 @@
+#include <Support/SchemeExport.h>
+
+#include <ZeltoIntegrations/IntegrationsDataInteractorStub.h>
+
+#include <Platform/PercentEncoding.h>
+
+#include <gtest/gtest.h>
+
+namespace zelto {
+
+namespace {
+
+using Type = IntegrationExportContentType;
+using Texts = std::vector<std::string>;
+
+// What holds for all five.
+template <class Exporter> class SchemeExporterTest : public testing::Test {
+  protected:
+    SchemeExport<Exporter> one;
+};
+
+using Exporters =
+    testing::Types<AgendaExporter, BearExporter, OmniFocusExporter, ThingsExporter, TwoDoExporter>;
+TYPED_TEST_SUITE(SchemeExporterTest, Exporters);
+
+// The value of the parameter in the URL that was opened, decoded once; Agenda's lies two URLs deep.
+std::string parameter(const std::string& url, const std::string& name) {
+    const auto start = url.find(name + "=");
+    if (start == std::string::npos) {
+        return "<none>";
+    }
+    const auto value = url.substr(start + name.size() + 1);
+    return percentDecode(value.substr(0, value.find('&'))).value();
+}
+
+} // namespace
+
+TYPED_TEST(SchemeExporterTest, ContentTypesFollowTheTarget) {
+    const auto exporter = this->one.exporter();
+    EXPECT_EQ(exporter->contentTypes(IntegrationExportTarget::email),
+              (IntegrationExportContentTypes{Type::emailBacklink, {Type::emailBacklink, Type::backLink}}));
+    EXPECT_EQ(
+        exporter->contentTypes(IntegrationExportTarget::meetingNote),
+        (IntegrationExportContentTypes{Type::mtSummaryBacklink, {Type::mtSummaryBacklink, Type::backLink}}));
+}
+
+TYPED_TEST(SchemeExporterTest, ConfigurationOffersTheTitleTheTypesAndNothingElse) {
+    const auto offered = this->one.offered();
+    typename SchemeExport<TypeParam>::Configuration expected;
+    expected.saveAs = Type::emailBacklink;
+    expected.userTitle = "Title";
+    expected.supportedContentTypes = {Type::emailBacklink, Type::backLink};
+    EXPECT_EQ(offered, expected);
+}
+
+TYPED_TEST(SchemeExporterTest, ConfigurationPrefersTheLastUsedTypeIfItIsStillSupported) {
+    this->one.exporter()->setLastExportContentType(Type::backLink);
+    EXPECT_EQ(this->one.offered().saveAs, Type::backLink);
+    this->one.exporter()->setLastExportContentType(Type::mtSummaryBacklink);
+    EXPECT_EQ(this->one.offered().saveAs, Type::emailBacklink);
+}
+
+TYPED_TEST(SchemeExporterTest, ExportStoresItsTypeForTheNextOne) {
+    this->one.configuration.saveAs = Type::backLink;
+    ASSERT_TRUE(this->one.run());
+    EXPECT_EQ(this->one.offered().saveAs, Type::backLink);
+}
+
+TYPED_TEST(SchemeExporterTest, ATitleWithAnAmpersandSurvivesEscaped) {
+    this->one.configuration.userTitle = "a&b";
+    ASSERT_TRUE(this->one.run());
+    const auto url = this->one.openedURL();
+    EXPECT_NE(url.find("a%26b"), std::string::npos) << "or encoded once more in a chain";
+    EXPECT_EQ(url.find("a&b"), std::string::npos);
+}
+
+TYPED_TEST(SchemeExporterTest, OnlyTheContentTypeDecidesTheTextMaker) {
+    // A mail's types are exported for a meeting note as well, and the other way round.
+    this->one.data->target = IntegrationExportTarget::meetingNote;
+    for (const auto type : {Type::emailBacklink, Type::backLink, Type::mtSummaryBacklink}) {
+        this->one.configuration.saveAs = type;
+        EXPECT_TRUE(this->one.run()) << nameOf(type);
+    }
+    this->one.data->target = IntegrationExportTarget::email;
+    this->one.configuration.saveAs = Type::mtSummaryBacklink;
+    ASSERT_TRUE(this->one.run());
+    EXPECT_NE(this->one.openedURL().find("Summary"), std::string::npos);
+}
+
+TYPED_TEST(SchemeExporterTest, TextsAreAskedForWithTheRawBacklink) {
+    for (const auto type : {Type::emailBacklink, Type::backLink, Type::mtSummaryBacklink}) {
+        this->one.configuration.saveAs = type;
+        ASSERT_TRUE(this->one.run());
+    }
+    for (const auto& asked : this->one.data->askedLinks()) {
+        EXPECT_EQ(asked, IntegrationLinkType::backlink(IntegrationLinkFormat::raw));
+    }
+    EXPECT_FALSE(this->one.data->askedLinks().empty());
+}
+
+TYPED_TEST(SchemeExporterTest, ATypeThatIsNotSupportedEndsAtOnceWithUnsupportedFormat) {
+    for (const auto type : {Type::pdf, Type::webLink, Type::externalLink, Type::plainText, Type::attachment,
+                            Type::mtSummaryWeblink, Type::emailWeblink}) {
+        this->one.configuration.saveAs = type;
+        EXPECT_EQ(this->one.run().error(), IntegrationExportError::unsupportedFormat) << nameOf(type);
+        EXPECT_EQ(this->one.progress->totalUnitCount(), 0);
+    }
+    EXPECT_TRUE(this->one.interactor->openedURLs().empty());
+    EXPECT_EQ(this->one.interactor->exportEvents().size(), 7u);
+}
+
+TYPED_TEST(SchemeExporterTest, WhatIsNotUTF8GivesUrlEncodeError) {
+    this->one.configuration.userTitle = "\xff";
+    EXPECT_EQ(this->one.run().error(), IntegrationExportError::urlEncodeError);
+    EXPECT_TRUE(this->one.interactor->openedURLs().empty());
+}
+
+TYPED_TEST(SchemeExporterTest, AMessageWithoutATextGivesCreateBodyError) {
+    this->one.data->plainText = std::nullopt;
+    EXPECT_EQ(this->one.run().error(), IntegrationExportError::createBodyError);
+    this->one.data->linkText = std::nullopt;
+    this->one.configuration.saveAs = Type::backLink;
+    EXPECT_EQ(this->one.run().error(), IntegrationExportError::createBodyError);
+    EXPECT_TRUE(this->one.interactor->openedURLs().empty());
+}
+
+TYPED_TEST(SchemeExporterTest, APlatformThatDoesNotOpenGivesXUrlCallbackError) {
+    this->one.interactor->openURL = [](const URL&, Callback<bool> done) { done(false); };
+    EXPECT_EQ(this->one.run().error(), IntegrationExportError::xUrlCallbackError);
+    EXPECT_EQ(this->one.interactor->exportEvents().at(0).exportError, "xUrlCallbackError");
+}
+
+TYPED_TEST(SchemeExporterTest, AnExportCancelledBeforeThePlatformAnswersIsCanceled) {
+    this->one.interactor->openURL = [this](const URL&, Callback<bool> done) {
+        this->one.cancel();
+        done(true);
+    };
+    EXPECT_EQ(this->one.run().error(), IntegrationExportError::canceled);
+}
+
+TYPED_TEST(SchemeExporterTest, AnExportCancelledWhileItsTextIsMadeOpensNothing) {
+    this->one.data->onAsked = [this](const std::string&) { this->one.cancel(); };
+    EXPECT_EQ(this->one.run().error(), IntegrationExportError::canceled);
+    EXPECT_TRUE(this->one.interactor->openedURLs().empty());
+}
+
+TYPED_TEST(SchemeExporterTest, ProgressAdvancesByThirds) {
+    std::vector<float> fractions;
+    this->one.onStarted = [&](ExportProgress& progress) {
+        progress.setProgressHandler([&](float fraction) { fractions.push_back(fraction); });
+    };
+    ASSERT_TRUE(this->one.run());
+    EXPECT_EQ(fractions, (std::vector<float>{1.0f / 3, 2.0f / 3, 1.0f}));
+}
+
+TYPED_TEST(SchemeExporterTest, ChangedFieldsAreToldToAnalytics) {
+    this->one.configuration = this->one.offered();
+    ASSERT_TRUE(this->one.run());
+    EXPECT_EQ(this->one.interactor->exportEvents().at(0).modifiedFields, Texts{});
+    this->one.configuration.userTitle = "Mine";
+    ASSERT_TRUE(this->one.run());
+    EXPECT_EQ(this->one.interactor->exportEvents().at(1).modifiedFields, Texts{"userTitle"});
+}
+
+TYPED_TEST(SchemeExporterTest, PreviewsComeFromTheTextMakersOfTheExport) {
+    EXPECT_EQ(this->one.preview(Type::emailBacklink), IntegrationExportPreview::email("Body"));
+    EXPECT_EQ(this->one.preview(Type::backLink), IntegrationExportPreview::backLink("mid:1@example.org"));
+    EXPECT_EQ(this->one.preview(Type::mtSummaryBacklink), IntegrationExportPreview::email("Summary"));
+    EXPECT_EQ(this->one.preview(Type::pdf), std::nullopt);
+    this->one.data->plainText = std::nullopt;
+    EXPECT_EQ(this->one.preview(Type::emailBacklink), std::nullopt);
+}
+
+TYPED_TEST(SchemeExporterTest, WithoutAUserTitleTheMailsTitleIsTaken) {
+    this->one.configuration.userTitle = std::nullopt;
+    this->one.data->titleText = "Subject";
+    ASSERT_TRUE(this->one.run());
+    EXPECT_NE(this->one.openedURL().find("Subject"), std::string::npos);
+}
+
+TYPED_TEST(SchemeExporterTest, ABodyOfFiveMegabytesArrivesWhole) {
+    std::string body;
+    while (body.size() < 5'000'000) {
+        body += "Zeile mit Umlauten äöü, Кириллица, 😀 & 100 % …\n";
+    }
+    this->one.data->plainText = body;
+    ASSERT_TRUE(this->one.run());
+    auto once = percentEncode(body).value();
+    const auto url = this->one.openedURL();
+    const auto isChained = std::is_same_v<TypeParam, AgendaExporter>;
+    EXPECT_NE(url.find(isChained ? percentEncode(once).value() : once), std::string::npos);
+}
+
+TYPED_TEST(SchemeExporterTest, AnExportWithTheStubDoesNotEnd) {
+    // The exporter waits for a text that never comes, so it is never released: kept here, where it can be
+    // reached.
+    static std::vector<std::shared_ptr<TypeParam>> waiting;
+    const auto exporter = this->one.exporterFor(std::make_shared<IntegrationsDataInteractorStub>());
+    waiting.push_back(exporter);
+    bool completed = false;
+    const auto progress =
+        exporter->export_(this->one.configuration, [&completed](VoidResult) { completed = true; });
+    EXPECT_FALSE(completed);
+    EXPECT_EQ(progress->completedUnitCount(), 0);
+}
+
+TEST(AgendaExporter, OpensAChainOfThreeURLs) {
+    SchemeExport<AgendaExporter> one;
+    one.data->plainText = "Body";
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(
+        one.openedURL(),
+        "agenda://x-callback-url/open-project?title=Exported%20from%20Zelto"
+        "&x-success=agenda%3A%2F%2Fx%2Dcallback%2Durl%2Fcreate%2Dnote%3Ftitle%3DTitle%26text%3DBody"
+        "&x-error=agenda%3A%2F%2Fx%2Dcallback%2Durl%2Fcreate%2Dproject%3Ftitle%3DExported%2520from%2520Zelto"
+        "%26x%2Dsuccess%3Dagenda%253A%252F%252Fx%252Dcallback%252Durl%252Fcreate%252Dnote%253Ftitle%253DTitle"
+        "%2526text%253DBody");
+}
+
+TEST(AgendaExporter, APercentSignOfTheTextIsEncodedTwiceInTheNoteAndThriceInTheErrorRoute) {
+    SchemeExport<AgendaExporter> one;
+    one.data->plainText = "<%>";
+    ASSERT_TRUE(one.run());
+    const auto url = one.openedURL();
+    const auto errorRoute = url.find("&x-error=");
+    EXPECT_NE(url.substr(0, errorRoute).find("%2525"), std::string::npos);
+    EXPECT_EQ(url.substr(0, errorRoute).find("%252525"), std::string::npos);
+    EXPECT_NE(url.substr(errorRoute).find("%252525"), std::string::npos);
+}
+
+TEST(AgendaExporter, ANoteStandsBeforeTheTextBehindASeparator) {
+    SchemeExport<AgendaExporter> one;
+    one.configuration.userNote = "Mine";
+    ASSERT_TRUE(one.run());
+    const auto note = parameter(one.openedURL(), "x-success");
+    EXPECT_EQ(parameter(note, "text"), "Mine\n------------------\n\nBody");
+}
+
+TEST(AgendaExporter, ANoteWithoutTextAddsNoSeparator) {
+    SchemeExport<AgendaExporter> one;
+    for (const auto* note : {"", " \n\t"}) {
+        one.configuration.userNote = note;
+        ASSERT_TRUE(one.run());
+        EXPECT_EQ(parameter(parameter(one.openedURL(), "x-success"), "text"), "Body");
+    }
+}
+
+TEST(AgendaExporter, JSONHasItsFieldsInOrder) {
+    AgendaConfiguration configuration;
+    configuration.userNote = "n";
+    configuration.userTitle = "t";
+    configuration.supportedContentTypes = {Type::backLink};
+    EXPECT_EQ(JSONEncoder().encode(configuration).value(),
+              R"({"saveAs":1,"userNote":"n","userTitle":"t","supportedContentTypes":[2]})");
+}
+
+TEST(BearExporter, OpensTitleTextAndTags) {
+    SchemeExport<BearExporter> one;
+    one.configuration.tags = {"a", "b"};
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(one.openedURL(), "bear://x-callback-url/create?title=Title&text=Body&tags=a,b");
+}
+
+TEST(BearExporter, WithoutTagsTheParameterIsMissing) {
+    SchemeExport<BearExporter> one;
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(one.openedURL(), "bear://x-callback-url/create?title=Title&text=Body");
+}
+
+TEST(BearExporter, ATagWithABlankGivesCreateUrlError) {
+    SchemeExport<BearExporter> one;
+    one.configuration.tags = {"two words"};
+    EXPECT_EQ(one.run().error(), IntegrationExportError::createUrlError);
+}
+
+TEST(BearExporter, TagsOfTheLastExportAreKept) {
+    SchemeExport<BearExporter> one;
+    one.configuration.tags = {"a", "b"};
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(one.exporter()->lastExportTags(), (Texts{"a", "b"}));
+    EXPECT_EQ(one.offered().tags, Texts{});
+}
+
+TEST(BearExporter, ANoteStandsBeforeTheTextBehindASeparator) {
+    SchemeExport<BearExporter> one;
+    one.configuration.userNote = "Mine";
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(parameter(one.openedURL(), "text"), "Mine\n------------------\n\nBody");
+    one.configuration.userNote = "";
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(parameter(one.openedURL(), "text"), "Body");
+}
+
+TEST(BearExporter, JSONHasItsFieldsInOrder) {
+    BearExportConfiguration configuration;
+    configuration.tags = {"x"};
+    EXPECT_EQ(JSONEncoder().encode(configuration).value(),
+              R"({"saveAs":1,"tags":["x"],"supportedContentTypes":[]})");
+}
+
+TEST(OmniFocusExporter, OpensNameNoteAndAutosave) {
+    SchemeExport<OmniFocusExporter> one;
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(one.openedURL(), "omnifocus:///add?name=Title&note=Body&autosave=true");
+}
+
+TEST(OmniFocusExporter, ADueDateIsWrittenInTheUsersLocaleAndEncoded) {
+    SchemeExport<OmniFocusExporter> one;
+    one.configuration.dueDate = parseISO8601("2026-03-05T14:07:00Z");
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(one.openedURL(), "omnifocus:///add?name=Title&note=Body&autosave=true"
+                               "&due=2026%2C%20Mar%2C%205%2C%2002%3A07%20PM");
+}
+
+TEST(OmniFocusExporter, JSONHasItsFieldsInOrder) {
+    OmniFocusConfiguration configuration;
+    configuration.dueDate = Date::fromReferenceSeconds(60);
+    configuration.userTitle = "t";
+    EXPECT_EQ(JSONEncoder().encode(configuration).value(),
+              R"({"saveAs":1,"dueDate":60,"userTitle":"t","supportedContentTypes":[]})");
+}
+
+TEST(ThingsExporter, WithNeitherDateThereIsNoWhenAndNoDeadline) {
+    SchemeExport<ThingsExporter> one;
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(one.openedURL(), "things:add?title=Title&notes=Body");
+}
+
+TEST(ThingsExporter, TheYearOfWhenIsPaddedToFiveDigitsAndThatOfTheDeadlineIsNot) {
+    SchemeExport<ThingsExporter> one;
+    one.configuration.dueDate = parseISO8601("2026-03-05T14:07:00Z");
+    one.configuration.deadline = parseISO8601("2026-04-01T00:00:00Z");
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(one.openedURL(), "things:add?title=Title&notes=Body"
+                               "&when=02026%2D03%2D05%2014%3A07&deadline=2026%2D04%2D01");
+}
+
+TEST(ThingsExporter, JSONHasItsFieldsInOrder) {
+    ThingsConfiguration configuration;
+    configuration.dueDate = Date::fromReferenceSeconds(1);
+    configuration.deadline = Date::fromReferenceSeconds(2);
+    EXPECT_EQ(JSONEncoder().encode(configuration).value(),
+              R"({"saveAs":1,"dueDate":1,"deadline":2,"supportedContentTypes":[]})");
+}
+
+TEST(TwoDoExporter, TheLinkIsTheActionApartFromTheText) {
+    SchemeExport<TwoDoExporter> one;
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(one.openedURL(),
+              "twodo://x-callback-url/add?task=Title&note=Body&action=url:mid%3A1%40example%2Eorg");
+}
+
+TEST(TwoDoExporter, WithoutALinkThereIsNoAction) {
+    SchemeExport<TwoDoExporter> one;
+    one.data->linkText = std::nullopt;
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(one.openedURL(), "twodo://x-callback-url/add?task=Title&note=Body");
+}
+
+TEST(TwoDoExporter, TheDueDateIsTwoPartsThatAreNotEncoded) {
+    SchemeExport<TwoDoExporter> one;
+    one.data->linkText = std::nullopt;
+    one.configuration.dueDate = parseISO8601("2026-03-05T14:07:00Z");
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(one.openedURL(),
+              "twodo://x-callback-url/add?task=Title&note=Body&due=2026-03-05&dueTime=14:07");
+}
+
+TEST(TwoDoExporter, JSONHasItsFieldsInOrder) {
+    TwoDoConfiguration configuration;
+    configuration.dueDate = Date::fromReferenceSeconds(1.5);
+    EXPECT_EQ(JSONEncoder().encode(configuration).value(),
+              R"({"saveAs":1,"dueDate":1.5,"supportedContentTypes":[]})");
+}
+
+TEST(SchemeExporters, HaveTheirApplicationsSchemeWord) {
+    EXPECT_STREQ(AgendaExporter::urlHost, "agenda");
+    EXPECT_STREQ(BearExporter::urlHost, "bear");
+    EXPECT_STREQ(OmniFocusExporter::urlHost, "omnifocus");
+    EXPECT_STREQ(ThingsExporter::urlHost, "things");
+    EXPECT_STREQ(TwoDoExporter::urlHost, "twodo");
+}
+
+TEST(SchemeExporters, TitlesOfAllKindsArriveExactlyAsTheyAre) {
+    SchemeExport<BearExporter> one;
+    const std::pair<const char*, const char*> rows[] = {
+        {"Тест", "%D0%A2%D0%B5%D1%81%D1%82"},
+        {"😀", "%F0%9F%98%80"},
+        {"a&b", "a%26b"},
+        {"100%", "100%25"},
+        {"two\nlines", "two%0Alines"},
+        {"\r\n", "%0D%0A"},
+        {"e\u0301", "e%CC%81"},
+        {"-._~", "%2D%2E%5F%7E"},
+        {"a b+c", "a%20b%2Bc"},
+        {"$(x);'\"", "%24%28x%29%3B%27%22"},
+        {"", ""},
+    };
+    for (const auto& [title, encoded] : rows) {
+        one.configuration.userTitle = title;
+        ASSERT_TRUE(one.run());
+        EXPECT_EQ(one.openedURL(),
+                  std::string("bear://x-callback-url/create?title=") + encoded + "&text=Body");
+    }
+}
+
+} // namespace zelto

@@ -1,0 +1,271 @@
+#include <ZeltoIntegrations/ServiceExporter.h>
+
+#include <Support/Completed.h>
+#include <Support/FakeDataInteractor.h>
+#include <Support/FakePlatformInteractor.h>
+#include <Support/FakeStorage.h>
+#include <Support/LogCapture.h>
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+
+namespace zelto {
+
+namespace {
+
+using Texts = std::vector<std::string>;
+using VoidResult = ExporterResult<void>;
+
+class StepExporter;
+
+// A configuration whose export runs one step for each of its names.
+struct StepConfiguration {
+    using Exporter = StepExporter;
+
+    IntegrationExportContentType saveAs = IntegrationExportContentType::pdf;
+    std::string name = "offered";
+
+    IntegrationExportContentType exportType() const { return saveAs; }
+
+    Texts diff(const StepConfiguration& userConfig, bool) const {
+        return userConfig.name == name ? Texts{} : Texts{"name"};
+    }
+
+    void storeLastExportInfo(StepExporter& exporter) const;
+};
+
+struct FakeClient final : CancellableServiceClient {
+    std::atomic<int> cancellations = 0;
+
+    void cancelAllOperations() override { ++cancellations; }
+};
+
+class StepExporter final : public ServiceExporter {
+  public:
+    using ServiceExporter::createResultMediator;
+    using ServiceExporter::ServiceExporter;
+    using ServiceExporter::updateActiveClient;
+
+    std::atomic<int> stepsRun = 0;
+    std::function<void(int)> beforeStep = [](int) {};
+    bool offersConfiguration = true;
+
+    void loadConfiguration(Completion<StepConfiguration, IntegrationLoadError> completion) {
+        if (offersConfiguration) {
+            completion(StepConfiguration());
+        } else {
+            completion(failure(IntegrationLoadError::internalError));
+        }
+    }
+
+    // `count` steps and a last one that reports.
+    std::shared_ptr<ExportProgress> export_(StepConfiguration configuration, int count,
+                                            Completion<void, IntegrationExportError> completion) {
+        const auto finish = createResultMediator<StepConfiguration, void>(
+            configuration, [this](auto offered) { loadConfiguration(std::move(offered)); },
+            std::move(completion));
+        if (configuration.saveAs != IntegrationExportContentType::pdf) {
+            finish(failure(IntegrationExportError::unsupportedFormat));
+            return std::make_shared<ExportProgress>(0);
+        }
+        const auto progress = std::make_shared<ExportProgress>(count);
+        std::vector<std::shared_ptr<Operation>> steps;
+        const auto self = std::static_pointer_cast<StepExporter>(shared_from_this());
+        for (int i = 0; i < count; ++i) {
+            steps.push_back(createAsyncTask<VoidResult>([self, i, progress, finish](auto done) {
+                self->beforeStep(i);
+                ++self->stepsRun;
+                self->update(*progress, finish);
+                done(VoidResult());
+            }));
+        }
+        steps.push_back(createSyncTask([finish] { finish(VoidResult()); }));
+        execute(steps);
+        return progress;
+    }
+};
+
+void StepConfiguration::storeLastExportInfo(StepExporter& exporter) const {
+    exporter.setCachedValue(std::optional(name), "lastName");
+}
+
+// Its configuration's exporter is another class than the one that closes the export.
+struct ForeignConfiguration : StepConfiguration {
+    struct Exporter : ServiceExporter {};
+
+    Texts diff(const ForeignConfiguration&, bool) const { return {}; }
+
+    void storeLastExportInfo(Exporter&) const { ADD_FAILURE() << "nothing is to be stored"; }
+};
+
+class ServiceExporterTest : public testing::Test {
+  protected:
+    std::shared_ptr<FakeStorage> storage = std::make_shared<FakeStorage>();
+    std::shared_ptr<FakePlatformInteractor> interactor = std::make_shared<FakePlatformInteractor>();
+    std::shared_ptr<FakeDataInteractor> data = std::make_shared<FakeDataInteractor>();
+    std::shared_ptr<StepExporter> exporter =
+        std::make_shared<StepExporter>(ServiceAccountConfiguration(ServiceType::Asana, "alice", true),
+                                       storage, interactor, data, "toolbar", true);
+    Completed<VoidResult> completed;
+
+    std::shared_ptr<ExportProgress> start(StepConfiguration configuration, int steps) {
+        return exporter->export_(std::move(configuration), steps,
+                                 completed.callback<Completion<void, IntegrationExportError>>());
+    }
+};
+
+} // namespace
+
+TEST_F(ServiceExporterTest, WithoutAnOverrideFetchServiceDataFailsAndLogsItsTextOnce) {
+    const LogCapture log;
+    std::optional<Result<void, IntegrationLoadError>> result;
+    exporter->fetchServiceData([&](Result<void, IntegrationLoadError> given) { result = given; });
+    EXPECT_EQ(result->error(), IntegrationLoadError::internalError);
+    ASSERT_EQ(log.records().size(), 1u);
+    EXPECT_EQ(log.records()[0].message, "fetchServiceData is not implemented");
+    EXPECT_EQ(log.records()[0].function, "fetchServiceData(withCompletion:)");
+    EXPECT_EQ(log.records()[0].level, LogLevel::error);
+}
+
+TEST_F(ServiceExporterTest, WithoutAnOverrideLoadUserEmailGivesNothingAndLogsItsText) {
+    const LogCapture log;
+    EXPECT_EQ(exporter->loadUserEmail(), std::nullopt);
+    ASSERT_EQ(log.records().size(), 1u);
+    EXPECT_EQ(log.records()[0].message, "loadUserEmail is not implemented");
+    EXPECT_EQ(log.records()[0].function, "loadUserEmail()");
+}
+
+TEST_F(ServiceExporterTest, ASuccessfulExportPostsAnalyticsThenStoresThenCompletes) {
+    const auto progress = start({.name = "mine"}, 2);
+    EXPECT_TRUE(completed.value());
+    EXPECT_EQ(progress->completedUnitCount(), 2);
+    EXPECT_EQ(
+        interactor->exportEvents(),
+        (std::vector<ExportEvent>{
+            {ServiceType::Asana, IntegrationExportContentType::pdf, {"name"}, "toolbar", std::nullopt}}));
+    EXPECT_EQ(exporter->getCachedValue<std::string>("lastName"), "mine");
+    EXPECT_EQ(storage->calls(), (Texts{"save Asana+alice"}));
+}
+
+TEST_F(ServiceExporterTest, StepsRunOneAfterTheOtherInTheirOrderOffTheCallersThread) {
+    std::vector<int> order;
+    const auto caller = std::this_thread::get_id();
+    exporter->beforeStep = [&](int i) {
+        EXPECT_NE(std::this_thread::get_id(), caller);
+        order.push_back(i);
+    };
+    start({}, 5);
+    EXPECT_TRUE(completed.value());
+    EXPECT_EQ(order, (std::vector<int>{0, 1, 2, 3, 4}));
+}
+
+TEST_F(ServiceExporterTest, ProgressAdvancesByOneStepAtATime) {
+    std::vector<float> fractions;
+    std::promise<void> handlerSet;
+    exporter->beforeStep = [&, ready = handlerSet.get_future().share()](int) { ready.wait(); };
+    const auto progress = start({}, 4);
+    progress->setProgressHandler([&](float fraction) { fractions.push_back(fraction); });
+    handlerSet.set_value();
+    EXPECT_TRUE(completed.value());
+    EXPECT_EQ(fractions, (std::vector<float>{0.25f, 0.5f, 0.75f, 1.0f}));
+}
+
+TEST_F(ServiceExporterTest, ACancelledProgressStopsTheStepsAndCompletesOnceWithCanceled) {
+    const auto client = std::make_shared<FakeClient>();
+    exporter->updateActiveClient(client);
+    std::promise<void> cancelled;
+    exporter->beforeStep = [&, done = cancelled.get_future().share()](int) { done.wait(); };
+    const auto progress = start({.name = "mine"}, 3);
+    progress->cancel();
+    cancelled.set_value();
+    EXPECT_EQ(completed.value().error(), IntegrationExportError::canceled);
+    EXPECT_EQ(exporter->stepsRun, 1);
+    EXPECT_EQ(client->cancellations, 1);
+    EXPECT_EQ(interactor->exportEvents(),
+              (std::vector<ExportEvent>{
+                  {ServiceType::Asana, IntegrationExportContentType::pdf, {"name"}, "toolbar", "canceled"}}));
+    EXPECT_EQ(exporter->getCachedValue<std::string>("lastName"), "mine") << "a failed export stores too";
+}
+
+TEST_F(ServiceExporterTest, AnUnsupportedFormatReturnsAProgressOfTotalZeroAtOnceAndStillPostsAnalytics) {
+    const auto progress = start({.saveAs = IntegrationExportContentType::attachment}, 3);
+    bool handlerCalled = false;
+    progress->setProgressHandler([&](float) { handlerCalled = true; });
+    EXPECT_TRUE(completed.hasCome());
+    EXPECT_EQ(completed.value().error(), IntegrationExportError::unsupportedFormat);
+    EXPECT_EQ(progress->totalUnitCount(), 0);
+    EXPECT_FALSE(handlerCalled);
+    EXPECT_EQ(interactor->exportEvents().at(0).exportError, "unsupportedFormat");
+    EXPECT_EQ(exporter->stepsRun, 0);
+}
+
+TEST_F(ServiceExporterTest, AConfigurationOfAnotherExporterGivesInternalErrorAndNothingElse) {
+    const auto finish = exporter->createResultMediator<ForeignConfiguration, void>(
+        {}, [](auto) { ADD_FAILURE() << "the original configuration is not asked for"; },
+        completed.callback<Completion<void, IntegrationExportError>>());
+    finish(VoidResult());
+    EXPECT_EQ(completed.value().error(), IntegrationExportError::internalError);
+    EXPECT_TRUE(interactor->exportEvents().empty());
+    EXPECT_TRUE(storage->calls().empty());
+}
+
+TEST_F(ServiceExporterTest, AnExportIsToldOnceHoweverOftenItsStepsReport) {
+    int completions = 0;
+    const auto finish = exporter->createResultMediator<StepConfiguration, void>(
+        {}, [this](auto offered) { exporter->loadConfiguration(std::move(offered)); },
+        Completion<void, IntegrationExportError>([&](VoidResult result) {
+            ++completions;
+            EXPECT_EQ(result.error(), IntegrationExportError::connectionError);
+        }));
+    finish(failure(IntegrationExportError::connectionError));
+    finish(VoidResult());
+    EXPECT_EQ(completions, 1);
+    EXPECT_EQ(interactor->exportEvents().size(), 1u);
+}
+
+TEST_F(ServiceExporterTest, WithoutAnOfferedConfigurationNothingCountsAsChanged) {
+    exporter->offersConfiguration = false;
+    start({.name = "mine"}, 1);
+    EXPECT_TRUE(completed.value());
+    EXPECT_EQ(interactor->exportEvents().at(0).modifiedFields, Texts{});
+}
+
+TEST_F(ServiceExporterTest, AnExportKeepsItsExporterAliveUntilItHasCompleted) {
+    std::promise<void> released;
+    exporter->beforeStep = [done = released.get_future().share()](int) { done.wait(); };
+    const std::weak_ptr<StepExporter> weakly = exporter;
+    start({}, 2);
+    exporter.reset();
+    EXPECT_FALSE(weakly.expired());
+    released.set_value();
+    EXPECT_TRUE(completed.value());
+    // The queue drops its last step on a thread of its own.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!weakly.expired() && std::chrono::steady_clock::now() < deadline) {
+        std::this_thread::yield();
+    }
+    EXPECT_TRUE(weakly.expired());
+}
+
+TEST_F(ServiceExporterTest, SettingACachedValueEndsInOneSaveOfTheWholeAccount) {
+    exporter->setCachedValue(std::optional(7), "count");
+    EXPECT_EQ(storage->calls(), (Texts{"save Asana+alice"}));
+    EXPECT_EQ(storage->load("Asana+alice")->additionalInfo,
+              (std::map<std::string, std::string>{{"cached_count", "7"}}));
+}
+
+TEST_F(ServiceExporterTest, TheLastContentTypeRestsInTheAccountAsItsNumber) {
+    EXPECT_EQ(exporter->lastExportContentType(), std::nullopt);
+    exporter->setLastExportContentType(IntegrationExportContentType::emailWeblink);
+    EXPECT_EQ(exporter->lastExportContentType(), IntegrationExportContentType::emailWeblink);
+    EXPECT_EQ(storage->load("Asana+alice")->additionalInfo.at("cached_lastExportContentType"), "9");
+}
+
+TEST_F(ServiceExporterTest, TheTargetIsThatOfTheDataInteractor) {
+    EXPECT_EQ(exporter->exportTarget(), IntegrationExportTarget::email);
+    data->target = IntegrationExportTarget::meetingNote;
+    EXPECT_EQ(exporter->exportTarget(), IntegrationExportTarget::meetingNote);
+}
+
+} // namespace zelto
