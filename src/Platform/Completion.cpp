@@ -14,14 +14,26 @@ void reportDropped() {
 
 std::atomic<CallbackGuard::DroppedHandler> droppedHandler = reportDropped;
 
+thread_local int abandonments = 0;
+
 } // namespace
 
 CallbackGuard::DroppedHandler CallbackGuard::setDroppedHandler(DroppedHandler handler) noexcept {
     return droppedHandler.exchange(handler);
 }
 
+CallbackGuard::Abandonment::Abandonment() noexcept {
+    ++abandonments;
+}
+
+CallbackGuard::Abandonment::~Abandonment() {
+    --abandonments;
+}
+
 void CallbackGuard::dropped() noexcept {
-    droppedHandler.load()();
+    if (abandonments == 0) {
+        droppedHandler.load()();
+    }
 }
 
 void CallbackGuard::calledTwice() noexcept {

@@ -15,6 +15,15 @@ class CallbackGuard {
     // Gives the handler before. Any thread.
     static DroppedHandler setDroppedHandler(DroppedHandler handler) noexcept;
 
+    // What is dropped on this thread while one lives is not told.
+    class Abandonment {
+      public:
+        Abandonment() noexcept;
+        ~Abandonment();
+        Abandonment(const Abandonment&) = delete;
+        Abandonment& operator=(const Abandonment&) = delete;
+    };
+
     static void dropped() noexcept;
     [[noreturn]] static void calledTwice() noexcept;
 };

@@ -65,6 +65,15 @@ TEST(Completion, AbandonedOnPurposeIsNotTold) {
     EXPECT_EQ(droppedCount, 0);
 }
 
+TEST(Completion, WhatAnAbandonedOneHoldsIsAbandonedToo) {
+    CountDropped counting;
+    {
+        Callback<int> outer = [inner = Callback<int>([](int) {})](int value) mutable { inner(value); };
+        outer.abandon();
+    }
+    EXPECT_EQ(droppedCount, 0);
+}
+
 TEST(Completion, LetsGoOfItsCapturesWhenCalled) {
     auto held = std::make_shared<int>(1);
     Callback<> callback = [held] {};

@@ -70,7 +70,9 @@ TYPED_TEST(SchemeExporterTest, ATitleWithAnAmpersandSurvivesEscaped) {
     this->one.configuration.userTitle = "a&b";
     ASSERT_TRUE(this->one.run());
     const auto url = this->one.openedURL();
-    EXPECT_NE(url.find("a%26b"), std::string::npos) << "or encoded once more in a chain";
+    // Agenda's note is a URL within the URL.
+    const auto escaped = std::is_same_v<TypeParam, AgendaExporter> ? "a%2526b" : "a%26b";
+    EXPECT_NE(url.find(escaped), std::string::npos) << url;
     EXPECT_EQ(url.find("a&b"), std::string::npos);
 }
 
