@@ -1,7 +1,7 @@
 # The libraries that the project is built on; all are Debian packages (packaging/debian-packages).
 
 find_package(Threads REQUIRED)
-find_package(Boost 1.81 REQUIRED COMPONENTS json url)
+find_package(Boost 1.81 REQUIRED COMPONENTS json)
 find_package(ICU 70 REQUIRED COMPONENTS uc i18n data)
 find_package(CURL 7.84 REQUIRED)
 find_package(spdlog REQUIRED)

@@ -96,7 +96,16 @@ TEST(URL, RefusesWhatIsNone) {
                                                                    "http://%61/",
                                                                    "https://a%2fb/",
                                                                    "http://:80/",
-                                                                   "http://u@/"}) {
+                                                                   "http://u@/",
+                                                                   std::string_view("http://[::\0x]/", 14),
+                                                                   "http://[::1]2",
+                                                                   "http://[::1]x:80/",
+                                                                   "http://[::1:23]3?a",
+                                                                   "http://[]/",
+                                                                   "http://[::1%25eth0]/",
+                                                                   "https://a@b@c/",
+                                                                   "https://u:p@@c/",
+                                                                   "x://a:b@c@d:80/"}) {
         EXPECT_FALSE(URL::parse(text)) << text;
     }
 }
@@ -138,10 +147,11 @@ TEST(URL, GivesAnIPv6AddressWithoutBrackets) {
     EXPECT_EQ(loopback.port(), 80);
 }
 
-TEST(URL, IsNotFooledByAnAtSignBehindTheHost) {
+TEST(URL, IsNotFooledAboutItsHost) {
     EXPECT_EQ(url("https://good.example/@evil.example").host(), "good.example");
     EXPECT_EQ(url("https://good.example?@evil.example").host(), "good.example");
     EXPECT_EQ(url("https://good.example#@evil.example").host(), "good.example");
+    EXPECT_EQ(url("https://127.0.0.1a/").host(), "127.0.0.1a");
     EXPECT_EQ(url("https://good.example:80@evil.example/").host(), "evil.example");
 }
 
