@@ -135,6 +135,9 @@ class Scanner {
         const auto end = [&](std::size_t index) {
             auto& part = scan_.parts[index];
             part.end = std::max(part.begin, offset);
+            if (isMultipart(part) && part.children.empty()) {
+                part.mediaType = "text/plain"; // its boundary never came
+            }
         };
         if (leaf_ != noPart) {
             end(leaf_);

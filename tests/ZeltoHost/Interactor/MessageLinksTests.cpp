@@ -1,0 +1,40 @@
+#include <Platform/URL.h>
+#include <ZeltoHost/Interactor/MessageLinks.h>
+
+#include <gtest/gtest.h>
+
+namespace zelto {
+namespace {
+
+TEST(MessageLinks, AnyMessageIDMakesURLs) {
+    for (const std::string id :
+         {"a@b", "<>@\"q q\"", "%41@x", "a/b?c#d@e", "ünï@код.example", "(){}[]|\\^`@x", ""}) {
+        const auto links = linksToMail(id);
+        for (const auto& url : {links.backlink, links.altBacklink, links.safeBacklink}) {
+            ASSERT_TRUE(url.has_value());
+            EXPECT_TRUE(URL::parse(*url).has_value()) << *url;
+        }
+    }
+    EXPECT_EQ(linksToMail("a/b?c=d%e@f").backlink, "mid:a%2Fb%3Fc=d%25e@f");
+    EXPECT_EQ(linksToMail("a_b@f").safeBacklink, "mid:a%5Fb%40f");
+}
+
+TEST(MessageLinks, WithoutAMessageIDThereAreNone) {
+    const auto links = linksToMail(std::nullopt);
+    EXPECT_FALSE(links.backlink || links.altBacklink || links.safeBacklink || links.webLink);
+    EXPECT_EQ(links.appended("text", IntegrationLinkType::backlink(IntegrationLinkFormat::raw)), "text");
+}
+
+TEST(MessageLinks, EachFormatEscapesItsText) {
+    const IntegrationLinkComponents link{"a <b> [c] \"d\" & *e* |f", "https://x.example/(a)?b=c&d|e"};
+    EXPECT_EQ(writtenLink(link, IntegrationLinkFormat::raw), "https://x.example/(a)?b=c&d|e");
+    EXPECT_EQ(writtenLink(link, IntegrationLinkFormat::html),
+              "<a href=\"https://x.example/(a)?b=c&amp;d|e\">a &lt;b&gt; [c] &quot;d&quot; &amp; *e* |f</a>");
+    EXPECT_EQ(writtenLink(link, IntegrationLinkFormat::markdown),
+              "[a \\<b\\> \\[c\\] \"d\" & \\*e\\* |f](https://x.example/%28a%29?b=c&d|e)");
+    EXPECT_EQ(writtenLink(link, IntegrationLinkFormat::mrkdwn),
+              "<https://x.example/(a)?b=c&amp;d%7Ce|a &lt;b&gt; [c] \"d\" &amp; *e* |f>");
+}
+
+} // namespace
+} // namespace zelto
