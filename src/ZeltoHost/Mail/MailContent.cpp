@@ -13,45 +13,70 @@ namespace zelto {
 
 namespace {
 
-GMimeContentEncoding gmimeEncodingOf(MailEncoding encoding) {
-    switch (encoding) {
-    case MailEncoding::identity:
-        return GMIME_CONTENT_ENCODING_BINARY;
-    case MailEncoding::base64:
-        return GMIME_CONTENT_ENCODING_BASE64;
-    case MailEncoding::quotedPrintable:
-        return GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE;
-    case MailEncoding::uuencode:
-        return GMIME_CONTENT_ENCODING_UUENCODE;
-    }
-    return GMIME_CONTENT_ENCODING_BINARY;
-}
-
 // Undoes a transfer encoding block by block.
 class Decoder {
   public:
-    explicit Decoder(MailEncoding encoding) {
+    explicit Decoder(MailEncoding encoding) : encoding_(encoding) {
         gmimeOptions();
-        if (encoding != MailEncoding::identity) {
-            filter_.reset(g_mime_filter_basic_new(gmimeEncodingOf(encoding), FALSE));
+        switch (encoding) {
+        case MailEncoding::identity:
+            break;
+        case MailEncoding::base64:
+            g_mime_encoding_init_decode(&state_, GMIME_CONTENT_ENCODING_BASE64);
+            break;
+        case MailEncoding::quotedPrintable:
+            g_mime_encoding_init_decode(&state_, GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE);
+            break;
+        case MailEncoding::uuencode: // its first line takes a filter to find
+            filter_.reset(g_mime_filter_basic_new(GMIME_CONTENT_ENCODING_UUENCODE, FALSE));
+            break;
         }
     }
 
     // Valid until the next block.
-    std::string_view decode(std::span<char> block, bool last) {
-        if (!filter_) {
+    std::string_view decode(std::span<char> block) {
+        switch (encoding_) {
+        case MailEncoding::identity:
             return {block.data(), block.size()};
+        case MailEncoding::base64:
+        case MailEncoding::quotedPrintable:
+            return step({block.data(), block.size()});
+        case MailEncoding::uuencode:
+            break;
         }
         char* out = nullptr;
         std::size_t size = 0;
         std::size_t reserved = 0;
-        const auto step = last ? g_mime_filter_complete : g_mime_filter_filter;
-        step(filter_.get(), block.data(), block.size(), 0, &out, &size, &reserved);
+        g_mime_filter_filter(filter_.get(), block.data(), block.size(), 0, &out, &size, &reserved);
         return {out, size};
     }
 
+    // What the last block left behind.
+    std::string_view finish() {
+        switch (encoding_) {
+        case MailEncoding::identity:
+        case MailEncoding::uuencode:
+            return {};
+        case MailEncoding::base64:
+            // Some programs leave the padding out.
+            return state_.state == 2 ? step("==") : state_.state == 3 ? step("=") : std::string_view();
+        case MailEncoding::quotedPrintable:
+            out_.resize(g_mime_encoding_outlen(&state_, 0) + 8);
+            return {out_.data(), g_mime_encoding_flush(&state_, "", 0, out_.data())};
+        }
+        return {};
+    }
+
   private:
+    std::string_view step(std::string_view block) {
+        out_.resize(std::max(out_.size(), g_mime_encoding_outlen(&state_, block.size()) + 8));
+        return {out_.data(), g_mime_encoding_step(&state_, block.data(), block.size(), out_.data())};
+    }
+
+    MailEncoding encoding_;
+    GMimeEncoding state_{};
     GLibPointer<GMimeFilter> filter_;
+    std::vector<char> out_;
 };
 
 } // namespace
@@ -60,19 +85,18 @@ Result<void, MailError> decodeContent(const MailFile& file, const MailPart& part
                                       const std::function<bool(std::string_view)>& sink) {
     Decoder decoder(part.encoding);
     std::vector<char> buffer(64U << 10);
-    std::uint64_t offset = part.begin;
-    bool last = false;
-    while (!last) {
+    bool wanted = true;
+    for (std::uint64_t offset = part.begin; wanted && offset < part.end;) {
         const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(buffer.size(), part.end - offset));
         const auto block = std::span(buffer).first(size);
         if (auto read = file.read(offset, block); !read) {
             return read;
         }
         offset += size;
-        last = offset == part.end;
-        if (!sink(decoder.decode(block, last))) {
-            return {};
-        }
+        wanted = sink(decoder.decode(block));
+    }
+    if (const auto rest = decoder.finish(); wanted && !rest.empty()) {
+        wanted = sink(rest);
     }
     return file.isUnchanged() ? Result<void, MailError>() : failure(MailError::changed);
 }

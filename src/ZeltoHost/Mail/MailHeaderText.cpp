@@ -1,4 +1,5 @@
 #include <Platform/UTF8.h>
+#include <ZeltoHost/Mail/EncodedWords.h>
 #include <ZeltoHost/Mail/GMimeInternal.h>
 #include <ZeltoHost/Mail/MailHeaderText.h>
 
@@ -65,14 +66,14 @@ std::string onOneLine(std::string_view text) {
 }
 
 std::string decodedText(std::string_view value) {
-    const std::string text(value);
+    const auto text = joiningEncodedWords(value);
     const GLibPointer<char> decoded(g_mime_utils_header_decode_text(gmimeOptions(), text.c_str()));
     return onOneLine(textOf(decoded.get()));
 }
 
 std::vector<IntegrationsInteractorAddress> decodedAddresses(std::string_view value) {
     std::vector<IntegrationsInteractorAddress> addresses;
-    const auto text = withFewGroups(std::string(value));
+    const auto text = withFewGroups(joiningEncodedWords(value));
     const GLibPointer<InternetAddressList> list(internet_address_list_parse(gmimeOptions(), text.c_str()));
     if (list) {
         collect(list.get(), addresses);

@@ -1,4 +1,6 @@
+#include <ZeltoHost/Mail/EncodedWords.h>
 #include <ZeltoHost/Mail/GMimeInternal.h>
+#include <ZeltoHost/Mail/MailCharset.h>
 #include <ZeltoHost/Mail/MailHeaderText.h>
 #include <ZeltoHost/Mail/MailPartHeader.h>
 
@@ -56,9 +58,15 @@ std::string withoutBrackets(std::string text) {
     return text;
 }
 
+// Raw bytes in a name come as they stand in the mail.
+std::string nameOf(const std::string& value) {
+    return onOneLine(toUTF8(value, {}, false));
+}
+
 void readContentType(const MailField& field, MailPartHeader& header) {
     auto& part = header.part;
-    const GLibPointer<GMimeContentType> type(g_mime_content_type_parse(gmimeOptions(), field.value.c_str()));
+    const auto value = joiningEncodedWords(field.value);
+    const GLibPointer<GMimeContentType> type(g_mime_content_type_parse(gmimeOptions(), value.c_str()));
     const auto parameter = [&](const char* name) {
         return textOf(g_mime_content_type_get_parameter(type.get(), name));
     };
@@ -68,7 +76,7 @@ void readContentType(const MailField& field, MailPartHeader& header) {
         part.mediaType = "text/plain"; // as mails before MIME have it
     }
     part.charset = onOneLine(parameter("charset"));
-    part.name = onOneLine(parameter("name"));
+    part.name = nameOf(parameter("name"));
     part.root = withoutBrackets(onOneLine(parameter("start")));
     part.flowed = lowercase(parameter("format")) == "flowed";
     part.delSp = lowercase(parameter("delsp")) == "yes";
@@ -83,12 +91,12 @@ void readContentType(const MailField& field, MailPartHeader& header) {
 }
 
 void readDisposition(const MailField& field, MailPart& part) {
+    const auto value = joiningEncodedWords(field.value);
     const GLibPointer<GMimeContentDisposition> disposition(
-        g_mime_content_disposition_parse(gmimeOptions(), field.value.c_str()));
+        g_mime_content_disposition_parse(gmimeOptions(), value.c_str()));
     part.disposition =
         lowercase(onOneLine(textOf(g_mime_content_disposition_get_disposition(disposition.get()))));
-    const auto name =
-        onOneLine(textOf(g_mime_content_disposition_get_parameter(disposition.get(), "filename")));
+    const auto name = nameOf(textOf(g_mime_content_disposition_get_parameter(disposition.get(), "filename")));
     if (!name.empty()) {
         part.name = name;
     }

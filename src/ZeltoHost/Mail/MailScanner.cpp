@@ -226,7 +226,8 @@ class Scanner {
         if (index > limits_.parts) {
             return failure(MailError::tooManyParts);
         }
-        if (index == 0 && !leadingBlank_ && !isMailHeader(fields_)) {
+        const bool mayLackHeader = leadingBlank_ && contentBegin < fileSize_;
+        if (index == 0 && !mayLackHeader && !isMailHeader(fields_)) {
             return failure(MailError::notAMail);
         }
         auto header = readPartHeader(fields_, !frames_.empty() && frames_.back().digest);

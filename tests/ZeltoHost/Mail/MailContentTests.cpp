@@ -31,7 +31,7 @@ TEST(MailContent, DecodesTransferEncodings) {
     EXPECT_EQ(bodyOf("Content-Transfer-Encoding: quoted-printable", "h=C3=A9llo =\nyou=3D\n"), "héllo you=");
     EXPECT_EQ(bodyOf("Content-Transfer-Encoding: 8bit", "h\xC3\xA9llo\r\nyou\rthere\r\n"),
               "héllo\nyou\nthere");
-    EXPECT_EQ(bodyOf("Content-Transfer-Encoding: x-uuencode", "begin 644 a.txt\n%:&5L;&\\\n`\nend\n"),
+    EXPECT_EQ(bodyOf("Content-Transfer-Encoding: x-uuencode", "begin 644 a.txt\n%:&5L;&\\`\n`\nend\n"),
               "hello");
     EXPECT_EQ(bodyOf("Content-Transfer-Encoding: x-unknown", "as it is"), "as it is");
 }
