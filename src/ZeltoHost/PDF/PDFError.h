@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Platform/Enum.h>
+
 #include <string>
 
 namespace zelto {
@@ -11,16 +13,18 @@ enum class PDFErrorCode {
     tooLarge,         // it used up its memory or wrote more than it may
     notAPDF,          // it ended well, but what it left is not a PDF
     cannotWrite,      // the target cannot be written
-    canceled,         // the converter ended before the conversion did
+    canceled,         // the converter was destroyed before the conversion ended
 };
+ZELTO_ENUM(PDFErrorCode);
 
 // Why there is no PDF.
 struct PDFError {
     PDFErrorCode code = PDFErrorCode::failed;
-    int status = 0;     // failed: the exit status, or 128 and the signal's number
-    std::string detail; // the end of what the program wrote to standard error, or the system's words
+    int status = 0;        // failed: the exit status, or 128 and the signal's number
+    std::string converter; // the program's name
+    std::string detail; // the end of what it wrote to standard error, or the system's words; any characters
 
-    // One plain sentence. It may hold any characters.
+    // What went wrong and what to do about it, without the detail.
     std::string message() const;
 
     bool operator==(const PDFError&) const = default;

@@ -1,0 +1,245 @@
+#include <ZeltoHost/PDF/PDFConverter.h>
+
+#include <ZeltoHost/HTML/CleanedHTML.h>
+#include <ZeltoHost/PDF/WeasyPrintScript.h>
+#include <ZeltoHost/Process/CommandWords.h>
+#include <ZeltoHost/Process/Process.h>
+
+#include <Platform/FileManager.h>
+
+#include <array>
+#include <condition_variable>
+#include <csignal>
+#include <cstdlib>
+#include <mutex>
+
+namespace zelto {
+
+namespace {
+
+constexpr std::size_t keptErrorOutput = 4096;
+
+// Each may take the whole of its memory.
+constexpr int conversionsAtOnce = 2;
+
+// Not the first python3 of PATH, which may be one without WeasyPrint.
+constexpr std::string_view interpreter = "/usr/bin/python3";
+
+// A folder for one conversion, removed with what is in it.
+class WorkFolder {
+  public:
+    static Result<WorkFolder, FileError> make() {
+        auto path = FileManager::temporaryPath("mail.html");
+        if (!path) {
+            return failure(path.error());
+        }
+        return WorkFolder(path->parent_path());
+    }
+
+    WorkFolder(WorkFolder&& other) noexcept : path_(std::exchange(other.path_, {})) {}
+
+    WorkFolder& operator=(WorkFolder&&) = delete;
+
+    ~WorkFolder() {
+        if (!path_.empty()) {
+            std::error_code ignored;
+            std::filesystem::remove_all(path_, ignored);
+        }
+    }
+
+    std::filesystem::path html() const { return path_ / "mail.html"; }
+
+    std::filesystem::path pdf() const { return path_ / "mail.pdf"; }
+
+  private:
+    explicit WorkFolder(std::filesystem::path path) : path_(std::move(path)) {}
+
+    std::filesystem::path path_;
+};
+
+// Nothing of the caller's environment but where the fonts' cache is.
+std::vector<std::string> interpreterEnvironment() {
+    std::vector<std::string> environment{"PATH=/usr/bin:/bin", "LANG=C.UTF-8"};
+    for (const char* name : {"HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "TMPDIR"}) {
+        if (const char* value = std::getenv(name)) {
+            environment.push_back(std::string(name) + "=" + value);
+        }
+    }
+    return environment;
+}
+
+bool ranOutOfMemory(std::string_view errorOutput) {
+    constexpr std::array<std::string_view, 5> words{"MemoryError", "bad_alloc", "Cannot allocate memory",
+                                                    "failed to allocate", "File too large"};
+    for (const auto word : words) {
+        if (errorOutput.find(word) != std::string_view::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+PDFError errorOf(const ProcessExited& end, const std::string& output, bool isOurs) {
+    if (isOurs && end.status == weasyPrintMissingStatus) {
+        return {PDFErrorCode::converterMissing, end.status, {}, output};
+    }
+    if ((isOurs && end.status == weasyPrintMemoryStatus) || ranOutOfMemory(output)) {
+        return {PDFErrorCode::tooLarge, end.status, {}, output};
+    }
+    return {PDFErrorCode::failed, end.status, {}, output};
+}
+
+PDFError errorOf(const ProcessSignaled& end, const std::string& output, bool) {
+    const int status = 128 + end.signal;
+    if (end.signal == SIGXCPU) {
+        return {PDFErrorCode::timedOut, status, {}, output};
+    }
+    if (end.signal == SIGXFSZ || ranOutOfMemory(output)) {
+        return {PDFErrorCode::tooLarge, status, {}, output};
+    }
+    return {PDFErrorCode::failed, status, {}, output};
+}
+
+PDFError errorOf(const ProcessTimedOut&, const std::string& output, bool) {
+    return {PDFErrorCode::timedOut, 0, {}, output};
+}
+
+PDFError errorOf(const ProcessStopped&, const std::string&, bool) {
+    return {PDFErrorCode::canceled, 0, {}, {}};
+}
+
+PDFError errorOf(const ProcessFailedToStart& end, const std::string&, bool) {
+    const bool missing = end.reason == std::errc::no_such_file_or_directory;
+    return {missing ? PDFErrorCode::converterMissing : PDFErrorCode::failed,
+            end.reason.value(),
+            {},
+            end.reason.message()};
+}
+
+PDFError cannotWrite(const FileError& error) {
+    return {PDFErrorCode::cannotWrite, 0, {}, error.message()};
+}
+
+} // namespace
+
+class PDFConverter::Worker {
+  public:
+    explicit Worker(PDFConverterOptions options) : options_(std::move(options)) {}
+
+    Result<void, PDFError> convert(std::string_view html, const std::filesystem::path& toPdf,
+                                   const std::stop_token& stop) {
+        if (!enter(stop)) {
+            return failure(PDFError{PDFErrorCode::canceled, 0, {}, {}});
+        }
+        auto result = convertNow(html, toPdf, stop);
+        leave();
+        if (!result) {
+            result.error().converter = name();
+        }
+        return result;
+    }
+
+  private:
+    bool enter(const std::stop_token& stop) {
+        std::unique_lock lock(mutex_);
+        if (!left_.wait(lock, stop, [this] { return running_ < conversionsAtOnce; })) {
+            return false;
+        }
+        ++running_;
+        return true;
+    }
+
+    void leave() {
+        const std::lock_guard lock(mutex_);
+        --running_;
+        left_.notify_one();
+    }
+
+    bool isOurs() const { return options_.command.empty(); }
+
+    std::string name() const { return isOurs() ? "weasyprint" : options_.command.front(); }
+
+    Result<void, PDFError> convertNow(std::string_view html, const std::filesystem::path& toPdf,
+                                      const std::stop_token& stop) {
+        const auto folder = WorkFolder::make();
+        if (!folder) {
+            return failure(cannotWrite(folder.error()));
+        }
+        const auto request = requestFor(cleanedHTML(html), *folder);
+        if (!request) {
+            return failure(request.error());
+        }
+        const auto ended = runProcess(*request, stop);
+        if (!ended.succeeded()) {
+            return failure(std::visit(
+                [&](const auto& end) { return errorOf(end, ended.errorOutput, isOurs()); }, ended.end));
+        }
+        return deliver(folder->pdf(), toPdf, ended.errorOutput);
+    }
+
+    Result<ProcessRequest, PDFError> requestFor(std::string html, const WorkFolder& folder) const {
+        ProcessRequest request;
+        request.limits = {options_.wallTime, options_.cpuSeconds, options_.addressSpace, options_.fileSize};
+        request.keptOutput = keptErrorOutput;
+        if (isOurs()) {
+            request.arguments = {std::string(interpreter), "-I", "-c", std::string(weasyPrintScript),
+                                 folder.pdf().string()};
+            request.environment = interpreterEnvironment();
+            request.input = std::move(html);
+            return request;
+        }
+        const auto program = findProgram(options_.command.front());
+        if (!program) {
+            return failure(PDFError{PDFErrorCode::converterMissing, 0, {}, {}});
+        }
+        if (const auto written = FileManager::writeFileAtomically(folder.html(), html); !written) {
+            return failure(cannotWrite(written.error()));
+        }
+        request.arguments = options_.command;
+        request.arguments.front() = program->string();
+        request.arguments.push_back(folder.html().string());
+        request.arguments.push_back(folder.pdf().string());
+        return request;
+    }
+
+    Result<void, PDFError> deliver(const std::filesystem::path& made, const std::filesystem::path& toPdf,
+                                   const std::string& errorOutput) const {
+        const auto pdf = FileManager::readFile(made, options_.fileSize);
+        if (!pdf) {
+            const auto code =
+                pdf.error().code == FileErrorCode::tooLarge ? PDFErrorCode::tooLarge : PDFErrorCode::notAPDF;
+            return failure(PDFError{code, 0, {}, errorOutput});
+        }
+        if (!viewOf(*pdf).starts_with("%PDF-")) {
+            return failure(PDFError{PDFErrorCode::notAPDF, 0, {}, errorOutput});
+        }
+        if (const auto written = FileManager::writeFileAtomically(toPdf, *pdf); !written) {
+            return failure(cannotWrite(written.error()));
+        }
+        return {};
+    }
+
+    const PDFConverterOptions options_;
+    std::mutex mutex_;
+    std::condition_variable_any left_;
+    int running_ = 0;
+};
+
+PDFConverter::PDFConverter(PDFConverterOptions options)
+    : worker_(std::make_shared<Worker>(std::move(options))) {}
+
+PDFConverter::~PDFConverter() = default;
+
+void PDFConverter::convert(std::string html, std::filesystem::path toPdf,
+                           Completion<void, PDFError> completion) {
+    // Shared, so that it is still here if no thread can be made.
+    auto pending = std::make_shared<Completion<void, PDFError>>(std::move(completion));
+    const auto error =
+        threads_.start([worker = worker_, pending, html = std::move(html), toPdf = std::move(toPdf)](
+                           const std::stop_token& stop) { (*pending)(worker->convert(html, toPdf, stop)); });
+    if (error) {
+        (*pending)(failure(PDFError{PDFErrorCode::failed, error.value(), {}, error.message()}));
+    }
+}
+
+} // namespace zelto

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <string_view>
+
+namespace zelto {
+
+// Reads cleaned HTML from standard input and writes a PDF to the path that is its one argument. It loads
+// data: URLs and nothing else: the fetcher refuses, and so does the interpreter should anything get round
+// that. Presentational attributes (bgcolor, width, align), of which mails are made, are heeded. Its exit
+// status tells what a caller wants to know.
+inline constexpr int weasyPrintMissingStatus = 70;
+inline constexpr int weasyPrintMemoryStatus = 71;
+
+inline constexpr std::string_view weasyPrintScript = R"(
+import sys
+
+def refuse(event, arguments):
+    if event.startswith("socket.") or event in ("subprocess.Popen", "os.exec", "os.fork", "os.posix_spawn",
+                                                "os.system"):
+        raise PermissionError(event)
+
+try:
+    import logging
+    import weasyprint
+except ImportError as error:
+    print(error, file=sys.stderr)
+    sys.exit(70)
+
+logging.getLogger("weasyprint").setLevel(logging.CRITICAL)
+logging.getLogger("fontTools").setLevel(logging.CRITICAL)
+
+def fetch(url, timeout=10, ssl_context=None):
+    if url[:5].lower() != "data:":
+        raise PermissionError("only data: is loaded")
+    return weasyprint.default_url_fetcher(url)
+
+sys.addaudithook(refuse)
+try:
+    html = sys.stdin.buffer.read().decode("utf-8", "replace")
+    page = weasyprint.CSS(url_fetcher=fetch, string="""
+        @page { size: A4; margin: 15mm }
+        img { max-width: 100% }
+        pre { white-space: pre-wrap }
+        body { overflow-wrap: anywhere }
+    """)
+    document = weasyprint.HTML(string=html, url_fetcher=fetch)
+    document.write_pdf(sys.argv[1], stylesheets=[page], presentational_hints=True)
+except MemoryError:
+    print("out of memory", file=sys.stderr)
+    sys.exit(71)
+)";
+
+} // namespace zelto
