@@ -1,8 +1,8 @@
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 
 #include <Platform/FileManager.h>
-#include <Platform/MediaTypes.h>
 #include <Platform/Text.h>
+#include <TrovenhalCommon/MimeUtils.h>
 
 #include <algorithm>
 
@@ -130,8 +130,8 @@ std::string ExportServiceHelper::getServiceIdentifierFor(ServiceType type,
 
 std::string ExportServiceHelper::mimeType(const std::filesystem::path& path) {
     const auto extension = path.extension().native();
-    const auto known = extension.empty() ? std::nullopt : mediaTypeForExtension(extension.substr(1));
-    return std::string(known.value_or("application/octet-stream"));
+    const auto known = extension.empty() ? std::nullopt : MimeUtils::mime(extension.substr(1));
+    return known.value_or("application/octet-stream");
 }
 
 std::string ExportServiceHelper::fileName(std::string_view name, std::string_view extension, bool sanitise) {
