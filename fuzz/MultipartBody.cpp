@@ -111,7 +111,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         requireName(header, part.dataId);
         require(header.starts_with("\r\nContent-Type: "));
         require(header.substr(2).find_first_of("\r\n") == std::string_view::npos);
-        require(viewOf(*part.data.bytes()) == found[index].content);
+        require(zelto::viewOf(*part.data.bytes()) == found[index].content);
         ++index;
     }
     return 0;
