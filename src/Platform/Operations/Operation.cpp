@@ -45,13 +45,7 @@ Operation::~Operation() {
         return;
     }
     if (links_) {
-        for (const auto& each : links_->dependants) {
-            if (const auto dependant = each.operation.lock()) {
-                if (const auto core = dependant->dependencyEnded(each.place, nullptr)) {
-                    core->becameReady(*dependant);
-                }
-            }
-        }
+        releaseDependants(*links_, nullptr, nullptr, nullptr);
     }
     if (core_) {
         core_->remove(*this);
@@ -183,8 +177,10 @@ void Operation::main() {}
 void Operation::endBeforeStart() {}
 
 void Operation::finish() {
-    const auto self = shared_from_this();
-    end(conclude());
+    if (isExecuting()) {
+        const auto self = shared_from_this();
+        end(conclude());
+    }
 }
 
 bool Operation::begin() {
@@ -228,20 +224,27 @@ void Operation::end(Rest rest) {
         return;
     }
     if (rest.links) {
-        const auto self = shared_from_this();
-        for (const auto& each : rest.links->dependants) {
-            if (const auto dependant = each.operation.lock()) {
-                if (const auto core = dependant->dependencyEnded(each.place, self)) {
-                    core->becameReady(*dependant);
-                }
-            }
-        }
+        releaseDependants(*rest.links, shared_from_this(), nullptr, nullptr);
     }
     if (rest.core) {
         rest.core->remove(*this);
     }
     if (rest.links && rest.links->completionBlock) {
         containingExceptions("A completion block", rest.links->completionBlock);
+    }
+}
+
+// Those that became ready in the current queue are only collected.
+void Operation::releaseDependants(const Links& links, const std::shared_ptr<Operation>& kept,
+                                  const OperationCore* current, OperationList* ready) {
+    for (const auto& each : links.dependants) {
+        auto dependant = each.operation.lock();
+        const auto core = dependant ? dependant->dependencyEnded(each.place, kept) : nullptr;
+        if (core && core.get() == current) {
+            ready->push_back(std::move(dependant));
+        } else if (core) {
+            core->becameReady(*dependant);
+        }
     }
 }
 

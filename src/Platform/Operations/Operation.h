@@ -80,7 +80,8 @@ class Operation : public std::enable_shared_from_this<Operation> {
     // finished: the place to report that nothing was done.
     virtual void endBeforeStart();
 
-    // Ends an asynchronous operation, on any thread, also within main(). Again has no effect.
+    // Ends an asynchronous operation that executes, on any thread, also within main(). At any other time it
+    // has no effect.
     void finish();
 
   private:
@@ -106,6 +107,9 @@ class Operation : public std::enable_shared_from_this<Operation> {
     Rest conclude();
     void end(Rest rest);
     std::shared_ptr<OperationCore> dependencyEnded(std::size_t place, std::shared_ptr<Operation> kept);
+    static void releaseDependants(const Links& links, const std::shared_ptr<Operation>& kept,
+                                  const OperationCore* current,
+                                  std::vector<std::shared_ptr<Operation>>* ready);
     Links& links();
 
     mutable SpinLock lock_;

@@ -311,15 +311,7 @@ bool OperationCore::run(const std::shared_ptr<Operation>& operation, OperationLi
         return false;
     }
     if (rest.links) {
-        for (const auto& each : rest.links->dependants) {
-            auto dependant = each.operation.lock();
-            const auto core = dependant ? dependant->dependencyEnded(each.place, operation) : nullptr;
-            if (core.get() == this) {
-                released.push_back(std::move(dependant));
-            } else if (core) {
-                core->becameReady(*dependant);
-            }
-        }
+        Operation::releaseDependants(*rest.links, operation, this, &released);
     }
     return true;
 }

@@ -42,6 +42,15 @@ class WaitingOperation : public Operation {
     std::function<void()> begun_;
 };
 
+// Ends as soon as it is cancelled, also before it has begun.
+class ObedientOperation : public WaitingOperation {
+  public:
+    void cancel() override {
+        WaitingOperation::cancel();
+        finish();
+    }
+};
+
 // Opens once; whoever waits too long fails. It may be destroyed as soon as a wait has returned.
 class Event {
   public:
