@@ -14,8 +14,8 @@ namespace zelto {
 
 namespace {
 
-// As browsers do: a table of two thousand million columns stops whoever lays it out.
-constexpr int spanLimit = 1000;
+// A table of two thousand million columns stops whoever lays it out; some need half a minute for a thousand.
+constexpr int spanLimit = 100;
 
 std::optional<std::string> cleanedSpan(std::string_view value) {
     value = trimmedHTMLSpace(value);

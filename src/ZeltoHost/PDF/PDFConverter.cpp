@@ -89,12 +89,14 @@ PDFError errorOf(const ProcessExited& end, const std::string& output, bool isOur
     return {PDFErrorCode::failed, end.status, {}, output};
 }
 
-PDFError errorOf(const ProcessSignaled& end, const std::string& output, bool) {
+PDFError errorOf(const ProcessSignaled& end, const std::string& output, bool isOurs) {
     const int status = 128 + end.signal;
     if (end.signal == SIGXCPU) {
         return {PDFErrorCode::timedOut, status, {}, output};
     }
-    if (end.signal == SIGXFSZ || ranOutOfMemory(output)) {
+    // The libraries beneath ours crash where there is no memory left.
+    const bool crashed = end.signal == SIGSEGV || end.signal == SIGABRT || end.signal == SIGTRAP;
+    if (end.signal == SIGXFSZ || (isOurs && crashed) || ranOutOfMemory(output)) {
         return {PDFErrorCode::tooLarge, status, {}, output};
     }
     return {PDFErrorCode::failed, status, {}, output};

@@ -13,6 +13,7 @@ inline constexpr int weasyPrintMemoryStatus = 71;
 
 inline constexpr std::string_view weasyPrintScript = R"(
 import sys
+import threading
 
 def refuse(event, arguments):
     if event.startswith("socket.") or event in ("subprocess.Popen", "os.exec", "os.fork", "os.posix_spawn",
@@ -34,8 +35,7 @@ def fetch(url, timeout=10, ssl_context=None):
         raise PermissionError("only data: is loaded")
     return weasyprint.default_url_fetcher(url)
 
-sys.addaudithook(refuse)
-try:
+def convert():
     html = sys.stdin.buffer.read().decode("utf-8", "replace")
     page = weasyprint.CSS(url_fetcher=fetch, string="""
         @page { size: A4; margin: 15mm }
@@ -45,9 +45,32 @@ try:
     """)
     document = weasyprint.HTML(string=html, url_fetcher=fetch)
     document.write_pdf(sys.argv[1], stylesheets=[page], presentational_hints=True)
-except MemoryError:
-    print("out of memory", file=sys.stderr)
-    sys.exit(71)
+
+status = 1
+
+def run():
+    global status
+    try:
+        convert()
+        status = 0
+    except MemoryError:
+        print("out of memory", file=sys.stderr)
+        status = 71
+    except RecursionError:
+        print("the HTML is nested too deeply", file=sys.stderr)
+    except OSError as error:
+        print(error, file=sys.stderr)
+    except Exception as error:
+        print(type(error).__name__, error, file=sys.stderr)
+
+# Layout recurses with the nesting of the document.
+threading.stack_size(256 << 20)
+sys.setrecursionlimit(20000)
+thread = threading.Thread(target=run)
+thread.start()
+sys.addaudithook(refuse)
+thread.join()
+sys.exit(status)
 )";
 
 } // namespace zelto

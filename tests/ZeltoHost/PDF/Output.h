@@ -1,0 +1,23 @@
+#pragma once
+
+#include <ZeltoHost/PDF/WeasyPrintScript.h>
+#include <ZeltoHost/Process/Process.h>
+
+#include <Support/TemporaryFolder.h>
+
+#include <string>
+
+namespace zelto {
+
+// What a shell command writes to standard output.
+inline std::string outputOf(const std::string& command) {
+    return runProcess({.arguments = {"/bin/sh", "-c", command}, .keptOutput = 1 << 20}).output;
+}
+
+// Runs the script over HTML as it stands.
+inline void runScriptUncleaned(const std::filesystem::path& html, const std::filesystem::path& pdf) {
+    runProcess({.arguments = {"/usr/bin/python3", "-I", "-c", std::string(weasyPrintScript), pdf.string()},
+                .input = TemporaryFolder::read(html)});
+}
+
+} // namespace zelto

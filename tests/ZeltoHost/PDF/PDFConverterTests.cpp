@@ -1,0 +1,252 @@
+#include <ZeltoHost/PDF/PDFConverter.h>
+
+#include "LoopbackListener.h"
+#include "Output.h"
+#include <Support/TemporaryFolder.h>
+
+#include <gtest/gtest.h>
+
+#include <future>
+
+namespace zelto {
+namespace {
+
+using namespace std::chrono_literals;
+
+class PDFConverterTest : public testing::Test {
+  protected:
+    Result<void, PDFError> convert(const std::string& html, PDFConverterOptions options = {}) {
+        PDFConverter converter(std::move(options));
+        return convert(converter, html);
+    }
+
+    Result<void, PDFError> convert(PDFConverter& converter, const std::string& html) {
+        std::promise<Result<void, PDFError>> promise;
+        auto future = promise.get_future();
+        converter.convert(html, target(),
+                          [&](Result<void, PDFError> result) { promise.set_value(std::move(result)); });
+        if (future.wait_for(120s) != std::future_status::ready) {
+            ADD_FAILURE() << "the conversion never ended";
+            std::abort();
+        }
+        return future.get();
+    }
+
+    // Runs it as a shell script that is told the input and the output.
+    PDFConverterOptions script(const std::string& body) {
+        const auto path = folder_.write("converter.sh", "#!/bin/sh\n" + body + "\n");
+        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+        return {.command = {path.string()}};
+    }
+
+    std::filesystem::path target() const { return folder_ / "out.pdf"; }
+
+    std::size_t filesBesideTarget() const {
+        std::size_t count = 0;
+        for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
+            ++count;
+        }
+        return count;
+    }
+
+    TemporaryFolder folder_;
+};
+
+TEST_F(PDFConverterTest, TextOfAllScriptsComesOut) {
+    ASSERT_TRUE(convert("<p>Grüße, Привет мир</p><table bgcolor=red><tr><td>cell</table>"));
+    EXPECT_TRUE(TemporaryFolder::read(target()).starts_with("%PDF-"));
+    const auto text = outputOf("pdftotext '" + target().string() + "' -");
+    EXPECT_NE(text.find("Grüße, Привет мир"), std::string::npos) << text;
+    EXPECT_NE(text.find("cell"), std::string::npos) << text;
+}
+
+TEST_F(PDFConverterTest, AMailNeitherCallsHomeNorPullsInLocalFiles) {
+    const LoopbackListener listener;
+    const auto web = "http://127.0.0.1:" + std::to_string(listener.port()) + "/";
+    const auto canary = folder_.write("canary.txt", "CANARY-5d1f");
+    const auto local = "file://" + canary.string();
+    std::string html = "<html><head><base href='" + web + "'>";
+    html += "<style>p{color:red} body{}</style>";
+    for (const auto& address : {web + "x", local}) {
+        html += "<link rel=stylesheet href='" + address + "'><link rel=attachment href='" + address +
+                "'><style>@import '" + address + "';@font-face{font-family:f;src:url(" + address +
+                ")}p{font-family:f;background:url(" + address + ")}</style><img src='" + address +
+                "'><img srcset='" + address + " 1x'><object data='" + address + "'></object><embed src='" +
+                address + "'><iframe src='" + address + "'></iframe><a rel=attachment href='" + address +
+                "'>attached</a><body background='" + address + "'><div style=\"background:\\75rl('" +
+                address + "')\">x</div><svg><image href='" + address + "'/><use href='" + address +
+                "#a'/></svg><input type=image src='" + address + "'><video poster='" + address +
+                "'></video><img src='data:image/svg+xml,<svg xmlns=\"http://www.w3.org/2000/svg\"><image "
+                "href=\"" +
+                address + "\"/></svg>'><p>shown</p>";
+    }
+    ASSERT_TRUE(convert(html));
+    EXPECT_EQ(listener.connections(), 0);
+    EXPECT_EQ(outputOf("pdfdetach -list '" + target().string() + "'"), "0 embedded files\n");
+    EXPECT_EQ(outputOf("pdftotext '" + target().string() + "' -").find("CANARY"), std::string::npos);
+    EXPECT_EQ(TemporaryFolder::read(target()).find("CANARY"), std::string::npos);
+    EXPECT_NE(outputOf("pdftotext '" + target().string() + "' -").find("shown"), std::string::npos);
+}
+
+TEST_F(PDFConverterTest, TheScriptItselfLoadsDataAddressesAlone) {
+    const LoopbackListener listener;
+    const auto web = "http://127.0.0.1:" + std::to_string(listener.port()) + "/";
+    const auto canary = folder_.write("canary.txt", "CANARY-5d1f");
+    std::string html;
+    for (const auto& address : {web, "file://" + canary.string(), canary.string()}) {
+        html += "<link rel=stylesheet href='" + address + "'><link rel=attachment href='" + address +
+                "'><style>@import '" + address + "';@font-face{font-family:f;src:url(" + address +
+                ")}p{font-family:f;background:url(" + address + ")}</style><img src='" + address +
+                "'><object data='" + address + "'></object><embed src='" + address +
+                "'><a rel=attachment href='" + address +
+                "'>a</a><img src=\"data:image/svg+xml,<svg xmlns='http://www.w3.org/2000/svg'"
+                " width='9' height='9'><image href='" +
+                address + "' width='9' height='9'/></svg>\"><p>shown</p>";
+    }
+    const auto input = folder_.write("raw.html", html);
+    runScriptUncleaned(input, target());
+    ASSERT_TRUE(TemporaryFolder::read(target()).starts_with("%PDF-"));
+    EXPECT_EQ(listener.connections(), 0);
+    EXPECT_EQ(outputOf("pdfdetach -list '" + target().string() + "'"), "0 embedded files\n");
+    EXPECT_EQ(outputOf("pdftotext '" + target().string() + "' -").find("CANARY"), std::string::npos);
+}
+
+TEST_F(PDFConverterTest, APageOfOnePixelAndAHugeColumnSpanAreCleanedAway) {
+    EXPECT_TRUE(
+        convert("<style>@page{size:1px}</style><table><tr><td colspan=2147483647>x</table><p>text</p>"));
+}
+
+TEST_F(PDFConverterTest, ALayoutWithoutEndIsStoppedByItsCPUTime) {
+    std::string html;
+    for (int depth = 0; depth < 40; ++depth) {
+        html += "<div style='display:flex'><div>";
+    }
+    const auto result = convert(html + "x", {.cpuSeconds = 3});
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().code, PDFErrorCode::timedOut) << result.error().detail;
+    EXPECT_FALSE(std::filesystem::exists(target()));
+}
+
+TEST_F(PDFConverterTest, ALongChainOfRepliesIsNoTrouble) {
+    std::string html;
+    for (int depth = 0; depth < 200; ++depth) {
+        html += "<blockquote style='margin:0'>";
+    }
+    const auto result = convert(html + "innermost");
+    ASSERT_TRUE(result) << result.error().detail;
+    EXPECT_NE(outputOf("pdftotext '" + target().string() + "' -").find("innermost"), std::string::npos);
+}
+
+TEST_F(PDFConverterTest, TooLittleMemoryIsToldAsTooLarge) {
+    std::string html = "<p>";
+    for (int i = 0; i < 60000; ++i) {
+        html += "<b>word</b> ";
+    }
+    const auto result = convert(html, {.addressSpace = std::uint64_t{450} << 20});
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().code, PDFErrorCode::tooLarge) << result.error().status << result.error().detail;
+}
+
+TEST_F(PDFConverterTest, AFileThatGrowsTooLargeIsToldAsSuch) {
+    const auto result = convert("<p>text</p>", {.fileSize = 1000});
+    ASSERT_FALSE(result);
+    EXPECT_EQ(result.error().code, PDFErrorCode::tooLarge) << result.error().status << result.error().detail;
+}
+
+TEST_F(PDFConverterTest, AUsersConverterGetsCleanedHTMLByArgumentsThatNoShellSees) {
+    auto options = script("printf '%%PDF-1.7 %s ' \"$1\" > \"$3\"; cat \"$2\" >> \"$3\"");
+    options.command.push_back("a $(touch x) 'b;");
+    ASSERT_TRUE(convert("<script>evil()</script><img src=http://a.example/><p>text</p>", options));
+    const auto made = TemporaryFolder::read(target());
+    EXPECT_TRUE(made.starts_with("%PDF-1.7 a $(touch x) 'b; <!DOCTYPE html>")) << made;
+    EXPECT_NE(made.find("<p>text</p>"), std::string::npos);
+    EXPECT_EQ(made.find("evil"), std::string::npos);
+    EXPECT_EQ(made.find("a.example"), std::string::npos);
+}
+
+TEST_F(PDFConverterTest, AConverterThatHangsIsStopped) {
+    auto options = script("exec sleep 1000");
+    options.wallTime = 300ms;
+    EXPECT_EQ(convert("x", options).error().code, PDFErrorCode::timedOut);
+}
+
+TEST_F(PDFConverterTest, AConverterThatFailsIsToldWithItsStatusAndWords) {
+    const auto error = convert("x", script("echo no ink >&2; exit 3")).error();
+    EXPECT_EQ(error.code, PDFErrorCode::failed);
+    EXPECT_EQ(error.status, 3);
+    EXPECT_EQ(error.detail, "no ink\n");
+}
+
+TEST_F(PDFConverterTest, AConverterThatDiesBySignalIsTold) {
+    const auto error = convert("x", script("kill -KILL $$")).error();
+    EXPECT_EQ(error.code, PDFErrorCode::failed);
+    EXPECT_EQ(error.status, 128 + 9);
+}
+
+TEST_F(PDFConverterTest, AConverterThatLeavesNothingIsTold) {
+    EXPECT_EQ(convert("x", script("exit 0")).error().code, PDFErrorCode::notAPDF);
+}
+
+TEST_F(PDFConverterTest, WhatIsNoPDFIsRefusedAndTheOldFileStays) {
+    folder_.write("out.pdf", "old");
+    EXPECT_EQ(convert("x", script("echo '<html>' > \"$2\"")).error().code, PDFErrorCode::notAPDF);
+    EXPECT_EQ(TemporaryFolder::read(target()), "old");
+}
+
+TEST_F(PDFConverterTest, NothingButTheTargetIsLeftBehind) {
+    const auto options = script("printf '%%PDF-1.4' > \"$2\"; echo x > \"$2.log\"");
+    const auto before = filesBesideTarget();
+    ASSERT_TRUE(convert("x", options));
+    EXPECT_EQ(filesBesideTarget(), before + 1);
+}
+
+TEST_F(PDFConverterTest, AMissingConverterIsTold) {
+    const auto error = convert("x", {.command = {"no-such-converter-anywhere"}}).error();
+    EXPECT_EQ(error.code, PDFErrorCode::converterMissing);
+    EXPECT_NE(error.message().find("no-such-converter-anywhere"), std::string::npos);
+}
+
+TEST_F(PDFConverterTest, ATargetThatCannotBeWrittenIsTold) {
+    PDFConverter converter(script("printf '%%PDF-1.4' > \"$2\""));
+    std::promise<PDFErrorCode> promise;
+    converter.convert("x", folder_ / "absent" / "out.pdf",
+                      [&](const Result<void, PDFError>& result) { promise.set_value(result.error().code); });
+    EXPECT_EQ(promise.get_future().get(), PDFErrorCode::cannotWrite);
+}
+
+TEST_F(PDFConverterTest, ConversionsThatRunOrWaitAreCanceledWhenTheConverterGoes) {
+    std::vector<PDFErrorCode> codes;
+    std::mutex mutex;
+    {
+        PDFConverter converter(script("exec sleep 1000"));
+        for (int i = 0; i < 5; ++i) {
+            converter.convert("x", target(), [&](const Result<void, PDFError>& result) {
+                const std::lock_guard lock(mutex);
+                codes.push_back(result.error().code);
+            });
+        }
+    }
+    EXPECT_EQ(codes, std::vector<PDFErrorCode>(5, PDFErrorCode::canceled));
+}
+
+TEST_F(PDFConverterTest, TheConverterMayEndInItsOwnCompletion) {
+    auto converter = std::make_unique<PDFConverter>(script("printf '%%PDF-1.4' > \"$2\""));
+    std::promise<void> done;
+    auto& told = *converter;
+    told.convert("x", target(),
+                 [owner = std::move(converter), &done](const Result<void, PDFError>& result) mutable {
+                     EXPECT_TRUE(result);
+                     owner.reset();
+                     done.set_value();
+                 });
+    EXPECT_EQ(done.get_future().wait_for(60s), std::future_status::ready);
+}
+
+TEST_F(PDFConverterTest, EveryErrorHasASentence) {
+    for (const auto& each : casesOf<PDFErrorCode>()) {
+        EXPECT_FALSE(PDFError{.code = each.value}.message().empty()) << each.name;
+    }
+}
+
+} // namespace
+} // namespace zelto
