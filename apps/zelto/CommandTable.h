@@ -1,0 +1,50 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string_view>
+#include <vector>
+
+// What the command line offers, said once: parsing, help, completions and man pages are made from it.
+
+namespace zelto::cli {
+
+// Where a value comes from, for completions.
+enum class ValueKind { text, file, directory, command, service, account, contentType, mail };
+
+struct OptionSpec {
+    std::string_view name;  // "--title"
+    std::string_view value; // "TEXT"; empty for a flag
+    std::string_view help;
+    ValueKind kind = ValueKind::text;
+    std::vector<std::string_view> choices = {};
+    bool repeatable = false;
+};
+
+struct ArgumentSpec {
+    std::string_view name; // "MAIL"
+    std::string_view help;
+    ValueKind kind = ValueKind::text;
+    std::vector<std::string_view> choices = {};
+};
+
+struct CommandSpec {
+    std::string_view name; // "export", "accounts remove"
+    std::string_view summary;
+    std::string_view description;
+    std::vector<ArgumentSpec> arguments;
+    std::vector<OptionSpec> options;
+    std::vector<std::string_view> examples; // whole commands that run as they stand
+};
+
+std::span<const CommandSpec> commands();
+
+// Options that every command takes.
+std::span<const OptionSpec> globalOptions();
+
+const CommandSpec* findCommand(std::string_view name);
+
+// The command that a mistyped name is nearest to, if it is near enough.
+std::optional<std::string_view> nearestCommand(std::string_view name);
+
+} // namespace zelto::cli

@@ -1,0 +1,28 @@
+#include "Commands.h"
+
+#include <algorithm>
+
+namespace zelto::cli {
+
+namespace {
+
+struct CommandRow {
+    std::string_view name;
+    Outcome<Report> (*run)(const Invocation&, const Terminal&);
+};
+
+constexpr CommandRow rows[] = {
+    {"services", runServices}, {"connect", runConnect},
+    {"accounts", runAccounts}, {"accounts remove", runAccountsRemove},
+    {"config", runConfig},     {"preview", runPreview},
+    {"export", runExport},     {"completion", runCompletion},
+};
+
+} // namespace
+
+Outcome<Report> runCommand(const Invocation& invocation, const Terminal& terminal) {
+    const auto row = std::ranges::find(rows, invocation.command->name, &CommandRow::name);
+    return row->run(invocation, terminal);
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,45 @@
+#include "DeferredKeyChain.h"
+
+#include <TrovenhalCommon/KeyChain/FileKeyChainStore.h>
+#include <TrovenhalCommon/KeyChain/MemoryKeyChainStore.h>
+#include <TrovenhalCommon/KeyChain/SecretServiceKeyChainStore.h>
+
+#include <cstdlib>
+
+namespace zelto::cli {
+
+namespace {
+
+// Taken out of the environment, so that no program that is started gets to see it.
+std::optional<std::string> passphraseOfEnvironment() {
+    constexpr auto name = "ZELTO_KEYCHAIN_PASSPHRASE";
+    const char* const value = std::getenv(name);
+    if (!value) {
+        return std::nullopt;
+    }
+    std::string passphrase(value);
+    ::unsetenv(name);
+    return passphrase;
+}
+
+std::shared_ptr<LVXKeyChainStore> makeStore(const std::optional<std::string>& kind,
+                                            const std::filesystem::path& file) {
+    const auto passphrase = passphraseOfEnvironment();
+    if (kind == "memory") {
+        return std::make_shared<MemoryKeyChainStore>();
+    }
+    const bool ofSession = kind ? kind == "secret-service" : SecretServiceKeyChainStore::isOffered();
+    if (ofSession) {
+        return std::make_shared<SecretServiceKeyChainStore>();
+    }
+    return std::make_shared<FileKeyChainStore>(file, passphrase);
+}
+
+} // namespace
+
+LVXKeyChainStore& DeferredKeyChain::store() {
+    std::call_once(chosen_, [this] { store_ = makeStore(kind_, file_); });
+    return *store_;
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <Platform/JSON/JSONValue.h>
+#include <Platform/Result.h>
+
+#include <string>
+
+namespace zelto::cli {
+
+enum class ExitStatus : int { success = 0, failed = 1, wrongUsage = 2 };
+
+// What a command that worked has to say: members of the JSON document behind "result", and the text for
+// people.
+struct Report {
+    JSONObject members;
+    std::string text;
+    // The document as it stands, where the command prints one of its own whether JSON is asked for or not.
+    std::string document = {};
+};
+
+// Why a command did not work.
+struct Failure {
+    std::string name;    // the case's name
+    std::string message; // one plain sentence
+    std::string next;    // the command to try next; may be empty
+    ExitStatus status = ExitStatus::failed;
+};
+
+inline std::unexpected<Failure> wrongUsage(std::string message, std::string next = {}) {
+    return failure(Failure{"wrongUsage", std::move(message), std::move(next), ExitStatus::wrongUsage});
+}
+
+template <class T> using Outcome = Result<T, Failure>;
+
+} // namespace zelto::cli

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Terminal.h"
+
+#include <ZeltoIntegrations/ExportProgress.h>
+
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace zelto::cli {
+
+enum class ProgressStyle { bar, json, none };
+
+// Shows the progress of an export on standard error: a bar that is gone at the end, or {"progress":0.25}
+// lines.
+class ProgressReporter {
+  public:
+    ProgressReporter(ProgressStyle style, const Terminal& terminal) : style_(style), terminal_(terminal) {}
+
+    // Shows where the progress stands, and each step that follows.
+    void follow(const std::shared_ptr<ExportProgress>& progress) const;
+    void end() const;
+
+  private:
+    // Steps that have passed already are not shown: the first ones may come while follow is on its way.
+    void show(float fraction) const;
+
+    const ProgressStyle style_;
+    const Terminal terminal_;
+    mutable std::mutex lock_;
+    mutable float shown_ = -1;
+};
+
+} // namespace zelto::cli

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace zelto::cli {
+
+// What the two outputs of the process are connected to.
+struct Terminal {
+    bool outputIsTerminal = false;
+    bool errorIsTerminal = false;
+    bool usesColour = false; // on standard error
+
+    static Terminal ofThisProcess();
+
+    // Text that is not ours, as it is to be shown on standard output: on a terminal, control characters and
+    // the like are written as escapes. `shownLines` leaves line ends and tabs alone.
+    std::string shown(std::string_view text) const;
+    std::string shownLines(std::string_view text) const;
+};
+
+// False if the output refused it (a full disk, a closed pipe).
+bool writeOutput(std::string_view text);
+void writeError(std::string_view text);
+
+} // namespace zelto::cli

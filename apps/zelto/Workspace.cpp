@@ -1,0 +1,131 @@
+#include "Workspace.h"
+
+#include "DeferredKeyChain.h"
+#include "ServiceNames.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace zelto::cli {
+
+namespace {
+
+std::filesystem::path userDataDirectory() {
+    const char* const data = std::getenv("XDG_DATA_HOME");
+    if (data && *data == '/') {
+        return data;
+    }
+    const char* const home = std::getenv("HOME");
+    return std::filesystem::path(home && *home ? home : ".") / ".local" / "share";
+}
+
+std::string identifiersOf(const std::vector<ServiceAccountConfiguration>& accounts) {
+    std::string text;
+    for (const auto& account : accounts) {
+        text += (text.empty() ? "" : ", ") + account.identifier();
+    }
+    return text;
+}
+
+} // namespace
+
+std::filesystem::path dataDirectory(const Invocation& invocation) {
+    const auto given = invocation.value("--data-dir");
+    return given ? std::filesystem::path(*given) : userDataDirectory() / "zelto";
+}
+
+void installKeyChain(const Invocation& invocation) {
+    LVXKeyChainStoreFactory::setStore(std::make_shared<DeferredKeyChain>(
+        invocation.value("--keychain"), dataDirectory(invocation) / "keychain"));
+}
+
+Failure failureOf(const StorageError& error) {
+    return {std::string(nameOf(error.code)), error.message(), ""};
+}
+
+Failure failureOf(const IntegrationAccountCreationError& error) {
+    struct Sentence {
+        Failure operator()(const IntegrationAccountCreationError::AccountAlreadyExist& error) const {
+            return {"accountAlreadyExist",
+                    "The account " + error.account.identifier() + " is connected already.", "zelto accounts"};
+        }
+
+        Failure operator()(const IntegrationAccountCreationError::AccountMismatch& error) const {
+            return {"accountMismatch",
+                    "The sign-in was that of " + error.actualAccount.identifier() + ", not of " +
+                        error.requiredAccount.identifier() + ".",
+                    "zelto accounts"};
+        }
+
+        Failure operator()(const IntegrationAccountCreationError::DataLoadingError&) const {
+            return {"dataLoadingError", "The service did not tell what the account is.", "zelto services"};
+        }
+    };
+
+    return std::visit(Sentence(), error.value);
+}
+
+Outcome<Workspace> Workspace::open(const Invocation& invocation) {
+    auto storage = SQLiteAccountStorage::open(dataDirectory(invocation));
+    if (!storage) {
+        return failure(failureOf(storage.error()));
+    }
+    return Workspace(*std::move(storage));
+}
+
+Outcome<void> Workspace::storageOutcome() const {
+    const auto error = storage_->lastError();
+    if (error && error->code != StorageErrorCode::recordDamaged) {
+        return failure(failureOf(*error));
+    }
+    return {};
+}
+
+Outcome<ServiceAccountConfiguration> Workspace::account(const std::string& idOrService,
+                                                        IntegrationsManager& manager, bool mayConnect) const {
+    const auto stored = storage_->tryLoadConfigurations();
+    if (!stored) {
+        return failure(failureOf(stored.error()));
+    }
+    const auto isWanted = [&](const auto& account) { return account.identifier() == idOrService; };
+    if (const auto found = std::ranges::find_if(*stored, isWanted); found != stored->end()) {
+        return *found;
+    }
+    const auto type = serviceNamed(idOrService);
+    if (!type) {
+        return failure(Failure{"unknownAccount",
+                               "There is no account and no service \"" + idOrService + "\".",
+                               "zelto accounts"});
+    }
+    if (auto last = manager.lastUsedConfiguration(*type)) {
+        return *std::move(last);
+    }
+    std::vector<ServiceAccountConfiguration> ofType;
+    std::ranges::copy_if(*stored, std::back_inserter(ofType),
+                         [&](const auto& account) { return account.serviceType() == *type; });
+    if (ofType.size() == 1) {
+        return ofType.front();
+    }
+    if (!ofType.empty()) {
+        return failure(Failure{"ambiguousAccount",
+                               displayName(*type) + " has several accounts: " + identifiersOf(ofType) + ".",
+                               "zelto accounts"});
+    }
+    if (serviceAuthFlow(*type) != ServiceAuthFlow::installedApp) {
+        return failure(Failure{"unknownAccount", "No account of " + displayName(*type) + " is connected.",
+                               "zelto connect " + std::string(nameOf(*type))});
+    }
+    ServiceAccountConfiguration account(*type, std::nullopt, true);
+    if (!mayConnect) {
+        return account;
+    }
+    Outcome<ServiceAccountConfiguration> connected = account;
+    manager.trySaveServiceConfiguration(account, [&](const auto& result) {
+        if (!result) {
+            connected = failure(failureOf(result.error()));
+        }
+    });
+    return connected;
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <ZeltoHost/PDF/PDFConverter.h>
+#include <ZeltoIntegrations/IntegrationsPlatformInteractorProtocol.h>
+
+#include <ZeltoCommonLogger/LoggerClient.h>
+
+#include <functional>
+#include <memory>
+
+namespace zelto {
+
+// What a host does for the integrations, ready-made: PDF files by PDFConverter, dates by HostDateFormatter,
+// URLs by a function of the caller's choice, such as URLOpener's. Analytics events and news of accounts go to
+// the log, at the trace level. It has no clients for services that are reached through the platform. Any
+// thread.
+class HostPlatformInteractor : public IntegrationsPlatformInteractorProtocol, protected LoggerClient {
+  public:
+    using URLHandler = std::function<void(const URL&, Callback<bool>)>;
+
+    explicit HostPlatformInteractor(URLHandler openURL, PDFConverterOptions pdfOptions = {});
+
+    std::shared_ptr<EvernoteClient> evernoteClient(const ServiceAccountConfiguration& configuration) override;
+    std::shared_ptr<RemindersClient> remindersClient() override;
+    std::shared_ptr<IntegrationsDateFormatter> dateFormatter() override;
+    // Why a conversion failed is logged.
+    void convert(std::string html, std::filesystem::path toPdf, Callback<bool> completion) override;
+    void executeAction(URL url, Callback<bool> completion) override;
+    void postExportEvent(ServiceType service, IntegrationExportContentType exportType,
+                         const std::vector<std::string>& modifiedFields,
+                         const std::optional<std::string>& actionSource,
+                         const std::optional<std::string>& exportError) override;
+    void postImportEvent(ServiceType service, ImportActionType actionType,
+                         const std::optional<std::string>& actionSource,
+                         const std::optional<std::string>& importError) override;
+    void integrationServiceDidAdded(const ServiceAccountConfiguration& configuration) override;
+    void integrationServiceDidRemoved(const ServiceAccountConfiguration& configuration) override;
+
+  private:
+    const URLHandler openURL_;
+    const std::shared_ptr<IntegrationsDateFormatter> dateFormatter_;
+    PDFConverter pdfConverter_;
+};
+
+} // namespace zelto
