@@ -98,7 +98,7 @@ bool isPlain(std::string_view css) {
             return false;
         }
         if (quote != '\0') {
-            if (c == '\n' || c == '\r' || c == '\f') {
+            if (std::string_view("\n\r\f(){};").find(c) != npos) {
                 return false;
             }
             quote = c == quote ? '\0' : quote;

@@ -1,10 +1,9 @@
 #include <ZeltoHost/HTML/HTMLTreeInternal.h>
 
+#include <ZeltoHost/HTML/ASCII.h>
 #include <ZeltoHost/HTML/HTMLGuard.h>
 
 #include <Platform/UTF8.h>
-
-#include <algorithm>
 
 namespace zelto {
 
@@ -15,9 +14,13 @@ constexpr std::size_t bytesForAByte = 128;
 constexpr std::size_t bytesAtLeast = std::size_t{64} << 20;
 constexpr double cpuSecondsAtMost = 5;
 
+// Well-formed, and without the control characters that no text has a use for.
 std::string readable(std::string_view html) {
     auto text = isValidUTF8(html) ? std::string(html) : repairedUTF8(html);
-    std::ranges::replace(text, '\0', ' ');
+    std::erase_if(text, [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return (byte < 0x20 && !isHTMLSpace(c)) || byte == 0x7F;
+    });
     return text;
 }
 

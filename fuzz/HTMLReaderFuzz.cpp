@@ -1,0 +1,75 @@
+// HTML from a mail: whatever the bytes, every reader ends, what it gives is UTF-8, links are links, and
+// cleaned HTML holds nothing that loads.
+
+#include <ZeltoHost/HTML/ASCII.h>
+#include <ZeltoHost/HTML/CleanedHTML.h>
+#include <ZeltoHost/HTML/ENML.h>
+#include <ZeltoHost/HTML/FormattedComponents.h>
+#include <ZeltoHost/HTML/HTMLGuard.h>
+#include <ZeltoHost/HTML/PlainText.h>
+
+#include <Platform/UTF8.h>
+
+#include "../tests/ZeltoHost/HTML/LoadingMarkup.h"
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+using namespace zelto;
+
+namespace {
+
+void require(bool holds, const char* what, const std::string& text) {
+    if (!holds) {
+        std::fprintf(stderr, "%s:\n%s\n", what, text.c_str());
+        std::abort();
+    }
+}
+
+void checkCleaned(std::string_view html) {
+    const auto cleaned =
+        cleanedHTML(html, {.header = std::string(html.substr(0, 16)), .title = std::string(html)});
+    require(isValidUTF8(cleaned), "cleaned HTML is not UTF-8", cleaned);
+    require(loadingMarkup(cleaned).empty(), "cleaned HTML loads", cleaned);
+    const auto again = cleanedHTML(cleaned);
+    require(loadingMarkup(again).empty(), "HTML cleaned twice loads", again);
+}
+
+void checkComponents(std::string_view html) {
+    for (const auto& component : formattedComponentsFromHTML(html)) {
+        const auto& parts = std::visit(
+            [](const auto& value) -> const auto& { return value.parts; }, component.value);
+        require(!parts.empty(), "a component has no parts", std::string(html));
+        for (const auto& part : parts) {
+            require(!part.value.empty() && isValidUTF8(part.value), "a part is not text", part.value);
+            require(!part.link || URL::parse(part.link->absoluteString()), "a link is no URL", part.value);
+        }
+    }
+}
+
+void checkENML(std::string_view html) {
+    const auto enml =
+        enmlFromHTML(html, {.mediaForImage = [](std::string_view source) {
+                         return source.empty() ? std::nullopt : std::optional(EnmlMedia{"0", "image/png"});
+                     }});
+    require(isValidUTF8(enml), "ENML is not UTF-8", enml);
+    for (const char c : enml) {
+        const auto byte = static_cast<unsigned char>(c);
+        require(byte >= 0x20 || isHTMLSpace(c), "ENML holds a control character", enml);
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view html(reinterpret_cast<const char*>(data), size);
+    const auto text = plainTextFromHTML(html);
+    require(isValidUTF8(text), "plain text is not UTF-8", text);
+    const auto guarded = guardedHTML(html);
+    require(!guarded || guarded->size() <= html.size() + 2 * size, "the guard adds", std::string(html));
+    checkComponents(html);
+    checkCleaned(html);
+    checkENML(html);
+    return 0;
+}

@@ -1,0 +1,152 @@
+#include <ZeltoHost/HTML/CleanedHTML.h>
+
+#include <Platform/UTF8.h>
+
+#include "LoadingMarkup.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace zelto {
+namespace {
+
+std::string bodyOf(std::string_view html, const CleanedHTMLOptions& options = {}) {
+    const auto cleaned = cleanedHTML(html, options);
+    const auto begin = cleaned.find('>', cleaned.find("<body")) + 2;
+    return cleaned.substr(begin, cleaned.rfind("\n</body>") - begin);
+}
+
+constexpr std::string_view pixel = "data:image/gif;base64,R0lGODlhAQABAAAAACw=";
+
+std::vector<std::string> payloads() {
+    std::ifstream file(std::string(ZELTO_SOURCE_DIR) + "/tests/ZeltoHost/HTML/LoadingPayloads.txt");
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) {
+        if (!line.empty()) {
+            lines.push_back(line);
+        }
+    }
+    return lines;
+}
+
+TEST(CleanedHTML, NoPayloadLoadsOrRunsAnything) {
+    const auto all = payloads();
+    ASSERT_GE(all.size(), 80U);
+    for (const auto& payload : all) {
+        const auto cleaned = cleanedHTML("<p>before</p>" + payload);
+        EXPECT_EQ(loadingMarkup(cleaned), "") << payload << "\n" << cleaned;
+        EXPECT_EQ(loadingMarkup(cleanedHTML(cleaned)), "") << payload;
+    }
+}
+
+TEST(CleanedHTML, TheCheckOfTheseTestsSeesWhatLoads) {
+    for (const std::string_view html :
+         {"<script>x</script>", "<img src=http://a/>", "<p onclick=x>", "<p style='background:url(x)'>",
+          "<style>@import 'x'</style>", "<a href='javascript:x'>", "<body background=x>", "<link href=x>"}) {
+        EXPECT_NE(loadingMarkup(html), "") << html;
+    }
+}
+
+TEST(CleanedHTML, ADocumentTellsItsCharacterSetAndTitle) {
+    EXPECT_EQ(cleanedHTML("<title> A &amp; B</title><meta charset=latin1><p>x"),
+              "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>A &amp; B</title>\n</head>\n"
+              "<body>\n<p>x</p>\n</body>\n</html>\n");
+}
+
+TEST(CleanedHTML, WhatShowsStays) {
+    EXPECT_EQ(
+        bodyOf("<table bgcolor=red><tr><td align=center style='color:blue;width:calc(1px + 2px)'>x</table>"),
+        "<table bgcolor=\"red\"><tbody><tr><td align=\"center\" style=\"color:blue;width:calc(1px + "
+        "2px)\">x</td></tr></tbody></table>");
+    EXPECT_EQ(bodyOf("<a href='https://a.example/?a=1&b=2'>x</a>"),
+              "<a href=\"https://a.example/?a=1&amp;b=2\">x</a>");
+    EXPECT_EQ(bodyOf("<a href='#part'>x</a><p id=part>y"), "<a href=\"#part\">x</a><p id=\"part\">y</p>");
+    EXPECT_EQ(bodyOf("<o:p>kept</o:p><form action=x>too</form>"), "kepttoo");
+}
+
+TEST(CleanedHTML, ABodyKeepsItsColours) {
+    EXPECT_NE(
+        cleanedHTML("<body bgcolor='#fff' background=http://a/ onload=x>t").find("<body bgcolor=\"#fff\">"),
+        std::string::npos);
+}
+
+TEST(CleanedHTML, StyleSheetsStayWithoutWhatLoads) {
+    const auto cleaned =
+        cleanedHTML("<style>/* c */ p.a > b { color: red; background: url(x) }\n@import 'x';\n"
+                    "@media screen and (max-width: 600px) { p { margin: 0 } }\n"
+                    "@font-face { font-family: f; src: url(x) } q { content: url(x) }</style>");
+    EXPECT_NE(cleaned.find("<style>\np.a > b{color:red}\n@media screen and (max-width: "
+                           "600px){p{margin:0}\n}\n</style>"),
+              std::string::npos)
+        << cleaned;
+}
+
+TEST(CleanedHTML, StyleSheetsOfTheBodyAreKeptToo) {
+    EXPECT_NE(cleanedHTML("<p>x<style media=print>p{color:red}</style>").find("@media print{p{color:red}"),
+              std::string::npos);
+}
+
+TEST(CleanedHTML, RasterImagesInDataAddressesStay) {
+    EXPECT_EQ(bodyOf("<img alt=a width=3 src='" + std::string(pixel) + "'>"),
+              "<img src=\"" + std::string(pixel) + "\" alt=\"a\" width=\"3\">");
+}
+
+TEST(CleanedHTML, AnyOtherImageLeavesItsAlternativeText) {
+    EXPECT_EQ(bodyOf("<img src=http://a/ alt='a < b'><img src='data:image/svg+xml,x'><img src=cid:1 alt=c>"),
+              "a &lt; bc");
+}
+
+TEST(CleanedHTML, AnImageOfTheMailIsPutInWhereItStands) {
+    CleanedHTMLOptions options;
+    options.imageSource = [](std::string_view source) -> std::optional<std::string> {
+        return source == "cid:1" ? std::optional(std::string(pixel)) : std::nullopt;
+    };
+    EXPECT_EQ(bodyOf("<img src=cid:1><img src=cid:2 alt=two>", options),
+              "<img src=\"" + std::string(pixel) + "\">two");
+}
+
+TEST(CleanedHTML, AnAddressThatLoadsIsRefusedFromTheCallerToo) {
+    CleanedHTMLOptions options;
+    options.imageSource = [](std::string_view) { return "http://a.example/"; };
+    EXPECT_EQ(bodyOf("<img src=cid:1 alt=text>", options), "text");
+}
+
+TEST(CleanedHTML, ImagesAndLinksAreLeftOutWhenAsked) {
+    EXPECT_EQ(bodyOf("<a href=https://a.example>x</a><img alt=y src='" + std::string(pixel) + "'>",
+                     {.images = false, .links = false}),
+              "<a>x</a>y");
+}
+
+TEST(CleanedHTML, AHeaderAndAFooterAreCleanedLikeTheRest) {
+    EXPECT_EQ(bodyOf("<p>b", {.header = "<p onclick=x>h", .footer = "<script>x</script>f"}),
+              "<p>h</p><p>b</p>f");
+}
+
+TEST(CleanedHTML, ATitleIsPlainText) {
+    EXPECT_NE(
+        cleanedHTML("x", {.title = "</title><script>"}).find("<title>&lt;/title&gt;&lt;script&gt;</title>"),
+        std::string::npos);
+}
+
+TEST(CleanedHTML, HugeSpansAreCut) {
+    EXPECT_EQ(bodyOf("<table><tr><td colspan=2147483647 rowspan=99999999999999999999>x</table>"),
+              "<table><tbody><tr><td colspan=\"100\" rowspan=\"100\">x</td></tr></tbody></table>");
+}
+
+TEST(CleanedHTML, PreformattedTextKeepsItsFirstLineEnd) {
+    EXPECT_EQ(bodyOf("<pre>\n\nx</pre>"), "<pre>\n\nx</pre>");
+    EXPECT_EQ(bodyOf(bodyOf("<pre>\n\nx</pre>")), "<pre>\n\nx</pre>");
+}
+
+TEST(CleanedHTML, HiddenElementsDoNotTurnUp) {
+    EXPECT_EQ(bodyOf("<p hidden>x</p><svg><text>y</text></svg><template>z</template>"), "");
+}
+
+TEST(CleanedHTML, BytesThatAreNotUTF8BecomeReplacementCharacters) {
+    const auto cleaned = cleanedHTML("a\xFF\xC0\x80<b title='\xED\xA0\x80'>\0c</b>");
+    EXPECT_TRUE(isValidUTF8(cleaned));
+}
+
+} // namespace
+} // namespace zelto
