@@ -1,6 +1,6 @@
 # How every target is built: language level, warnings, sanitizers, and the three functions that declare targets.
 
-option(ZELTO_TESTS "Build the tests" ON)
+option(ZELTO_TESTS "Build the tests" ${PROJECT_IS_TOP_LEVEL})
 option(ZELTO_BENCH "Build the benchmarks" OFF)
 option(ZELTO_FUZZ "Build the fuzz targets (Clang)" OFF)
 set(ZELTO_SANITIZE "" CACHE STRING "Sanitizers, as -fsanitize takes them")
@@ -16,10 +16,10 @@ add_library(zelto_options INTERFACE)
 target_compile_options(zelto_options INTERFACE -Wall -Wextra -Wpedantic -Werror -Wnon-virtual-dtor
                                                -Wno-missing-field-initializers)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-  target_compile_options(zelto_options INTERFACE -Wshadow=local)
   # GCC 12 reports false positives from inlined library code at -O2 and above.
-  target_compile_options(zelto_options INTERFACE -Wshadow=local -Wno-maybe-uninitialized -Wno-stringop-overflow -Wno-restrict
-                                                 -Wno-array-bounds -Wno-dangling-pointer -Wno-free-nonheap-object)
+  target_compile_options(zelto_options INTERFACE -Wshadow=local -Wno-maybe-uninitialized -Wno-stringop-overflow
+                                                 -Wno-restrict -Wno-array-bounds -Wno-dangling-pointer
+                                                 -Wno-free-nonheap-object)
 else()
   target_compile_options(zelto_options INTERFACE -Wshadow)
 endif()
@@ -46,31 +46,31 @@ endif()
 # A static library of all sources below a folder of src/. Adding a file needs no edit here.
 function(zelto_library name)
   cmake_parse_arguments(ARG "" "FOLDER;EXCLUDE" "PUBLIC;PRIVATE" ${ARGN})
-  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/src/${ARG_FOLDER}/*.cpp")
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/src/${ARG_FOLDER}/*.cpp")
   if(ARG_EXCLUDE)
     list(FILTER sources EXCLUDE REGEX "${ARG_EXCLUDE}")
   endif()
   if(NOT sources)
     add_library(${name} INTERFACE)
-    target_include_directories(${name} INTERFACE "${CMAKE_SOURCE_DIR}/src")
+    target_include_directories(${name} INTERFACE "${PROJECT_SOURCE_DIR}/src")
     target_link_libraries(${name} INTERFACE ${ARG_PUBLIC})
     return()
   endif()
   add_library(${name} STATIC ${sources})
-  target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${CMAKE_SOURCE_DIR}/src>" "$<INSTALL_INTERFACE:include>")
+  target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>" "$<INSTALL_INTERFACE:include>")
   target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE zelto_options ${ARG_PRIVATE})
 endfunction()
 
 # zelto_tests(FOLDER libs...): the program <FOLDER>Tests of all sources below tests/<FOLDER>.
 function(zelto_tests folder)
-  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/tests/${folder}/*.cpp")
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${folder}/*.cpp")
   if(NOT sources)
     return()
   endif()
   add_executable(${folder}Tests ${sources})
-  target_include_directories(${folder}Tests PRIVATE "${CMAKE_SOURCE_DIR}/tests")
+  target_include_directories(${folder}Tests PRIVATE "${PROJECT_SOURCE_DIR}/tests")
   target_link_libraries(${folder}Tests PRIVATE zelto_options zelto_test_main ${ARGN})
-  target_compile_definitions(${folder}Tests PRIVATE ZELTO_SOURCE_DIR="${CMAKE_SOURCE_DIR}"
+  target_compile_definitions(${folder}Tests PRIVATE ZELTO_SOURCE_DIR="${PROJECT_SOURCE_DIR}"
                                                     ZELTO_BINARY_DIR="${CMAKE_BINARY_DIR}")
   target_precompile_headers(${folder}Tests PRIVATE <gtest/gtest.h> <string> <vector> <map> <optional> <memory>
                             <functional>)
@@ -79,7 +79,7 @@ endfunction()
 
 # zelto_programs(FOLDER libs...): one program a source file of bench/ or fuzz/, named after the file.
 function(zelto_programs folder)
-  file(GLOB sources CONFIGURE_DEPENDS "${CMAKE_SOURCE_DIR}/${folder}/*.cpp")
+  file(GLOB sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/${folder}/*.cpp")
   foreach(source IN LISTS sources)
     get_filename_component(name "${source}" NAME_WE)
     add_executable(${name} "${source}")
