@@ -2,10 +2,13 @@
 
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
+#include <unicode/normalizer2.h>
 #include <unicode/stringoptions.h>
 #include <unicode/translit.h>
+#include <unicode/uchar.h>
 #include <unicode/unistr.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 #include <memory>
@@ -18,34 +21,46 @@ namespace {
 // ICU counts in 32 bits, and a transform may make the text longer.
 constexpr std::size_t longestText = std::numeric_limits<std::int32_t>::max() / 8;
 
+bool isASCII(std::string_view text) {
+    return std::ranges::none_of(text, [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
+}
+
+std::optional<icu::UnicodeString> unitsOf(std::string_view text) {
+    if (text.size() > longestText || !isValidUTF8(text)) {
+        return std::nullopt;
+    }
+    return icu::UnicodeString::fromUTF8(
+        icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
+}
+
+std::optional<std::string> textOf(const icu::UnicodeString& units) {
+    if (units.isBogus()) {
+        return std::nullopt;
+    }
+    std::string text;
+    units.toUTF8String(text);
+    return text;
+}
+
 // Made when first needed: loading the rules takes some milliseconds. ICU does not promise that one object may
 // work on several threads, hence the lock.
-class Transform {
+class LatinTransform {
   public:
-    explicit Transform(const char* rules) {
+    LatinTransform() {
         UErrorCode status = U_ZERO_ERROR;
-        transliterator_.reset(icu::Transliterator::createInstance(rules, UTRANS_FORWARD, status));
+        transliterator_.reset(icu::Transliterator::createInstance("Any-Latin", UTRANS_FORWARD, status));
         if (U_FAILURE(status)) {
             transliterator_.reset();
         }
     }
 
-    std::optional<std::string> operator()(std::string_view text) {
-        if (!transliterator_ || text.size() > longestText || !isValidUTF8(text)) {
-            return std::nullopt;
+    bool apply(icu::UnicodeString& units) {
+        if (!transliterator_) {
+            return false;
         }
-        auto units = icu::UnicodeString::fromUTF8(
-            icu::StringPiece(text.data(), static_cast<std::int32_t>(text.size())));
-        {
-            const std::lock_guard lock(mutex_);
-            transliterator_->transliterate(units);
-        }
-        if (units.isBogus()) {
-            return std::nullopt;
-        }
-        std::string result;
-        units.toUTF8String(result);
-        return result;
+        const std::lock_guard lock(mutex_);
+        transliterator_->transliterate(units);
+        return true;
     }
 
   private:
@@ -53,16 +68,42 @@ class Transform {
     std::unique_ptr<icu::Transliterator> transliterator_;
 };
 
+icu::UnicodeString withoutNonspacingMarks(const icu::UnicodeString& units) {
+    icu::UnicodeString kept;
+    for (std::int32_t index = 0; index < units.length(); index = units.moveIndex32(index, 1)) {
+        const auto codePoint = units.char32At(index);
+        if (u_charType(codePoint) != U_NON_SPACING_MARK) {
+            kept.append(codePoint);
+        }
+    }
+    return kept;
+}
+
 } // namespace
 
 std::optional<std::string> toLatin(std::string_view text) {
-    static Transform transform("Any-Latin");
-    return transform(text);
+    if (isASCII(text)) {
+        return std::string(text);
+    }
+    static LatinTransform transform;
+    auto units = unitsOf(text);
+    return units && transform.apply(*units) ? textOf(*units) : std::nullopt;
 }
 
 std::optional<std::string> strippingDiacritics(std::string_view text) {
-    static Transform transform("NFD; [:Nonspacing Mark:] Remove; NFC");
-    return transform(text);
+    if (isASCII(text)) {
+        return std::string(text);
+    }
+    const auto units = unitsOf(text);
+    UErrorCode status = U_ZERO_ERROR;
+    const auto* decomposer = icu::Normalizer2::getNFDInstance(status);
+    const auto* composer = icu::Normalizer2::getNFCInstance(status);
+    if (!units || U_FAILURE(status)) {
+        return std::nullopt;
+    }
+    const auto bare =
+        composer->normalize(withoutNonspacingMarks(decomposer->normalize(*units, status)), status);
+    return U_SUCCESS(status) ? textOf(bare) : std::nullopt;
 }
 
 std::string foldedCase(std::string_view text) {
