@@ -70,11 +70,11 @@ std::optional<std::string> MessageLinks::written(const IntegrationLinkType& type
     return link ? std::optional(writtenLink(*link, type.format())) : std::nullopt;
 }
 
-std::string MessageLinks::appended(std::string text, const std::optional<IntegrationLinkType>& type) const {
+std::string MessageLinks::appended(std::string body, const std::optional<IntegrationLinkType>& type) const {
     if (const auto link = type ? written(*type) : std::nullopt) {
-        text.append(text.empty() ? "" : "\n\n").append(*link);
+        body.append(body.empty() ? "" : "\n\n").append(*link);
     }
-    return text;
+    return body;
 }
 
 MessageLinks linksToMail(const std::optional<std::string>& messageID) {

@@ -19,8 +19,8 @@ struct MessageLinks {
     std::optional<IntegrationLinkComponents> components(const IntegrationLinkType& type) const;
     // The link in the type's format.
     std::optional<std::string> written(const IntegrationLinkType& type) const;
-    // The text, a blank line and the written link, as far as there are such.
-    std::string appended(std::string text, const std::optional<IntegrationLinkType>& type) const;
+    // The body, a blank line and the written link, as far as there are such.
+    std::string appended(std::string body, const std::optional<IntegrationLinkType>& type) const;
 };
 
 // The three backlinks to the mail with that Message-ID (without angle brackets), which the user's mail client
