@@ -67,8 +67,9 @@ template <class... Args> class Callback {
         function(std::forward<Args>(args)...);
     }
 
-    // For the few that are never called on purpose.
+    // For the few that are never called on purpose; what the function holds is abandoned with it.
     void abandon() noexcept {
+        const CallbackGuard::Abandonment abandonment;
         function_ = nullptr;
     }
 
