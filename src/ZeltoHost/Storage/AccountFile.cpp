@@ -171,6 +171,16 @@ Nothing checkContent(SQLiteConnection& connection) {
     return {};
 }
 
+Nothing checkTables(SQLiteConnection& connection) {
+    for (const auto* sql : {"SELECT position, identity, identifier, record FROM accounts",
+                            "SELECT service_type, identity, record FROM last_used"}) {
+        if (const auto statement = connection.prepare(sql); !statement) {
+            return failure(statement.error());
+        }
+    }
+    return {};
+}
+
 } // namespace
 
 Result<std::unique_ptr<SQLiteConnection>, StorageError> openAccountFile(const path& directory) {
@@ -195,6 +205,9 @@ Result<std::unique_ptr<SQLiteConnection>, StorageError> openAccountFile(const pa
     }
     if (done) {
         done = migrate(database, accountSchemaSteps());
+    }
+    if (done) {
+        done = checkTables(database);
     }
     if (!done) {
         return failure(done.error());
