@@ -7,6 +7,8 @@
 #include <ZeltoHost/HTML/MarkupEscape.h>
 #include <ZeltoHost/HTML/MarkupWriterInternal.h>
 
+#include <Platform/UTF8.h>
+
 #include <algorithm>
 #include <array>
 #include <utility>
@@ -54,7 +56,7 @@ class CleanedHTMLWriter final : public MarkupWriter {
     std::string finish() {
         auto body = takeMarkup();
         std::string html = "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>";
-        appendEscaped(html, options_.title.empty() ? title_ : options_.title, Quotes::keep);
+        appendEscaped(html, options_.title.empty() ? title_ : repairedUTF8(options_.title), Quotes::keep);
         html += "</title>\n";
         if (!styles_.empty()) {
             html += "<style>\n" + styles_ + "</style>\n";

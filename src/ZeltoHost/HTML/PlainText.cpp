@@ -4,6 +4,7 @@
 #include <ZeltoHost/HTML/TextFlow.h>
 
 #include <Platform/Text.h>
+#include <Platform/UTF8.h>
 
 #include <algorithm>
 
@@ -120,7 +121,7 @@ constexpr std::string_view noBreakSpace = "\u00A0";
 std::string htmlEscaped(std::string_view text) {
     std::string escaped;
     escaped.reserve(text.size());
-    appendEscaped(escaped, text, Quotes::escape);
+    appendEscaped(escaped, repairedUTF8(text), Quotes::escape);
     return escaped;
 }
 

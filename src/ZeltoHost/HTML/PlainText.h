@@ -20,7 +20,7 @@ std::string plainTextFromHTML(std::string_view html, const PlainTextOptions& opt
 std::string htmlFromPlainText(std::string_view text);
 
 // Text for an HTML text or a quoted attribute: &, <, >, " and ' as entities, and what HTML cannot hold (NUL
-// and other controls) left out.
+// and other controls) left out. Ill-formed UTF-8 becomes U+FFFD.
 std::string htmlEscaped(std::string_view text);
 
 } // namespace zelto

@@ -129,6 +129,10 @@ TEST(CleanedHTML, ATitleIsPlainText) {
         std::string::npos);
 }
 
+TEST(CleanedHTML, ATitleThatIsNotUTF8IsRepaired) {
+    EXPECT_NE(cleanedHTML("x", {.title = "a\xFF"}).find("<title>a\uFFFD</title>"), std::string::npos);
+}
+
 TEST(CleanedHTML, HugeSpansAreCut) {
     EXPECT_EQ(bodyOf("<table><tr><td colspan=2147483647 rowspan=99999999999999999999>x</table>"),
               "<table><tbody><tr><td colspan=\"100\" rowspan=\"100\">x</td></tr></tbody></table>");
