@@ -87,6 +87,7 @@ bool isSound(const ProcessRequest& request) {
            (!request.environment || std::ranges::none_of(*request.environment, holdsNul));
 }
 
+// They point into the texts.
 std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
     std::vector<char*> pointers;
     pointers.reserve(texts.size() + 1);
@@ -131,7 +132,7 @@ Result<ChildProcess, std::error_code> ChildProcess::start(const ProcessRequest& 
         return failure(std::make_error_code(std::errc::too_many_files_open));
     }
     const auto arguments = pointersTo(request.arguments);
-    const auto environment = pointersTo(request.environment.value_or(std::vector<std::string>()));
+    const auto environment = request.environment ? pointersTo(*request.environment) : std::vector<char*>();
     const bool keeps = request.keptOutput > 0;
     const ChildSetup setup{
         .arguments = arguments.data(),

@@ -233,6 +233,16 @@ TEST(Process, TheProgramLeadsItsOwnGroup) {
     EXPECT_EQ(pid, group);
 }
 
+TEST(Process, EnvironmentMayHoldLongValues) {
+    std::vector<std::string> environment;
+    std::string expected;
+    for (char name = 'A'; name <= 'Z'; ++name) {
+        environment.push_back(std::string(1, name) + "=" + std::string(1000, name));
+        expected += environment.back() + "\n";
+    }
+    EXPECT_EQ(runProcess({.arguments = {"/usr/bin/env"}, .environment = environment}).output, expected);
+}
+
 TEST(Process, EnvironmentAndFolderAreTheGivenOnes) {
     EXPECT_EQ(
         runProcess({.arguments = {"/usr/bin/env"}, .environment = std::vector<std::string>{"A=1", "B=x y"}})
