@@ -70,11 +70,12 @@ Outcome<Report> runConnect(const Invocation& invocation, const Terminal& termina
     Report report;
     report.members.set("account", described(*connected, false));
     report.text = "Connected " + terminal.shown(connected->identifier()) + ".\n";
+    report.isNotice = true;
     return report;
 }
 
 Outcome<Report> runAccounts(const Invocation& invocation, const Terminal& terminal) {
-    const auto workspace = Workspace::open(invocation);
+    const auto workspace = Workspace::open(invocation, true);
     if (!workspace) {
         return failure(workspace.error());
     }
@@ -94,6 +95,7 @@ Outcome<Report> runAccounts(const Invocation& invocation, const Terminal& termin
     }
     if (accounts->empty()) {
         report.text = "No account is connected yet. Try: zelto connect bear\n";
+        report.isNotice = true;
     }
     report.members.set("accounts", std::move(described_));
     return report;
@@ -120,6 +122,7 @@ Outcome<Report> runAccountsRemove(const Invocation& invocation, const Terminal& 
     Report report;
     report.members.set("removed", identifier);
     report.text = "Removed " + terminal.shown(identifier) + ".\n";
+    report.isNotice = true;
     return report;
 }
 

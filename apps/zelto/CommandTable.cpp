@@ -110,21 +110,6 @@ const std::vector<OptionSpec> global = {
     {"--version", "", "Show the version"},
 };
 
-// Edits that turn one text into the other.
-std::size_t distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), 0);
-    for (std::size_t i = 1; i <= a.size(); ++i) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t j = 1; j <= b.size(); ++j) {
-            const auto above = row[j];
-            row[j] = std::min({above + 1, row[j - 1] + 1, diagonal + (a[i - 1] == b[j - 1] ? 0 : 1)});
-            diagonal = above;
-        }
-    }
-    return row.back();
-}
-
 } // namespace
 
 std::span<const CommandSpec> commands() {
@@ -140,13 +125,22 @@ const CommandSpec* findCommand(std::string_view name) {
     return found == table.end() ? nullptr : &*found;
 }
 
-std::optional<std::string_view> nearestCommand(std::string_view name) {
-    if (name.size() > 40) {
-        return std::nullopt;
+std::size_t editDistance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), 0);
+    for (std::size_t i = 1; i <= a.size(); ++i) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t j = 1; j <= b.size(); ++j) {
+            const auto above = row[j];
+            row[j] = std::min({above + 1, row[j - 1] + 1, diagonal + (a[i - 1] == b[j - 1] ? 0 : 1)});
+            diagonal = above;
+        }
     }
-    const auto nearest = std::ranges::min_element(
-        table, {}, [&](const CommandSpec& command) { return distance(command.name, name); });
-    return distance(nearest->name, name) <= 2 ? std::optional(nearest->name) : std::nullopt;
+    return row.back();
+}
+
+std::optional<std::string_view> nearestCommand(std::string_view name) {
+    return nearestName(name, table, &CommandSpec::name);
 }
 
 } // namespace zelto::cli

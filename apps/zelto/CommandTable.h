@@ -44,7 +44,26 @@ std::span<const OptionSpec> globalOptions();
 
 const CommandSpec* findCommand(std::string_view name);
 
-// The command that a mistyped name is nearest to, if it is near enough.
+// Edits that turn one text into the other.
+std::size_t editDistance(std::string_view a, std::string_view b);
+
+// The name that a mistyped one is nearest to, if it is near enough.
+std::optional<std::string_view> nearestName(std::string_view name, const auto& range, auto member) {
+    constexpr std::size_t longestName = 40;
+    constexpr std::size_t largestDistance = 2;
+    std::optional<std::string_view> nearest;
+    auto least = largestDistance + 1;
+    if (name.size() <= longestName) {
+        for (const auto& each : range) {
+            if (const auto distance = editDistance(each.*member, name); distance < least) {
+                least = distance;
+                nearest = each.*member;
+            }
+        }
+    }
+    return nearest;
+}
+
 std::optional<std::string_view> nearestCommand(std::string_view name);
 
 } // namespace zelto::cli

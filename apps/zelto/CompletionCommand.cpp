@@ -4,7 +4,8 @@
 namespace zelto::cli {
 
 Outcome<Report> runCompletion(const Invocation& invocation, const Terminal&) {
-    return Report{{}, {}, completionsFor(invocation.value("SHELL").value())};
+    auto script = completionsFor(invocation.value("SHELL").value());
+    return Report{{{"script", script}}, std::move(script)};
 }
 
 } // namespace zelto::cli

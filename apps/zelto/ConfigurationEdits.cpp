@@ -3,6 +3,7 @@
 #include <Platform/FileManager.h>
 #include <Platform/ISO8601.h>
 #include <Platform/JSON/JSONValue.h>
+#include <Platform/Text.h>
 
 #include <algorithm>
 
@@ -28,8 +29,9 @@ std::vector<std::string> splitTags(const std::string& text) {
     std::vector<std::string> tags;
     for (std::size_t start = 0; start <= text.size();) {
         const auto end = std::min(text.find(',', start), text.size());
-        if (end > start) {
-            tags.push_back(text.substr(start, end - start));
+        // A blank behind a comma belongs to no tag.
+        if (const auto tag = trimmed(std::string_view(text).substr(start, end - start)); !tag.empty()) {
+            tags.emplace_back(tag);
         }
         start = end + 1;
     }

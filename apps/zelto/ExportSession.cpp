@@ -113,14 +113,17 @@ bool canExport(ServiceType type) {
     return std::ranges::find(rows, type, &SessionRow::type) != std::end(rows);
 }
 
+Failure cannotExport(ServiceType type) {
+    return {"unsupportedService", "This version cannot export to " + displayName(type) + ".",
+            "zelto services"};
+}
+
 Outcome<std::unique_ptr<ExportSession>>
 openExportSession(IntegrationsManager& manager, const ServiceAccountConfiguration& account,
                   std::shared_ptr<IntegrationsDataInteractorProtocol> message) {
     const auto row = std::ranges::find(rows, account.serviceType(), &SessionRow::type);
     if (row == std::end(rows)) {
-        return failure(Failure{"unsupportedService",
-                               "This version cannot export to " + displayName(account.serviceType()) + ".",
-                               "zelto services"});
+        return failure(cannotExport(account.serviceType()));
     }
     return row->open(manager, account, std::move(message));
 }

@@ -33,6 +33,7 @@ class ExportSession {
 
 // Whether the program can export to the service, and a session that does.
 bool canExport(ServiceType type);
+Failure cannotExport(ServiceType type);
 Outcome<std::unique_ptr<ExportSession>>
 openExportSession(IntegrationsManager& manager, const ServiceAccountConfiguration& account,
                   std::shared_ptr<IntegrationsDataInteractorProtocol> message);

@@ -1,5 +1,6 @@
 #include "Commands.h"
 #include "HelpText.h"
+#include "InvocationCheck.h"
 #include "Workspace.h"
 
 #include <ZeltoCommonLogger/StandardErrorLog.h>
@@ -20,8 +21,6 @@ namespace zelto::cli {
 
 namespace {
 
-constexpr auto versionLine = "zelto " ZELTO_VERSION "\n";
-
 // Secrets must not end in a core file, nor be read by another process of the user.
 void guardMemory() {
     const rlimit none{0, 0};
@@ -29,21 +28,26 @@ void guardMemory() {
     ::prctl(PR_SET_DUMPABLE, 0);
 }
 
-// Wrong usage too is told as JSON, so this cannot wait for the parser.
+// For wrong usage, which is told as JSON too.
 bool wantsJSON(const std::vector<std::string>& arguments) {
-    return std::ranges::find(arguments, "--json") != arguments.end();
+    const auto end = std::ranges::find(arguments, "--");
+    return std::find(arguments.begin(), end, "--json") != end;
 }
 
 std::string jsonLine(JSONObject document) {
     const auto text = JSONValue(std::move(document)).text();
-    return text ? *text + "\n"
+    return text ? terminalSafeJSON(*text) + "\n"
                 : R"({"error":"internalError","message":"The result is no JSON."})"
                   "\n";
 }
 
-// Texts in a failure may come from a file or a service.
-std::string cleanText(const std::string& text) {
-    return repairedUTF8(text);
+// Texts in a failure may come from a file or a service. What is wrong is told in a whole sentence.
+std::string sentence(std::string_view text) {
+    auto clean = repairedUTF8(text);
+    if (!clean.ends_with('.') && !clean.ends_with('?')) {
+        clean += '.';
+    }
+    return clean;
 }
 
 int finish(std::string_view output, ExitStatus status) {
@@ -55,29 +59,21 @@ int finish(std::string_view output, ExitStatus status) {
 }
 
 int report(const Failure& failure, bool asJSON, const Terminal& terminal) {
+    const auto message = sentence(failure.message);
     if (asJSON) {
-        JSONObject document;
-        document.set("error", failure.name);
-        document.set("message", cleanText(failure.message));
-        if (!failure.next.empty()) {
-            document.set("next", cleanText(failure.next));
-        }
-        return finish(jsonLine(std::move(document)), failure.status);
+        return finish(
+            jsonLine({{"error", failure.name}, {"message", message}, {"next", repairedUTF8(failure.next)}}),
+            failure.status);
     }
     const std::string head = terminal.usesColour ? "\x1b[31mzelto:\x1b[0m " : "zelto: ";
-    writeError(head + failure.name + ": " + escapeControlCharacters(failure.message) + "\n");
-    if (!failure.next.empty()) {
-        writeError("Try: " + escapeControlCharacters(failure.next) + "\n");
-    }
+    writeError(head + failure.name + ": " + escapeControlCharacters(message) +
+               "\nTry: " + escapeControlCharacters(failure.next) + "\n");
     return static_cast<int>(failure.status);
 }
 
-int report(Report report, bool asJSON) {
-    if (!report.document.empty()) {
-        return finish(report.document, ExitStatus::success);
-    }
+int report(const Report& report, bool asJSON, bool isQuiet) {
     if (!asJSON) {
-        return finish(report.text, ExitStatus::success);
+        return finish(report.isNotice && isQuiet ? std::string() : report.text, ExitStatus::success);
     }
     JSONObject document{{"result", "success"}};
     for (const auto& [key, value] : report.members) {
@@ -86,31 +82,44 @@ int report(Report report, bool asJSON) {
     return finish(jsonLine(std::move(document)), ExitStatus::success);
 }
 
+Outcome<Report> reportOf(const Invocation& invocation, const Terminal& terminal) {
+    if (invocation.wantsVersion) {
+        return Report{{{"version", ZELTO_VERSION}}, "zelto " ZELTO_VERSION "\n"};
+    }
+    if (invocation.wantsHelp) {
+        const auto text = invocation.command ? helpText(*invocation.command) : helpText();
+        return Report{{{"help", text}}, text};
+    }
+    if (!invocation.command) {
+        return wrongUsage("Name a command.");
+    }
+    RegisterIntegrationsTypes();
+    installKeyChain(invocation);
+    return runCommand(invocation, terminal);
+}
+
 int run(const std::vector<std::string>& arguments) {
     const auto terminal = Terminal::ofThisProcess();
-    const bool asJSON = wantsJSON(arguments);
     const auto invocation = parseCommandLine(arguments);
     if (!invocation) {
-        return report(invocation.error(), asJSON, terminal);
+        return report(invocation.error(), wantsJSON(arguments), terminal);
     }
-    if (invocation->wantsVersion) {
-        return finish(versionLine, ExitStatus::success);
-    }
-    if (invocation->wantsHelp) {
-        return finish(invocation->command ? helpText(*invocation->command) : helpText(), ExitStatus::success);
-    }
-    if (!invocation->command) {
-        return report(Failure{"wrongUsage", "Name a command.", "zelto --help", ExitStatus::wrongUsage},
-                      asJSON, terminal);
-    }
+    // A flag that stops the parsing may stand before --json.
+    const bool stopped = invocation->wantsHelp || invocation->wantsVersion;
+    const bool asJSON = stopped ? wantsJSON(arguments) : invocation->has("--json");
     std::optional<LogSubscription> log;
     if (invocation->has("--verbose")) {
         log.emplace(logToStandardError(LogLevel::trace));
     }
-    RegisterIntegrationsTypes();
-    installKeyChain(*invocation);
-    auto outcome = runCommand(*invocation, terminal);
-    return outcome ? report(*std::move(outcome), asJSON) : report(outcome.error(), asJSON, terminal);
+    const auto outcome = reportOf(*invocation, terminal);
+    if (outcome) {
+        return report(*outcome, asJSON, invocation->has("--quiet"));
+    }
+    auto told = outcome.error();
+    if (told.next.empty()) {
+        told.next = helpCommand(invocation->command);
+    }
+    return report(told, asJSON, terminal);
 }
 
 } // namespace
@@ -120,5 +129,6 @@ int run(const std::vector<std::string>& arguments) {
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     zelto::cli::guardMemory();
+    zelto::cli::reserveStandardDescriptors();
     return zelto::cli::run({argv + 1, argv + argc});
 }

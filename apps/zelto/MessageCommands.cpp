@@ -55,7 +55,10 @@ Outcome<MessageWork> open(const Invocation& invocation, bool leavesNoTrace) {
     if (!delivery) {
         return failure(delivery.error());
     }
-    auto workspace = Workspace::open(invocation);
+    if (const auto type = serviceNamed(*to); type && !canExport(*type)) {
+        return failure(cannotExport(*type));
+    }
+    auto workspace = Workspace::open(invocation, leavesNoTrace);
     if (!workspace) {
         return failure(workspace.error());
     }
@@ -101,7 +104,8 @@ Failure exportFailure(IntegrationExportError error, const MessageWork& work) {
         case IntegrationExportError::convertError:
             return {"The message could not be turned into a PDF.", "zelto export --verbose"};
         case IntegrationExportError::unsupportedFormat:
-            return {service + " does not take that type.", "zelto config --help"};
+            return {service + " does not take that type; its configuration names those that it takes.",
+                    "zelto config --help"};
         case IntegrationExportError::fileAlreadyExists:
             return {"A file of that name exists already.", "zelto export --title"};
         case IntegrationExportError::oauthError:
@@ -182,11 +186,16 @@ Outcome<Report> runConfig(const Invocation& invocation, const Terminal&) {
     if (!work) {
         return failure(work.error());
     }
-    auto configuration = work->session->offeredConfiguration();
+    const auto configuration = work->session->offeredConfiguration();
     if (!configuration) {
         return failure(configuration.error());
     }
-    return Report{{}, {}, *std::move(configuration) + "\n"};
+    Report report{{}, terminalSafeJSON(*configuration) + "\n"};
+    // Behind "result", so that this too goes back in by --config.
+    if (const auto value = JSONValue::parse(*configuration); value && value->asObject()) {
+        report.members = *value->asObject();
+    }
+    return report;
 }
 
 Outcome<Report> runPreview(const Invocation& invocation, const Terminal& terminal) {
@@ -240,8 +249,9 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
     if (const auto shownURL = work->delivery->shownURL()) {
         report.members.set("url", *shownURL);
         report.text = *shownURL + "\n";
-    } else if (!invocation.has("--quiet")) {
+    } else {
         report.text = "Handed to " + displayName(work->account.serviceType()) + ".\n";
+        report.isNotice = true;
     }
     return report;
 }

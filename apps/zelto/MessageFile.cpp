@@ -14,7 +14,7 @@ namespace {
 using Interactor = std::shared_ptr<IntegrationsDataInteractorProtocol>;
 
 Failure mailFailure(const std::string& name, MailError error) {
-    return {std::string(nameOf(error)), name + ": " + std::string(messageOf(error)), "zelto export --help"};
+    return {std::string(nameOf(error)), name + ": " + std::string(messageOf(error)), {}};
 }
 
 Outcome<Interactor> openMail(const std::string& name, InteractorOptions options) {
@@ -36,8 +36,8 @@ Outcome<Interactor> openMail(const std::string& name, InteractorOptions options)
 Outcome<Interactor> openNote(const std::string& name, InteractorOptions options) {
     auto note = MeetingNoteReader::open(name);
     if (!note) {
-        return failure(Failure{std::string(nameOf(note.error().code)), name + ": " + note.error().message,
-                               "zelto export --help"});
+        return failure(
+            Failure{std::string(nameOf(note.error().code)), name + ": " + note.error().message, {}});
     }
     return std::make_shared<MeetingNoteDataInteractor>(*std::move(note), std::move(options));
 }

@@ -9,20 +9,19 @@ namespace zelto::cli {
 
 enum class ExitStatus : int { success = 0, failed = 1, wrongUsage = 2 };
 
-// What a command that worked has to say: members of the JSON document behind "result", and the text for
-// people.
+// What a command that worked has to say: members of the JSON document behind "result", and the text without
+// --json.
 struct Report {
     JSONObject members;
     std::string text;
-    // The document as it stands, where the command prints one of its own whether JSON is asked for or not.
-    std::string document = {};
+    bool isNotice = false; // the text only tells that it worked: --quiet leaves it out
 };
 
 // Why a command did not work.
 struct Failure {
     std::string name;    // the case's name
     std::string message; // one plain sentence
-    std::string next;    // the command to try next; may be empty
+    std::string next;    // the command to try next; if empty, the help of the command
     ExitStatus status = ExitStatus::failed;
 };
 

@@ -2,8 +2,11 @@
 
 #include <Platform/Text.h>
 
+#include <array>
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace zelto::cli {
@@ -22,6 +25,44 @@ bool writeAll(int descriptor, std::string_view text) {
         text.remove_prefix(static_cast<std::size_t>(written));
     }
     return true;
+}
+
+struct Codepoint {
+    std::uint32_t value = 0;
+    std::size_t size = 1;
+};
+
+// The code point that the text begins with, where it may be one to escape: of one to three bytes.
+Codepoint firstCodepoint(std::string_view text) {
+    const auto byte = [&](std::size_t i) {
+        return static_cast<std::uint32_t>(static_cast<unsigned char>(text[i]));
+    };
+    const auto lead = byte(0);
+    if (lead >= 0xC0 && lead < 0xE0 && text.size() > 1) {
+        return {(lead & 0x1F) << 6 | (byte(1) & 0x3F), 2};
+    }
+    if (lead >= 0xE0 && lead < 0xF0 && text.size() > 2) {
+        return {(lead & 0x0F) << 12 | (byte(1) & 0x3F) << 6 | (byte(2) & 0x3F), 3};
+    }
+    return {lead < 0x80 ? lead : 0, 1};
+}
+
+bool isObeyedByTerminals(std::uint32_t codepoint) {
+    const auto within = [codepoint](std::uint32_t first, std::uint32_t last) {
+        return codepoint >= first && codepoint <= last;
+    };
+    constexpr std::uint32_t arabicLetterMark = 0x61C;
+    return within(0x7F, 0x9F) || codepoint == arabicLetterMark || within(0x200E, 0x200F) ||
+           within(0x2028, 0x202E) || within(0x2066, 0x2069);
+}
+
+std::string jsonEscape(std::uint32_t codepoint) {
+    constexpr auto digits = "0123456789abcdef";
+    std::string text = "\\u";
+    for (int shift = 12; shift >= 0; shift -= 4) {
+        text += digits[codepoint >> shift & 0xF];
+    }
+    return text;
 }
 
 } // namespace
@@ -56,6 +97,32 @@ std::string Terminal::shownLines(std::string_view text) const {
         start = end + 1;
     }
     return lines;
+}
+
+std::string terminalSafeJSON(std::string_view json) {
+    std::string safe;
+    safe.reserve(json.size());
+    while (!json.empty()) {
+        const auto first = firstCodepoint(json);
+        if (isObeyedByTerminals(first.value)) {
+            safe += jsonEscape(first.value);
+        } else {
+            safe += json.substr(0, first.size);
+        }
+        json.remove_prefix(first.size);
+    }
+    return safe;
+}
+
+void reserveStandardDescriptors() {
+    // Opened the wrong way round, so that using one still fails.
+    constexpr std::array modes{O_WRONLY, O_RDONLY, O_RDONLY};
+    for (int descriptor = 0; descriptor < 3; ++descriptor) {
+        if (::fcntl(descriptor, F_GETFD) < 0) {
+            // The lowest free number is this one.
+            (void)::open("/dev/null", modes[static_cast<std::size_t>(descriptor)]);
+        }
+    }
 }
 
 bool writeOutput(std::string_view text) {

@@ -19,6 +19,13 @@ struct Terminal {
     std::string shownLines(std::string_view text) const;
 };
 
+// JSON text in which, behind what JSON itself asks for, no character stands that a terminal obeys: DEL, C1
+// and the marks that turn the direction of writing are escaped.
+std::string terminalSafeJSON(std::string_view json);
+
+// Keeps files that are opened later from becoming a standard output that was closed at the start.
+void reserveStandardDescriptors();
+
 // False if the output refused it (a full disk, a closed pipe).
 bool writeOutput(std::string_view text);
 void writeError(std::string_view text);

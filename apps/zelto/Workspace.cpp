@@ -3,6 +3,8 @@
 #include "DeferredKeyChain.h"
 #include "ServiceNames.h"
 
+#include <Platform/FileManager.h>
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -40,7 +42,7 @@ void installKeyChain(const Invocation& invocation) {
 }
 
 Failure failureOf(const StorageError& error) {
-    return {std::string(nameOf(error.code)), error.message(), ""};
+    return {std::string(nameOf(error.code)), error.message(), "zelto accounts --data-dir DIR"};
 }
 
 Failure failureOf(const IntegrationAccountCreationError& error) {
@@ -65,8 +67,17 @@ Failure failureOf(const IntegrationAccountCreationError& error) {
     return std::visit(Sentence(), error.value);
 }
 
-Outcome<Workspace> Workspace::open(const Invocation& invocation) {
-    auto storage = SQLiteAccountStorage::open(dataDirectory(invocation));
+Outcome<Workspace> Workspace::open(const Invocation& invocation, bool readOnly) {
+    auto directory = dataDirectory(invocation);
+    std::error_code error;
+    if (readOnly && !std::filesystem::exists(directory, error) && !error) {
+        auto empty = FileManager::temporaryPath("accounts");
+        if (!empty) {
+            return failure(Failure{std::string(nameOf(empty.error().code)), empty.error().message(), ""});
+        }
+        directory = *std::move(empty);
+    }
+    auto storage = SQLiteAccountStorage::open(directory);
     if (!storage) {
         return failure(failureOf(storage.error()));
     }

@@ -21,7 +21,8 @@ void installKeyChain(const Invocation& invocation);
 // The accounts of a data directory.
 class Workspace {
   public:
-    static Outcome<Workspace> open(const Invocation& invocation);
+    // `readOnly`: nothing will be stored, so a directory that is not there is not made either.
+    static Outcome<Workspace> open(const Invocation& invocation, bool readOnly = false);
 
     SQLiteAccountStorage& storage() const { return *storage_; }
 
