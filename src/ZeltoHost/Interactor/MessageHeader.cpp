@@ -58,7 +58,15 @@ headerLine(std::string label, const std::vector<IntegrationsInteractorAddress>& 
 }
 
 std::string headerDate(std::optional<Date> date, const std::optional<std::string>& timeZone) {
-    return date ? DateFormatter("d MMMM yyyy, HH:mm z", "en_US", timeZone).string(*date) : std::string();
+    static constexpr std::string_view pattern = "d MMMM yyyy, HH:mm z";
+    if (!date) {
+        return {};
+    }
+    if (timeZone) {
+        return DateFormatter(pattern, "en_US", timeZone).string(*date);
+    }
+    static const DateFormatter local(pattern, "en_US"); // making one is slow
+    return local.string(*date);
 }
 
 std::string headerHTML(const IntegrationHeaderComponents& header, const std::string& subjectLabel,
