@@ -12,3 +12,6 @@ pkg_check_modules(sodium REQUIRED IMPORTED_TARGET libsodium)
 pkg_check_modules(secret REQUIRED IMPORTED_TARGET libsecret-1)
 pkg_check_modules(gmime REQUIRED IMPORTED_TARGET gmime-3.0)
 pkg_check_modules(gumbo REQUIRED IMPORTED_TARGET gumbo)
+
+# They ask for macros that the compiler defines anyway, and that would keep precompiled headers from fitting.
+set_target_properties(PkgConfig::gmime PkgConfig::secret PROPERTIES INTERFACE_COMPILE_OPTIONS "")
