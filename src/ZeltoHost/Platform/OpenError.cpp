@@ -19,7 +19,7 @@ std::string OpenError::message() const {
     case OpenErrorCode::failed:
         return "The opener '" + subject + "' " + detail + "; is the application for this URL installed?";
     case OpenErrorCode::timedOut:
-        return "The opener '" + subject + "' did not end within 30 seconds and was stopped";
+        return "The opener '" + subject + "' " + detail;
     case OpenErrorCode::canceled:
         return "Opening the URL was canceled";
     }

@@ -11,7 +11,7 @@ enum class OpenErrorCode {
     openerMissing,    // there is no such program
     tooLong,          // the system cannot pass a URL of that length to a program
     failed,           // the opener ended with a status other than 0, or by a signal
-    timedOut,         // the opener took more than 30 seconds and was stopped
+    timedOut,         // the opener did not end in its 30 seconds and was stopped
     canceled,         // whoever opens ended first
 };
 ZELTO_ENUM(OpenErrorCode);

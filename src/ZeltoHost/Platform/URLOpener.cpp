@@ -32,7 +32,7 @@ Result<void, OpenError> outcome(const ProcessEnd& end, const std::string& progra
         return {};
     }
     if (std::holds_alternative<ProcessTimedOut>(end)) {
-        return failure(OpenError{OpenErrorCode::timedOut, program, {}});
+        return failure(OpenError{OpenErrorCode::timedOut, program, describe(end)});
     }
     if (std::holds_alternative<ProcessStopped>(end)) {
         return failure(OpenError{OpenErrorCode::canceled, program, {}});

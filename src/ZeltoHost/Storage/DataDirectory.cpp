@@ -52,7 +52,7 @@ bool isOursToClose(const std::filesystem::path& directory) {
 
 Result<void, StorageError> prepareDataDirectory(const std::filesystem::path& directory) {
     std::error_code error;
-    const auto absolute = std::filesystem::absolute(directory, error).lexically_normal();
+    const auto absolute = std::filesystem::absolute(directory, error);
     // "a/b/" has an empty last part.
     const auto path = absolute.has_filename() ? absolute : absolute.parent_path();
     if (auto made = makeMissing(path); !made) {

@@ -117,7 +117,7 @@ TEST(Process, AnArgumentThatTheSystemCannotPassFailsToStart) {
 TEST(Process, StandardInputIsEmptyOrWhatIsGiven) {
     EXPECT_EQ(runProcess(shell("cat; readlink /proc/self/fd/0")).output, "/dev/null\n");
     auto request = shell("cat");
-    request.input = std::string(1'000'000, 'a') + "b";
+    request.input = std::string(1'000'000, 'a');
     request.keptOutput = 2'000'000;
     EXPECT_EQ(runProcess(request).output, request.input);
 }

@@ -74,6 +74,16 @@ TEST(DataDirectory, ARelativePathWorks) {
     EXPECT_EQ(modeOf(folder / "other"), 0700U);
 }
 
+TEST(DataDirectory, APathLeadsWhereTheSystemTakesIt) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directories(folder / "far/away");
+    std::filesystem::create_directory_symlink(folder / "far/away", folder / "link");
+    opened(folder / "link/../data")->save(account(ServiceType::Bear, "a"));
+    EXPECT_TRUE(std::filesystem::exists(folder / "far/data/accounts.sqlite"));
+    EXPECT_EQ(modeOf(folder / "far/data"), 0700U);
+    EXPECT_FALSE(std::filesystem::exists(folder / "data"));
+}
+
 TEST(DataDirectory, AnEmptyOneThatOthersMayEnterIsClosedToThem) {
     const TemporaryFolder folder;
     const auto data = folderWithMode(folder, "data", 0777);
