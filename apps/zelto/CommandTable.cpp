@@ -8,36 +8,41 @@ namespace zelto::cli {
 
 namespace {
 
-const OptionSpec to = {"--to", "ID|SERVICE", "The account, or a service with one account",
-                       ValueKind::account};
+const OptionSpec to = {
+    "--to", "ID|SERVICE",
+    "The account's identifier; or a service, which means its only account or the one used last",
+    ValueKind::accountOrService};
+
+const OptionSpec as = {"--as", "TYPE", "The form of the export; a service takes some of them",
+                       ValueKind::contentType};
 
 const ArgumentSpec mail = {"MAIL", "An .eml file, a meeting note in .json, or - for a mail on standard input",
                            ValueKind::mail};
 
-const ArgumentSpec service = {"SERVICE", "A service's name, as `zelto services` lists it",
-                              ValueKind::service};
-
-const OptionSpec webLink = {"--web-link", "URL", "The message's address on the web"};
+const OptionSpec webLink = {"--web-link", "URL",
+                            "The message's address on the web, for the forms that link to it"};
 
 const std::vector<CommandSpec> table = {
     {"services",
      "List the services",
-     "Lists every service with the way an account of it is connected, and whether this program can export to "
-     "it.",
+     "Lists every service: its name, how an account of it is connected (by the application on this machine, "
+     "by a sign-in, or by a permission of the system), and whether this program can export to it yet. "
+     "Wherever a service is asked for, its name goes in any case and without its blanks.",
      {},
      {},
      {"zelto services", "zelto services --json"}},
     {"connect",
      "Connect an account",
-     "Connects an account of a service. An application on this machine needs no sign-in; it need not be "
-     "connected "
-     "before its first export either. --name tells several accounts of one application apart.",
-     {service},
+     "Connects an account of a service. An application on this machine needs no sign-in, and need not be "
+     "connected before its first export either; --name tells several accounts of one application apart.",
+     {{"SERVICE", "The service", ValueKind::service}},
      {{"--name", "USER", "The account's name"}},
      {"zelto connect bear", "zelto connect things --name work"}},
     {"accounts",
      "List the connected accounts",
-     "Lists the connected accounts in the order of their connection, with the identifier that --to takes.",
+     "Lists the connected accounts in the order of their connection: the identifier that --to takes, and "
+     "which "
+     "account of its service was used last.",
      {},
      {},
      {"zelto accounts", "zelto accounts --json"}},
@@ -46,31 +51,33 @@ const std::vector<CommandSpec> table = {
      "Removes an account and its secrets from this machine. Nothing is changed on the service.",
      {{"ID", "The account's identifier, as `zelto accounts` lists it", ValueKind::account}},
      {},
-     {"zelto accounts remove Bear", "zelto accounts remove 'Things+work'"}},
+     {"zelto accounts remove Bear", "zelto accounts remove Things+work"}},
     {"config",
      "Show what an export would start with",
-     "Prints the configuration that the service's exporter offers for a mail, as JSON. Edited and saved to a "
-     "file, "
-     "it goes back in by `zelto export --config FILE`.",
+     "Prints the configuration that the service's exporter offers for a mail, as JSON: the title, the form "
+     "(saveAs) and whatever else the service takes. Saved to a file and edited, it goes back in by "
+     "`zelto export --config FILE`; dates may be written like 2026-03-05T14:00:00Z there.",
      {mail},
      {to, webLink},
      {"zelto config examples/mails/project-kickoff.eml --to bear",
       "zelto config examples/mails/project-kickoff.eml --to things > things.json"}},
     {"preview",
      "Show what would be sent",
-     "Prints the text that an export as the type would send.",
+     "Prints the text or the link that an export in that form would send, and sends nothing.",
      {mail},
-     {to, {"--as", "TYPE", "The form of the export", ValueKind::contentType}, webLink},
+     {to, as, webLink},
      {"zelto preview examples/mails/project-kickoff.eml --to bear --as emailBacklink",
       "zelto preview examples/mails/project-kickoff.eml --to things --as backLink"}},
     {"export",
      "Send a mail or a meeting note to a service",
-     "Sends one mail or meeting note to a service: a task, a note or whatever the service makes of it. "
-     "Options "
-     "change single fields of what the exporter offers; --config gives all of them.",
+     "Sends one mail or meeting note to a service, which makes a task, a note or the like of it. Without "
+     "options "
+     "it goes as the exporter offers it; options change single fields of that, and --config gives all of "
+     "them. An application is reached by a URL, which is opened by xdg-open or by the program of --opener; "
+     "the export has worked if that ends with status 0.",
      {mail},
      {to,
-      {"--as", "TYPE", "The form of the export", ValueKind::contentType},
+      as,
       {"--title", "TEXT", "The title instead of the mail's subject"},
       {"--note", "TEXT", "A note of your own, before the mail's text"},
       {"--tags", "A,B", "Tags, separated by commas"},
@@ -79,25 +86,28 @@ const std::vector<CommandSpec> table = {
       {"--attach", "all|none|NAME", "Which attachments go along", ValueKind::text, {}, true},
       {"--config", "FILE", "The whole configuration, as `zelto config` prints it", ValueKind::file},
       webLink,
-      {"--opener", "COMMAND", "Opens the URL, given as its last argument; - prints it instead",
+      {"--opener", "COMMAND", "Opens the URL, given as its last argument; - prints the URL instead",
        ValueKind::command},
-      {"--pdf-converter", "COMMAND", "Makes a PDF: run as COMMAND IN.html OUT.pdf", ValueKind::command},
-      {"--dry-run", "", "Do all but the last step: nothing is opened, sent or remembered"},
+      {"--pdf-converter", "COMMAND", "Makes PDF files of mails: run as COMMAND IN.html OUT.pdf",
+       ValueKind::command},
+      {"--dry-run", "",
+       "Do all but the last step: nothing is opened, sent or remembered; the URL is printed"},
       {"--progress",
        "KIND",
-       "How progress is shown on standard error",
+       "How progress is shown on standard error; a bar is shown on a terminal only",
        ValueKind::text,
        {"bar", "json", "none"}}},
      {"zelto export examples/mails/project-kickoff.eml --to things --due 2026-12-24T09:00:00Z --opener -",
       "zelto export examples/mails/project-kickoff.eml --to bear --tags work,mail --note 'Call back' "
-      "--dry-run"}},
+      "--dry-run",
+      "zelto export - --to agenda --as backLink --opener - < examples/mails/plain-note.eml"}},
     {"completion",
      "Print a shell's completions",
-     "Prints what makes a shell complete this program's commands and options.",
+     "Prints what makes a shell complete this program's commands, options, accounts and files.",
      {{"SHELL", "The shell", ValueKind::text, {"bash", "zsh", "fish"}}},
      {},
-     {"zelto completion bash > ~/.local/share/bash-completion/completions/zelto",
-      "zelto completion fish > ~/.config/fish/completions/zelto.fish"}},
+     {"source <(zelto completion bash)", "mkdir -p ~/.config/fish/completions && zelto completion fish > "
+                                         "~/.config/fish/completions/zelto.fish"}},
 };
 
 const std::vector<OptionSpec> global = {

@@ -10,7 +10,17 @@
 namespace zelto::cli {
 
 // Where a value comes from, for completions.
-enum class ValueKind { text, file, directory, command, service, account, contentType, mail };
+enum class ValueKind {
+    text,
+    file,
+    directory,
+    command,
+    service,
+    account,
+    accountOrService,
+    contentType,
+    mail
+};
 
 struct OptionSpec {
     std::string_view name;  // "--title"

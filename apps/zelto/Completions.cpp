@@ -2,8 +2,11 @@
 
 namespace zelto::cli {
 
-std::string completionsFor(std::string_view) {
-    return {};
+std::string completionsFor(std::string_view shell) {
+    if (shell == "zsh") {
+        return zshCompletions();
+    }
+    return shell == "fish" ? fishCompletions() : bashCompletions();
 }
 
 } // namespace zelto::cli

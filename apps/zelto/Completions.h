@@ -8,4 +8,8 @@ namespace zelto::cli {
 // The completion script of "bash", "zsh" or "fish", made from the command table.
 std::string completionsFor(std::string_view shell);
 
+std::string bashCompletions();
+std::string zshCompletions();
+std::string fishCompletions();
+
 } // namespace zelto::cli

@@ -1,5 +1,7 @@
 #include "HelpText.h"
 
+#include "KnownValues.h"
+
 #include <algorithm>
 
 namespace zelto::cli {
@@ -46,11 +48,17 @@ std::string optionLabel(const OptionSpec& option) {
     return std::string(option.name) + (option.value.empty() ? "" : " " + std::string(option.value));
 }
 
-std::string optionHelp(const OptionSpec& option) {
-    std::string help(option.help);
-    for (const auto& choice : option.choices) {
-        help += (&choice == &option.choices.front() ? ": " : ", ") + std::string(choice);
+std::string withValues(std::string_view help, ValueKind kind, const std::vector<std::string_view>& choices) {
+    std::string text(help);
+    const auto values = knownValues(kind, choices);
+    for (const auto& value : values) {
+        text += (&value == &values.front() ? ": " : ", ") + value;
     }
+    return text;
+}
+
+std::string optionHelp(const OptionSpec& option) {
+    const auto help = withValues(option.help, option.kind, option.choices);
     return option.repeatable ? help + "; may be repeated" : help;
 }
 
@@ -85,7 +93,8 @@ std::string usageLine(const CommandSpec& command) {
 }
 
 std::string helpText() {
-    std::string text = "zelto sends a mail or a meeting note to the services that you use.\n\n"
+    std::string text = "zelto sends a mail or a meeting note to the services that you use: Agenda, Bear,\n"
+                       "OmniFocus, Things and 2Do by the URL that the application is opened with.\n\n"
                        "Usage: zelto COMMAND [options]\n\nCommands:\n";
     for (const auto& command : commands()) {
         text += row(command.name, command.summary);
@@ -102,7 +111,7 @@ std::string helpText(const CommandSpec& command) {
     if (!command.arguments.empty()) {
         text += "\nArguments:\n";
         for (const auto& argument : command.arguments) {
-            text += row(argument.name, argument.help);
+            text += row(argument.name, withValues(argument.help, argument.kind, argument.choices));
         }
     }
     if (!command.options.empty()) {

@@ -1,0 +1,51 @@
+#include "KnownValues.h"
+
+#include "ExportSession.h"
+#include "ServiceNames.h"
+
+#include <algorithm>
+
+namespace zelto::cli {
+
+namespace {
+
+// As people type them: "2do" rather than "Type2Do".
+std::string typedName(ServiceType type) {
+    auto name = displayName(type);
+    std::erase(name, ' ');
+    std::ranges::transform(name, name.begin(), [](char c) {
+        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    });
+    return name;
+}
+
+} // namespace
+
+std::vector<std::string> knownValues(ValueKind kind, const std::vector<std::string_view>& choices) {
+    std::vector<std::string> values(choices.begin(), choices.end());
+    switch (kind) {
+    case ValueKind::service:
+    case ValueKind::accountOrService:
+        for (const auto& each : casesOf<ServiceType>()) {
+            if (canExport(each.value)) {
+                values.push_back(typedName(each.value));
+            }
+        }
+        return values;
+    case ValueKind::contentType:
+        for (const auto& each : casesOf<IntegrationExportContentType>()) {
+            values.emplace_back(each.name);
+        }
+        return values;
+    case ValueKind::account:
+    case ValueKind::text:
+    case ValueKind::file:
+    case ValueKind::directory:
+    case ValueKind::command:
+    case ValueKind::mail:
+        return values;
+    }
+    return values;
+}
+
+} // namespace zelto::cli
