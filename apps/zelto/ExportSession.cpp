@@ -42,6 +42,16 @@ template <class Exporter, class Configuration> class TypedSession final : public
         return *std::move(text);
     }
 
+    std::string takenTypes() override {
+        std::string names;
+        if (const auto configuration = offered()) {
+            for (const auto type : configuration->supportedContentTypes) {
+                names += (names.empty() ? "" : ", ") + std::string(nameOf(type));
+            }
+        }
+        return names;
+    }
+
     Outcome<std::optional<IntegrationExportPreview>>
     preview(std::optional<IntegrationExportContentType> type) override {
         const auto configuration = offered();

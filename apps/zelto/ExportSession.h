@@ -21,6 +21,9 @@ class ExportSession {
     // The configuration that the exporter offers, as JSON.
     virtual Outcome<std::string> offeredConfiguration() = 0;
 
+    // The names of the types that an export to the service may have, "emailBacklink, backLink".
+    virtual std::string takenTypes() = 0;
+
     // Nothing for a type that the exporter has no preview of; without a type, the one that it offers.
     virtual Outcome<std::optional<IntegrationExportPreview>>
     preview(std::optional<IntegrationExportContentType> type) = 0;

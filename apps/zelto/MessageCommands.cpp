@@ -104,8 +104,8 @@ Failure exportFailure(IntegrationExportError error, const MessageWork& work) {
         case IntegrationExportError::convertError:
             return {"The message could not be turned into a PDF.", "zelto export --verbose"};
         case IntegrationExportError::unsupportedFormat:
-            return {service + " does not take that type; its configuration names those that it takes.",
-                    "zelto config --help"};
+            return {service + " does not take that type; it takes " + work.session->takenTypes() + ".",
+                    "zelto export --help"};
         case IntegrationExportError::fileAlreadyExists:
             return {"A file of that name exists already.", "zelto export --title"};
         case IntegrationExportError::oauthError:
@@ -211,8 +211,9 @@ Outcome<Report> runPreview(const Invocation& invocation, const Terminal& termina
     if (!*preview) {
         return failure(Failure{"noPreview",
                                displayName(work->account.serviceType()) +
-                                   " has no preview of that type for this message.",
-                               "zelto config --help"});
+                                   " has no preview of that type for this message; it takes " +
+                                   work->session->takenTypes() + ".",
+                               "zelto preview --help"});
     }
     Report report;
     report.members.set("preview", described(**preview));

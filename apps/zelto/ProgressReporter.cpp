@@ -35,6 +35,9 @@ std::string jsonLine(float fraction) {
 } // namespace
 
 void ProgressReporter::follow(const std::shared_ptr<ExportProgress>& progress) const {
+    if (progress->totalUnitCount() > 0) {
+        show(0);
+    }
     progress->setProgressHandler([this](float fraction) { show(fraction); });
     if (progress->totalUnitCount() > 0) {
         show(static_cast<float>(progress->fractionCompleted()));
@@ -42,7 +45,7 @@ void ProgressReporter::follow(const std::shared_ptr<ExportProgress>& progress) c
 }
 
 void ProgressReporter::end() const {
-    if (style_ == ProgressStyle::bar && terminal_.errorIsTerminal) {
+    if (style_ == ProgressStyle::bar && terminal_.showsBar) {
         writeError(clearLine);
     }
 }
@@ -55,7 +58,7 @@ void ProgressReporter::show(float fraction) const {
     shown_ = fraction;
     switch (style_) {
     case ProgressStyle::bar:
-        if (terminal_.errorIsTerminal) {
+        if (terminal_.showsBar) {
             writeError(startOfLine + bar(fraction, terminal_.usesColour));
         }
         return;

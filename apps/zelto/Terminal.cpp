@@ -70,11 +70,10 @@ std::string jsonEscape(std::uint32_t codepoint) {
 Terminal Terminal::ofThisProcess() {
     Terminal terminal;
     terminal.outputIsTerminal = ::isatty(STDOUT_FILENO) == 1;
-    terminal.errorIsTerminal = ::isatty(STDERR_FILENO) == 1;
     const char* const noColour = std::getenv("NO_COLOR"); // https://no-color.org
     const char* const kind = std::getenv("TERM");
-    terminal.usesColour =
-        terminal.errorIsTerminal && !(noColour && *noColour) && !(kind && std::string_view(kind) == "dumb");
+    terminal.showsBar = ::isatty(STDERR_FILENO) == 1 && !(kind && std::string_view(kind) == "dumb");
+    terminal.usesColour = terminal.showsBar && !(noColour && *noColour);
     return terminal;
 }
 

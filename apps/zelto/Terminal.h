@@ -8,7 +8,7 @@ namespace zelto::cli {
 // What the two outputs of the process are connected to.
 struct Terminal {
     bool outputIsTerminal = false;
-    bool errorIsTerminal = false;
+    bool showsBar = false;   // on standard error: it can write over a line
     bool usesColour = false; // on standard error
 
     static Terminal ofThisProcess();
