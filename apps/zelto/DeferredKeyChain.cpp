@@ -10,7 +10,6 @@ namespace zelto::cli {
 
 namespace {
 
-// Taken out of the environment, so that no program that is started gets to see it.
 std::optional<std::string> passphraseOfEnvironment() {
     constexpr auto name = "ZELTO_KEYCHAIN_PASSPHRASE";
     const char* const value = std::getenv(name);
@@ -23,8 +22,8 @@ std::optional<std::string> passphraseOfEnvironment() {
 }
 
 std::shared_ptr<LVXKeyChainStore> makeStore(const std::optional<std::string>& kind,
-                                            const std::filesystem::path& file) {
-    const auto passphrase = passphraseOfEnvironment();
+                                            const std::filesystem::path& file,
+                                            const std::optional<std::string>& passphrase) {
     if (kind == "memory") {
         return std::make_shared<MemoryKeyChainStore>();
     }
@@ -37,8 +36,11 @@ std::shared_ptr<LVXKeyChainStore> makeStore(const std::optional<std::string>& ki
 
 } // namespace
 
+DeferredKeyChain::DeferredKeyChain(std::optional<std::string> kind, std::filesystem::path file)
+    : kind_(std::move(kind)), file_(std::move(file)), passphrase_(passphraseOfEnvironment()) {}
+
 LVXKeyChainStore& DeferredKeyChain::store() {
-    std::call_once(chosen_, [this] { store_ = makeStore(kind_, file_); });
+    std::call_once(chosen_, [this] { store_ = makeStore(kind_, file_, passphrase_); });
     return *store_;
 }
 

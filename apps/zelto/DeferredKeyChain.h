@@ -13,8 +13,8 @@ namespace zelto::cli {
 // looked for at the first use: most calls need no secret, and asking the session takes time.
 class DeferredKeyChain final : public LVXKeyChainStore {
   public:
-    DeferredKeyChain(std::optional<std::string> kind, std::filesystem::path file)
-        : kind_(std::move(kind)), file_(std::move(file)) {}
+    // Takes $ZELTO_KEYCHAIN_PASSPHRASE out of the environment, so that no program that is started sees it.
+    DeferredKeyChain(std::optional<std::string> kind, std::filesystem::path file);
 
     Result<std::optional<Data>, KeyChainError> read(const std::string& key) override {
         return store().read(key);
@@ -31,6 +31,7 @@ class DeferredKeyChain final : public LVXKeyChainStore {
 
     const std::optional<std::string> kind_;
     const std::filesystem::path file_;
+    const std::optional<std::string> passphrase_;
     std::once_flag chosen_;
     std::shared_ptr<LVXKeyChainStore> store_;
 };
