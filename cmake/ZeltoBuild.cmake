@@ -17,7 +17,7 @@ target_compile_options(zelto_options INTERFACE -pthread -Wall -Wextra -Wpedantic
                                                -Wno-missing-field-initializers)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   # GCC 12 reports false positives from inlined library code at -O2 and above.
-  target_compile_options(zelto_options INTERFACE -Wshadow=local -Wno-maybe-uninitialized -Wno-stringop-overflow
+  target_compile_options(zelto_options INTERFACE -Wshadow=local -Wno-maybe-uninitialized -Wno-stringop-overflow -Wno-stringop-overread
                                                  -Wno-restrict -Wno-array-bounds -Wno-dangling-pointer
                                                  -Wno-free-nonheap-object)
 else()
