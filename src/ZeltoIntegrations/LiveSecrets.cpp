@@ -2,8 +2,9 @@
 
 #include <ZeltoCommonLogger/SecretRegistry.h>
 
-#include <deque>
 #include <functional>
+#include <iterator>
+#include <list>
 #include <mutex>
 #include <unordered_map>
 
@@ -19,27 +20,34 @@ class LiveSecrets {
     void add(const std::string& secret) {
         const auto hash = std::hash<std::string>()(secret);
         const std::lock_guard guard(lock_);
-        if (registrations_.contains(hash)) {
+        if (const auto known = places_.find(hash); known != places_.end()) {
+            secrets_.splice(secrets_.end(), secrets_, known->second);
             return;
         }
-        registrations_.emplace(hash, SecretRegistry::shared().add(secret));
-        order_.push_back(hash);
-        if (order_.size() > maximumCount) {
-            registrations_.erase(order_.front());
-            order_.pop_front();
+        secrets_.push_back({hash, SecretRegistry::shared().add(secret)});
+        places_.emplace(hash, std::prev(secrets_.end()));
+        if (secrets_.size() > maximumCount) {
+            places_.erase(secrets_.front().hash);
+            secrets_.pop_front();
         }
     }
 
   private:
+    struct Secret {
+        std::size_t hash;
+        SecretRegistry::Registration registration;
+    };
+
     std::mutex lock_;
-    std::unordered_map<std::size_t, SecretRegistry::Registration> registrations_;
-    std::deque<std::size_t> order_;
+    std::list<Secret> secrets_; // the one passed last at the end
+    std::unordered_map<std::size_t, std::list<Secret>::iterator> places_;
 };
 
 } // namespace
 
 void maskInLog(const ServiceAccountCredentials& credentials) {
-    static LiveSecrets secrets;
+    // Never destroyed: other threads may still pass secrets when the process ends.
+    static auto& secrets = *new LiveSecrets;
     for (const auto* field : {&credentials.accessToken, &credentials.refreshToken, &credentials.tokenSecret,
                               &credentials.password, &credentials.loginName}) {
         if (*field) {

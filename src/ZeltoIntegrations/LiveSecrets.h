@@ -4,8 +4,8 @@
 
 namespace zelto {
 
-// From now on the log masks the record's seven secret fields by value. Of very many only the latest are kept.
-// Any thread.
+// From now on the log masks by value every text of the record but its key. Of very many secrets only those
+// that were passed last are kept. Any thread.
 void maskInLog(const ServiceAccountCredentials& credentials);
 
 } // namespace zelto

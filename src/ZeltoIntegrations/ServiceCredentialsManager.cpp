@@ -48,6 +48,7 @@ constexpr auto fillAbsent = [](const auto& from, auto& to) {
 } // namespace
 
 void ServiceCredentialsManager::fill(const ServiceAccountCredentials& from, ServiceAccountCredentials& to) {
+    maskInLog(from);
     forEachField(from, to, copy);
 }
 

@@ -80,6 +80,22 @@ TEST(ServiceCredentialsManager, LoadKeepsWhatIsPresentAndFillsWhatIsAbsent) {
     EXPECT_EQ(fresh.refreshToken, "refresh-1");
 }
 
+TEST(ServiceCredentialsManager, LoadReplacesNoneOfTheSevenFieldsThatIsPresent) {
+    const MemoryKeyChain keyChain;
+    ServiceCredentialsManager::store(filled());
+    auto fresh = withKeyAlone();
+    fresh.accessToken = "access-2";
+    fresh.refreshToken = "refresh-2";
+    fresh.tokenSecret = "secret-2";
+    fresh.password = "";
+    fresh.loginName = "login-2";
+    fresh.expirationDate = Date::fromReferenceSeconds(1);
+    fresh.additionalInfo.emplace();
+    const auto before = fresh;
+    ServiceCredentialsManager::load(fresh);
+    EXPECT_EQ(fresh, before);
+}
+
 TEST(ServiceCredentialsManager, LoadOfAnAbsentKeyLogsTheErrorAndLeavesTheRecord) {
     const MemoryKeyChain keyChain;
     const LogCapture log;
@@ -123,6 +139,19 @@ TEST(ServiceCredentialsManager, StoreThatTheKeyChainRefusesLogsTheError) {
             "store(value:forKey:): Failed to save ServiceCredentials - Asana+alice to keychain with error"}));
 }
 
+TEST(ServiceCredentialsManager, LoadAndRemoveThatTheKeyChainRefusesLogTheirErrors) {
+    const InstalledKeyChain keyChain(std::make_shared<RefusingKeyChain>());
+    const LogCapture log;
+    auto credentials = filled();
+    ServiceCredentialsManager::load(credentials);
+    ServiceCredentialsManager::remove(credentials);
+    EXPECT_EQ(credentials, filled());
+    EXPECT_EQ(
+        errorsOf(log),
+        (Texts{"load(key:): Failed to load ServiceCredentials - Asana+alice from keychain with error",
+               "remove(key:): Failed to remove ServiceCredentials - Asana+alice to keychain with error"}));
+}
+
 TEST(ServiceCredentialsManager, RemoveOfAnAbsentKeyLogsItsErrorAndNothingElse) {
     const MemoryKeyChain keyChain;
     const LogCapture log;
@@ -150,6 +179,28 @@ TEST(ServiceCredentialsManager, FillCopiesAnAbsentFieldOverAPresentOneAndLeavesT
     EXPECT_EQ(to.refreshToken, std::nullopt);
     EXPECT_EQ(to.additionalInfo, std::nullopt);
     EXPECT_EQ(to.serviceCredentialsKey, "ServiceCredentials - Asana+alice");
+}
+
+TEST(ServiceCredentialsManager, FillCopiesAnAbsentRefreshTokenOverAPresentOne) {
+    auto to = filled();
+    ServiceCredentialsManager::fill(withKeyAlone(), to);
+    EXPECT_EQ(to.refreshToken, std::nullopt);
+}
+
+TEST(ServiceCredentialsManager, FillCopiesAllSevenFields) {
+    auto to = withKeyAlone();
+    ServiceCredentialsManager::fill(filled(), to);
+    EXPECT_EQ(to, filled());
+}
+
+TEST(ServiceCredentialsManager, WhatWasFilledIsMaskedInTheLog) {
+    auto from = withKeyAlone();
+    from.accessToken = "canary-that-was-filled";
+    auto to = withKeyAlone();
+    ServiceCredentialsManager::fill(from, to);
+    const LogCapture log;
+    Logger::shared().error("it was canary-that-was-filled", "test()");
+    EXPECT_FALSE(log.contains("canary"));
 }
 
 TEST(ServiceCredentialsManager, WhatWasStoredIsMaskedInTheLog) {
