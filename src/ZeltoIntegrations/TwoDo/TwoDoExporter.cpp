@@ -19,7 +19,7 @@ std::shared_ptr<ExportProgress> TwoDoExporter::export_(TwoDoConfiguration config
     auto makeURL = [this, configuration](const Content& content) {
         SchemeURL url(std::string(urlHost) + "://x-callback-url/add");
         url.encoded("?task=", content.title).encoded("&note=", content.text);
-        if (content.link) {
+        if (content.link && !content.link->empty()) {
             url.encoded("&action=url:", *content.link);
         }
         if (configuration.dueDate) {
