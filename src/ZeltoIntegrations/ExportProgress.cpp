@@ -1,5 +1,7 @@
 #include <ZeltoIntegrations/ExportProgress.h>
 
+#include <Platform/Operations/ContainedException.h>
+
 namespace zelto {
 
 ExportProgress::ExportProgress(std::int64_t totalUnitCount) : Progress(totalUnitCount) {}
@@ -17,7 +19,7 @@ ExportProgress::Handler ExportProgress::progressHandler() const {
 void ExportProgress::setCompletedUnitCount(std::int64_t count) {
     Progress::setCompletedUnitCount(count);
     if (const auto handler = progressHandler()) {
-        handler(static_cast<float>(fractionCompleted()));
+        containingExceptions("A progress handler", [&] { handler(static_cast<float>(fractionCompleted())); });
     }
 }
 

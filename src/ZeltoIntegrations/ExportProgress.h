@@ -12,7 +12,8 @@ namespace zelto {
 // What the caller of an export holds: how far it is, and the way to cancel it.
 class ExportProgress final : public Progress {
   public:
-    // Gets the fraction done, from 0 to 1, on the thread that counts: in an export a queue's thread.
+    // Gets the fraction done, from 0 to 1, on the thread that counts: in an export a queue's thread. What it
+    // throws is contained.
     using Handler = std::function<void(float)>;
 
     // A child of the thread's current progress, if there is one.

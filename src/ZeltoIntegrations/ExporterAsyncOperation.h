@@ -14,7 +14,7 @@ namespace zelto {
 
 // A step of an export or import: it ends when its callback is called, and keeps the value that it was called
 // with for the steps behind it. A step whose task never calls back keeps a serial queue waiting.
-template <class R> class ExporterAsyncOperation final : public LVXAsyncOperation {
+template <class R> class ExporterAsyncOperation : public LVXAsyncOperation {
   public:
     using Task = std::move_only_function<void(Callback<R>)>;
 
@@ -37,6 +37,8 @@ template <class R> class ExporterAsyncOperation final : public LVXAsyncOperation
             onComplete();
         });
     }
+
+    void endBeforeStart() override { task_ = nullptr; }
 
   private:
     void keep(R value) {

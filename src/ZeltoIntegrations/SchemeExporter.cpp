@@ -1,7 +1,5 @@
 #include <ZeltoIntegrations/SchemeExporter.h>
 
-#include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
-
 #include <utility>
 
 namespace zelto {
@@ -97,9 +95,15 @@ std::shared_ptr<ExportProgress> SchemeExporter::exportURL(Request request, URLMa
         if (!made) {
             return close(failure(made.error()));
         }
-        self->platformInteractor().executeAction(*made, [close = std::move(close)](bool opened) mutable {
-            close(opened ? ExporterResult<void>() : failure(IntegrationExportError::xUrlCallbackError));
-        });
+        try {
+            self->platformInteractor().executeAction(*made, [close = std::move(close)](bool opened) mutable {
+                close(opened ? ExporterResult<void>() : failure(IntegrationExportError::xUrlCallbackError));
+            });
+        } catch (...) {
+            // No step comes after this one that would report.
+            finish(failure(IntegrationExportError::xUrlCallbackError));
+            throw;
+        }
     });
 
     execute({content, url, open});

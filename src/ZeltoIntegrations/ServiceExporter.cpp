@@ -1,5 +1,6 @@
 #include <ZeltoIntegrations/ServiceExporter.h>
 
+#include <exception>
 #include <utility>
 
 namespace zelto {
@@ -30,6 +31,13 @@ ServiceAccountConfiguration ServiceExporter::accountConfiguration() const {
     return accountConfiguration_;
 }
 
+void ServiceExporter::modifyAccountConfiguration(
+    const std::function<void(ServiceAccountConfiguration&)>& change) {
+    const std::lock_guard guard(lock_);
+    change(accountConfiguration_);
+    ++accountChanges_;
+}
+
 IntegrationExportTarget ServiceExporter::exportTarget() {
     return dataInteractor_->exportTarget();
 }
@@ -52,8 +60,17 @@ std::optional<std::string> ServiceExporter::loadUserEmail() {
     return std::nullopt;
 }
 
+// Two savings at a time end with the newest copy: whoever saved an older one saves again.
 void ServiceExporter::saveConfiguration() {
-    configurationStorage_->save(accountConfiguration());
+    std::unique_lock guard(lock_);
+    std::uint64_t saved = 0;
+    do {
+        saved = accountChanges_;
+        const auto account = accountConfiguration_;
+        guard.unlock();
+        configurationStorage_->save(account);
+        guard.lock();
+    } while (saved != accountChanges_);
 }
 
 void ServiceExporter::execute(const std::vector<std::shared_ptr<Operation>>& operations) {
@@ -101,9 +118,11 @@ void ServiceExporter::postExportEvent(IntegrationExportContentType exportType,
                                          actionSource_, error);
 }
 
-void ServiceExporter::modifyAccount(const std::function<void(ServiceAccountConfiguration&)>& change) {
-    const std::lock_guard guard(lock_);
-    change(accountConfiguration_);
+ServiceExporter::StepCallbackGuard::~StepCallbackGuard() {
+    const auto exporter = exporter_.lock();
+    if (exporter && std::uncaught_exceptions() == 0) {
+        exporter->cancelTasks();
+    }
 }
 
 } // namespace zelto

@@ -13,13 +13,17 @@
 #include <ZeltoCommonLogger/LoggerClient.h>
 
 #include <Platform/Operations/BlockOperation.h>
+#include <Platform/Operations/ContainedException.h>
 #include <Platform/Operations/OperationQueue.h>
 
 #include <atomic>
+#include <cstdint>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zelto {
@@ -28,8 +32,10 @@ namespace zelto {
 // objects and the way one export is closed. A concrete exporter adds `contentTypes(target)`,
 // `loadConfiguration(completion)`, `loadPreview(type, completion)` and `export_(configuration, completion)`.
 //
-// Steps and completions run on queue threads, never on the caller's. An export in progress keeps its exporter
-// alive. Nothing that was done on the service is rolled back after a failure.
+// Steps run on queue threads, never on the caller's, and so do completions, except that of an export which
+// ends before its first step (`unsupportedFormat`): it comes before `export_` returns. An export in progress
+// keeps its exporter alive; one whose step let go of its callback uncalled never completes, and keeps
+// nothing. Nothing that was done on the service is rolled back after a failure.
 class ServiceExporter : public LoggerClient, public std::enable_shared_from_this<ServiceExporter> {
   public:
     ServiceExporter(ServiceAccountConfiguration configuration,
@@ -41,6 +47,9 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
 
     // The exporter's own copy of the account: refreshed tokens and cached values land here.
     ServiceAccountConfiguration accountConfiguration() const;
+    // Changes that copy; saveConfiguration() is the caller's to call. No other thread changes it meanwhile,
+    // and the function calls nothing of this exporter.
+    void modifyAccountConfiguration(const std::function<void(ServiceAccountConfiguration&)>& change);
 
     IntegrationExportTarget exportTarget();
 
@@ -54,7 +63,8 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     }
 
     template <class T> void setCachedValue(const std::optional<T>& value, const std::string& key) {
-        modifyAccount([&](ServiceAccountConfiguration& account) { account.setCachedItem(value, key); });
+        modifyAccountConfiguration(
+            [&](ServiceAccountConfiguration& account) { account.setCachedItem(value, key); });
         saveConfiguration();
     }
 
@@ -77,8 +87,15 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
 
     template <class R>
     std::shared_ptr<ExporterAsyncOperation<R>>
-    createAsyncTask(typename ExporterAsyncOperation<R>::Task operation) const {
-        return std::make_shared<ExporterAsyncOperation<R>>(std::move(operation));
+    createAsyncTask(typename ExporterAsyncOperation<R>::Task operation) {
+        return std::make_shared<ExporterAsyncOperation<R>>(
+            [weakly = weak_from_this(), operation = std::move(operation)](Callback<R> done) mutable {
+                operation(
+                    [guard = StepCallbackGuard(std::move(weakly)), done = std::move(done)](R value) mutable {
+                        guard.disarm();
+                        done(std::move(value));
+                    });
+            });
     }
 
     std::shared_ptr<BlockOperation> createSyncTask(std::move_only_function<void()> block) const;
@@ -96,7 +113,6 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     }
 
     void updateActiveClient(std::shared_ptr<CancellableServiceClient> client);
-    void cancelTasks();
 
     // Closes an export: posts the analytics event, has the configuration store its last-export settings (for
     // a failed export too) and calls the completion, in this order.
@@ -121,6 +137,8 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
                         originalConfig.diff(userConfig, attachmentsAreSelectedByDefault_), result);
     }
 
+    void cancelTasks();
+
     IntegrationsPlatformInteractorProtocol& platformInteractor() const { return *platformInteractor_; }
 
     IntegrationsDataInteractorProtocol& dataInteractor() const { return *dataInteractor_; }
@@ -133,21 +151,49 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
         if (!dynamic_cast<typename C::Exporter*>(this)) {
             return (*closing)(failure(IntegrationExportError::internalError));
         }
-        originalConfigBlock([self = shared_from_this(), configuration, closing,
-                             result = std::move(result)](Result<C, IntegrationLoadError> original) mutable {
-            // Without an original there is nothing to compare with, so nothing counts as changed.
-            self->postAnalytics(original ? *original : configuration, configuration,
-                                result ? ExporterResult<void>() : failure(result.error()));
-            configuration.storeLastExportInfo(dynamic_cast<typename C::Exporter&>(*self));
-            (*closing)(std::move(result));
+        const auto conclude = [self = shared_from_this(), configuration, closing,
+                               result = std::move(result)](const C& original) {
+            containingExceptions("The analytics of an export", [&] {
+                self->postAnalytics(original, configuration,
+                                    result ? ExporterResult<void>() : failure(result.error()));
+            });
+            containingExceptions("The storing of an export's settings", [&] {
+                configuration.storeLastExportInfo(dynamic_cast<typename C::Exporter&>(*self));
+            });
+            containingExceptions("The completion of an export", [&] { (*closing)(result); });
+        };
+        // Without an original there is nothing to compare with, so nothing counts as changed.
+        const bool isAsked = containingExceptions("The loading of a configuration", [&] {
+            originalConfigBlock([conclude, configuration](const Result<C, IntegrationLoadError>& original) {
+                conclude(original ? *original : configuration);
+            });
         });
+        if (!isAsked && *closing) {
+            conclude(configuration);
+        }
     }
+
+    // Travels with the callback of a step. One that is let go of uncalled leaves its step waiting forever,
+    // and the steps behind it hold the exporter, which holds them: they are cancelled. One that an exception
+    // lets go of ends its step.
+    class StepCallbackGuard {
+      public:
+        explicit StepCallbackGuard(std::weak_ptr<ServiceExporter> exporter)
+            : exporter_(std::move(exporter)) {}
+
+        StepCallbackGuard(StepCallbackGuard&&) = default;
+        ~StepCallbackGuard();
+
+        void disarm() { exporter_.reset(); }
+
+      private:
+        std::weak_ptr<ServiceExporter> exporter_;
+    };
 
     // False for a cancelled progress, whose tasks it cancels.
     bool countStep(ExportProgress& progress);
     void postExportEvent(IntegrationExportContentType exportType,
                          const std::vector<std::string>& modifiedFields, const ExporterResult<void>& result);
-    void modifyAccount(const std::function<void(ServiceAccountConfiguration&)>& change);
 
     OperationQueue taskQueue_;
     std::shared_ptr<CancellableServiceClient> serviceClient_;
@@ -156,6 +202,7 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     const std::shared_ptr<IntegrationsDataInteractorProtocol> dataInteractor_;
     mutable std::mutex lock_; // guards the account and the client
     ServiceAccountConfiguration accountConfiguration_;
+    std::uint64_t accountChanges_ = 0;
     const std::optional<std::string> actionSource_;
     const bool attachmentsAreSelectedByDefault_;
 };

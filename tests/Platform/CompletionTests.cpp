@@ -1,24 +1,12 @@
 #include <Platform/Completion.h>
 
+#include <Support/HostMistakes.h>
+
 #include <gtest/gtest.h>
 
 #include <memory>
 
 namespace zelto {
-
-namespace {
-
-int droppedCount = 0;
-
-struct CountDropped {
-    CallbackGuard::DroppedHandler before = CallbackGuard::setDroppedHandler([] { ++droppedCount; });
-
-    CountDropped() { droppedCount = 0; }
-
-    ~CountDropped() { CallbackGuard::setDroppedHandler(before); }
-};
-
-} // namespace
 
 TEST(Completion, GivesItsResultOnceAndIsEmptyThen) {
     int given = 0;
@@ -36,42 +24,42 @@ TEST(Completion, CarriesAnError) {
 }
 
 TEST(Completion, MovedAwayIsNotTakenForDropped) {
-    CountDropped counting;
+    const DroppedCallbacks dropped;
     {
         Callback<int> first = [](int) {};
         Callback<int> second = std::move(first);
         second(1);
     }
-    EXPECT_EQ(droppedCount, 0);
+    EXPECT_EQ(dropped.count(), 0);
 }
 
 TEST(Completion, DroppedUncalledIsTold) {
-    CountDropped counting;
+    const DroppedCallbacks dropped;
     {
-        Callback<int> dropped = [](int) {};
+        Callback<int> uncalled = [](int) {};
     }
-    EXPECT_EQ(droppedCount, 1);
+    EXPECT_EQ(dropped.count(), 1);
     Callback<int> overwritten = [](int) {};
     overwritten = Callback<int>();
-    EXPECT_EQ(droppedCount, 2);
+    EXPECT_EQ(dropped.count(), 2);
 }
 
 TEST(Completion, AbandonedOnPurposeIsNotTold) {
-    CountDropped counting;
+    const DroppedCallbacks dropped;
     {
         Callback<int> callback = [](int) {};
         callback.abandon();
     }
-    EXPECT_EQ(droppedCount, 0);
+    EXPECT_EQ(dropped.count(), 0);
 }
 
 TEST(Completion, WhatAnAbandonedOneHoldsIsAbandonedToo) {
-    CountDropped counting;
+    const DroppedCallbacks dropped;
     {
         Callback<int> outer = [inner = Callback<int>([](int) {})](int value) mutable { inner(value); };
         outer.abandon();
     }
-    EXPECT_EQ(droppedCount, 0);
+    EXPECT_EQ(dropped.count(), 0);
 }
 
 TEST(Completion, LetsGoOfItsCapturesWhenCalled) {

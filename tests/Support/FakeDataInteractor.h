@@ -20,6 +20,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     IntegrationAttachments attachments;
     // Called before a text is given, with the name of the operation.
     std::function<void(const std::string&)> onAsked = [](const std::string&) {};
+    std::function<void()> onTitle = [] {};
 
     // The link types that were asked for, in order.
     std::vector<IntegrationLinkType> askedLinks() const {
@@ -39,7 +40,10 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
 
     std::optional<Date> receivedDate() override { return std::nullopt; }
 
-    std::string title() override { return titleText; }
+    std::string title() override {
+        onTitle();
+        return titleText;
+    }
 
     void link(IntegrationLinkType type, Callback<std::optional<std::string>> completion) override {
         ask("link", type);

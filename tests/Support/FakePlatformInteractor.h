@@ -39,6 +39,10 @@ class FakePlatformInteractor final : public IntegrationsPlatformInteractorProtoc
     std::function<void(const URL&, Callback<bool>)> openURL = [](const URL&, Callback<bool> done) {
         done(true);
     };
+    // Called when the host has been told.
+    std::function<void()> onExportEvent = [] {};
+    std::function<void()> onAdded = [] {};
+    std::function<void()> onRemoved = [] {};
 
     std::shared_ptr<EvernoteClient> evernoteClient(const ServiceAccountConfiguration&) override {
         return nullptr;
@@ -66,27 +70,31 @@ class FakePlatformInteractor final : public IntegrationsPlatformInteractorProtoc
                          const std::vector<std::string>& modifiedFields,
                          const std::optional<std::string>& actionSource,
                          const std::optional<std::string>& exportError) override {
-        const std::lock_guard guard(lock_);
-        exportEvents_.push_back({service, exportType, modifiedFields, actionSource, exportError});
+        {
+            const std::lock_guard guard(lock_);
+            exportEvents_.push_back({service, exportType, modifiedFields, actionSource, exportError});
+        }
+        onExportEvent();
     }
 
     void postImportEvent(ServiceType, ImportActionType, const std::optional<std::string>&,
                          const std::optional<std::string>&) override {}
 
     void integrationServiceDidAdded(const ServiceAccountConfiguration& configuration) override {
-        const std::lock_guard guard(lock_);
-        added_.push_back(configuration.identifier());
-        if (onAdded) {
-            onAdded();
+        {
+            const std::lock_guard guard(lock_);
+            added_.push_back(configuration.identifier());
         }
+        onAdded();
     }
 
     void integrationServiceDidRemoved(const ServiceAccountConfiguration& configuration) override {
-        const std::lock_guard guard(lock_);
-        removed_.push_back(configuration.identifier());
+        {
+            const std::lock_guard guard(lock_);
+            removed_.push_back(configuration.identifier());
+        }
+        onRemoved();
     }
-
-    std::function<void()> onAdded;
 
     std::vector<std::string> openedURLs() const { return locked(openedURLs_); }
 

@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/ServiceConfigurationsStorage.h>
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -13,7 +14,11 @@ namespace zelto {
 // Accounts in memory, in the order of their first saving, with a list of what was called.
 class FakeStorage final : public ServiceConfigurationsStorage {
   public:
+    // Called before an account is saved or removed.
+    std::function<void()> onChange = [] {};
+
     void save(const ServiceAccountConfiguration& configuration) override {
+        onChange();
         const std::lock_guard guard(lock_);
         calls_.push_back("save " + configuration.identifier());
         const auto stored = find(configuration.identifier());
@@ -25,6 +30,7 @@ class FakeStorage final : public ServiceConfigurationsStorage {
     }
 
     void remove(const ServiceAccountConfiguration& configuration) override {
+        onChange();
         const std::lock_guard guard(lock_);
         calls_.push_back("remove " + configuration.identifier());
         const auto stored = find(configuration.identifier());

@@ -9,7 +9,17 @@
 
 namespace zelto {
 
+namespace {
+
 using Step = ExporterAsyncOperation<int>;
+
+// A step whose end is told to the test instead of a queue.
+struct OpenStep final : Step {
+    using Step::asyncMain;
+    using Step::Step;
+};
+
+} // namespace
 
 TEST(ExporterAsyncOperation, KeepsWhatItsCallbackWasCalledWith) {
     OperationQueue queue;
@@ -39,19 +49,28 @@ TEST(ExporterAsyncOperation, EndsWithItsCallbackAndHoldsTheStepsBehindItUntilThe
 }
 
 TEST(ExporterAsyncOperation, ReleasedBeforeItsCallbackStoresNothingAndTheCallbackStillCompletes) {
-    // The step is not in a queue, so nothing but this test owns it.
     std::optional<Callback<int>> kept;
-    std::weak_ptr<Step> released;
-    {
-        const auto step = std::make_shared<Step>([&](Callback<int> done) { kept = std::move(done); });
-        released = step;
-        step->start();
-        ASSERT_TRUE(step->isExecuting());
-    }
+    bool completed = false;
+    auto step = std::make_shared<OpenStep>([&](Callback<int> done) { kept = std::move(done); });
+    const std::weak_ptr<OpenStep> weakly = step;
+    step->asyncMain([&] { completed = true; });
+    step.reset();
+    EXPECT_TRUE(weakly.expired()) << "the callback keeps no step alive";
     ASSERT_TRUE(kept);
     (*kept)(1);
-    kept.reset();
-    EXPECT_TRUE(released.expired());
+    EXPECT_TRUE(completed);
+}
+
+TEST(ExporterAsyncOperation, CancelledBeforeItsStartItLetsGoOfItsTask) {
+    OperationQueue queue;
+    queue.setSuspended(true);
+    auto held = std::make_shared<int>(1);
+    const std::weak_ptr<int> weakly = held;
+    const auto step = std::make_shared<Step>([held = std::move(held)](Callback<int> done) { done(*held); });
+    queue.addOperation(step);
+    queue.cancelAllOperations();
+    queue.waitUntilAllOperationsAreFinished();
+    EXPECT_TRUE(weakly.expired());
 }
 
 TEST(ExporterAsyncOperation, CancelledBeforeItsStartNeverRunsItsTaskAndHasNoResult) {

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <thread>
 
 namespace zelto {
 
@@ -45,6 +46,7 @@ class StepExporter final : public ServiceExporter {
   public:
     using ServiceExporter::createResultMediator;
     using ServiceExporter::ServiceExporter;
+    using ServiceExporter::update;
     using ServiceExporter::updateActiveClient;
 
     std::atomic<int> stepsRun = 0;
@@ -148,6 +150,17 @@ TEST_F(ServiceExporterTest, ASuccessfulExportPostsAnalyticsThenStoresThenComplet
     EXPECT_EQ(storage->calls(), (Texts{"save Asana+alice"}));
 }
 
+TEST_F(ServiceExporterTest, AnalyticsComeBeforeTheSettingsAndBothBeforeTheCompletion) {
+    Texts order;
+    interactor->onExportEvent = [&] { order.push_back("analytics"); };
+    storage->onChange = [&] { order.push_back("settings"); };
+    const auto finish = exporter->createResultMediator<StepConfiguration, void>(
+        {}, [this](auto offered) { exporter->loadConfiguration(std::move(offered)); },
+        Completion<void, IntegrationExportError>([&](VoidResult) { order.push_back("completion"); }));
+    finish(VoidResult());
+    EXPECT_EQ(order, (Texts{"analytics", "settings", "completion"}));
+}
+
 TEST_F(ServiceExporterTest, StepsRunOneAfterTheOtherInTheirOrderOffTheCallersThread) {
     std::vector<int> order;
     const auto caller = std::this_thread::get_id();
@@ -188,14 +201,28 @@ TEST_F(ServiceExporterTest, ACancelledProgressStopsTheStepsAndCompletesOnceWithC
     EXPECT_EQ(exporter->getCachedValue<std::string>("lastName"), "mine") << "a failed export stores too";
 }
 
+TEST_F(ServiceExporterTest, UpdateOfACancelledProgressIsFalseAlsoWithoutACompletion) {
+    const auto progress = std::make_shared<ExportProgress>(2);
+    EXPECT_TRUE(exporter->update<void>(*progress, nullptr));
+    progress->cancel();
+    EXPECT_FALSE(exporter->update<void>(*progress, nullptr));
+    EXPECT_EQ(progress->completedUnitCount(), 2);
+}
+
+TEST_F(ServiceExporterTest, AProgressOfTotalZeroNeverCallsItsHandler) {
+    const auto progress = start({.saveAs = IntegrationExportContentType::attachment}, 3);
+    progress->setProgressHandler([](float) { ADD_FAILURE() << "there is nothing to count"; });
+    EXPECT_EQ(completed.value().error(), IntegrationExportError::unsupportedFormat);
+    progress->cancel();
+    EXPECT_EQ(progress->totalUnitCount(), 0);
+    EXPECT_EQ(progress->completedUnitCount(), 0);
+}
+
 TEST_F(ServiceExporterTest, AnUnsupportedFormatReturnsAProgressOfTotalZeroAtOnceAndStillPostsAnalytics) {
     const auto progress = start({.saveAs = IntegrationExportContentType::attachment}, 3);
-    bool handlerCalled = false;
-    progress->setProgressHandler([&](float) { handlerCalled = true; });
     EXPECT_TRUE(completed.hasCome());
     EXPECT_EQ(completed.value().error(), IntegrationExportError::unsupportedFormat);
     EXPECT_EQ(progress->totalUnitCount(), 0);
-    EXPECT_FALSE(handlerCalled);
     EXPECT_EQ(interactor->exportEvents().at(0).exportError, "unsupportedFormat");
     EXPECT_EQ(exporter->stepsRun, 0);
 }
@@ -253,6 +280,32 @@ TEST_F(ServiceExporterTest, SettingACachedValueEndsInOneSaveOfTheWholeAccount) {
     EXPECT_EQ(storage->calls(), (Texts{"save Asana+alice"}));
     EXPECT_EQ(storage->load("Asana+alice")->additionalInfo,
               (std::map<std::string, std::string>{{"cached_count", "7"}}));
+}
+
+TEST_F(ServiceExporterTest, ARefreshedTokenLandsInItsCopyOfTheAccount) {
+    exporter->modifyAccountConfiguration([](ServiceAccountConfiguration& account) {
+        account.credentials = ServiceAccountCredentials::forIdentifier(account.identifier());
+        account.credentials->accessToken = "refreshed";
+    });
+    EXPECT_TRUE(storage->calls().empty());
+    EXPECT_EQ(exporter->accountConfiguration().credentials->accessToken, "refreshed");
+    exporter->saveConfiguration();
+    EXPECT_EQ(storage->load("Asana+alice")->credentials->accessToken, "refreshed");
+}
+
+TEST_F(ServiceExporterTest, ValuesThatAreSetAtOnceAreAllSavedInTheEnd) {
+    constexpr int count = 200;
+    const auto setAll = [&](const std::string& prefix) {
+        for (int i = 0; i < count; ++i) {
+            exporter->setCachedValue(std::optional(i), prefix + std::to_string(i));
+        }
+    };
+    // Gives the other thread a chance between the copy and its saving.
+    storage->onChange = [] { std::this_thread::yield(); };
+    std::thread other([&] { setAll("a"); });
+    setAll("b");
+    other.join();
+    EXPECT_EQ(storage->load("Asana+alice")->additionalInfo.size(), 2u * count);
 }
 
 TEST_F(ServiceExporterTest, TheLastContentTypeRestsInTheAccountAsItsNumber) {
