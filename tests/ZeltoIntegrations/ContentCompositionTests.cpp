@@ -33,6 +33,11 @@ TEST(FormattedBodyComponent, ModifiersAreABitSetWithoutTheLowestBit) {
     EXPECT_EQ((Modifiers::bold | Modifiers::italic) & Modifiers::bold, Modifiers::bold);
 }
 
+TEST(FormattedBodyComponent, APartWithBoldAndUnderlineHasTheRawValueTen) {
+    const FormattedBodyComponent::TextPart part{"a", Modifiers::bold | Modifiers::underline, std::nullopt};
+    EXPECT_EQ(part.modifiers.rawValue, 10);
+}
+
 TEST(FormattedBodyComponent, ComponentsAreEqualByTheirParts) {
     const auto paragraph =
         FormattedBodyComponent::text({{"a", Modifiers::bold, URL::parse("https://a.example")}});
@@ -89,9 +94,13 @@ TEST(IntegrationExportContentType, EveryTypeHasItsNumberAndLink) {
         EXPECT_EQ(rawValue(rows[i].first), static_cast<int>(i));
         EXPECT_EQ(linkUsage(rows[i].first), rows[i].second) << nameOf(rows[i].first);
     }
-    EXPECT_EQ(linkUsage(plainText), std::nullopt);
-    EXPECT_EQ(linkUsage(mtSummaryBacklink), Link::backlink);
     EXPECT_EQ(JSONEncoder().encode(emailWeblink).value(), "9");
+}
+
+TEST(IntegrationExportContentType, APlainTextUsesNoLinkAndAMeetingSummaryWithBacklinkABacklink) {
+    EXPECT_EQ(linkUsage(IntegrationExportContentType::plainText), std::nullopt);
+    EXPECT_EQ(linkUsage(IntegrationExportContentType::mtSummaryBacklink),
+              IntegrationExportUsedLink::backlink);
 }
 
 TEST(IntegrationExportUsedLink, RawValuesStandInOrder) {

@@ -9,9 +9,11 @@
 #include <ZeltoIntegrations/Things/ThingsExporter.h>
 #include <ZeltoIntegrations/TwoDo/TwoDoExporter.h>
 
+#include <Support/Completed.h>
 #include <Support/FakeDataInteractor.h>
 #include <Support/FakePlatformInteractor.h>
 #include <Support/FakeStorage.h>
+#include <Support/LogCapture.h>
 #include <Support/MemoryKeyChain.h>
 
 #include <gtest/gtest.h>
@@ -54,6 +56,7 @@ class FakeExporter final : public ServiceExporter {
             auto credentials = accountConfiguration().credentials.value();
             credentials.accessToken = "refreshed";
             ServiceCredentialsManager::store(credentials);
+            modifyAccountConfiguration([&](auto& account) { account.credentials = credentials; });
             setCachedValue(std::optional(1), "count");
         }
         completion(service_.fetched);
@@ -192,6 +195,15 @@ TEST_F(IntegrationsManagerTest, SavingANewSchemeAccountTellsTheHostAfterTheSave)
     EXPECT_TRUE(stored("Bear+alice"));
 }
 
+TEST_F(IntegrationsManagerTest, SavingStoresTheSecretsThenTheRecordThenTellsTheHostThenCompletes) {
+    Texts order;
+    storage->onChange = [&] { order.push_back(stored("Bear+alice") ? "record" : "record before secrets"); };
+    interactor->onAdded = [&] { order.push_back("host"); };
+    manager.trySaveServiceConfiguration(account(ServiceType::Bear, "alice"),
+                                        [&](const AccountResult&) { order.push_back("completion"); });
+    EXPECT_EQ(order, (Texts{"record", "host", "completion"}));
+}
+
 TEST_F(IntegrationsManagerTest, ASchemeAccountWithoutCredentialsIsSavedWithoutAKeyChainEntry) {
     const ServiceAccountConfiguration plain(ServiceType::Things, std::nullopt, true);
     EXPECT_EQ(trySave(plain).value(), plain);
@@ -242,6 +254,7 @@ TEST_F(IntegrationsManagerTest, ASuccessfulFetchLeavesNoTemporaryAccountBehindEi
     EXPECT_EQ(storage->loadConfigurations().size(), 1u);
     // What the exporter cached came along.
     EXPECT_EQ(storage->loadConfigurations()[0].getCachedItem<int>("count"), 1);
+    EXPECT_EQ(stored("Trello+alice@example.org"), R"({"accessToken":"refreshed"})");
 }
 
 TEST_F(IntegrationsManagerTest, AUserWhoseEmailIsStoredKeepsTheExistingCredentials) {
@@ -368,6 +381,25 @@ TEST_F(IntegrationsManagerTest, RemovingTakesTheSecretsAndTheRecordAndTellsTheHo
     EXPECT_EQ(interactor->removed(), (Texts{"Bear+alice"}));
 }
 
+TEST_F(IntegrationsManagerTest, RemovingTakesTheSecretsThenTheRecordThenTellsTheHost) {
+    const auto bear = account(ServiceType::Bear, "alice");
+    trySave(bear);
+    Texts order;
+    storage->onChange = [&] { order.push_back(stored("Bear+alice") ? "record before secrets" : "record"); };
+    interactor->onRemoved = [&] { order.push_back("host"); };
+    manager.removeServiceConfiguration(bear);
+    EXPECT_EQ(order, (Texts{"record", "host"}));
+}
+
+TEST_F(IntegrationsManagerTest, AnAccountWithoutCredentialsIsRemovedWithoutTheKeyChain) {
+    const ServiceAccountConfiguration plain(ServiceType::Things, std::nullopt, true);
+    storage->save(plain);
+    const LogCapture log;
+    manager.removeServiceConfiguration(plain);
+    EXPECT_TRUE(log.records().empty());
+    EXPECT_EQ(interactor->removed(), (Texts{"Things"}));
+}
+
 TEST_F(IntegrationsManagerTest, RemovingAllTellsTheHostOfEachOne) {
     trySave(account(ServiceType::Bear, "a"));
     trySave(account(ServiceType::Things, "b"));
@@ -423,6 +455,20 @@ TEST_F(IntegrationsManagerTest, TheFactoryMakesTheExporterOfEachSchemeService) {
     EXPECT_NE(std::dynamic_pointer_cast<BearExporter>(exporterOf(ServiceType::Bear)), nullptr);
     EXPECT_NE(std::dynamic_pointer_cast<AgendaExporter>(exporterOf(ServiceType::Agenda)), nullptr);
     EXPECT_EQ(exporterOf(ServiceType::Bear)->accountConfiguration(), account(ServiceType::Bear, "alice"));
+}
+
+TEST_F(IntegrationsManagerTest, TheFactoryHandsItsExportersEverythingTheyWorkWith) {
+    const auto data = std::make_shared<FakeDataInteractor>();
+    const auto exporter = plainManager.createServiceExporter<BearExporter>(
+        account(ServiceType::Bear, "alice"), data, "toolbar", false);
+    ASSERT_NE(exporter, nullptr);
+    Completed<ExporterResult<void>> completed;
+    exporter->export_(BearExportConfiguration(),
+                      completed.callback<Completion<void, IntegrationExportError>>());
+    EXPECT_TRUE(completed.value());
+    EXPECT_EQ(interactor->openedURLs(), (Texts{"bear://x-callback-url/create?title=Title&text=Body"}));
+    EXPECT_EQ(interactor->exportEvents().at(0).actionSource, "toolbar");
+    EXPECT_TRUE(storage->load("Bear+alice"));
 }
 
 TEST_F(IntegrationsManagerTest, TypesWithoutAnExporterGiveNothing) {

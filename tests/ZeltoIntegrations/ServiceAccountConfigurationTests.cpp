@@ -93,12 +93,17 @@ TEST(ServiceAccountConfiguration, AdditionalInfoThatIsNoTextMapDecodesAsEmpty) {
     EXPECT_TRUE(decoded(R"({"serviceType":46,"enabled":true,"additionalInfo":{"a":1}})")
                     .value()
                     .additionalInfo.empty());
-    EXPECT_TRUE(
-        decoded(R"({"serviceType":46,"enabled":true,"additionalInfo":7})").value().additionalInfo.empty());
+    for (const auto* info : {"7", "null", "[]", "\"a\"", R"({"a":"b","c":null})"}) {
+        const auto text = R"({"serviceType":46,"enabled":true,"additionalInfo":)" + std::string(info) + "}";
+        EXPECT_TRUE(decoded(text).value().additionalInfo.empty()) << info;
+    }
+}
+
+TEST(ServiceAccountConfiguration, WithoutEnabledItFailsToDecode) {
+    EXPECT_FALSE(decoded(R"({"serviceType":46,"additionalInfo":{}})"));
 }
 
 TEST(ServiceAccountConfiguration, MissingOrMistypedFieldsFailToDecode) {
-    EXPECT_FALSE(decoded(R"({"serviceType":46,"additionalInfo":{}})")) << "enabled is missing";
     EXPECT_FALSE(decoded(R"({"enabled":true,"additionalInfo":{}})")) << "serviceType is missing";
     EXPECT_FALSE(decoded(R"({"serviceType":46,"enabled":true})")) << "additionalInfo is missing";
     EXPECT_FALSE(decoded(R"({"serviceType":55,"enabled":true,"additionalInfo":{}})")) << "55 is no service";

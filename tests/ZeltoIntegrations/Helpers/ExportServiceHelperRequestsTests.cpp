@@ -194,6 +194,10 @@ TEST(URLEncodedString, AllButLettersAndDigitsIsEscaped) {
               "a%20b=x%26y%3Dz%20%2B%C3%A4%7E%2D%2E%5F");
 }
 
+TEST(URLEncodedString, AmpersandAndEqualsSignOfAFieldAreEscapedAndABlankIsNoPlus) {
+    EXPECT_EQ(ExportServiceHelper::urlEncodedString({{"field", "a&b=c d"}}), "field=a%26b%3Dc%20d");
+}
+
 TEST(URLEncodedString, PairsAreJoinedByAmpersands) {
     EXPECT_EQ(ExportServiceHelper::urlEncodedString({}), "");
     EXPECT_EQ(ExportServiceHelper::urlEncodedString({{"a", "1"}, {"b", ""}, {"", "c"}}), "=c&a=1&b=");
