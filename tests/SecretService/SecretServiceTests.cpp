@@ -10,7 +10,7 @@
 #include <cstdlib>
 #include <thread>
 
-// Run by tests/scripts/secret-service-test, which makes the session that each of the suites needs.
+// Run by tests/SecretService/with-key-chain, which makes the session that each of the suites needs.
 
 namespace zelto {
 namespace {
