@@ -3,7 +3,6 @@
 find_package(Threads REQUIRED)
 find_package(Boost 1.81 REQUIRED COMPONENTS json)
 find_package(ICU 70 REQUIRED COMPONENTS uc i18n data)
-find_package(CURL 7.84 REQUIRED)
 find_package(spdlog REQUIRED)
 find_package(SQLite3 REQUIRED)
 find_package(CLI11 REQUIRED)
