@@ -39,14 +39,18 @@ TEST(LiveSecrets, EveryTextOfARecordButItsKeyIsMasked) {
 }
 
 TEST(LiveSecrets, OfVeryManyThoseThatWerePassedLastStayMasked) {
+    auto passOthers = [next = 0](int count) mutable {
+        for (const int end = next + count; next < end; ++next) {
+            pass("other-token-" + std::to_string(next));
+        }
+    };
     pass("still-in-use-1");
     pass("no-longer-in-use-1");
-    for (int i = 0; i < 2000; ++i) {
-        pass("refreshed-token-" + std::to_string(i));
-        pass("still-in-use-1");
-    }
+    passOthers(1000);
+    pass("still-in-use-1");
+    passOthers(1000);
     EXPECT_TRUE(isMasked("still-in-use-1"));
-    EXPECT_TRUE(isMasked("refreshed-token-1999"));
+    EXPECT_TRUE(isMasked("other-token-1999"));
     EXPECT_FALSE(isMasked("no-longer-in-use-1"));
 }
 
