@@ -17,9 +17,10 @@ namespace {
 
 // Calls an asynchronous operation and waits for what it completes with.
 template <class T, class F> T waitFor(F operation) {
-    std::promise<T> promise;
-    auto future = promise.get_future();
-    operation([&promise](T value) { promise.set_value(std::move(value)); });
+    // Shared, since the caller may go on while the completion's thread is still on its way out of it.
+    const auto promise = std::make_shared<std::promise<T>>();
+    auto future = promise->get_future();
+    operation([promise](T value) { promise->set_value(std::move(value)); });
     return future.get();
 }
 

@@ -243,7 +243,7 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
     }
     Report report;
     report.members.set("service", std::string(nameOf(work->account.serviceType())));
-    report.members.set("account", work->account.identifier());
+    report.members.set("identifier", work->account.identifier());
     if (isDryRun) {
         report.members.set("dryRun", true);
     }

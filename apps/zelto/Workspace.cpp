@@ -6,20 +6,10 @@
 #include <Platform/FileManager.h>
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace zelto::cli {
 
 namespace {
-
-std::filesystem::path userDataDirectory() {
-    const char* const data = std::getenv("XDG_DATA_HOME");
-    if (data && *data == '/') {
-        return data;
-    }
-    const char* const home = std::getenv("HOME");
-    return std::filesystem::path(home && *home ? home : ".") / ".local" / "share";
-}
 
 std::string identifiersOf(const std::vector<ServiceAccountConfiguration>& accounts) {
     std::string text;
@@ -33,7 +23,7 @@ std::string identifiersOf(const std::vector<ServiceAccountConfiguration>& accoun
 
 std::filesystem::path dataDirectory(const Invocation& invocation) {
     const auto given = invocation.value("--data-dir");
-    return given ? std::filesystem::path(*given) : userDataDirectory() / "zelto";
+    return given ? std::filesystem::path(*given) : FileManager::userDataDirectory() / "zelto";
 }
 
 void installKeyChain(const Invocation& invocation) {
@@ -108,18 +98,23 @@ Outcome<ServiceAccountConfiguration> Workspace::account(const std::string& idOrS
                                "There is no account and no service \"" + idOrService + "\".",
                                "zelto accounts"});
     }
-    if (auto last = manager.lastUsedConfiguration(*type)) {
+    if (auto last = manager.lastUsedConfiguration(*type); last && last->enabled) {
         return *std::move(last);
     }
-    std::vector<ServiceAccountConfiguration> ofType;
-    std::ranges::copy_if(*stored, std::back_inserter(ofType),
-                         [&](const auto& account) { return account.serviceType() == *type; });
-    if (ofType.size() == 1) {
-        return ofType.front();
+    const auto isOfType = [&](const auto& account) { return account.serviceType() == *type; };
+    std::vector<ServiceAccountConfiguration> enabled;
+    std::ranges::copy_if(*stored, std::back_inserter(enabled),
+                         [&](const auto& account) { return isOfType(account) && account.enabled; });
+    if (enabled.size() == 1) {
+        return enabled.front();
     }
-    if (!ofType.empty()) {
+    if (enabled.empty() && std::ranges::any_of(*stored, isOfType)) {
+        return failure(Failure{"disabledAccount", "Every account of " + displayName(*type) + " is disabled.",
+                               "zelto accounts"});
+    }
+    if (!enabled.empty()) {
         return failure(Failure{"ambiguousAccount",
-                               displayName(*type) + " has several accounts: " + identifiersOf(ofType) + ".",
+                               displayName(*type) + " has several accounts: " + identifiersOf(enabled) + ".",
                                "zelto accounts"});
     }
     if (serviceAuthFlow(*type) != ServiceAuthFlow::installedApp) {

@@ -1,9 +1,11 @@
 #include <Platform/FileManager.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -62,6 +64,18 @@ Result<void, FileError> syncDirectory(const path& directory) {
 std::size_t expectedSize(const struct stat& status, std::uint64_t limit) {
     return static_cast<std::size_t>(
         std::min(static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0)), limit));
+}
+
+path homeDirectory() {
+    if (const char* home = std::getenv("HOME"); home && *home == '/') {
+        return home;
+    }
+    std::array<char, 4096> buffer{};
+    passwd entry{};
+    passwd* found = nullptr;
+    const bool isKnown =
+        getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found && found->pw_dir;
+    return isKnown ? path(found->pw_dir) : path("/");
 }
 
 } // namespace
@@ -171,6 +185,11 @@ Result<void, FileError> FileManager::writeAll(const FileDescriptor& file, std::s
         }
     }
     return {};
+}
+
+path FileManager::userDataDirectory() {
+    const char* data = std::getenv("XDG_DATA_HOME");
+    return data && *data == '/' ? path(data) : homeDirectory() / ".local" / "share";
 }
 
 } // namespace zelto

@@ -29,6 +29,10 @@ struct FileManager {
     // The whole of a file or pipe; tooLarge if there is more than the limit in it.
     static Result<Data, FileError> readFile(const std::filesystem::path& path, std::uint64_t limit = noLimit);
 
+    // Where the user's programs keep data: $XDG_DATA_HOME where it is an absolute path, else the place that
+    // it stands for, ~/.local/share.
+    static std::filesystem::path userDataDirectory();
+
     // Readers see the old content or the new, never a part, also after a crash: written beside the file under
     // a name that begins with ".zelto-", brought to the disk, then renamed. After an error the old file is
     // untouched and nothing is left beside it. The new file has the given mode, whatever the umask; a

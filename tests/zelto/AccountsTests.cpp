@@ -12,7 +12,7 @@ const auto mail = ZeltoProgram::sample("plain-note.eml");
 
 // The account that an export to the target takes; "" if there was an error.
 std::string usedAccount(const ZeltoProgram& zelto, const std::string& target) {
-    return zelto.run({"export", mail, "--to", target, "--opener", "-", "--json"}).text("account");
+    return zelto.run({"export", mail, "--to", target, "--opener", "-", "--json"}).text("identifier");
 }
 
 } // namespace

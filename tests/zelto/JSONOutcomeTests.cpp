@@ -168,7 +168,7 @@ TEST(JSONOutcome, TellsWhatWasDone) {
                   .run({"export", mail, "--to", "things", "--as", "backLink", "--title", "T", "--json",
                         "--opener", "-"})
                   .output,
-              R"({"result":"success","service":"Things","account":"Things",)"
+              R"({"result":"success","service":"Things","identifier":"Things",)"
               R"("url":"things:add?title=T&notes=mid%3Akickoff%2D2025%2E43%40harbour%2Eexample"})"
               "\n");
     EXPECT_EQ(zelto.run({"accounts", "remove", "Bear+a", "--json"}).output,
