@@ -27,7 +27,7 @@ else
 fi
 )sh";
 
-// Text for a "[...]" or a part between ":" of a specification.
+// Text for a "[...]" or a part between ":" in what _arguments takes.
 std::string escaped(std::string_view text) {
     std::string result;
     for (const char c : text) {
@@ -63,7 +63,7 @@ std::string action(ValueKind kind, const std::vector<std::string_view>& choices)
     return {};
 }
 
-std::string specification(const OptionSpec& option) {
+std::string argumentsWord(const OptionSpec& option) {
     auto text = (option.repeatable ? "*" : "") + std::string(option.name) +
                 (option.value.empty() ? "" : "=") + "[" + escaped(option.help) + "]";
     if (!option.value.empty()) {
@@ -75,7 +75,7 @@ std::string specification(const OptionSpec& option) {
 std::string specifications(std::span<const OptionSpec> options) {
     std::string lines;
     for (const auto& option : options) {
-        lines += " \\\n            " + specification(option);
+        lines += " \\\n            " + argumentsWord(option);
     }
     return lines;
 }
