@@ -1,13 +1,6 @@
-#include <Support/HostMistakes.h>
 #include <Support/SchemeExport.h>
 
-#include <ZeltoIntegrations/IntegrationsDataInteractorStub.h>
-
-#include <Platform/PercentEncoding.h>
-
 #include <gtest/gtest.h>
-
-#include <thread>
 
 namespace zelto {
 
