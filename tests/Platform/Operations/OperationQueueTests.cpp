@@ -202,7 +202,7 @@ TEST(OperationQueue, DependenciesReachAcrossQueues) {
     queue.addOperation(third);
     other.addOperation(second);
     queue.addOperation(first);
-    expectSoon([&] { return first->isExecuting(); });
+    expectSoon([&] { return journal.notes() == std::vector{1}; });
     first->finish();
     third->waitUntilFinished();
     EXPECT_EQ(journal.notes(), (std::vector{1, 2, 3}));
@@ -229,7 +229,7 @@ TEST(OperationQueue, ADependencyAddedBeforeTheOnlyOneFinishesHoldsTheOperationBa
         requests.addOperation(request);
         request->waitUntilFinished();
         EXPECT_FALSE(step->isFinished());
-        expectSoon([&] { return repetition->isExecuting(); });
+        expectSoon([&] { return journal.notes() == std::vector{1, 2}; });
         repetition->finish();
         step->waitUntilFinished();
         EXPECT_EQ(journal.notes(), (std::vector{1, 2, 3}));
