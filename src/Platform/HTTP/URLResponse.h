@@ -1,0 +1,50 @@
+#pragma once
+
+#include <Platform/HTTP/HTTPHeaders.h>
+#include <Platform/URL.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace zelto {
+
+// The head of an answer: whence it came. Shared and never changed.
+class URLResponse {
+  public:
+    explicit URLResponse(URL url) : url_(std::move(url)) {}
+
+    virtual ~URLResponse() = default;
+
+    // What was asked for last, after redirects.
+    const URL& url() const { return url_; }
+
+    // For logs and people.
+    virtual std::string description() const;
+
+  private:
+    URL url_;
+};
+
+class HTTPURLResponse final : public URLResponse {
+  public:
+    HTTPURLResponse(URL url, int statusCode, HTTPHeaders headers)
+        : URLResponse(std::move(url)), statusCode_(statusCode), headers_(std::move(headers)) {}
+
+    int statusCode() const { return statusCode_; }
+
+    // Those of the last answer, without informational ones. Of a field that came several times, the values
+    // stand in one, joined by ", ".
+    const HTTPHeaders& headers() const { return headers_; }
+
+    std::optional<std::string> header(std::string_view name) const { return headers_.value(name); }
+
+    std::string description() const override;
+
+  private:
+    int statusCode_;
+    HTTPHeaders headers_;
+};
+
+} // namespace zelto
