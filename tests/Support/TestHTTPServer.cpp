@@ -1,0 +1,357 @@
+#include "TestHTTPServer.h"
+
+#include <gtest/gtest.h>
+
+#include <arpa/inet.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <charconv>
+#include <cstring>
+#include <list>
+#include <mutex>
+#include <stdexcept>
+#include <string_view>
+#include <thread>
+
+namespace zelto {
+namespace {
+
+// Reads from a connection what belongs to one request after the other.
+class Connection {
+  public:
+    explicit Connection(int socket) : socket_(socket) {}
+
+    // Up to and with the end mark; nothing when the peer ended before.
+    std::optional<std::string> readUntil(std::string_view mark) {
+        std::size_t searched = 0;
+        for (;;) {
+            const auto found = buffer_.find(mark, searched);
+            if (found != std::string::npos) {
+                auto head = buffer_.substr(0, found + mark.size());
+                buffer_.erase(0, head.size());
+                return head;
+            }
+            searched = buffer_.size() < mark.size() ? 0 : buffer_.size() - mark.size() + 1;
+            if (!fill()) {
+                return std::nullopt;
+            }
+        }
+    }
+
+    // Appends up to `kept` of that many bytes to the text.
+    bool read(std::uint64_t count, std::uint64_t kept, std::string& text) {
+        while (count > 0) {
+            if (buffer_.empty() && !fill()) {
+                return false;
+            }
+            const auto taken = std::min<std::uint64_t>(buffer_.size(), count);
+            if (text.size() < kept) {
+                text.append(buffer_, 0, std::min<std::uint64_t>(taken, kept - text.size()));
+            }
+            buffer_.erase(0, taken);
+            count -= taken;
+        }
+        return true;
+    }
+
+    bool write(std::string_view text) {
+        while (!text.empty()) {
+            const auto written = ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL);
+            if (written <= 0) {
+                return false;
+            }
+            text.remove_prefix(static_cast<std::size_t>(written));
+        }
+        return true;
+    }
+
+    void resetWhenClosed() {
+        const linger atOnce{1, 0};
+        setsockopt(socket_, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
+    }
+
+  private:
+    bool fill() {
+        char bytes[1 << 16];
+        ssize_t count = 0;
+        do {
+            count = ::recv(socket_, bytes, sizeof bytes, 0);
+        } while (count < 0 && errno == EINTR);
+        if (count > 0) {
+            buffer_.append(bytes, static_cast<std::size_t>(count));
+        }
+        return count > 0;
+    }
+
+    const int socket_;
+    std::string buffer_;
+};
+
+std::string_view takeLine(std::string_view& text) {
+    const auto end = text.find("\r\n");
+    const auto line = text.substr(0, end);
+    text.remove_prefix(end == text.npos ? text.size() : end + 2);
+    return line;
+}
+
+std::optional<ReceivedRequest> parseHead(std::string_view head) {
+    ReceivedRequest request;
+    const auto line = takeLine(head);
+    const auto first = line.find(' ');
+    const auto last = line.rfind(' ');
+    if (first == line.npos || last <= first) {
+        ADD_FAILURE() << "no request line: " << line;
+        return std::nullopt;
+    }
+    request.method = line.substr(0, first);
+    request.target = line.substr(first + 1, last - first - 1);
+    while (!head.empty()) {
+        const auto field = takeLine(head);
+        if (const auto colon = field.find(": "); colon != field.npos) {
+            EXPECT_FALSE(request.headers.value(field.substr(0, colon))) << "twice: " << field;
+            request.headers.set(std::string(field.substr(0, colon)), std::string(field.substr(colon + 2)));
+        }
+    }
+    return request;
+}
+
+std::string answerText(const PlayedAnswer& answer) {
+    if (answer.raw || answer.resets) {
+        return answer.raw.value_or("");
+    }
+    auto text = "HTTP/1.1 " + std::to_string(answer.status) + " Played\r\n";
+    for (const auto& field : answer.fields) {
+        text += field.name + ": " + field.value + "\r\n";
+    }
+    if (answer.status != 204 && answer.status != 304) {
+        text += "Content-Length: " + std::to_string(answer.body.size()) + "\r\n";
+    }
+    return text + "\r\n" + answer.body;
+}
+
+} // namespace
+
+std::string ReceivedRequest::text() const {
+    auto text = method + " " + target + "\n";
+    for (const auto& field : headers.fields()) {
+        const bool isTransports = equalIgnoringASCIICase(field.name, "Host") ||
+                                  equalIgnoringASCIICase(field.name, "User-Agent") ||
+                                  equalIgnoringASCIICase(field.name, "Accept-Encoding");
+        if (!isTransports) {
+            text += field.name + ": " + field.value + "\n";
+        }
+    }
+    return text + "\n" + body;
+}
+
+PlayedAnswer PlayedAnswer::json(std::string body, int status) {
+    return {.status = status,
+            .body = std::move(body),
+            .fields = {{"Content-Type", "application/json; charset=utf-8"}}};
+}
+
+PlayedAnswer PlayedAnswer::bytes(std::string raw) {
+    return {.closes = true, .raw = std::move(raw)};
+}
+
+PlayedAnswer PlayedAnswer::reset() {
+    return {.closes = true, .resets = true};
+}
+
+class TestHTTPServer::State {
+  public:
+    State(Handler handler, std::uint64_t largestKeptBody)
+        : handler_(std::move(handler)), largestKeptBody_(largestKeptBody) {
+        listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t length = sizeof address;
+        auto* const plain = reinterpret_cast<sockaddr*>(&address);
+        if (listener_ < 0 || ::bind(listener_, plain, length) != 0 || ::listen(listener_, 4096) != 0 ||
+            ::getsockname(listener_, plain, &length) != 0) {
+            throw std::runtime_error(std::string("no test server: ") + std::strerror(errno));
+        }
+        port_ = ntohs(address.sin_port);
+        acceptor_ = std::thread([this] { accept(); });
+    }
+
+    ~State() {
+        stops_ = true;
+        ::shutdown(listener_, SHUT_RDWR);
+        acceptor_.join();
+        ::close(listener_);
+        dropConnections();
+        for (auto& each : threads_) {
+            each.join();
+        }
+    }
+
+    void dropConnections() {
+        const std::lock_guard guard(lock_);
+        for (const auto socket : sockets_) {
+            ::shutdown(socket, SHUT_RDWR);
+        }
+    }
+
+    std::uint16_t port() const { return port_; }
+
+    std::vector<ReceivedRequest> requests() const {
+        const std::lock_guard guard(lock_);
+        return requests_;
+    }
+
+    int connectionCount() const {
+        const std::lock_guard guard(lock_);
+        return connectionCount_;
+    }
+
+    int openConnectionCount() const {
+        const std::lock_guard guard(lock_);
+        return static_cast<int>(sockets_.size());
+    }
+
+  private:
+    void accept() {
+        for (;;) {
+            const int socket = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
+            if (stops_) {
+                if (socket >= 0) {
+                    ::close(socket);
+                }
+                return;
+            }
+            if (socket < 0) {
+                continue;
+            }
+            const int yes = 1;
+            setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
+            const std::lock_guard guard(lock_);
+            const auto place = sockets_.insert(sockets_.end(), socket);
+            threads_.emplace_back([this, place, number = connectionCount_++] { serve(place, number); });
+        }
+    }
+
+    void serve(std::list<int>::iterator place, int number) {
+        Connection connection(*place);
+        while (exchange(connection, number)) {
+        }
+        const std::lock_guard guard(lock_);
+        ::close(*place);
+        sockets_.erase(place);
+    }
+
+    // Whether the connection goes on.
+    bool exchange(Connection& connection, int number) {
+        const auto head = connection.readUntil("\r\n\r\n");
+        auto request = head ? parseHead(*head) : std::nullopt;
+        if (!request) {
+            return false;
+        }
+        if (const auto length = request->headers.value("Content-Length")) {
+            std::from_chars(length->data(), length->data() + length->size(), request->bodySize);
+        } else if (request->headers.value("Transfer-Encoding")) {
+            ADD_FAILURE() << "a request in chunks, which this server does not read";
+            return false;
+        }
+        if (!connection.read(request->bodySize, largestKeptBody_, request->body)) {
+            return false;
+        }
+        request->connection = number;
+        {
+            const std::lock_guard guard(lock_);
+            requests_.push_back(*request);
+        }
+        const auto answer = handler_(*request);
+        if (answer.resets) {
+            connection.resetWhenClosed();
+        }
+        return connection.write(answerText(answer)) && !answer.closes && !answer.resets;
+    }
+
+    const Handler handler_;
+    const std::uint64_t largestKeptBody_;
+    int listener_ = -1;
+    std::uint16_t port_ = 0;
+    std::atomic<bool> stops_ = false;
+    std::thread acceptor_;
+    mutable std::mutex lock_; // guards what follows
+    std::list<int> sockets_;
+    std::list<std::thread> threads_;
+    std::vector<ReceivedRequest> requests_;
+    int connectionCount_ = 0;
+};
+
+namespace {
+
+// Plays answers in their order.
+class Playlist {
+  public:
+    explicit Playlist(std::vector<PlayedAnswer> answers) : answers_(std::move(answers)) {}
+
+    ~Playlist() { EXPECT_EQ(next_, answers_.size()) << "answers that nobody asked for"; }
+
+    PlayedAnswer next(const ReceivedRequest& request) {
+        const std::lock_guard guard(lock_);
+        if (next_ == answers_.size()) {
+            ADD_FAILURE() << "a request too many: " << request.method << " " << request.target;
+            return {.status = 599, .closes = true};
+        }
+        return answers_[next_++];
+    }
+
+  private:
+    const std::vector<PlayedAnswer> answers_;
+    std::mutex lock_;
+    std::size_t next_ = 0;
+};
+
+} // namespace
+
+TestHTTPServer::TestHTTPServer(Handler handler, std::uint64_t largestKeptBody)
+    : state_(std::make_unique<State>(std::move(handler), largestKeptBody)) {}
+
+TestHTTPServer::TestHTTPServer(std::vector<PlayedAnswer> answers)
+    : TestHTTPServer([playlist = std::make_shared<Playlist>(std::move(answers))](
+                         const ReceivedRequest& request) { return playlist->next(request); }) {}
+
+TestHTTPServer::~TestHTTPServer() = default;
+
+std::uint16_t TestHTTPServer::port() const {
+    return state_->port();
+}
+
+URL TestHTTPServer::url(const std::string& path) const {
+    return *URL::parse("http://127.0.0.1:" + std::to_string(port()) + path);
+}
+
+std::vector<ReceivedRequest> TestHTTPServer::requests() const {
+    return state_->requests();
+}
+
+std::vector<std::string> TestHTTPServer::texts() const {
+    std::vector<std::string> texts;
+    for (const auto& each : requests()) {
+        texts.push_back(each.text());
+    }
+    return texts;
+}
+
+int TestHTTPServer::connectionCount() const {
+    return state_->connectionCount();
+}
+
+int TestHTTPServer::openConnectionCount() const {
+    return state_->openConnectionCount();
+}
+
+void TestHTTPServer::dropConnections() {
+    state_->dropConnections();
+}
+
+} // namespace zelto
