@@ -1,11 +1,9 @@
+#include "Support/LoopbackSocket.h"
 #include "Support/TestHTTPServer.h"
 
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <string>
 #include <string_view>
@@ -15,19 +13,13 @@ namespace {
 
 // Sends the text to a server and gives all that comes back until the server ends the connection.
 std::string talk(const TestHTTPServer& server, std::string_view text) {
-    const int socket = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address{};
-    address.sin_family = AF_INET;
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    address.sin_port = htons(server.port());
-    EXPECT_EQ(::connect(socket, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
-    EXPECT_EQ(::send(socket, text.data(), text.size(), MSG_NOSIGNAL), static_cast<ssize_t>(text.size()));
+    const auto socket = LoopbackSocket::connect(server.port());
+    EXPECT_TRUE(sendAll(socket.get(), text));
     std::string answer;
     char bytes[1024];
-    for (ssize_t count = 0; (count = ::recv(socket, bytes, sizeof bytes, 0)) > 0;) {
+    for (ssize_t count = 0; (count = ::recv(socket.get(), bytes, sizeof bytes, 0)) > 0;) {
         answer.append(bytes, static_cast<std::size_t>(count));
     }
-    ::close(socket);
     return answer;
 }
 

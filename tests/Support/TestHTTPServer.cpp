@@ -1,20 +1,16 @@
 #include "TestHTTPServer.h"
 
+#include "LoopbackSocket.h"
+
 #include <gtest/gtest.h>
 
-#include <arpa/inet.h>
-#include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <sys/socket.h>
-#include <unistd.h>
 
 #include <atomic>
 #include <cerrno>
 #include <charconv>
-#include <cstring>
 #include <list>
 #include <mutex>
-#include <stdexcept>
 #include <string_view>
 #include <thread>
 
@@ -57,22 +53,6 @@ class Connection {
             count -= taken;
         }
         return true;
-    }
-
-    bool write(std::string_view text) {
-        while (!text.empty()) {
-            const auto written = ::send(socket_, text.data(), text.size(), MSG_NOSIGNAL);
-            if (written <= 0) {
-                return false;
-            }
-            text.remove_prefix(static_cast<std::size_t>(written));
-        }
-        return true;
-    }
-
-    void resetWhenClosed() {
-        const linger atOnce{1, 0};
-        setsockopt(socket_, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
     }
 
   private:
@@ -167,25 +147,13 @@ class TestHTTPServer::State {
   public:
     State(Handler handler, std::uint64_t largestKeptBody)
         : handler_(std::move(handler)), largestKeptBody_(largestKeptBody) {
-        listener_ = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-        sockaddr_in address{};
-        address.sin_family = AF_INET;
-        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t length = sizeof address;
-        auto* const plain = reinterpret_cast<sockaddr*>(&address);
-        if (listener_ < 0 || ::bind(listener_, plain, length) != 0 || ::listen(listener_, 4096) != 0 ||
-            ::getsockname(listener_, plain, &length) != 0) {
-            throw std::runtime_error(std::string("no test server: ") + std::strerror(errno));
-        }
-        port_ = ntohs(address.sin_port);
         acceptor_ = std::thread([this] { accept(); });
     }
 
     ~State() {
         stops_ = true;
-        ::shutdown(listener_, SHUT_RDWR);
+        ::shutdown(listener_.socket(), SHUT_RDWR);
         acceptor_.join();
-        ::close(listener_);
         dropConnections();
         for (auto& each : threads_) {
             each.join();
@@ -194,12 +162,12 @@ class TestHTTPServer::State {
 
     void dropConnections() {
         const std::lock_guard guard(lock_);
-        for (const auto socket : sockets_) {
-            ::shutdown(socket, SHUT_RDWR);
+        for (const auto& each : sockets_) {
+            ::shutdown(each.get(), SHUT_RDWR);
         }
     }
 
-    std::uint16_t port() const { return port_; }
+    std::uint16_t port() const { return listener_.port(); }
 
     std::vector<ReceivedRequest> requests() const {
         const std::lock_guard guard(lock_);
@@ -218,36 +186,26 @@ class TestHTTPServer::State {
 
   private:
     void accept() {
-        for (;;) {
-            const int socket = ::accept4(listener_, nullptr, nullptr, SOCK_CLOEXEC);
-            if (stops_) {
-                if (socket >= 0) {
-                    ::close(socket);
-                }
-                return;
+        while (!stops_) {
+            auto socket = listener_.accept();
+            if (socket && !stops_) {
+                const std::lock_guard guard(lock_);
+                const auto place = sockets_.insert(sockets_.end(), std::move(socket));
+                threads_.emplace_back([this, place, number = connectionCount_++] { serve(place, number); });
             }
-            if (socket < 0) {
-                continue;
-            }
-            const int yes = 1;
-            setsockopt(socket, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
-            const std::lock_guard guard(lock_);
-            const auto place = sockets_.insert(sockets_.end(), socket);
-            threads_.emplace_back([this, place, number = connectionCount_++] { serve(place, number); });
         }
     }
 
-    void serve(std::list<int>::iterator place, int number) {
-        Connection connection(*place);
-        while (exchange(connection, number)) {
+    void serve(std::list<LoopbackSocket>::iterator place, int number) {
+        Connection connection(place->get());
+        while (exchange(connection, *place, number)) {
         }
         const std::lock_guard guard(lock_);
-        ::close(*place);
         sockets_.erase(place);
     }
 
     // Whether the connection goes on.
-    bool exchange(Connection& connection, int number) {
+    bool exchange(Connection& connection, const LoopbackSocket& socket, int number) {
         const auto head = connection.readUntil("\r\n\r\n");
         auto request = head ? parseHead(*head) : std::nullopt;
         if (!request) {
@@ -269,19 +227,18 @@ class TestHTTPServer::State {
         }
         const auto answer = handler_(*request);
         if (answer.resets) {
-            connection.resetWhenClosed();
+            socket.resetWhenClosed();
         }
-        return connection.write(answerText(answer)) && !answer.closes && !answer.resets;
+        return sendAll(socket.get(), answerText(answer)) && !answer.closes && !answer.resets;
     }
 
     const Handler handler_;
     const std::uint64_t largestKeptBody_;
-    int listener_ = -1;
-    std::uint16_t port_ = 0;
+    LoopbackListener listener_;
     std::atomic<bool> stops_ = false;
     std::thread acceptor_;
     mutable std::mutex lock_; // guards what follows
-    std::list<int> sockets_;
+    std::list<LoopbackSocket> sockets_;
     std::list<std::thread> threads_;
     std::vector<ReceivedRequest> requests_;
     int connectionCount_ = 0;
