@@ -3,22 +3,31 @@
 #include <Platform/JSON/JSONReader.h>
 #include <Platform/Result.h>
 
+#include <span>
 #include <string_view>
 
 namespace zelto {
 
 // JSON to values. Unknown keys are ignored, a null reads as absent for an optional, a required key that is
 // missing is an error; of a key that stands twice the last counts. A number that is no whole one, or out of
-// range, does not decode as an integer (1.0 and 1e3 do, up to 2^53). Nesting deeper than 512, UTF-8 or
-// surrogates that are broken, a byte order mark, numbers beyond a double and text behind the value are
-// errors. Any thread.
+// range, does not decode as an integer (1.0 and 1e3 do, up to 2^53); a number beyond all doubles does not
+// decode as a double. Nesting deeper than 512, UTF-8 or surrogates that are broken, a byte order mark and
+// text behind the value are errors. Any thread.
 struct JSONDecoder {
     DateStrategy dateStrategy = DateStrategy::default_;
 
     template <class T> Result<T, DecodingError> decode(std::string_view text) const {
-        const auto tape = JSONTape::parse(text);
+        return decode<T>(JSONTape::parse(text));
+    }
+
+    // Needs less memory where strings have escapes; the text is of no use after it.
+    template <class T> Result<T, DecodingError> decodeInPlace(std::span<char> text) const {
+        return decode<T>(JSONTape::parseInPlace(text));
+    }
+
+    template <class T> Result<T, DecodingError> decode(Result<JSONTape, DecodingError> tape) const {
         if (!tape) {
-            return failure(tape.error());
+            return failure(std::move(tape.error()));
         }
         try {
             return JSONReader(*tape, dateStrategy).as<T>();

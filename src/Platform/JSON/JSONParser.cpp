@@ -2,8 +2,8 @@
 
 #include <boost/json/basic_parser_impl.hpp>
 
+#include <algorithm>
 #include <charconv>
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <new>
@@ -16,19 +16,35 @@ namespace {
 using ParserError = boost::json::error_code;
 using Text = boost::json::string_view;
 
-// The library's own double is not always the nearest one.
-bool nearestDouble(Text text, double& value) {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error == std::errc::result_out_of_range) {
-        // Too small is told the same way as too large.
-        const bool tooSmall = std::abs(value) < 1;
-        value = text.front() == '-' ? -0.0 : 0.0;
-        return tooSmall;
+// Whether a number's first digit that is not 0 stands for one or more.
+bool isOneOrMore(std::string_view text) {
+    const auto mark = text.find_first_of("eE");
+    const auto digits = text.substr(0, mark);
+    const auto first = digits.find_first_of("123456789");
+    if (first == std::string_view::npos) {
+        return false;
     }
-    return true;
+    const auto point = std::min(digits.find('.'), digits.size());
+    std::int64_t exponent = 0;
+    if (mark != std::string_view::npos) {
+        const auto* begin = text.data() + mark + (text[mark + 1] == '+' ? 2 : 1);
+        std::from_chars(begin, text.data() + text.size(), exponent);
+    }
+    const auto place = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
+    return exponent + place > 0;
 }
 
 } // namespace
+
+std::optional<double> nearestDouble(std::string_view text) {
+    double value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error == std::errc::result_out_of_range) {
+        // Too small is told the same way as too large.
+        return isOneOrMore(text) ? std::nullopt : std::optional(text.front() == '-' ? -0.0 : 0.0);
+    }
+    return value;
+}
 
 // Takes the events of Boost.JSON's parser.
 class JSONTapeBuilder {
@@ -38,12 +54,11 @@ class JSONTapeBuilder {
     constexpr static std::size_t max_key_size = max_object_size;
     constexpr static std::size_t max_string_size = max_object_size;
 
-    explicit JSONTapeBuilder(std::string_view source) : source_(source) { grow(source.size() / 16 + 16); }
+    JSONTapeBuilder(std::string_view source, char* inPlace) : source_(source), unescapedEnd_(inPlace) {
+        grow(source.size() / 16 + 16);
+    }
 
     JSONTape take() && { return std::move(tape_); }
-
-    // Where this builder, not the parser, refused to go on.
-    std::optional<std::size_t> fault() const { return fault_; }
 
     bool on_document_begin(ParserError&) { return true; }
 
@@ -68,14 +83,12 @@ class JSONTapeBuilder {
     bool on_number_part(Text, ParserError&) { return true; }
 
     bool on_int64(std::int64_t value, Text text, ParserError&) {
-        auto& node = add();
         if (value == 0 && text.front() == '-') {
-            node.kind = JSONKind::real;
-            node.real = -0.0;
-        } else {
-            node.kind = JSONKind::int64;
-            node.int64 = value;
+            return real(text);
         }
+        auto& node = add();
+        node.kind = JSONKind::int64;
+        node.int64 = value;
         return true;
     }
 
@@ -86,17 +99,8 @@ class JSONTapeBuilder {
         return true;
     }
 
-    bool on_double(double value, Text text, ParserError& error) {
-        if (!nearestDouble(text, value)) {
-            error = boost::json::error::exponent_overflow;
-            fault_ = static_cast<std::size_t>(text.data() - source_.data());
-            return false;
-        }
-        auto& node = add();
-        node.kind = JSONKind::real;
-        node.real = value;
-        return true;
-    }
+    // The library's own double is not always the nearest one.
+    bool on_double(double, Text text, ParserError&) { return real(text); }
 
     bool on_bool(bool value, ParserError&) {
         auto& node = add();
@@ -149,13 +153,29 @@ class JSONTapeBuilder {
         return true;
     }
 
+    bool real(Text text) {
+        auto& node = add();
+        node.kind = JSONKind::real;
+        node.size = static_cast<std::uint32_t>(text.size());
+        node.string = text.data();
+        keep(text);
+        return true;
+    }
+
+    // In place, what has been read is free to be written on, but for what nodes refer to.
+    void keep(Text text) {
+        if (!tape_.unescaped_ && unescapedEnd_) {
+            unescapedEnd_ = std::max(unescapedEnd_, const_cast<char*>(text.data() + text.size()));
+        }
+    }
+
     bool unescape(Text part) {
-        if (!tape_.unescaped_) {
+        if (!unescapedEnd_) {
             // Text never gets longer by unescaping. Pages that stay unused cost nothing.
             tape_.unescaped_ = std::make_unique_for_overwrite<char[]>(source_.size());
             unescapedEnd_ = tape_.unescaped_.get();
         }
-        std::memcpy(unescapedEnd_, part.data(), part.size());
+        std::memmove(unescapedEnd_, part.data(), part.size());
         unescapedEnd_ += part.size();
         return true;
     }
@@ -167,6 +187,7 @@ class JSONTapeBuilder {
         if (rest.size() == size && rest.data() >= source_.data() &&
             rest.data() <= source_.data() + source_.size()) {
             node.string = rest.data();
+            keep(rest);
         } else {
             unescape(rest);
             node.string = unescapedEnd_ - size;
@@ -179,8 +200,7 @@ class JSONTapeBuilder {
     std::size_t count_ = 0;
     std::size_t capacity_ = 0;
     std::uint32_t open_ = 0;
-    char* unescapedEnd_ = nullptr;
-    std::optional<std::size_t> fault_;
+    char* unescapedEnd_;
 };
 
 namespace {
@@ -305,19 +325,26 @@ Result<JSONTape, DecodingError> syntaxError(std::size_t offset, std::string text
 } // namespace
 
 Result<JSONTape, DecodingError> JSONTape::parse(std::string_view source) {
+    return parse(source, nullptr);
+}
+
+Result<JSONTape, DecodingError> JSONTape::parseInPlace(std::span<char> source) {
+    return parse({source.data(), source.size()}, source.data());
+}
+
+Result<JSONTape, DecodingError> JSONTape::parse(std::string_view source, char* inPlace) {
     if (source.starts_with("\xEF\xBB\xBF")) {
         return syntaxError(0, "a byte order mark stands before the value");
     }
     if (source.size() > std::numeric_limits<std::uint32_t>::max()) {
         return syntaxError(0, "the text is longer than 4 GiB");
     }
-    boost::json::basic_parser<JSONTapeBuilder> parser(options(), source);
+    boost::json::basic_parser<JSONTapeBuilder> parser(options(), source, inPlace);
     ParserError error;
     const auto used = parser.write_some(false, source.data(), source.size(), error);
     if (error) {
         auto reason = static_cast<boost::json::error>(error.value());
-        const auto refused = parser.handler().fault();
-        const auto offset = refused ? *refused : offsetOfFault(source);
+        const auto offset = inPlace ? used : offsetOfFault(source);
         if (reason == boost::json::error::syntax && standsBehindSurrogate(source, offset)) {
             reason = boost::json::error::illegal_leading_surrogate;
         }

@@ -18,6 +18,11 @@ std::string rangeText(const std::string& lowest, const std::string& highest) {
 
 } // namespace
 
+// Nothing for one beyond all doubles.
+std::optional<double> JSONReader::real() const {
+    return node_->size > 0 ? nearestDouble(node_->text()) : std::optional(node_->real);
+}
+
 // The value of a number that fits in 64 bits, as int64; nothing above or below that.
 std::optional<std::int64_t> JSONReader::wholeNumber() const {
     switch (kind()) {
@@ -25,14 +30,16 @@ std::optional<std::int64_t> JSONReader::wholeNumber() const {
         return node_->int64;
     case JSONKind::uint64:
         return std::nullopt;
-    case JSONKind::real:
-        if (std::abs(node_->real) > largestExact) {
+    case JSONKind::real: {
+        const auto value = real();
+        if (!value || std::abs(*value) > largestExact) {
             return std::nullopt;
         }
-        if (std::trunc(node_->real) == node_->real) {
-            return static_cast<std::int64_t>(node_->real);
+        if (std::trunc(*value) == *value) {
+            return static_cast<std::int64_t>(*value);
         }
         break;
+    }
     case JSONKind::null:
     case JSONKind::boolean:
     case JSONKind::string:
@@ -68,8 +75,13 @@ double JSONReader::number() const {
         return static_cast<double>(node_->int64);
     case JSONKind::uint64:
         return static_cast<double>(node_->uint64);
-    case JSONKind::real:
-        return node_->real;
+    case JSONKind::real: {
+        const auto value = real();
+        if (!value) {
+            fail("the number is too large");
+        }
+        return *value;
+    }
     case JSONKind::null:
     case JSONKind::boolean:
     case JSONKind::string:

@@ -42,7 +42,14 @@ class JSONReader {
     std::int64_t signedInteger(std::int64_t lowest, std::int64_t highest) const;
     std::uint64_t unsignedInteger(std::uint64_t highest) const;
 
+    // The nearest double; a number beyond all doubles is an error.
     double number() const;
+
+    // A number of the kind `real` as it is written; empty where it comes from no text.
+    std::string_view numberText() const {
+        expect(JSONKind::real, "a number");
+        return {node_->size > 0 ? node_->string : "", node_->size};
+    }
 
     // Valid as long as the reader.
     std::string_view string() const {
@@ -107,6 +114,7 @@ class JSONReader {
     }
 
     std::optional<std::int64_t> wholeNumber() const;
+    std::optional<double> real() const;
     Date date() const;
 
     const JSONTape* tape_;

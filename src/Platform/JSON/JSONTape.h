@@ -6,10 +6,14 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
 namespace zelto {
+
+class JSONValue;
 
 enum class JSONKind : std::uint8_t { null, boolean, int64, uint64, real, string, array, object };
 
@@ -22,12 +26,12 @@ struct JSONNode {
         bool boolean;
         std::int64_t int64;
         std::uint64_t uint64; // above the range of int64 alone
-        double real;
-        const char* string;
-        std::uint64_t count; // elements of an array, members of an object
+        double real;          // where a real has no text
+        const char* string;   // a string, or a real as the text writes it
+        std::uint64_t count;  // elements of an array, members of an object
     };
 
-    std::uint32_t size; // bytes of a string; nodes of an array or object with all that lies in it
+    std::uint32_t size; // bytes of a string or of a real's text; nodes of an array or object with all in it
     JSONKind kind;
 
     std::string_view text() const { return {string, size}; }
@@ -41,8 +45,15 @@ struct JSONNode {
 // key and a value each. Strings without escapes are views of the source, which must outlive the tape.
 class JSONTape {
   public:
-    // Checks the whole text: syntax, UTF-8, escapes, depth, finite numbers, and nothing behind the value.
+    // Checks the whole text: syntax, UTF-8, escapes, depth, and nothing behind the value.
     static Result<JSONTape, DecodingError> parse(std::string_view source);
+
+    // Undoes escapes within the source, which is of no other use after that, instead of in memory of its own.
+    // The offset of an error may lie behind the fault.
+    static Result<JSONTape, DecodingError> parseInPlace(std::span<char> source);
+
+    // A value that is there already; nothing where it has no JSON. It must outlive the tape.
+    static std::optional<JSONTape> of(const JSONValue& value);
 
     const JSONNode* root() const { return nodes_.get(); }
 
@@ -52,6 +63,8 @@ class JSONTape {
   private:
     friend class JSONTapeBuilder;
 
+    static Result<JSONTape, DecodingError> parse(std::string_view source, char* inPlace);
+
     struct Free {
         void operator()(JSONNode* nodes) const { std::free(nodes); }
     };
@@ -59,6 +72,9 @@ class JSONTape {
     std::unique_ptr<JSONNode, Free> nodes_;
     std::unique_ptr<char[]> unescaped_;
 };
+
+// Of a number as JSON writes it; nothing if it is beyond all doubles.
+std::optional<double> nearestDouble(std::string_view text);
 
 // Adds a member's or an element's step to a path. A key that is no plain word is cut and escaped, since it
 // may come from anywhere.

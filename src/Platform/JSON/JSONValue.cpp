@@ -132,7 +132,7 @@ std::optional<std::int64_t> JSONValue::asInt64() const {
     if (const auto* integer = std::get_if<std::int64_t>(&value_)) {
         return *integer;
     }
-    const auto* real = std::get_if<double>(&value_);
+    const auto real = asReal();
     if (real && *real >= -9223372036854775808.0 && *real < 9223372036854775808.0 &&
         std::trunc(*real) == *real) {
         return static_cast<std::int64_t>(*real);
@@ -144,7 +144,7 @@ std::optional<std::uint64_t> JSONValue::asUInt64() const {
     if (const auto* integer = std::get_if<std::uint64_t>(&value_)) {
         return *integer;
     }
-    if (const auto* real = std::get_if<double>(&value_);
+    if (const auto real = asReal();
         real && *real >= 0 && *real < 18446744073709551616.0 && std::trunc(*real) == *real) {
         return static_cast<std::uint64_t>(*real);
     }
@@ -152,9 +152,18 @@ std::optional<std::uint64_t> JSONValue::asUInt64() const {
     return integer && *integer >= 0 ? std::optional(static_cast<std::uint64_t>(*integer)) : std::nullopt;
 }
 
+// Of the kind `real` alone.
+std::optional<double> JSONValue::asReal() const {
+    if (const auto* written = writtenNumber()) {
+        return nearestDouble(*written);
+    }
+    const auto* real = std::get_if<double>(&value_);
+    return real ? std::optional(*real) : std::nullopt;
+}
+
 std::optional<double> JSONValue::asDouble() const {
-    if (const auto* real = std::get_if<double>(&value_)) {
-        return *real;
+    if (kind() == JSONKind::real) {
+        return asReal();
     }
     if (const auto* integer = std::get_if<std::int64_t>(&value_)) {
         return static_cast<double>(*integer);
@@ -178,13 +187,16 @@ JSONValue& JSONValue::set(std::string_view key, JSONValue value) {
 }
 
 bool JSONValue::operator==(const JSONValue& other) const {
-    if (kind() == other.kind()) {
+    if (value_.index() == other.value_.index() && (!isWritten() || value_ == other.value_)) {
         return value_ == other.value_;
     }
     if (other.kind() == JSONKind::real && kind() != JSONKind::real) {
         return other == *this;
     }
-    if (const auto* real = std::get_if<double>(&value_)) {
+    if (const auto real = asReal()) {
+        if (other.kind() == JSONKind::real) {
+            return real == other.asReal();
+        }
         if (const auto* integer = std::get_if<std::int64_t>(&other.value_)) {
             return equals(*real, *integer);
         }
@@ -206,6 +218,9 @@ void encodeJSON(JSONWriter& writer, const JSONValue& value) {
     case JSONKind::uint64:
         return writer.integer(*value.asUInt64());
     case JSONKind::real:
+        if (const auto* written = value.writtenNumber()) {
+            return writer.number(std::string_view(*written));
+        }
         return writer.number(*value.asDouble());
     case JSONKind::string:
         return writer.string(*value.asString());
@@ -236,7 +251,11 @@ void decodeJSON(const JSONReader& reader, JSONValue& value) {
         value = reader.as<std::uint64_t>();
         return;
     case JSONKind::real:
-        value = reader.number();
+        if (const auto written = reader.numberText(); !written.empty()) {
+            value.value_.emplace<JSONValue::WrittenNumber>(std::string(written));
+        } else {
+            value = reader.number();
+        }
         return;
     case JSONKind::string:
         value.value_.emplace<std::string>(reader.string());

@@ -52,10 +52,17 @@ class JSONObject {
     std::vector<Member> members_;
 };
 
-// Any JSON. Numbers are int64 where they fit, else uint64, else double: 64-bit integers are exact, and what
-// JSON writes 1.5, 1e3, 1.0 or -0 is a double. Of a key that stands twice in a text the last value counts, in
-// the place of the first. Numbers are equal by value, whatever holds them.
+// Any JSON. Numbers are int64 where they fit, else uint64, else real: what JSON writes 1.5, 1e3, 1.0 or -0,
+// and whole numbers of more than 64 bits. A real that was read is kept as it was written, so that it is
+// written so again however large, small or long it is. Of a key that stands twice in a text the last value
+// counts, in the place of the first. Numbers are equal by value, whatever holds them; reals by their nearest
+// doubles, those beyond all doubles by their texts.
 class JSONValue {
+    struct WrittenNumber {
+        std::string text;
+        bool operator==(const WrittenNumber&) const = default;
+    };
+
   public:
     using Array = std::vector<JSONValue>;
 
@@ -97,16 +104,22 @@ class JSONValue {
                                                DateStrategy dateStrategy = DateStrategy::default_);
     template <class T> Result<T, DecodingError> as(DateStrategy dateStrategy = DateStrategy::default_) const;
 
-    JSONKind kind() const { return static_cast<JSONKind>(value_.index()); }
+    JSONKind kind() const { return isWritten() ? JSONKind::real : static_cast<JSONKind>(value_.index()); }
 
     bool isNull() const { return kind() == JSONKind::null; }
 
     // Nothing if the value is of another kind. A number converts to an integer of the same value; asDouble
-    // gives the nearest one.
+    // gives the nearest one, nothing for a number beyond all doubles.
     std::optional<bool> asBool() const;
     std::optional<std::int64_t> asInt64() const;
     std::optional<std::uint64_t> asUInt64() const;
     std::optional<double> asDouble() const;
+
+    // A real as the JSON text that it was read from wrote it; null for all else.
+    const std::string* writtenNumber() const {
+        const auto* number = std::get_if<WrittenNumber>(&value_);
+        return number ? &number->text : nullptr;
+    }
 
     // Null if the value is of another kind.
     const std::string* asString() const { return std::get_if<std::string>(&value_); }
@@ -129,8 +142,13 @@ class JSONValue {
   private:
     friend void decodeJSON(const JSONReader& reader, JSONValue& value);
 
-    // In the order of JSONKind.
-    std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, double, std::string, Array, JSONObject>
+    std::optional<double> asReal() const;
+
+    bool isWritten() const { return std::holds_alternative<WrittenNumber>(value_); }
+
+    // In the order of JSONKind, but for the last.
+    std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, double, std::string, Array, JSONObject,
+                 WrittenNumber>
         value_;
 };
 
@@ -145,6 +163,9 @@ template <class T> Result<JSONValue, EncodingError> JSONValue::of(const T& value
 }
 
 template <class T> Result<T, DecodingError> JSONValue::as(DateStrategy dateStrategy) const {
+    if (auto tape = JSONTape::of(*this)) {
+        return JSONDecoder{dateStrategy}.decode<T>(std::move(*tape));
+    }
     const auto json = text();
     if (!json) {
         const auto& error = json.error();

@@ -36,6 +36,10 @@ class JSONWriter {
 
     // In the shortest form that reads back as the same double; 3600.0 is written as 3600.
     void number(double value);
+
+    // As it stood in a JSON text.
+    void number(std::string_view written) { literal(written); }
+
     void string(std::string_view utf8);
 
     void beginObject() { begin('{'); }

@@ -123,13 +123,43 @@ TEST(JSONDecoder, DoublesAreTheNearestOnes) {
 }
 
 TEST(JSONDecoder, ANumberBeyondADoubleIsAnError) {
-    for (const auto text :
-         {"1e400"sv, "-1e400"sv, "1e309"sv, "123456789e301"sv, "[1,1e99999]"sv, "1e2147483648"sv}) {
-        EXPECT_EQ(syntaxErrorOf(text).text, "the number is too large") << text;
+    for (const auto text : {"1e400"sv, "-1e400"sv, "1e309"sv, "123456789e301"sv, "1E+99999"sv,
+                            "0.000001e315"sv, "1000000000000.5e297"sv}) {
+        EXPECT_EQ(faultOf<double>(text), "the number is too large") << text;
         EXPECT_NE(faultOf<int>(text), "decodes");
     }
-    EXPECT_EQ(syntaxErrorOf(repeated("9", 400)).text, "the number is too large");
-    EXPECT_EQ(syntaxErrorOf("[1, 1e400, 2]").offset, 4u);
+    EXPECT_EQ(faultOf<double>(repeated("9", 400)), "the number is too large");
+    EXPECT_EQ(faultOf<std::vector<double>>("[1, 1e400, 2]"), "[1]: the number is too large");
+    EXPECT_EQ(syntaxErrorOf("1e2147483648").text, "the number is too large");
+}
+
+TEST(JSONDecoder, ANumberBelowAllDoublesIsZero) {
+    for (const auto text : {"1e-400"sv, "0.0000001e-320"sv, "1000000e-400"sv, "0e400"sv, "0.000E9999"sv}) {
+        EXPECT_EQ(decoded<double>(text), 0) << text;
+    }
+    EXPECT_TRUE(std::signbit(decoded<double>("-1e-400")));
+}
+
+TEST(JSONDecoder, InPlaceReadsTheSame) {
+    for (
+        const auto text :
+        {R"({"plain":"text","a\nb":"\u00e9\n\ud83d\ude00","":"\"","n":[1.5,-0,1e400,"\t","x"],"y":"a\\b"})"sv,
+         R"(["\n","\n","a","\n\n\nb\n",{"k":"v"},"","\r"])"sv, R"("\n")"sv, R"("")"sv, "[1,2.5,3]"sv, "[1,"sv,
+         "[\"\\n\",]"sv}) {
+        std::string copy(text);
+        const auto value = JSONDecoder().decodeInPlace<JSONValue>(copy);
+        const auto expected = JSONValue::parse(text);
+        ASSERT_EQ(value.has_value(), expected.has_value()) << text;
+        if (value) {
+            EXPECT_EQ(value->text(), expected->text());
+        } else {
+            EXPECT_EQ(value.error().text, expected.error().text);
+        }
+    }
+    std::string longText =
+        "[\"" + repeated("line of text\\n", 3000) + "\",\"" + repeated("\\t", 5000) + "\"]";
+    const auto expected = decoded<std::vector<std::string>>(longText);
+    EXPECT_EQ(JSONDecoder().decodeInPlace<std::vector<std::string>>(longText), expected);
 }
 
 TEST(JSONDecoder, NestingIsReadToItsLimitAndNoDeeper) {

@@ -42,6 +42,31 @@ TEST(JSONValue, WhatWasReadIsJSONWhenWrittenAgain) {
     EXPECT_TRUE(std::signbit(*parsed(again("-0")).asDouble()));
 }
 
+TEST(JSONValue, WritesNumbersAsItReadThem) {
+    for (const auto* text :
+         {"1e400", "-1e-400", "123456789012345678901234567890", "1.0", "1", "1e3", "1E+2", "-0", "-0.0",
+          "3.14159265358979323846264338327950288", "0.1000", "18446744073709551616", "[1.50,{\"a\":2e0}]"}) {
+        EXPECT_EQ(again(text), text);
+        EXPECT_EQ(JSONValue::of(parsed(text))->text(), text);
+        EXPECT_EQ(parsed(text).as<JSONValue>()->text(), text);
+    }
+}
+
+TEST(JSONValue, NumbersOfAnyFormAreEqualByValue) {
+    EXPECT_EQ(parsed("1.0"), JSONValue(1));
+    EXPECT_EQ(JSONValue(1000), parsed("1e3"));
+    EXPECT_EQ(parsed("0.1"), JSONValue(0.1));
+    EXPECT_EQ(parsed("0.10"), parsed("1e-1"));
+    EXPECT_EQ(parsed("1e400"), parsed("1e400"));
+    EXPECT_NE(parsed("1e400"), parsed("2e400"));
+    EXPECT_NE(parsed("1e400"), JSONValue(1));
+    EXPECT_EQ(parsed("1e400").asDouble(), std::nullopt);
+    EXPECT_EQ(parsed("1e400").asInt64(), std::nullopt);
+    EXPECT_EQ(parsed("1e3").asInt64(), 1000);
+    EXPECT_EQ(parsed("1e3").asUInt64(), 1000u);
+    EXPECT_EQ(parsed("123456789012345678901234567890").asDouble(), 1.2345678901234568e29);
+}
+
 TEST(JSONValue, OfADuplicateKeyTheLastValueCountsInTheFirstsPlace) {
     EXPECT_EQ(again(R"({"a":1,"b":2,"a":[3]})"), R"({"a":[3],"b":2})");
     std::string many = "{";
