@@ -1,5 +1,7 @@
 #include <Platform/Base64.h>
 
+#include <algorithm>
+
 namespace zelto {
 
 namespace {
@@ -35,6 +37,14 @@ std::string base64Encoded(std::string_view bytes) {
     std::string text(base64Length(bytes.size()), '\0');
     writeBase64({reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size()},
                 reinterpret_cast<std::uint8_t*>(text.data()));
+    return text;
+}
+
+std::string base64URLEncoded(std::string_view bytes) {
+    auto text = base64Encoded(bytes);
+    text.resize(text.find_last_not_of('=') + 1);
+    std::ranges::replace(text, '+', '-');
+    std::ranges::replace(text, '/', '_');
     return text;
 }
 

@@ -19,4 +19,7 @@ void writeBase64(std::span<const std::uint8_t> bytes, std::uint8_t* text);
 
 std::string base64Encoded(std::string_view bytes);
 
+// With "-" and "_" in place of "+" and "/", and without padding (RFC 4648 section 5), as in PKCE.
+std::string base64URLEncoded(std::string_view bytes);
+
 } // namespace zelto

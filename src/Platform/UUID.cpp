@@ -1,20 +1,17 @@
 #include <Platform/UUID.h>
 
+#include <Platform/Crypto/RandomBytes.h>
+
 #include <array>
-#include <cstdio>
-#include <cstdlib>
-#include <sys/random.h>
+#include <cstdint>
 
 namespace zelto {
 
 std::string uuid() {
-    std::array<unsigned char, 16> bytes{};
-    if (getentropy(bytes.data(), bytes.size()) != 0) {
-        std::perror("no random bytes from the kernel");
-        std::abort();
-    }
-    bytes[6] = static_cast<unsigned char>((bytes[6] & 0x0F) | 0x40);
-    bytes[8] = static_cast<unsigned char>((bytes[8] & 0x3F) | 0x80);
+    std::array<std::uint8_t, 16> bytes{};
+    fillWithRandomBytes(bytes);
+    bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0F) | 0x40);
+    bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3F) | 0x80);
     std::string text;
     text.reserve(36);
     for (std::size_t index = 0; index < bytes.size(); ++index) {

@@ -23,6 +23,14 @@ TEST(Base64, AllLettersOfTheAlphabetAreUsedInOrder) {
     EXPECT_EQ(base64Encoded(bytes), "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/");
 }
 
+TEST(Base64, TheFormForURLsHasOtherLettersAndNoPadding) {
+    EXPECT_EQ(base64URLEncoded(""), "");
+    EXPECT_EQ(base64URLEncoded("f"), "Zg");
+    EXPECT_EQ(base64URLEncoded("fo"), "Zm8");
+    EXPECT_EQ(base64URLEncoded("foo"), "Zm9v");
+    EXPECT_EQ(base64URLEncoded("\xfb\xff\xbf"), "-_-_");
+}
+
 TEST(Base64, TheLengthIsKnownBeforehandAlsoForHugeInputs) {
     for (std::size_t count = 0; count < 20; ++count) {
         EXPECT_EQ(base64Length(count), base64Encoded(std::string(count, 'x')).size());
