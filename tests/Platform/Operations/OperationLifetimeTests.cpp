@@ -70,9 +70,12 @@ class CallbackOperation : public WaitingOperation {
   public:
     explicit CallbackOperation(std::function<void()>& callback) : callback_(callback) {}
 
+    Event callbackIsSet;
+
   protected:
     void main() override {
         callback_ = [self = shared_from_this(), this] { finish(); };
+        callbackIsSet.set();
     }
 
   private:
@@ -88,7 +91,7 @@ TEST(OperationLifetime, AnAsynchronousOneLivesByItsCallbackWhenItsQueueIsRelease
         queue.setMaxConcurrentOperationCount(1);
         queue.addOperation(operation);
         queue.addOperation([&] { ran.set(); });
-        expectSoon([&] { return operation->isExecuting(); });
+        operation->callbackIsSet.wait();
         // One that runs after the first has returned from main().
         queue.setMaxConcurrentOperationCount(2);
         ran.wait();
@@ -115,7 +118,7 @@ TEST(OperationLifetime, OneWhoseCallbackNeverComesIsReleasedWithItsQueueAndHolds
         dependant->addDependency(operation);
         watchedNext = next;
         queue.addOperations({operation, next, dependant}, false);
-        expectSoon([&] { return operation->isExecuting(); });
+        operation->callbackIsSet.wait();
         expectSoon([&] { return operation.use_count() <= 3; });
         operation = nullptr;
         callback = nullptr;
