@@ -1,6 +1,6 @@
 #pragma once
 
-// For URL alone: the grammar of RFC 3986, sections 3 and 4.3.
+// For URL and the transport: the grammar of RFC 3986, sections 3 and 4.3.
 
 #include <cstdint>
 #include <optional>

@@ -20,6 +20,8 @@ namespace zelto {
 using DataTaskCompletion =
     Callback<std::optional<Data>, std::shared_ptr<const URLResponse>, std::optional<URLError>>;
 
+class URLSessionState;
+
 // Sends requests over HTTP. All sessions of the process share one I/O thread and one pool of connections
 // (HTTP/2 where offered), so a session is cheap to make and to release. Any thread.
 //
@@ -56,8 +58,9 @@ class URLSession {
     const URLSessionConfiguration& configuration() const;
 
   private:
-    class State;
-    std::shared_ptr<State> state_;
+    std::shared_ptr<URLSessionDataTask> makeTask(URLRequest request, DataTaskCompletion completion);
+
+    std::shared_ptr<URLSessionState> state_;
 };
 
 } // namespace zelto

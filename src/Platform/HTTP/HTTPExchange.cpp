@@ -1,0 +1,185 @@
+#include <Platform/HTTP/HTTPExchangeInternal.h>
+
+#include <algorithm>
+#include <utility>
+
+#include <linux/sockios.h>
+#include <sys/ioctl.h>
+
+namespace zelto {
+namespace {
+
+constexpr std::chrono::seconds longestDraining{1};
+
+// What the system has taken of an upload goes on moving, which only a look at its queue shows.
+constexpr int looksAtUpload = 4;
+
+using Clock = HTTPExchange::Clock;
+
+Clock::duration bounded(TimeInterval interval) {
+    constexpr TimeInterval least{0.001};
+    constexpr TimeInterval most{365 * 24 * 3600.0};
+    return std::chrono::ceil<Clock::duration>(interval > least ? std::min(interval, most) : least);
+}
+
+int unsentBytes(CURL* handle) {
+    curl_socket_t socket = CURL_SOCKET_BAD;
+    int count = 0;
+    if (curl_easy_getinfo(handle, CURLINFO_ACTIVESOCKET, &socket) != CURLE_OK || socket == CURL_SOCKET_BAD ||
+        ::ioctl(socket, SIOCOUTQ, &count) != 0) {
+        return 0;
+    }
+    return count;
+}
+
+} // namespace
+
+HTTPExchange::HTTPExchange(CURLSH* share, Rounds& rounds)
+    : easy_(curl_easy_init()), share_(share), rounds_(rounds) {}
+
+HTTPExchange::~HTTPExchange() {
+    curl_easy_cleanup(easy_);
+}
+
+HTTPExchange& HTTPExchange::of(CURL* handle) {
+    char* exchange = nullptr;
+    curl_easy_getinfo(handle, CURLINFO_PRIVATE, &exchange);
+    return *reinterpret_cast<HTTPExchange*>(exchange);
+}
+
+bool HTTPExchange::begin(std::shared_ptr<URLTransfer> transfer, TransferPlan plan) {
+    transfer_ = std::move(transfer);
+    plan_.emplace(std::move(plan));
+    url_ = plan_->request.url;
+    host_ = url_->host();
+    redirects_ = 0;
+    patience_ = bounded(plan_->request.timeout);
+    giveUpAt_ = rounds_.now + bounded(transfer_->session().configuration.longestTransfer);
+    if (easy_ && prepareHop()) {
+        return true;
+    }
+    transfer_->end(errorOf(failure_.value_or(URLErrorCode::cannotConnect), host_));
+    return false;
+}
+
+bool HTTPExchange::goesOnAfter(CURLcode code) {
+    if (!transfer_) {
+        return false;
+    }
+    const bool isRedirected = redirect_ && (code == CURLE_OK || isDraining_);
+    if (!isRedirected) {
+        transfer_->end(errorAfter(code));
+        return false;
+    }
+    auto wire = wireRequest(plan_->request, *redirect_, transfer_->session().configuration);
+    if (!wire) {
+        transfer_->end(std::move(wire.error()));
+        return false;
+    }
+    ++redirects_;
+    url_ = std::exchange(redirect_, std::nullopt);
+    plan_->wire = *std::move(wire);
+    if (prepareHop()) {
+        return true;
+    }
+    transfer_->end(errorOf(failure_.value_or(URLErrorCode::cannotConnect), host_));
+    return false;
+}
+
+std::optional<URLError> HTTPExchange::errorAfter(CURLcode code) const {
+    if (failure_) {
+        return errorOf(*failure_, host_);
+    }
+    if (code == CURLE_OK) {
+        return head_.isComplete() ? std::nullopt
+                                  : std::optional(errorOf(URLErrorCode::connectionLost, host_));
+    }
+    auto error = errorOf(code, head_.isComplete(), host_, errorText_.data());
+    // What went out may have been carried out, whatever became of a second connection.
+    const bool cameBeforeSending = error.code == URLErrorCode::cannotFindHost ||
+                                   error.code == URLErrorCode::cannotConnect ||
+                                   error.code == URLErrorCode::secureConnection;
+    return attempts_ > 0 && cameBeforeSending ? errorOf(URLErrorCode::connectionLost, host_) : error;
+}
+
+bool HTTPExchange::detach() {
+    transfer_ = nullptr;
+    const auto length = head_.contentLength();
+    curl_off_t received = 0;
+    long version = 0;
+    curl_easy_getinfo(easy_, CURLINFO_SIZE_DOWNLOAD_T, &received);
+    curl_easy_getinfo(easy_, CURLINFO_HTTP_VERSION, &version);
+    const bool isShort = !length || *length <= static_cast<std::uint64_t>(received) + mostDrained;
+    if (!head_.isComplete() || failure_ || !isShort || !isBodySent() || version > CURL_HTTP_VERSION_1_1) {
+        return false;
+    }
+    reader_ = std::nullopt;
+    plan_->request.body = std::nullopt;
+    if (!isDraining_) {
+        beginDraining();
+    }
+    return !isHeldBack_ || proceed();
+}
+
+void HTTPExchange::beginDraining() {
+    isDraining_ = true;
+    drainUntil_ = rounds_.now + longestDraining;
+    scheduleLook();
+}
+
+bool HTTPExchange::proceed() {
+    isHeldBack_ = false;
+    movedAt_ = rounds_.now;
+    scheduleLook();
+    return curl_easy_pause(easy_, CURLPAUSE_CONT) == CURLE_OK && !failure_;
+}
+
+bool HTTPExchange::isBodySent() const {
+    return !reader_ || sent_ == bodySize_;
+}
+
+void HTTPExchange::scheduleLook() {
+    auto next = giveUpAt_;
+    if (isDraining_) {
+        next = drainUntil_;
+    } else if (!isHeldBack_) {
+        next = std::min(next, movedAt_ + patience_);
+        if (reader_) {
+            next = std::min(next, rounds_.now + patience_ / looksAtUpload);
+        }
+    }
+    rounds_.nextLook = std::min(rounds_.nextLook, next);
+}
+
+std::optional<CURLcode> HTTPExchange::overdue() {
+    if (isDraining_ ? rounds_.now >= drainUntil_ : standsStill() || rounds_.now >= giveUpAt_) {
+        if (!isDraining_) {
+            failure_ = URLErrorCode::timedOut;
+        }
+        return CURLE_OPERATION_TIMEDOUT;
+    }
+    scheduleLook();
+    return std::nullopt;
+}
+
+bool HTTPExchange::standsStill() {
+    if (reader_ && attempts_ > 0) {
+        const int unsent = unsentBytes(easy_);
+        if (unsent < std::exchange(unsentAtLook_, unsent)) {
+            movedAt_ = rounds_.now;
+        }
+    }
+    return !isHeldBack_ && rounds_.now >= movedAt_ + patience_;
+}
+
+void HTTPExchange::reset() {
+    transfer_ = nullptr;
+    plan_ = std::nullopt;
+    url_ = std::nullopt;
+    redirect_ = std::nullopt;
+    reader_ = std::nullopt;
+    head_ = {};
+    smallBody_ = {};
+}
+
+} // namespace zelto

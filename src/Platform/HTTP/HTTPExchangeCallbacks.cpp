@@ -1,0 +1,112 @@
+#include <Platform/HTTP/HTTPExchangeInternal.h>
+
+#include <cstdio>
+#include <sys/socket.h>
+
+namespace zelto {
+
+std::size_t HTTPExchange::onHeader(char* data, std::size_t size, std::size_t count, void* exchange) {
+    const auto length = size * count;
+    // Anything but the length ends the transfer.
+    return static_cast<HTTPExchange*>(exchange)->takeHeadLine({data, length}) ? length : length + 1;
+}
+
+bool HTTPExchange::takeHeadLine(std::string_view line) {
+    movedAt_ = rounds_.now;
+    headSize_ += line.size();
+    const auto largest = transfer_ ? transfer_->session().configuration.largestHeader : headSize_;
+    const auto progress = head_.take(line);
+    if (headSize_ > largest || progress == ResponseHead::Progress::tooManyFields) {
+        failure_ = URLErrorCode::answerTooLarge;
+        return false;
+    }
+    if (progress == ResponseHead::Progress::complete && transfer_) {
+        headIsComplete();
+    }
+    return true;
+}
+
+void HTTPExchange::headIsComplete() {
+    if (redirects_ < mostRedirects) {
+        redirect_ = redirectTarget(plan_->request.method, *url_, head_.status(), head_.headers());
+    }
+    if (redirect_) {
+        beginDraining();
+        return;
+    }
+    transfer_->receiveHead(std::make_shared<const HTTPURLResponse>(*url_, head_.status(), head_.headers()),
+                           head_.contentLength().value_or(0));
+}
+
+std::size_t HTTPExchange::onBody(char* data, std::size_t size, std::size_t count, void* exchange) {
+    return static_cast<HTTPExchange*>(exchange)->takeBody(
+        {reinterpret_cast<const std::uint8_t*>(data), size * count});
+}
+
+std::size_t HTTPExchange::takeBody(std::span<const std::uint8_t> data) {
+    movedAt_ = rounds_.now;
+    if (isDraining_) {
+        drained_ += data.size();
+        return drained_ <= mostDrained ? data.size() : CURL_WRITEFUNC_ERROR;
+    }
+    if (transfer_->hasEnded()) {
+        return data.size(); // the engine is about to hear of it
+    }
+    if (data.size() > transfer_->session().configuration.largestAnswer - received_) {
+        failure_ = URLErrorCode::answerTooLarge;
+        return CURL_WRITEFUNC_ERROR;
+    }
+    if (!transfer_->receiveData(data)) {
+        isHeldBack_ = true;
+        return CURL_WRITEFUNC_PAUSE;
+    }
+    received_ += data.size();
+    return data.size();
+}
+
+std::size_t HTTPExchange::onRead(char* data, std::size_t size, std::size_t count, void* exchange) {
+    return static_cast<HTTPExchange*>(exchange)->giveBody(
+        {reinterpret_cast<std::uint8_t*>(data), size * count});
+}
+
+std::size_t HTTPExchange::giveBody(std::span<std::uint8_t> buffer) {
+    movedAt_ = rounds_.now;
+    const auto count = reader_->read(buffer);
+    if (!count) {
+        failure_ = URLErrorCode::bodyUnreadable;
+        return CURL_READFUNC_ABORT;
+    }
+    sent_ += *count;
+    return *count;
+}
+
+int HTTPExchange::onSeek(void* exchange, curl_off_t offset, int origin) {
+    auto& self = *static_cast<HTTPExchange*>(exchange);
+    if (origin != SEEK_SET || offset != 0 || !self.reader_) {
+        return CURL_SEEKFUNC_FAIL;
+    }
+    self.reader_->rewind();
+    self.sent_ = 0;
+    return CURL_SEEKFUNC_OK;
+}
+
+int HTTPExchange::onReady(void* exchange, char*, char*, int, int) {
+    return static_cast<HTTPExchange*>(exchange)->maySend() ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
+}
+
+// libcurl sends by itself again what it sent on a connection that turns out dead.
+bool HTTPExchange::maySend() {
+    movedAt_ = rounds_.now;
+    if (++attempts_ > 1 && !isRepeatable(plan_->request.method)) {
+        failure_ = URLErrorCode::connectionLost;
+        return false;
+    }
+    return true;
+}
+
+// No program that the process starts inherits a connection.
+curl_socket_t HTTPExchange::onSocket(void*, curlsocktype, curl_sockaddr* address) {
+    return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
+}
+
+} // namespace zelto

@@ -1,0 +1,90 @@
+#include <Platform/HTTP/ResponseHeadInternal.h>
+
+#include <Platform/UTF8.h>
+
+#include <charconv>
+#include <string>
+
+namespace zelto {
+namespace {
+
+// Each field is looked for among those before it.
+constexpr int mostFields = 2000;
+
+std::string_view trimmed(std::string_view text) {
+    const auto first = text.find_first_not_of(" \t\r\n");
+    if (first == text.npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
+}
+
+// Old servers mean Latin-1 by what is no UTF-8.
+std::string readable(std::string_view bytes) {
+    if (isValidUTF8(bytes)) {
+        return std::string(bytes);
+    }
+    std::string text;
+    for (const char each : bytes) {
+        appendUTF8(text, static_cast<unsigned char>(each));
+    }
+    return text;
+}
+
+int statusOf(std::string_view line) {
+    int status = 0;
+    if (const auto blank = line.find(' '); blank != line.npos) {
+        line.remove_prefix(blank + 1);
+        std::from_chars(line.data(), line.data() + line.size(), status);
+    }
+    return status;
+}
+
+} // namespace
+
+ResponseHead::Progress ResponseHead::take(std::string_view line) {
+    if (isComplete_) {
+        return Progress::going;
+    }
+    if (line.starts_with("HTTP/")) {
+        *this = {};
+        status_ = statusOf(line);
+        return Progress::going;
+    }
+    if (!trimmed(line).empty()) {
+        return takeField(line);
+    }
+    isComplete_ = status_ >= 200;
+    return isComplete_ ? Progress::complete : Progress::going;
+}
+
+ResponseHead::Progress ResponseHead::takeField(std::string_view line) {
+    if (++fieldCount_ > mostFields) {
+        return Progress::tooManyFields;
+    }
+    const bool continuesLine = line.front() == ' ' || line.front() == '\t';
+    const auto colon = line.find(':');
+    if (!continuesLine && colon != line.npos) {
+        lastName_ = readable(trimmed(line.substr(0, colon)));
+    } else if (!continuesLine || lastName_.empty()) {
+        return Progress::going;
+    }
+    auto value = readable(trimmed(continuesLine ? line : line.substr(colon + 1)));
+    if (const auto before = headers_.value(lastName_)) {
+        value = *before + (continuesLine ? " " : ", ") + value;
+    }
+    headers_.set(lastName_, std::move(value));
+    return Progress::going;
+}
+
+std::optional<std::uint64_t> ResponseHead::contentLength() const {
+    const auto text = headers_.value("Content-Length");
+    std::uint64_t length = 0;
+    if (!text || headers_.value("Transfer-Encoding")) {
+        return std::nullopt;
+    }
+    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), length);
+    return error == std::errc() && end == text->data() + text->size() ? std::optional(length) : std::nullopt;
+}
+
+} // namespace zelto

@@ -1,0 +1,264 @@
+#include <Platform/HTTP/TransferEngineInternal.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdlib>
+#include <thread>
+#include <unistd.h>
+#include <utility>
+
+namespace zelto {
+namespace {
+
+// Each takes a descriptor, of which a process commonly has 1024.
+constexpr std::size_t mostUnderWay = 512;
+constexpr std::size_t mostIdleHandles = 64;
+constexpr long mostConnections = 256;
+
+constexpr std::chrono::seconds patienceAtExit{2};
+constexpr std::chrono::hours longestWait{1};
+
+CURLSH* newShare() {
+    CURLSH* share = curl_share_init();
+    curl_share_setopt(share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
+    return share;
+}
+
+CURLM* newMulti() {
+    setUpCurl();
+    CURLM* multi = curl_multi_init();
+    curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, mostConnections);
+    return multi;
+}
+
+} // namespace
+
+TransferEngine& TransferEngine::shared() {
+    static auto* engine = new TransferEngine;
+    return *engine;
+}
+
+TransferEngine::TransferEngine() : multi_(newMulti()), share_(newShare()) {
+    // After libcurl's setting up, and thus called before what it stands on is torn down.
+    std::atexit(stopThread);
+    startThread();
+}
+
+// The host's signals are not for this thread, and a broken pipe is an error like others.
+void TransferEngine::startThread() {
+    sigset_t all;
+    sigset_t before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_SETMASK, &all, &before);
+    isRunning_ = true;
+    std::thread([this] { run(); }).detach();
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+}
+
+void TransferEngine::stopThread() {
+    static const auto process = ::getpid();
+    auto& engine = shared();
+    if (::getpid() != process) {
+        return;
+    }
+    std::unique_lock lock(engine.lock_);
+    engine.stops_ = true;
+    curl_multi_wakeup(engine.multi_);
+    engine.hasStopped_.wait_for(lock, patienceAtExit, [&] { return !engine.isRunning_; });
+}
+
+void TransferEngine::begin(std::shared_ptr<URLTransfer> transfer) {
+    post({Command::Kind::begin, std::move(transfer)});
+}
+
+void TransferEngine::stop(std::shared_ptr<URLTransfer> transfer) {
+    post({Command::Kind::stop, std::move(transfer)});
+}
+
+void TransferEngine::proceed(std::shared_ptr<URLTransfer> transfer) {
+    post({Command::Kind::proceed, std::move(transfer)});
+}
+
+void TransferEngine::post(Command command) {
+    bool wakes = false;
+    {
+        const std::lock_guard guard(lock_);
+        commands_.push_back(std::move(command));
+        wakes = std::exchange(isWaiting_, false);
+    }
+    if (wakes) {
+        curl_multi_wakeup(multi_);
+    }
+}
+
+void TransferEngine::run() {
+    rounds_.nextLook = Clock::time_point::max();
+    while (true) {
+        {
+            const std::lock_guard guard(lock_);
+            if (stops_) {
+                isRunning_ = false;
+                hasStopped_.notify_all();
+                return;
+            }
+            isWaiting_ = false;
+            taken_.swap(commands_);
+        }
+        rounds_.now = Clock::now();
+        obey();
+        int running = 0;
+        curl_multi_perform(multi_, &running);
+        collectFinished();
+        endOverdue();
+        wait();
+    }
+}
+
+void TransferEngine::wait() {
+    {
+        const std::lock_guard guard(lock_);
+        if (!commands_.empty() || stops_) {
+            return;
+        }
+        isWaiting_ = true;
+    }
+    const auto left = std::min<Clock::duration>(rounds_.nextLook - rounds_.now, longestWait);
+    const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(left).count();
+    curl_multi_poll(multi_, nullptr, 0, static_cast<int>(std::max<std::int64_t>(milliseconds, 0)), nullptr);
+}
+
+void TransferEngine::obey() {
+    for (auto& [kind, transfer] : taken_) {
+        switch (kind) {
+        case Command::Kind::begin:
+            transfer->session().lane.waiting.push_back(transfer);
+            fillLane(transfer->sharedSession());
+            break;
+        case Command::Kind::stop:
+            if (transfer->exchange) {
+                stopExchange(*transfer->exchange);
+            }
+            break;
+        case Command::Kind::proceed:
+            if (transfer->exchange && !transfer->exchange->proceed()) {
+                finish(*transfer->exchange, CURLE_WRITE_ERROR);
+            }
+            break;
+        }
+    }
+    taken_.clear();
+}
+
+void TransferEngine::fillLane(const std::shared_ptr<URLSessionState>& session) {
+    auto& lane = session->lane;
+    const int most = std::max(session->configuration.simultaneousTransfers, 1);
+    while (lane.inFlight < most && !lane.waiting.empty()) {
+        if (running_.size() >= mostUnderWay) {
+            if (!std::exchange(lane.waitsForOthers, true)) {
+                heldLanes_.push_back(session);
+            }
+            return;
+        }
+        const auto transfer = std::move(lane.waiting.front());
+        lane.waiting.pop_front();
+        if (auto plan = transfer->takePlan()) {
+            start(transfer, *std::move(plan));
+        }
+    }
+}
+
+void TransferEngine::fillLanes() {
+    while (!heldLanes_.empty() && running_.size() < mostUnderWay) {
+        const auto session = std::move(heldLanes_.front());
+        heldLanes_.pop_front();
+        session->lane.waitsForOthers = false;
+        fillLane(session);
+    }
+}
+
+void TransferEngine::start(const std::shared_ptr<URLTransfer>& transfer, TransferPlan plan) {
+    if (idle_.empty()) {
+        idle_.push_back(std::make_unique<HTTPExchange>(share_, rounds_));
+    }
+    auto exchange = std::move(idle_.back());
+    idle_.pop_back();
+    if (!exchange->begin(transfer, std::move(plan))) {
+        exchange->reset();
+        idle_.push_back(std::move(exchange));
+        return;
+    }
+    ++transfer->session().lane.inFlight;
+    transfer->exchange = exchange.get();
+    exchange->place = running_.size();
+    curl_multi_add_handle(multi_, exchange->handle());
+    running_.push_back(std::move(exchange));
+}
+
+void TransferEngine::stopExchange(HTTPExchange& exchange) {
+    const auto transfer = exchange.transfer();
+    transfer->exchange = nullptr;
+    if (!exchange.detach()) {
+        curl_multi_remove_handle(multi_, exchange.handle());
+        retire(exchange);
+    }
+    leaveLane(*transfer);
+}
+
+void TransferEngine::leaveLane(const URLTransfer& transfer) {
+    --transfer.session().lane.inFlight;
+    fillLane(transfer.sharedSession());
+    fillLanes();
+}
+
+void TransferEngine::collectFinished() {
+    int left = 0;
+    while (const CURLMsg* message = curl_multi_info_read(multi_, &left)) {
+        if (message->msg == CURLMSG_DONE) {
+            finish(HTTPExchange::of(message->easy_handle), message->data.result);
+        }
+    }
+}
+
+void TransferEngine::finish(HTTPExchange& exchange, CURLcode code) {
+    const auto transfer = exchange.transfer();
+    curl_multi_remove_handle(multi_, exchange.handle());
+    if (exchange.goesOnAfter(code)) {
+        curl_multi_add_handle(multi_, exchange.handle());
+        return;
+    }
+    retire(exchange);
+    if (transfer) {
+        transfer->exchange = nullptr;
+        leaveLane(*transfer);
+    }
+}
+
+void TransferEngine::retire(HTTPExchange& exchange) {
+    exchange.reset();
+    const auto place = exchange.place;
+    std::swap(running_[place], running_.back());
+    running_[place]->place = place;
+    auto retired = std::move(running_.back());
+    running_.pop_back();
+    if (idle_.size() < mostIdleHandles) {
+        idle_.push_back(std::move(retired));
+    }
+}
+
+void TransferEngine::endOverdue() {
+    if (rounds_.now < rounds_.nextLook) {
+        return;
+    }
+    rounds_.nextLook = Clock::time_point::max();
+    // Backwards, since one that ends leaves its place to the last.
+    for (auto place = running_.size(); place-- > 0;) {
+        if (place < running_.size()) {
+            auto& exchange = *running_[place];
+            if (const auto code = exchange.overdue()) {
+                finish(exchange, *code);
+            }
+        }
+    }
+}
+
+} // namespace zelto

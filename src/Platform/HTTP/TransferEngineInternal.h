@@ -1,0 +1,74 @@
+#pragma once
+
+// For the transport alone: the I/O thread of the process.
+
+#include <Platform/HTTP/HTTPExchangeInternal.h>
+#include <Platform/HTTP/URLTransferInternal.h>
+
+#include <atomic>
+#include <condition_variable>
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+namespace zelto {
+
+// Drives all transfers on one thread. Begins no more at a time than a session's configuration says, nor more
+// in all than the process has descriptors for. Lives until the process ends; its thread stops before what
+// libcurl stands on is torn down.
+class TransferEngine {
+  public:
+    static TransferEngine& shared();
+
+    // Any thread.
+    void begin(std::shared_ptr<URLTransfer> transfer);
+    // The transfer has been cancelled.
+    void stop(std::shared_ptr<URLTransfer> transfer);
+    // The delegate has room again.
+    void proceed(std::shared_ptr<URLTransfer> transfer);
+
+  private:
+    using Clock = HTTPExchange::Clock;
+
+    struct Command {
+        enum class Kind { begin, stop, proceed } kind;
+        std::shared_ptr<URLTransfer> transfer;
+    };
+
+    TransferEngine();
+
+    void post(Command command);
+    void startThread();
+    static void stopThread();
+    void run();
+    void wait();
+    void obey();
+    void collectFinished();
+    void endOverdue();
+
+    void start(const std::shared_ptr<URLTransfer>& transfer, TransferPlan plan);
+    void fillLane(const std::shared_ptr<URLSessionState>& session);
+    void fillLanes();
+    void stopExchange(HTTPExchange& exchange);
+    void finish(HTTPExchange& exchange, CURLcode code);
+    void leaveLane(const URLTransfer& transfer);
+    void retire(HTTPExchange& exchange);
+
+    CURLM* const multi_;
+    CURLSH* const share_;
+    HTTPExchange::Rounds rounds_;
+    std::vector<std::unique_ptr<HTTPExchange>> running_;
+    std::vector<std::unique_ptr<HTTPExchange>> idle_;
+    std::deque<std::shared_ptr<URLSessionState>> heldLanes_;
+    std::vector<Command> taken_;
+
+    std::mutex lock_; // guards what follows
+    std::condition_variable hasStopped_;
+    std::vector<Command> commands_;
+    bool stops_ = false;
+    bool isRunning_ = false;
+    bool isWaiting_ = false;
+};
+
+} // namespace zelto

@@ -1,0 +1,240 @@
+#include <Platform/HTTP/URLTransferInternal.h>
+
+#include <Platform/HTTP/TransferEngineInternal.h>
+#include <Platform/Operations/ContainedException.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace zelto {
+namespace {
+
+// As much of an answer as waits for a delegate before the transfer is held back.
+constexpr std::size_t mostUntoldData = 256 * 1024;
+
+// A server's word for the length is believed so far and no farther.
+constexpr std::uint64_t mostReservedData = std::uint64_t{16} << 20;
+
+Result<TransferPlan, URLError> planOf(URLRequest request, const URLSessionConfiguration& configuration) {
+    auto wire = wireRequest(request, request.url, configuration);
+    if (!wire) {
+        return failure(std::move(wire.error()));
+    }
+    return TransferPlan{std::move(request), *std::move(wire)};
+}
+
+} // namespace
+
+// Cancelling the queue's operations takes no task its end.
+class URLTransfer::Delivery final : public Operation {
+  public:
+    explicit Delivery(std::shared_ptr<URLTransfer> transfer) : transfer_(std::move(transfer)) {}
+
+  protected:
+    void main() override { std::exchange(transfer_, nullptr)->deliver(); }
+
+    void endBeforeStart() override { std::exchange(transfer_, nullptr)->schedule(); }
+
+  private:
+    std::shared_ptr<URLTransfer> transfer_;
+};
+
+URLTransfer::URLTransfer(std::shared_ptr<URLSessionState> session, std::int64_t identifier,
+                         URLRequest request, DataTaskCompletion completion)
+    : session_(std::move(session)), identifier_(identifier), hasCompletion_(static_cast<bool>(completion)),
+      plan_(planOf(std::move(request), session_->configuration)), completion_(std::move(completion)) {}
+
+void URLTransfer::resume() {
+    std::unique_lock lock(lock_);
+    if (stage_ != Stage::made) {
+        return;
+    }
+    stage_ = Stage::resumed;
+    if (*plan_) {
+        lock.unlock();
+        TransferEngine::shared().begin(shared_from_this());
+        return;
+    }
+    endLocked(std::move(plan_->error()));
+    if (wantsDelivery()) {
+        lock.unlock();
+        schedule();
+    }
+}
+
+void URLTransfer::cancel() {
+    std::optional<Result<TransferPlan, URLError>> plan; // to be let go of without the lock
+    Data data;
+    std::unique_lock lock(lock_);
+    if (stage_ == Stage::told || (error_ && error_->code == URLErrorCode::cancelled)) {
+        return;
+    }
+    const bool isUnderWay = stage_ == Stage::resumed;
+    plan = std::exchange(plan_, std::nullopt);
+    data = std::exchange(data_, {});
+    hasUntoldResponse_ = false;
+    endLocked(URLError{URLErrorCode::cancelled, "The request was cancelled."});
+    const bool delivers = wantsDelivery();
+    lock.unlock();
+    if (isUnderWay) {
+        TransferEngine::shared().stop(shared_from_this());
+    }
+    if (delivers) {
+        schedule();
+    }
+}
+
+void URLTransfer::taskWasReleased() {
+    {
+        const std::lock_guard guard(lock_);
+        if (stage_ != Stage::made) {
+            return;
+        }
+    }
+    cancel();
+}
+
+std::optional<TransferPlan> URLTransfer::takePlan() {
+    const std::lock_guard guard(lock_);
+    if (stage_ != Stage::resumed || !plan_) {
+        return std::nullopt;
+    }
+    return std::move(**std::exchange(plan_, std::nullopt));
+}
+
+void URLTransfer::receiveHead(std::shared_ptr<const HTTPURLResponse> response, std::uint64_t expectedLength) {
+    std::unique_lock lock(lock_);
+    if (stage_ != Stage::resumed) {
+        return;
+    }
+    response_ = std::move(response);
+    if (hasCompletion_) {
+        data_.reserve(static_cast<std::size_t>(std::min(expectedLength, mostReservedData)));
+        return;
+    }
+    hasUntoldResponse_ = true;
+    if (wantsDelivery()) {
+        lock.unlock();
+        schedule();
+    }
+}
+
+bool URLTransfer::receiveData(std::span<const std::uint8_t> data) {
+    std::unique_lock lock(lock_);
+    if (stage_ != Stage::resumed) {
+        return true;
+    }
+    if (!hasCompletion_ && data_.size() >= mostUntoldData) {
+        isHeldBack_ = true;
+        return false;
+    }
+    data_.insert(data_.end(), data.begin(), data.end());
+    if (!hasCompletion_ && wantsDelivery()) {
+        lock.unlock();
+        schedule();
+    }
+    return true;
+}
+
+void URLTransfer::end(std::optional<URLError> error) {
+    std::unique_lock lock(lock_);
+    if (stage_ != Stage::resumed) {
+        return;
+    }
+    endLocked(std::move(error));
+    if (wantsDelivery()) {
+        lock.unlock();
+        schedule();
+    }
+}
+
+void URLTransfer::endLocked(std::optional<URLError> error) {
+    stage_ = Stage::ended;
+    error_ = std::move(error);
+    hasEnded_.store(true, std::memory_order_release);
+}
+
+// Whether the caller is to schedule.
+bool URLTransfer::wantsDelivery() {
+    return !std::exchange(isScheduled_, true);
+}
+
+void URLTransfer::schedule() {
+    session_->delegateQueue->addOperation(std::make_shared<Delivery>(shared_from_this()));
+}
+
+void URLTransfer::deliver() {
+    if (const auto task = task_.lock()) {
+        if (deliverNext(*task)) {
+            schedule();
+        }
+    } else {
+        URLSessionDataTask standIn(shared_from_this());
+        if (deliverNext(standIn)) {
+            schedule();
+        }
+    }
+}
+
+// One call or two, so that other tasks of the session get their turn; whether there is more to tell.
+bool URLTransfer::deliverNext(URLSessionDataTask& task) {
+    std::unique_lock lock(lock_);
+    if (std::exchange(hasUntoldResponse_, false)) {
+        lock.unlock();
+        tellResponse(task);
+        lock.lock();
+    }
+    if (!hasCompletion_ && !data_.empty()) {
+        tellData(task, lock);
+    }
+    const bool hasMore = !hasCompletion_ && !data_.empty();
+    if (stage_ == Stage::ended && !hasMore) {
+        tellEnd(task, lock);
+        return false;
+    }
+    isScheduled_ = hasMore;
+    return hasMore;
+}
+
+void URLTransfer::tellResponse(URLSessionDataTask& task) {
+    auto disposition = URLSessionResponseDisposition::allow;
+    if (const auto delegate = session_->delegate()) {
+        containingExceptions("A delegate of a session",
+                             [&] { disposition = delegate->didReceiveResponse(task, response_); });
+    }
+    if (disposition == URLSessionResponseDisposition::cancel) {
+        cancel();
+    }
+}
+
+void URLTransfer::tellData(URLSessionDataTask& task, std::unique_lock<std::mutex>& lock) {
+    const auto data = std::exchange(data_, {});
+    lock.unlock();
+    if (const auto delegate = session_->delegate()) {
+        containingExceptions("A delegate of a session", [&] { delegate->didReceiveData(task, data); });
+    }
+    lock.lock();
+    if (std::exchange(isHeldBack_, false) && stage_ == Stage::resumed) {
+        lock.unlock();
+        TransferEngine::shared().proceed(shared_from_this());
+        lock.lock();
+    }
+}
+
+void URLTransfer::tellEnd(URLSessionDataTask& task, std::unique_lock<std::mutex>& lock) {
+    stage_ = Stage::told;
+    const auto error = std::exchange(error_, std::nullopt);
+    auto data = error ? std::nullopt : std::optional(std::exchange(data_, {}));
+    auto completion = std::move(completion_);
+    lock.unlock();
+    containingExceptions("The completion of a task", [&] {
+        if (hasCompletion_) {
+            completion(std::move(data), response_, error);
+        } else if (const auto delegate = session_->delegate()) {
+            delegate->didComplete(task, error);
+        }
+    });
+    session_->taskEnded();
+}
+
+} // namespace zelto
