@@ -1,0 +1,12 @@
+#pragma once
+
+#include <ZeltoIntegrations/AccountAuthoriser.h>
+
+namespace zelto {
+
+class GoToAuthoriser : public AccountAuthoriser {
+  public:
+    explicit GoToAuthoriser(ServiceAccountCredentials accountCredentials);
+};
+
+} // namespace zelto

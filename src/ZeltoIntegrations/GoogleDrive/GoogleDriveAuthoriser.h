@@ -1,0 +1,12 @@
+#pragma once
+
+#include <ZeltoIntegrations/AccountAuthoriser.h>
+
+namespace zelto {
+
+class GoogleDriveAuthoriser : public AccountAuthoriser {
+  public:
+    explicit GoogleDriveAuthoriser(ServiceAccountCredentials accountCredentials);
+};
+
+} // namespace zelto

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <ZeltoIntegrations/AccountAuthoriser.h>
+
+#include <utility>
+
+namespace zelto {
+
+class MeisterTaskAuthoriser : public AccountAuthoriser {
+  public:
+    explicit MeisterTaskAuthoriser(ServiceAccountCredentials accountCredentials)
+        : AccountAuthoriser(std::move(accountCredentials)) {}
+};
+
+} // namespace zelto

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <ZeltoIntegrations/AccountAuthoriser.h>
+
+namespace zelto {
+
+class MicrosoftTeamsAuthoriser final : public AccountAuthoriser {
+  public:
+    explicit MicrosoftTeamsAuthoriser(ServiceAccountCredentials accountCredentials);
+};
+
+} // namespace zelto

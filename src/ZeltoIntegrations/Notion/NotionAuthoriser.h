@@ -1,0 +1,12 @@
+#pragma once
+
+#include <ZeltoIntegrations/AccountAuthoriser.h>
+
+namespace zelto {
+
+class NotionAuthoriser final : public AccountAuthoriser {
+  public:
+    explicit NotionAuthoriser(ServiceAccountCredentials accountCredentials);
+};
+
+} // namespace zelto

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <ZeltoIntegrations/AccountAuthoriser.h>
+
+namespace zelto {
+
+class OneNoteAuthoriser : public AccountAuthoriser {
+  public:
+    explicit OneNoteAuthoriser(ServiceAccountCredentials accountCredentials);
+};
+
+} // namespace zelto

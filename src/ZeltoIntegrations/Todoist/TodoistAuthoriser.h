@@ -1,0 +1,15 @@
+#pragma once
+
+#include <ZeltoIntegrations/AccountAuthoriser.h>
+
+#include <utility>
+
+namespace zelto {
+
+class TodoistAuthoriser : public AccountAuthoriser {
+  public:
+    explicit TodoistAuthoriser(ServiceAccountCredentials accountCredentials)
+        : AccountAuthoriser(std::move(accountCredentials)) {}
+};
+
+} // namespace zelto

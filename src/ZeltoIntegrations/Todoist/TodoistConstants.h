@@ -1,0 +1,26 @@
+#pragma once
+
+#include <ZeltoIntegrations/Secrets.h>
+
+#include <string>
+#include <string_view>
+
+namespace zelto {
+
+// The values of the service's OAuth 2.0 sign-in.
+struct TodoistConstants {
+    TodoistConstants() = delete;
+
+    static const std::string& clientKey() { return Secrets::todoistClientKey(); }
+
+    static const std::string& clientSecret() { return Secrets::todoistClientSecret(); }
+
+    static std::string redirectURL() { return Secrets::webSite() + "/oauth-redirect/todoist"; }
+
+    static constexpr std::string_view authorizationURL = "https://todoist.com/oauth/authorize";
+    static constexpr std::string_view accessTokenURL = "https://todoist.com/oauth/access_token";
+    static constexpr std::string_view responseType = "code";
+    static constexpr std::string_view scope = "data:read_write";
+};
+
+} // namespace zelto

@@ -1,0 +1,46 @@
+#include <ZeltoIntegrations/TokenRefreshOperation.h>
+
+#include <utility>
+
+namespace zelto {
+
+TokenRefreshOperation::TokenRefreshOperation(std::shared_ptr<URLSession> urlSession, JSONDecoder decoder,
+                                             std::shared_ptr<ServiceAuthoriser> authoriser)
+    : ServiceOperation(std::move(urlSession), decoder), authoriser_(std::move(authoriser)) {}
+
+ServiceResult<void> TokenRefreshOperation::refreshResult() const {
+    const std::lock_guard guard(lock_);
+    return refreshResult_;
+}
+
+void TokenRefreshOperation::asyncMain(std::function<void()> onComplete) {
+    auto request = authoriser_->createRefreshTokenRequest();
+    if (!request) {
+        fail(ServiceClientError::oauthError);
+        return onComplete();
+    }
+    // `onComplete` keeps the operation alive until the answer has come.
+    perform(
+        std::move(*request), [this, onComplete = std::move(onComplete)](ServiceResult<ServiceAnswer> result) {
+            end(result ? serviceValue<OAuthToken>(std::move(*result), decoder_) : failure(result.error()));
+            onComplete();
+        });
+}
+
+void TokenRefreshOperation::endBeforeStart() {
+    fail(ServiceClientError::connectionError);
+}
+
+void TokenRefreshOperation::end(const ServiceResult<OAuthToken>& token) {
+    authoriser_->updateToken(token);
+    if (!token) {
+        fail(token.error());
+    }
+}
+
+void TokenRefreshOperation::fail(ServiceClientError error) {
+    const std::lock_guard guard(lock_);
+    refreshResult_ = failure(error);
+}
+
+} // namespace zelto

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <ZeltoIntegrations/Secrets.h>
+
+#include <string>
+#include <string_view>
+
+namespace zelto {
+
+// The values of the service's OAuth 1.0a sign-in.
+struct TrelloConstants {
+    TrelloConstants() = delete;
+
+    static const std::string& clientKey() { return Secrets::trelloClientKey(); }
+
+    static const std::string& clientSecret() { return Secrets::trelloClientSecret(); }
+
+    static std::string redirectURL() { return "oauth.redirect.com.quendra.trovenhal://auth/trello"; }
+
+    static constexpr std::string_view authorizeTokenURL =
+        "https://trello.com/1/OAuthAuthorizeToken?name=Zelto&expiration=never&scope=read,write,account";
+    static constexpr std::string_view accessTokenURL = "https://trello.com/1/OAuthGetAccessToken";
+    static constexpr std::string_view requestTokenURL = "https://trello.com/1/OAuthGetRequestToken";
+};
+
+} // namespace zelto

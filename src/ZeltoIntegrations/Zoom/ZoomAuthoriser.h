@@ -1,0 +1,12 @@
+#pragma once
+
+#include <ZeltoIntegrations/AccountAuthoriser.h>
+
+namespace zelto {
+
+class ZoomAuthoriser : public AccountAuthoriser {
+  public:
+    explicit ZoomAuthoriser(ServiceAccountCredentials accountCredentials);
+};
+
+} // namespace zelto
