@@ -155,6 +155,39 @@ std::size_t characterCount(std::string_view text) {
     return count;
 }
 
+std::vector<std::string_view> characters(std::string_view text) {
+    CharacterEnds ends(text);
+    std::vector<std::string_view> all;
+    std::size_t begin = 0;
+    while (const auto end = ends.next()) {
+        all.push_back(text.substr(begin, *end - begin));
+        begin = *end;
+    }
+    return all;
+}
+
+std::optional<std::size_t> findCharacter(std::string_view text, char character) {
+    const auto first = text.find(character);
+    if (first == std::string_view::npos) {
+        return std::nullopt;
+    }
+    const auto isPlain = [&](std::size_t index) {
+        return index >= text.size() || (isASCII(text[index]) && text[index] != '\r' && text[index] != '\n');
+    };
+    if (isPlain(first + 1) && (first == 0 || isPlain(first - 1))) {
+        return first;
+    }
+    CharacterEnds ends(text);
+    std::size_t begin = 0;
+    while (const auto end = ends.next()) {
+        if (*end - begin == 1 && text[begin] == character) {
+            return begin;
+        }
+        begin = *end;
+    }
+    return std::nullopt;
+}
+
 std::string_view prefixCharacters(std::string_view text, std::size_t count) {
     CharacterEnds ends(text);
     std::size_t length = 0;

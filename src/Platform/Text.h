@@ -3,6 +3,7 @@
 #include <Platform/UTF8.h>
 
 #include <optional>
+#include <vector>
 
 namespace zelto {
 
@@ -12,6 +13,12 @@ namespace zelto {
 // called on any thread.
 
 std::size_t characterCount(std::string_view text);
+
+// Each character in order, as views of the text.
+std::vector<std::string_view> characters(std::string_view text);
+
+// Where an ASCII character first stands as a whole one, with no combining mark behind it.
+std::optional<std::size_t> findCharacter(std::string_view text, char character);
 
 // The first so many characters; all of a shorter text.
 std::string_view prefixCharacters(std::string_view text, std::size_t count);

@@ -17,23 +17,26 @@ struct JSONDecoder {
     DateStrategy dateStrategy = DateStrategy::default_;
 
     template <class T> Result<T, DecodingError> decode(std::string_view text) const {
-        return decode<T>(JSONTape::parse(text));
+        return readParsed<T>(JSONTape::parse(text));
     }
 
     // Needs less memory where strings have escapes; the text is of no use after it.
     template <class T> Result<T, DecodingError> decodeInPlace(std::span<char> text) const {
-        return decode<T>(JSONTape::parseInPlace(text));
+        return readParsed<T>(JSONTape::parseInPlace(text));
     }
 
-    template <class T> Result<T, DecodingError> decode(Result<JSONTape, DecodingError> tape) const {
-        if (!tape) {
-            return failure(std::move(tape.error()));
-        }
+    // A text that is parsed already; it can be read as several types.
+    template <class T> Result<T, DecodingError> read(const JSONTape& tape) const {
         try {
-            return JSONReader(*tape, dateStrategy).as<T>();
+            return JSONReader(tape, dateStrategy).as<T>();
         } catch (DecodingError& error) {
             return failure(std::move(error));
         }
+    }
+
+  private:
+    template <class T> Result<T, DecodingError> readParsed(Result<JSONTape, DecodingError> tape) const {
+        return tape ? read<T>(*tape) : failure(std::move(tape.error()));
     }
 };
 

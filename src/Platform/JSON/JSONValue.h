@@ -163,8 +163,8 @@ template <class T> Result<JSONValue, EncodingError> JSONValue::of(const T& value
 }
 
 template <class T> Result<T, DecodingError> JSONValue::as(DateStrategy dateStrategy) const {
-    if (auto tape = JSONTape::of(*this)) {
-        return JSONDecoder{dateStrategy}.decode<T>(std::move(*tape));
+    if (const auto tape = JSONTape::of(*this)) {
+        return JSONDecoder{dateStrategy}.read<T>(*tape);
     }
     const auto json = text();
     if (!json) {

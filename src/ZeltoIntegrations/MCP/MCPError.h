@@ -1,0 +1,56 @@
+#pragma once
+
+#include <ZeltoIntegrations/MCP/MCPClientError.h>
+
+#include <Platform/Completion.h>
+#include <Platform/HTTP/URLError.h>
+#include <Platform/JSON/JSONError.h>
+#include <Platform/Result.h>
+
+#include <string>
+#include <utility>
+#include <variant>
+
+namespace zelto {
+
+// A host's provider of credentials has none to give.
+struct MCPAuthorizationError {
+    std::string message; // one sentence, for people; no secret in it
+
+    bool operator==(const MCPAuthorizationError&) const = default;
+};
+
+// How an operation of the MCP client fails: by a case of the protocol's own errors, by the connection, by
+// JSON that is none or not of the expected form, by a value that has no JSON, or by the host's provider.
+class MCPError {
+  public:
+    using Value = std::variant<MCPClientError, URLError, DecodingError, EncodingError, MCPAuthorizationError>;
+
+    Value value;
+
+    MCPError(MCPClientError error) : value(std::move(error)) {}
+
+    MCPError(URLError error) : value(std::move(error)) {}
+
+    MCPError(DecodingError error) : value(std::move(error)) {}
+
+    MCPError(EncodingError error) : value(std::move(error)) {}
+
+    MCPError(MCPAuthorizationError error) : value(std::move(error)) {}
+
+    // Null where it is another error.
+    const MCPClientError* clientError() const { return std::get_if<MCPClientError>(&value); }
+
+    // Whether it is this case of MCPClientError.
+    template <class Case> bool is() const {
+        const auto* error = clientError();
+        return error && error->is<Case>();
+    }
+
+    bool operator==(const MCPError&) const = default;
+};
+
+template <class T> using MCPResult = Result<T, MCPError>;
+template <class T> using MCPCompletion = Completion<T, MCPError>;
+
+} // namespace zelto

@@ -1,0 +1,150 @@
+#include <ZeltoIntegrations/MCP/MCPHTTPRequestHandler.h>
+
+#include <ZeltoIntegrations/MCP/MCPDecodingInternal.h>
+#include <ZeltoIntegrations/MCP/MCPHTTPResponseRules.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace zelto {
+
+namespace {
+
+constexpr std::string_view jsonType = "application/json";
+constexpr std::string_view eventStreamType = "text/event-stream";
+
+std::string lowercased(std::string text) {
+    std::ranges::transform(text, text.begin(),
+                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
+    return text;
+}
+
+} // namespace
+
+MCPHTTPRequestHandler::MCPHTTPRequestHandler(MCPRequestID requestID,
+                                             MCPHTTPSessionIDReference sessionIDReference,
+                                             MCPCompletion<MCPResponse> completion)
+    : requestID_(std::move(requestID)), sessionIDReference_(std::move(sessionIDReference)),
+      completion_(std::move(completion)) {}
+
+MCPHTTPTaskDecision MCPHTTPRequestHandler::handle(const MCPHTTPTaskEvent& event) {
+    if (const auto* response = std::get_if<std::shared_ptr<const HTTPURLResponse>>(&event.value)) {
+        return validate(**response);
+    }
+    return receive(std::get<std::string_view>(event.value));
+}
+
+MCPHTTPTaskDecision MCPHTTPRequestHandler::validate(const HTTPURLResponse& response) {
+    if (auto error = failureOf(response, sessionIDReference_)) {
+        return MCPHTTPTaskDecision::finish(failure(MCPError(*std::move(error))));
+    }
+    captureSessionID(response, sessionIDReference_);
+    auto contentType = response.header("Content-Type");
+    auto normalized = contentType ? lowercased(*contentType) : std::string();
+    if (!normalized.contains(jsonType) && !normalized.contains(eventStreamType)) {
+        return MCPHTTPTaskDecision::finish(
+            failure(MCPError(MCPClientError::unsupportedHTTPContentType(std::move(contentType)))));
+    }
+    normalizedContentType_ = std::move(normalized);
+    return MCPHTTPTaskDecision::continueLoading();
+}
+
+bool MCPHTTPRequestHandler::isJSON() const {
+    return normalizedContentType_->contains(jsonType);
+}
+
+MCPHTTPTaskDecision MCPHTTPRequestHandler::receive(std::string_view bytes) {
+    if (!normalizedContentType_) {
+        return MCPHTTPTaskDecision::continueLoading();
+    }
+    if (isJSON()) {
+        body_ += bytes;
+        return MCPHTTPTaskDecision::continueLoading();
+    }
+    auto events = parser_.append(bytes);
+    if (!events) {
+        return MCPHTTPTaskDecision::finish(failure(MCPError(std::move(events.error()))));
+    }
+    auto match = matchingResponse(*std::move(events));
+    if (!match) {
+        return MCPHTTPTaskDecision::finish(failure(std::move(match.error())));
+    }
+    if (!*match) {
+        return MCPHTTPTaskDecision::continueLoading();
+    }
+    resolvedResult_ = **std::move(match);
+    return MCPHTTPTaskDecision::finish({});
+}
+
+MCPResult<std::optional<MCPResponse>>
+MCPHTTPRequestHandler::matchingResponse(std::vector<MCPServerSentEvent> events) const {
+    for (auto& event : events) {
+        auto response = responseIn(std::move(event.data));
+        if (!response || *response) {
+            return response;
+        }
+    }
+    return std::nullopt;
+}
+
+// Nothing for a message that is no answer to the request.
+MCPResult<std::optional<MCPResponse>> MCPHTTPRequestHandler::responseIn(std::string data) const {
+    using Found = Result<std::optional<MCPResponse>, DecodingError>;
+    const auto tape = JSONTape::parseInPlace(data);
+    if (!tape) {
+        return failure(MCPError(tape.error()));
+    }
+    return decodedBy([&]() -> Found {
+        const auto envelope = JSONDecoder().read<MCPRequestIDEnvelope>(*tape);
+        if (!envelope) {
+            return failure(envelope.error());
+        }
+        if (envelope->id != requestID_) {
+            return std::nullopt;
+        }
+        auto response = JSONDecoder().read<MCPResponse>(*tape);
+        return response ? Found(*std::move(response)) : failure(std::move(response.error()));
+    });
+}
+
+void MCPHTTPRequestHandler::complete(MCPResult<void> outcome) {
+    if (resolvedResult_) {
+        completeOnce(*std::move(resolvedResult_));
+    } else if (!outcome) {
+        completeOnce(failure(std::move(outcome.error())));
+    } else {
+        completeOnce(successfulResponse());
+    }
+}
+
+MCPResult<MCPResponse> MCPHTTPRequestHandler::successfulResponse() {
+    if (!normalizedContentType_) {
+        return failure(MCPError(MCPClientError::invalidHTTPResponse()));
+    }
+    if (!isJSON()) {
+        return lastStreamedResponse();
+    }
+    auto body = std::exchange(body_, {});
+    return decodedBy([&] { return JSONDecoder().decodeInPlace<MCPResponse>(body); });
+}
+
+MCPResult<MCPResponse> MCPHTTPRequestHandler::lastStreamedResponse() {
+    auto events = parser_.finish();
+    if (!events) {
+        return failure(MCPError(std::move(events.error())));
+    }
+    auto match = matchingResponse(*std::move(events));
+    if (!match) {
+        return failure(std::move(match.error()));
+    }
+    if (!*match) {
+        return failure(MCPError(MCPClientError::missingJSONRPCResponse()));
+    }
+    return **std::move(match);
+}
+
+void MCPHTTPRequestHandler::completeOnce(MCPResult<MCPResponse> result) {
+    completionGate_.once([&] { completion_(std::move(result)); });
+}
+
+} // namespace zelto

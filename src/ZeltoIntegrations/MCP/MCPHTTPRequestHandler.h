@@ -1,0 +1,46 @@
+#pragma once
+
+#include <ZeltoIntegrations/MCP/MCPHTTPSessionIDReference.h>
+#include <ZeltoIntegrations/MCP/MCPHTTPTaskHandler.h>
+#include <ZeltoIntegrations/MCP/MCPRequestID.h>
+#include <ZeltoIntegrations/MCP/MCPServerSentEventsParser.h>
+
+#include <TrovenhalCommon/OnceGate.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+// Awaits the answer to one request: a JSON body, taken whatever its identifier, or the event with the
+// request's identifier on an event stream, where all others are passed over.
+class MCPHTTPRequestHandler final : public MCPHTTPTaskHandler {
+  public:
+    MCPHTTPRequestHandler(MCPRequestID requestID, MCPHTTPSessionIDReference sessionIDReference,
+                          MCPCompletion<MCPResponse> completion);
+
+    MCPHTTPTaskDecision handle(const MCPHTTPTaskEvent& event) override;
+    void complete(MCPResult<void> outcome) override;
+
+  private:
+    MCPHTTPTaskDecision validate(const HTTPURLResponse& response);
+    MCPHTTPTaskDecision receive(std::string_view bytes);
+    bool isJSON() const;
+    MCPResult<std::optional<MCPResponse>> matchingResponse(std::vector<MCPServerSentEvent> events) const;
+    MCPResult<std::optional<MCPResponse>> responseIn(std::string data) const;
+    MCPResult<MCPResponse> successfulResponse();
+    MCPResult<MCPResponse> lastStreamedResponse();
+    void completeOnce(MCPResult<MCPResponse> result);
+
+    MCPRequestID requestID_;
+    MCPHTTPSessionIDReference sessionIDReference_;
+    MCPCompletion<MCPResponse> completion_;
+    OnceGate completionGate_;
+    std::string body_;
+    MCPServerSentEventsParser parser_;
+    std::optional<std::string> normalizedContentType_;
+    std::optional<MCPResult<MCPResponse>> resolvedResult_;
+};
+
+} // namespace zelto

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <ZeltoIntegrations/MCP/MCPRequestID.h>
+
+#include <Platform/JSON/JSONValue.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace zelto {
+
+// A server's answer. Read, never written: a "jsonrpc" other than "2.0" fails with MCPClientError's
+// invalidJSONRPCVersion, before all else. It may hold neither or both of `result` and `error`; what that
+// means, MCPClient decides.
+struct MCPResponse {
+    struct Error {
+        std::int64_t code = 0;
+        std::string message;
+        std::optional<JSONValue> data;
+
+        bool operator==(const Error&) const = default;
+    };
+
+    MCPRequestID id;
+    std::optional<JSONValue> result;
+    std::optional<Error> error;
+
+    bool operator==(const MCPResponse&) const = default;
+};
+
+ZELTO_JSON_CODED(MCPResponse::Error);
+ZELTO_JSON_CODED(MCPResponse);
+
+} // namespace zelto

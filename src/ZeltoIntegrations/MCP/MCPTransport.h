@@ -1,0 +1,36 @@
+#pragma once
+
+#include <ZeltoIntegrations/MCP/MCPError.h>
+#include <ZeltoIntegrations/MCP/MCPProtocolVersion.h>
+#include <ZeltoIntegrations/MCP/MCPRequest.h>
+#include <ZeltoIntegrations/MCP/MCPResponse.h>
+
+#include <optional>
+#include <string>
+
+namespace zelto {
+
+// Carries messages to one server and holds what the session is: its identifier and the negotiated version.
+// Any thread.
+class MCPTransport {
+  public:
+    virtual ~MCPTransport() = default;
+
+    virtual std::optional<std::string> activeSessionID() const = 0;
+
+    virtual void setProtocolVersion(std::optional<MCPProtocolVersion> version) = 0;
+
+    // Forgets the session's identifier; the version stays.
+    virtual void clearSession() = 0;
+
+    virtual void send(MCPRequest request, MCPCompletion<MCPResponse> completion) = 0;
+    virtual void send(MCPNotification notification, MCPCompletion<void> completion) = 0;
+
+    // Tells the server that the session ends.
+    virtual void disconnect(MCPCompletion<void> completion) = 0;
+
+    // Ends all that is under way with `cancelled`, where the transport can.
+    virtual void cancelAll() {}
+};
+
+} // namespace zelto
