@@ -1,0 +1,37 @@
+#pragma once
+
+#include <Platform/Date.h>
+#include <Platform/HTTP/HTTPHeaders.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+// What goes wrong for the next requests that match. Several members work together: a delayed reset, a slow
+// 503.
+struct SandboxFault {
+    // Which requests; an empty text matches all.
+    std::string host;   // "api.trello.com"
+    std::string path;   // that the request's path begins with: "/1/cards"
+    std::string method; // "POST"
+
+    int times = 1; // so many requests, the first ones that match
+
+    // Answers so, and the service never sees the request. Without a body it is the service's own for that
+    // status.
+    std::optional<int> status;
+    std::optional<std::string> body;
+    std::vector<HTTPHeaderField> fields;
+
+    std::optional<TimeInterval> delay;     // before the answer
+    bool reset = false;                    // the connection ends instead of an answer; the service has acted
+    std::optional<std::uint32_t> slowBody; // bytes of the answer's body a second
+    bool expireTokens = false;             // all access tokens of the host's service, just before it looks
+
+    bool operator==(const SandboxFault&) const = default;
+};
+
+} // namespace zelto
