@@ -78,12 +78,12 @@ std::optional<std::string> routeOrigin(const URL& route) {
 
 // The Host of a URL as its own server gets it.
 std::string hostField(const URL& url) {
-    const auto parts = splitURL(url.absoluteString());
-    const auto authority = splitURLAuthority(*parts.authority);
-    const auto bracketed = authority.host.contains(':');
-    auto host = (bracketed ? "[" : "") + std::string(authority.host) + (bracketed ? "]" : "");
-    if (const auto port = url.port(); port && *port != (url.scheme() == "https" ? 443 : 80)) {
-        host += ":" + std::to_string(*port);
+    auto host = url.host();
+    if (host.contains(':')) {
+        host = "[" + host + "]";
+    }
+    if (portOf(url) != (url.scheme() == "https" ? 443 : 80)) {
+        host += ":" + std::to_string(portOf(url));
     }
     return host;
 }

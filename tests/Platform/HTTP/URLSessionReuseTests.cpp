@@ -1,0 +1,149 @@
+#include <Platform/HTTP/URLSession.h>
+
+#include "Support/ScriptedServer.h"
+#include "Support/SessionTasks.h"
+#include "Support/TestHTTPServer.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <future>
+
+namespace zelto {
+namespace {
+
+constexpr auto shortAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
+
+TEST(URLSessionReuse, OneConnectionServesRequestAfterRequestOfAllSessions) {
+    TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "ok"}; });
+    for (int round = 0; round < 20; ++round) {
+        URLSession session(URLSessionConfiguration::ephemeral());
+        URLRequest request(server.url(), round % 2 == 0 ? "GET" : "POST");
+        request.body = round % 2 == 0 ? std::nullopt : std::optional(HTTPBody(std::string(100'000, 'x')));
+        EXPECT_EQ(TaskEnd::of(session, request).text(), "ok");
+    }
+    EXPECT_EQ(server.connectionCount(), 1);
+}
+
+// The first request of a connection is answered, the next one read, and the connection then ended.
+class DyingConnections {
+  public:
+    explicit DyingConnections(bool resets)
+        : server_([this, resets](Conversation& conversation) {
+              serve(conversation);
+              if (resets) {
+                  conversation.resetAtEnd();
+              }
+          }) {}
+
+    URL url() const { return server_.url(); }
+
+    int received() const { return received_; }
+
+    int connections() const { return server_.connectionCount(); }
+
+  private:
+    void serve(Conversation& conversation) {
+        if (receive(conversation) && conversation.send(shortAnswer)) {
+            receive(conversation);
+        }
+    }
+
+    bool receive(Conversation& conversation) {
+        const auto head = conversation.readHead();
+        if (head.empty()) {
+            return false;
+        }
+        if (const auto length = head.find("Content-Length: "); length != head.npos) {
+            conversation.read(std::stoul(head.substr(length + 16)));
+        }
+        ++received_;
+        return true;
+    }
+
+    std::atomic<int> received_ = 0;
+    ScriptedServer server_;
+};
+
+TEST(URLSessionReuse, WhatChangesThingsIsNotSentTwiceWhenAReusedConnectionDies) {
+    for (const bool resets : {false, true}) {
+        for (const auto* method : {"POST", "PATCH", "DELETE", "REPORT"}) {
+            for (const std::size_t size : {0, 10, 300'000}) {
+                DyingConnections server(resets);
+                URLSession session(URLSessionConfiguration::ephemeral());
+                URLRequest request(server.url(), method);
+                request.body = HTTPBody(std::string(size, 'x'));
+                EXPECT_EQ(TaskEnd::of(session, request).text(), "ok") << method;
+                EXPECT_EQ(TaskEnd::of(session, request).code(), URLErrorCode::connectionLost) << method;
+                EXPECT_EQ(server.received(), 2) << method << size;
+            }
+        }
+    }
+}
+
+TEST(URLSessionReuse, WhatMayBeRepeatedIsSentAgainWhenAReusedConnectionDies) {
+    for (const bool resets : {false, true}) {
+        for (const auto* method : {"GET", "HEAD", "PUT", "OPTIONS"}) {
+            for (const std::size_t size : {0, 10, 300'000}) {
+                DyingConnections server(resets);
+                URLSession session(URLSessionConfiguration::ephemeral());
+                URLRequest request(server.url(), method);
+                if (std::string_view(method) != "HEAD") {
+                    request.body = HTTPBody(std::string(size, 'x'));
+                }
+                EXPECT_EQ(TaskEnd::of(session, request).error, std::nullopt) << method;
+                const auto second = TaskEnd::of(session, request);
+                EXPECT_EQ(second.error, std::nullopt) << method << size << second.error->message;
+                EXPECT_EQ(server.received(), 3) << method << size;
+                EXPECT_EQ(server.connections(), 2) << method << size;
+            }
+        }
+    }
+}
+
+TEST(URLSessionReuse, APostWhoseServerHasGoneMeanwhileDoesNotClaimThatItWasNeverSent) {
+    std::optional<ScriptedServer> server;
+    std::atomic<bool> isRead = false;
+    server.emplace([&](Conversation& conversation) {
+        conversation.readHead();
+        conversation.send(shortAnswer);
+        isRead = !conversation.readHead().empty();
+        conversation.waitForEnd();
+    });
+    URLSession session(URLSessionConfiguration::ephemeral());
+    URLRequest request(server->url(), "POST");
+    EXPECT_EQ(TaskEnd::of(session, request).text(), "ok");
+    Completed<TaskEnd> end;
+    session.dataTask(request, TaskEnd::into(end))->resume();
+    while (!isRead) {
+        std::this_thread::yield();
+    }
+    server.reset(); // nobody listens any more, so that a second connection is refused
+    EXPECT_EQ(end.value().code(), URLErrorCode::connectionLost);
+}
+
+TEST(URLSessionReuse, ANewConnectionIsMadeWhenTheServerSaysClose) {
+    TestHTTPServer server([](const ReceivedRequest&) {
+        return PlayedAnswer{.body = "ok", .fields = {{"Connection", "close"}}, .closes = true};
+    });
+    URLSession session(URLSessionConfiguration::ephemeral());
+    for (int round = 0; round < 5; ++round) {
+        EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url(), "POST")).text(), "ok");
+    }
+    EXPECT_EQ(server.connectionCount(), 5);
+}
+
+TEST(URLSessionReuse, AConnectionThatTheServerHasClosedMeanwhileCostsNoPost) {
+    TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "ok", .closes = true}; });
+    URLSession session(URLSessionConfiguration::ephemeral());
+    for (int round = 0; round < 50; ++round) {
+        EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url(), "POST")).text(), "ok") << round;
+        while (server.openConnectionCount() > 0) {
+            std::this_thread::yield();
+        }
+    }
+    EXPECT_EQ(server.requests().size(), 50u);
+}
+
+} // namespace
+} // namespace zelto
