@@ -1,0 +1,215 @@
+#include <Platform/HTTP/URLSession.h>
+
+#include "Support/RecordingDelegate.h"
+#include "Support/ScriptedServer.h"
+#include "Support/SessionTasks.h"
+#include "Support/TestHTTPServer.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <random>
+#include <semaphore>
+
+namespace zelto {
+namespace {
+
+constexpr std::string_view head = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n";
+
+// Cancels a task when its server has come to the place where the script releases the semaphore, and waits for
+// both ends.
+void expectCancelledAt(URLRequest request,
+                       const std::function<void(Conversation&, std::binary_semaphore&)>& script) {
+    std::binary_semaphore isThere(0);
+    std::binary_semaphore serverIsDone(0);
+    ScriptedServer server([&](Conversation& conversation) {
+        script(conversation, isThere);
+        conversation.waitForEnd();
+        serverIsDone.release();
+    });
+    request.url = server.url();
+    URLSession session(URLSessionConfiguration::ephemeral());
+    Completed<TaskEnd> end;
+    const auto task = session.dataTask(std::move(request), TaskEnd::into(end));
+    task->resume();
+    isThere.acquire();
+    task->cancel();
+    task->cancel();
+    EXPECT_EQ(end.value().code(), URLErrorCode::cancelled);
+    serverIsDone.acquire();
+}
+
+const URL anyURL = *URL::parse("http://127.0.0.1/");
+
+TEST(URLSessionCancel, BeforeTheHeadEndsTheConnection) {
+    expectCancelledAt(URLRequest(anyURL), [](Conversation& conversation, auto& isThere) {
+        conversation.readHead();
+        isThere.release();
+    });
+}
+
+TEST(URLSessionCancel, WithinTheHeadEndsTheConnection) {
+    expectCancelledAt(URLRequest(anyURL), [](Conversation& conversation, auto& isThere) {
+        conversation.readHead();
+        conversation.send(head.substr(0, 20));
+        isThere.release();
+    });
+}
+
+TEST(URLSessionCancel, WithinALongBodyEndsTheConnection) {
+    expectCancelledAt(URLRequest(anyURL), [](Conversation& conversation, auto& isThere) {
+        conversation.readHead();
+        conversation.send("HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\nhello");
+        isThere.release();
+    });
+}
+
+TEST(URLSessionCancel, WithinAnEndlessBodyEndsTheConnection) {
+    expectCancelledAt(URLRequest(anyURL), [](Conversation& conversation, auto& isThere) {
+        conversation.readHead();
+        conversation.send("HTTP/1.1 200 OK\r\n\r\nhello");
+        isThere.release();
+        while (conversation.send(std::string(10'000, 'x'))) {
+        }
+    });
+}
+
+TEST(URLSessionCancel, WithinAnUploadEndsTheConnection) {
+    URLRequest request(anyURL, "POST");
+    request.body = HTTPBody(std::string(50'000'000, 'x'));
+    expectCancelledAt(std::move(request), [](Conversation& conversation, auto& isThere) {
+        conversation.readHead();
+        conversation.read(100'000);
+        isThere.release();
+    });
+}
+
+TEST(URLSessionCancel, OfAStreamThatIsSilentEndsTheConnection) {
+    expectCancelledAt(URLRequest(anyURL), [](Conversation& conversation, auto& isThere) {
+        conversation.readHead();
+        conversation.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n");
+        isThere.release();
+    });
+}
+
+TEST(URLSessionCancel, OfATaskThatWaitsForItsTurnSendsNothing) {
+    std::binary_semaphore answers(0);
+    std::atomic<int> received = 0;
+    ScriptedServer server([&](Conversation& conversation) {
+        while (!conversation.readHead().empty()) {
+            if (++received == 1) {
+                answers.acquire();
+            }
+            conversation.send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
+        }
+    });
+    auto configuration = URLSessionConfiguration::ephemeral();
+    configuration.simultaneousTransfers = 1;
+    URLSession session(configuration);
+    std::vector<Completed<TaskEnd>> ends(5);
+    std::vector<std::shared_ptr<URLSessionDataTask>> tasks;
+    for (auto& end : ends) {
+        tasks.push_back(session.dataTask(URLRequest(server.url()), TaskEnd::into(end)));
+        tasks.back()->resume();
+    }
+    for (const int cancelled : {1, 3}) {
+        tasks[cancelled]->cancel();
+        EXPECT_EQ(ends[cancelled].value().code(), URLErrorCode::cancelled);
+    }
+    answers.release();
+    for (const int finished : {0, 2, 4}) {
+        EXPECT_EQ(ends[finished].value().text(), "ok");
+    }
+    EXPECT_EQ(received, 3);
+    EXPECT_EQ(server.connectionCount(), 1);
+}
+
+TEST(URLSessionCancel, AfterTheEndHasNoEffect) {
+    TestHTTPServer server({{.body = "ok"}});
+    URLSession session(URLSessionConfiguration::ephemeral());
+    Completed<TaskEnd> end;
+    const auto task = session.dataTask(URLRequest(server.url()), TaskEnd::into(end));
+    task->resume();
+    EXPECT_EQ(end.value().text(), "ok");
+    task->cancel();
+    task->resume();
+}
+
+// The rest of the answer comes when the task has been cancelled, and a later request goes over its
+// connection.
+void expectConnectionKept(std::string_view first, std::string_view rest) {
+    std::binary_semaphore isCancelled(0);
+    ScriptedServer server([&](Conversation& conversation) {
+        if (conversation.number() == 0) {
+            conversation.readHead();
+            conversation.send(first);
+            isCancelled.acquire();
+            conversation.send(rest);
+        }
+        if (!conversation.readHead().empty()) {
+            conversation.send("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" +
+                              std::to_string(conversation.number()));
+        }
+    });
+    const auto delegate = std::make_shared<RecordingDelegate>();
+    URLSession session(URLSessionConfiguration::ephemeral(), delegate);
+    delegate->onData = [](URLSessionDataTask& task, auto) { task.cancel(); };
+    session.dataTask(URLRequest(server.url()))->resume();
+    EXPECT_EQ(delegate->eventsAfter(1).back(), "1 end cancelled");
+    isCancelled.release();
+    // Until the rest has been read, requests take new connections.
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (TaskEnd::of(session, URLRequest(server.url())).text() != "0") {
+        ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+    }
+}
+
+TEST(URLSessionCancel, WhenLittleIsLeftKeepsTheConnection) {
+    expectConnectionKept("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nhello", "world");
+}
+
+TEST(URLSessionCancel, WhenOnlyTheLastChunkIsLeftKeepsTheConnection) {
+    expectConnectionKept("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n", "0\r\n\r\n");
+}
+
+TEST(URLSessionCancel, AtAnyMomentTellsEachTaskItsEndOnce) {
+    TestHTTPServer server([](const ReceivedRequest& request) {
+        return PlayedAnswer{.body = std::string(request.target.size() * 1000, 'x')};
+    });
+    auto configuration = URLSessionConfiguration::ephemeral();
+    configuration.simultaneousTransfers = 8;
+    constexpr int count = 500;
+    std::atomic<int> ends = 0;
+    std::counting_semaphore<> isOver(0);
+    {
+        URLSession session(configuration);
+        std::minstd_rand random(1);
+        std::vector<std::shared_ptr<URLSessionDataTask>> tasks;
+        for (int number = 0; number < count; ++number) {
+            URLRequest request(server.url("/" + std::string(random() % 100, 'a')), "PUT");
+            request.body = HTTPBody(std::string(random() % 200'000, 'b'));
+            tasks.push_back(session.dataTask(std::move(request), [&](auto data, auto, auto error) {
+                EXPECT_NE(data.has_value(), error.has_value());
+                EXPECT_TRUE(!error || error->code == URLErrorCode::cancelled) << error->message;
+                ++ends;
+                isOver.release();
+            }));
+            tasks.back()->resume();
+            if (random() % 2 == 0) {
+                tasks[random() % tasks.size()]->cancel();
+            }
+        }
+        for (const auto& task : tasks) {
+            if (random() % 2 == 0) {
+                task->cancel();
+            }
+        }
+    }
+    for (int number = 0; number < count; ++number) {
+        isOver.acquire();
+    }
+    EXPECT_EQ(ends, count);
+}
+
+} // namespace
+} // namespace zelto
