@@ -86,7 +86,7 @@ void ServiceExporter::updateActiveClient(std::shared_ptr<CancellableServiceClien
     serviceClient_ = std::move(client);
 }
 
-void ServiceExporter::cancelTasks() {
+void ServiceExporter::cancelRequests() {
     std::shared_ptr<CancellableServiceClient> client;
     {
         const std::lock_guard guard(lock_);
@@ -95,16 +95,11 @@ void ServiceExporter::cancelTasks() {
     if (client) {
         client->cancelAllOperations();
     }
-    taskQueue_.cancelAllOperations();
 }
 
-bool ServiceExporter::countStep(ExportProgress& progress) {
-    progress.setCompletedUnitCount(progress.completedUnitCount() + 1);
-    if (!progress.isCancelled()) {
-        return true;
-    }
-    cancelTasks();
-    return false;
+void ServiceExporter::cancelTasks() {
+    cancelRequests();
+    taskQueue_.cancelAllOperations();
 }
 
 void ServiceExporter::postExportEvent(IntegrationExportContentType exportType,

@@ -103,13 +103,20 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     // Each step calls this when it ends. True if the export goes on; a cancelled one is stopped, and
     // `completion` gets `canceled`.
     template <class T> bool update(ExportProgress& progress, const ResultMediator<T>& completion) {
-        if (countStep(progress)) {
-            return true;
+        progress.setCompletedUnitCount(progress.completedUnitCount() + 1);
+        return !stopIfCancelled(progress, completion);
+    }
+
+    // The same without counting: whether the export was cancelled, and is stopped now.
+    template <class T> bool stopIfCancelled(ExportProgress& progress, const ResultMediator<T>& completion) {
+        if (!progress.isCancelled()) {
+            return false;
         }
+        cancelTasks();
         if (completion) {
             completion(failure(IntegrationExportError::canceled));
         }
-        return false;
+        return true;
     }
 
     void updateActiveClient(std::shared_ptr<CancellableServiceClient> client);
@@ -137,6 +144,8 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
                         originalConfig.diff(userConfig, attachmentsAreSelectedByDefault_), result);
     }
 
+    // Ends the requests that are under way; steps and all else go on.
+    void cancelRequests();
     void cancelTasks();
 
     IntegrationsPlatformInteractorProtocol& platformInteractor() const { return *platformInteractor_; }
@@ -190,8 +199,6 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
         std::weak_ptr<ServiceExporter> exporter_;
     };
 
-    // False for a cancelled progress, whose tasks it cancels.
-    bool countStep(ExportProgress& progress);
     void postExportEvent(IntegrationExportContentType exportType,
                          const std::vector<std::string>& modifiedFields, const ExporterResult<void>& result);
 

@@ -5,6 +5,7 @@
 #include <ZeltoIntegrations/IntegrationsManager.h>
 #include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
 #include <ZeltoIntegrations/Things/ThingsExporter.h>
+#include <ZeltoIntegrations/Trello/TrelloExporter.h>
 #include <ZeltoIntegrations/TwoDo/TwoDoExporter.h>
 
 #include <algorithm>
@@ -45,7 +46,7 @@ constexpr ExporterRow exporters[] = {
     {ServiceType::Asana, nullptr},
     {ServiceType::OneNote, nullptr},
     {ServiceType::Evernote, nullptr},
-    {ServiceType::Trello, nullptr},
+    {ServiceType::Trello, make<TrelloExporter>},
     {ServiceType::Bear, make<BearExporter>},
     {ServiceType::MeisterTask, nullptr},
     {ServiceType::TickTick, nullptr},

@@ -17,7 +17,10 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     std::optional<std::string> linkText = "mid:1@example.org";
     std::optional<std::string> plainText = "Body";
     std::optional<std::string> summary = "Summary";
+    std::optional<std::string> htmlText;
     IntegrationAttachments attachments;
+    // Gives the file of an attachment; nothing for one that is not known.
+    std::function<std::optional<URL>(std::int64_t)> fileOf = [](std::int64_t) { return std::nullopt; };
     // Called before a text is given, with the name of the operation.
     std::function<void(const std::string&)> onAsked = [](const std::string&) {};
     std::function<void()> onTitle = [] {};
@@ -26,6 +29,12 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     std::vector<IntegrationLinkType> askedLinks() const {
         const std::lock_guard guard(lock_);
         return askedLinks_;
+    }
+
+    // The options that the body was asked for with, in order.
+    std::vector<IntegrationExportHtmlOptions> askedHtml() const {
+        const std::lock_guard guard(lock_);
+        return askedHtml_;
     }
 
     IntegrationExportTarget exportTarget() override { return target; }
@@ -56,8 +65,14 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
         completion(std::nullopt);
     }
 
-    void html(IntegrationExportHtmlOptions, Callback<std::optional<std::string>> completion) override {
-        completion(std::nullopt);
+    void html(IntegrationExportHtmlOptions options,
+              Callback<std::optional<std::string>> completion) override {
+        {
+            const std::lock_guard guard(lock_);
+            askedHtml_.push_back(std::move(options));
+        }
+        onAsked("html");
+        completion(htmlText);
     }
 
     void enml(std::string, Callback<std::optional<IntegrationsInteractorEnml>> completion) override {
@@ -101,8 +116,12 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
         completion(attachments);
     }
 
-    void fetchAttachment(std::int64_t,
+    void fetchAttachment(std::int64_t attachmentPk,
                          Completion<std::optional<URL>, AttachmentFetchError> completion) override {
+        onAsked("fetchAttachment");
+        if (auto file = fileOf(attachmentPk)) {
+            return completion(std::move(file));
+        }
         completion(failure(AttachmentFetchError::unknownAttachment));
     }
 
@@ -126,6 +145,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
 
     mutable std::mutex lock_;
     std::vector<IntegrationLinkType> askedLinks_;
+    std::vector<IntegrationExportHtmlOptions> askedHtml_;
 };
 
 } // namespace zelto

@@ -4,6 +4,7 @@
 
 #include <Platform/DateFormatter.h>
 
+#include <filesystem>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -39,6 +40,9 @@ class FakePlatformInteractor final : public IntegrationsPlatformInteractorProtoc
     std::function<void(const URL&, Callback<bool>)> openURL = [](const URL&, Callback<bool> done) {
         done(true);
     };
+    // What making a PDF does; by default it fails.
+    std::function<void(const std::string&, const std::filesystem::path&, Callback<bool>)> makePdf =
+        [](const std::string&, const std::filesystem::path&, Callback<bool> done) { done(false); };
     // Called when the host has been told.
     std::function<void()> onExportEvent = [] {};
     std::function<void()> onAdded = [] {};
@@ -54,8 +58,8 @@ class FakePlatformInteractor final : public IntegrationsPlatformInteractorProtoc
         return std::make_shared<FakeDateFormatter>();
     }
 
-    void convert(std::string, std::filesystem::path, Callback<bool> completion) override {
-        completion(false);
+    void convert(std::string html, std::filesystem::path toPdf, Callback<bool> completion) override {
+        makePdf(html, toPdf, std::move(completion));
     }
 
     void executeAction(URL url, Callback<bool> completion) override {

@@ -2,7 +2,9 @@
 
 #include <ZeltoIntegrations/IntegrationAttachments.h>
 
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zelto {
@@ -15,6 +17,14 @@ class ConfigurationDiff {
             names_.push_back(std::move(name));
         }
         return *this;
+    }
+
+    // A member of what both may have.
+    template <class Whole, class Part>
+    ConfigurationDiff& part(std::string name, Part Whole::*member, const std::optional<Whole>& original,
+                            const std::optional<Whole>& user) {
+        const bool isSame = original && user ? (*original).*member == (*user).*member : !original && !user;
+        return field(std::move(name), true, isSame);
     }
 
     // "attachments", if the user's selection has another size than what was selected from the start.

@@ -2,6 +2,8 @@
 
 #include <ZeltoIntegrations/Secrets.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -21,6 +23,12 @@ struct TrelloConstants {
         "https://trello.com/1/OAuthAuthorizeToken?name=Zelto&expiration=never&scope=read,write,account";
     static constexpr std::string_view accessTokenURL = "https://trello.com/1/OAuthGetAccessToken";
     static constexpr std::string_view requestTokenURL = "https://trello.com/1/OAuthGetRequestToken";
+
+    // What a card takes, as the service publishes it; the length in characters, sizes in bytes.
+    static constexpr std::size_t symbolsLimit = 16'000;
+    static constexpr std::int64_t attachmentsCountLimit = 100;
+    static constexpr std::int64_t attachmentSizeLimitForFreeAccount = std::int64_t{10} << 20;
+    static constexpr std::int64_t attachmentSizeLimitForPremiumAccount = std::int64_t{250} << 20;
 };
 
 } // namespace zelto

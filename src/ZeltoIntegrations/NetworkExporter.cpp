@@ -1,0 +1,91 @@
+#include <ZeltoIntegrations/NetworkExporter.h>
+
+#include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
+
+#include <utility>
+
+namespace zelto {
+
+using FileCompletion = Completion<std::filesystem::path, IntegrationExportError>;
+
+NetworkExporter::Steps::Steps(std::shared_ptr<NetworkExporter> exporter, std::size_t unitCount,
+                              ResultMediator<void> finish)
+    : run_(std::make_shared<Run>(std::move(exporter),
+                                 std::make_shared<ExportProgress>(static_cast<std::int64_t>(unitCount)),
+                                 std::move(finish))) {
+    const std::lock_guard guard(run_->exporter->reportLock_);
+    run_->exporter->report_ = {};
+}
+
+std::shared_ptr<ExportProgress> NetworkExporter::Steps::execute() {
+    operations_.push_back(
+        run_->exporter->createSyncTask([finish = run_->finish, outcomes = std::move(outcomes_)] {
+            for (const auto& outcome : outcomes) {
+                if (const auto result = outcome(); !result) {
+                    return finish(result);
+                }
+            }
+            finish({});
+        }));
+    run_->progress->setCancellationHandler([weakly = std::weak_ptr<NetworkExporter>(run_->exporter)] {
+        if (const auto exporter = weakly.lock()) {
+            exporter->cancelRequests();
+        }
+    });
+    run_->exporter->ServiceExporter::execute(operations_);
+    return run_->progress;
+}
+
+ExportReport NetworkExporter::exportReport() const {
+    const std::lock_guard guard(reportLock_);
+    return report_;
+}
+
+std::shared_ptr<ExportProgress> NetworkExporter::refuseFormat(const ResultMediator<void>& finish) {
+    finish(failure(IntegrationExportError::unsupportedFormat));
+    return std::make_shared<ExportProgress>(0);
+}
+
+std::string NetworkExporter::titleOr(const std::optional<std::string>& userTitle) const {
+    return userTitle ? *userTitle : dataInteractor().title();
+}
+
+void NetworkExporter::makePdf(const std::string& title, FileCompletion done) {
+    const auto self = std::static_pointer_cast<NetworkExporter>(shared_from_this());
+    dataInteractor().html(IntegrationExportHtmlOptions{}, [self, title, done = std::move(done)](
+                                                              std::optional<std::string> html) mutable {
+        const auto path = ExportServiceHelper::pdfFilePath(title);
+        if (!html || !path) {
+            return done(failure(IntegrationExportError::convertError));
+        }
+        self->platformInteractor().convert(*std::move(html), *path,
+                                           [path = *path, done = std::move(done)](bool isConverted) mutable {
+                                               if (!isConverted) {
+                                                   return done(failure(IntegrationExportError::convertError));
+                                               }
+                                               done(std::move(path));
+                                           });
+    });
+}
+
+void NetworkExporter::fetchFile(std::int64_t attachmentPk, IntegrationExportError missing,
+                                FileCompletion done) {
+    dataInteractor().fetchAttachment(attachmentPk, [missing, done = std::move(done)](auto fetched) mutable {
+        if (!fetched || !*fetched) {
+            return done(failure(missing));
+        }
+        done((*fetched)->filePath());
+    });
+}
+
+void NetworkExporter::reportMade(std::string kind, std::string name, std::optional<std::string> identifier) {
+    const std::lock_guard guard(reportLock_);
+    report_.made.push_back({std::move(kind), std::move(name), std::move(identifier)});
+}
+
+void NetworkExporter::reportRefused(std::string kind, std::string name, ServiceClientError reason) {
+    const std::lock_guard guard(reportLock_);
+    report_.refused.push_back({std::move(kind), std::move(name), reason});
+}
+
+} // namespace zelto

@@ -1,0 +1,156 @@
+#pragma once
+
+#include <ZeltoIntegrations/ExportReport.h>
+#include <ZeltoIntegrations/ServiceExporter.h>
+
+#include <Platform/JSON/JSONDecoder.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace zelto {
+
+// What the exporters share that reach their service by requests.
+//
+// An export is a list of steps that run one after the other. Each hands on what it made as its result, for
+// the later steps that were given it; a failure does not stop the others, and the first one in the order of
+// the steps is what the export ends with. Cancelling the progress ends the request under way at once, and no
+// step begins after that.
+class NetworkExporter : public ServiceExporter {
+  public:
+    using ServiceExporter::ServiceExporter;
+
+    // Of the last export that was begun, also while it runs. Any thread.
+    ExportReport exportReport() const;
+
+  protected:
+    template <class T> using Step = std::shared_ptr<ExporterAsyncOperation<ExporterResult<T>>>;
+    template <class T> using StepCompletion = Completion<T, IntegrationExportError>;
+
+    // What a step calls when it has done its work: false if the export is to stop here.
+    using UpdateProgress = std::function<bool()>;
+
+    // Puts the steps of one export together.
+    class Steps {
+      public:
+        // `finish` gets the export's result.
+        Steps(std::shared_ptr<NetworkExporter> exporter, std::size_t unitCount, ResultMediator<void> finish);
+
+        // A member function of the exporter, called with these arguments, an UpdateProgress and a
+        // StepCompletion<R>.
+        template <class R, class Exporter, class... Parameters, class... Arguments>
+        Step<R> add(void (Exporter::*step)(Parameters...), Arguments... arguments) {
+            auto operation = run_->exporter->createAsyncTask<ExporterResult<R>>(
+                [run = run_, step, ... arguments = std::move(arguments)](StepCompletion<R> done) {
+                    if (run->isStopped()) {
+                        return done(failure(IntegrationExportError::canceled));
+                    }
+                    (static_cast<Exporter&>(*run->exporter).*step)(
+                        arguments..., [run] { return run->update(); },
+                        [run, done = std::move(done)](ExporterResult<R> result) mutable {
+                            // A request that was cut off is no failure of its own.
+                            if (!result && run->isStopped()) {
+                                result = failure(IntegrationExportError::canceled);
+                            }
+                            done(std::move(result));
+                        });
+                });
+            operations_.push_back(operation);
+            outcomes_.push_back([operation] { return outcomeOf(resultOf(operation)); });
+            return operation;
+        }
+
+        // Adds the step that finishes the export, and starts.
+        std::shared_ptr<ExportProgress> execute();
+
+      private:
+        struct Run {
+            bool update() { return exporter->update(*progress, finish); }
+
+            bool isStopped() { return exporter->stopIfCancelled(*progress, finish); }
+
+            std::shared_ptr<NetworkExporter> exporter;
+            std::shared_ptr<ExportProgress> progress;
+            ResultMediator<void> finish;
+        };
+
+        std::shared_ptr<Run> run_;
+        std::vector<std::shared_ptr<Operation>> operations_;
+        std::vector<std::function<ExporterResult<void>()>> outcomes_;
+    };
+
+    // The result of an earlier step; one that never came to its end has none.
+    template <class T> static ExporterResult<T> resultOf(const Step<T>& step) {
+        return step->result().value_or(failure(IntegrationExportError::internalError));
+    }
+
+    // Ends a step: a success counts, and is `canceled` if the export is to stop.
+    template <class T>
+    static StepCompletion<T> counted(UpdateProgress updateProgress, StepCompletion<T> done) {
+        return [updateProgress = std::move(updateProgress),
+                done = std::move(done)](ExporterResult<T> result) mutable {
+            if (result && !updateProgress()) {
+                result = failure(IntegrationExportError::canceled);
+            }
+            done(std::move(result));
+        };
+    }
+
+    // Finishes an export of a type that the service does not take.
+    static std::shared_ptr<ExportProgress> refuseFormat(const ResultMediator<void>& finish);
+
+    // The user's title, or the one that the message suggests.
+    std::string titleOr(const std::optional<std::string>& userTitle) const;
+
+    // The message as a PDF file of that title, which stays there. Fails with `convertError`.
+    void makePdf(const std::string& title, StepCompletion<std::filesystem::path> done);
+
+    // An attachment as a local file. Fails with `missing` if the host has none.
+    void fetchFile(std::int64_t attachmentPk, IntegrationExportError missing,
+                   StepCompletion<std::filesystem::path> done);
+
+    // A client with the account's credentials, which cancelling reaches from now on; nothing for an account
+    // without credentials.
+    template <class Client, class Authoriser> std::shared_ptr<Client> createClient() {
+        const auto credentials = accountConfiguration().credentials;
+        if (!credentials) {
+            return nullptr;
+        }
+        auto client = std::make_shared<Client>(std::make_shared<Authoriser>(*credentials), JSONDecoder());
+        updateActiveClient(client);
+        return client;
+    }
+
+    // Runs the loading of data as a step of its own, behind those that are there. One that is cancelled
+    // before it begins ends as a request does: with `connectionError`.
+    template <class T>
+    void executeLoading(std::move_only_function<void(Completion<T, IntegrationLoadError>)> load,
+                        Completion<T, IntegrationLoadError> completion) {
+        const auto step = createAsyncTask<Result<T, IntegrationLoadError>>(std::move(load));
+        step->setCompletionBlock([step, completion = std::move(completion)]() mutable {
+            completion(step->result().value_or(failure(IntegrationLoadError::connectionError)));
+        });
+        execute({step});
+    }
+
+    // For exportReport().
+    void reportMade(std::string kind, std::string name, std::optional<std::string> identifier = std::nullopt);
+    void reportRefused(std::string kind, std::string name, ServiceClientError reason);
+
+  private:
+    template <class T> static ExporterResult<void> outcomeOf(const ExporterResult<T>& result) {
+        return result ? ExporterResult<void>() : failure(result.error());
+    }
+
+    mutable std::mutex reportLock_;
+    ExportReport report_;
+};
+
+} // namespace zelto

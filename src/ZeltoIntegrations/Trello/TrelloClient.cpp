@@ -1,0 +1,87 @@
+#include <ZeltoIntegrations/Trello/TrelloClient.h>
+
+#include <ZeltoIntegrations/Helpers/MappedRequest.h>
+#include <ZeltoIntegrations/Trello/TrelloResponses.h>
+
+#include <Platform/PercentEncoding.h>
+
+#include <utility>
+
+namespace zelto {
+
+namespace {
+
+using Parameters = ExportServiceHelper::Parameters;
+
+constexpr auto userPath = "members/me";
+constexpr auto boardsPath = "members/me/boards";
+constexpr auto cardsPath = "cards";
+
+const Parameters userFields = {{"fields", "idEnterprise,idPremOrgsAdmin,products,email,fullName,avatarUrl"}};
+
+const Parameters boardFields = {
+    {"fields", "id,name,closed,pinned"}, {"lists", "open"}, {"list_fields", "id,name,closed,idBoard"}};
+
+Parameters cardFields(const std::optional<std::string>& name, const std::optional<std::string>& description,
+                      const std::string& listID) {
+    Parameters fields = {{"idList", listID}};
+    if (name) {
+        fields.emplace("name", *name);
+    }
+    if (description) {
+        fields.emplace("desc", *description);
+    }
+    return fields;
+}
+
+std::string attachmentsPath(const std::string& cardID) {
+    return "cards/" + percentEncodeBytes(cardID, AllowedCharacters::pathSegment) + "/attachments";
+}
+
+} // namespace
+
+void TrelloClient::getAllBoards(Boards completion) {
+    performMapped<std::vector<TrelloBoardResponse>>(
+        *this, createTrelloRequest(boardsPath, boardFields, "GET"), toTrelloBoards, std::move(completion));
+}
+
+void TrelloClient::getAllActiveBoards(Boards completion) {
+    getAllBoards([completion = std::move(completion)](auto boards) mutable {
+        completion(boards ? activeBoards(*std::move(boards)) : std::move(boards));
+    });
+}
+
+void TrelloClient::addCard(const std::optional<std::string>& cardName,
+                           const std::optional<std::string>& cardDescription, const std::string& inListWithID,
+                           Completion<std::string, ServiceClientError> completion) {
+    performMapped<AddCardResponse>(
+        *this, createTrelloRequest(cardsPath, cardFields(cardName, cardDescription, inListWithID), "POST"),
+        &AddCardResponse::id, std::move(completion));
+}
+
+void TrelloClient::addAttachment(const std::filesystem::path& filePath, const std::string& toCard,
+                                 Completion<void, ServiceClientError> completion) {
+    if (filePath.empty() || toCard.empty()) {
+        return completion(failure(ServiceClientError::internalError));
+    }
+    auto request = createTrelloRequest(attachmentsPath(toCard), {}, "POST");
+    if (request) {
+        ExportServiceHelper::makeFilesUploadRequest({}, {filePath}, *request);
+    }
+    performDiscarding<AttachmentResponse>(*this, std::move(request), std::move(completion));
+}
+
+void TrelloClient::getUser(Completion<TrelloUser, ServiceClientError> completion) {
+    performMapped<GetUserResponse>(*this, createTrelloRequest(userPath, userFields, "GET"), toTrelloUser,
+                                   std::move(completion));
+}
+
+std::optional<URLRequest> TrelloClient::createTrelloRequest(const std::string& path,
+                                                            const Parameters& parameters,
+                                                            const std::string& httpMethod) {
+    auto url =
+        URL::parse(std::string(apiBaseURL) + path + "?" + ExportServiceHelper::urlEncodedString(parameters));
+    return url ? std::optional(URLRequest(*std::move(url), httpMethod)) : std::nullopt;
+}
+
+} // namespace zelto

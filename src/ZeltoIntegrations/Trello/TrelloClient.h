@@ -1,0 +1,46 @@
+#pragma once
+
+#include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
+#include <ZeltoIntegrations/ServiceClient.h>
+#include <ZeltoIntegrations/Trello/TrelloRecords.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelto {
+
+// Trello's REST API, version 1. Parameters travel in the query, also those of a POST.
+class TrelloClient final : public ServiceClient {
+  public:
+    using ServiceClient::ServiceClient;
+
+    using Boards = Completion<std::vector<TrelloBoard>, ServiceClientError>;
+
+    // Closed boards too, and lists that were closed since.
+    void getAllBoards(Boards completion);
+    // Those that a card can be put on: open boards with an open list.
+    void getAllActiveBoards(Boards completion);
+
+    // Completes with the new card's id.
+    void addCard(const std::optional<std::string>& cardName,
+                 const std::optional<std::string>& cardDescription, const std::string& inListWithID,
+                 Completion<std::string, ServiceClientError> completion);
+
+    // Sends the file as it is read; nothing of it is held in memory.
+    void addAttachment(const std::filesystem::path& filePath, const std::string& toCard,
+                       Completion<void, ServiceClientError> completion);
+
+    void getUser(Completion<TrelloUser, ServiceClientError> completion);
+
+    static constexpr std::string_view apiBaseURL = "https://api.trello.com/1/";
+
+  private:
+    static std::optional<URLRequest> createTrelloRequest(const std::string& path,
+                                                         const ExportServiceHelper::Parameters& parameters,
+                                                         const std::string& httpMethod);
+};
+
+} // namespace zelto
