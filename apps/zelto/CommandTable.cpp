@@ -22,6 +22,10 @@ const ArgumentSpec mail = {"MAIL", "An .eml file, a meeting note in .json, or - 
 const OptionSpec webLink = {"--web-link", "URL",
                             "The message's address on the web, for the forms that link to it"};
 
+const OptionSpec target = {"--target", "PATH",
+                           "What the export goes into, like \"Board/List\": names or identifiers that `zelto "
+                           "targets` lists"};
+
 const std::vector<CommandSpec> table = {
     {"services",
      "List the services",
@@ -52,13 +56,23 @@ const std::vector<CommandSpec> table = {
      {{"ID", "The account's identifier, as `zelto accounts` lists it", ValueKind::account}},
      {},
      {"zelto accounts remove Bear", "zelto accounts remove Things+work"}},
+    {"targets",
+     "Show what exports can go into",
+     "Lists what an account's exports can be put into, with identifiers: of Trello the boards and their "
+     "lists. "
+     "They are remembered from when the account was connected; --refresh asks the service again. `zelto "
+     "export "
+     "--target` takes their names or identifiers.",
+     {{"ID", "The account's identifier, or its service", ValueKind::accountOrService}},
+     {{"--refresh", "", "Ask the service, whatever is remembered"}},
+     {"zelto targets trello", "zelto targets Trello+me@example.org --json"}},
     {"config",
      "Show what an export would start with",
      "Prints the configuration that the service's exporter offers for a mail, as JSON: the title, the form "
      "(saveAs) and whatever else the service takes. Saved to a file and edited, it goes back in by "
      "`zelto export --config FILE`; dates may be written like 2026-03-05T14:00:00Z there.",
      {mail},
-     {to, webLink},
+     {to, target, webLink},
      {"zelto config examples/mails/project-kickoff.eml --to bear",
       "zelto config examples/mails/project-kickoff.eml --to things > things.json"}},
     {"preview",
@@ -74,10 +88,12 @@ const std::vector<CommandSpec> table = {
      "options "
      "it goes as the exporter offers it; options change single fields of that, and --config gives all of "
      "them. An application is reached by a URL, which is opened by xdg-open or by the program of --opener; "
-     "the export has worked if that ends with status 0.",
+     "the export has worked if that ends with status 0. Ctrl-C cancels an export; what is on the service by "
+     "then stays there and is named.",
      {mail},
      {to,
       as,
+      target,
       {"--title", "TEXT", "The title instead of the mail's subject"},
       {"--note", "TEXT", "A note of your own, before the mail's text"},
       {"--tags", "A,B", "Tags, separated by commas"},
@@ -91,7 +107,8 @@ const std::vector<CommandSpec> table = {
       {"--pdf-converter", "COMMAND", "Makes PDF files of mails: run as COMMAND IN.html OUT.pdf",
        ValueKind::command},
       {"--dry-run", "",
-       "Do all but the last step: nothing is opened, sent or remembered; the URL is printed"},
+       "Do all but the last step: nothing is opened, sent or remembered; the URL, or what would be sent, is "
+       "printed"},
       {"--progress",
        "KIND",
        "How progress is shown on standard error; a bar is shown on a terminal only",

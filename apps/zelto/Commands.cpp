@@ -12,10 +12,11 @@ struct CommandRow {
 };
 
 constexpr CommandRow rows[] = {
-    {"services", runServices}, {"connect", runConnect},
-    {"accounts", runAccounts}, {"accounts remove", runAccountsRemove},
-    {"config", runConfig},     {"preview", runPreview},
-    {"export", runExport},     {"completion", runCompletion},
+    {"services", runServices},     {"connect", runConnect},
+    {"accounts", runAccounts},     {"accounts remove", runAccountsRemove},
+    {"targets", runTargets},       {"config", runConfig},
+    {"preview", runPreview},       {"export", runExport},
+    {"completion", runCompletion},
 };
 
 } // namespace

@@ -11,6 +11,7 @@ Outcome<Report> runServices(const Invocation& invocation, const Terminal& termin
 Outcome<Report> runConnect(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runAccounts(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runAccountsRemove(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runTargets(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runConfig(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runPreview(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal);

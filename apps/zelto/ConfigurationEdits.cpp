@@ -142,6 +142,7 @@ Outcome<ConfigurationEdits> ConfigurationEdits::from(const Invocation& invocatio
     ConfigurationEdits edits;
     edits.title = invocation.value("--title");
     edits.note = invocation.value("--note");
+    edits.target = invocation.value("--target");
     edits.attach = invocation.values("--attach");
     if (const auto tags = invocation.value("--tags")) {
         edits.tags = splitTags(*tags);

@@ -25,6 +25,7 @@ struct ConfigurationEdits {
     std::optional<Date> due;
     std::optional<Date> deadline;
     std::vector<std::string> attach;
+    std::optional<std::string> target; // applied by the session, which knows what there is
 
     static Outcome<ConfigurationEdits> from(const Invocation& invocation);
 };

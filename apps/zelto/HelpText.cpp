@@ -102,7 +102,7 @@ std::string helpText() {
     text += "\nOptions of every command:\n" + optionRows(globalOptions());
     text += "\nExamples:\n" + exampleLines(*findCommand("export"));
     text += "\nMore about a command: zelto COMMAND --help\n"
-            "Exit status: 0 success, 1 the operation failed, 2 wrong usage.\n";
+            "Exit status: 0 success, 1 the operation failed, 2 wrong usage, 130 interrupted.\n";
     return text;
 }
 

@@ -61,9 +61,12 @@ int finish(std::string_view output, ExitStatus status) {
 int report(const Failure& failure, bool asJSON, const Terminal& terminal) {
     const auto message = sentence(failure.message);
     if (asJSON) {
-        return finish(
-            jsonLine({{"error", failure.name}, {"message", message}, {"next", repairedUTF8(failure.next)}}),
-            failure.status);
+        JSONObject document{
+            {"error", failure.name}, {"message", message}, {"next", repairedUTF8(failure.next)}};
+        for (const auto& [key, value] : failure.members) {
+            document.set(key, value);
+        }
+        return finish(jsonLine(std::move(document)), failure.status);
     }
     const std::string head = terminal.usesColour ? "\x1b[31mzelto:\x1b[0m " : "zelto: ";
     writeError(head + failure.name + ": " + escapeControlCharacters(message) +

@@ -44,6 +44,9 @@ constexpr auto exitStatus = R"(
 *2*
 	The command line was wrong.
 
+*130*
+	The export was interrupted by Ctrl-C.
+
 With *--json* every outcome is one JSON document on standard output: {"result":"success",...} or
 {"error":"the case's name","message":"...","next":"..."}.
 )";

@@ -1,6 +1,8 @@
 #include "Commands.h"
 #include "ConfigurationEdits.h"
+#include "ExportFailures.h"
 #include "ExportSession.h"
+#include "Interruption.h"
 #include "MessageFile.h"
 #include "ProgressReporter.h"
 #include "ServiceNames.h"
@@ -11,6 +13,10 @@
 #include <ZeltoHost/Platform/EmailValidator.h>
 #include <ZeltoHost/Platform/HostPlatformInteractor.h>
 #include <ZeltoHost/Process/CommandWords.h>
+
+#include <functional>
+#include <optional>
+#include <stop_token>
 
 namespace zelto::cli {
 
@@ -91,42 +97,12 @@ ProgressStyle progressStyle(const Invocation& invocation) {
     return style == "none" || invocation.has("--quiet") ? ProgressStyle::none : ProgressStyle::bar;
 }
 
-Failure exportFailure(IntegrationExportError error, const MessageWork& work) {
-    const auto service = displayName(work.account.serviceType());
-    const auto sentence = [&]() -> std::pair<std::string, std::string> {
-        switch (error) {
-        case IntegrationExportError::canceled:
-            return {"The export was canceled.", ""};
-        case IntegrationExportError::internalError:
-            return {"The export to " + service + " met an error of its own.", "zelto export --verbose"};
-        case IntegrationExportError::createBodyError:
-            return {"The message has no text or no link of that kind.", "zelto preview --help"};
-        case IntegrationExportError::convertError:
-            return {"The message could not be turned into a PDF.", "zelto export --verbose"};
-        case IntegrationExportError::unsupportedFormat:
-            return {service + " does not take that type; it takes " + work.session->takenTypes() + ".",
-                    "zelto export --help"};
-        case IntegrationExportError::fileAlreadyExists:
-            return {"A file of that name exists already.", "zelto export --title"};
-        case IntegrationExportError::oauthError:
-            return {service + " does not accept the account's sign-in any more.", "zelto connect"};
-        case IntegrationExportError::connectionError:
-            return {service + " could not be reached.", ""};
-        case IntegrationExportError::createTaskError:
-            return {service + " did not make the task.", ""};
-        case IntegrationExportError::uploadAttachmentError:
-            return {"An attachment could not be sent.", "zelto export --attach none"};
-        case IntegrationExportError::urlEncodeError:
-            return {"The title or the text is not UTF-8.", "zelto export --title"};
-        case IntegrationExportError::createUrlError:
-            return {"The title, the text and the tags make no URL; a tag with a blank is the usual reason.",
-                    "zelto export --tags"};
-        case IntegrationExportError::xUrlCallbackError:
-            return {work.delivery->failureMessage(), "zelto export --opener -"};
-        }
-        return {};
-    }();
-    return {std::string(nameOf(error)), sentence.first, sentence.second};
+ExportCircumstances circumstances(const MessageWork& work) {
+    return {.service = displayName(work.account.serviceType()),
+            .account = work.account.identifier(),
+            .takenTypes = work.session->takenTypes(),
+            .openerFailure = work.delivery->failureMessage(),
+            .report = work.session->report()};
 }
 
 JSONValue described(const IntegrationExportPreview& preview) {
@@ -186,7 +162,7 @@ Outcome<Report> runConfig(const Invocation& invocation, const Terminal&) {
     if (!work) {
         return failure(work.error());
     }
-    const auto configuration = work->session->offeredConfiguration();
+    const auto configuration = work->session->offeredConfiguration(invocation.value("--target"));
     if (!configuration) {
         return failure(configuration.error());
     }
@@ -221,6 +197,65 @@ Outcome<Report> runPreview(const Invocation& invocation, const Terminal& termina
     return report;
 }
 
+namespace {
+
+// Runs the export under a progress bar; the first Ctrl-C cancels it.
+Outcome<ExporterResult<void>> exportWithProgress(const Invocation& invocation, const Terminal& terminal,
+                                                 const ConfigurationEdits& edits, const MessageWork& work) {
+    const ProgressReporter reporter(progressStyle(invocation), terminal);
+    std::optional<Interruption> interruption;
+    std::optional<std::stop_callback<std::function<void()>>> cancelling;
+    auto result = work.session->run(edits, [&](const auto& progress) {
+        reporter.follow(progress);
+        interruption.emplace();
+        cancelling.emplace(interruption->stop(), [progress] { progress->cancel(); });
+    });
+    cancelling.reset();
+    interruption.reset();
+    reporter.end();
+    return result;
+}
+
+Report reportOfPlan(const ExportPlan& plan, const MessageWork& work, const Terminal& terminal) {
+    JSONValue::Array attachments;
+    std::string files;
+    for (const auto& name : plan.attachments) {
+        attachments.emplace_back(name);
+        files += ", " + name;
+    }
+    Report report;
+    report.members = {{"service", std::string(nameOf(work.account.serviceType()))},
+                      {"identifier", work.account.identifier()},
+                      {"dryRun", true},
+                      {"title", plan.title},
+                      {"saveAs", std::string(nameOf(plan.saveAs))},
+                      {"target", plan.target},
+                      {"attachments", std::move(attachments)}};
+    report.text = terminal.shown("Would go to " + displayName(work.account.serviceType()) +
+                                 (plan.target.empty() ? "" : ", " + plan.target) + ": \"" + plan.title +
+                                 "\" as " + std::string(nameOf(plan.saveAs)) + files + ".") +
+                  "\n";
+    return report;
+}
+
+void tellWhatWasMade(Report& report, const MessageWork& work, const Terminal& terminal) {
+    const auto service = displayName(work.account.serviceType());
+    const auto made = work.session->report().made;
+    report.isNotice = true;
+    if (made.empty()) {
+        report.text = "Handed to " + service + ".\n";
+        return;
+    }
+    const auto& target = work.session->target();
+    report.text =
+        terminal.shown("On " + service + (target.empty() ? "" : ", " + target) + ": " + listOf(made) + ".") +
+        "\n";
+    report.members.set("target", target);
+    report.members.set("made", cli::described(made));
+}
+
+} // namespace
+
 Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal) {
     const auto edits = ConfigurationEdits::from(invocation);
     const bool isDryRun = invocation.has("--dry-run");
@@ -228,14 +263,16 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
     if (!work) {
         return failure(work.error());
     }
-    const ProgressReporter reporter(progressStyle(invocation), terminal);
-    const auto result = work->session->run(*edits, [&](const auto& progress) { reporter.follow(progress); });
-    reporter.end();
+    if (isDryRun && work->session->isOverNetwork()) {
+        const auto plan = work->session->plan(*edits);
+        return plan ? Outcome<Report>(reportOfPlan(*plan, *work, terminal)) : failure(plan.error());
+    }
+    const auto result = exportWithProgress(invocation, terminal, *edits, *work);
     if (!result) {
         return failure(result.error());
     }
     if (!*result) {
-        return failure(exportFailure(result->error(), *work));
+        return failure(exportFailure(result->error(), circumstances(*work)));
     }
     work->manager->setLastUsedConfiguration(work->account.serviceType(), work->account);
     if (const auto stored = work->workspace.storageOutcome(); !stored) {
@@ -251,8 +288,7 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
         report.members.set("url", *shownURL);
         report.text = *shownURL + "\n";
     } else {
-        report.text = "Handed to " + displayName(work->account.serviceType()) + ".\n";
-        report.isNotice = true;
+        tellWhatWasMade(report, *work, terminal);
     }
     return report;
 }

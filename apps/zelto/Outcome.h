@@ -7,7 +7,7 @@
 
 namespace zelto::cli {
 
-enum class ExitStatus : int { success = 0, failed = 1, wrongUsage = 2 };
+enum class ExitStatus : int { success = 0, failed = 1, wrongUsage = 2, interrupted = 130 };
 
 // What a command that worked has to say: members of the JSON document behind "result", and the text without
 // --json.
@@ -23,6 +23,7 @@ struct Failure {
     std::string message; // one plain sentence
     std::string next;    // the command to try next; if empty, the help of the command
     ExitStatus status = ExitStatus::failed;
+    JSONObject members = {}; // of the JSON document, behind "next"
 };
 
 inline std::unexpected<Failure> wrongUsage(std::string message, std::string next = {}) {

@@ -10,6 +10,13 @@ std::string shellQuoted(std::string_view text) {
     return quoted + "'";
 }
 
+std::string shellWord(std::string_view text) {
+    constexpr std::string_view plain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789+-_.,/:@%";
+    const bool isPlain = !text.empty() && text.find_first_not_of(plain) == std::string_view::npos;
+    return isPlain ? std::string(text) : shellQuoted(text);
+}
+
 std::string joinedWords(const std::vector<std::string>& words) {
     std::string text;
     for (const auto& word : words) {

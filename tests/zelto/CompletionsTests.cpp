@@ -90,8 +90,8 @@ TEST(Completions, TreatAnOptionTheSameWhereverItStands) {
 
 TEST(Completions, OfBashOfferCommands) {
     const ZeltoProgram zelto;
-    EXPECT_EQ(offered(zelto, "zelto ''"),
-              (Words{"services", "connect", "accounts", "config", "preview", "export", "completion"}));
+    EXPECT_EQ(offered(zelto, "zelto ''"), (Words{"services", "connect", "accounts", "targets", "config",
+                                                 "preview", "export", "completion"}));
     EXPECT_EQ(offered(zelto, "zelto con"), (Words{"connect", "config"}));
     EXPECT_EQ(offered(zelto, "zelto --json --data-dir x exp"), Words{"export"});
     EXPECT_EQ(offered(zelto, "zelto accounts ''"), Words{"remove"});

@@ -1,3 +1,4 @@
+#include "TrelloAccount.h"
 #include "ZeltoProgram.h"
 
 #include <CommandTable.h>
@@ -63,6 +64,7 @@ TEST(Help, FitsIntoEightyColumnsButForExamples) {
 
 TEST(Help, HasExamplesThatRunAsTheyStand) {
     const ZeltoProgram zelto;
+    addTrelloAccount(zelto);
     for (const auto& command : commands()) {
         for (const auto& example : command.examples) {
             const auto outcome = zelto.runShell(std::string(example));

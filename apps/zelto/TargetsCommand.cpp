@@ -1,0 +1,50 @@
+#include "Commands.h"
+#include "ExportSession.h"
+#include "ServiceNames.h"
+#include "Workspace.h"
+
+#include <ZeltoHost/Platform/EmailValidator.h>
+#include <ZeltoHost/Platform/HostPlatformInteractor.h>
+#include <ZeltoIntegrations/IntegrationsDataInteractorStub.h>
+
+namespace zelto::cli {
+
+Outcome<Report> runTargets(const Invocation& invocation, const Terminal& terminal) {
+    const auto named = invocation.value("ID").value();
+    if (const auto type = serviceNamed(named); type && !canExport(*type)) {
+        return failure(cannotExport(*type));
+    }
+    const auto workspace = Workspace::open(invocation);
+    if (!workspace) {
+        return failure(workspace.error());
+    }
+    const auto interactor =
+        std::make_shared<HostPlatformInteractor>([](const URL&, Callback<bool> done) { done(false); });
+    IntegrationsManager manager(workspace->sharedStorage(), interactor, isEmailAddress, {});
+    const auto account = workspace->account(named, manager, false);
+    if (!account) {
+        return failure(account.error());
+    }
+    const auto session =
+        openExportSession(manager, *account, std::make_shared<IntegrationsDataInteractorStub>());
+    if (!session) {
+        return failure(session.error());
+    }
+    const auto targets = (*session)->targets(invocation.has("--refresh"));
+    if (!targets) {
+        return failure(targets.error());
+    }
+    if (const auto stored = workspace->storageOutcome(); !stored) {
+        return failure(stored.error());
+    }
+    Report report{targets->data, linesOf(targets->tree, terminal)};
+    if (targets->tree.nodes.empty()) {
+        report.text =
+            noTarget(targets->tree, displayName(account->serviceType()), account->identifier()).message +
+            "\n";
+        report.isNotice = true;
+    }
+    return report;
+}
+
+} // namespace zelto::cli

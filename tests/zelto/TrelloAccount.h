@@ -1,0 +1,15 @@
+#pragma once
+
+#include "ZeltoProgram.h"
+
+#include <string>
+
+namespace zelto {
+
+// Connects "Trello+me@example.org" without the network: an account with the token "token" and two boards that
+// were loaded before.
+void addTrelloAccount(const ZeltoProgram& zelto);
+
+inline const std::string trelloAccount = "Trello+me@example.org";
+
+} // namespace zelto
