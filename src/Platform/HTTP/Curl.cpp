@@ -32,12 +32,12 @@ class HiddenVariable {
     std::optional<std::string> value_;
 };
 
-URLErrorCode codeOf(CURLcode code, bool hasHead, std::string_view detail) {
+URLErrorCode codeOf(CURLcode code, bool wasSent, std::string_view detail) {
     switch (code) {
     case CURLE_URL_MALFORMAT:
     case CURLE_UNSUPPORTED_PROTOCOL:
-        // An answer without a status line counts as another protocol.
-        return detail.contains("HTTP/0.9") ? URLErrorCode::badAnswer : URLErrorCode::invalidRequest;
+        // What answers in no known version of HTTP counts as another protocol.
+        return wasSent ? URLErrorCode::badAnswer : URLErrorCode::invalidRequest;
     case CURLE_COULDNT_RESOLVE_HOST:
         return URLErrorCode::cannotFindHost;
     case CURLE_COULDNT_RESOLVE_PROXY:
@@ -74,8 +74,7 @@ URLErrorCode codeOf(CURLcode code, bool hasHead, std::string_view detail) {
         if (detail.contains("chunk")) {
             return URLErrorCode::badAnswer;
         }
-        return !hasHead && detail.contains("Too large") ? URLErrorCode::answerTooLarge
-                                                        : URLErrorCode::connectionLost;
+        return detail.contains("Too large") ? URLErrorCode::answerTooLarge : URLErrorCode::connectionLost;
     default:
         return URLErrorCode::connectionLost;
     }
@@ -133,8 +132,14 @@ URLError errorOf(URLErrorCode code, std::string_view host, std::string_view reas
     return {code, message + ")."};
 }
 
-URLError errorOf(CURLcode curlCode, bool hasHead, std::string_view host, std::string_view detail) {
-    const auto code = codeOf(curlCode, hasHead, detail);
+URLError errorOf(CURLcode curlCode, bool wasSent, std::string_view host, std::string_view detail) {
+    const auto code = codeOf(curlCode, wasSent, detail);
+    const bool cameBeforeSending = code == URLErrorCode::cannotFindHost ||
+                                   code == URLErrorCode::cannotConnect ||
+                                   code == URLErrorCode::secureConnection;
+    if (wasSent && cameBeforeSending) {
+        return errorOf(URLErrorCode::connectionLost, host);
+    }
     // Elsewhere libcurl's own words may quote the server.
     const bool tellsDetail = code == URLErrorCode::secureConnection && !detail.empty();
     return errorOf(code, host, tellsDetail ? detail : curl_easy_strerror(curlCode));

@@ -3,9 +3,6 @@
 #include <algorithm>
 #include <utility>
 
-#include <linux/sockios.h>
-#include <sys/ioctl.h>
-
 namespace zelto {
 namespace {
 
@@ -20,16 +17,6 @@ Clock::duration bounded(TimeInterval interval) {
     constexpr TimeInterval least{0.001};
     constexpr TimeInterval most{365 * 24 * 3600.0};
     return std::chrono::ceil<Clock::duration>(interval > least ? std::min(interval, most) : least);
-}
-
-int unsentBytes(CURL* handle) {
-    curl_socket_t socket = CURL_SOCKET_BAD;
-    int count = 0;
-    if (curl_easy_getinfo(handle, CURLINFO_ACTIVESOCKET, &socket) != CURLE_OK || socket == CURL_SOCKET_BAD ||
-        ::ioctl(socket, SIOCOUTQ, &count) != 0) {
-        return 0;
-    }
-    return count;
 }
 
 } // namespace
@@ -94,12 +81,7 @@ std::optional<URLError> HTTPExchange::errorAfter(CURLcode code) const {
         return head_.isComplete() ? std::nullopt
                                   : std::optional(errorOf(URLErrorCode::connectionLost, host_));
     }
-    auto error = errorOf(code, head_.isComplete(), host_, errorText_.data());
-    // What went out may have been carried out, whatever became of a second connection.
-    const bool cameBeforeSending = error.code == URLErrorCode::cannotFindHost ||
-                                   error.code == URLErrorCode::cannotConnect ||
-                                   error.code == URLErrorCode::secureConnection;
-    return attempts_ > 0 && cameBeforeSending ? errorOf(URLErrorCode::connectionLost, host_) : error;
+    return errorOf(code, attempts_ > 0, host_, errorText_.data());
 }
 
 bool HTTPExchange::detach() {
@@ -163,13 +145,27 @@ std::optional<CURLcode> HTTPExchange::overdue() {
 }
 
 bool HTTPExchange::standsStill() {
-    if (reader_ && attempts_ > 0) {
-        const int unsent = unsentBytes(easy_);
-        if (unsent < std::exchange(unsentAtLook_, unsent)) {
+    if (isHeldBack_) {
+        return false;
+    }
+    lookAtConnection();
+    return rounds_.now >= movedAt_ + patience_;
+}
+
+// A head that comes byte by byte, and what the system has taken of an upload, move without any call. Where
+// many share a connection, it tells nothing of one.
+void HTTPExchange::lookAtConnection() {
+    long version = 0;
+    curl_easy_getinfo(easy_, CURLINFO_HTTP_VERSION, &version);
+    if (attempts_ == 0 || version > CURL_HTTP_VERSION_1_1) {
+        return;
+    }
+    if (const auto movement = rounds_.connections.movement(ports_)) {
+        movedAt_ = std::max(movedAt_, rounds_.now - movement->sinceReceived);
+        if (reader_ && movement->acknowledged > std::exchange(acknowledgedAtLook_, movement->acknowledged)) {
             movedAt_ = rounds_.now;
         }
     }
-    return !isHeldBack_ && rounds_.now >= movedAt_ + patience_;
 }
 
 void HTTPExchange::reset() {

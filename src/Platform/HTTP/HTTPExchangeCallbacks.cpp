@@ -1,7 +1,6 @@
 #include <Platform/HTTP/HTTPExchangeInternal.h>
 
 #include <cstdio>
-#include <sys/socket.h>
 
 namespace zelto {
 
@@ -90,8 +89,10 @@ int HTTPExchange::onSeek(void* exchange, curl_off_t offset, int origin) {
     return CURL_SEEKFUNC_OK;
 }
 
-int HTTPExchange::onReady(void* exchange, char*, char*, int, int) {
-    return static_cast<HTTPExchange*>(exchange)->maySend() ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
+int HTTPExchange::onReady(void* exchange, char*, char*, int remotePort, int localPort) {
+    auto& self = *static_cast<HTTPExchange*>(exchange);
+    self.ports_ = {localPort, remotePort};
+    return self.maySend() ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
 }
 
 // libcurl sends by itself again what it sent on a connection that turns out dead.
@@ -102,11 +103,6 @@ bool HTTPExchange::maySend() {
         return false;
     }
     return true;
-}
-
-// No program that the process starts inherits a connection.
-curl_socket_t HTTPExchange::onSocket(void*, curlsocktype, curl_sockaddr* address) {
-    return ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 }
 
 } // namespace zelto

@@ -2,6 +2,7 @@
 
 // For the transport alone: one request on one of libcurl's easy handles.
 
+#include <Platform/HTTP/ConnectionsInternal.h>
 #include <Platform/HTTP/CurlInternal.h>
 #include <Platform/HTTP/HTTPRulesInternal.h>
 #include <Platform/HTTP/ResponseHeadInternal.h>
@@ -24,10 +25,12 @@ class HTTPExchange {
   public:
     using Clock = std::chrono::steady_clock;
 
-    // The engine's clock, read once a round, and when it is to look whether all still move.
+    // The engine's clock, read once a round, when it is to look whether all still move, and what there is
+    // to see.
     struct Rounds {
         Clock::time_point now;
         Clock::time_point nextLook;
+        Connections connections;
     };
 
     HTTPExchange(CURLSH* share, Rounds& rounds);
@@ -87,14 +90,15 @@ class HTTPExchange {
     bool isBodySent() const;
     void scheduleLook();
     bool standsStill();
+    void lookAtConnection();
     std::optional<URLError> errorAfter(CURLcode code) const;
 
     static std::size_t onHeader(char* data, std::size_t size, std::size_t count, void* exchange);
     static std::size_t onBody(char* data, std::size_t size, std::size_t count, void* exchange);
     static std::size_t onRead(char* data, std::size_t size, std::size_t count, void* exchange);
     static int onSeek(void* exchange, curl_off_t offset, int origin);
-    static int onReady(void* exchange, char*, char*, int, int);
-    static curl_socket_t onSocket(void* exchange, curlsocktype purpose, curl_sockaddr* address);
+    static int onReady(void* exchange, char* remoteAddress, char* localAddress, int remotePort,
+                       int localPort);
 
     CURL* const easy_;
     CURLSH* const share_;
@@ -123,8 +127,9 @@ class HTTPExchange {
     std::uint64_t headSize_ = 0;
     std::uint64_t received_ = 0;
     std::uint64_t sent_ = 0;
-    int unsentAtLook_ = 0;
+    std::uint64_t acknowledgedAtLook_ = 0;
     int attempts_ = 0;
+    Connections::Ports ports_;
     bool isHeldBack_ = false;
     bool isDraining_ = false;
     std::uint64_t drained_ = 0;

@@ -37,7 +37,8 @@ bool HTTPExchange::prepareHop() {
     errorText_[0] = '\0';
     movedAt_ = rounds_.now;
     headSize_ = received_ = sent_ = drained_ = 0;
-    attempts_ = unsentAtLook_ = 0;
+    acknowledgedAtLook_ = 0;
+    attempts_ = 0;
     isHeldBack_ = isDraining_ = false;
 
     const auto& wire = plan_->wire;
@@ -173,8 +174,7 @@ void HTTPExchange::setCallbacks() {
     set(CURLOPT_WRITEDATA, this);
     set(CURLOPT_PREREQFUNCTION, onReady);
     set(CURLOPT_PREREQDATA, this);
-    set(CURLOPT_OPENSOCKETFUNCTION, onSocket);
-    set(CURLOPT_OPENSOCKETDATA, this);
+    rounds_.connections.attach(easy_);
 }
 
 } // namespace zelto
