@@ -1,0 +1,77 @@
+import { addRequests, forgetRequests } from "/requests.js";
+import { showBoards } from "/trello.js";
+
+const retryTime = 1000;
+const quietTime = 150; // between two look-ups, so that a thousand requests at once do not make a thousand of them
+const byId = (id) => document.getElementById(id);
+
+let last = 0; // number of the newest request that is shown
+let looking = false;
+let changed = false;
+
+function tell(state, text) {
+  const connection = byId("connection");
+  if (connection.dataset.state === state) return;
+  connection.dataset.state = state;
+  connection.textContent = text;
+}
+
+async function get(path) {
+  const answer = await fetch(path, { cache: "no-store" });
+  if (!answer.ok) throw new Error(`${path}: ${answer.status}`);
+  return answer.json();
+}
+
+async function look() {
+  const [state, received] = await Promise.all([get("/control/state"), get(`/control/requests?after=${last}`)]);
+  byId("no-cards").hidden = showBoards(byId("boards"), state.trello?.boards ?? []) > 0;
+  addRequests(received.requests);
+  last = received.requests.at(-1)?.number ?? last;
+  byId("no-requests").hidden = last > 0;
+}
+
+// Looks once for any number of changes that come in while it does.
+async function lookSoon() {
+  changed = true;
+  if (looking) return;
+  looking = true;
+  while (changed) {
+    changed = false;
+    try {
+      await look();
+    } catch (problem) {
+      // If the sandbox is gone, the event stream tells so.
+      changed = true;
+      await new Promise((resolve) => setTimeout(resolve, retryTime));
+    }
+    await new Promise((resolve) => setTimeout(resolve, quietTime));
+  }
+  looking = false;
+}
+
+function startOver() {
+  last = 0;
+  forgetRequests();
+  lookSoon();
+}
+
+function connect() {
+  const events = new EventSource("/control/events");
+  events.addEventListener("open", () => {
+    tell("live", "Live");
+    startOver();
+  });
+  events.addEventListener("change", (event) => {
+    // Fewer than before: it was reset.
+    if (JSON.parse(event.data).requests < last) startOver();
+    else lookSoon();
+  });
+  events.addEventListener("error", () => {
+    events.close();
+    tell("ended", "The sandbox has ended. This page goes on when it is started again on the same port.");
+    setTimeout(connect, retryTime);
+  });
+}
+
+for (const place of document.getElementsByClassName("origin")) place.textContent = location.origin;
+connect();
