@@ -229,7 +229,12 @@ class TestHTTPServer::State {
         if (answer.resets) {
             socket.resetWhenClosed();
         }
-        return sendAll(socket.get(), answerText(answer)) && !answer.closes && !answer.resets;
+        bool isThere = sendAll(socket.get(), answerText(answer));
+        if (isThere && answer.stream) {
+            answer.stream(
+                [&](std::string_view bytes) { return isThere = isThere && sendAll(socket.get(), bytes); });
+        }
+        return isThere && !answer.closes && !answer.resets;
     }
 
     const Handler handler_;

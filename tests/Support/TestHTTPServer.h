@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zelto {
@@ -35,6 +36,8 @@ struct PlayedAnswer {
     bool closes = false;                      // the connection ends behind the answer
     std::optional<std::string> raw = {};      // sent instead of all above, as it stands
     bool resets = false;                      // the connection ends by a reset, behind `raw` where given
+    // Sends more behind all above, with a function that is false when the connection has ended.
+    std::function<void(const std::function<bool(std::string_view)>&)> stream = {};
 
     static PlayedAnswer json(std::string body, int status = 200);
     static PlayedAnswer bytes(std::string raw);

@@ -14,16 +14,14 @@ void MCPHTTPURLSessionDelegate::add(const std::shared_ptr<URLSessionDataTask>& t
 
 void MCPHTTPURLSessionDelegate::cancelAll() {
     const auto tasks = handlersByTaskIdentifier_.read([](const auto& entries) {
-        std::vector<std::weak_ptr<URLSessionDataTask>> all;
+        std::vector<std::shared_ptr<URLSessionDataTask>> all;
         for (const auto& [identifier, entry] : entries) {
             all.push_back(entry.task);
         }
         return all;
     });
     for (const auto& each : tasks) {
-        if (const auto task = each.lock()) {
-            task->cancel();
-        }
+        each->cancel();
     }
 }
 
@@ -78,10 +76,10 @@ MCPHTTPURLSessionDelegate::handlerOf(const URLSessionDataTask& task) const {
 
 std::shared_ptr<MCPHTTPTaskHandler>
 MCPHTTPURLSessionDelegate::removeHandlerOf(const URLSessionDataTask& task) {
-    return handlersByTaskIdentifier_.modify([&](auto& entries) {
-        auto node = entries.extract(task.taskIdentifier());
-        return node ? std::move(node.mapped().handler) : nullptr;
-    });
+    // The task is released outside of the lock.
+    auto node = handlersByTaskIdentifier_.modify(
+        [&](auto& entries) { return entries.extract(task.taskIdentifier()); });
+    return node ? std::move(node.mapped().handler) : nullptr;
 }
 
 } // namespace zelto

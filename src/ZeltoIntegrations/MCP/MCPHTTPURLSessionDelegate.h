@@ -31,7 +31,7 @@ class MCPHTTPURLSessionDelegate final : public URLSessionDataDelegate {
   private:
     struct Entry {
         std::shared_ptr<MCPHTTPTaskHandler> handler;
-        std::weak_ptr<URLSessionDataTask> task;
+        std::shared_ptr<URLSessionDataTask> task; // to cancel it
     };
 
     std::shared_ptr<MCPHTTPTaskHandler> handlerOf(const URLSessionDataTask& task) const;

@@ -1,0 +1,116 @@
+// What many calls and large answers leave behind.
+
+#include "MCPServer.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+namespace zelto {
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+// What was freed is kept, and memory is shadowed.
+constexpr std::size_t largeAnswer = std::size_t{20} << 20;
+constexpr std::size_t overhead = std::size_t{600} << 20;
+constexpr int manyCalls = 2'000;
+#else
+constexpr std::size_t largeAnswer = std::size_t{100} << 20;
+constexpr std::size_t overhead = 0;
+constexpr int manyCalls = 10'000;
+#endif
+
+std::size_t memory(std::string_view field) {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        if (word == field) {
+            std::size_t kibibytes = 0;
+            status >> kibibytes;
+            return kibibytes << 10;
+        }
+    }
+    return 0;
+}
+
+std::size_t entriesOf(const char* folder) {
+    const std::filesystem::directory_iterator entries(folder);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+// How far memory grows above what it is now while an answer comes whose only text is this line over and over.
+std::size_t growthWith(std::string_view line, bool isStream, std::size_t& received) {
+    std::string block;
+    while (block.size() < (1u << 20)) {
+        block += line;
+    }
+    MCPServer server([&](const ReceivedRequest& request) {
+        const auto head =
+            R"({"jsonrpc":"2.0","id":)" + idOf(request) + R"(,"result":{"content":[{"type":"text","text":")";
+        const auto play = [head, isStream, &block](const Sender& send) {
+            send((isStream ? "data: " : "") + head);
+            for (std::size_t sent = 0; sent < largeAnswer && send(block); sent += block.size()) {
+            }
+            send(std::string(R"("}]}})") + (isStream ? "\n\n" : ""));
+        };
+        auto answer = eventStream(play);
+        if (!isStream) {
+            answer.raw->replace(answer.raw->find("text/event-stream"), 17, "application/json ");
+        }
+        return answer;
+    });
+    MCPClient client(server.url());
+    EXPECT_TRUE(connect(client));
+    std::ofstream("/proc/self/clear_refs") << "5";
+    const auto before = memory("VmRSS:");
+    const auto result = callTool(client, "t");
+    const auto peak = memory("VmHWM:");
+    const auto* text = result ? std::get_if<MCPContentItem::Text>(&result->content.at(0).value) : nullptr;
+    EXPECT_NE(text, nullptr);
+    received = text ? text->content.text.size() : 0;
+    return peak - before;
+}
+
+TEST(MCPClientLoad, ALargeAnswerTakesLessThanThreeTimesItsSize) {
+    for (const bool isStream : {false, true}) {
+        std::size_t received = 0;
+        EXPECT_LT(growthWith("iVBORw0KGgoAAAANSUhEUgAA", isStream, received), 3 * largeAnswer + overhead)
+            << isStream;
+        EXPECT_GE(received, largeAnswer);
+        EXPECT_LT(growthWith(R"(A line of text \"with\" escapes\n)", isStream, received),
+                  3 * largeAnswer + overhead)
+            << isStream;
+        EXPECT_GT(received, largeAnswer / 34 * 30);
+    }
+}
+
+TEST(MCPClientLoad, ManyCallsLeaveMemoryDescriptorsAndThreadsWhereTheyWere) {
+    MCPServer server([](const ReceivedRequest& request) {
+        const auto result = R"({"content":[{"type":"text","text":"answer"}]})";
+        return idOf(request).ends_with("0\"") ? eventStream(eventOf(answerTo(idOf(request), result)))
+                                              : jsonAnswer(request, result);
+    });
+    MCPClient client(server.url());
+    ASSERT_TRUE(connect(client));
+    const auto call = [&](int count) {
+        for (int index = 0; index < count; ++index) {
+            ASSERT_TRUE(callTool(client, "t", JSONValue(index)));
+        }
+    };
+    call(manyCalls / 5);
+    const auto memoryBefore = memory("VmRSS:");
+    const auto descriptorsBefore = entriesOf("/proc/self/fd");
+    const auto threadsBefore = entriesOf("/proc/self/task");
+    const auto requestsKept = server.http().requests().size();
+    call(manyCalls);
+    EXPECT_EQ(server.http().requests().size(), requestsKept + manyCalls);
+    // The server keeps each request.
+    const std::size_t kept = manyCalls * std::size_t{2} << 10;
+    EXPECT_LT(memory("VmRSS:"), memoryBefore + kept + (std::size_t{4} << 20) + overhead);
+    EXPECT_LE(entriesOf("/proc/self/fd"), descriptorsBefore);
+    EXPECT_LE(entriesOf("/proc/self/task"), threadsBefore + 1);
+    EXPECT_EQ(server.http().connectionCount(), 1);
+}
+
+} // namespace
+} // namespace zelto

@@ -1,0 +1,448 @@
+#include "MCPServer.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace zelto {
+namespace {
+
+MCPHTTPTransport transportTo(const TestHTTPServer& server,
+                             std::shared_ptr<MCPAuthorizationProvider> provider = nullptr) {
+    return MCPHTTPTransport(server.url("/mcp"), std::move(provider), std::nullopt,
+                            URLSessionConfiguration::ephemeral());
+}
+
+// A transport that holds a session, and a server that answers all that comes after with this.
+struct Session {
+    explicit Session(PlayedAnswer answer, std::string sessionID = "s-1")
+        : server([answer = std::move(answer), sessionID,
+                  isFirst = std::make_shared<std::atomic<bool>>(true)](const ReceivedRequest& request) {
+              return isFirst->exchange(false) ? jsonAnswer(request, "{}", {{"MCP-SESSION-ID", sessionID}})
+                                              : answer;
+          }),
+          transport(transportTo(server)) {
+        EXPECT_TRUE(send(transport));
+        EXPECT_EQ(transport.activeSessionID(), sessionID);
+    }
+
+    TestHTTPServer server;
+    MCPHTTPTransport transport;
+};
+
+// What a message of each kind comes to that gets this answer, without a session.
+template <class F> auto outcomeOf(PlayedAnswer answer, F&& message) {
+    TestHTTPServer server([&](const ReceivedRequest&) { return answer; });
+    auto transport = transportTo(server);
+    return message(transport);
+}
+
+const auto aRequest = [](MCPTransport& transport) { return send(transport); };
+const auto aNotification = [](MCPTransport& transport) { return notify(transport); };
+const auto aDisconnect = [](MCPTransport& transport) { return disconnect(transport); };
+
+TEST(MCPHTTPTransport, SendsAMessageAsOnePostWithoutASessionAtFirst) {
+    TestHTTPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "1"); });
+    auto transport = transportTo(server);
+    const auto response = send(transport, "a", "initialize");
+    ASSERT_TRUE(response);
+    EXPECT_EQ(*response, (MCPResponse{MCPRequestID::string("a"), JSONValue(1), {}}));
+    EXPECT_EQ(server.texts(),
+              std::vector<std::string>{"POST /mcp\nAccept: application/json, text/event-stream\n"
+                                       "Content-Type: application/json\nContent-Length: 48\n\n"
+                                       R"({"jsonrpc":"2.0","id":"a","method":"initialize"})"});
+}
+
+TEST(MCPHTTPTransport, SendsVersionAndSessionOnceItHoldsThem) {
+    TestHTTPServer server([](const ReceivedRequest& request) {
+        return request.method == "DELETE" ? status(200)
+                                          : jsonAnswer(request, "1", {{"Mcp-Session-Id", "s-1"}});
+    });
+    auto transport = transportTo(server);
+    EXPECT_EQ(transport.activeSessionID(), std::nullopt);
+    ASSERT_TRUE(send(transport));
+    transport.setProtocolVersion(MCPProtocolVersion::v2025_03_26);
+    ASSERT_TRUE(notify(transport));
+    ASSERT_TRUE(disconnect(transport));
+    EXPECT_EQ(server.texts().at(1), "POST /mcp\nAccept: application/json, text/event-stream\n"
+                                    "Content-Type: application/json\nMCP-Protocol-Version: 2025-03-26\n"
+                                    "Mcp-Session-Id: s-1\nContent-Length: 30\n\n"
+                                    R"({"jsonrpc":"2.0","method":"n"})");
+    EXPECT_EQ(server.texts().at(2), "DELETE /mcp\nAccept: application/json, text/event-stream\n"
+                                    "MCP-Protocol-Version: 2025-03-26\nMcp-Session-Id: s-1\n\n");
+    EXPECT_EQ(transport.activeSessionID(), std::nullopt);
+}
+
+TEST(MCPHTTPTransport, StartsWithTheVersionThatItIsGiven) {
+    TestHTTPServer server({status(202)});
+    MCPHTTPTransport transport(server.url(), nullptr, MCPProtocolVersion::v2024_11_05,
+                               URLSessionConfiguration::ephemeral());
+    ASSERT_TRUE(notify(transport));
+    EXPECT_EQ(server.requests().at(0).headers.value("MCP-Protocol-Version"), "2024-11-05");
+}
+
+TEST(MCPHTTPTransport, ClearingTheSessionLeavesTheVersion) {
+    Session session(status(202));
+    session.transport.setProtocolVersion(MCPProtocolVersion::v2025_11_25);
+    session.transport.clearSession();
+    EXPECT_EQ(session.transport.activeSessionID(), std::nullopt);
+    ASSERT_TRUE(notify(session.transport));
+    EXPECT_EQ(session.server.requests().at(1).headers.value("Mcp-Session-Id"), std::nullopt);
+    EXPECT_EQ(session.server.requests().at(1).headers.value("MCP-Protocol-Version"), "2025-11-25");
+}
+
+TEST(MCPHTTPTransport, ADisconnectWithoutASessionMakesNoRequest) {
+    TestHTTPServer server(std::vector<PlayedAnswer>{});
+    auto transport = transportTo(server);
+    bool isDone = false;
+    transport.disconnect([&, caller = std::this_thread::get_id()](MCPResult<void> result) {
+        isDone = result.has_value() && std::this_thread::get_id() == caller;
+    });
+    EXPECT_TRUE(isDone);
+}
+
+TEST(MCPHTTPTransport, AMessageWithoutJSONMakesNoRequest) {
+    TestHTTPServer server(std::vector<PlayedAnswer>{});
+    auto transport = transportTo(server);
+    std::optional<MCPResult<MCPResponse>> response;
+    transport.send(MCPRequest{MCPRequestID::string("\xFF"), "m", {}},
+                   [&](auto result) { response = result; });
+    ASSERT_TRUE(response);
+    EXPECT_EQ(*response, failure(MCPError(EncodingError{EncodingError::Reason::invalidUTF8, "id"})));
+    std::optional<MCPResult<void>> sent;
+    transport.send(MCPNotification{"\xFF", {}}, [&](auto result) { sent = result; });
+    ASSERT_TRUE(sent);
+    EXPECT_EQ(*sent, failure(MCPError(EncodingError{EncodingError::Reason::invalidUTF8, "method"})));
+}
+
+TEST(MCPHTTPTransport, TwoHundredAcceptsJSONAndEventStreamsByTheirNames) {
+    for (const auto* type :
+         {"Application/JSON; charset=utf-8", "application/json", "x; y=application/json"}) {
+        const auto result =
+            outcomeOf({.body = answerTo("\"1\"", "2"), .fields = {{"Content-Type", type}}}, aRequest);
+        ASSERT_TRUE(result) << type;
+        EXPECT_EQ(result->result, JSONValue(2));
+    }
+    for (const auto* type : {"Text/Event-Stream; charset=utf-8", "text/event-stream"}) {
+        const auto result = outcomeOf(
+            {.status = 299, .body = eventOf(answerTo("\"1\"", "2")), .fields = {{"content-type", type}}},
+            aRequest);
+        ASSERT_TRUE(result) << type;
+        EXPECT_EQ(result->result, JSONValue(2));
+    }
+}
+
+TEST(MCPHTTPTransport, AnotherContentTypeFailsAsItWasWritten) {
+    const auto typed = [](int code, std::string type) {
+        return status(code, {{"Content-Type", std::move(type)}});
+    };
+    EXPECT_EQ(outcomeOf(typed(200, "text/plain"), aRequest),
+              failed(MCPClientError::unsupportedHTTPContentType("text/plain")));
+    EXPECT_EQ(outcomeOf(typed(201, "Text/HTML"), aRequest),
+              failed(MCPClientError::unsupportedHTTPContentType("Text/HTML")));
+    EXPECT_EQ(outcomeOf(status(202), aRequest),
+              failed(MCPClientError::unsupportedHTTPContentType(std::nullopt)));
+    EXPECT_EQ(outcomeOf(status(204), aRequest),
+              failed(MCPClientError::unsupportedHTTPContentType(std::nullopt)));
+}
+
+TEST(MCPHTTPTransport, StatusesThatNoRuleCoversFailWithTheNumber) {
+    for (const int code : {300, 304, 400, 403, 405, 406, 409, 429, 500, 503, 599}) {
+        const auto error = MCPClientError::unexpectedHTTPStatus(code);
+        EXPECT_EQ(outcomeOf(status(code), aRequest), failed(error));
+        EXPECT_EQ(outcomeOf(status(code), aNotification), failed(error));
+        if (code != 405) {
+            Session session(status(code));
+            EXPECT_EQ(disconnect(session.transport), failed(error));
+            EXPECT_EQ(session.transport.activeSessionID(), "s-1") << code;
+        }
+    }
+}
+
+TEST(MCPHTTPTransport, AnUnauthorisedMessageFailsWithWhatTheChallengeSays) {
+    const auto url = URL::parse("https://h.example/.well-known/x").value();
+    const std::vector<std::pair<std::optional<std::string>, MCPClientError>> rows{
+        {std::nullopt, MCPClientError::authorizationChallenge(std::nullopt)},
+        {"Basic realm=x", MCPClientError::authorizationChallenge("Basic realm=x")},
+        {"Bearer realm=x", MCPClientError::authorizationChallengeMissingResourceMetadata()},
+        {"Bearer resource_metadata=\"no scheme\"",
+         MCPClientError::invalidAuthorizationResourceMetadata("no scheme")},
+        {"Basic realm=x, Bearer resource_metadata=\"" + url.absoluteString() + "\"",
+         MCPClientError::authorizationRequired(url)}};
+    for (const auto& [header, error] : rows) {
+        const auto answer = header ? status(401, {{"www-authenticate", *header}}) : status(401);
+        EXPECT_EQ(outcomeOf(answer, aRequest), failed(error));
+        EXPECT_EQ(outcomeOf(answer, aNotification), failed(error));
+        Session session(answer);
+        EXPECT_EQ(disconnect(session.transport), failed(error));
+        EXPECT_EQ(session.transport.activeSessionID(), "s-1");
+    }
+}
+
+TEST(MCPHTTPTransport, SeveralChallengeFieldsAreReadAsOne) {
+    const auto answer = status(
+        401, {{"WWW-Authenticate", "Basic realm=x"}, {"WWW-Authenticate", "Bearer resource_metadata=a://b"}});
+    EXPECT_EQ(outcomeOf(answer, aRequest),
+              failed(MCPClientError::authorizationRequired(URL::parse("a://b").value())));
+}
+
+TEST(MCPHTTPTransport, NotFoundTakesTheSessionAwayAndThenMeansNoEndpoint) {
+    const auto first = [](auto& session, auto&& message) {
+        EXPECT_EQ(message(session.transport), failed(MCPClientError::sessionExpired()));
+        EXPECT_EQ(session.transport.activeSessionID(), std::nullopt);
+        EXPECT_EQ(aRequest(session.transport), failed(MCPClientError::endpointNotFound()));
+        EXPECT_EQ(aNotification(session.transport), failed(MCPClientError::endpointNotFound()));
+    };
+    for (int kind = 0; kind < 3; ++kind) {
+        Session session(status(404, {{"Mcp-Session-Id", "other"}}));
+        if (kind == 0) {
+            first(session, aRequest);
+        } else if (kind == 1) {
+            first(session, aNotification);
+        } else {
+            first(session, aDisconnect);
+        }
+    }
+}
+
+TEST(MCPHTTPTransport, ANotificationAnsweredAcceptedCompletesAtOnce) {
+    std::promise<void> isOver;
+    TestHTTPServer server([&](const ReceivedRequest&) {
+        return PlayedAnswer{.closes = true,
+                            .raw = "HTTP/1.1 202 Accepted\r\nContent-Length: 100000000\r\n\r\n",
+                            .stream = [&](const Sender& send) {
+                                while (send(std::string(1 << 16, 'x'))) {
+                                }
+                                isOver.set_value();
+                            }};
+    });
+    auto transport = transportTo(server);
+    EXPECT_TRUE(notify(transport));
+    EXPECT_EQ(isOver.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
+}
+
+TEST(MCPHTTPTransport, ANotificationAnsweredOtherwiseCompletesWhenTheBodyHasCome) {
+    std::promise<void> goOn;
+    std::atomic<bool> bodyCame = false;
+    TestHTTPServer server([&](const ReceivedRequest&) {
+        return PlayedAnswer{.raw = "HTTP/1.1 200 OK\r\nMcp-Session-Id: s\r\nContent-Length: 5\r\n\r\nab",
+                            .stream = [&](const Sender& send) {
+                                goOn.get_future().wait();
+                                bodyCame = true;
+                                send("cde");
+                            }};
+    });
+    auto transport = transportTo(server);
+    Completed<MCPResult<void>> sent;
+    transport.send(MCPNotification{"n", {}}, sent.callback<MCPCompletion<void>>());
+    EXPECT_FALSE(sent.hasCome());
+    goOn.set_value();
+    EXPECT_TRUE(sent.value());
+    EXPECT_TRUE(bodyCame);
+    EXPECT_EQ(transport.activeSessionID(), "s");
+}
+
+TEST(MCPHTTPTransport, ANotificationWhoseBodyBreaksOffFails) {
+    EXPECT_EQ(connectionError(outcomeOf(PlayedAnswer::bytes("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nab"),
+                                        aNotification)),
+              URLErrorCode::connectionLost);
+}
+
+TEST(MCPHTTPTransport, ADisconnectClearsTheSessionByTwoHundredAndByMethodNotAllowed) {
+    for (const int code : {200, 202, 204, 299, 405}) {
+        Session session(status(code, {{"Mcp-Session-Id", "again"}}));
+        EXPECT_TRUE(disconnect(session.transport)) << code;
+        EXPECT_EQ(session.transport.activeSessionID(), std::nullopt);
+        EXPECT_TRUE(disconnect(session.transport));
+        EXPECT_EQ(session.server.requests().size(), 2u);
+    }
+}
+
+TEST(MCPHTTPTransport, ASessionIDIsTakenFromTwoHundredsAlone) {
+    TestHTTPServer server({status(500, {{"Mcp-Session-Id", "no"}}), status(202, {{"Mcp-Session-Id", "one"}}),
+                           status(202), status(202, {{"Mcp-Session-Id", ""}}),
+                           status(200, {{"Mcp-Session-Id", "two"}, {"Content-Type", "text/plain"}})});
+    auto transport = transportTo(server);
+    EXPECT_FALSE(notify(transport));
+    EXPECT_EQ(transport.activeSessionID(), std::nullopt);
+    EXPECT_TRUE(notify(transport));
+    EXPECT_EQ(transport.activeSessionID(), "one");
+    EXPECT_TRUE(notify(transport));
+    EXPECT_TRUE(notify(transport));
+    EXPECT_EQ(transport.activeSessionID(), "one");
+    EXPECT_FALSE(send(transport));
+    EXPECT_EQ(transport.activeSessionID(), "two");
+}
+
+TEST(MCPHTTPTransport, ASessionIDThatIsNotVisibleASCIIIsNotSentBack) {
+    for (const std::string sessionID : {"a b", "s\xC3\xA9", "s\x7F", "a\tb"}) {
+        Session session(status(202), sessionID);
+        EXPECT_TRUE(notify(session.transport));
+        EXPECT_EQ(session.server.requests().at(1).headers.value("Mcp-Session-Id"), std::nullopt) << sessionID;
+    }
+    Session session(status(202), "!~" + std::string(60'000, 'x'));
+    EXPECT_TRUE(notify(session.transport));
+    EXPECT_EQ(session.server.requests().at(1).headers.value("Mcp-Session-Id")->size(), 60'002u);
+}
+
+TEST(MCPHTTPTransport, AJSONBodyWithAnotherIDIsDeliveredAsItIs) {
+    const auto result = outcomeOf(PlayedAnswer::json(answerTo("99", "[1.0,1e400]")), aRequest);
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->id, MCPRequestID::int_(99));
+    EXPECT_EQ(result->result->text(), "[1.0,1e400]");
+}
+
+TEST(MCPHTTPTransport, AJSONBodyThatIsNoAnswerFailsWithWhatIsWrong) {
+    EXPECT_EQ(outcomeOf(PlayedAnswer::json(R"({"jsonrpc":"1.0","id":1})"), aRequest),
+              failed(MCPClientError::invalidJSONRPCVersion("1.0")));
+    EXPECT_EQ(outcomeOf(PlayedAnswer::json(R"({"jsonrpc":"2.0","id":null})"), aRequest),
+              failed(MCPClientError::invalidJSONRPCIdentifier()));
+    for (const auto* body : {"", "ping", "{", "[]", R"({"jsonrpc":"2.0"})", "{} {}"}) {
+        const auto result = outcomeOf(PlayedAnswer::json(body), aRequest);
+        ASSERT_FALSE(result);
+        EXPECT_TRUE(std::holds_alternative<DecodingError>(result.error().value)) << body;
+    }
+}
+
+TEST(MCPHTTPTransport, ConnectionErrorsComeThroughAsTheyAre) {
+    EXPECT_EQ(connectionError(outcomeOf(PlayedAnswer::reset(), aRequest)), URLErrorCode::connectionLost);
+    EXPECT_EQ(connectionError(outcomeOf(PlayedAnswer::bytes("no HTTP at all\r\n\r\n"), aRequest)),
+              URLErrorCode::badAnswer);
+    std::optional<MCPHTTPTransport> orphan;
+    {
+        TestHTTPServer gone(std::vector<PlayedAnswer>{});
+        orphan.emplace(transportTo(gone));
+    }
+    EXPECT_EQ(connectionError(send(*orphan)), URLErrorCode::cannotConnect);
+    MCPHTTPTransport plain(URL::parse("http://mcp.example/").value(), nullptr, std::nullopt,
+                           URLSessionConfiguration::ephemeral());
+    EXPECT_EQ(connectionError(send(plain)), URLErrorCode::invalidRequest);
+}
+
+// Gives the same headers, or error, each time.
+class FixedProvider final : public MCPAuthorizationProvider {
+  public:
+    explicit FixedProvider(MCPResult<Headers> headers) : headers_(std::move(headers)) {}
+
+    void authorizationHeaders(MCPCompletion<Headers> completion) override {
+        ++count;
+        completion(headers_);
+    }
+
+    int count = 0;
+
+  private:
+    MCPResult<Headers> headers_;
+};
+
+TEST(MCPHTTPTransport, AProvidersHeadersReplaceAnyOther) {
+    TestHTTPServer server([](const ReceivedRequest& request) {
+        return request.method == "DELETE" ? status(200) : jsonAnswer(request, "1", {{"Mcp-Session-Id", "s"}});
+    });
+    const auto provider = std::make_shared<FixedProvider>(
+        MCPAuthorizationProvider::Headers{{"Authorization", "Bearer t"}, {"accept", "x/y"}});
+    auto transport = transportTo(server, provider);
+    ASSERT_TRUE(send(transport));
+    ASSERT_TRUE(notify(transport));
+    ASSERT_TRUE(disconnect(transport));
+    EXPECT_EQ(provider->count, 3);
+    for (const auto& request : server.requests()) {
+        EXPECT_EQ(request.headers.value("Authorization"), "Bearer t");
+        EXPECT_EQ(request.headers.value("Accept"), "x/y");
+    }
+}
+
+TEST(MCPHTTPTransport, AProvidersFailureEndsTheCallWithItAndSendsNothing) {
+    TestHTTPServer server(std::vector<PlayedAnswer>{});
+    const MCPError error(MCPAuthorizationError{"The user is signed out."});
+    auto transport = transportTo(server, std::make_shared<FixedProvider>(failure(error)));
+    const auto caller = std::this_thread::get_id();
+    bool isSame = false;
+    transport.send(MCPRequest{MCPRequestID::int_(1), "m", {}}, [&](MCPResult<MCPResponse> result) {
+        isSame = std::this_thread::get_id() == caller && result == failure(error);
+    });
+    EXPECT_TRUE(isSame);
+    EXPECT_EQ(notify(transport), failure(error));
+}
+
+TEST(MCPHTTPTransport, AHeaderThatMayNotBeSentEndsTheCall) {
+    TestHTTPServer server(std::vector<PlayedAnswer>{});
+    auto transport = transportTo(server, std::make_shared<FixedProvider>(MCPAuthorizationProvider::Headers{
+                                             {"Authorization", "a\r\nX: y"}}));
+    EXPECT_EQ(connectionError(send(transport)), URLErrorCode::invalidRequest);
+}
+
+// Answers when it is told to.
+class SlowProvider final : public MCPAuthorizationProvider {
+  public:
+    void authorizationHeaders(MCPCompletion<Headers> completion) override {
+        pending.push_back(std::move(completion));
+    }
+
+    std::vector<MCPCompletion<Headers>> pending;
+};
+
+TEST(MCPHTTPTransport, AProviderMayAnswerLaterOnAnotherThread) {
+    TestHTTPServer server({status(202)});
+    const auto provider = std::make_shared<SlowProvider>();
+    Completed<MCPResult<void>> sent;
+    {
+        auto transport = transportTo(server, provider);
+        transport.send(MCPNotification{"n", {}}, sent.callback<MCPCompletion<void>>());
+    }
+    EXPECT_FALSE(sent.hasCome());
+    std::thread([&] { provider->pending.at(0)(MCPAuthorizationProvider::Headers{}); }).join();
+    EXPECT_TRUE(sent.value());
+}
+
+TEST(MCPHTTPTransport, CancellingEndsWhatWaitsForTheProviderAndSendsNothing) {
+    TestHTTPServer server(std::vector<PlayedAnswer>{});
+    const auto provider = std::make_shared<SlowProvider>();
+    auto transport = transportTo(server, provider);
+    Completed<MCPResult<void>> sent;
+    transport.send(MCPNotification{"n", {}}, sent.callback<MCPCompletion<void>>());
+    transport.cancelAll();
+    EXPECT_EQ(connectionError(sent.value()), URLErrorCode::cancelled);
+    provider->pending.at(0)(MCPAuthorizationProvider::Headers{});
+}
+
+TEST(MCPHTTPTransport, CompletesOnItsSerialQueueWhereARequestWasMade) {
+    TestHTTPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "1"); });
+    auto transport = transportTo(server);
+    std::atomic<int> running = 0;
+    std::atomic<bool> overlapped = false;
+    constexpr int calls = 50;
+    std::atomic<int> left = calls;
+    std::promise<void> all;
+    for (int index = 0; index < calls; ++index) {
+        transport.send(MCPRequest{MCPRequestID::int_(index), "m", {}}, [&](MCPResult<MCPResponse> result) {
+            overlapped = overlapped || running++ > 0 || !result;
+            std::this_thread::yield();
+            --running;
+            if (--left == 0) {
+                all.set_value();
+            }
+        });
+    }
+    ASSERT_EQ(all.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
+    EXPECT_FALSE(overlapped);
+}
+
+TEST(MCPHTTPTransport, WhatIsUnderWayEndsAlsoWhenTheTransportIsReleased) {
+    std::promise<void> goOn;
+    TestHTTPServer server([&](const ReceivedRequest& request) {
+        goOn.get_future().wait();
+        return jsonAnswer(request, "1");
+    });
+    Completed<MCPResult<MCPResponse>> end;
+    {
+        auto transport = transportTo(server);
+        transport.send(MCPRequest{MCPRequestID::int_(1), "m", {}},
+                       end.callback<MCPCompletion<MCPResponse>>());
+    }
+    goOn.set_value();
+    EXPECT_TRUE(end.value());
+}
+
+} // namespace
+} // namespace zelto
