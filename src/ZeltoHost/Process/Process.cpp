@@ -1,14 +1,13 @@
 #include <ZeltoHost/Process/Process.h>
 
 #include <ZeltoHost/Process/ChildProcessInternal.h>
+#include <ZeltoHost/Process/StopSignalInternal.h>
 
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <functional>
 
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <unistd.h>
 
 namespace zelto {
@@ -61,21 +60,6 @@ class OutputTail {
     FileDescriptor& source_;
     std::size_t kept_;
     std::string text_;
-};
-
-// Turns a stop request into something that poll sees.
-class StopSignal {
-  public:
-    explicit StopSignal(const std::stop_token& stop)
-        : event_(::eventfd(0, EFD_CLOEXEC)), callback_(stop, [this] {
-              [[maybe_unused]] const auto done = ::eventfd_write(event_.number(), 1);
-          }) {}
-
-    int descriptor() const { return event_.number(); }
-
-  private:
-    FileDescriptor event_;
-    std::stop_callback<std::function<void()>> callback_;
 };
 
 class Watch {
