@@ -1,0 +1,93 @@
+#include <ZeltoHost/SignIn/SignInToken.h>
+
+#include <Platform/JSON/JSONValue.h>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+
+namespace zelto {
+
+namespace {
+
+std::optional<std::string> textMember(const JSONValue& object, std::string_view key) {
+    const auto* member = object.find(key);
+    const auto* text = member ? member->asString() : nullptr;
+    return text && !text->empty() ? std::optional(*text) : std::nullopt;
+}
+
+std::optional<double> secondsOf(std::string_view text) {
+    double seconds = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(seconds) : std::nullopt;
+}
+
+// A lifetime that is none is as good as not told.
+std::optional<double> lifetime(std::optional<double> seconds) {
+    return seconds && std::isfinite(*seconds) && *seconds > 0 ? seconds : std::nullopt;
+}
+
+std::optional<double> lifetimeMember(const JSONValue& object) {
+    const auto* member = object.find("expires_in");
+    if (!member) {
+        return std::nullopt;
+    }
+    if (const auto* text = member->asString()) {
+        return lifetime(secondsOf(*text));
+    }
+    return lifetime(member->asDouble());
+}
+
+SignInError refusal(const SignInService& service, int status, const JSONValue& body) {
+    const auto code = textMember(body, "error");
+    const bool isTroubled = status >= 500;
+    return {SignInErrorCode::refused, refusalText(service.name, code         ? *code
+                                                                : isTroubled ? "server_error"
+                                                                             : "")};
+}
+
+} // namespace
+
+void SignInToken::fill(ServiceAccountCredentials& credentials) const {
+    credentials.accessToken = accessToken;
+    credentials.refreshToken = refreshToken;
+    credentials.tokenSecret = tokenSecret;
+    credentials.expirationDate = std::nullopt;
+    if (expiresIn) {
+        credentials.expirationDate = Date::now() + TimeInterval(*expiresIn);
+    }
+}
+
+Result<SignInToken, SignInError> readSignInToken(const SignInService& service, int status,
+                                                 std::string_view body) {
+    const auto parsed = JSONValue::parse(body);
+    const auto answer = parsed ? *parsed : JSONValue();
+    constexpr int firstGood = 200;
+    constexpr int firstOther = 300;
+    // Slack says no with a good status.
+    if (status < firstGood || status >= firstOther || textMember(answer, "error")) {
+        return failure(refusal(service, status, answer));
+    }
+    const auto* holder = service.tokenObject.empty() ? &answer : answer.find(service.tokenObject);
+    const auto token = holder ? textMember(*holder, "access_token") : std::nullopt;
+    if (!token) {
+        return failure(SignInError{SignInErrorCode::badAnswer, service.name + " answered without a token."});
+    }
+    return SignInToken{.accessToken = *token,
+                       .refreshToken = textMember(*holder, "refresh_token"),
+                       .expiresIn = lifetimeMember(*holder)};
+}
+
+bool isUsableToken(std::string_view text) {
+    constexpr std::size_t longest = 32 * 1024;
+    return !text.empty() && text.size() <= longest &&
+           std::ranges::all_of(text, [](char c) { return c > ' ' && c < 0x7F; });
+}
+
+SignInToken signInTokenOf(const FormItems& items) {
+    const auto expiresIn = onlyValue(items, "expires_in");
+    return {.accessToken = onlyValue(items, "access_token").value_or(""),
+            .expiresIn = expiresIn ? lifetime(secondsOf(*expiresIn)) : std::nullopt};
+}
+
+} // namespace zelto
