@@ -1,26 +1,16 @@
+#include "AccountConnection.h"
+#include "AccountDescription.h"
 #include "Commands.h"
-#include "ServiceNames.h"
-#include "Workspace.h"
-
-#include <ZeltoHost/Platform/EmailValidator.h>
-#include <ZeltoHost/Platform/HostPlatformInteractor.h>
 
 namespace zelto::cli {
 
 namespace {
 
-// For the commands that open nothing.
-std::shared_ptr<IntegrationsPlatformInteractorProtocol> interactorWithoutOpener() {
-    return std::make_shared<HostPlatformInteractor>([](const URL&, Callback<bool> done) { done(false); });
-}
-
-IntegrationsManager managerOf(const Workspace& workspace) {
-    return IntegrationsManager(workspace.sharedStorage(), interactorWithoutOpener(), isEmailAddress, {});
-}
-
 JSONValue textOrNull(const std::optional<std::string>& text) {
     return text ? JSONValue(*text) : JSONValue();
 }
+
+} // namespace
 
 JSONObject described(const ServiceAccountConfiguration& account, bool lastUsed) {
     JSONObject object;
@@ -31,47 +21,6 @@ JSONObject described(const ServiceAccountConfiguration& account, bool lastUsed) 
     object.set("enabled", account.enabled);
     object.set("lastUsed", lastUsed);
     return object;
-}
-
-Failure cannotConnect(ServiceType type) {
-    return {"unsupportedService",
-            "This version connects applications on this machine only; " + displayName(type) + " is none.",
-            "zelto services"};
-}
-
-} // namespace
-
-Outcome<Report> runConnect(const Invocation& invocation, const Terminal& terminal) {
-    const auto name = invocation.value("SERVICE").value();
-    const auto type = serviceNamed(name);
-    if (!type) {
-        return wrongUsage("There is no service \"" + name + "\".", "zelto services");
-    }
-    if (serviceAuthFlow(*type) != ServiceAuthFlow::installedApp) {
-        return failure(cannotConnect(*type));
-    }
-    const auto workspace = Workspace::open(invocation);
-    if (!workspace) {
-        return failure(workspace.error());
-    }
-    Outcome<ServiceAccountConfiguration> connected =
-        ServiceAccountConfiguration(*type, invocation.value("--name"), true);
-    managerOf(*workspace).trySaveServiceConfiguration(*connected, [&](const auto& result) {
-        if (!result) {
-            connected = failure(failureOf(result.error()));
-        }
-    });
-    if (!connected) {
-        return failure(connected.error());
-    }
-    if (const auto stored = workspace->storageOutcome(); !stored) {
-        return failure(stored.error());
-    }
-    Report report;
-    report.members.set("account", described(*connected, false));
-    report.text = "Connected " + terminal.shown(connected->identifier()) + ".\n";
-    report.isNotice = true;
-    return report;
 }
 
 Outcome<Report> runAccounts(const Invocation& invocation, const Terminal& terminal) {

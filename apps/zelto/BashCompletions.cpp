@@ -88,6 +88,7 @@ std::string action(ValueKind kind, const std::vector<std::string_view>& choices)
     case ValueKind::directory:
         return "_zelto_files directory";
     case ValueKind::command:
+    case ValueKind::secret:
         return "_zelto_offer -";
     case ValueKind::service:
     case ValueKind::contentType:

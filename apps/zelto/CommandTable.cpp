@@ -26,6 +26,25 @@ const OptionSpec target = {"--target", "PATH",
                            "What the export goes into, like \"Board/List\": names or identifiers that `zelto "
                            "targets` lists"};
 
+// The options of a sign-in, behind those that are the command's own.
+std::vector<OptionSpec> withSignInOptions(std::vector<OptionSpec> options) {
+    const std::vector<OptionSpec> shared = {
+        {"--no-browser", "",
+         "Print the page's address, for a browser on any machine, and take the address that it ends at"},
+        {"--opener", "COMMAND", "Opens the page, given as its last argument", ValueKind::command},
+        {"--redirect", "URL",
+         "The address that your own client is registered with; one of this machine is listened at"},
+        {"--token", "TOKEN", "An access token; - takes it from standard input", ValueKind::secret},
+        {"--refresh-token", "TOKEN", "What renews it; - takes the next line of standard input",
+         ValueKind::secret},
+        {"--expires-in", "SECONDS", "How long the access token is good from now on"},
+        {"--login", "NAME", "The user name, for a service with a password"},
+        {"--password-stdin", "", "Take the password from standard input"},
+        {"--follow", "", "With --sandbox: agree on its pages without a browser"}};
+    options.insert(options.end(), shared.begin(), shared.end());
+    return options;
+}
+
 const std::vector<CommandSpec> table = {
     {"services",
      "List the services",
@@ -37,11 +56,23 @@ const std::vector<CommandSpec> table = {
      {"zelto services", "zelto services --json"}},
     {"connect",
      "Connect an account",
-     "Connects an account of a service. An application on this machine needs no sign-in, and need not be "
+     "Connects an account of a service. A service on the web shows its page in the browser, where you sign "
+     "in "
+     "and agree; credentials that you have already are taken by --token, --login or $ZELTO_TOKEN instead. "
+     "They are kept in the key chain. An application on this machine needs no sign-in, and need not be "
      "connected before its first export either; --name tells several accounts of one application apart.",
      {{"SERVICE", "The service", ValueKind::service}},
-     {{"--name", "USER", "The account's name"}},
-     {"zelto connect bear", "zelto connect things --name work"}},
+     withSignInOptions({{"--name", "USER", "The account's name, where the service does not tell it"}}),
+     {"zelto connect bear", "zelto connect things --name work",
+      "printf %s my-token | zelto connect zoom --name work --token -"}},
+    {"reconnect",
+     "Sign in to a connected account again",
+     "Gives a connected account a new sign-in, for when its service does not accept the old one any more. It "
+     "must be the same user's; what is remembered of the account stays. Takes what `zelto connect` takes.",
+     {{"ID", "The account's identifier, as `zelto accounts` lists it", ValueKind::account}},
+     withSignInOptions({}),
+     {"printf %s new-token | zelto reconnect Zoom+work --token -",
+      "printf %s other-token | zelto reconnect Zoom+work --token - --expires-in 3600"}},
     {"accounts",
      "List the connected accounts",
      "Lists the connected accounts in the order of their connection: the identifier that --to takes, and "

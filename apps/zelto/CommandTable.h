@@ -12,6 +12,7 @@ namespace zelto::cli {
 // Where a value comes from, for completions.
 enum class ValueKind {
     text,
+    secret, // must not be seen in a list of processes; "-" takes it from standard input
     file,
     directory,
     command,

@@ -12,10 +12,15 @@ struct CommandRow {
 };
 
 constexpr CommandRow rows[] = {
-    {"services", runServices},     {"connect", runConnect},
-    {"accounts", runAccounts},     {"accounts remove", runAccountsRemove},
-    {"targets", runTargets},       {"config", runConfig},
-    {"preview", runPreview},       {"export", runExport},
+    {"services", runServices},
+    {"connect", runConnect},
+    {"reconnect", runReconnect},
+    {"accounts", runAccounts},
+    {"accounts remove", runAccountsRemove},
+    {"targets", runTargets},
+    {"config", runConfig},
+    {"preview", runPreview},
+    {"export", runExport},
     {"completion", runCompletion},
 };
 

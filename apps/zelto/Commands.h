@@ -9,6 +9,7 @@ namespace zelto::cli {
 // One function a command; each gives what is to be printed.
 Outcome<Report> runServices(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runConnect(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runReconnect(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runAccounts(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runAccountsRemove(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runTargets(const Invocation& invocation, const Terminal& terminal);

@@ -1,25 +1,14 @@
 #include "DeferredKeyChain.h"
 
+#include "SecretInputs.h"
+
 #include <TrovenhalCommon/KeyChain/FileKeyChainStore.h>
 #include <TrovenhalCommon/KeyChain/MemoryKeyChainStore.h>
 #include <TrovenhalCommon/KeyChain/SecretServiceKeyChainStore.h>
 
-#include <cstdlib>
-
 namespace zelto::cli {
 
 namespace {
-
-std::optional<std::string> passphraseOfEnvironment() {
-    constexpr auto name = "ZELTO_KEYCHAIN_PASSPHRASE";
-    const char* const value = std::getenv(name);
-    if (!value) {
-        return std::nullopt;
-    }
-    std::string passphrase(value);
-    ::unsetenv(name);
-    return passphrase;
-}
 
 std::shared_ptr<LVXKeyChainStore> makeStore(const std::optional<std::string>& kind,
                                             const std::filesystem::path& file,
@@ -37,7 +26,8 @@ std::shared_ptr<LVXKeyChainStore> makeStore(const std::optional<std::string>& ki
 } // namespace
 
 DeferredKeyChain::DeferredKeyChain(std::optional<std::string> kind, std::filesystem::path file)
-    : kind_(std::move(kind)), file_(std::move(file)), passphrase_(passphraseOfEnvironment()) {}
+    : kind_(std::move(kind)), file_(std::move(file)), passphrase_(takeVariable("ZELTO_KEYCHAIN_PASSPHRASE")) {
+}
 
 LVXKeyChainStore& DeferredKeyChain::store() {
     std::call_once(chosen_, [this] { store_ = makeStore(kind_, file_, passphrase_); });

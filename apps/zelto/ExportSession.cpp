@@ -3,6 +3,7 @@
 #include "ExportFailures.h"
 #include "ServiceNames.h"
 #include "ServiceTargets.h"
+#include "Waiting.h"
 
 #include <ZeltoIntegrations/Agenda/AgendaExporter.h>
 #include <ZeltoIntegrations/Bear/BearExporter.h>
@@ -12,21 +13,11 @@
 #include <ZeltoIntegrations/TwoDo/TwoDoExporter.h>
 
 #include <algorithm>
-#include <future>
 #include <type_traits>
 
 namespace zelto::cli {
 
 namespace {
-
-// Calls an asynchronous operation and waits for what it completes with.
-template <class T, class F> T waitFor(F operation) {
-    // Shared, since the caller may go on while the completion's thread is still on its way out of it.
-    const auto promise = std::make_shared<std::promise<T>>();
-    auto future = promise->get_future();
-    operation([promise](T value) { promise->set_value(std::move(value)); });
-    return future.get();
-}
 
 // An exporter that loads what its exports can be put into.
 template <class Exporter>

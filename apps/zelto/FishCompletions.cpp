@@ -42,6 +42,8 @@ std::string action(ValueKind kind, const std::vector<std::string_view>& choices)
         return " -r -F";
     case ValueKind::directory:
         return " -x -a '(__fish_complete_directories)'";
+    case ValueKind::secret:
+        return " -x -a -";
     case ValueKind::command:
         return " -x -a '- (__fish_complete_command)'";
     case ValueKind::service:

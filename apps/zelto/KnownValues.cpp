@@ -39,6 +39,7 @@ std::vector<std::string> knownValues(ValueKind kind, const std::vector<std::stri
         return values;
     case ValueKind::account:
     case ValueKind::text:
+    case ValueKind::secret:
     case ValueKind::file:
     case ValueKind::directory:
     case ValueKind::command:

@@ -1,6 +1,8 @@
 #include "Commands.h"
 #include "HelpText.h"
 #include "InvocationCheck.h"
+#include "RegisteredClients.h"
+#include "SecretInputs.h"
 #include "Workspace.h"
 
 #include <ZeltoCommonLogger/StandardErrorLog.h>
@@ -132,6 +134,10 @@ int run(const std::vector<std::string>& arguments) {
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     zelto::cli::guardMemory();
+    const std::vector<std::string> arguments{argv + 1, argv + argc};
+    zelto::cli::blankSecretArguments(argc, argv);
+    zelto::cli::takeTokenOfEnvironment();
+    zelto::cli::useClientsOfEnvironment();
     zelto::cli::reserveStandardDescriptors();
-    return zelto::cli::run({argv + 1, argv + argc});
+    return zelto::cli::run(arguments);
 }

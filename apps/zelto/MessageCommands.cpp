@@ -28,6 +28,7 @@ struct MessageWork {
     std::shared_ptr<URLDelivery> delivery;
     std::shared_ptr<IntegrationsManager> manager;
     ServiceAccountConfiguration account;
+    std::optional<AccountLock> lock;
     std::unique_ptr<ExportSession> session;
 };
 
@@ -81,12 +82,16 @@ Outcome<MessageWork> open(const Invocation& invocation, bool leavesNoTrace) {
     if (!account) {
         return failure(account.error());
     }
+    auto lock = workspace->lockForUse(*account);
+    if (!lock) {
+        return failure(lock.error());
+    }
     auto session = openExportSession(*manager, *account, *std::move(message));
     if (!session) {
         return failure(session.error());
     }
-    return MessageWork{*std::move(workspace), *std::move(delivery), std::move(manager), *std::move(account),
-                       *std::move(session)};
+    return MessageWork{*std::move(workspace), *std::move(delivery), std::move(manager),
+                       *std::move(account),   *std::move(lock),     *std::move(session)};
 }
 
 ProgressStyle progressStyle(const Invocation& invocation) {

@@ -1,10 +1,8 @@
+#include "AccountConnection.h"
 #include "Commands.h"
 #include "ExportSession.h"
 #include "ServiceNames.h"
-#include "Workspace.h"
 
-#include <ZeltoHost/Platform/EmailValidator.h>
-#include <ZeltoHost/Platform/HostPlatformInteractor.h>
 #include <ZeltoIntegrations/IntegrationsDataInteractorStub.h>
 
 namespace zelto::cli {
@@ -18,12 +16,14 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
     if (!workspace) {
         return failure(workspace.error());
     }
-    const auto interactor =
-        std::make_shared<HostPlatformInteractor>([](const URL&, Callback<bool> done) { done(false); });
-    IntegrationsManager manager(workspace->sharedStorage(), interactor, isEmailAddress, {});
-    const auto account = workspace->account(named, manager, false);
+    auto manager = managerOf(*workspace);
+    auto account = workspace->account(named, manager, false);
     if (!account) {
         return failure(account.error());
+    }
+    const auto lock = workspace->lockForUse(*account);
+    if (!lock) {
+        return failure(lock.error());
     }
     const auto session =
         openExportSession(manager, *account, std::make_shared<IntegrationsDataInteractorStub>());

@@ -2,8 +2,11 @@
 
 #include "DeferredKeyChain.h"
 #include "ServiceNames.h"
+#include "ShellText.h"
+#include "Terminal.h"
 
 #include <Platform/FileManager.h>
+#include <Platform/Text.h>
 
 #include <algorithm>
 
@@ -31,6 +34,10 @@ void installKeyChain(const Invocation& invocation) {
         invocation.value("--keychain"), dataDirectory(invocation) / "keychain"));
 }
 
+std::string reconnectCommand(const ServiceAccountConfiguration& account) {
+    return "zelto reconnect " + shellWord(account.identifier());
+}
+
 Failure failureOf(const StorageError& error) {
     return {std::string(nameOf(error.code)), error.message(), "zelto accounts --data-dir DIR"};
 }
@@ -38,15 +45,18 @@ Failure failureOf(const StorageError& error) {
 Failure failureOf(const IntegrationAccountCreationError& error) {
     struct Sentence {
         Failure operator()(const IntegrationAccountCreationError::AccountAlreadyExist& error) const {
+            const bool isApplication =
+                serviceAuthFlow(error.account.serviceType()) == ServiceAuthFlow::installedApp;
             return {"accountAlreadyExist",
-                    "The account " + error.account.identifier() + " is connected already.", "zelto accounts"};
+                    "The account " + error.account.identifier() + " is connected already.",
+                    isApplication ? "zelto accounts" : reconnectCommand(error.account)};
         }
 
         Failure operator()(const IntegrationAccountCreationError::AccountMismatch& error) const {
             return {"accountMismatch",
                     "The sign-in was that of " + error.actualAccount.identifier() + ", not of " +
-                        error.requiredAccount.identifier() + ".",
-                    "zelto accounts"};
+                        error.requiredAccount.identifier() + ", so nothing was changed.",
+                    reconnectCommand(error.requiredAccount)};
         }
 
         Failure operator()(const IntegrationAccountCreationError::DataLoadingError&) const {
@@ -71,7 +81,7 @@ Outcome<Workspace> Workspace::open(const Invocation& invocation, bool readOnly) 
     if (!storage) {
         return failure(failureOf(storage.error()));
     }
-    return Workspace(*std::move(storage));
+    return Workspace(*std::move(storage), std::move(directory));
 }
 
 Outcome<void> Workspace::storageOutcome() const {
@@ -80,6 +90,38 @@ Outcome<void> Workspace::storageOutcome() const {
         return failure(failureOf(*error));
     }
     return {};
+}
+
+Outcome<AccountLock> Workspace::lock(const std::string& identifier) const {
+    auto lock = AccountLock::take(directory_, identifier, [&] {
+        writeError("zelto: waiting for another zelto that uses " + escapeControlCharacters(identifier) +
+                   ".\n");
+    });
+    if (!lock) {
+        return failure(failureOf(lock.error()));
+    }
+    return *std::move(lock);
+}
+
+Outcome<std::optional<AccountLock>> Workspace::lockForUse(ServiceAccountConfiguration& account) const {
+    if (!account.credentials || !AccountLock::isNeededFor(account.serviceType())) {
+        return std::nullopt;
+    }
+    auto taken = lock(account.identifier());
+    if (!taken) {
+        return failure(taken.error());
+    }
+    auto present = storage_->tryLoad(account.identifier());
+    if (!present) {
+        return failure(failureOf(present.error()));
+    }
+    if (!*present) {
+        return failure(Failure{"unknownAccount",
+                               "The account \"" + account.identifier() + "\" was removed meanwhile.",
+                               "zelto accounts"});
+    }
+    account = **std::move(present);
+    return *std::move(taken);
 }
 
 Outcome<ServiceAccountConfiguration> Workspace::account(const std::string& idOrService,

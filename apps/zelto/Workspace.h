@@ -3,6 +3,7 @@
 #include "CommandLine.h"
 #include "Outcome.h"
 
+#include <ZeltoHost/Storage/AccountLock.h>
 #include <ZeltoHost/Storage/SQLiteAccountStorage.h>
 #include <ZeltoIntegrations/IntegrationsManager.h>
 
@@ -36,11 +37,23 @@ class Workspace {
     Outcome<ServiceAccountConfiguration> account(const std::string& idOrService, IntegrationsManager& manager,
                                                  bool mayConnect) const;
 
+    // Takes the account's lock; that this waits for another process is told on standard error.
+    Outcome<AccountLock> lock(const std::string& identifier) const;
+
+    // The lock of an account whose token may be refreshed, taken before its secrets are loaded; nothing for
+    // all others. The account becomes what it is once nobody else has it.
+    Outcome<std::optional<AccountLock>> lockForUse(ServiceAccountConfiguration& account) const;
+
   private:
-    explicit Workspace(std::shared_ptr<SQLiteAccountStorage> storage) : storage_(std::move(storage)) {}
+    Workspace(std::shared_ptr<SQLiteAccountStorage> storage, std::filesystem::path directory)
+        : storage_(std::move(storage)), directory_(std::move(directory)) {}
 
     std::shared_ptr<SQLiteAccountStorage> storage_;
+    std::filesystem::path directory_;
 };
+
+// What to do when the service does not take an account's sign-in any more.
+std::string reconnectCommand(const ServiceAccountConfiguration& account);
 
 // The failure of a flow that connects an account.
 Failure failureOf(const IntegrationAccountCreationError& error);

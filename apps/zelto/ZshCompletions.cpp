@@ -44,6 +44,8 @@ std::string action(ValueKind kind, const std::vector<std::string_view>& choices)
     switch (kind) {
     case ValueKind::text:
         return choices.empty() ? " " : offered;
+    case ValueKind::secret:
+        return "compadd -- -";
     case ValueKind::file:
         return "_files";
     case ValueKind::directory:

@@ -115,7 +115,7 @@ TEST(Canary, AppearsInNoByteThatTheCommandsWrite) {
         {"accounts"},
         {"connect", "bear", "--name", "user"},
         {"connect", "agenda"},
-        {"connect", "trello"},
+        {"connect", "box"},
         {"config", mail, "--to", "Bear+user"},
         {"config", mail, "--to", "Trello+user"},
         {"preview", mail, "--to", "Things+user"},

@@ -90,8 +90,8 @@ TEST(Completions, TreatAnOptionTheSameWhereverItStands) {
 
 TEST(Completions, OfBashOfferCommands) {
     const ZeltoProgram zelto;
-    EXPECT_EQ(offered(zelto, "zelto ''"), (Words{"services", "connect", "accounts", "targets", "config",
-                                                 "preview", "export", "completion"}));
+    EXPECT_EQ(offered(zelto, "zelto ''"), (Words{"services", "connect", "reconnect", "accounts", "targets",
+                                                 "config", "preview", "export", "completion"}));
     EXPECT_EQ(offered(zelto, "zelto con"), (Words{"connect", "config"}));
     EXPECT_EQ(offered(zelto, "zelto --json --data-dir x exp"), Words{"export"});
     EXPECT_EQ(offered(zelto, "zelto accounts ''"), Words{"remove"});
@@ -101,7 +101,7 @@ TEST(Completions, OfBashOfferCommands) {
 TEST(Completions, OfBashOfferTheOptionsOfTheCommand) {
     const ZeltoProgram zelto;
     EXPECT_EQ(offered(zelto, "zelto export --d"), (Words{"--due", "--deadline", "--dry-run", "--data-dir"}));
-    EXPECT_EQ(offered(zelto, "zelto connect --n"), Words{"--name"});
+    EXPECT_EQ(offered(zelto, "zelto connect --na"), Words{"--name"});
     EXPECT_EQ(offered(zelto, "zelto --js"), Words{"--json"});
     EXPECT_FALSE(holds(offered(zelto, "zelto accounts remove --"), "--title"));
     EXPECT_TRUE(holds(offered(zelto, "zelto export mail.eml --to bear -"), "--title"));

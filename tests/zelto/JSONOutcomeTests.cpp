@@ -104,7 +104,7 @@ TEST(JSONOutcome, IsOneDocumentForEveryFailure) {
     const auto noNote = zelto.home.write("note.json", "{}");
     const Row rows[] = {
         {{"connect", "bear", "--name", "a"}, "accountAlreadyExist", 1, "Bear+a is connected already."},
-        {{"connect", "trello"}, "unsupportedService", 1, "Trello"},
+        {{"connect", "box"}, "unsupportedService", 1, "Box"},
         {{"accounts", "remove", "Bear+c"}, "unknownAccount", 1, "There is no account \"Bear+c\"."},
         {{"export", mail, "--to", "bear"}, "ambiguousAccount", 1, "Bear+a, Bear+b"},
         {{"export", mail, "--to", "Bear+c"}, "unknownAccount", 1, "\"Bear+c\""},

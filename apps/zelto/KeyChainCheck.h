@@ -1,0 +1,16 @@
+#pragma once
+
+#include "Outcome.h"
+
+#include <ZeltoIntegrations/ServiceAccountCredentials.h>
+
+namespace zelto::cli {
+
+// Whether secrets can be kept: a probe is written, read back and erased. For before a sign-in, whose tokens
+// would be lost otherwise.
+Outcome<void> probeKeyChain();
+
+// Whether the key chain holds just these secrets now.
+Outcome<void> checkStored(const ServiceAccountCredentials& credentials);
+
+} // namespace zelto::cli

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <ZeltoHost/SignIn/SignIn.h>
+
+#include <atomic>
+#include <stop_token>
+#include <thread>
+
+namespace zelto::cli {
+
+// Reads lines of standard input while it lives, and gives each to the sign-in; what is wrong with one is told
+// on standard error. Where nothing else can bring the answer, the end of the input ends the waiting.
+class PastedAddresses {
+  public:
+    PastedAddresses(SignIn& signIn, std::stop_source& ending);
+
+    bool endedWithoutAnswer() const { return hasEnded_; }
+
+  private:
+    std::atomic<bool> hasEnded_ = false;
+    std::jthread reading_;
+};
+
+} // namespace zelto::cli
