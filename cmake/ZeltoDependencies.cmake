@@ -3,7 +3,7 @@
 find_package(Threads REQUIRED)
 find_package(Boost 1.81 REQUIRED COMPONENTS json)
 find_package(CURL 7.88 REQUIRED)
-find_package(OpenSSL 3.0 REQUIRED COMPONENTS Crypto)
+find_package(OpenSSL 3.0 REQUIRED COMPONENTS Crypto SSL)
 find_package(ICU 70 REQUIRED COMPONENTS uc i18n data)
 find_package(spdlog REQUIRED)
 find_package(SQLite3 REQUIRED)

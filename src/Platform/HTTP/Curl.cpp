@@ -74,9 +74,13 @@ URLErrorCode codeOf(CURLcode code, bool wasSent, std::string_view detail) {
         if (detail.contains("chunk")) {
             return URLErrorCode::badAnswer;
         }
-        return detail.contains("Too large") ? URLErrorCode::answerTooLarge : URLErrorCode::connectionLost;
+        if (detail.contains("Too large")) {
+            return URLErrorCode::answerTooLarge;
+        }
+        [[fallthrough]];
     default:
-        return URLErrorCode::connectionLost;
+        // What ends before the request went out is a proxy's refusal.
+        return wasSent ? URLErrorCode::connectionLost : URLErrorCode::cannotConnect;
     }
 }
 

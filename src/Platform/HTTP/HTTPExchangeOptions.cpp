@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <limits>
 
+#include <openssl/ssl.h>
+
 namespace zelto {
 namespace {
 
@@ -19,6 +21,12 @@ constexpr std::uint64_t largestOffset = std::numeric_limits<curl_off_t>::max();
 
 long milliseconds(HTTPExchange::Clock::duration duration) {
     return static_cast<long>(std::chrono::ceil<std::chrono::milliseconds>(duration).count());
+}
+
+// A host may have set libcurl up before, with the key log that the environment asks for.
+CURLcode onSecurity(CURL*, void* context, void*) {
+    SSL_CTX_set_keylog_callback(static_cast<SSL_CTX*>(context), nullptr);
+    return CURLE_OK;
 }
 
 } // namespace
@@ -80,6 +88,7 @@ void HTTPExchange::setSecurity(const WireRequest& wire) {
     if (wire.isPlain) {
         return;
     }
+    set(CURLOPT_SSL_CTX_FUNCTION, onSecurity);
     set(CURLOPT_SSLVERSION, static_cast<long>(CURL_SSLVERSION_TLSv1_2));
     set(CURLOPT_SSL_VERIFYPEER, 1L);
     set(CURLOPT_SSL_VERIFYHOST, 2L);

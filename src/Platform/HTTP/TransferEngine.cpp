@@ -38,7 +38,7 @@ TransferEngine& TransferEngine::shared() {
     return *engine;
 }
 
-TransferEngine::TransferEngine() : multi_(newMulti()), share_(newShare()) {
+TransferEngine::TransferEngine() : multi_(newMulti()), share_(newShare()), process_(::getpid()) {
     // After libcurl's setting up, and thus called before what it stands on is torn down.
     std::atexit(stopThread);
     startThread();
@@ -56,10 +56,9 @@ void TransferEngine::startThread() {
 }
 
 void TransferEngine::stopThread() {
-    static const auto process = ::getpid();
     auto& engine = shared();
-    if (::getpid() != process) {
-        return;
+    if (::getpid() != engine.process_) {
+        return; // a child has no such thread
     }
     std::unique_lock lock(engine.lock_);
     engine.stops_ = true;

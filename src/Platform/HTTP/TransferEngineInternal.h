@@ -12,6 +12,8 @@
 #include <mutex>
 #include <vector>
 
+#include <sys/types.h>
+
 namespace zelto {
 
 // Drives all transfers on one thread. Begins no more at a time than a session's configuration says, nor more
@@ -57,6 +59,7 @@ class TransferEngine {
 
     CURLM* const multi_;
     CURLSH* const share_;
+    const pid_t process_;
     HTTPExchange::Rounds rounds_;
     std::vector<std::unique_ptr<HTTPExchange>> running_;
     std::vector<std::unique_ptr<HTTPExchange>> idle_;
