@@ -10,11 +10,13 @@ using FileCompletion = Completion<std::filesystem::path, IntegrationExportError>
 
 NetworkExporter::Steps::Steps(std::shared_ptr<NetworkExporter> exporter, std::size_t unitCount,
                               ResultMediator<void> finish)
-    : run_(std::make_shared<Run>(std::move(exporter),
+    : run_(std::make_shared<Run>(exporter,
                                  std::make_shared<ExportProgress>(static_cast<std::int64_t>(unitCount)),
-                                 std::move(finish))) {
-    const std::lock_guard guard(run_->exporter->reportLock_);
-    run_->exporter->report_ = {};
+                                 [exporter, finish = std::move(finish)](const ExporterResult<void>& result) {
+                                     exporter->end();
+                                     finish(result);
+                                 })) {
+    exporter->begin(run_->progress);
 }
 
 std::shared_ptr<ExportProgress> NetworkExporter::Steps::execute() {
@@ -36,8 +38,24 @@ std::shared_ptr<ExportProgress> NetworkExporter::Steps::execute() {
     return run_->progress;
 }
 
+void NetworkExporter::begin(const std::shared_ptr<ExportProgress>& progress) {
+    const std::lock_guard guard(exportLock_);
+    running_ = progress;
+    report_ = {};
+}
+
+void NetworkExporter::end() {
+    const std::lock_guard guard(exportLock_);
+    running_ = nullptr;
+}
+
+bool NetworkExporter::isCancelled() const {
+    const std::lock_guard guard(exportLock_);
+    return running_ && running_->isCancelled();
+}
+
 ExportReport NetworkExporter::exportReport() const {
-    const std::lock_guard guard(reportLock_);
+    const std::lock_guard guard(exportLock_);
     return report_;
 }
 
@@ -79,12 +97,12 @@ void NetworkExporter::fetchFile(std::int64_t attachmentPk, IntegrationExportErro
 }
 
 void NetworkExporter::reportMade(std::string kind, std::string name, std::optional<std::string> identifier) {
-    const std::lock_guard guard(reportLock_);
+    const std::lock_guard guard(exportLock_);
     report_.made.push_back({std::move(kind), std::move(name), std::move(identifier)});
 }
 
 void NetworkExporter::reportRefused(std::string kind, std::string name, ServiceClientError reason) {
-    const std::lock_guard guard(reportLock_);
+    const std::lock_guard guard(exportLock_);
     report_.refused.push_back({std::move(kind), std::move(name), reason});
 }
 

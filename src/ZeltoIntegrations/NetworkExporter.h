@@ -117,10 +117,11 @@ class NetworkExporter : public ServiceExporter {
                    StepCompletion<std::filesystem::path> done);
 
     // A client with the account's credentials, which cancelling reaches from now on; nothing for an account
-    // without credentials.
+    // without credentials. A step of an export that was cancelled gets none either: what it fails with does
+    // not matter.
     template <class Client, class Authoriser> std::shared_ptr<Client> createClient() {
         const auto credentials = accountConfiguration().credentials;
-        if (!credentials) {
+        if (!credentials || isCancelled()) {
             return nullptr;
         }
         auto client = std::make_shared<Client>(std::make_shared<Authoriser>(*credentials), JSONDecoder());
@@ -149,7 +150,13 @@ class NetworkExporter : public ServiceExporter {
         return result ? ExporterResult<void>() : failure(result.error());
     }
 
-    mutable std::mutex reportLock_;
+    void begin(const std::shared_ptr<ExportProgress>& progress);
+    void end();
+    // Whether that is so of the export that runs.
+    bool isCancelled() const;
+
+    mutable std::mutex exportLock_; // guards what follows
+    std::shared_ptr<ExportProgress> running_;
     ExportReport report_;
 };
 

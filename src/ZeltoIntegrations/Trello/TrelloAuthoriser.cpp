@@ -5,6 +5,7 @@
 #include <Platform/URLComponents.h>
 
 #include <utility>
+#include <vector>
 
 namespace zelto {
 
@@ -14,6 +15,8 @@ bool TrelloAuthoriser::authorize(URLRequest& request) {
         return false;
     }
     auto components = URLComponents::of(request.url);
+    // "?" with nothing behind it is no item.
+    std::erase(components.queryItems, URLQueryItem{});
     components.queryItems.push_back({"key", TrelloConstants::clientKey()});
     components.queryItems.push_back({"token", *token});
     auto url = components.url();
