@@ -2,8 +2,9 @@ import { addRequests, forgetRequests } from "/requests.js";
 import { showBoards } from "/trello.js";
 
 const retryTime = 1000;
-const quietTime = 150; // between two look-ups, so that a thousand requests at once do not make a thousand of them
+const quietTime = 150; // at least, and as long as a look took, so that a thousand requests do not make a thousand looks
 const byId = (id) => document.getElementById(id);
+const pause = (time) => new Promise((resolve) => setTimeout(resolve, time));
 
 let last = 0; // number of the newest request that is shown
 let looking = false;
@@ -37,14 +38,15 @@ async function lookSoon() {
   looking = true;
   while (changed) {
     changed = false;
+    const begun = performance.now();
     try {
       await look();
     } catch (problem) {
       // If the sandbox is gone, the event stream tells so.
       changed = true;
-      await new Promise((resolve) => setTimeout(resolve, retryTime));
+      await pause(retryTime);
     }
-    await new Promise((resolve) => setTimeout(resolve, quietTime));
+    await pause(Math.max(quietTime, performance.now() - begun));
   }
   looking = false;
 }
