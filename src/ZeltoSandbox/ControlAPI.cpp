@@ -1,0 +1,215 @@
+#include <ZeltoSandbox/ControlAPI.h>
+
+#include <ZeltoSandbox/FaultList.h>
+
+#include <charconv>
+
+namespace zelto::sandbox {
+
+namespace {
+
+constexpr std::size_t largestBody = std::size_t{1} << 20;
+constexpr TimeInterval eventPause{0.25};
+constexpr int pausesBetweenSigns = 60;
+
+SandboxAnswer refused(int status, std::string text) {
+    return SandboxAnswer::json(JSONObject{{"error", std::move(text)}}, status);
+}
+
+SandboxAnswer done() {
+    return {.status = 204};
+}
+
+std::uint64_t numberOf(std::string_view text) {
+    std::uint64_t number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
+std::string_view nameOf(SandboxConsent consent) {
+    switch (consent) {
+    case SandboxConsent::ask:
+        return "ask";
+    case SandboxConsent::allow:
+        return "allow";
+    case SandboxConsent::deny:
+        return "deny";
+    }
+    return {};
+}
+
+std::optional<SandboxConsent> consentOf(const JSONValue& json) {
+    for (const auto consent : {SandboxConsent::ask, SandboxConsent::allow, SandboxConsent::deny}) {
+        if (json.asString() && *json.asString() == nameOf(consent)) {
+            return consent;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string textMember(const JSONValue& json, std::string_view key) {
+    const auto* member = json.find(key);
+    const auto* text = member ? member->asString() : nullptr;
+    return text ? *text : std::string();
+}
+
+// What is wrong with the member; nothing if it is good.
+std::optional<std::string> readSetting(SandboxSettings& settings, const std::string& key,
+                                       const JSONValue& value) {
+    if (key == "consent") {
+        const auto consent = consentOf(value);
+        settings.consent = consent.value_or(settings.consent);
+        return consent ? std::nullopt : std::optional<std::string>("\"ask\", \"allow\" or \"deny\"");
+    }
+    if (key == "plan") {
+        const auto* plan = value.asString();
+        settings.paidPlan = plan && *plan == "paid";
+        return plan && (*plan == "paid" || *plan == "free")
+                   ? std::nullopt
+                   : std::optional<std::string>("\"free\" or \"paid\"");
+    }
+    if (key == "attachmentLimit") {
+        settings.attachmentLimit = value.asUInt64();
+        return value.isNull() || settings.attachmentLimit
+                   ? std::nullopt
+                   : std::optional<std::string>("a number of bytes, or null for the plan's");
+    }
+    return "left out; there is no such setting";
+}
+
+} // namespace
+
+SandboxAnswer ControlAPI::answer(const RequestHead& head, std::string_view path, std::string_view query,
+                                 const SpooledBytes& body) const {
+    if (head.method == "GET" || head.method == "HEAD") {
+        return read(path, query);
+    }
+    if (!head.field(controlHeader)) {
+        return refused(403, "What changes the sandbox needs the header " + std::string(controlHeader) + ".");
+    }
+    if (head.method == "DELETE" && path == "faults") {
+        desk_.clearFaults();
+        log_.touch();
+        return done();
+    }
+    if (head.method != "POST") {
+        return refused(405, "There is no " + head.method + " here.");
+    }
+    const auto* type = head.field("Content-Type");
+    if (!type || mediaTypeOf(*type) != "application/json") {
+        return refused(415, "The Content-Type has to be application/json.");
+    }
+    std::string text(std::min<std::uint64_t>(body.size(), largestBody), '\0');
+    text.resize(body.read(0, text));
+    auto json = text.empty() ? JSONValue(JSONObject()) : JSONValue();
+    if (!text.empty()) {
+        auto parsed = JSONValue::parse(text);
+        if (!parsed || !parsed->asObject()) {
+            return refused(400, "The body has to be one JSON object.");
+        }
+        json = std::move(*parsed);
+    }
+    auto answer = change(path, json);
+    log_.touch();
+    return answer;
+}
+
+SandboxAnswer ControlAPI::read(std::string_view path, std::string_view query) const {
+    if (path == "state") {
+        return SandboxAnswer::json(state());
+    }
+    if (path == "requests") {
+        const auto items = parseForm(query);
+        return SandboxAnswer::json(log_.json(numberOf(items ? valueOf(*items, "after").value_or("0") : "0")));
+    }
+    if (path == "faults") {
+        return SandboxAnswer::json(JSONObject{{"faults", desk_.faults()}});
+    }
+    if (path == "events") {
+        return events();
+    }
+    return refused(404, "There is nothing here.");
+}
+
+SandboxAnswer ControlAPI::change(std::string_view path, const JSONValue& json) const {
+    if (path == "faults") {
+        auto fault = readFault(json);
+        if (!fault) {
+            return refused(400, fault.error());
+        }
+        return desk_.addFault(std::move(*fault))
+                   ? done()
+                   : refused(409, "There are as many faults as the sandbox keeps.");
+    }
+    if (path == "settings") {
+        return changeSettings(json);
+    }
+    if (path == "tokens") {
+        return issueTokens(json);
+    }
+    if (path == "expire") {
+        return desk_.expireTokens(textMember(json, "service"))
+                   ? done()
+                   : refused(400, "\"service\" has to name a service.");
+    }
+    if (path == "reset") {
+        desk_.reset();
+        return done();
+    }
+    return refused(404, "There is nothing here.");
+}
+
+SandboxAnswer ControlAPI::changeSettings(const JSONValue& json) const {
+    auto settings = desk_.settings();
+    for (const auto& [key, value] : *json.asObject()) {
+        if (const auto wanted = readSetting(settings, key, value)) {
+            return refused(400, "\"" + key + "\" has to be " + *wanted + ".");
+        }
+    }
+    desk_.setSettings(settings);
+    return done();
+}
+
+SandboxAnswer ControlAPI::issueTokens(const JSONValue& json) const {
+    const auto tokens = desk_.issueTokens(textMember(json, "service"));
+    if (!tokens) {
+        return refused(400, "\"service\" has to name a service that has a sign-in.");
+    }
+    JSONObject answer{{"accessToken", tokens->accessToken}};
+    if (!tokens->refreshToken.empty()) {
+        answer.set("refreshToken", tokens->refreshToken);
+    }
+    if (tokens->lifetime) {
+        answer.set("expiresIn", tokens->lifetime->count());
+    }
+    return SandboxAnswer::json(std::move(answer));
+}
+
+JSONValue ControlAPI::state() const {
+    auto state = desk_.state();
+    const auto settings = desk_.settings();
+    state.set("settings",
+              JSONObject{{"consent", nameOf(settings.consent)},
+                         {"plan", settings.paidPlan ? "paid" : "free"},
+                         {"attachmentLimit",
+                          settings.attachmentLimit ? JSONValue(*settings.attachmentLimit) : JSONValue()}});
+    state.set("requests", log_.lastNumber());
+    addFigures_(state);
+    return state;
+}
+
+// Tells at once how many requests there are, and whenever something has changed since.
+SandboxAnswer ControlAPI::events() const {
+    auto stream = [this, seen = std::uint64_t{0}, pauses = 0]() mutable -> std::string {
+        const auto revision = seen == 0 ? log_.revision() : log_.waitForChange(seen, eventPause);
+        if (revision != seen) {
+            seen = revision;
+            pauses = 0;
+            return "event: change\ndata: {\"requests\":" + std::to_string(log_.lastNumber()) + "}\n\n";
+        }
+        return ++pauses % pausesBetweenSigns == 0 ? ":\n\n" : "";
+    };
+    return {.fields = {{"Content-Type", "text/event-stream"}}, .stream = std::move(stream)};
+}
+
+} // namespace zelto::sandbox

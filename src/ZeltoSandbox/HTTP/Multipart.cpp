@@ -1,0 +1,142 @@
+#include <ZeltoSandbox/HTTP/SandboxRequest.h>
+
+#include <Platform/UTF8.h>
+
+#include <algorithm>
+
+namespace zelto::sandbox {
+
+namespace {
+
+constexpr std::size_t windowSize = std::size_t{1} << 20;
+constexpr std::size_t largestPartHeader = std::size_t{16} << 10;
+constexpr std::size_t largestPartCount = 1000;
+constexpr std::size_t longestBoundary = 70;
+
+// Finds texts in a body that does not fit into memory.
+class Search {
+  public:
+    explicit Search(const SpoolRange& body) : body_(body), window_(windowSize, '\0') {}
+
+    // Where the text stands at or behind the position; nothing if it does not.
+    std::optional<std::uint64_t> find(std::string_view text, std::uint64_t position) {
+        while (position + text.size() <= body_.size) {
+            load(position);
+            const auto found = std::string_view(window_.data(), count_).find(text, position - start_);
+            if (found != std::string_view::npos) {
+                return start_ + found;
+            }
+            if (start_ + count_ >= body_.size || count_ < text.size()) {
+                return std::nullopt;
+            }
+            position = start_ + count_ - text.size() + 1;
+        }
+        return std::nullopt;
+    }
+
+    std::string text(std::uint64_t from, std::uint64_t to) const {
+        return SpoolRange{body_.bytes, body_.offset + from, to - from}.text(
+            static_cast<std::size_t>(to - from));
+    }
+
+  private:
+    // A window that holds the position and, unless the body ends, a good piece behind it.
+    void load(std::uint64_t position) {
+        if (count_ > 0 && position >= start_ && position + windowSize / 2 <= start_ + count_) {
+            return;
+        }
+        if (count_ > 0 && position >= start_ && start_ + count_ == body_.size) {
+            return;
+        }
+        start_ = position;
+        count_ = body_.read(position, window_);
+    }
+
+    const SpoolRange& body_;
+    std::string window_;
+    std::uint64_t start_ = 0;
+    std::size_t count_ = 0;
+};
+
+// "Name: value" lines, each ended by CRLF.
+Result<FormPart, std::string> partOf(std::string_view header) {
+    FormPart part{.name = {}, .fileName = {}, .contentType = "text/plain", .content = {}};
+    bool named = false;
+    while (!header.empty()) {
+        const auto end = header.find("\r\n");
+        const auto line = header.substr(0, end);
+        header.remove_prefix(
+            std::min(end == std::string_view::npos ? header.size() : end + 2, header.size()));
+        const auto colon = line.find(':');
+        if (colon == std::string_view::npos || !isValidHeaderName(line.substr(0, colon)) ||
+            !isValidHeaderValue(line.substr(colon + 1)) || !isValidUTF8(line)) {
+            return failure(std::string("a part has a header line that is none"));
+        }
+        const auto name = line.substr(0, colon);
+        const auto value = line.substr(colon + 1);
+        if (equalIgnoringASCIICase(name, "Content-Type")) {
+            part.contentType = mediaTypeOf(value);
+        } else if (equalIgnoringASCIICase(name, "Content-Disposition")) {
+            const auto field = headerParameter(value, "name");
+            if (mediaTypeOf(value) != "form-data" || !field || named) {
+                return failure(
+                    std::string("a part has no single Content-Disposition: form-data with a name"));
+            }
+            named = true;
+            part.name = *field;
+            part.fileName = headerParameter(value, "filename");
+        }
+    }
+    if (!named) {
+        return failure(std::string("a part has no Content-Disposition"));
+    }
+    return part;
+}
+
+} // namespace
+
+Result<std::vector<FormPart>, std::string> parseMultipart(const SpoolRange& body, std::string_view boundary) {
+    if (boundary.empty() || boundary.size() > longestBoundary) {
+        return failure(std::string("the boundary has not 1 to 70 characters"));
+    }
+    const auto delimiter = "\r\n--" + std::string(boundary);
+    Search search(body);
+    if (search.text(0, std::min<std::uint64_t>(body.size, delimiter.size() - 2)) != delimiter.substr(2)) {
+        return failure(std::string("the body does not begin with the boundary"));
+    }
+    std::vector<FormPart> parts;
+    auto position = static_cast<std::uint64_t>(delimiter.size() - 2);
+    for (;;) {
+        const auto mark = search.text(position, std::min(body.size, position + 2));
+        if (mark == "--") {
+            const auto rest = search.text(position + 2, std::min(body.size, position + 5));
+            return rest.empty() || rest == "\r\n"
+                       ? Result<std::vector<FormPart>, std::string>(std::move(parts))
+                       : failure(std::string("something stands behind the last boundary"));
+        }
+        if (mark != "\r\n") {
+            return failure(std::string("a boundary is not followed by a line end"));
+        }
+        if (parts.size() >= largestPartCount) {
+            return failure(std::string("there are more than 1000 parts"));
+        }
+        const auto headerEnd = search.find("\r\n\r\n", position);
+        if (!headerEnd || *headerEnd - position > largestPartHeader) {
+            return failure(std::string("a part's header does not end"));
+        }
+        auto part = partOf(*headerEnd == position ? std::string() : search.text(position + 2, *headerEnd));
+        if (!part) {
+            return failure(part.error());
+        }
+        const auto contentStart = *headerEnd + 4;
+        const auto contentEnd = search.find(delimiter, contentStart);
+        if (!contentEnd) {
+            return failure(std::string("the last boundary is missing"));
+        }
+        part->content = {body.bytes, body.offset + contentStart, *contentEnd - contentStart};
+        parts.push_back(std::move(*part));
+        position = *contentEnd + delimiter.size();
+    }
+}
+
+} // namespace zelto::sandbox

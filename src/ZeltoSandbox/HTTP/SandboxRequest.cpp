@@ -1,0 +1,129 @@
+#include <ZeltoSandbox/HTTP/SandboxRequest.h>
+
+#include <Platform/PercentEncoding.h>
+
+#include <algorithm>
+
+namespace zelto::sandbox {
+
+namespace {
+
+std::string lowercased(std::string_view text) {
+    std::string lower(text);
+    std::ranges::transform(lower, lower.begin(),
+                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
+    return lower;
+}
+
+std::string_view withoutBlanks(std::string_view text) {
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
+    while (!text.empty() && isBlank(text.front())) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && isBlank(text.back())) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+std::optional<std::string> decoded(std::string_view text) {
+    std::string blanks(text);
+    std::ranges::replace(blanks, '+', ' ');
+    return percentDecode(blanks);
+}
+
+// The end of a parameter: the next ";" that stands in no quotes.
+std::size_t parameterEnd(std::string_view text) {
+    bool quoted = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\\' && quoted) {
+            ++i;
+        } else if (text[i] == '"') {
+            quoted = !quoted;
+        } else if (text[i] == ';' && !quoted) {
+            return i;
+        }
+    }
+    return text.size();
+}
+
+// The backslash escapes a quote alone: browsers and clients write names of files on Windows as they stand.
+std::string unquoted(std::string_view text) {
+    if (text.size() < 2 || text.front() != '"' || text.back() != '"') {
+        return std::string(text);
+    }
+    std::string plain;
+    for (std::size_t i = 1; i + 1 < text.size(); ++i) {
+        if (text[i] == '\\' && i + 2 < text.size() && (text[i + 1] == '"' || text[i + 1] == '\\')) {
+            ++i;
+        }
+        plain.push_back(text[i]);
+    }
+    return plain;
+}
+
+} // namespace
+
+const std::string* RequestHead::field(std::string_view name) const {
+    const auto found = std::ranges::find_if(
+        fields, [&](const HTTPHeaderField& each) { return equalIgnoringASCIICase(each.name, name); });
+    return found == fields.end() ? nullptr : &found->value;
+}
+
+std::size_t RequestHead::count(std::string_view name) const {
+    return static_cast<std::size_t>(std::ranges::count_if(
+        fields, [&](const HTTPHeaderField& each) { return equalIgnoringASCIICase(each.name, name); }));
+}
+
+std::optional<std::string> valueOf(const std::vector<URLQueryItem>& items, std::string_view name) {
+    const auto found = std::ranges::find(items, name, &URLQueryItem::name);
+    return found == items.end() ? std::nullopt : std::optional(found->value.value_or(""));
+}
+
+std::optional<std::string> SandboxRequest::queryValue(std::string_view name) const {
+    return valueOf(query, name);
+}
+
+std::optional<std::string> SandboxRequest::formValue(std::string_view name) const {
+    return valueOf(form, name);
+}
+
+std::optional<std::vector<URLQueryItem>> parseForm(std::string_view text) {
+    std::vector<URLQueryItem> items;
+    while (!text.empty()) {
+        const auto end = std::min(text.find('&'), text.size());
+        const auto item = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (item.empty()) {
+            continue;
+        }
+        const auto equals = item.find('=');
+        auto name = decoded(item.substr(0, equals));
+        auto value = equals == std::string_view::npos ? std::nullopt : decoded(item.substr(equals + 1));
+        if (!name || (equals != std::string_view::npos && !value)) {
+            return std::nullopt;
+        }
+        items.push_back({std::move(*name), std::move(value)});
+    }
+    return items;
+}
+
+std::optional<std::string> headerParameter(std::string_view value, std::string_view name) {
+    value.remove_prefix(parameterEnd(value));
+    while (!value.empty()) {
+        value.remove_prefix(1);
+        const auto parameter = withoutBlanks(value.substr(0, parameterEnd(value)));
+        value.remove_prefix(parameterEnd(value));
+        const auto equals = parameter.find('=');
+        if (equals != std::string_view::npos && equalIgnoringASCIICase(parameter.substr(0, equals), name)) {
+            return unquoted(parameter.substr(equals + 1));
+        }
+    }
+    return std::nullopt;
+}
+
+std::string mediaTypeOf(std::string_view contentType) {
+    return lowercased(withoutBlanks(contentType.substr(0, contentType.find(';'))));
+}
+
+} // namespace zelto::sandbox

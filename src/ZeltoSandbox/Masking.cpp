@@ -1,0 +1,180 @@
+#include <ZeltoSandbox/Masking.h>
+
+#include <ZeltoSandbox/OAuth/SecretTable.h>
+
+#include <Platform/JSON/JSONValue.h>
+#include <Platform/UTF8.h>
+
+#include <algorithm>
+#include <array>
+
+namespace zelto::sandbox {
+
+namespace {
+
+constexpr std::string_view mask = "***";
+constexpr std::size_t longestShownBody = 8192;
+constexpr std::size_t longestShownField = 4096;
+constexpr std::size_t largestReadBody = std::size_t{256} << 10;
+
+// In lower case, without "_" and "-".
+constexpr std::array<std::string_view, 13> secretNames = {
+    "key",    "token",     "code",      "secret", "password",   "passwd",       "pwd",
+    "apikey", "clientkey", "assertion", "sig",    "passphrase", "authorization"};
+constexpr std::array<std::string_view, 9> secretEndings = {
+    "token", "secret", "password", "verifier", "assertion", "apikey", "signature", "cookie", "authorization"};
+
+bool isSecretName(std::string_view name) {
+    std::string plain;
+    for (const char c : name) {
+        if (c != '_' && c != '-') {
+            plain.push_back(c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c);
+        }
+    }
+    return std::ranges::find(secretNames, plain) != secretNames.end() ||
+           std::ranges::any_of(secretEndings,
+                               [&](std::string_view ending) { return plain.ends_with(ending); });
+}
+
+bool isTokenCharacter(char c) {
+    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '_';
+}
+
+// Without the secrets that the sandbox has given out.
+std::string withoutOwnSecrets(std::string_view text) {
+    std::string result;
+    for (;;) {
+        const auto found = text.find(secretPrefix);
+        result += text.substr(0, found);
+        if (found == std::string_view::npos) {
+            return result;
+        }
+        text.remove_prefix(found);
+        result += mask;
+        while (!text.empty() && isTokenCharacter(text.front())) {
+            text.remove_prefix(1);
+        }
+    }
+}
+
+// "name=value&…" as it stands, with the values of secret names masked.
+std::string maskedForm(std::string_view form) {
+    std::string result;
+    while (!form.empty()) {
+        const auto end = std::min(form.find('&'), form.size());
+        const auto item = form.substr(0, end);
+        const auto equals = std::min(item.find('='), item.size());
+        const auto name = parseForm(item.substr(0, equals));
+        const bool isSecret = !name || name->empty() || isSecretName(name->front().name);
+        result += isSecret && equals < item.size() ? std::string(item.substr(0, equals + 1)).append(mask)
+                                                   : withoutOwnSecrets(item);
+        if (end < form.size()) {
+            result.push_back('&');
+        }
+        form.remove_prefix(std::min(end + 1, form.size()));
+    }
+    return result;
+}
+
+JSONValue maskedJSON(const JSONValue& value) {
+    if (const auto* array = value.asArray()) {
+        JSONValue::Array masked;
+        for (const auto& each : *array) {
+            masked.push_back(maskedJSON(each));
+        }
+        return masked;
+    }
+    if (const auto* object = value.asObject()) {
+        JSONObject masked;
+        for (const auto& [key, member] : *object) {
+            const bool hides =
+                isSecretName(key) && !member.asObject() && !member.asArray() && !member.isNull();
+            masked.set(key, hides ? JSONValue(mask) : maskedJSON(member));
+        }
+        return masked;
+    }
+    if (const auto* text = value.asString()) {
+        return withoutOwnSecrets(*text);
+    }
+    return value;
+}
+
+std::string cut(std::string text, std::size_t limit) {
+    if (text.size() > limit) {
+        text.resize(limit);
+        text.resize(validUTF8Length(text));
+        text += "…";
+    }
+    return text;
+}
+
+std::string partsText(const std::vector<FormPart>& parts) {
+    std::string text;
+    for (const auto& part : parts) {
+        text += part.name;
+        if (part.fileName) {
+            text += " (" + *part.fileName + ")";
+        }
+        text += ": " + part.contentType + ", " + std::to_string(part.content.size) + " bytes";
+        if (!part.fileName && part.contentType.starts_with("text/")) {
+            const auto value = part.content.text(longestShownField);
+            text += ": ";
+            text += isSecretName(part.name) ? std::string(mask) : withoutOwnSecrets(repairedUTF8(value));
+        }
+        text += "\n";
+    }
+    return text;
+}
+
+} // namespace
+
+std::vector<HTTPHeaderField> maskedFields(const std::vector<HTTPHeaderField>& fields) {
+    std::vector<HTTPHeaderField> masked;
+    for (const auto& field : fields) {
+        auto value = repairedUTF8(field.value);
+        if (isSecretName(field.name)) {
+            // The scheme of an Authorization is no secret.
+            const auto blank = value.find(' ');
+            const bool hasScheme = blank != std::string::npos && blank < 20 &&
+                                   std::ranges::all_of(value.substr(0, blank), isTokenCharacter);
+            value = hasScheme ? value.substr(0, blank + 1).append(mask) : std::string(mask);
+        }
+        masked.push_back({repairedUTF8(field.name), cut(withoutOwnSecrets(value), longestShownField)});
+    }
+    return masked;
+}
+
+std::string maskedTarget(std::string_view target) {
+    const auto question = std::min(target.find('?'), target.size());
+    auto masked = withoutOwnSecrets(target.substr(0, question));
+    if (question < target.size()) {
+        masked += '?' + maskedForm(target.substr(question + 1));
+    }
+    return cut(repairedUTF8(masked), longestShownBody);
+}
+
+std::string shownBody(const SandboxRequest& request) {
+    if (!request.body || request.body->size() == 0) {
+        return {};
+    }
+    if (!request.parts.empty()) {
+        return cut(repairedUTF8(partsText(request.parts)), longestShownBody);
+    }
+    const auto& type = request.contentType;
+    const bool isJSON = type == "application/json" || type.ends_with("+json");
+    if (!isJSON && !type.starts_with("text/") && type != "application/x-www-form-urlencoded") {
+        return {};
+    }
+    const auto text = SpoolRange::all(request.body).text(largestReadBody);
+    if (type == "application/x-www-form-urlencoded") {
+        return cut(repairedUTF8(maskedForm(text)), longestShownBody);
+    }
+    if (isJSON) {
+        const auto json = JSONValue::parse(text);
+        return json ? cut(maskedJSON(*json).text(2).value_or(""), longestShownBody)
+                    : std::string("(no JSON that could be masked)");
+    }
+    return cut(withoutOwnSecrets(repairedUTF8(text)), longestShownBody);
+}
+
+} // namespace zelto::sandbox

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <ZeltoSandbox/HTTP/SandboxAnswer.h>
+#include <ZeltoSandbox/HTTP/SandboxRequest.h>
+#include <ZeltoSandbox/SandboxOptions.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zelto::sandbox {
+
+// What a person is asked at a service's authorization page.
+struct ConsentQuestion {
+    std::string_view service;
+    std::string client; // who asks, in the client's own words
+    std::string scope;
+    std::string action;  // where the answer is posted to
+    std::string consent; // what tells this question from others
+    std::string redirect;
+};
+
+// Two buttons, no script. Answered by "consent" and "decision", which is "allow" or "deny".
+SandboxAnswer consentPage(const ConsentQuestion& question);
+
+// Why a sign-in cannot go on, where the client cannot be sent back.
+SandboxAnswer signInProblemPage(std::string_view service, std::string_view problem);
+
+// For a client that cannot be sent back: shows what it has to be given.
+SandboxAnswer verifierPage(std::string_view service, std::string_view verifier);
+
+// The decision that is made without asking: by the query item "sandbox_consent", or by the setting.
+std::optional<bool> automaticDecision(const SandboxRequest& request, SandboxConsent setting);
+
+// The decision of a posted form; nothing if it has none.
+std::optional<bool> postedDecision(const SandboxRequest& request);
+
+} // namespace zelto::sandbox

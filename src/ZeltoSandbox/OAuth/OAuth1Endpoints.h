@@ -1,0 +1,62 @@
+#pragma once
+
+#include <ZeltoSandbox/OAuth/ClientRegister.h>
+#include <ZeltoSandbox/OAuth/OAuthServices.h>
+#include <ZeltoSandbox/OAuth/SecretTable.h>
+#include <ZeltoSandbox/SandboxService.h>
+
+#include <map>
+#include <string>
+
+namespace zelto::sandbox {
+
+// The request-token, authorization and access-token addresses of the services with OAuth 1.0a (RFC 5849).
+class OAuth1Endpoints {
+  public:
+    OAuth1Endpoints(SandboxWorld& world, const ClientRegister& clients) : world_(world), clients_(clients) {}
+
+    // Null for all other requests.
+    static const OAuth1Service* serviceAt(const SandboxRequest& request);
+
+    SandboxAnswer answer(const OAuth1Service& service, const SandboxRequest& request);
+
+    void reset();
+
+  private:
+    struct RequestToken {
+        const OAuth1Service* service;
+        std::string clientID;
+        std::string secret;
+        std::string callback;
+        std::string scope;
+        std::optional<TimeInterval> lifetime;
+        std::string verifier; // since the user has allowed it
+        bool isDecided = false;
+    };
+
+    // A signed request whose signature is right.
+    struct Signed {
+        std::string clientID;
+        std::vector<URLQueryItem> parameters;
+        RequestToken* token = nullptr;
+        std::string tokenText;
+    };
+
+    Result<Signed, SandboxAnswer> checked(const OAuth1Service& service, const SandboxRequest& request);
+    bool isFresh(const std::string& clientID, const std::string& timestamp, const std::string& nonce);
+
+    SandboxAnswer giveRequestToken(const OAuth1Service& service, const Signed& request);
+    SandboxAnswer giveAccessToken(const OAuth1Service& service, const Signed& request);
+    SandboxAnswer authorize(const OAuth1Service& service, const SandboxRequest& request);
+    SandboxAnswer decideByForm(const OAuth1Service& service, const SandboxRequest& request);
+    SandboxAnswer finish(const OAuth1Service& service, const std::string& tokenText, RequestToken& token,
+                         bool allowed);
+
+    SandboxWorld& world_;
+    const ClientRegister& clients_;
+    SecretTable<RequestToken> tokens_{1000};
+    SecretTable<std::string> questions_{1000}; // to the request token
+    std::map<std::string, Date> nonces_;
+};
+
+} // namespace zelto::sandbox

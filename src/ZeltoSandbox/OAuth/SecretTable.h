@@ -1,0 +1,97 @@
+#pragma once
+
+#include <Platform/Date.h>
+
+#include <cstddef>
+#include <deque>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace zelto::sandbox {
+
+// A fresh secret. All that the sandbox makes begin alike, so that they are masked wherever they turn up.
+std::string newSecret();
+inline constexpr std::string_view secretPrefix = "zsb_";
+
+// Values by secrets that cannot be guessed, each for a time. Beyond the limit the oldest goes.
+template <class T> class SecretTable {
+  public:
+    explicit SecretTable(std::size_t limit = 20'000) : limit_(limit) {}
+
+    std::string add(T value, std::optional<TimeInterval> lifetime) {
+        auto secret = newSecret();
+        const auto end = lifetime ? std::optional(Date::now() + *lifetime) : std::nullopt;
+        entries_.emplace(secret, Entry{std::move(value), end});
+        order_.push_back(secret);
+        while (entries_.size() > limit_ || order_.size() > 2 * limit_) {
+            entries_.erase(order_.front());
+            order_.pop_front();
+        }
+        return secret;
+    }
+
+    // Null for one that is unknown, and for one whose time is over.
+    T* find(std::string_view secret) {
+        auto* entry = entryOf(secret);
+        return entry && !isOver(*entry) ? &entry->value : nullptr;
+    }
+
+    // Also one whose time is over.
+    T* findOldToo(std::string_view secret) {
+        auto* entry = entryOf(secret);
+        return entry ? &entry->value : nullptr;
+    }
+
+    void erase(std::string_view secret) {
+        if (const auto found = entries_.find(secret); found != entries_.end()) {
+            entries_.erase(found);
+        }
+    }
+
+    void endTimeIf(auto matches) {
+        for (auto& [secret, entry] : entries_) {
+            if (matches(entry.value)) {
+                entry.end = Date::now();
+            }
+        }
+    }
+
+    void eraseIf(auto matches) {
+        std::erase_if(entries_, [&](const auto& entry) { return matches(entry.second.value); });
+    }
+
+    std::size_t countIf(auto matches) const {
+        std::size_t count = 0;
+        for (const auto& [secret, entry] : entries_) {
+            count += !isOver(entry) && matches(entry.value) ? 1 : 0;
+        }
+        return count;
+    }
+
+    void clear() {
+        entries_.clear();
+        order_.clear();
+    }
+
+  private:
+    struct Entry {
+        T value;
+        std::optional<Date> end;
+    };
+
+    static bool isOver(const Entry& entry) { return entry.end && Date::now() >= *entry.end; }
+
+    Entry* entryOf(std::string_view secret) {
+        const auto found = entries_.find(secret);
+        return found == entries_.end() ? nullptr : &found->second;
+    }
+
+    std::size_t limit_;
+    std::map<std::string, Entry, std::less<>> entries_;
+    std::deque<std::string> order_;
+};
+
+} // namespace zelto::sandbox

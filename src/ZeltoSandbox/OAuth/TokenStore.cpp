@@ -1,0 +1,42 @@
+#include <ZeltoSandbox/OAuth/TokenStore.h>
+
+#include <Platform/Crypto/RandomBytes.h>
+
+namespace zelto::sandbox {
+
+std::string newSecret() {
+    return std::string(secretPrefix) + randomToken();
+}
+
+TokenStanding TokenStore::standing(std::string_view service, std::string_view token) {
+    const auto* grant = access_.findOldToo(token);
+    if (!grant || grant->service != service) {
+        return TokenStanding::unknown;
+    }
+    return access_.find(token) ? TokenStanding::valid : TokenStanding::expired;
+}
+
+void TokenStore::revokeFlow(std::uint64_t flow) {
+    const auto isOfFlow = [&](const TokenGrant& grant) { return grant.flow == flow; };
+    access_.eraseIf(isOfFlow);
+    refresh_.eraseIf(isOfFlow);
+}
+
+void TokenStore::expire(std::string_view service) {
+    access_.endTimeIf([&](const TokenGrant& grant) { return grant.service == service; });
+}
+
+std::size_t TokenStore::accessCount(std::string_view service) const {
+    return access_.countIf([&](const TokenGrant& grant) { return grant.service == service; });
+}
+
+std::size_t TokenStore::refreshCount(std::string_view service) const {
+    return refresh_.countIf([&](const TokenGrant& grant) { return grant.service == service; });
+}
+
+void TokenStore::clear() {
+    access_.clear();
+    refresh_.clear();
+}
+
+} // namespace zelto::sandbox

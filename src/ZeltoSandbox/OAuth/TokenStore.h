@@ -1,0 +1,64 @@
+#pragma once
+
+#include <ZeltoSandbox/OAuth/SecretTable.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelto::sandbox {
+
+// What a token stands for.
+struct TokenGrant {
+    std::string service;  // "Trello"
+    std::string clientID; // empty: any client may use it
+    std::string scope;
+    std::uint64_t flow = 0; // all tokens of one sign-in have the same
+};
+
+enum class TokenStanding { valid, expired, unknown };
+
+// The tokens that the sandbox has given out.
+class TokenStore {
+  public:
+    std::string issueAccess(TokenGrant grant, std::optional<TimeInterval> lifetime) {
+        return access_.add(std::move(grant), lifetime);
+    }
+
+    std::string issueRefresh(TokenGrant grant) { return refresh_.add(std::move(grant), std::nullopt); }
+
+    // Of an access token at a service.
+    TokenStanding standing(std::string_view service, std::string_view token);
+
+    // Null for one that is unknown, spent or over.
+    const TokenGrant* access(std::string_view token) { return access_.find(token); }
+
+    // Also one whose time is over.
+    const TokenGrant* anyAccess(std::string_view token) { return access_.findOldToo(token); }
+
+    const TokenGrant* refresh(std::string_view token) { return refresh_.find(token); }
+
+    void spendRefresh(std::string_view token) { refresh_.erase(token); }
+
+    // A code that comes twice has been stolen: what came of it goes.
+    void revokeFlow(std::uint64_t flow);
+
+    // All access tokens of the service.
+    void expire(std::string_view service);
+
+    std::size_t accessCount(std::string_view service) const;
+    std::size_t refreshCount(std::string_view service) const;
+
+    std::uint64_t newFlow() { return ++lastFlow_; }
+
+    void clear();
+
+  private:
+    SecretTable<TokenGrant> access_;
+    SecretTable<TokenGrant> refresh_;
+    std::uint64_t lastFlow_ = 0;
+};
+
+} // namespace zelto::sandbox

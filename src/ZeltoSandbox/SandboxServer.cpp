@@ -1,0 +1,255 @@
+#include <ZeltoSandbox/SandboxServer.h>
+
+#include <ZeltoSandbox/Addressing.h>
+#include <ZeltoSandbox/ControlAPI.h>
+#include <ZeltoSandbox/HTTP/HTTPServer.h>
+#include <ZeltoSandbox/ServiceDesk.h>
+#include <ZeltoSandbox/page/PageFiles.h>
+
+#include <algorithm>
+#include <atomic>
+
+namespace zelto {
+
+using namespace sandbox;
+
+namespace {
+
+constexpr std::string_view controlFolder = "/control/";
+constexpr std::string_view filesFolder = "/files/";
+constexpr std::uint64_t largestOwnBody = std::uint64_t{1} << 20;
+
+// A page of another origin neither sees nor changes anything here.
+bool isFromElsewhere(const RequestHead& head, std::uint16_t port) {
+    const auto* site = head.field("Sec-Fetch-Site");
+    if (site && *site != "same-origin" && *site != "none") {
+        return true;
+    }
+    const auto* origin = head.field("Origin");
+    const auto* host = head.field("Host");
+    return origin && host && (*origin != "http://" + *host || !addressOf(*host, "/", port));
+}
+
+void addWebFields(SandboxAnswer& answer) {
+    const auto add = [&](std::string name, std::string value) {
+        const auto isThere = std::ranges::any_of(answer.fields, [&](const HTTPHeaderField& field) {
+            return equalIgnoringASCIICase(field.name, name);
+        });
+        if (!isThere) {
+            answer.fields.push_back({std::move(name), std::move(value)});
+        }
+    };
+    add("X-Content-Type-Options", "nosniff");
+    add("Referrer-Policy", "no-referrer");
+    add("Cross-Origin-Resource-Policy", "same-origin");
+    add("Cross-Origin-Opener-Policy", "same-origin");
+    add("X-Frame-Options", "DENY");
+    add("Cache-Control", "no-store");
+    add("Content-Security-Policy", "default-src 'none'; frame-ancestors 'none'; sandbox");
+}
+
+std::optional<SandboxAnswer> pageFile(std::string_view path) {
+    const auto files = sandboxPageFiles();
+    const auto found = std::ranges::find(files, path, &PageFile::path);
+    if (found == files.end()) {
+        return std::nullopt;
+    }
+    return SandboxAnswer{.fields = {{"Content-Type", std::string(found->mediaType)},
+                                    {"Content-Security-Policy", std::string(sandboxPagePolicy)}},
+                         .body = std::string(found->content)};
+}
+
+} // namespace
+
+class SandboxServer::State {
+  public:
+    explicit State(const SandboxOptions& options)
+        : space_(std::make_shared<SpoolSpace>(options.largestDiskUse)), log(options.keptRequests),
+          desk(options, log), control(desk, log, [this](JSONObject& state) { addFigures(state); }) {}
+
+    Result<void, std::string> start(const SandboxOptions& options) {
+        auto started =
+            HTTPServer::start(options, space_,
+                              {.refusal = [this](const RequestHead& head) { return refusal(head); },
+                               .answer =
+                                   [this](RequestHead head, std::shared_ptr<const SpooledBytes> body,
+                                          std::uint64_t connection) {
+                                       return answer(std::move(head), std::move(body), connection);
+                                   },
+                               .isReady = [this](std::uint16_t ownPort) { port = ownPort; }});
+        if (!started) {
+            return failure(started.error());
+        }
+        server = std::move(*started);
+        return {};
+    }
+
+    void stop() {
+        if (server) {
+            connectionsBefore_ = server->connectionCount();
+            server.reset();
+        }
+    }
+
+    std::uint64_t connectionCount() const { return server ? server->connectionCount() : connectionsBefore_; }
+
+    std::uint64_t openConnectionCount() const { return server ? server->openConnectionCount() : 0; }
+
+  private:
+    std::shared_ptr<SpoolSpace> space_;
+    std::uint64_t connectionsBefore_ = 0;
+
+  public:
+    RequestLog log;
+    ServiceDesk desk;
+    ControlAPI control;
+    std::atomic<std::uint16_t> port = 0;
+    std::unique_ptr<HTTPServer> server; // last: its threads use all above
+
+  private:
+    void addFigures(JSONObject& state) const { state.set("diskUse", space_->used()); }
+
+    std::optional<RequestProblem> refusal(const RequestHead& head) const {
+        const auto* host = head.field("Host");
+        if (!host || head.count("Host") > 1 || !head.target.starts_with('/')) {
+            return RequestProblem{400, "A request needs one Host, and a target that begins with \"/\"."};
+        }
+        const auto address = addressOf(*host, head.target, port);
+        if (!address) {
+            return RequestProblem{421, "The sandbox does not stand for this host."};
+        }
+        const bool isControl = address->isOwn() && address->path.starts_with(controlFolder);
+        if (isControl && isFromElsewhere(head, port)) {
+            return RequestProblem{403, "Pages of other origins are not let in here."};
+        }
+        if (address->isOwn() && (!head.contentLength || *head.contentLength > largestOwnBody) &&
+            head.field("Transfer-Encoding")) {
+            return RequestProblem{411, "The body needs a Content-Length."};
+        }
+        if (address->isOwn() && head.contentLength.value_or(0) > largestOwnBody) {
+            return RequestProblem{413, "The body is too large."};
+        }
+        return std::nullopt;
+    }
+
+    PlannedAnswer answer(RequestHead head, std::shared_ptr<const SpooledBytes> body,
+                         std::uint64_t connection) {
+        auto address = *addressOf(*head.field("Host"), head.target, port);
+        if (address.isOwn()) {
+            PlannedAnswer planned{.answer = ownAnswer(head, address, *body)};
+            addWebFields(planned.answer);
+            return planned;
+        }
+        const bool isWeb = !address.webPrefix.empty();
+        auto request = requestOf(std::move(head), std::move(address), std::move(body));
+        if (!request) {
+            PlannedAnswer planned{.answer =
+                                      SandboxAnswer::text("Bad Request: " + request.error() + "\n", 400)};
+            return planned;
+        }
+        request->connection = connection;
+        auto planned = desk.answer(*request);
+        if (isWeb) {
+            addWebFields(planned.answer);
+        }
+        return planned;
+    }
+
+    SandboxAnswer ownAnswer(const RequestHead& head, const RequestAddress& address,
+                            const SpooledBytes& body) {
+        const std::string_view path = address.path;
+        if (path.starts_with(controlFolder)) {
+            return control.answer(head, path.substr(controlFolder.size()), address.query, body);
+        }
+        if (head.method != "GET" && head.method != "HEAD") {
+            return SandboxAnswer::text("Method Not Allowed\n", 405);
+        }
+        if (path.starts_with(filesFolder)) {
+            return desk.file(path.substr(filesFolder.size()));
+        }
+        return pageFile(path).value_or(SandboxAnswer::text("There is nothing here.\n", 404));
+    }
+};
+
+Result<std::unique_ptr<SandboxServer>, SandboxError> SandboxServer::start(SandboxOptions options) {
+    auto state = std::make_unique<State>(options);
+    if (const auto started = state->start(options); !started) {
+        return failure(SandboxError{started.error()});
+    }
+    return std::unique_ptr<SandboxServer>(new SandboxServer(std::move(state)));
+}
+
+SandboxServer::SandboxServer(std::unique_ptr<State> state) : state_(std::move(state)) {}
+
+SandboxServer::~SandboxServer() = default;
+
+void SandboxServer::stop() {
+    state_->stop();
+}
+
+URL SandboxServer::url() const {
+    return *URL::parse("http://127.0.0.1:" + std::to_string(port()));
+}
+
+std::uint16_t SandboxServer::port() const {
+    return state_->port;
+}
+
+std::optional<URL> SandboxServer::webURL(const URL& serviceURL) const {
+    constexpr std::string_view scheme = "https://";
+    const auto& text = serviceURL.absoluteString();
+    if (serviceURL.scheme() != "https" || text.size() < scheme.size()) {
+        return std::nullopt;
+    }
+    return URL::parse(url().absoluteString() + "/host/" + text.substr(scheme.size()));
+}
+
+std::vector<SandboxRecord> SandboxServer::requests() const {
+    return state_->log.records();
+}
+
+std::uint64_t SandboxServer::connectionCount() const {
+    return state_->connectionCount();
+}
+
+std::uint64_t SandboxServer::openConnectionCount() const {
+    return state_->openConnectionCount();
+}
+
+JSONValue SandboxServer::state() const {
+    return state_->control.state();
+}
+
+void SandboxServer::addFault(SandboxFault fault) {
+    state_->desk.addFault(std::move(fault));
+}
+
+std::size_t SandboxServer::faultCount() const {
+    return state_->desk.faultCount();
+}
+
+void SandboxServer::setConsent(SandboxConsent consent) {
+    auto settings = state_->desk.settings();
+    settings.consent = consent;
+    state_->desk.setSettings(settings);
+}
+
+void SandboxServer::setAttachmentLimit(std::optional<std::uint64_t> bytes) {
+    auto settings = state_->desk.settings();
+    settings.attachmentLimit = bytes;
+    state_->desk.setSettings(settings);
+}
+
+std::optional<SandboxTokens> SandboxServer::issueTokens(std::string_view service) {
+    return state_->desk.issueTokens(service);
+}
+
+void SandboxServer::expireTokens(std::string_view service) {
+    state_->desk.expireTokens(service);
+}
+
+void SandboxServer::reset() {
+    state_->desk.reset();
+}
+
+} // namespace zelto

@@ -1,0 +1,75 @@
+#pragma once
+
+#include <Platform/JSON/JSONValue.h>
+#include <ZeltoSandbox/FileShelf.h>
+#include <ZeltoSandbox/HTTP/SandboxAnswer.h>
+#include <ZeltoSandbox/HTTP/SandboxRequest.h>
+#include <ZeltoSandbox/OAuth/TokenStore.h>
+#include <ZeltoSandbox/SandboxOptions.h>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelto::sandbox {
+
+// What can be changed while the sandbox runs.
+struct SandboxSettings {
+    SandboxConsent consent = SandboxConsent::ask;
+    bool paidPlan = false;                        // of the accounts at services that tell plans apart
+    std::optional<std::uint64_t> attachmentLimit; // bytes, instead of the plan's
+};
+
+// What the handlers of all services share; it outlives them.
+struct SandboxWorld {
+    TokenStore tokens;
+    FileShelf files;
+    SandboxSettings settings;
+};
+
+// Stands for one outside service. All calls come one at a time.
+class SandboxService {
+  public:
+    virtual ~SandboxService() = default;
+
+    // What the real service would answer. A refusal says why in `problem`.
+    virtual SandboxAnswer answer(const SandboxRequest& request) = 0;
+
+    // The service's own answer of that status, for a fault.
+    virtual SandboxAnswer failure(int status) const;
+
+    // What the service holds, for the page and the control API: an object, which stands in the state under
+    // the service's name in lower case. Files are named by the paths of the shelf.
+    virtual JSONObject state() const = 0;
+
+    virtual void reset() = 0;
+};
+
+// A row of the table of services.
+struct SandboxServiceRow {
+    std::string_view name;               // as in its constants: "Trello"
+    std::vector<std::string_view> hosts; // of its API
+    std::unique_ptr<SandboxService> (*make)(SandboxWorld& world, const SandboxServiceRow& row);
+};
+
+std::span<const SandboxServiceRow> sandboxServices();
+
+// Which function answers a request: one row an endpoint. A "*" of the path stands for any one segment.
+template <class Service> struct SandboxEndpoint {
+    std::string_view method;
+    std::string_view path; // "1/cards/*/attachments"
+    SandboxAnswer (Service::*answer)(const SandboxRequest& request);
+};
+
+// Whether the decoded segments of a path fit a pattern.
+bool pathFits(std::string_view pattern, const std::vector<std::string>& segments);
+
+// The token of an "Authorization: Bearer …" header; nothing without one.
+std::optional<std::string> bearerToken(const SandboxRequest& request);
+
+} // namespace zelto::sandbox

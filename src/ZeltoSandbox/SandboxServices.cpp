@@ -1,0 +1,67 @@
+#include <ZeltoSandbox/SandboxService.h>
+
+#include <ZeltoSandbox/PlainService.h>
+#include <ZeltoSandbox/Trello/TrelloSandbox.h>
+
+#include <Platform/HTTP/HTTPHeaders.h>
+
+#include <algorithm>
+
+namespace zelto::sandbox {
+
+namespace {
+
+// A service without a class of its own stands here by its hosts, with PlainService.
+const SandboxServiceRow rows[] = {
+    {"Trello", {"api.trello.com"}, TrelloSandbox::make},
+    {"Asana", {"app.asana.com"}, PlainService::make},
+    {"Todoist", {"api.todoist.com"}, PlainService::make},
+    {"TickTick", {"api.ticktick.com"}, PlainService::make},
+    {"MeisterTask", {"www.meistertask.com"}, PlainService::make},
+    {"Notion", {"api.notion.com"}, PlainService::make},
+    {"OneNote", {"graph.microsoft.com"}, PlainService::make},
+    {"MicrosoftTeams", {"graph.microsoft.com"}, PlainService::make},
+    {"Dropbox", {"api.dropboxapi.com", "content.dropboxapi.com"}, PlainService::make},
+    {"GoogleDrive", {"www.googleapis.com"}, PlainService::make},
+    {"Slack", {"slack.com"}, PlainService::make},
+    {"Hubspot", {"api.hubapi.com"}, PlainService::make},
+    {"Zoom", {"api.zoom.us"}, PlainService::make},
+    {"GoTo", {"api.getgo.com"}, PlainService::make},
+    {"Instapaper", {"www.instapaper.com"}, PlainService::make},
+};
+
+} // namespace
+
+std::span<const SandboxServiceRow> sandboxServices() {
+    return rows;
+}
+
+SandboxAnswer SandboxService::failure(int status) const {
+    return SandboxAnswer::text(std::string(reasonPhrase(status)), status);
+}
+
+bool pathFits(std::string_view pattern, const std::vector<std::string>& segments) {
+    std::size_t index = 0;
+    while (!pattern.empty()) {
+        const auto end = std::min(pattern.find('/'), pattern.size());
+        const auto part = pattern.substr(0, end);
+        if (index == segments.size() || (part != "*" && part != segments[index])) {
+            return false;
+        }
+        ++index;
+        pattern.remove_prefix(std::min(end + 1, pattern.size()));
+    }
+    return index == segments.size();
+}
+
+std::optional<std::string> bearerToken(const SandboxRequest& request) {
+    constexpr std::string_view scheme = "Bearer ";
+    const auto* header = request.head.field("Authorization");
+    if (!header || header->size() <= scheme.size() ||
+        !equalIgnoringASCIICase(header->substr(0, scheme.size()), scheme)) {
+        return std::nullopt;
+    }
+    return header->substr(scheme.size());
+}
+
+} // namespace zelto::sandbox

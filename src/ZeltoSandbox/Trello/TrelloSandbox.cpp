@@ -1,0 +1,313 @@
+#include <ZeltoSandbox/Trello/TrelloSandbox.h>
+
+#include <Platform/MediaTypes.h>
+#include <Platform/PercentEncoding.h>
+#include <Platform/Text.h>
+#include <Platform/URL.h>
+
+#include <algorithm>
+
+namespace zelto::sandbox {
+
+namespace {
+
+constexpr std::size_t longestText = 16384; // characters of a card's name and description
+constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20;
+constexpr std::uint64_t freeAttachment = 10 * mebibyte;
+constexpr std::uint64_t paidAttachment = 250 * mebibyte;
+constexpr std::size_t largestAttachmentCount = 1000; // of a card
+
+SandboxAnswer refused(int status, std::string text) {
+    return SandboxAnswer::text(text, status).because(std::move(text));
+}
+
+// Parameters may stand in the query or in a form.
+std::optional<std::string> parameter(const SandboxRequest& request, std::string_view name) {
+    if (auto value = request.queryValue(name)) {
+        return value;
+    }
+    if (auto value = request.formValue(name)) {
+        return value;
+    }
+    const auto part = std::ranges::find_if(
+        request.parts, [&](const FormPart& each) { return each.name == name && !each.fileName; });
+    return part == request.parts.end() ? std::nullopt : std::optional(part->content.text(longestText * 4));
+}
+
+bool hasScope(std::string_view scopes, std::string_view wanted) {
+    while (!scopes.empty()) {
+        const auto end = std::min(scopes.find(','), scopes.size());
+        if (scopes.substr(0, end) == wanted) {
+            return true;
+        }
+        scopes.remove_prefix(std::min(end + 1, scopes.size()));
+    }
+    return false;
+}
+
+bool isShownBy(std::string_view filter, bool closed) {
+    return filter == "all" || (filter == "open" && !closed) || (filter == "closed" && closed);
+}
+
+bool isFilter(std::string_view text) {
+    return text == "all" || text == "open" || text == "closed" || text == "none";
+}
+
+} // namespace
+
+const TrelloSandbox::Endpoint TrelloSandbox::endpoints[] = {
+    {{"GET", "1/members/me", &TrelloSandbox::member}, "read"},
+    {{"GET", "1/members/me/boards", &TrelloSandbox::memberBoards}, "read"},
+    {{"GET", "1/lists/*/cards", &TrelloSandbox::listCards}, "read"},
+    {{"GET", "1/cards/*", &TrelloSandbox::card}, "read"},
+    {{"POST", "1/cards", &TrelloSandbox::addCard}, "write"},
+    {{"POST", "1/cards/*/attachments", &TrelloSandbox::addAttachment}, "write"},
+};
+
+std::unique_ptr<SandboxService> TrelloSandbox::make(SandboxWorld& world, const SandboxServiceRow&) {
+    return std::make_unique<TrelloSandbox>(world);
+}
+
+SandboxAnswer TrelloSandbox::answer(const SandboxRequest& request) {
+    for (const auto& endpoint : endpoints) {
+        if (endpoint.match.method == request.method && pathFits(endpoint.match.path, request.segments)) {
+            if (auto refusal = refusalOf(request, endpoint.scope)) {
+                return std::move(*refusal);
+            }
+            return (this->*endpoint.match.answer)(request);
+        }
+    }
+    return refused(404, "Cannot " + request.method + " " + request.path);
+}
+
+std::optional<SandboxAnswer> TrelloSandbox::refusalOf(const SandboxRequest& request, std::string_view scope) {
+    const auto key = parameter(request, "key").value_or("");
+    const auto token = parameter(request, "token").value_or("");
+    if (key.empty()) {
+        return refused(401, "invalid key");
+    }
+    const auto* grant = world_.tokens.anyAccess(token);
+    if (!grant || grant->service != "Trello") {
+        return refused(401, "invalid token");
+    }
+    if (!grant->clientID.empty() && grant->clientID != key) {
+        return refused(401, "invalid key");
+    }
+    if (!world_.tokens.access(token)) {
+        return refused(401, "expired token");
+    }
+    if (!hasScope(grant->scope, scope)) {
+        return refused(401, "unauthorized permission requested");
+    }
+    if (!request.bodyProblem.empty()) {
+        return refused(400, "invalid body: " + request.bodyProblem);
+    }
+    return std::nullopt;
+}
+
+SandboxAnswer TrelloSandbox::failure(int status) const {
+    if (status == 429) {
+        return SandboxAnswer::json(
+            JSONObject{{"error", "API_TOKEN_LIMIT_EXCEEDED"}, {"message", "Rate limit exceeded"}}, status);
+    }
+    if (status == 401) {
+        return SandboxAnswer::text("invalid token", status);
+    }
+    return SandboxService::failure(status);
+}
+
+SandboxAnswer TrelloSandbox::member(const SandboxRequest& request) {
+    const auto* grant = world_.tokens.access(parameter(request, "token").value_or(""));
+    const auto whole = trelloMemberJSON(world_.settings.paidPlan, hasScope(grant->scope, "account"));
+    auto chosen = withTrelloFields(whole, request.queryValue("fields").value_or(""));
+    return chosen ? SandboxAnswer::json(std::move(*chosen)) : refused(400, "invalid value for fields");
+}
+
+SandboxAnswer TrelloSandbox::memberBoards(const SandboxRequest& request) {
+    const auto filter = request.queryValue("filter").value_or("all");
+    const auto lists = request.queryValue("lists").value_or("none");
+    const auto fields = request.queryValue("fields").value_or("");
+    if (!isFilter(filter)) {
+        return refused(400, "invalid value for filter");
+    }
+    if (!isFilter(lists)) {
+        return refused(400, "invalid value for lists");
+    }
+    JSONValue::Array boards;
+    for (const auto& board : store_.boards()) {
+        if (!isShownBy(filter, board.closed)) {
+            continue;
+        }
+        auto chosen = withTrelloFields(trelloBoardJSON(board), fields);
+        if (!chosen) {
+            return refused(400, "invalid value for fields");
+        }
+        JSONValue::Array shown;
+        for (const auto& list : board.lists) {
+            auto ofList =
+                withTrelloFields(trelloListJSON(board, list), request.queryValue("list_fields").value_or(""));
+            if (!ofList) {
+                return refused(400, "invalid value for list_fields");
+            }
+            if (isShownBy(lists, list.closed)) {
+                shown.push_back(std::move(*ofList));
+            }
+        }
+        if (lists != "none") {
+            chosen->set("lists", std::move(shown));
+        }
+        boards.push_back(std::move(*chosen));
+    }
+    return SandboxAnswer::json(std::move(boards));
+}
+
+SandboxAnswer TrelloSandbox::listCards(const SandboxRequest& request) {
+    if (!isTrelloID(request.segments[2])) {
+        return refused(400, "invalid id");
+    }
+    auto place = store_.findList(request.segments[2]);
+    if (!place.list) {
+        return refused(404, "The requested resource was not found.");
+    }
+    JSONValue::Array cards;
+    for (auto& card : place.list->cards) {
+        place.card = &card;
+        cards.push_back(trelloCardJSON(place));
+    }
+    return SandboxAnswer::json(std::move(cards));
+}
+
+SandboxAnswer TrelloSandbox::card(const SandboxRequest& request) {
+    if (!isTrelloID(request.segments[2])) {
+        return refused(400, "invalid id");
+    }
+    const auto place = store_.findCard(request.segments[2]);
+    return place.card ? SandboxAnswer::json(trelloCardJSON(place))
+                      : refused(404, "The requested resource was not found.");
+}
+
+SandboxAnswer TrelloSandbox::addCard(const SandboxRequest& request) {
+    const auto listID = parameter(request, "idList").value_or("");
+    if (!isTrelloID(listID)) {
+        return refused(400, "invalid value for idList");
+    }
+    auto place = store_.findList(listID);
+    if (!place.list) {
+        return refused(404, "The requested resource was not found.");
+    }
+    auto name = parameter(request, "name").value_or("");
+    auto desc = parameter(request, "desc").value_or("");
+    if (utf16Length(name) > longestText) {
+        return refused(400, "invalid value for name");
+    }
+    if (utf16Length(desc) > longestText) {
+        return refused(400, "invalid value for desc");
+    }
+    if (store_.cardCount() >= TrelloStore::largestCardCount) {
+        return refused(403, "There are as many cards as the sandbox keeps; reset it.");
+    }
+    place.card = &store_.addCard(place, std::move(name), std::move(desc));
+    return SandboxAnswer::json(trelloCardJSON(place));
+}
+
+SandboxAnswer TrelloSandbox::addAttachment(const SandboxRequest& request) {
+    if (!isTrelloID(request.segments[2])) {
+        return refused(400, "invalid id");
+    }
+    const auto place = store_.findCard(request.segments[2]);
+    if (!place.card) {
+        return refused(404, "The requested resource was not found.");
+    }
+    if (place.card->attachments.size() >= largestAttachmentCount) {
+        return refused(403, "The card has as many attachments as it may.");
+    }
+    const auto isFile = [](const FormPart& part) { return part.name == "file"; };
+    const auto file = std::ranges::find_if(request.parts, isFile);
+    if (file != request.parts.end()) {
+        return std::ranges::count_if(request.parts, isFile) > 1 ? refused(400, "only one file at a time")
+                                                                : addFile(request, place, *file);
+    }
+    const auto url = parameter(request, "url");
+    if (!url || !(url->starts_with("http://") || url->starts_with("https://")) || !URL::parse(*url)) {
+        return refused(400, request.parts.empty() && !url ? "No file or url given" : "invalid value for url");
+    }
+    const auto& added = place.card->attachments.emplace_back(TrelloAttachmentRecord{
+        .id = store_.newID(),
+        .name = parameter(request, "name").value_or(*url),
+        .mimeType = "",
+        .date = Date::now(),
+        .url = *url,
+    });
+    return SandboxAnswer::json(trelloAttachmentJSON(added));
+}
+
+SandboxAnswer TrelloSandbox::addFile(const SandboxRequest& request, const TrelloPlace& place,
+                                     const FormPart& file) {
+    if (!file.fileName || file.fileName->empty()) {
+        return refused(400, "invalid value for file");
+    }
+    if (file.content.size > attachmentLimit()) {
+        return refused(413, "File too large");
+    }
+    const auto name = parameter(request, "name").value_or(*file.fileName);
+    const auto dot = name.rfind('.');
+    const auto guessed =
+        dot == std::string::npos ? std::nullopt : mediaTypeForExtension(name.substr(dot + 1));
+    const bool isTold = file.contentType != "text/plain" && file.contentType != "application/octet-stream";
+    const auto type =
+        parameter(request, "mimeType")
+            .value_or(isTold ? file.contentType : std::string(guessed.value_or(file.contentType)));
+    const auto id = store_.newID();
+    const auto& added = place.card->attachments.emplace_back(TrelloAttachmentRecord{
+        .id = id,
+        .name = name,
+        .mimeType = type,
+        .bytes = file.content.size,
+        .date = Date::now(),
+        .url = "https://trello.com/1/cards/" + place.card->id + "/attachments/" + id + "/download/" +
+               percentEncodeBytes(name, AllowedCharacters::pathSegment),
+        .path = world_.files.add(file.content, name, type),
+    });
+    return SandboxAnswer::json(trelloAttachmentJSON(added));
+}
+
+std::uint64_t TrelloSandbox::attachmentLimit() const {
+    return world_.settings.attachmentLimit.value_or(world_.settings.paidPlan ? paidAttachment
+                                                                             : freeAttachment);
+}
+
+JSONObject TrelloSandbox::state() const {
+    JSONValue::Array boards;
+    for (const auto& board : store_.boards()) {
+        JSONValue::Array lists;
+        for (const auto& list : board.lists) {
+            JSONValue::Array cards;
+            for (const auto& card : list.cards) {
+                JSONValue::Array attachments;
+                for (const auto& each : card.attachments) {
+                    attachments.push_back(JSONObject{{"id", each.id},
+                                                     {"name", each.name},
+                                                     {"mimeType", each.mimeType},
+                                                     {"bytes", each.bytes},
+                                                     {"url", each.path.empty() ? each.url : each.path}});
+                }
+                cards.push_back(JSONObject{{"id", card.id},
+                                           {"name", card.name},
+                                           {"desc", card.desc},
+                                           {"date", card.date.secondsSinceReference()},
+                                           {"attachments", std::move(attachments)}});
+            }
+            lists.push_back(JSONObject{
+                {"id", list.id}, {"name", list.name}, {"closed", list.closed}, {"cards", std::move(cards)}});
+        }
+        boards.push_back(JSONObject{
+            {"id", board.id}, {"name", board.name}, {"closed", board.closed}, {"lists", std::move(lists)}});
+    }
+    return {{"user", trelloMemberJSON(world_.settings.paidPlan, true)}, {"boards", std::move(boards)}};
+}
+
+void TrelloSandbox::reset() {
+    store_ = TrelloStore();
+}
+
+} // namespace zelto::sandbox

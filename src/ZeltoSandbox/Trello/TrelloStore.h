@@ -1,0 +1,99 @@
+#pragma once
+
+#include <Platform/Date.h>
+#include <Platform/JSON/JSONValue.h>
+#include <ZeltoSandbox/FileShelf.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelto::sandbox {
+
+struct TrelloAttachmentRecord {
+    std::string id;
+    std::string name;
+    std::string mimeType;
+    std::uint64_t bytes = 0;
+    Date date;
+    std::string url;  // at Trello
+    std::string path; // on the shelf; empty for a link
+};
+
+struct TrelloCardRecord {
+    std::string id;
+    std::string name;
+    std::string desc;
+    Date date;
+    int number = 0; // within its board
+    std::vector<TrelloAttachmentRecord> attachments;
+};
+
+struct TrelloListRecord {
+    std::string id;
+    std::string name;
+    bool closed = false;
+    std::vector<TrelloCardRecord> cards;
+};
+
+struct TrelloBoardRecord {
+    std::string id;
+    std::string name;
+    bool closed = false;
+    bool pinned = false;
+    std::vector<TrelloListRecord> lists;
+};
+
+// Where a card lies.
+struct TrelloPlace {
+    TrelloBoardRecord* board;
+    TrelloListRecord* list;
+    TrelloCardRecord* card;
+};
+
+// What a Trello account has: demo boards with the same identifiers in every sandbox, so that what a client
+// remembers of them stays good, and the cards that came in.
+class TrelloStore {
+  public:
+    static constexpr std::size_t largestCardCount = 20'000;
+
+    TrelloStore();
+
+    std::vector<TrelloBoardRecord>& boards() { return boards_; }
+
+    const std::vector<TrelloBoardRecord>& boards() const { return boards_; }
+
+    // Null members for none.
+    TrelloPlace findList(std::string_view id);
+    TrelloPlace findCard(std::string_view id);
+
+    TrelloCardRecord& addCard(const TrelloPlace& place, std::string name, std::string desc);
+
+    std::size_t cardCount() const { return cardCount_; }
+
+    // As Trello makes them: 24 hexadecimal digits that begin with the time.
+    std::string newID();
+
+  private:
+    std::vector<TrelloBoardRecord> boards_;
+    std::size_t cardCount_ = 0;
+    std::uint64_t lastID_ = 0;
+};
+
+bool isTrelloID(std::string_view text);
+
+extern const std::string trelloMemberID;
+
+// Trello's own JSON of them. An empty list of fields is all of them; "id" always comes.
+JSONObject trelloMemberJSON(bool paidPlan, bool withEmail);
+JSONObject trelloBoardJSON(const TrelloBoardRecord& board);
+JSONObject trelloListJSON(const TrelloBoardRecord& board, const TrelloListRecord& list);
+JSONObject trelloCardJSON(const TrelloPlace& place);
+JSONObject trelloAttachmentJSON(const TrelloAttachmentRecord& attachment);
+
+// The members that "fields" names, in its order behind "id"; nothing if it names one that is not there.
+std::optional<JSONObject> withTrelloFields(const JSONObject& whole, std::string_view fields);
+
+} // namespace zelto::sandbox
