@@ -149,6 +149,21 @@ const std::vector<CommandSpec> table = {
       "zelto export examples/mails/project-kickoff.eml --to bear --tags work,mail --note 'Call back' "
       "--dry-run",
       "zelto export - --to agenda --as backLink --opener - < examples/mails/plain-note.eml"}},
+    {"sandbox",
+     "Stand in for the services on this machine",
+     "Listens on this machine alone and answers like the outside services do, so that everything can be "
+     "tried "
+     "without an account anywhere: sign-ins of all services, and what Trello takes. Commands reach it by "
+     "--sandbox. Its address shows in a browser what each service received. Nothing is kept: it ends, with "
+     "all that it holds, by Ctrl-C.",
+     {},
+     {{"--port", "N", "The port to listen at; 0 takes a free one [8377]"},
+      {"--consent",
+       "ANSWER",
+       "What its consent pages do: ask a person, or answer at once [ask]",
+       ValueKind::text,
+       {"ask", "allow", "deny"}}},
+     {"zelto sandbox", "zelto sandbox --port 0 --consent allow --json"}},
     {"completion",
      "Print a shell's completions",
      "Prints what makes a shell complete this program's commands, options, accounts and files.",
@@ -162,6 +177,8 @@ const std::vector<OptionSpec> global = {
     {"--data-dir", "DIR", "Where accounts are kept [$XDG_DATA_HOME/zelto]", ValueKind::directory},
     {"--keychain", "KIND", "Where secrets are kept", ValueKind::text, {"secret-service", "file", "memory"}},
     {"--json", "", "Print exactly one JSON document, whatever the outcome"},
+    {"--sandbox", "URL",
+     "Take the sandbox at this address (`zelto sandbox`) for all services on the web [$ZELTO_SANDBOX]"},
     {"--quiet", "", "Print nothing but what was asked for"},
     {"--verbose", "", "Show the log on standard error; secrets are masked"},
     {"--help", "", "Show help for the command"},

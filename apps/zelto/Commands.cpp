@@ -21,6 +21,7 @@ constexpr CommandRow rows[] = {
     {"config", runConfig},
     {"preview", runPreview},
     {"export", runExport},
+    {"sandbox", runSandbox},
     {"completion", runCompletion},
 };
 

@@ -16,6 +16,7 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
 Outcome<Report> runConfig(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runPreview(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runSandbox(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runCompletion(const Invocation& invocation, const Terminal& terminal);
 
 // Calls the function of the invocation's command.

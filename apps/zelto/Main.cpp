@@ -2,6 +2,7 @@
 #include "HelpText.h"
 #include "InvocationCheck.h"
 #include "RegisteredClients.h"
+#include "SandboxRoute.h"
 #include "SecretInputs.h"
 #include "Workspace.h"
 
@@ -77,6 +78,9 @@ int report(const Failure& failure, bool asJSON, const Terminal& terminal) {
 }
 
 int report(const Report& report, bool asJSON, bool isQuiet) {
+    if (report.isTold) {
+        return static_cast<int>(ExitStatus::success);
+    }
     if (!asJSON) {
         return finish(report.isNotice && isQuiet ? std::string() : report.text, ExitStatus::success);
     }
@@ -98,6 +102,9 @@ Outcome<Report> reportOf(const Invocation& invocation, const Terminal& terminal)
     if (!invocation.command) {
         return wrongUsage("Name a command.");
     }
+    if (auto routed = useSandbox(invocation); !routed) {
+        return failure(routed.error());
+    }
     RegisterIntegrationsTypes();
     installKeyChain(invocation);
     return runCommand(invocation, terminal);
@@ -105,10 +112,11 @@ Outcome<Report> reportOf(const Invocation& invocation, const Terminal& terminal)
 
 int run(const std::vector<std::string>& arguments) {
     const auto terminal = Terminal::ofThisProcess();
-    const auto invocation = parseCommandLine(arguments);
+    auto invocation = parseCommandLine(arguments);
     if (!invocation) {
         return report(invocation.error(), wantsJSON(arguments), terminal);
     }
+    takeSandboxOfEnvironment(*invocation);
     // A flag that stops the parsing may stand before --json.
     const bool stopped = invocation->wantsHelp || invocation->wantsVersion;
     const bool asJSON = stopped ? wantsJSON(arguments) : invocation->has("--json");

@@ -15,6 +15,7 @@ struct Report {
     JSONObject members;
     std::string text;
     bool isNotice = false; // the text only tells that it worked: --quiet leaves it out
+    bool isTold = false;   // the command has printed everything itself
 };
 
 // Why a command did not work.

@@ -92,8 +92,9 @@ SandboxAnswer verifierPage(std::string_view service, std::string_view verifier) 
 }
 
 std::optional<bool> automaticDecision(const SandboxRequest& request, SandboxConsent setting) {
-    if (const auto item = request.queryValue("sandbox_consent")) {
-        return *item == "allow" ? std::optional(true) : *item == "deny" ? std::optional(false) : std::nullopt;
+    const auto* header = request.head.field("Zelto-Sandbox-Consent");
+    if (const auto told = header ? std::optional(*header) : request.queryValue("sandbox_consent")) {
+        return *told == "allow" ? std::optional(true) : *told == "deny" ? std::optional(false) : std::nullopt;
     }
     switch (setting) {
     case SandboxConsent::ask:

@@ -29,7 +29,8 @@ SandboxAnswer signInProblemPage(std::string_view service, std::string_view probl
 // For a client that cannot be sent back: shows what it has to be given.
 SandboxAnswer verifierPage(std::string_view service, std::string_view verifier);
 
-// The decision that is made without asking: by the query item "sandbox_consent", or by the setting.
+// The decision that is made without asking: by the header "Zelto-Sandbox-Consent", the query item
+// "sandbox_consent", or the setting.
 std::optional<bool> automaticDecision(const SandboxRequest& request, SandboxConsent setting);
 
 // The decision of a posted form; nothing if it has none.
