@@ -14,6 +14,7 @@
 
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <regex>
 #include <string>
@@ -71,7 +72,25 @@ class TrelloServer {
         return texts;
     }
 
-    Handler onRequest = [](const ReceivedRequest&) { return std::nullopt; };
+    // To be replaced at any time, also while it is being called.
+    class Replaceable {
+      public:
+        void operator=(Handler handler) {
+            const std::lock_guard guard(lock_);
+            handler_ = std::make_shared<const Handler>(std::move(handler));
+        }
+
+        std::shared_ptr<const Handler> handler() const {
+            const std::lock_guard guard(lock_);
+            return handler_;
+        }
+
+      private:
+        mutable std::mutex lock_;
+        std::shared_ptr<const Handler> handler_;
+    };
+
+    Replaceable onRequest;
     std::string user = R"({"email":"me@example.org","fullName":"Me","avatarUrl":null,"idEnterprise":null,)"
                        R"("idPremOrgsAdmin":[],"products":[]})";
     std::string boards = R"([{"id":"b1","name":"Work","closed":false,"pinned":true,)"
@@ -79,8 +98,10 @@ class TrelloServer {
 
   private:
     PlayedAnswer answer(const ReceivedRequest& request) {
-        if (auto own = onRequest(request)) {
-            return *std::move(own);
+        if (const auto handler = onRequest.handler()) {
+            if (auto own = (*handler)(request)) {
+                return *std::move(own);
+            }
         }
         if (request.target.starts_with("/1/members/me?")) {
             return PlayedAnswer::json(user);

@@ -82,8 +82,10 @@ class CancelledExport {
             return outcome_.events.size() - 1;
         }();
         if (number == cancelledAt_) {
-            progress_->cancel();
-            progress_->cancel();
+            // The first may end the export, and the test with it.
+            const auto progress = progress_;
+            progress->cancel();
+            progress->cancel();
         }
     }
 
