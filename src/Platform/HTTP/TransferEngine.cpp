@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
-#include <thread>
 #include <unistd.h>
 #include <utility>
 
@@ -51,7 +50,7 @@ void TransferEngine::startThread() {
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
     isRunning_ = true;
-    std::thread([this] { run(); }).detach();
+    thread_ = std::thread([this] { run(); });
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
 }
 
@@ -63,7 +62,12 @@ void TransferEngine::stopThread() {
     std::unique_lock lock(engine.lock_);
     engine.stops_ = true;
     curl_multi_wakeup(engine.multi_);
-    engine.hasStopped_.wait_for(lock, patienceAtExit, [&] { return !engine.isRunning_; });
+    const bool hasStopped =
+        engine.hasStopped_.wait_for(lock, patienceAtExit, [&] { return !engine.isRunning_; });
+    lock.unlock();
+    if (hasStopped) {
+        engine.thread_.join(); // also lets go of what libraries keep for the thread
+    }
 }
 
 void TransferEngine::begin(std::shared_ptr<URLTransfer> transfer) {

@@ -10,6 +10,7 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 #include <sys/types.h>
@@ -65,6 +66,8 @@ class TransferEngine {
     std::vector<std::unique_ptr<HTTPExchange>> idle_;
     std::deque<std::shared_ptr<URLSessionState>> heldLanes_;
     std::vector<Command> taken_;
+
+    std::thread thread_;
 
     std::mutex lock_; // guards what follows
     std::condition_variable hasStopped_;
