@@ -10,7 +10,7 @@ namespace zelto {
 namespace {
 
 // Each takes a descriptor, of which a process commonly has 1024.
-constexpr std::size_t mostUnderWay = 512;
+constexpr std::size_t mostUnderWay = 256;
 constexpr std::size_t mostIdleHandles = 64;
 constexpr long mostConnections = 256;
 

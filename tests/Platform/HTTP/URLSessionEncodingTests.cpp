@@ -1,0 +1,121 @@
+#include <Platform/HTTP/URLSession.h>
+
+#include "Support/SessionTasks.h"
+#include "Support/TestHTTPServer.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+// Answers that are compressed, and the size that counts.
+
+namespace zelto {
+namespace {
+
+std::uint32_t checksum(std::string_view text) {
+    std::uint32_t sum = ~0U;
+    for (const unsigned char each : text) {
+        sum ^= each;
+        for (int bit = 0; bit < 8; ++bit) {
+            sum = (sum >> 1) ^ (sum & 1 ? 0xEDB88320U : 0);
+        }
+    }
+    return ~sum;
+}
+
+std::string littleEndian(std::uint32_t number, int bytes) {
+    std::string text;
+    for (int index = 0; index < bytes; ++index) {
+        text += static_cast<char>(number >> (8 * index));
+    }
+    return text;
+}
+
+const std::string gzipHead("\x1f\x8b\x08\0\0\0\0\0\0\3", 10);
+
+// RFC 1952 with stored blocks, which need no compressor.
+std::string gzip(std::string_view text) {
+    std::string packed = gzipHead;
+    for (std::size_t start = 0; start == 0 || start < text.size(); start += 65535) {
+        const auto piece = text.substr(start, 65535);
+        const auto length = static_cast<std::uint32_t>(piece.size());
+        packed += start + 65535 < text.size() ? '\0' : '\1';
+        packed += littleEndian(length, 2) + littleEndian(~length, 2);
+        packed += piece;
+    }
+    return packed + littleEndian(checksum(text), 4) +
+           littleEndian(static_cast<std::uint32_t>(text.size()), 4);
+}
+
+// RFC 1951: one "x", and then again and again the 258 bytes before, 13 bits each. Never ends.
+std::string bomb(std::size_t size) {
+    std::string packed = gzipHead;
+    std::uint32_t bits = 0;
+    int count = 0;
+    const auto add = [&](std::uint32_t code, int length) {
+        bits |= code << count;
+        for (count += length; count >= 8; count -= 8, bits >>= 8) {
+            packed += static_cast<char>(bits);
+        }
+    };
+    add(0b011, 3);      // the last block, with the fixed codes
+    add(0b00010101, 8); // "x", which is 10101000 from the left
+    while (packed.size() < size) {
+        add(0b10100011, 8); // 285, a length of 258
+        add(0, 5);          // a distance of 1
+    }
+    return packed;
+}
+
+PlayedAnswer encoded(std::string body, const std::string& encodings) {
+    return {.body = std::move(body), .fields = {{"Content-Encoding", encodings}}};
+}
+
+TEST(URLSessionEncoding, CompressedAnswersComeUnpacked) {
+    const std::string text = "some text that is packed " + std::string(100'000, 'y');
+    TestHTTPServer server({encoded(gzip(text), "gzip"), encoded(gzip(gzip(text)), "gzip, gzip"),
+                           encoded(gzip(""), "gzip"), encoded(text, "identity")});
+    URLSession session(URLSessionConfiguration::ephemeral());
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).text(), text);
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).text(), text);
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).text(), "");
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).text(), text);
+}
+
+TEST(URLSessionEncoding, AnAnswerThatUnpacksWithoutEndIsCutAtTheLimit) {
+    const auto packed = bomb(1'000'000); // 158 MB
+    TestHTTPServer server({encoded(packed, "gzip"), encoded(gzip(packed), "gzip, gzip")});
+    auto configuration = URLSessionConfiguration::ephemeral();
+    configuration.largestAnswer = 50'000'000;
+    URLSession session(configuration);
+    for (int round = 0; round < 2; ++round) {
+        const auto end = TaskEnd::of(session, URLRequest(server.url()));
+        EXPECT_EQ(end.code(), URLErrorCode::answerTooLarge);
+        EXPECT_EQ(end.status(), 200);
+        EXPECT_EQ(end.data, std::nullopt);
+    }
+}
+
+TEST(URLSessionEncoding, AnAnswerOfTooManyLayersIsBroken) {
+    std::string body = "text";
+    std::string names;
+    for (int layer = 0; layer < 20; ++layer) {
+        body = gzip(body);
+        names += layer == 0 ? "gzip" : ", gzip";
+    }
+    TestHTTPServer server({encoded(body, names)});
+    URLSession session(URLSessionConfiguration::ephemeral());
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::badAnswer);
+}
+
+TEST(URLSessionEncoding, ADamagedAnswerIsBroken) {
+    auto damaged = gzip("some text");
+    damaged[damaged.size() - 6] ^= 1; // in the checksum
+    TestHTTPServer server({encoded(damaged, "gzip"), encoded("some text", "gzip")});
+    URLSession session(URLSessionConfiguration::ephemeral());
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::badAnswer);
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::badAnswer);
+}
+
+} // namespace
+} // namespace zelto

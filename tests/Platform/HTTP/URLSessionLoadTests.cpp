@@ -1,0 +1,155 @@
+#include <Platform/HTTP/URLSession.h>
+
+#include "Support/RecordingDelegate.h"
+#include "Support/SessionTasks.h"
+#include "Support/TestHTTPServer.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <filesystem>
+#include <iterator>
+#include <semaphore>
+#include <set>
+
+namespace zelto {
+namespace {
+
+std::size_t entriesOf(const char* folder) {
+    const std::filesystem::directory_iterator entries(folder);
+    return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
+}
+
+// Raises the most that was ever seen.
+void noteMost(std::atomic<int>& most, int value) {
+    for (int before = most; before < value && !most.compare_exchange_weak(before, value);) {
+    }
+}
+
+TEST(URLSessionLoad, AThousandRequestsAtOnceEndEachWithItsOwnAnswer) {
+    std::atomic<int> atOnce = 0;
+    std::atomic<int> most = 0;
+    TestHTTPServer server([&](const ReceivedRequest& request) {
+        noteMost(most, ++atOnce);
+        std::this_thread::yield();
+        --atOnce;
+        return PlayedAnswer{.body = request.target + request.body};
+    });
+    URLSession session(URLSessionConfiguration::ephemeral());
+    constexpr int count = 1000;
+    std::vector<Completed<TaskEnd>> ends(count);
+    for (int number = 0; number < count; ++number) {
+        URLRequest request(server.url("/" + std::to_string(number)), "POST");
+        request.body = HTTPBody("?" + std::to_string(number));
+        session.dataTask(std::move(request), TaskEnd::into(ends[number]))->resume();
+    }
+    for (int number = 0; number < count; ++number) {
+        const auto text = std::to_string(number);
+        EXPECT_EQ(ends[number].value().text(), "/" + text + "?" + text);
+    }
+    EXPECT_LE(most, 64);
+    EXPECT_LE(server.connectionCount(), 64);
+    EXPECT_EQ(server.requests().size(), 1000u);
+}
+
+TEST(URLSessionLoad, NoMoreAreUnderWayThanTheConfigurationSaysAndTheOrderIsKept) {
+    for (const int limit : {1, 3}) {
+        std::atomic<int> atOnce = 0;
+        std::atomic<int> most = 0;
+        TestHTTPServer server([&](const ReceivedRequest&) {
+            noteMost(most, ++atOnce);
+            std::this_thread::yield();
+            --atOnce;
+            return PlayedAnswer{};
+        });
+        auto configuration = URLSessionConfiguration::ephemeral();
+        configuration.simultaneousTransfers = limit;
+        URLSession session(configuration);
+        std::vector<Completed<TaskEnd>> ends(100);
+        std::vector<std::string> targets;
+        for (std::size_t number = 0; number < ends.size(); ++number) {
+            targets.push_back("/" + std::to_string(number));
+            session.dataTask(URLRequest(server.url(targets.back())), TaskEnd::into(ends[number]))->resume();
+        }
+        std::vector<std::string> received;
+        for (auto& end : ends) {
+            EXPECT_EQ(end.value().error, std::nullopt);
+        }
+        for (const auto& request : server.requests()) {
+            received.push_back(request.target);
+        }
+        EXPECT_LE(most, limit);
+        EXPECT_LE(server.connectionCount(), limit);
+        EXPECT_TRUE(limit > 1 || received == targets);
+    }
+}
+
+TEST(URLSessionLoad, ManySessionsAtOnceShareTheThreadAndTheBoundOfTheProcess) {
+    std::atomic<int> atOnce = 0;
+    std::atomic<int> most = 0;
+    std::counting_semaphore<> goOn(0);
+    TestHTTPServer server([&](const ReceivedRequest& request) {
+        noteMost(most, ++atOnce);
+        if (request.target == "/wait") {
+            goOn.acquire();
+        }
+        --atOnce;
+        return PlayedAnswer{.body = "ok"};
+    });
+    constexpr int count = 400;
+    std::vector<Completed<TaskEnd>> ends(count);
+    for (auto& end : ends) {
+        URLSession session(URLSessionConfiguration::ephemeral());
+        session.dataTask(URLRequest(server.url("/wait")), TaskEnd::into(end))->resume();
+    }
+    while (atOnce < 256) {
+        std::this_thread::yield();
+    }
+    goOn.release(count);
+    for (auto& end : ends) {
+        EXPECT_EQ(end.value().text(), "ok");
+    }
+    EXPECT_EQ(most, 256);
+}
+
+TEST(URLSessionLoad, NothingIsLeftOfThousandsOfRequestsHoweverTheyEnd) {
+    const auto delegate = std::make_shared<RecordingDelegate>();
+    const auto run = [&](int count) {
+        TestHTTPServer server([](const ReceivedRequest& request) {
+            return request.target == "/reset" ? PlayedAnswer::reset()
+                   : request.target == "/cut"
+                       ? PlayedAnswer::bytes("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nx")
+                   : request.target == "/close" ? PlayedAnswer{.body = "ok", .closes = true}
+                                                : PlayedAnswer{.body = std::string(20'000, 'x')};
+        });
+        auto configuration = URLSessionConfiguration::ephemeral();
+        configuration.simultaneousTransfers = 8;
+        URLSession session(configuration);
+        const std::vector<std::string> paths = {"/", "/reset", "/cut", "/close", "/cancel", "/"};
+        std::vector<Completed<TaskEnd>> ends(count);
+        for (int number = 0; number < count; ++number) {
+            const auto& path = paths[number % paths.size()];
+            URLRequest request(server.url(path), number % 2 == 0 ? "POST" : "GET");
+            request.body = number % 2 == 0 ? std::optional(HTTPBody(std::string(1000, 'x'))) : std::nullopt;
+            const auto task = session.dataTask(std::move(request), TaskEnd::into(ends[number]));
+            task->resume();
+            if (path == "/cancel") {
+                task->cancel();
+            }
+        }
+        for (auto& end : ends) {
+            const auto last = end.value();
+            EXPECT_NE(last.error.has_value(), last.data.has_value());
+        }
+    };
+    run(600);
+    const auto descriptors = entriesOf("/proc/self/fd");
+    const auto threads = entriesOf("/proc/self/task");
+    run(3000);
+    // As many connections as were used at once may rest, of this run's server and of the one before.
+    EXPECT_LE(entriesOf("/proc/self/fd"), descriptors + 8);
+    EXPECT_LE(entriesOf("/proc/self/task"), threads + 1);
+}
+
+} // namespace
+} // namespace zelto

@@ -1,0 +1,71 @@
+#include <Platform/HTTP/URLSession.h>
+
+#include "Support/SessionTasks.h"
+#include "Support/TestHTTPServer.h"
+
+#include <gtest/gtest.h>
+
+#include <dlfcn.h>
+#include <netdb.h>
+
+#include <atomic>
+#include <cstring>
+#include <semaphore>
+
+namespace {
+
+std::atomic<int> waitingLookUps = 0;
+std::counting_semaphore<> lookUps(0);
+
+} // namespace
+
+// Takes the place of the system's for the whole test program: one name is found only when a test says so.
+extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrinfo** result) {
+    static const auto system = reinterpret_cast<decltype(&getaddrinfo)>(::dlsym(RTLD_NEXT, "getaddrinfo"));
+    if (node && std::strcmp(node, "slow.invalid") == 0) {
+        ++waitingLookUps;
+        lookUps.acquire();
+        --waitingLookUps;
+        return EAI_NONAME;
+    }
+    return system(node, service, hints, result);
+}
+
+namespace zelto {
+namespace {
+
+const URL slow = *URL::parse("https://slow.invalid/");
+
+void waitForLookUps(int count) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (waitingLookUps != count) {
+        ASSERT_LT(std::chrono::steady_clock::now(), deadline);
+        std::this_thread::yield();
+    }
+}
+
+TEST(URLSessionResolver, ANameThatIsLookedUpHoldsNobodyUp) {
+    TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "ok"}; });
+    URLSession session(URLSessionConfiguration::ephemeral());
+    Completed<TaskEnd> cancelled;
+    Completed<TaskEnd> notFound;
+    const auto task = session.dataTask(URLRequest(slow), TaskEnd::into(cancelled));
+    task->resume();
+    waitForLookUps(1);
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).text(), "ok");
+    task->cancel();
+    EXPECT_EQ(cancelled.value().code(), URLErrorCode::cancelled);
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).text(), "ok");
+    URLRequest impatient(slow);
+    impatient.timeout = TimeInterval(0.2);
+    EXPECT_EQ(TaskEnd::of(session, impatient).code(), URLErrorCode::timedOut);
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).text(), "ok");
+    session.dataTask(URLRequest(slow), TaskEnd::into(notFound))->resume();
+    waitForLookUps(3);
+    lookUps.release(3);
+    EXPECT_EQ(notFound.value().code(), URLErrorCode::cannotFindHost);
+    waitForLookUps(0);
+}
+
+} // namespace
+} // namespace zelto
