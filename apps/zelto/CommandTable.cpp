@@ -45,6 +45,21 @@ std::vector<OptionSpec> withSignInOptions(std::vector<OptionSpec> options) {
     return options;
 }
 
+const ArgumentSpec mcpServer = {"URL", "The server's address: https, or http on this machine"};
+
+// What every command to a Model Context Protocol server takes.
+std::vector<OptionSpec> withMcpOptions(std::vector<OptionSpec> options) {
+    const std::vector<OptionSpec> shared = {
+        {"--header", "'NAME: VALUE'", "A header field of every request", ValueKind::secret, {}, true},
+        {"--header-stdin", "",
+         "Read such fields from standard input, one a line: for secrets, which other users of the machine "
+         "see on a command line"},
+        {"--repeat", "N", "Do it N times in one session, and tell the rate"},
+        {"--timeout", "SECONDS", "Give up after so long [300]"}};
+    options.insert(options.end(), shared.begin(), shared.end());
+    return options;
+}
+
 const std::vector<CommandSpec> table = {
     {"services",
      "List the services",
@@ -164,6 +179,37 @@ const std::vector<CommandSpec> table = {
        ValueKind::text,
        {"ask", "allow", "deny"}}},
      {"zelto sandbox", "zelto sandbox --port 0 --consent allow --json"}},
+    {"mcp",
+     "Talk to a Model Context Protocol server",
+     "Lists the commands that ask a server of the Model Context Protocol (streamable HTTP) for its tools and "
+     "call them. Each begins a session, and ends it before the program ends.",
+     {},
+     {},
+     {"zelto mcp", "zelto mcp call --help"}},
+    {"mcp ping",
+     "See whether a server answers",
+     "Connects to a server, pings it and tells what it is.",
+     {mcpServer},
+     withMcpOptions({}),
+     {"zelto mcp ping http://127.0.0.1:3001/mcp", "zelto mcp ping http://127.0.0.1:3001/mcp --repeat 100"}},
+    {"mcp tools",
+     "List a server's tools",
+     "Lists the tools of a server: the name that `zelto mcp call` takes, and what the server says of it. "
+     "With --json the form of the arguments is there too.",
+     {mcpServer},
+     withMcpOptions({}),
+     {"zelto mcp tools http://127.0.0.1:3001/mcp", "zelto mcp tools http://127.0.0.1:3001/mcp --json"}},
+    {"mcp call",
+     "Call a tool",
+     "Calls a tool and shows its result. Text is printed; images, sounds and files are saved with --out, "
+     "under names of their own, never over a file that is there, and nothing is opened or run. What this "
+     "program does not know is shown as JSON.",
+     {mcpServer, {"TOOL", "The tool's name, as `zelto mcp tools` lists it"}},
+     withMcpOptions({{"--args", "JSON|@FILE", "The tool's arguments, or the file that holds them"},
+                     {"--out", "DIR", "Where images, sounds and files are saved", ValueKind::directory}}),
+     {"zelto mcp call http://127.0.0.1:3001/mcp echo --args '{\"message\":\"hello\"}'",
+      "echo 'Authorization: Bearer secret' | zelto mcp call http://127.0.0.1:3001/mcp echo --args "
+      "'{\"message\":\"hello\"}' --header-stdin --out results"}},
     {"completion",
      "Print a shell's completions",
      "Prints what makes a shell complete this program's commands, options, accounts and files.",

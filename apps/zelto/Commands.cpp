@@ -22,6 +22,10 @@ constexpr CommandRow rows[] = {
     {"preview", runPreview},
     {"export", runExport},
     {"sandbox", runSandbox},
+    {"mcp", runMcp},
+    {"mcp ping", runMcpPing},
+    {"mcp tools", runMcpTools},
+    {"mcp call", runMcpCall},
     {"completion", runCompletion},
 };
 

@@ -17,6 +17,10 @@ Outcome<Report> runConfig(const Invocation& invocation, const Terminal& terminal
 Outcome<Report> runPreview(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runSandbox(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runMcp(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runMcpPing(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runMcpTools(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runMcpCall(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runCompletion(const Invocation& invocation, const Terminal& terminal);
 
 // Calls the function of the invocation's command.

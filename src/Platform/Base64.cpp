@@ -1,6 +1,7 @@
 #include <Platform/Base64.h>
 
 #include <algorithm>
+#include <array>
 
 namespace zelto {
 
@@ -10,6 +11,24 @@ constexpr char alphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxy
 
 std::uint8_t letter(std::uint32_t sixBits) {
     return static_cast<std::uint8_t>(alphabet[sixBits & 0x3F]);
+}
+
+constexpr std::uint8_t noLetter = 0xFF;
+
+// The six bits of each character.
+constexpr auto letterValues = [] {
+    std::array<std::uint8_t, 256> values{};
+    values.fill(noLetter);
+    for (std::uint8_t bits = 0; bits < 64; ++bits) {
+        values[static_cast<unsigned char>(alphabet[bits])] = bits;
+    }
+    values['-'] = values['+'];
+    values['_'] = values['/'];
+    return values;
+}();
+
+bool isWhiteSpace(char c) {
+    return c == ' ' || (c >= '\t' && c <= '\r');
 }
 
 } // namespace
@@ -46,6 +65,36 @@ std::string base64URLEncoded(std::string_view bytes) {
     std::ranges::replace(text, '+', '-');
     std::ranges::replace(text, '/', '_');
     return text;
+}
+
+std::optional<std::string> base64Decoded(std::string_view text) {
+    std::string bytes;
+    bytes.reserve(text.size() / 4 * 3 + 3);
+    std::uint32_t group = 0;
+    int bits = 0;
+    std::size_t letters = 0;
+    std::size_t padding = 0;
+    for (const char c : text) {
+        const auto value = letterValues[static_cast<unsigned char>(c)];
+        if (value != noLetter && padding == 0) {
+            group = group << 6 | value;
+            bits += 6;
+            ++letters;
+            if (bits >= 8) {
+                bits -= 8;
+                bytes += static_cast<char>(group >> bits & 0xFF);
+            }
+        } else if (c == '=') {
+            ++padding;
+        } else if (!isWhiteSpace(c)) {
+            return std::nullopt;
+        }
+    }
+    const bool isPadded = padding > 0 && (letters % 4 < 2 || letters % 4 + padding != 4);
+    if (letters % 4 == 1 || isPadded) {
+        return std::nullopt;
+    }
+    return bytes;
 }
 
 } // namespace zelto

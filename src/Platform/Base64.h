@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -21,5 +22,9 @@ std::string base64Encoded(std::string_view bytes);
 
 // With "-" and "_" in place of "+" and "/", and without padding (RFC 4648 section 5), as in PKCE.
 std::string base64URLEncoded(std::string_view bytes);
+
+// The bytes of either alphabet's text, with padding or without, white space between the characters left out.
+// Nothing for any other text.
+std::optional<std::string> base64Decoded(std::string_view text);
 
 } // namespace zelto

@@ -31,6 +31,25 @@ TEST(Base64, TheFormForURLsHasOtherLettersAndNoPadding) {
     EXPECT_EQ(base64URLEncoded("\xfb\xff\xbf"), "-_-_");
 }
 
+TEST(Base64, DecodesBothAlphabetsWithAndWithoutPadding) {
+    for (std::size_t count = 0; count < 40; ++count) {
+        std::string bytes;
+        for (std::size_t index = 0; index < count; ++index) {
+            bytes += static_cast<char>(index * 37 + count * 101);
+        }
+        EXPECT_EQ(base64Decoded(base64Encoded(bytes)), bytes);
+        EXPECT_EQ(base64Decoded(base64URLEncoded(bytes)), bytes);
+    }
+    EXPECT_EQ(base64Decoded(" Zm9v\r\nYg = =\n"), "foob");
+}
+
+TEST(Base64, WhatIsNoBase64DecodesToNothing) {
+    for (const auto* text :
+         {"A", "AAAAA", "=", "====", "A===", "AA=", "AAA==", "AAAA=", "AA=A", "AA*A", "A\x80"}) {
+        EXPECT_EQ(base64Decoded(text), std::nullopt) << text;
+    }
+}
+
 TEST(Base64, TheLengthIsKnownBeforehandAlsoForHugeInputs) {
     for (std::size_t count = 0; count < 20; ++count) {
         EXPECT_EQ(base64Length(count), base64Encoded(std::string(count, 'x')).size());

@@ -1,6 +1,6 @@
 // What many calls and large answers leave behind.
 
-#include "MCPServer.h"
+#include "MCPCalls.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Event streams as hostile servers play them.
 
-#include "MCPServer.h"
+#include "MCPCalls.h"
 
 #include <gtest/gtest.h>
 

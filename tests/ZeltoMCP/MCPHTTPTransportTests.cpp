@@ -1,4 +1,4 @@
-#include "MCPServer.h"
+#include "MCPCalls.h"
 
 #include <gtest/gtest.h>
 

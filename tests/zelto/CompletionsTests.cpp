@@ -90,8 +90,9 @@ TEST(Completions, TreatAnOptionTheSameWhereverItStands) {
 
 TEST(Completions, OfBashOfferCommands) {
     const ZeltoProgram zelto;
-    EXPECT_EQ(offered(zelto, "zelto ''"), (Words{"services", "connect", "reconnect", "accounts", "targets",
-                                                 "config", "preview", "export", "sandbox", "completion"}));
+    EXPECT_EQ(offered(zelto, "zelto ''"),
+              (Words{"services", "connect", "reconnect", "accounts", "targets", "config", "preview", "export",
+                     "sandbox", "mcp", "completion"}));
     EXPECT_EQ(offered(zelto, "zelto con"), (Words{"connect", "config"}));
     EXPECT_EQ(offered(zelto, "zelto --json --data-dir x exp"), Words{"export"});
     EXPECT_EQ(offered(zelto, "zelto accounts ''"), Words{"remove"});

@@ -4,6 +4,8 @@
 #include <CommandTable.h>
 #include <HelpText.h>
 
+#include <Support/MCPServer.h>
+
 #include <Platform/Text.h>
 
 #include <gtest/gtest.h>
@@ -63,11 +65,21 @@ TEST(Help, FitsIntoEightyColumnsButForExamples) {
 }
 
 TEST(Help, HasExamplesThatRunAsTheyStand) {
+    // There a server of the protocol's own makers listens when it is started without options.
+    constexpr std::string_view mcpAddress = "http://127.0.0.1:3001/mcp";
+    MCPServer server([](const ReceivedRequest& request) {
+        return request.method == "DELETE" ? status(200) : jsonAnswer(request, R"({"tools":[],"content":[]})");
+    });
     const ZeltoProgram zelto;
     addTrelloAccount(zelto);
     for (const auto& command : commands()) {
         for (const auto& example : command.examples) {
-            const auto outcome = zelto.runShell(std::string(example));
+            auto line = std::string(example);
+            for (auto at = line.find(mcpAddress); at != std::string::npos;
+                 at = line.find(mcpAddress, at + 1)) {
+                line.replace(at, mcpAddress.size(), server.url().absoluteString());
+            }
+            const auto outcome = zelto.runShell(line);
             EXPECT_EQ(outcome.status, 0) << example << '\n' << outcome.errorOutput;
             EXPECT_EQ(outcome.errorOutput, "") << example;
         }

@@ -1,6 +1,9 @@
 #include "MCPServer.h"
 
+#include <Platform/JSON/JSONValue.h>
+
 #include <charconv>
+#include <optional>
 
 namespace zelto {
 

@@ -1,0 +1,176 @@
+#include "McpContent.h"
+
+#include <Platform/Base64.h>
+#include <Platform/FileManager.h>
+#include <Platform/FileNames.h>
+#include <Platform/MediaTypes.h>
+#include <Platform/PercentEncoding.h>
+
+#include <unistd.h>
+
+namespace zelto::cli {
+
+namespace {
+
+// Bytes that an item holds.
+struct Blob {
+    std::string kind;     // "image"
+    std::string name;     // that the server suggests; may be anything
+    std::string mimeType; // "" where the server does not say
+    const std::string* base64;
+};
+
+std::string lastPartOf(const std::string& uri) {
+    auto path = uri.substr(0, uri.find_first_of("?#"));
+    while (path.ends_with('/')) {
+        path.pop_back();
+    }
+    const auto part = path.substr(path.rfind('/') + 1);
+    return percentDecode(part).value_or(part);
+}
+
+std::optional<Blob> blobOf(const MCPContentItem& item) {
+    if (const auto* image = std::get_if<MCPContentItem::Image>(&item.value)) {
+        return Blob{"image", "", image->content.mimeType, &image->content.data};
+    }
+    if (const auto* audio = std::get_if<MCPContentItem::Audio>(&item.value)) {
+        return Blob{"audio", "", audio->content.mimeType, &audio->content.data};
+    }
+    const auto* embedded = std::get_if<MCPContentItem::EmbeddedResource>(&item.value);
+    if (embedded && embedded->content.resource.blob) {
+        const auto& resource = embedded->content.resource;
+        return Blob{"resource", lastPartOf(resource.uri), resource.mimeType.value_or(""), &*resource.blob};
+    }
+    return std::nullopt;
+}
+
+const std::string* textOf(const MCPContentItem& item) {
+    if (const auto* text = std::get_if<MCPContentItem::Text>(&item.value)) {
+        return &text->content.text;
+    }
+    const auto* embedded = std::get_if<MCPContentItem::EmbeddedResource>(&item.value);
+    return embedded && embedded->content.resource.text ? &*embedded->content.resource.text : nullptr;
+}
+
+std::string fileNameOf(const Blob& blob, std::size_t number) {
+    const auto fallback = blob.kind + "-" + std::to_string(number);
+    std::filesystem::path name = cleanedFileName(blob.name, fallback);
+    const auto extension = extensionForMediaType(blob.mimeType);
+    if (!name.has_extension() && extension) {
+        name += "." + std::string(*extension);
+    } else if (name == fallback) {
+        name += ".bin";
+    }
+    return name;
+}
+
+Failure failureOf(const FileError& error) {
+    return {std::string(nameOf(error.code)), error.message(), ""};
+}
+
+// "name.png", else "name (1).png"...
+Outcome<std::filesystem::path> saved(const std::filesystem::path& folder, const std::filesystem::path& name,
+                                     std::string_view bytes) {
+    constexpr int mostTwins = 10'000;
+    for (int twin = 0; twin < mostTwins; ++twin) {
+        auto path = folder / name;
+        if (twin > 0) {
+            path = folder /
+                   (name.stem().string() + " (" + std::to_string(twin) + ")" + name.extension().string());
+        }
+        const auto file = FileManager::createFile(path);
+        if (!file && file.error().code == FileErrorCode::alreadyExists) {
+            continue;
+        }
+        if (!file) {
+            return failure(failureOf(file.error()));
+        }
+        if (const auto written = FileManager::writeAll(*file, bytes, path); !written) {
+            ::unlink(path.c_str());
+            return failure(failureOf(written.error()));
+        }
+        return path;
+    }
+    return failure(Failure{"alreadyExists", "There are too many files of the name " + name.string(), ""});
+}
+
+// Adds what the items come to, one after the other.
+class Content {
+  public:
+    Content(const std::optional<std::filesystem::path>& folder, const Terminal& terminal)
+        : folder_(folder), terminal_(terminal) {}
+
+    Outcome<void> add(const MCPContentItem& item) {
+        ++number_;
+        if (const auto* shown = textOf(item)) {
+            text += terminal_.shownLines(*shown);
+            text += shown->ends_with('\n') || shown->empty() ? "" : "\n";
+        }
+        if (const auto blob = blobOf(item)) {
+            return addBlob(*blob);
+        }
+        if (!textOf(item)) {
+            text += terminalSafeJSON(JSONEncoder().encode(item).value_or("null")) + "\n";
+        }
+        return {};
+    }
+
+    std::string text;
+    JSONValue::Array files;
+
+  private:
+    Outcome<void> addBlob(const Blob& blob) {
+        const auto bytes = base64Decoded(*blob.base64);
+        const auto head =
+            "[" + blob.kind + (blob.mimeType.empty() ? "" : " " + terminal_.shown(blob.mimeType)) + ", ";
+        if (!bytes) {
+            text += head + "not valid Base64] cannot be saved; --json shows it as it is\n";
+            return {};
+        }
+        text += head + std::to_string(bytes->size()) + " bytes] ";
+        if (!folder_) {
+            text += "not saved; --out DIR saves it\n";
+            return {};
+        }
+        const auto path = saved(*folder_, fileNameOf(blob, number_), *bytes);
+        if (!path) {
+            return failure(path.error());
+        }
+        text += "saved as " + terminal_.shown(path->string()) + "\n";
+        files.push_back(JSONObject{{"item", number_ - 1}, {"path", path->string()}, {"size", bytes->size()}});
+        return {};
+    }
+
+    const std::optional<std::filesystem::path>& folder_;
+    const Terminal& terminal_;
+    std::size_t number_ = 0;
+};
+
+} // namespace
+
+Outcome<Report> reportOf(const MCPToolCallResult& result, const std::optional<std::filesystem::path>& folder,
+                         const Terminal& terminal) {
+    if (folder) {
+        std::error_code error;
+        std::filesystem::create_directories(*folder, error);
+        if (error) {
+            return failure(failureOf(FileError::fromSystem(error.value(), *folder)));
+        }
+    }
+    Content content(folder, terminal);
+    for (const auto& item : result.content) {
+        if (auto added = content.add(item); !added) {
+            return failure(std::move(added.error()));
+        }
+    }
+    Report report;
+    const auto json = JSONValue::of(result);
+    report.members = json ? *json->asObject() : JSONObject();
+    if (folder) {
+        report.members.set("saved", std::move(content.files));
+    }
+    report.text = std::move(content.text);
+    return report;
+}
+
+} // namespace zelto::cli

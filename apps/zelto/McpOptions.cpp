@@ -1,0 +1,129 @@
+#include "McpOptions.h"
+
+#include <Platform/FileManager.h>
+#include <Platform/HTTP/HTTPHeaders.h>
+#include <Platform/Text.h>
+
+#include <charconv>
+#include <sstream>
+
+namespace zelto::cli {
+
+namespace {
+
+constexpr std::uint64_t largestInput = std::uint64_t{1} << 20;
+constexpr std::uint64_t largestArguments = std::uint64_t{256} << 20;
+
+template <class Number> std::optional<Number> numberIn(const std::string& text) {
+    Number number{};
+    const auto* const end = text.data() + text.size();
+    const auto [read, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && read == end ? std::optional(number) : std::nullopt;
+}
+
+// The field is not shown: it may hold a secret.
+Outcome<void> addHeader(std::map<std::string, std::string>& headers, std::string_view line,
+                        const std::string& source) {
+    const auto colon = line.find(':');
+    if (colon == std::string_view::npos) {
+        return wrongUsage(source + " needs a name and a value, like 'Name: value'.");
+    }
+    const std::string name(trimmed(line.substr(0, colon)));
+    const std::string value(trimmed(line.substr(colon + 1)));
+    if (!isValidHeaderName(name) || !isValidHeaderValue(value)) {
+        return wrongUsage(source + " has a name or a value that no header field may have.");
+    }
+    headers.insert_or_assign(name, value);
+    return {};
+}
+
+Outcome<void> addHeadersOfInput(std::map<std::string, std::string>& headers) {
+    const auto input = FileManager::readFile("/dev/stdin", largestInput);
+    if (!input) {
+        return failure(Failure{std::string(nameOf(input.error().code)), input.error().message(), ""});
+    }
+    std::istringstream lines{std::string(viewOf(*input))};
+    for (std::string line; std::getline(lines, line);) {
+        if (isBlank(line)) {
+            continue;
+        }
+        if (auto added = addHeader(headers, line, "A line of --header-stdin"); !added) {
+            return added;
+        }
+    }
+    return {};
+}
+
+Outcome<std::map<std::string, std::string>> headersOf(const Invocation& invocation) {
+    std::map<std::string, std::string> headers;
+    for (const auto& line : invocation.values("--header")) {
+        if (auto added = addHeader(headers, line, "--header"); !added) {
+            return failure(std::move(added.error()));
+        }
+    }
+    if (invocation.has("--header-stdin")) {
+        if (auto added = addHeadersOfInput(headers); !added) {
+            return failure(std::move(added.error()));
+        }
+    }
+    return headers;
+}
+
+Outcome<std::string> argumentsText(const std::string& given) {
+    if (!given.starts_with('@')) {
+        return given;
+    }
+    const auto file = FileManager::readFile(given.substr(1), largestArguments);
+    if (!file) {
+        return failure(Failure{std::string(nameOf(file.error().code)), file.error().message(), ""});
+    }
+    return std::string(viewOf(*file));
+}
+
+} // namespace
+
+Outcome<McpOptions> McpOptions::from(const Invocation& invocation) {
+    constexpr double longestTimeout = 7 * 24 * 3600.0;
+    constexpr int mostCalls = 1'000'000'000;
+    const auto address = invocation.value("URL").value();
+    auto server = URL::parse(address);
+    if (!server || (server->scheme() != "https" && server->scheme() != "http")) {
+        return wrongUsage("\"" + address + "\" is no address of a server, like https://mcp.example/mcp.");
+    }
+    McpOptions options{.server = *std::move(server)};
+    const auto seconds = numberIn<double>(invocation.value("--timeout").value_or("300"));
+    if (!seconds || !(*seconds > 0) || *seconds > longestTimeout) {
+        return wrongUsage("--timeout is a number of seconds above 0.");
+    }
+    options.timeout = std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(*seconds));
+    const auto repeat = numberIn<int>(invocation.value("--repeat").value_or("1"));
+    if (!repeat || *repeat < 1 || *repeat > mostCalls) {
+        return wrongUsage("--repeat is a whole number above 0.");
+    }
+    options.repeat = *repeat;
+    options.tellsRate = invocation.has("--repeat");
+    auto headers = headersOf(invocation);
+    if (!headers) {
+        return failure(std::move(headers.error()));
+    }
+    options.headers = *std::move(headers);
+    return options;
+}
+
+Outcome<std::optional<JSONValue>> toolArguments(const Invocation& invocation) {
+    const auto given = invocation.value("--args");
+    if (!given) {
+        return std::nullopt;
+    }
+    const auto text = argumentsText(*given);
+    if (!text) {
+        return failure(text.error());
+    }
+    auto arguments = JSONValue::parse(*text);
+    if (!arguments) {
+        return wrongUsage("The arguments are " + arguments.error().message() + ".");
+    }
+    return *std::move(arguments);
+}
+
+} // namespace zelto::cli
