@@ -8,6 +8,8 @@
 #include <ZeltoHost/Platform/URLOpener.h>
 #include <ZeltoHost/Process/CommandWords.h>
 
+#include <Platform/HTTP/URLSessionConfiguration.h>
+
 #include <future>
 #include <unistd.h>
 
@@ -36,6 +38,11 @@ Failure failureOf(const SignInError& error, const Invocation& invocation) {
         break;
     }
     return {std::string(nameOf(error.code)), error.message, command + subject};
+}
+
+// All requests to services go there, if there is one.
+std::optional<URL> sandbox() {
+    return URLSessionConfiguration::ephemeral().route;
 }
 
 Outcome<SignInOptions> signInOptions(const Invocation& invocation) {
@@ -114,7 +121,7 @@ Outcome<bool> show(const Invocation& invocation, const SignIn& signIn, const URL
 } // namespace
 
 Outcome<void> checkSignInOptions(const Invocation& invocation) {
-    if (invocation.has("--follow") && !invocation.has("--sandbox")) {
+    if (invocation.has("--follow") && !sandbox()) {
         return wrong(invocation, "--follow is for the sandbox alone; give --sandbox too.");
     }
     const auto options = signInOptions(invocation);
@@ -132,8 +139,8 @@ Outcome<SignInToken> signInByBrowser(const Invocation& invocation, const SignInS
         return failure(failureOf(signIn.error(), invocation));
     }
     auto page = (*signIn)->address();
-    if (const auto sandbox = invocation.value("--sandbox")) {
-        page = sandboxPage(*sandbox, page);
+    if (const auto address = sandbox()) {
+        page = sandboxPage(address->absoluteString(), page);
     }
     std::stop_source ending;
     const std::stop_callback passingOn(stop, [&ending] { ending.request_stop(); });
