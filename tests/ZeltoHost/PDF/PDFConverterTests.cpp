@@ -1,6 +1,6 @@
 #include <ZeltoHost/PDF/PDFConverter.h>
 
-#include "LoopbackListener.h"
+#include "ConnectionCounter.h"
 #include "Output.h"
 #include <Support/TemporaryFolder.h>
 
@@ -61,7 +61,7 @@ TEST_F(PDFConverterTest, TextOfAllScriptsComesOut) {
 }
 
 TEST_F(PDFConverterTest, AMailNeitherCallsHomeNorPullsInLocalFiles) {
-    const LoopbackListener listener;
+    const ConnectionCounter listener;
     const auto web = "http://127.0.0.1:" + std::to_string(listener.port()) + "/";
     const auto canary = folder_.write("canary.txt", "CANARY-5d1f");
     const auto local = "file://" + canary.string();
@@ -89,7 +89,7 @@ TEST_F(PDFConverterTest, AMailNeitherCallsHomeNorPullsInLocalFiles) {
 }
 
 TEST_F(PDFConverterTest, TheScriptItselfLoadsDataAddressesAlone) {
-    const LoopbackListener listener;
+    const ConnectionCounter listener;
     const auto web = "http://127.0.0.1:" + std::to_string(listener.port()) + "/";
     const auto canary = folder_.write("canary.txt", "CANARY-5d1f");
     std::string html;

@@ -23,13 +23,13 @@ const std::string headEnd =
     "Connection: close\r\n\r\n";
 
 const std::string takenPage =
-    "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 199\r\n" + headEnd +
+    "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 197\r\n" + headEnd +
     "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>zelto</title></head>\n"
     "<body><p>zelto has the answer. This page can be closed; the terminal tells how it goes on.</p>"
     "</body></html>\n";
 
 const std::string refusedPage =
-    "HTTP/1.1 400 Bad Request\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 197\r\n" +
+    "HTTP/1.1 400 Bad Request\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 196\r\n" +
     headEnd +
     "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>zelto</title></head>\n"
     "<body><p>This is not the answer that zelto waits for. The terminal has the right address.</p>"
@@ -40,6 +40,8 @@ class Serving {
   public:
     explicit Serving(bool takesFragment = false, SignInListenerLimits limits = {})
         : listener_(SignInListener::listen(path, takesFragment, limits).value()), outcome_(start()) {}
+
+    ~Serving() { stop(); }
 
     std::uint16_t port() const { return listener_.redirect().port().value(); }
 
@@ -228,9 +230,9 @@ TEST(SignInListener, OfTheImplicitFlowShowsThePageThatPostsTheFragment) {
     const auto page = serving.ask(path);
     EXPECT_EQ(
         page,
-        "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 869\r\n"
+        "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 768\r\n"
         "Content-Security-Policy: default-src 'none'; script-src "
-        "'sha256-HASH'; connect-src 'self'; base-uri 'none'; "
+        "'sha256-SggVmePicCDG+h1RSb+9O+ubEYQFC623vwW5vHzNTz8='; connect-src 'self'; base-uri 'none'; "
         "form-action 'none'; frame-ancestors 'none'\r\n"
         "X-Content-Type-Options: nosniff\r\nReferrer-Policy: no-referrer\r\nCache-Control: no-store\r\n"
         "Connection: close\r\n\r\n"

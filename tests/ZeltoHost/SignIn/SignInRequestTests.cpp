@@ -69,7 +69,7 @@ TEST(SignInRequest, IsRefusedForAnythingElse) {
         get(target, "Host: 127.0.0.1:8217\r\nno colon\r\n"),
         get(target, "Host: 127.0.0.1:8217\r\nA: b\rc\r\n"),
         get(target, "Host: 127.0.0.1:8217\r\nA: b\nc: d\r\n"),
-        get(target, std::string("Host: 127.0.0.1:8217\r\nA: \0\r\n", 29)),
+        get(target, std::string("Host: 127.0.0.1:8217\r\nA: \0\r\n", 28)),
         get("/sign-in/asana?code=%zz"),
         get("/sign-in/asana?code=%ff"),
         get("/sign-in/asana?code=a b"),

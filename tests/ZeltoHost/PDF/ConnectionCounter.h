@@ -15,9 +15,9 @@
 namespace zelto {
 
 // Listens on a port of 127.0.0.1, counts whoever connects and hangs up on them.
-class LoopbackListener {
+class ConnectionCounter {
   public:
-    LoopbackListener()
+    ConnectionCounter()
         : socket_(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0)), end_(::eventfd(0, EFD_CLOEXEC)) {
         sockaddr_in address{};
         address.sin_family = AF_INET;
@@ -32,7 +32,7 @@ class LoopbackListener {
         thread_ = std::thread([this] { accept(); });
     }
 
-    ~LoopbackListener() {
+    ~ConnectionCounter() {
         ::eventfd_write(end_.number(), 1);
         thread_.join();
     }

@@ -1,0 +1,325 @@
+#include "RawClient.h"
+
+#include <ZeltoHost/SignIn/SignIn.h>
+
+#include <ZeltoHost/SignIn/FormItems.h>
+
+#include <Support/LogCapture.h>
+#include <Support/ServiceRoute.h>
+#include <Support/TestHTTPServer.h>
+
+#include <Platform/PercentEncoding.h>
+
+#include <gtest/gtest.h>
+
+#include <future>
+
+namespace zelto {
+
+namespace {
+
+constexpr auto tokenAnswer =
+    R"({"access_token":"canary-access","refresh_token":"canary-refresh","expires_in":3600})";
+
+std::unique_ptr<SignIn> begun(ServiceType type, SignInOptions options = {}) {
+    auto signIn = SignIn::begin(signInServiceFor(type).value(), options);
+    EXPECT_TRUE(signIn) << signIn.error().message;
+    return std::move(signIn).value();
+}
+
+// An item of the page's query.
+std::string itemOf(const SignIn& signIn, std::string_view name) {
+    return onlyValue(decodedForm(signIn.address().query().value()).value(), name).value_or("");
+}
+
+// A browser that comes back with an answer in the query; gives the status line.
+std::string comeBack(const SignIn& signIn, const std::string& query) {
+    const auto& redirect = signIn.redirect();
+    const auto port = redirect.port().value();
+    const auto answer =
+        RawClient::exchange(port, "GET " + redirect.percentEncodedPath() + "?" + query +
+                                      " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) + "\r\n\r\n");
+    return answer.substr(0, answer.find('\r'));
+}
+
+std::string goodAnswer(const SignIn& signIn) {
+    return "code=canary-code&state=" + itemOf(signIn, "state");
+}
+
+using TokenResult = Result<SignInToken, SignInError>;
+
+// What the sign-in ends with while a browser does its part.
+TokenResult outcome(SignIn& signIn, const std::function<void()>& browse, const std::stop_token& stop = {}) {
+    auto ended = std::async(std::launch::async, [&] { return signIn.finish(stop); });
+    browse();
+    return ended.get();
+}
+
+std::string complaint(const TokenResult& result) {
+    return result ? "" : std::string(nameOf(result.error().code)) + ": " + result.error().message;
+}
+
+} // namespace
+
+TEST(SignIn, GetsTheTokenOfEveryServiceWithACode) {
+    for (const auto& each : casesOf<ServiceType>()) {
+        const auto service = signInServiceFor(each.value);
+        if (!service || service->flow != SignInFlow::authorizationCode) {
+            continue;
+        }
+        const std::string body = service->tokenObject.empty()
+                                     ? tokenAnswer
+                                     : R"({"ok":true,"authed_user":)" + std::string(tokenAnswer) + "}";
+        const TestHTTPServer server({PlayedAnswer::json(body)});
+        const ServiceRoute route(server);
+        const auto signIn = begun(each.value);
+        const auto token =
+            outcome(*signIn, [&] { EXPECT_EQ(comeBack(*signIn, goodAnswer(*signIn)), "HTTP/1.1 200 OK"); });
+        ASSERT_TRUE(token) << token.error().message;
+        EXPECT_EQ(*token,
+                  (SignInToken{
+                      .accessToken = "canary-access", .refreshToken = "canary-refresh", .expiresIn = 3600}));
+        const auto request = server.requests().at(0);
+        EXPECT_EQ(request.headers.value("Host"), service->tokenURL.host());
+        EXPECT_EQ(request.target, service->tokenURL.percentEncodedPath());
+        const auto items = decodedForm(request.body).value();
+        EXPECT_EQ(onlyValue(items, "code"), "canary-code");
+        EXPECT_EQ(onlyValue(items, "redirect_uri"), signIn->redirect().absoluteString());
+        EXPECT_EQ(onlyValue(items, "code_verifier").has_value(), service->takesPKCE);
+    }
+}
+
+TEST(SignIn, GetsTheTokenOfOAuth1) {
+    for (const auto type : {ServiceType::Trello, ServiceType::Evernote}) {
+        const auto service = signInServiceFor(type).value();
+        const TestHTTPServer server(
+            {PlayedAnswer{.body =
+                              "oauth_token=request&oauth_token_secret=canary-secret&oauth_callback_confirmed="
+                              "true"},
+             PlayedAnswer{.body = "oauth_token=canary-access&oauth_token_secret=canary-token-secret"}});
+        const ServiceRoute route(server);
+        const auto signIn = begun(type);
+        const auto page = service.authorizationURL.absoluteString();
+        EXPECT_EQ(signIn->address().absoluteString(),
+                  page + (page.find('?') == std::string::npos ? "?" : "&") + "oauth_token=request");
+        const auto token = outcome(*signIn, [&] {
+            EXPECT_EQ(comeBack(*signIn, "oauth_token=other&oauth_verifier=v"), "HTTP/1.1 400 Bad Request");
+            EXPECT_EQ(comeBack(*signIn, "oauth_token=request&oauth_verifier=canary-verifier"),
+                      "HTTP/1.1 200 OK");
+        });
+        ASSERT_TRUE(token) << token.error().message;
+        EXPECT_EQ(*token,
+                  (SignInToken{.accessToken = "canary-access", .tokenSecret = "canary-token-secret"}));
+        const auto requests = server.requests();
+        const auto first = requests.at(0).headers.value("Authorization").value_or("");
+        const auto second = requests.at(1).headers.value("Authorization").value_or("");
+        EXPECT_EQ(requests.at(0).method + " " + requests.at(0).target,
+                  "POST " + service.requestTokenURL->percentEncodedPath());
+        EXPECT_EQ(requests.at(1).method + " " + requests.at(1).target,
+                  "POST " + service.tokenURL.percentEncodedPath());
+        const auto callback = percentEncodeBytes("http://", AllowedCharacters::alphanumerics) +
+                              "127.0.0.1%3A" + std::to_string(signIn->redirect().port().value());
+        EXPECT_NE(first.find("oauth_callback=\"" + callback + "%2Fsign-in%2F"), std::string::npos) << first;
+        EXPECT_EQ(first.find("oauth_token="), std::string::npos);
+        EXPECT_NE(second.find("oauth_token=\"request\""), std::string::npos);
+        EXPECT_NE(second.find("oauth_verifier=\"canary-verifier\""), std::string::npos);
+    }
+}
+
+TEST(SignIn, GetsTheTokenOfTheImplicitFlow) {
+    const auto signIn = begun(ServiceType::MeisterTask);
+    const auto token = outcome(*signIn, [&] {
+        EXPECT_EQ(comeBack(*signIn, ""), "HTTP/1.1 200 OK");
+        const auto body = "access_token=canary-access&token_type=bearer&state=" + itemOf(*signIn, "state");
+        const auto port = signIn->redirect().port().value();
+        const auto answer = RawClient::exchange(
+            port, "POST /sign-in/meistertask HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) +
+                      "\r\nContent-Type: application/x-www-form-urlencoded\r\nContent-Length: " +
+                      std::to_string(body.size()) + "\r\n\r\n" + body);
+        EXPECT_TRUE(answer.starts_with("HTTP/1.1 200 OK"));
+    });
+    ASSERT_TRUE(token) << token.error().message;
+    EXPECT_EQ(*token, SignInToken{.accessToken = "canary-access"});
+}
+
+TEST(SignIn, TellsADenialAndAsksForNoToken) {
+    const TestHTTPServer server(std::vector<PlayedAnswer>{});
+    const ServiceRoute route(server);
+    const auto signIn = begun(ServiceType::Asana);
+    EXPECT_EQ(complaint(outcome(*signIn,
+                                [&] {
+                                    EXPECT_EQ(comeBack(*signIn, "error=access_denied&state=" +
+                                                                    itemOf(*signIn, "state")),
+                                              "HTTP/1.1 200 OK");
+                                })),
+              "denied: The access was denied on the page of Asana.");
+}
+
+TEST(SignIn, TellsWhatTheTokenEndpointSays) {
+    struct Row {
+        PlayedAnswer answer;
+        std::string complaint;
+    };
+
+    const Row rows[] = {
+        {PlayedAnswer::json(R"({"error":"invalid_grant"})", 400),
+         "refused: Asana does not take the code of its own page; it is spent or too old. Sign in again "
+         "(invalid_grant)."},
+        {PlayedAnswer::json("", 500),
+         "refused: Asana has trouble of its own; try again later (server_error)."},
+        {PlayedAnswer::json("{}"), "badAnswer: Asana answered without a token."},
+        {PlayedAnswer::json(R"({"access_token":"a\r\nb"})"), "badAnswer: Asana answered without a token."},
+        {PlayedAnswer{.status = 302, .fields = {{"Location", "https://elsewhere.example/"}}},
+         "refused: Asana refused the sign-in."},
+    };
+    for (const auto& row : rows) {
+        const TestHTTPServer server({row.answer});
+        const ServiceRoute route(server);
+        const auto signIn = begun(ServiceType::Asana);
+        EXPECT_EQ(complaint(outcome(*signIn, [&] { comeBack(*signIn, goodAnswer(*signIn)); })),
+                  row.complaint);
+    }
+    const TestHTTPServer server({PlayedAnswer::reset()});
+    const ServiceRoute route(server);
+    const auto signIn = begun(ServiceType::Asana);
+    const auto lost = outcome(*signIn, [&] { comeBack(*signIn, goodAnswer(*signIn)); });
+    ASSERT_FALSE(lost);
+    EXPECT_EQ(lost.error().code, SignInErrorCode::connectionError);
+    EXPECT_TRUE(lost.error().message.starts_with("Asana could not be reached: ")) << lost.error().message;
+}
+
+TEST(SignIn, DoesNotBeginWithoutARequestToken) {
+    struct Row {
+        PlayedAnswer answer;
+        SignInErrorCode code;
+    };
+
+    const Row rows[] = {{PlayedAnswer{.status = 401, .body = "invalid key"}, SignInErrorCode::refused},
+                        {PlayedAnswer{.status = 503}, SignInErrorCode::refused},
+                        {PlayedAnswer{.body = "hello"}, SignInErrorCode::badAnswer},
+                        {PlayedAnswer::reset(), SignInErrorCode::connectionError}};
+    for (const auto& row : rows) {
+        const TestHTTPServer server({row.answer});
+        const ServiceRoute route(server);
+        const auto signIn = SignIn::begin(signInServiceFor(ServiceType::Trello).value(), {});
+        ASSERT_FALSE(signIn);
+        EXPECT_EQ(signIn.error().code, row.code) << signIn.error().message;
+    }
+}
+
+TEST(SignIn, EndsWhenItsTimeHasRunOut) {
+    const auto signIn = begun(ServiceType::Asana, {.limit = std::chrono::milliseconds(1)});
+    EXPECT_EQ(complaint(signIn->finish()), "timedOut: The browser did not come back with an answer in time.");
+}
+
+TEST(SignIn, TellsWhatCameInsteadOfTheAnswer) {
+    const auto signIn = begun(ServiceType::Asana, {.limit = std::chrono::milliseconds(500)});
+    EXPECT_EQ(
+        complaint(outcome(*signIn,
+                          [&] {
+                              comeBack(*signIn, "code=x&state=wrong");
+                              comeBack(*signIn, "code=x&state=wrong");
+                              comeBack(*signIn, "code=%zz");
+                          })),
+        "timedOut: The browser did not come back with an answer in time. 3 other requests came instead, "
+        "among them 2 answers of another sign-in.");
+}
+
+TEST(SignIn, EndsAtAStop) {
+    const auto signIn = begun(ServiceType::Asana);
+    std::stop_source stop;
+    EXPECT_EQ(complaint(outcome(
+                  *signIn, [&] { stop.request_stop(); }, stop.get_token())),
+              "canceled: The sign-in was canceled.");
+    EXPECT_FALSE(RawClient(signIn->redirect().port().value()).isConnected());
+}
+
+TEST(SignIn, EndsAtAStopWhileTheTokenIsFetched) {
+    std::stop_source stop;
+    const TestHTTPServer server([&](const ReceivedRequest&) {
+        stop.request_stop();
+        return PlayedAnswer::reset();
+    });
+    const ServiceRoute route(server);
+    const auto signIn = begun(ServiceType::Asana);
+    const auto ended = outcome(
+        *signIn, [&] { comeBack(*signIn, goodAnswer(*signIn)); }, stop.get_token());
+    EXPECT_FALSE(ended);
+}
+
+TEST(SignIn, TakesAPastedAddress) {
+    const TestHTTPServer server({PlayedAnswer::json(tokenAnswer)});
+    const ServiceRoute route(server);
+    const auto signIn = begun(ServiceType::Asana);
+    const auto redirect = signIn->redirect().absoluteString();
+    const auto token = outcome(*signIn, [&] {
+        EXPECT_EQ(signIn->paste(""), PasteOutcome::noAddress);
+        EXPECT_EQ(signIn->paste("code=canary-code"), PasteOutcome::noAddress);
+        EXPECT_EQ(signIn->paste("\x1b[31m\xff"), PasteOutcome::noAddress);
+        EXPECT_EQ(signIn->paste(std::string(1 << 20, 'a')), PasteOutcome::noAddress);
+        EXPECT_EQ(signIn->paste("https://evil.example/?" + goodAnswer(*signIn)), PasteOutcome::otherAddress);
+        EXPECT_EQ(signIn->paste(redirect + "/more?" + goodAnswer(*signIn)), PasteOutcome::otherAddress);
+        EXPECT_EQ(signIn->paste(redirect), PasteOutcome::otherAnswer);
+        EXPECT_EQ(signIn->paste(redirect + "?code=canary-code&state=wrong"), PasteOutcome::otherAnswer);
+        EXPECT_EQ(signIn->paste("  " + redirect + "?" + goodAnswer(*signIn) + "\r\n"), PasteOutcome::taken);
+        EXPECT_EQ(signIn->paste(redirect + "?" + goodAnswer(*signIn)), PasteOutcome::otherAnswer);
+    });
+    ASSERT_TRUE(token) << token.error().message;
+    EXPECT_EQ(token->accessToken, "canary-access");
+}
+
+TEST(SignIn, TakesAPastedAddressWithAFragment) {
+    const auto signIn = begun(ServiceType::MeisterTask);
+    EXPECT_EQ(signIn->paste(signIn->redirect().absoluteString() +
+                            "#access_token=canary-access&state=" + itemOf(*signIn, "state")),
+              PasteOutcome::taken);
+    EXPECT_EQ(signIn->finish(), SignInToken{.accessToken = "canary-access"});
+}
+
+TEST(SignIn, AtAnAddressElsewhereTakesWhatIsPastedAlone) {
+    const TestHTTPServer server({PlayedAnswer::json(tokenAnswer)});
+    const ServiceRoute route(server);
+    for (const auto* address : {"https://example.org/oauth-redirect/asana", "com.example.app://auth/asana"}) {
+        const auto signIn = begun(ServiceType::Asana, {.redirect = URL::parse(address)});
+        EXPECT_FALSE(signIn->listens());
+        EXPECT_EQ(itemOf(*signIn, "redirect_uri"), address);
+        EXPECT_EQ(signIn->paste(std::string(address) + "?code=x&state=" + itemOf(*signIn, "state")),
+                  PasteOutcome::taken);
+        if (server.requests().empty()) {
+            EXPECT_TRUE(signIn->finish());
+        }
+    }
+}
+
+TEST(SignIn, TakesNoAnswerOfAnotherServicesSignIn) {
+    const TestHTTPServer server({PlayedAnswer::json(tokenAnswer)});
+    const ServiceRoute route(server);
+    const auto asana = begun(ServiceType::Asana);
+    const auto zoom = begun(ServiceType::ZoomMeeting);
+    const auto token = outcome(*zoom, [&] {
+        // A server that sends the other one's answer, and one that answers in the other one's name.
+        EXPECT_EQ(comeBack(*zoom, goodAnswer(*asana)), "HTTP/1.1 400 Bad Request");
+        EXPECT_EQ(comeBack(*zoom, goodAnswer(*zoom) + "&iss=https://app.asana.com"),
+                  "HTTP/1.1 400 Bad Request");
+        EXPECT_EQ(comeBack(*zoom, goodAnswer(*zoom) + "&iss=https://zoom.us"), "HTTP/1.1 200 OK");
+    });
+    EXPECT_TRUE(token);
+}
+
+TEST(SignIn, LogsNothingOfItsSecrets) {
+    const LogCapture log;
+    const TestHTTPServer server({PlayedAnswer::json(tokenAnswer)});
+    const ServiceRoute route(server);
+    const auto signIn = begun(ServiceType::Asana);
+    const auto token = outcome(*signIn, [&] { comeBack(*signIn, goodAnswer(*signIn)); });
+    ASSERT_TRUE(token);
+    const auto verifier =
+        onlyValue(decodedForm(server.requests().at(0).body).value(), "code_verifier").value();
+    for (const auto& message : log.messages()) {
+        EXPECT_EQ(message.find("canary"), std::string::npos) << message;
+        EXPECT_EQ(message.find(verifier), std::string::npos) << message;
+        EXPECT_EQ(message.find(itemOf(*signIn, "state")), std::string::npos) << message;
+    }
+}
+
+} // namespace zelto
