@@ -9,8 +9,11 @@
 #include <ZeltoHost/Process/CommandWords.h>
 
 #include <Platform/HTTP/URLSessionConfiguration.h>
+#include <Platform/Text.h>
 
-#include <future>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
 #include <unistd.h>
 
 namespace zelto::cli {
@@ -80,42 +83,71 @@ void tellAddress(const SignIn& signIn, const URL& page) {
                howToAnswer(signIn));
 }
 
-// Why the browser was not started; nothing if it was.
-Outcome<std::optional<std::string>> openBrowser(const Invocation& invocation, const URL& page) {
-    const auto command = invocation.value("--opener");
-    auto words = commandWords(command.value_or("xdg-open"));
+// The words of --opener, or of what opens addresses on this system.
+Outcome<std::vector<std::string>> openerWords(const Invocation& invocation) {
+    auto words = commandWords(invocation.value("--opener").value_or("xdg-open"));
     if (!words) {
         return wrong(invocation, "--opener " + std::string(words.error().text) + ".");
     }
-    URLOpener opener(*std::move(words));
-    const auto promise = std::make_shared<std::promise<std::optional<std::string>>>();
-    auto outcome = promise->get_future();
-    opener.open(page, [promise](const Result<void, OpenError>& opened) {
-        promise->set_value(opened ? std::nullopt : std::optional(opened.error().message()));
-    });
-    return outcome.get();
+    return *std::move(words);
 }
 
-// Shows the page to the user by whatever way was chosen. True if the answer may be pasted.
-Outcome<bool> show(const Invocation& invocation, const SignIn& signIn, const URL& page) {
-    if (invocation.has("--no-browser") || !signIn.listens()) {
-        tellAddress(signIn, page);
-        return true;
+// How the start of the browser has gone, once that is known.
+class Opening {
+  public:
+    void end(std::optional<std::string> trouble) {
+        const std::lock_guard guard(lock_);
+        outcome_ = std::move(trouble);
+        changed_.notify_all();
     }
-    const auto trouble = openBrowser(invocation, page);
-    if (!trouble) {
-        return failure(trouble.error());
+
+    // Nothing if it went well, or a stop is asked for before it is known.
+    std::optional<std::string> trouble(const std::stop_token& stop) {
+        std::unique_lock guard(lock_);
+        return changed_.wait(guard, stop, [this] { return outcome_.has_value(); }) ? *outcome_ : std::nullopt;
     }
-    if (*trouble) {
-        writeError("zelto: " + **trouble + ".\n");
+
+  private:
+    std::mutex lock_;
+    std::condition_variable_any changed_;
+    std::optional<std::optional<std::string>> outcome_;
+};
+
+// An opener may run for as long as the browser does.
+std::shared_ptr<Opening> openBrowser(std::vector<std::string> words, const URL& page) {
+    constexpr std::chrono::hours longest{24};
+    // Never ended: the user's browser would end with it.
+    static URLOpener* opener = nullptr;
+    opener = new URLOpener(std::move(words), longest);
+    auto opening = std::make_shared<Opening>();
+    opener->open(page, [opening](const Result<void, OpenError>& opened) {
+        opening->end(opened ? std::nullopt : std::optional(opened.error().message()));
+    });
+    return opening;
+}
+
+// Shows the page to the user by whatever way was chosen. The function tells whether the answer may be pasted.
+Outcome<std::function<bool(const std::stop_token&)>> show(const Invocation& invocation, const SignIn& signIn,
+                                                          const URL& page, const std::string& service) {
+    if (invocation.has("--no-browser") || invocation.value("--opener") == "-" || !signIn.listens()) {
         tellAddress(signIn, page);
-        return true;
+        return [](const std::stop_token&) { return true; };
+    }
+    auto words = openerWords(invocation);
+    if (!words) {
+        return failure(words.error());
     }
     if (!invocation.has("--quiet")) {
-        writeError(
-            "The browser shows the page of the service; this waits for its answer for five minutes.\n");
+        writeError("The page of " + service + " opens in the browser; its answer is waited for.\n");
     }
-    return false;
+    return [opening = openBrowser(*std::move(words), page), page, &signIn](const std::stop_token& stop) {
+        const auto trouble = opening->trouble(stop);
+        if (trouble) {
+            writeError("zelto: " + escapeControlCharacters(*trouble) + ".\n");
+            tellAddress(signIn, page);
+        }
+        return trouble.has_value();
+    };
 }
 
 } // namespace
@@ -123,6 +155,9 @@ Outcome<bool> show(const Invocation& invocation, const SignIn& signIn, const URL
 Outcome<void> checkSignInOptions(const Invocation& invocation) {
     if (invocation.has("--follow") && !sandbox()) {
         return wrong(invocation, "--follow is for the sandbox alone; give --sandbox too.");
+    }
+    if (const auto words = openerWords(invocation); !words) {
+        return failure(words.error());
     }
     const auto options = signInOptions(invocation);
     return options ? Outcome<void>() : failure(options.error());
@@ -149,13 +184,11 @@ Outcome<SignInToken> signInByBrowser(const Invocation& invocation, const SignInS
     if (invocation.has("--follow")) {
         followed.emplace(page, (*signIn)->redirect(), ending);
     } else {
-        const auto mayPaste = show(invocation, **signIn, page);
+        auto mayPaste = show(invocation, **signIn, page, service.name);
         if (!mayPaste) {
             return failure(mayPaste.error());
         }
-        if (*mayPaste) {
-            pasted.emplace(**signIn, ending);
-        }
+        pasted.emplace(**signIn, ending, *std::move(mayPaste));
     }
     const auto token = (*signIn)->finish(ending.get_token());
     if (token) {

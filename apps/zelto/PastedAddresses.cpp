@@ -82,8 +82,12 @@ std::string complaint(PasteOutcome outcome, const SignIn& signIn) {
 
 } // namespace
 
-PastedAddresses::PastedAddresses(SignIn& signIn, std::stop_source& ending)
-    : reading_([this, &signIn, &ending](const std::stop_token& stop) {
+PastedAddresses::PastedAddresses(SignIn& signIn, std::stop_source& ending,
+                                 std::function<bool(const std::stop_token&)> isWanted)
+    : reading_([this, &signIn, &ending, isWanted = std::move(isWanted)](const std::stop_token& stop) {
+          if (!isWanted(stop)) {
+              return;
+          }
           InterruptibleLines lines(stop);
           while (const auto line = lines.next()) {
               if (line->find_first_not_of(" \t\r") == std::string::npos) {

@@ -3,6 +3,7 @@
 #include <ZeltoHost/SignIn/SignIn.h>
 
 #include <atomic>
+#include <functional>
 #include <stop_token>
 #include <thread>
 
@@ -12,7 +13,9 @@ namespace zelto::cli {
 // on standard error. Where nothing else can bring the answer, the end of the input ends the waiting.
 class PastedAddresses {
   public:
-    PastedAddresses(SignIn& signIn, std::stop_source& ending);
+    // Nothing is read if `isWanted` says so; it may take its time, until a stop is asked for.
+    PastedAddresses(SignIn& signIn, std::stop_source& ending,
+                    std::function<bool(const std::stop_token&)> isWanted);
 
     bool endedWithoutAnswer() const { return hasEnded_; }
 
