@@ -102,6 +102,9 @@ Outcome<Report> reportOf(const Invocation& invocation, const Terminal& terminal)
     if (!invocation.command) {
         return wrongUsage("Name a command.");
     }
+    if (const auto used = useClientsOfEnvironment(); !used) {
+        return failure(used.error());
+    }
     if (auto routed = useSandbox(invocation); !routed) {
         return failure(routed.error());
     }
@@ -145,7 +148,6 @@ int main(int argc, char** argv) {
     const std::vector<std::string> arguments{argv + 1, argv + argc};
     zelto::cli::blankSecretArguments(argc, argv);
     zelto::cli::takeTokenOfEnvironment();
-    zelto::cli::useClientsOfEnvironment();
     zelto::cli::reserveStandardDescriptors();
     return zelto::cli::run(arguments);
 }

@@ -20,6 +20,11 @@ constexpr auto environment = R"(
 *ZELTO\_KEYCHAIN\_PASSPHRASE*
 	The passphrase of the key chain in a file. It is never asked for in an argument.
 
+*ZELTO\_SERVICE\_CLIENT\_ID*, *ZELTO\_SERVICE\_CLIENT\_SECRET*
+	A client that you have registered at a service yourself, in place of the one that was built in. SERVICE is
+	one of ASANA, DROPBOX, EVERNOTE, GOOGLEDRIVE, GOTO, HUBSPOT, MEISTERTASK, MICROSOFTTEAMS, NOTION, ONENOTE,
+	SLACK, TICKTICK, TODOIST, TRELLO and ZOOM.
+
 *NO\_COLOR*
 	If it is set and not empty, nothing is coloured.
 

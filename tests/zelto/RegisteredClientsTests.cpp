@@ -1,0 +1,66 @@
+#include "RegisteredClients.h"
+#include "ZeltoProgram.h"
+
+#include <ZeltoIntegrations/GoogleDrive/GoogleDriveConstants.h>
+#include <ZeltoIntegrations/Secrets.h>
+#include <ZeltoIntegrations/Trello/TrelloConstants.h>
+
+#include <Platform/FileManager.h>
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <cstring>
+
+namespace zelto {
+
+namespace {
+
+// In a process of its own, where no constant was read before.
+template <class F> void inFreshProcess(F&& holds) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(std::_Exit(holds() ? 0 : 1), testing::ExitedWithCode(0), "");
+}
+
+} // namespace
+
+TEST(RegisteredClientsDeathTest, ComeFromTheEnvironmentAndLeaveIt) {
+    inFreshProcess([] {
+        ::setenv("ZELTO_TRELLO_CLIENT_ID", "my-own-id", 1);
+        ::setenv("ZELTO_TRELLO_CLIENT_SECRET", "my-own-secret", 1);
+        ::setenv("ZELTO_GOOGLEDRIVE_CLIENT_ID", "my-drive", 1);
+        return cli::useClientsOfEnvironment() && TrelloConstants::clientKey() == "my-own-id" &&
+               TrelloConstants::clientSecret() == "my-own-secret" &&
+               GoogleDriveConstants::clientID() == "my-drive" &&
+               GoogleDriveConstants::clientSecret() == "placeholder-secret-of-GoogleDrive" &&
+               !std::getenv("ZELTO_TRELLO_CLIENT_ID") && !std::getenv("ZELTO_TRELLO_CLIENT_SECRET");
+    });
+}
+
+TEST(RegisteredClients, ThatCannotBeSentAreWrongUsage) {
+    for (const auto* variable : {"ZELTO_ZOOM_CLIENT_ID", "ZELTO_ASANA_CLIENT_SECRET"}) {
+        for (const auto* value : {"", "a b", "a\nb", "schl\xc3\xbcssel"}) {
+            ZeltoProgram zelto;
+            zelto.variables[variable] = value;
+            const auto outcome = zelto.run({"services", "--json"});
+            EXPECT_EQ(outcome.status, 2) << variable;
+            EXPECT_EQ(outcome.text("error"), "wrongUsage");
+            EXPECT_EQ(outcome.text("message"), "The variable " + std::string(variable) +
+                                                   " is empty or holds a character that is no visible one of "
+                                                   "ASCII.");
+        }
+    }
+}
+
+TEST(RegisteredClients, ThoseThatAreBuiltInCannotBeReadInTheProgram) {
+    const auto program = FileManager::readFile(ZeltoProgram::path());
+    ASSERT_TRUE(program && program->size() > 100'000);
+    const auto holds = [&](std::string_view text) {
+        return ::memmem(program->data(), program->size(), text.data(), text.size()) != nullptr;
+    };
+    EXPECT_TRUE(holds("https://zoom.us/oauth/token"));
+    EXPECT_FALSE(holds("placeholder-id-of-"));
+    EXPECT_FALSE(holds("placeholder-secret-of-"));
+}
+
+} // namespace zelto
