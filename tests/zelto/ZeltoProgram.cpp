@@ -1,5 +1,7 @@
 #include "ZeltoProgram.h"
 
+#include <Support/Folders.h>
+
 #include <ZeltoHost/Process/CommandWords.h>
 
 #include <gtest/gtest.h>
@@ -73,8 +75,7 @@ ZeltoProgram::ZeltoProgram() {
         std::filesystem::create_directory(home / folder);
         std::filesystem::permissions(home / folder, std::filesystem::perms::owner_all);
     }
-    std::filesystem::create_directory_symlink(std::filesystem::path(ZELTO_SOURCE_DIR) / "examples",
-                                              home / "cwd/examples");
+    std::filesystem::create_directory_symlink(sourceFolder() / "examples", home / "cwd/examples");
     variables = {{"HOME", home.path()},
                  {"XDG_DATA_HOME", home / "data"},
                  {"XDG_RUNTIME_DIR", home / "run"},
@@ -167,11 +168,11 @@ std::map<std::string, std::string> ZeltoProgram::filesBelow(const std::filesyste
 }
 
 std::filesystem::path ZeltoProgram::path() {
-    return std::filesystem::path(ZELTO_BINARY_DIR) / "apps/zelto/zelto";
+    return buildFolder() / "apps/zelto/zelto";
 }
 
 std::string ZeltoProgram::sample(std::string_view name) {
-    return (std::filesystem::path(ZELTO_SOURCE_DIR) / "examples/mails" / name).string();
+    return (sourceFolder() / "examples/mails" / name).string();
 }
 
 std::string mailWith(std::string_view subject, std::string_view text) {

@@ -4,6 +4,8 @@
 
 #include "LoadingMarkup.h"
 
+#include <Support/Folders.h>
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -20,7 +22,7 @@ std::string bodyOf(std::string_view html, const CleanedHTMLOptions& options = {}
 constexpr std::string_view pixel = "data:image/gif;base64,R0lGODlhAQABAAAAACw=";
 
 std::vector<std::string> payloads() {
-    std::ifstream file(std::string(ZELTO_SOURCE_DIR) + "/tests/ZeltoHost/HTML/LoadingPayloads.txt");
+    std::ifstream file(sourceFolder() / "tests/ZeltoHost/HTML/LoadingPayloads.txt");
     std::vector<std::string> lines;
     for (std::string line; std::getline(file, line);) {
         if (!line.empty()) {

@@ -1,5 +1,7 @@
 #include <ZeltoHost/Mail/MailSamples.h>
 
+#include <Support/Folders.h>
+
 #include <Platform/FileManager.h>
 
 namespace zelto::testing {
@@ -20,7 +22,7 @@ std::shared_ptr<const MailMessage> readMail(std::string_view content) {
 }
 
 std::filesystem::path exampleMail(std::string_view name) {
-    return std::filesystem::path(ZELTO_SOURCE_DIR) / "examples" / "mails" / name;
+    return sourceFolder() / "examples" / "mails" / name;
 }
 
 std::string contentOf(const std::filesystem::path& path) {

@@ -1,5 +1,7 @@
 #include "StorageTestSupport.h"
 
+#include <Support/Folders.h>
+
 #include <ZeltoHost/Storage/AccountSchemaInternal.h>
 
 #include <gtest/gtest.h>
@@ -167,8 +169,7 @@ TEST(AccountFile, ANewerVersionIsRefusedAndStaysAsItIs) {
 
 TEST(AccountFile, AFileOfVersion1Opens) {
     const TemporaryFolder folder;
-    std::filesystem::copy_file(std::filesystem::path(ZELTO_SOURCE_DIR) /
-                                   "tests/ZeltoHost/Storage/fixtures/accounts-1.sqlite",
+    std::filesystem::copy_file(sourceFolder() / "tests/ZeltoHost/Storage/fixtures/accounts-1.sqlite",
                                folder / fileName);
     const auto storage = opened(folder);
     auto trello = account(ServiceType::Trello, "alice@example.com");
