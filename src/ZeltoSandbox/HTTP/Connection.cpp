@@ -77,9 +77,7 @@ class Connection {
 
     bool readBody(RequestParser& parser, SpoolWriter& body) {
         for (;;) {
-            if (!buffer_.empty() && !parser.isWhole()) {
-                buffer_.erase(0, parser.putBody(buffer_, body));
-            }
+            takeBody(parser, body);
             if (parser.problem()) {
                 return refuse(*parser.problem());
             }
@@ -93,6 +91,17 @@ class Connection {
                 return false;
             }
         }
+    }
+
+    // The parser stops behind each piece of a chunked body.
+    void takeBody(RequestParser& parser, SpoolWriter& body) {
+        std::size_t taken = 0;
+        std::size_t last = 1;
+        while (last > 0 && taken < buffer_.size() && !parser.isWhole() && !parser.problem()) {
+            last = parser.putBody(std::string_view(buffer_).substr(taken), body);
+            taken += last;
+        }
+        buffer_.erase(0, taken);
     }
 
     Result<std::size_t, SocketEnd> receive(SteadyTime deadline) {

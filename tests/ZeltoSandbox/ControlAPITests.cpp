@@ -1,0 +1,193 @@
+#include "SandboxCaller.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+namespace zelto {
+
+namespace {
+
+const std::string host = "api.trello.com";
+
+class ControlAPITest : public testing::Test {
+  protected:
+    std::string target() const { return "/1/members/me?key=k&token=" + token; }
+
+    CallerAnswer member() const { return caller.get(host, target()); }
+
+    SandboxCaller caller;
+    std::string token = caller.server->issueTokens("Trello")->accessToken;
+};
+
+} // namespace
+
+TEST_F(ControlAPITest, MakesFaultsThatHappenAsOftenAsTold) {
+    EXPECT_EQ(
+        caller.control("faults", R"({"host":"api.trello.com","path":"/1/members","status":503,"times":2})")
+            .status,
+        204);
+    EXPECT_EQ(caller.get(host, "/1/cards").status, 404);
+    EXPECT_EQ(caller.server->faultCount(), 1U);
+    EXPECT_EQ(member().status, 503);
+    EXPECT_EQ(member().status, 503);
+    EXPECT_EQ(member().status, 200);
+    EXPECT_EQ(caller.server->faultCount(), 0U);
+    const auto requests = caller.server->requests();
+    EXPECT_EQ(requests[1].fault, "answered with 503");
+    EXPECT_EQ(requests[3].fault, "");
+}
+
+TEST_F(ControlAPITest, MakesTheServicesOwnAnswersOfAStatus) {
+    caller.control("faults", R"({"status":429,"headers":{"Retry-After":"7"}})");
+    const auto limited = member();
+    EXPECT_EQ(limited.body, R"({"error":"API_TOKEN_LIMIT_EXCEEDED","message":"Rate limit exceeded"})");
+    EXPECT_EQ(limited.field("Retry-After"), "7");
+    caller.control("faults", R"({"status":401})");
+    EXPECT_EQ(member().body, "invalid token");
+    caller.control("faults", R"({"status":200,"body":"{","headers":{"Content-Type":"application/json"}})");
+    const auto broken = member();
+    EXPECT_EQ(broken.status, 200);
+    EXPECT_EQ(broken.body, "{");
+    EXPECT_EQ(broken.field("Content-Type"), "application/json");
+    caller.control("faults", R"({"method":"POST","status":500})");
+    EXPECT_EQ(member().status, 200);
+}
+
+TEST_F(ControlAPITest, ResetsTheConnectionAfterTheServiceHasActed) {
+    caller.control("faults", R"({"reset":true})");
+    EXPECT_EQ(member().status, 0);
+    EXPECT_EQ(caller.server->requests().back().status, 0);
+    EXPECT_EQ(caller.server->requests().back().fault, "the connection was reset");
+    EXPECT_EQ(member().status, 200);
+}
+
+TEST_F(ControlAPITest, DelaysAnswersAndSlowsThemDown) {
+    const auto start = std::chrono::steady_clock::now();
+    caller.control("faults", R"({"delay":0.2})");
+    EXPECT_EQ(member().status, 200);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(200));
+    caller.control("faults",
+                   R"({"slowBody":200,"body":"1234567890123456789012345678901234567890","status":200})");
+    EXPECT_EQ(member().body.size(), 40U);
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(300));
+    EXPECT_EQ(caller.server->requests().back().fault, "answered with 200, 200 bytes a second");
+}
+
+TEST_F(ControlAPITest, ExpiresTokens) {
+    caller.server->addFault({.host = host, .expireTokens = true});
+    EXPECT_EQ(member().body, "expired token");
+    token = caller.server->issueTokens("Trello")->accessToken;
+    EXPECT_EQ(member().status, 200);
+    EXPECT_EQ(caller.control("expire", R"({"service":"Trello"})").status, 204);
+    EXPECT_EQ(member().status, 401);
+    EXPECT_EQ(caller.control("expire", R"({"service":"Nobody"})").status, 400);
+}
+
+TEST_F(ControlAPITest, SaysWhatIsWrongWithAFault) {
+    const auto error = [&](const std::string& json) {
+        const auto answer = caller.control("faults", json);
+        EXPECT_EQ(answer.status, 400) << json;
+        return answer.text("error");
+    };
+    EXPECT_EQ(error("{}"),
+              "A fault needs one of \"status\", \"delay\", \"reset\", \"slowBody\" and \"expireTokens\".");
+    EXPECT_EQ(error(R"({"status":99})"), "\"status\" has to be a number from 200 to 599.");
+    EXPECT_EQ(error(R"({"status":"503"})"), "\"status\" has to be a number from 200 to 599.");
+    EXPECT_EQ(error(R"({"delay":-1})"), "\"delay\" has to be a number of seconds, from 0 to 3600.");
+    EXPECT_EQ(error(R"({"reset":1})"), "\"reset\" has to be true or false.");
+    EXPECT_EQ(error(R"({"slowBody":0})"), "\"slowBody\" has to be a number of bytes a second, from 1 on.");
+    EXPECT_EQ(error(R"({"times":0})"), "\"times\" has to be a number from 1 to 1000000.");
+    EXPECT_EQ(error(R"({"host":1})"), "\"host\" has to be a text.");
+    EXPECT_EQ(error(R"({"headers":{"a b":"x"}})"),
+              "\"headers\" has to be an object of texts that can be header fields.");
+    EXPECT_EQ(error(R"({"headers":{"a":"x\r\ny"}})"),
+              "\"headers\" has to be an object of texts that can be header fields.");
+    EXPECT_EQ(error(R"({"stauts":500})"), "\"stauts\" has to be left out; there is no such member.");
+    EXPECT_EQ(error("[]"), "The body has to be one JSON object.");
+    EXPECT_EQ(error("{"), "The body has to be one JSON object.");
+    EXPECT_EQ(caller.server->faultCount(), 0U);
+}
+
+TEST_F(ControlAPITest, ListsAndForgetsFaults) {
+    caller.control("faults", R"({"host":"zoom.us","status":500,"delay":1.5})");
+    EXPECT_EQ(caller.get(caller.ownHost(), "/control/faults").body,
+              R"({"faults":[{"host":"zoom.us","path":"","method":"","times":1,"status":500,"delay":1.5}]})");
+    EXPECT_EQ(caller.send("DELETE /control/faults HTTP/1.1\r\nHost: " + caller.ownHost() + "\r\n\r\n").status,
+              403);
+    EXPECT_EQ(caller
+                  .send("DELETE /control/faults HTTP/1.1\r\nHost: " + caller.ownHost() +
+                        "\r\nX-Zelto-Sandbox: 1\r\n\r\n")
+                  .status,
+              204);
+    EXPECT_EQ(caller.server->faultCount(), 0U);
+}
+
+TEST_F(ControlAPITest, GivesTokensAndState) {
+    const auto tokens = caller.control("tokens", R"({"service":"Zoom"})");
+    EXPECT_EQ(tokens.status, 200);
+    EXPECT_NE(tokens.text("refreshToken"), "(none)");
+    EXPECT_EQ(tokens.json().find("expiresIn")->asDouble(), 3599);
+    EXPECT_EQ(caller.control("tokens", R"({"service":"Nobody"})").status, 400);
+    const auto state = caller.get(caller.ownHost(), "/control/state").json();
+    EXPECT_EQ(*state.find("settings")->find("consent")->asString(), "ask");
+    EXPECT_EQ(state.find("requests")->asInt64(), 0);
+    EXPECT_EQ(state.find("services")->asArray()->size(), 16U);
+    EXPECT_EQ(caller.control("settings", R"({"consent":"perhaps"})").status, 400);
+    EXPECT_EQ(caller.control("settings", R"({"plan":"gold"})").status, 400);
+    EXPECT_EQ(caller.control("settings", R"({"colour":1})").status, 400);
+    EXPECT_EQ(caller.control("settings", R"({"attachmentLimit":null})").status, 204);
+    EXPECT_EQ(caller.control("nothing", "{}").status, 404);
+    EXPECT_EQ(caller.get(caller.ownHost(), "/control/nothing").status, 404);
+}
+
+TEST_F(ControlAPITest, TellsTheRequestsAfterANumber) {
+    member();
+    member();
+    const auto all = caller.get(caller.ownHost(), "/control/requests").json();
+    ASSERT_EQ(all.find("requests")->asArray()->size(), 2U);
+    const auto later = caller.get(caller.ownHost(), "/control/requests?after=1").json();
+    ASSERT_EQ(later.find("requests")->asArray()->size(), 1U);
+    EXPECT_EQ(later.find("requests")->asArray()->front().find("number")->asInt64(), 2);
+    EXPECT_EQ(caller.control("reset", "").status, 204);
+    EXPECT_TRUE(caller.server->requests().empty());
+    EXPECT_EQ(member().status, 401);
+    EXPECT_EQ(caller.server->requests().front().number, 1U);
+}
+
+TEST_F(ControlAPITest, TellsOfChangesAsTheyCome) {
+    CallerConnection events(caller.server->port());
+    events.send("GET /control/events HTTP/1.1\r\nHost: " + caller.ownHost() + "\r\n\r\n");
+    const auto head = events.read(false);
+    EXPECT_EQ(head.field("Content-Type"), "text/event-stream");
+    EXPECT_EQ(events.readEvent(), "event: change\ndata: {\"requests\":0}");
+    member();
+    EXPECT_EQ(events.readEvent(), "event: change\ndata: {\"requests\":1}");
+    caller.server->reset();
+    EXPECT_EQ(events.readEvent(), "event: change\ndata: {\"requests\":0}");
+}
+
+TEST_F(ControlAPITest, LetsNoPageOfAnotherOriginIn) {
+    const auto own = caller.ownHost();
+    const std::string json = R"({"status":500})";
+    const auto post = [&](const std::string& type, const std::string& header) {
+        return caller.post(own, "/control/faults", type, json, header).status;
+    };
+    EXPECT_EQ(post("application/json", ""), 403);
+    EXPECT_EQ(post("text/plain", "X-Zelto-Sandbox: 1\r\n"), 415);
+    EXPECT_EQ(post("application/json", "X-Zelto-Sandbox: 1\r\nOrigin: https://evil.example\r\n"), 403);
+    EXPECT_EQ(post("application/json", "X-Zelto-Sandbox: 1\r\nOrigin: null\r\n"), 403);
+    EXPECT_EQ(post("application/json", "X-Zelto-Sandbox: 1\r\nSec-Fetch-Site: cross-site\r\n"), 403);
+    EXPECT_EQ(post("application/json", "X-Zelto-Sandbox: 1\r\nSec-Fetch-Site: same-site\r\n"), 403);
+    EXPECT_EQ(caller.get(own, "/control/state", "Sec-Fetch-Site: cross-site\r\n").status, 403);
+    EXPECT_EQ(caller.server->faultCount(), 0U);
+    EXPECT_EQ(post("application/json",
+                   "X-Zelto-Sandbox: 1\r\nSec-Fetch-Site: same-origin\r\nOrigin: http://" + own + "\r\n"),
+              204);
+    const auto preflight = caller.send("OPTIONS /control/faults HTTP/1.1\r\nHost: " + own +
+                                       "\r\nOrigin: https://evil.example\r\n\r\n");
+    EXPECT_EQ(preflight.status, 403);
+    EXPECT_EQ(preflight.field("Access-Control-Allow-Origin"), "");
+}
+
+} // namespace zelto

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "Support/LoopbackSocket.h"
+
+#include <Platform/JSON/JSONValue.h>
+#include <ZeltoSandbox/HTTP/SandboxRequest.h>
+#include <ZeltoSandbox/SandboxServer.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelto {
+
+// An answer as it came over the wire.
+struct CallerAnswer {
+    int status = 0; // 0: the connection ended without one
+    std::vector<HTTPHeaderField> fields;
+    std::string body;
+
+    std::string field(std::string_view name) const;
+    JSONValue json() const;
+    // A text member of the JSON object; "(none)" if there is none.
+    std::string text(std::string_view key) const;
+    // Of the redirect: a query or fragment item; nothing if there is none.
+    std::optional<std::string> redirectItem(std::string_view name) const;
+};
+
+// One connection to a sandbox, on which whatever bytes are sent.
+class CallerConnection {
+  public:
+    explicit CallerConnection(std::uint16_t port);
+
+    void send(std::string_view bytes);
+    // The next answer; a test fails when none comes within ten seconds and the connection stays.
+    CallerAnswer read(bool hasBody = true);
+    // The next event of an event stream, without its end; comments are passed over.
+    std::string readEvent();
+    // Whether the sandbox has ended the connection, for which it is waited.
+    bool isEnded();
+
+  private:
+    bool fill();
+
+    LoopbackSocket socket_;
+    std::string buffer_;
+};
+
+// Sends requests to a sandbox, each with the Host that it is told.
+class SandboxCaller {
+  public:
+    explicit SandboxCaller(SandboxOptions options = {});
+
+    using Items = std::vector<URLQueryItem>;
+
+    CallerAnswer get(const std::string& host, const std::string& target,
+                     const std::string& header = {}) const;
+    CallerAnswer post(const std::string& host, const std::string& target, const std::string& type,
+                      const std::string& body, const std::string& header = {}) const;
+    CallerAnswer postForm(const std::string& host, const std::string& target, const Items& items,
+                          const std::string& header = {}) const;
+    // A request of the control API with what it needs.
+    CallerAnswer control(const std::string& path, const std::string& json) const;
+    CallerAnswer send(const std::string& bytes) const;
+
+    std::string ownHost() const { return "127.0.0.1:" + std::to_string(server->port()); }
+
+    std::unique_ptr<SandboxServer> server;
+};
+
+std::string formText(const SandboxCaller::Items& items);
+// The value of a hidden field of a page.
+std::string hiddenField(const std::string& html, const std::string& name);
+
+} // namespace zelto
