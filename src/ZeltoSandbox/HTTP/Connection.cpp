@@ -79,6 +79,7 @@ class Connection {
         for (;;) {
             takeBody(parser, body);
             if (parser.problem()) {
+                body.discard();
                 return refuse(*parser.problem());
             }
             if (parser.isWhole()) {

@@ -88,7 +88,13 @@ std::string SpoolRange::text(std::size_t limit) const {
 }
 
 SpoolWriter::~SpoolWriter() {
-    space_->giveBack(written_);
+    discard();
+}
+
+void SpoolWriter::discard() {
+    text_.clear();
+    file_ = FileDescriptor();
+    space_->giveBack(std::exchange(written_, 0));
 }
 
 Result<void, SpoolError> SpoolWriter::append(std::string_view bytes) {

@@ -86,6 +86,9 @@ class SpoolWriter {
     // Once, at the end.
     std::shared_ptr<const SpooledBytes> finish();
 
+    // Gives up what was taken, and its room.
+    void discard();
+
   private:
     Result<void, SpoolError> write(std::string_view bytes);
 
