@@ -7,6 +7,7 @@ const byId = (id) => document.getElementById(id);
 const pause = (time) => new Promise((resolve) => setTimeout(resolve, time));
 
 let last = 0; // number of the newest request that is shown
+let round = 0; // counts the starts
 let looking = false;
 let changed = false;
 
@@ -24,9 +25,11 @@ async function get(path) {
 }
 
 async function look() {
+  const begun = round;
   const [state, received] = await Promise.all([get("/control/state"), get(`/control/requests?after=${last}`)]);
+  if (begun !== round) return;
   byId("no-cards").hidden = showBoards(byId("boards"), state.trello?.boards ?? []) > 0;
-  addRequests(received.requests);
+  addRequests(received.requests, state);
   last = received.requests.at(-1)?.number ?? last;
   byId("no-requests").hidden = last > 0;
 }
@@ -52,6 +55,7 @@ async function lookSoon() {
 }
 
 function startOver() {
+  round += 1;
   last = 0;
   forgetRequests();
   lookSoon();

@@ -6,10 +6,8 @@ const list = document.getElementById("requests");
 const services = document.getElementById("services");
 const older = document.getElementById("older");
 
-let counts = new Map(); // service: {received, refused}
+let refused = new Map(); // service: how many of those that came in here; null stands for all
 let chosen = null; // the service whose requests are shown
-
-const serviceOf = (record) => record.service || "other hosts";
 
 function timeOf(record) {
   const time = element("time");
@@ -43,10 +41,9 @@ function makeRequest(record) {
   const details = element("details", "request");
   const summary = element("summary");
   const [path, query] = record.target.split(/\?(.*)/s);
-  const target = foreign("span", "target", cut(path, 200));
-  if (query) target.append(foreign("span", "note", cut("?" + query, 200)));
-  summary.append(timeOf(record), element("span", "method", record.method), statusOf(record), target,
-    foreign("span", "host", record.host));
+  const host = record.host + (query ? ` ?${query}` : "");
+  summary.append(timeOf(record), element("span", "method", record.method), statusOf(record),
+    foreign("span", "target", cut(path, 300)), foreign("span", "host", cut(host, 300)));
   if (record.problem) summary.append(foreign("span", "problem", record.problem));
   if (record.fault) summary.append(foreign("span", "problem", `Fault: ${record.fault}`));
   details.append(summary);
@@ -54,7 +51,7 @@ function makeRequest(record) {
     if (details.children.length === 1) fillDetails(details, record);
   });
   item.append(details);
-  item.service = serviceOf(record);
+  item.service = record.service;
   item.hidden = chosen !== null && item.service !== chosen;
   return item;
 }
@@ -65,7 +62,7 @@ function choose(service) {
   for (const button of services.children) button.setAttribute("aria-pressed", button.service === chosen);
 }
 
-function showService(service, count) {
+function showService(service, received) {
   let button = Array.from(services.children).find((each) => each.service === service);
   if (!button) {
     button = Object.assign(element("button"), { type: "button", service });
@@ -73,32 +70,28 @@ function showService(service, count) {
     button.setAttribute("aria-pressed", service === chosen);
     services.append(button);
   }
-  button.replaceChildren(service ?? "All", element("span", "note", count.received));
-  if (count.refused) button.append(element("span", "problem", `${count.refused} refused`));
+  button.replaceChildren(service ?? "All", element("span", "note", received));
+  if (refused.has(service)) button.append(element("span", "problem", `${refused.get(service)} refused`));
 }
 
 export function forgetRequests() {
-  counts = new Map();
+  refused = new Map();
   chosen = null;
   list.replaceChildren();
   services.replaceChildren();
   older.hidden = true;
 }
 
-// The newest stand first.
-export function addRequests(records) {
-  for (const record of records) {
-    for (const service of [null, serviceOf(record)]) {
-      const count = counts.get(service) ?? { received: 0, refused: 0 };
-      count.received += 1;
-      count.refused += record.problem ? 1 : 0;
-      counts.set(service, count);
-    }
+// The newest stand first. `state` has the counts, also of those that the sandbox does not keep any more.
+export function addRequests(records, state) {
+  for (const { service } of records.filter((record) => record.problem)) {
+    for (const each of [null, service]) refused.set(each, (refused.get(each) ?? 0) + 1);
   }
-  counts.forEach((count, service) => showService(service, count));
   list.prepend(...records.slice(-shownRequests).map(makeRequest).reverse());
   while (list.children.length > shownRequests) list.lastElementChild.remove();
-  const hidden = (counts.get(null)?.received ?? 0) - list.children.length;
-  older.hidden = hidden === 0;
+  if (state.requests) showService(null, state.requests);
+  for (const { name, requests } of state.services) if (requests) showService(name, requests);
+  const hidden = state.requests - list.children.length;
+  older.hidden = hidden <= 0;
   older.textContent = `and ${hidden} older`;
 }

@@ -17,10 +17,7 @@ function attachmentItem(attachment) {
 }
 
 function fillCard(item, card) {
-  const title = longText("h5", "", card.name, { longest: 200 });
-  if (card.newest) title.prepend(element("span", "newest", "newest"));
-  item.classList.toggle("is-newest", card.newest);
-  item.replaceChildren(title);
+  item.replaceChildren(longText("h5", "", card.name, { longest: 200 }));
   if (card.desc) item.append(longText("div", "description", card.desc, { links: true }));
   if (card.attachments?.length) {
     const list = element("ul", "attachments");
@@ -48,8 +45,6 @@ function fillList(section, list) {
   if (list.closed) title.append(element("span", "tag", "archived"));
   const shown = latest(list.cards);
   reconcile(cards, shown, () => element("li", "card"), fillCard);
-  const newest = cards.querySelector(".is-newest");
-  if (newest) cards.scrollTop = newest.offsetTop - cards.offsetTop;
   const hidden = list.cards.length - shown.length;
   note.textContent = hidden ? `and ${hidden} older` : list.cards.length ? "" : "No cards";
 }
@@ -68,11 +63,22 @@ function fillBoard(details, board) {
   reconcile(lists, board.lists, makeList, fillList);
 }
 
+// Not part of a card's own content, which stays as it is when another one becomes the newest.
+function markNewest(root, id) {
+  const mark = root.querySelector(".newest") ?? element("span", "newest", "newest");
+  for (const item of root.querySelectorAll(".card")) {
+    item.classList.toggle("is-newest", item.key === id);
+    if (item.key !== id || item.contains(mark)) continue;
+    item.prepend(mark);
+    item.parentElement.scrollTop = item.offsetTop - item.parentElement.offsetTop;
+  }
+}
+
 // Gives the number of cards.
 export function showBoards(root, boards) {
   const cards = boards.flatMap((board) => board.lists.flatMap((list) => list.cards));
   const newest = cards.reduce((found, card) => (!found || card.date >= found.date ? card : found), null);
-  for (const card of cards) card.newest = card === newest;
   reconcile(root, boards, makeBoard, fillBoard);
+  markNewest(root, newest?.id);
   return cards.length;
 }

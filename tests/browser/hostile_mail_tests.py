@@ -1,0 +1,110 @@
+"""Nothing of a mail runs on the sandbox's page, and no credential reaches it."""
+
+import json
+import re
+import urllib.parse
+
+from attacks import OUTSIDE, attack, hostile_texts
+from browser_case import Case
+from chromium import wait_for
+
+# Opens all that can be opened, and gives the document then.
+OPENED = """
+    document.querySelectorAll("details").forEach((each) => each.open = true);
+    document.querySelectorAll("button.more[aria-expanded=false]").forEach((each) => each.click());
+    new Promise((resolve) => setTimeout(() => resolve(document.documentElement.outerHTML)))
+"""
+# Elements whose content is wider than they are, but for those that are cut on purpose.
+OVERFLOWING = """
+    Array.from(document.querySelectorAll("main *:not(.host, .lists)")).filter(
+        (each) => each.clientWidth > 0 && each.scrollWidth > each.clientWidth + 1).map((each) => each.className)
+"""
+
+
+class HostileMail(Case):
+    def test_credentials_never_reach_the_browser(self):
+        token = self.sandbox.token()
+        secrets = [token, "canary-bearer", "canary-secret", "canary-code", "canary-refresh", "canary-cookie"]
+        self.sandbox.add_card(token, "A card")
+        self.sandbox.send("GET", "api.todoist.com", "/api/v1/projects", Authorization="Bearer canary-bearer",
+                          Cookie="session=canary-cookie")
+        form = {"grant_type": "authorization_code", "client_secret": "canary-secret", "code": "canary-code",
+                "refresh_token": "canary-refresh"}
+        self.sandbox.send("POST", "api.todoist.com", "/oauth/access_token", urllib.parse.urlencode(form),
+                          Content_Type="application/x-www-form-urlencoded")
+        self.sandbox.send("POST", "api.notion.com", "/v1/oauth/token", json.dumps(form),
+                          Content_Type="application/json")
+        self.show()
+        self.tab.wait("document.querySelectorAll('.request').length >= 5")
+        self.sandbox.add_card(token, "A second card")
+        self.wait_for_text("A second card")
+        shown = self.tab.run(OPENED)
+        self.assertTrue("***" in shown)
+        received = [shown, *self.tab.stream, *map(str, self.tab.requests.values())]
+        received += [json.dumps(answer["headers"]) for answer in self.tab.answers.values()]
+        received += [body.decode("latin-1") for body in self.tab.bodies().values()]
+        self.assertTrue(any('"requests"' in text for text in received))
+        for secret in secrets:
+            for text in received:
+                self.assertFalse(secret in text, f"{secret} in {text[:200]}")
+        self.assertNothingRan()
+
+    def test_no_text_of_a_mail_runs_or_breaks_the_layout(self):
+        token = self.sandbox.token()
+        for text in hostile_texts(self.trap):
+            card = self.sandbox.add_card(token, text[:12_000], text)
+            self.sandbox.attach(token, card, text[:200] + ".txt", "text/plain", b"harmless")
+            self.sandbox.send("POST", "api.trello.com", "/1/" + urllib.parse.quote(text[:2000]), text.encode(),
+                              Content_Type="text/plain", X_Note=urllib.parse.quote(text[:2000], safe=" <>\"'=;:/()"))
+        self.show()
+        self.wait_for_text("__proto__")
+        self.tab.run(OPENED)
+        self.assertEqual(self.tab.run("document.querySelectorAll('main :is(img, script, svg, iframe, base, meta, link, "
+                                      "object, embed, style)').length"), 0)
+        links = self.tab.run("Array.from(document.links, (each) => [each.protocol, each.target, each.rel])")
+        self.assertGreater(len(links), 10)
+        for link in links:
+            self.assertEqual(link, ["http:", "_blank", "noopener noreferrer"])
+        shown = self.tab.run("document.body.innerText")
+        for name in ("U+202E", "U+2066 U+2067 U+2068 U+2069", "U+001B", "U+FEFF"):
+            self.assertTrue(name in shown, name)
+        self.assertIsNone(re.search("[\u202a-\u202e\u2066-\u2069\u001b\u0007\u200e\u200f]", shown))
+        for width in (900, 1600):
+            self.tab.resize(width, 800)
+            wide = self.tab.run("document.documentElement.scrollWidth - document.documentElement.clientWidth")
+            self.assertEqual(wide, 0, f"at {width} pixels")
+            self.assertEqual(self.tab.run(OVERFLOWING), [], f"at {width} pixels")
+        self.assertNothingRan()
+
+    def test_no_file_of_a_mail_runs(self):
+        token = self.sandbox.token()
+        script = attack(self.trap)
+        html = f"<!doctype html><script>{script}</script><img src=x onerror=\"{script}\">".encode()
+        svg = (f"<svg xmlns=\"http://www.w3.org/2000/svg\" onload=\"{script}\"><script>{script}</script>"
+               f"<image href=\"http://{OUTSIDE}/\"/></svg>").encode()
+        files = [("page.html", "text/html", html), ("picture.svg", "image/svg+xml", svg), ("page.xhtml",
+                 "application/xhtml+xml", html), ("notes.txt", "text/plain", html), ("sheet.xml", "text/xml", svg),
+                 ("no-type", "", html), ("page.pdf", "application/pdf", html), ("beacon.png", "image/png", svg),
+                 ("two.txt", "text/plain; charset=utf-7, text/html", html), ("module.js", "text/javascript",
+                 script.encode())]
+        card = self.sandbox.add_card(token, "Files")
+        for name, media_type, data in files:
+            self.sandbox.attach(token, card, name, media_type, data)
+        self.show()
+        self.tab.wait(f"document.querySelectorAll('.attachments a').length === {len(files)}")
+        self.browser.send("Browser.setDownloadBehavior", {"behavior": "deny"})
+        for number in range(len(files)):
+            self.tab.click(f"document.querySelectorAll('.attachments a')[{number}]")
+        addresses = self.tab.run("Array.from(document.querySelectorAll('.attachments a'), (each) => each.href)")
+        visitor = self.browser.new_tab()
+        visitor.open(f"{self.sandbox.url}/")
+        for address in addresses:
+            status, _ = self.sandbox.send("GET", f"127.0.0.1:{self.sandbox.port}", urllib.parse.urlsplit(address).path)
+            self.assertEqual(status, 200)
+            visitor.send("Page.navigate", url=address)
+            wait_for(f"an answer for {address}", lambda: address in visitor.requests.values())
+        # Whatever the files started has had its turn when another page has come and gone.
+        visitor.open(f"{self.sandbox.url}/")
+        self.assertNoCalls()
+        for tab in self.browser.tabs:
+            self.assertEqual([each for each in tab.said if "canary" in each], [])

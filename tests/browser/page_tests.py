@@ -1,0 +1,141 @@
+"""What people see of the sandbox in a browser."""
+
+import os
+
+from browser_case import Case
+from chromium import wait_for
+from sandbox import ROOT
+
+MAIL = os.path.join(ROOT, "examples", "mails", "project-kickoff.eml")
+TITLE = "Project kick-off: lighthouse relaunch & first week"
+
+
+class Page(Case):
+    def test_an_empty_sandbox_says_what_to_do_next(self):
+        self.show()
+        text = self.tab.run("document.body.innerText")
+        self.assertIn(f"zelto connect trello --sandbox {self.sandbox.url}", text)
+        self.assertIn(f"zelto export mail.eml --to trello --sandbox {self.sandbox.url}", text)
+        self.assertIn("No service has received a request yet", text)
+        self.assertNothingRan()
+
+    def test_an_export_appears_at_once_with_its_files(self):
+        self.show()
+        self.tab.run("window.isTheFirst = true")
+        self.sandbox.zelto("connect", "trello", "--token", self.sandbox.token())
+        self.sandbox.zelto("export", MAIL, "--to", "trello", "--attach", "all")
+        self.tab.wait("document.querySelectorAll('.card .attachments a').length === 3")
+        self.assertTrue(self.tab.run("window.isTheFirst"))
+        card = self.tab.run("document.querySelector('.card.is-newest').innerText")
+        for text in (TITLE, "newest", "Relaunch plan.pdf", "Agenda.txt", "application/pdf", "text/plain"):
+            self.assertIn(text, card)
+        self.tab.wait("document.querySelectorAll('.request .accepted').length >= 4")
+        lines = self.tab.run("Array.from(document.querySelectorAll('.request summary'), (each) => each.innerText)")
+        self.assertTrue(any("POST" in line and "/1/cards" in line and "200" in line for line in lines), lines)
+        self.assertTrue(any("api.trello.com" in line for line in lines), lines)
+        self.assertTrue(self.tab.run("document.getElementById('no-cards').hidden"))
+        self.opens_files()
+        self.assertNothingRan()
+
+    def opens_files(self):
+        link = "Array.from(document.querySelectorAll('.attachments a')).find((each) => each.textContent === '{}')"
+        pdf = self.browser.tab_opened_by(lambda: self.tab.click(link.format("Relaunch plan.pdf")))
+        # Chromium's own viewer comes only for what it takes for a PDF file.
+        wait_for("the viewer", lambda: any(answer["url"].startswith("chrome-extension://") for answer in
+                                           list(pdf.answers.values())))
+        answer = next(iter(pdf.answers.values()))
+        self.assertEqual((answer["status"], answer["mimeType"]), (200, "application/pdf"))
+        self.assertTrue(pdf.run("window.opener === null"))
+        text = self.browser.tab_opened_by(lambda: self.tab.click(link.format("Agenda.txt")))
+        text.wait("document.body?.innerText.includes('Kick-off, Tuesday 14:00')")
+        self.assertEqual(text.run("document.contentType"), "text/plain")
+
+    def test_a_second_card_takes_the_mark_of_the_newest_and_keeps_what_is_open(self):
+        token = self.sandbox.token()
+        self.sandbox.add_card(token, "First", "x" * 2000)
+        self.show()
+        self.wait_for_text("First")
+        self.tab.run("document.querySelector('.description button').click()")
+        self.sandbox.add_card(token, "Second")
+        self.wait_for_text("Second")
+        self.assertIn("Second", self.tab.run("document.querySelector('.is-newest').innerText"))
+        self.assertEqual(self.tab.run("document.querySelectorAll('.newest').length"), 1)
+        self.assertEqual(self.tab.run("document.querySelector('.description button').ariaExpanded"), "true")
+
+    def test_the_requests_of_one_service_can_be_chosen_and_opened_by_keyboard(self):
+        self.sandbox.add_card(self.sandbox.token(), "A card")
+        self.sandbox.send("GET", "api.todoist.com", "/api/v1/projects", Authorization="Bearer unknown")
+        self.show()
+        names = "Array.from(document.querySelectorAll('#services button'), (each) => each.textContent)"
+        self.tab.wait(f"{names}.length === 3")
+        self.assertIn("Todoist", " ".join(self.tab.run(names)))
+        self.tab.run("Array.from(document.querySelectorAll('#services button')).find((each) => "
+                     "each.textContent.startsWith('Todoist')).focus()")
+        self.press("Enter")
+        self.assertEqual(self.tab.run("document.querySelectorAll('#requests > li:not([hidden])').length"), 1)
+        for _ in range(3):
+            if self.tab.run("document.activeElement.tagName") == "BUTTON":
+                self.press("Tab")
+        self.assertEqual(self.tab.run("document.activeElement.tagName"), "SUMMARY")
+        self.press("Enter")
+        self.tab.wait("document.querySelector('.request[open] dl') !== null")
+        self.assertIn("401", self.tab.run("document.querySelector('.request[open]').innerText"))
+
+    def press(self, key):
+        code = {"Enter": 13, "Tab": 9}[key]
+        text = {"text": "\r"} if key == "Enter" else {}
+        self.tab.send("Input.dispatchKeyEvent", type="keyDown", key=key, windowsVirtualKeyCode=code, **text)
+        self.tab.send("Input.dispatchKeyEvent", type="keyUp", key=key, windowsVirtualKeyCode=code)
+
+    def test_only_the_latest_requests_stay_in_the_page(self):
+        for number in range(230):
+            self.sandbox.send("GET", "api.trello.com", f"/1/members/me?number={number}")
+        self.show()
+        self.tab.wait("document.querySelectorAll('.request').length === 200")
+        self.wait_for_text("and 30 older")
+        self.sandbox.send("GET", "api.trello.com", "/1/members/me?number=last")
+        self.wait_for_text("and 31 older")
+        self.assertEqual(self.tab.run("document.querySelectorAll('.request').length"), 200)
+        self.assertIn("number=last", self.tab.run("document.querySelector('.request').innerText"))
+
+    def test_the_end_of_the_sandbox_is_told_and_its_return_too(self):
+        self.sandbox.add_card(self.sandbox.token(), "Before the end")
+        self.show()
+        self.wait_for_text("Before the end")
+        port = self.sandbox.port
+        self.sandbox.close()
+        self.wait_for_text("The sandbox has ended")
+        self.tab.said.clear()  # the browser's own words about the connection that it lost
+        self.sandbox = self.start(port)
+        self.tab.wait("document.getElementById('connection').textContent === 'Live'")
+        self.wait_for_text("No card has been made yet")
+        self.assertEqual(self.tab.run("document.querySelectorAll('.card, .request').length"), 0)
+
+    def test_a_reset_empties_the_page(self):
+        token = self.sandbox.token()
+        for number in range(5):
+            self.sandbox.add_card(token, f"Card {number}")
+        self.show()
+        self.wait_for_text("Card 4")
+        self.sandbox.control("reset")
+        self.wait_for_text("No card has been made yet")
+        self.tab.wait("document.querySelectorAll('.card, .request').length === 0")
+        self.sandbox.add_card(self.sandbox.token(), "After the reset")
+        self.wait_for_text("After the reset")
+        self.assertNothingRan()
+
+    def test_a_fault_is_told_at_its_request(self):
+        self.sandbox.control("faults", host="api.trello.com", status=503)
+        self.sandbox.send("GET", "api.trello.com", "/1/members/me")
+        self.show()
+        self.assertIn("503", self.tab.run("document.querySelector('.request .status.fault').textContent"))
+        self.assertIn("Fault: ", self.tab.run("document.querySelector('.request .problem').textContent"))
+
+    def test_a_long_title_is_cut_until_it_is_asked_for(self):
+        self.sandbox.add_card(self.sandbox.token(), "long " * 2000)
+        self.show()
+        self.wait_for_text("Show all 10,000 characters")
+        self.assertLess(self.tab.run("document.querySelector('.card').getBoundingClientRect().height"), 300)
+        self.tab.run("document.querySelector('.card button').click()")
+        self.assertGreater(self.tab.run("document.querySelector('.card h5').textContent.length"), 10_000)
+        self.assertEqual(self.tab.run("document.activeElement.textContent"), "Show less")
