@@ -34,22 +34,21 @@ HTTPExchange& HTTPExchange::of(CURL* handle) {
     return *reinterpret_cast<HTTPExchange*>(exchange);
 }
 
-bool HTTPExchange::begin(std::shared_ptr<URLTransfer> transfer, TransferPlan plan) {
+bool HTTPExchange::begin(std::shared_ptr<URLTransfer> transfer, std::unique_ptr<TransferPlan> plan) {
     transfer_ = std::move(transfer);
-    plan_.emplace(std::move(plan));
-    url_ = plan_->request.url;
-    host_ = url_->host();
+    plan_ = std::move(plan);
     redirects_ = 0;
     patience_ = bounded(plan_->request.timeout);
     giveUpAt_ = rounds_.now + bounded(transfer_->session().configuration.longestTransfer);
     if (easy_ && prepareHop()) {
         return true;
     }
-    transfer_->end(errorOf(failure_.value_or(URLErrorCode::cannotConnect), host_));
+    transfer_->end(errorOf(failure_.value_or(URLErrorCode::cannotConnect), host()));
     return false;
 }
 
 bool HTTPExchange::goesOnAfter(CURLcode code) {
+    endedWell_ = code == CURLE_OK && attempts_ == 1;
     if (!transfer_) {
         return false;
     }
@@ -64,34 +63,38 @@ bool HTTPExchange::goesOnAfter(CURLcode code) {
         return false;
     }
     ++redirects_;
-    url_ = std::exchange(redirect_, std::nullopt);
+    plan_->request.url = *std::exchange(redirect_, std::nullopt);
     plan_->wire = *std::move(wire);
     if (prepareHop()) {
         return true;
     }
-    transfer_->end(errorOf(failure_.value_or(URLErrorCode::cannotConnect), host_));
+    transfer_->end(errorOf(failure_.value_or(URLErrorCode::cannotConnect), host()));
     return false;
 }
 
 std::optional<URLError> HTTPExchange::errorAfter(CURLcode code) const {
     if (failure_) {
-        return errorOf(*failure_, host_);
+        return errorOf(*failure_, host());
     }
     if (code == CURLE_OK) {
         return head_.isComplete() ? std::nullopt
-                                  : std::optional(errorOf(URLErrorCode::connectionLost, host_));
+                                  : std::optional(errorOf(URLErrorCode::connectionLost, host()));
     }
-    return errorOf(code, attempts_ > 0, host_, errorText_.data());
+    return errorOf(code, attempts_ > 0, host(), errorText_.data());
+}
+
+std::string HTTPExchange::host() const {
+    return plan_->request.url.host();
 }
 
 bool HTTPExchange::detach() {
     transfer_ = nullptr;
-    const auto length = head_.contentLength();
     curl_off_t received = 0;
     long version = 0;
     curl_easy_getinfo(easy_, CURLINFO_SIZE_DOWNLOAD_T, &received);
     curl_easy_getinfo(easy_, CURLINFO_HTTP_VERSION, &version);
-    const bool isShort = !length || *length <= static_cast<std::uint64_t>(received) + mostDrained;
+    const bool isShort =
+        !contentLength_ || *contentLength_ <= static_cast<std::uint64_t>(received) + mostDrained;
     if (!head_.isComplete() || failure_ || !isShort || !isBodySent() || version > CURL_HTTP_VERSION_1_1) {
         return false;
     }
@@ -170,8 +173,7 @@ void HTTPExchange::lookAtConnection() {
 
 void HTTPExchange::reset() {
     transfer_ = nullptr;
-    plan_ = std::nullopt;
-    url_ = std::nullopt;
+    plan_ = nullptr;
     redirect_ = std::nullopt;
     reader_ = std::nullopt;
     head_ = {};

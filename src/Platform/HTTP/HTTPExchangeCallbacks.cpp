@@ -26,15 +26,18 @@ bool HTTPExchange::takeHeadLine(std::string_view line) {
 }
 
 void HTTPExchange::headIsComplete() {
+    const auto& request = plan_->request;
     if (redirects_ < mostRedirects) {
-        redirect_ = redirectTarget(plan_->request.method, *url_, head_.status(), head_.headers());
+        redirect_ = redirectTarget(request.method, request.url, head_.status(), head_.headers());
     }
+    contentLength_ = head_.contentLength();
     if (redirect_) {
         beginDraining();
         return;
     }
-    transfer_->receiveHead(std::make_shared<const HTTPURLResponse>(*url_, head_.status(), head_.headers()),
-                           head_.contentLength().value_or(0));
+    transfer_->receiveHead(
+        std::make_shared<const HTTPURLResponse>(request.url, head_.status(), head_.takeHeaders()),
+        contentLength_.value_or(0));
 }
 
 std::size_t HTTPExchange::onBody(char* data, std::size_t size, std::size_t count, void* exchange) {

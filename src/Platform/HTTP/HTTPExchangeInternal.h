@@ -11,6 +11,7 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <span>
@@ -46,7 +47,7 @@ class HTTPExchange {
     const std::shared_ptr<URLTransfer>& transfer() const { return transfer_; }
 
     // False when the handle cannot be prepared; then there is nothing to add, and the transfer has its error.
-    [[nodiscard]] bool begin(std::shared_ptr<URLTransfer> transfer, TransferPlan plan);
+    [[nodiscard]] bool begin(std::shared_ptr<URLTransfer> transfer, std::unique_ptr<TransferPlan> plan);
 
     // What libcurl's end of a hop means. True when another hop is prepared; else the transfer has its end.
     [[nodiscard]] bool goesOnAfter(CURLcode code);
@@ -71,14 +72,27 @@ class HTTPExchange {
     // What is read of an answer that nobody waits for, to keep its connection.
     static constexpr std::uint64_t mostDrained = 64 * 1024;
 
+    // What a handle is set up for beyond one request.
+    struct Profile {
+        bool isPlain = false;
+        bool isLoopback = false;
+        std::optional<std::string> acceptedEncodings;
+        std::optional<std::string> proxy;
+        std::optional<std::filesystem::path> certificateAuthorities;
+
+        bool operator==(const Profile&) const = default;
+    };
+
     bool prepareHop();
-    void setConnection(const WireRequest& wire);
-    void setSecurity(const WireRequest& wire);
-    void setProxy(const WireRequest& wire);
-    void setMessage(const WireRequest& wire);
-    void setHeaderLines(const std::vector<std::string>& lines);
-    void setBody();
+    Profile profile() const;
+    void setUpFor(Profile profile);
+    void setConnection();
+    void setSecurity();
+    void setProxy();
     void setCallbacks();
+    void setMessage();
+    void setHeaderLines();
+    void setBody();
     template <class Value> void set(CURLoption option, Value value);
 
     bool takeHeadLine(std::string_view line);
@@ -92,6 +106,7 @@ class HTTPExchange {
     bool standsStill();
     void lookAtConnection();
     std::optional<URLError> errorAfter(CURLcode code) const;
+    std::string host() const;
 
     static std::size_t onHeader(char* data, std::size_t size, std::size_t count, void* exchange);
     static std::size_t onBody(char* data, std::size_t size, std::size_t count, void* exchange);
@@ -105,13 +120,13 @@ class HTTPExchange {
     Rounds& rounds_;
     std::array<char, CURL_ERROR_SIZE> errorText_{};
     bool isPrepared_ = true;
+    bool endedWell_ = false;
+    std::optional<Profile> profile_;
 
     // Of the transfer.
     std::shared_ptr<URLTransfer> transfer_;
-    std::optional<TransferPlan> plan_;
-    std::optional<URL> url_; // of the hop
+    std::unique_ptr<TransferPlan> plan_; // its URL is that of the hop
     std::optional<URL> redirect_;
-    std::string host_;
     std::vector<curl_slist> headerList_;
     std::optional<HTTPBody::Reader> reader_;
     std::string smallBody_;
@@ -122,6 +137,7 @@ class HTTPExchange {
 
     // Of the hop.
     ResponseHead head_;
+    std::optional<std::uint64_t> contentLength_;
     std::optional<URLErrorCode> failure_; // why a callback ended it
     Clock::time_point movedAt_;
     std::uint64_t headSize_ = 0;

@@ -15,6 +15,7 @@ constexpr long piecesOfBody = 256 * 1024;
 
 // A connection that rested is likelier to be dead, which costs what is not repeated its attempt.
 constexpr long restBeforeUnrepeatable = 30;
+constexpr long longestRest = 118; // what servers commonly allow; libcurl's own
 constexpr long longestConnection = 600;
 
 constexpr std::uint64_t largestOffset = std::numeric_limits<curl_off_t>::max();
@@ -37,25 +38,20 @@ template <class Value> void HTTPExchange::set(CURLoption option, Value value) {
 
 // False, with the failure noted, when there is nothing that could be sent.
 bool HTTPExchange::prepareHop() {
-    curl_easy_reset(easy_);
     isPrepared_ = true;
     head_ = {};
+    contentLength_ = std::nullopt;
     failure_ = std::nullopt;
     redirect_ = std::nullopt;
-    errorText_[0] = '\0';
     movedAt_ = rounds_.now;
     headSize_ = received_ = sent_ = drained_ = 0;
     acknowledgedAtLook_ = 0;
     attempts_ = 0;
     isHeldBack_ = isDraining_ = false;
 
-    const auto& wire = plan_->wire;
-    setConnection(wire);
-    setSecurity(wire);
-    setProxy(wire);
-    setMessage(wire);
+    setUpFor(profile());
+    setMessage();
     setBody();
-    setCallbacks();
     if (!isPrepared_ && !failure_) {
         failure_ = URLErrorCode::cannotConnect;
     }
@@ -63,29 +59,49 @@ bool HTTPExchange::prepareHop() {
     return !failure_;
 }
 
-void HTTPExchange::setConnection(const WireRequest& wire) {
-    set(CURLOPT_URL, wire.url.c_str());
-    set(CURLOPT_PROTOCOLS_STR, wire.isPlain ? "http" : "https");
+HTTPExchange::Profile HTTPExchange::profile() const {
+    const auto& configuration = transfer_->session().configuration;
+    const auto& wire = plan_->wire;
+    return {wire.isPlain, wire.isLoopback, wire.acceptedEncodings,
+            wire.isLoopback ? std::nullopt : configuration.proxy,
+            wire.isPlain ? std::nullopt : configuration.certificateAuthorities};
+}
+
+// What most requests have in common is set once, since it costs as much as the rest of a request's setting
+// up. A handle whose last transfer did not go smoothly is begun afresh.
+void HTTPExchange::setUpFor(Profile profile) {
+    if (std::exchange(endedWell_, false) && profile_ == profile) {
+        return;
+    }
+    curl_easy_reset(easy_);
+    profile_ = std::move(profile);
+    setConnection();
+    setSecurity();
+    setProxy();
+    setCallbacks();
+}
+
+void HTTPExchange::setConnection() {
     set(CURLOPT_PATH_AS_IS, 1L);
     set(CURLOPT_NOSIGNAL, 1L);
     set(CURLOPT_QUICK_EXIT, 1L); // a name that is being looked up does not hold up the I/O thread
     set(CURLOPT_SHARE, share_);
-    set(CURLOPT_CONNECTTIMEOUT_MS, milliseconds(patience_));
     set(CURLOPT_TCP_KEEPALIVE, 1L);
     set(CURLOPT_MAXLIFETIME_CONN, longestConnection);
-    if (!isRepeatable(plan_->request.method)) {
-        set(CURLOPT_MAXAGE_CONN, restBeforeUnrepeatable);
-    }
-    if (wire.isPlain) {
+    set(CURLOPT_UPLOAD_BUFFERSIZE, piecesOfBody);
+    set(CURLOPT_ACCEPT_ENCODING, profile_->acceptedEncodings ? profile_->acceptedEncodings->c_str() : "");
+    if (profile_->isPlain) {
+        set(CURLOPT_PROTOCOLS_STR, "http");
         set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
     } else {
+        set(CURLOPT_PROTOCOLS_STR, "https");
         set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
         set(CURLOPT_PIPEWAIT, 1L);
     }
 }
 
-void HTTPExchange::setSecurity(const WireRequest& wire) {
-    if (wire.isPlain) {
+void HTTPExchange::setSecurity() {
+    if (profile_->isPlain) {
         return;
     }
     set(CURLOPT_SSL_CTX_FUNCTION, onSecurity);
@@ -96,7 +112,7 @@ void HTTPExchange::setSecurity(const WireRequest& wire) {
     set(CURLOPT_PROXY_SSL_VERIFYHOST, 2L);
     // libcurl parses a file of certificates once for all connections, but not a directory of them.
     static const bool hasFile = curl_version_info(CURLVERSION_NOW)->cainfo != nullptr;
-    const auto& own = transfer_->session().configuration.certificateAuthorities;
+    const auto& own = profile_->certificateAuthorities;
     if (own || hasFile) {
         set(CURLOPT_CAPATH, nullptr);
         set(CURLOPT_PROXY_CAPATH, nullptr);
@@ -107,71 +123,16 @@ void HTTPExchange::setSecurity(const WireRequest& wire) {
     }
 }
 
-void HTTPExchange::setProxy(const WireRequest& wire) {
-    const auto& proxy = transfer_->session().configuration.proxy;
-    if (wire.isLoopback) {
+void HTTPExchange::setProxy() {
+    if (profile_->isLoopback) {
         set(CURLOPT_PROXY, "");
         set(CURLOPT_NOPROXY, "*");
-    } else if (proxy) {
-        set(CURLOPT_PROXY, proxy->c_str());
+    } else if (profile_->proxy) {
+        set(CURLOPT_PROXY, profile_->proxy->c_str());
         set(CURLOPT_NOPROXY, "");
     }
     set(CURLOPT_HEADEROPT, static_cast<long>(CURLHEADER_SEPARATE));
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-}
-
-void HTTPExchange::setMessage(const WireRequest& wire) {
-    setHeaderLines(wire.headerLines);
-    set(CURLOPT_ACCEPT_ENCODING, wire.acceptedEncodings ? wire.acceptedEncodings->c_str() : "");
-    const auto& method = plan_->request.method;
-    if (method == "HEAD") {
-        set(CURLOPT_NOBODY, 1L);
-    } else if (method != "GET") {
-        set(CURLOPT_CUSTOMREQUEST, method.c_str());
-    }
-    const auto largest = transfer_->session().configuration.largestAnswer;
-    if (method != "HEAD") {
-        set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(std::min(largest, largestOffset)));
-    }
-}
-
-// libcurl only reads the list, so that it can point to the lines where they are.
-void HTTPExchange::setHeaderLines(const std::vector<std::string>& lines) {
-    headerList_.resize(lines.size());
-    for (std::size_t index = 0; index < lines.size(); ++index) {
-        headerList_[index].data = const_cast<char*>(lines[index].c_str());
-        headerList_[index].next = index + 1 < lines.size() ? &headerList_[index + 1] : nullptr;
-    }
-    set(CURLOPT_HTTPHEADER, headerList_.data());
-}
-
-void HTTPExchange::setBody() {
-    const auto& [url, method, policy, timeout, headers, body] = plan_->request;
-    const bool tellsEmptyBody = method == "POST" || method == "PUT" || method == "PATCH";
-    bodySize_ = body ? body->size() : 0;
-    if (bodySize_ == 0 && !tellsEmptyBody) {
-        return;
-    }
-    if (bodySize_ <= largestSmallBody) {
-        smallBody_.resize(static_cast<std::size_t>(bodySize_));
-        const std::span bytes(reinterpret_cast<std::uint8_t*>(smallBody_.data()), smallBody_.size());
-        if (bodySize_ > 0 && !HTTPBody::Reader(*body).read(bytes)) {
-            failure_ = URLErrorCode::bodyUnreadable;
-        }
-        set(CURLOPT_POSTFIELDS, smallBody_.data());
-        set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(bodySize_));
-    } else {
-        reader_.emplace(*body);
-        set(CURLOPT_UPLOAD, 1L);
-        set(CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(bodySize_));
-        set(CURLOPT_UPLOAD_BUFFERSIZE, piecesOfBody);
-        set(CURLOPT_READFUNCTION, onRead);
-        set(CURLOPT_READDATA, this);
-        set(CURLOPT_SEEKFUNCTION, onSeek);
-        set(CURLOPT_SEEKDATA, this);
-    }
-    // Either of the two ways has a method of its own.
-    set(CURLOPT_CUSTOMREQUEST, method.c_str());
 }
 
 void HTTPExchange::setCallbacks() {
@@ -181,9 +142,71 @@ void HTTPExchange::setCallbacks() {
     set(CURLOPT_HEADERDATA, this);
     set(CURLOPT_WRITEFUNCTION, onBody);
     set(CURLOPT_WRITEDATA, this);
+    set(CURLOPT_READFUNCTION, onRead);
+    set(CURLOPT_READDATA, this);
+    set(CURLOPT_SEEKFUNCTION, onSeek);
+    set(CURLOPT_SEEKDATA, this);
     set(CURLOPT_PREREQFUNCTION, onReady);
     set(CURLOPT_PREREQDATA, this);
     rounds_.connections.attach(easy_);
+}
+
+// From here on, each option is set for each hop.
+void HTTPExchange::setMessage() {
+    const auto& method = plan_->request.method;
+    set(CURLOPT_URL, plan_->wire.url.c_str());
+    set(CURLOPT_CONNECTTIMEOUT_MS, milliseconds(patience_));
+    set(CURLOPT_MAXAGE_CONN, isRepeatable(method) ? longestRest : restBeforeUnrepeatable);
+    // The length that a HEAD tells is of nothing that comes.
+    const auto largest = method == "HEAD" ? largestOffset : transfer_->session().configuration.largestAnswer;
+    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(std::min(largest, largestOffset)));
+    setHeaderLines();
+}
+
+// libcurl only reads the list, so that it can point to the lines where they are.
+void HTTPExchange::setHeaderLines() {
+    const auto& wire = plan_->wire;
+    headerList_.clear();
+    headerList_.reserve(wire.headerLines.size() + wire.fixedLines.size());
+    const auto add = [&](const char* line) {
+        headerList_.push_back({const_cast<char*>(line), nullptr});
+        if (headerList_.size() > 1) {
+            headerList_[headerList_.size() - 2].next = &headerList_.back();
+        }
+    };
+    for (const auto& line : wire.headerLines) {
+        add(line.c_str());
+    }
+    std::ranges::for_each(wire.fixedLines, add);
+    set(CURLOPT_HTTPHEADER, headerList_.empty() ? nullptr : headerList_.data());
+}
+
+void HTTPExchange::setBody() {
+    const auto& method = plan_->request.method;
+    const auto& body = plan_->request.body;
+    bodySize_ = body ? body->size() : 0;
+    if (!tellsBody(plan_->request)) {
+        set(CURLOPT_POSTFIELDS, nullptr);
+        set(CURLOPT_HTTPGET, 1L);
+        set(CURLOPT_NOBODY, method == "HEAD" ? 1L : 0L);
+    } else if (bodySize_ <= largestSmallBody) {
+        smallBody_.resize(static_cast<std::size_t>(bodySize_));
+        const std::span bytes(reinterpret_cast<std::uint8_t*>(smallBody_.data()), smallBody_.size());
+        if (bodySize_ > 0 && !HTTPBody::Reader(*body).read(bytes)) {
+            failure_ = URLErrorCode::bodyUnreadable;
+        }
+        set(CURLOPT_POST, 1L);
+        set(CURLOPT_POSTFIELDS, smallBody_.data());
+        set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(bodySize_));
+    } else {
+        reader_.emplace(*body);
+        set(CURLOPT_POSTFIELDS, nullptr);
+        set(CURLOPT_UPLOAD, 1L);
+        set(CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(bodySize_));
+    }
+    // Each of these ways has a method of its own.
+    const bool isOwn = !tellsBody(plan_->request) && (method == "GET" || method == "HEAD");
+    set(CURLOPT_CUSTOMREQUEST, isOwn ? nullptr : method.c_str());
 }
 
 } // namespace zelto

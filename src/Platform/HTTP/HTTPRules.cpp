@@ -17,26 +17,47 @@ std::unexpected<URLError> refusal(std::string message) {
     return failure(URLError{URLErrorCode::invalidRequest, std::move(message)});
 }
 
-bool isHTTP(std::string_view scheme) {
-    return scheme == "http" || scheme == "https";
+std::string lowerCase(std::string_view text) {
+    std::string lower(text);
+    for (char& each : lower) {
+        each = each >= 'A' && each <= 'Z' ? static_cast<char>(each | 0x20) : each;
+    }
+    return lower;
 }
 
-std::uint16_t portOf(const URL& url) {
-    return url.port().value_or(url.scheme() == "https" ? 443 : 80);
-}
+// A URL taken apart once; points into its text.
+struct Target {
+    explicit Target(const URL& url)
+        : parts(splitURL(url.absoluteString())), scheme(lowerCase(parts.scheme.value_or(""))),
+          authority(splitURLAuthority(parts.authority.value_or(""))), host(lowerCase(authority.host)),
+          port(portNumberOf(authority.port)), isLoopback(isLoopbackHost(host)) {}
 
-std::optional<std::string> problemOf(const URL& url) {
-    const auto scheme = url.scheme();
-    if (!isHTTP(scheme)) {
-        return "A request goes to an https address, not to one of the scheme \"" + scheme + "\".";
+    std::uint16_t standardPort() const { return scheme == "https" ? 443 : 80; }
+
+    bool hasOriginOf(const Target& other) const {
+        return scheme == other.scheme && host == other.host &&
+               port.value_or(standardPort()) == other.port.value_or(other.standardPort());
     }
-    if (scheme == "http" && !isLoopbackHost(url.host())) {
-        return "Plain http goes to this machine alone, not to " + url.host() + ". Use https.";
+
+    URLSplit parts;
+    std::string scheme;
+    URLAuthority authority;
+    std::string host;
+    std::optional<std::uint16_t> port;
+    bool isLoopback;
+};
+
+std::optional<std::string> problemOf(const Target& target) {
+    if (target.scheme != "https" && target.scheme != "http") {
+        return "A request goes to an https address, not to one of the scheme \"" + target.scheme + "\".";
     }
-    if (url.userInfo()) {
+    if (target.scheme == "http" && !target.isLoopback) {
+        return "Plain http goes to this machine alone, not to " + target.host + ". Use https.";
+    }
+    if (target.authority.userInfo) {
         return "The address holds a user name or password, which is not sent. Use a header field.";
     }
-    if (url.port() == 0) {
+    if (target.port == 0) {
         return "The address has the port 0, where nobody answers.";
     }
     return std::nullopt;
@@ -48,9 +69,10 @@ std::optional<std::string> problemOf(const HTTPHeaders& headers) {
                    ? "The value of the header field " + field->name + " holds a line end or a NUL."
                    : "A header field has a name with characters that no name can hold.";
     }
-    for (const auto name : ownFields) {
-        if (headers.value(name)) {
-            return "The header field " + std::string(name) + " is not for a request to set.";
+    for (const auto& field : headers.fields()) {
+        const auto isField = [&](std::string_view name) { return equalIgnoringASCIICase(name, field.name); };
+        if (std::ranges::any_of(ownFields, isField)) {
+            return "The header field " + field.name + " is not for a request to set.";
         }
     }
     return std::nullopt;
@@ -68,22 +90,20 @@ std::optional<std::string> problemOf(const URLRequest& request) {
 
 // "http://127.0.0.1:8080" of a route; nothing of a URL that is none.
 std::optional<std::string> routeOrigin(const URL& route) {
-    const auto parts = splitURL(route.absoluteString());
+    const Target target(route);
+    const auto& parts = target.parts;
     const bool isBare = (parts.path.empty() || parts.path == "/") && !parts.query && !parts.fragment;
-    if (!isBare || route.scheme() != "http" || !route.port() || problemOf(route)) {
+    if (!isBare || target.scheme != "http" || !target.port || problemOf(target)) {
         return std::nullopt;
     }
     return "http://" + std::string(*parts.authority);
 }
 
 // The Host of a URL as its own server gets it.
-std::string hostField(const URL& url) {
-    auto host = url.host();
-    if (host.contains(':')) {
-        host = "[" + host + "]";
-    }
-    if (portOf(url) != (url.scheme() == "https" ? 443 : 80)) {
-        host += ":" + std::to_string(portOf(url));
+std::string hostField(const Target& target) {
+    auto host = target.host.contains(':') ? "[" + target.host + "]" : target.host;
+    if (target.port && *target.port != target.standardPort()) {
+        host += ":" + std::to_string(*target.port);
     }
     return host;
 }
@@ -99,6 +119,7 @@ std::string targetAt(std::string_view origin, const URLSplit& parts) {
 }
 
 void addHeaderLines(const HTTPHeaders& headers, WireRequest& wire) {
+    wire.headerLines.reserve(headers.fields().size() + 1);
     for (const auto& [name, value] : headers.fields()) {
         if (equalIgnoringASCIICase(name, "Content-Length")) {
             continue; // told from the body
@@ -109,17 +130,25 @@ void addHeaderLines(const HTTPHeaders& headers, WireRequest& wire) {
         }
         // libcurl takes "Name:" for the wish to leave the field out.
         const bool isBlank = value.find_first_not_of(" \t") == std::string::npos;
-        wire.headerLines.push_back(isBlank ? name + ";" : name + ": " + value);
+        auto& line = wire.headerLines.emplace_back();
+        line.reserve(name.size() + 2 + value.size());
+        line.append(name).append(isBlank ? ";" : ": ").append(isBlank ? "" : value);
     }
-    // What libcurl would add by itself.
-    for (const auto* name : {"Accept", "Content-Type"}) {
-        if (!headers.value(name)) {
-            wire.headerLines.push_back(std::string(name) + ":");
+}
+
+void addFixedLines(const URLRequest& request, WireRequest& wire) {
+    wire.fixedLines.reserve(4);
+    if (!request.headers.value("User-Agent")) {
+        wire.fixedLines.push_back("User-Agent: ZeltoIntegrations");
+    }
+    if (!request.headers.value("Accept")) {
+        wire.fixedLines.push_back("Accept:");
+    }
+    if (tellsBody(request)) {
+        wire.fixedLines.push_back("Expect:");
+        if (!request.headers.value("Content-Type")) {
+            wire.fixedLines.push_back("Content-Type:");
         }
-    }
-    wire.headerLines.emplace_back("Expect:");
-    if (!headers.value("User-Agent")) {
-        wire.headerLines.emplace_back("User-Agent: ZeltoIntegrations");
     }
 }
 
@@ -160,30 +189,36 @@ bool isRepeatable(std::string_view method) {
     return std::ranges::find(methods, method) != methods.end();
 }
 
+bool tellsBody(const URLRequest& request) {
+    const auto& method = request.method;
+    return (request.body && !request.body->empty()) || method == "POST" || method == "PUT" ||
+           method == "PATCH";
+}
+
 Result<WireRequest, URLError> wireRequest(const URLRequest& request, const URL& url,
                                           const URLSessionConfiguration& configuration) {
-    const auto origin = configuration.route ? routeOrigin(*configuration.route) : std::nullopt;
-    if (configuration.route && !origin) {
+    const auto route = configuration.route ? routeOrigin(*configuration.route) : std::nullopt;
+    if (configuration.route && !route) {
         return refusal("The route of the session is no http address of this machine with a port.");
     }
-    if (auto problem = problemOf(url)) {
+    const Target target(url);
+    if (auto problem = problemOf(target)) {
         return refusal(*std::move(problem));
     }
     if (auto problem = problemOf(request)) {
         return refusal(*std::move(problem));
     }
-    const auto parts = splitURL(url.absoluteString());
-    const bool isLoopback = isLoopbackHost(url.host());
     WireRequest wire;
-    wire.isLoopback = isLoopback || origin;
-    wire.isPlain = wire.isLoopback && (url.scheme() == "http" || !isLoopback);
-    if (origin && !isLoopback) {
-        wire.url = targetAt(*origin, parts);
-        wire.headerLines.push_back("Host: " + hostField(url));
-    } else {
-        wire.url = targetAt(url.scheme() + "://" + std::string(*parts.authority), parts);
-    }
+    wire.isLoopback = target.isLoopback || route;
+    wire.isPlain = wire.isLoopback && (target.scheme == "http" || !target.isLoopback);
     addHeaderLines(request.headers, wire);
+    addFixedLines(request, wire);
+    if (route && !target.isLoopback) {
+        wire.url = targetAt(*route, target.parts);
+        wire.headerLines.push_back("Host: " + hostField(target));
+    } else {
+        wire.url = targetAt(target.scheme + "://" + std::string(*target.parts.authority), target.parts);
+    }
     return wire;
 }
 
@@ -193,9 +228,8 @@ std::optional<URL> redirectTarget(std::string_view method, const URL& url, int s
     const bool isFollowed =
         keepsMethod || (method == "GET" && (status == 301 || status == 302 || status == 303));
     const auto location = isFollowed ? headers.value("Location") : std::nullopt;
-    const auto target = location ? url.resolving(*location) : std::nullopt;
-    if (!target || problemOf(*target) || target->scheme() != url.scheme() || target->host() != url.host() ||
-        portOf(*target) != portOf(url)) {
+    auto target = location ? url.resolving(*location) : std::nullopt;
+    if (!target || problemOf(Target(*target)) || !Target(*target).hasOriginOf(Target(url))) {
         return std::nullopt;
     }
     return target;

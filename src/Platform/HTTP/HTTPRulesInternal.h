@@ -19,6 +19,7 @@ namespace zelto {
 struct WireRequest {
     std::string url; // whom to connect to and what to ask for
     std::vector<std::string> headerLines;
+    std::vector<const char*> fixedLines;          // constants; "Name:" leaves out what libcurl would add
     std::optional<std::string> acceptedEncodings; // of the request's own; without it all that can be decoded
     bool isLoopback = false;
     bool isPlain = false; // http
@@ -27,6 +28,9 @@ struct WireRequest {
 // The request's URL is looked past: `url` is what to ask for, which redirects change.
 Result<WireRequest, URLError> wireRequest(const URLRequest& request, const URL& url,
                                           const URLSessionConfiguration& configuration);
+
+// Whether the message tells of a body, be it empty.
+bool tellsBody(const URLRequest& request);
 
 // Lower case, an IPv6 address without its brackets. Only names and addresses that no resolver can send
 // elsewhere.

@@ -6,7 +6,9 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
+#include <utility>
 
 namespace zelto {
 
@@ -23,6 +25,9 @@ class ResponseHead {
     int status() const { return status_; }
 
     const HTTPHeaders& headers() const { return headers_; }
+
+    // Leaves none.
+    HTTPHeaders takeHeaders() { return std::exchange(headers_, {}); }
 
     // Of the body as it comes over the wire.
     std::optional<std::uint64_t> contentLength() const;

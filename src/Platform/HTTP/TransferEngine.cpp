@@ -165,7 +165,7 @@ void TransferEngine::fillLane(const std::shared_ptr<URLSessionState>& session) {
         const auto transfer = std::move(lane.waiting.front());
         lane.waiting.pop_front();
         if (auto plan = transfer->takePlan()) {
-            start(transfer, *std::move(plan));
+            start(transfer, std::move(plan));
         }
     }
 }
@@ -179,7 +179,7 @@ void TransferEngine::fillLanes() {
     }
 }
 
-void TransferEngine::start(const std::shared_ptr<URLTransfer>& transfer, TransferPlan plan) {
+void TransferEngine::start(const std::shared_ptr<URLTransfer>& transfer, std::unique_ptr<TransferPlan> plan) {
     if (idle_.empty()) {
         idle_.push_back(std::make_unique<HTTPExchange>(share_, rounds_));
     }

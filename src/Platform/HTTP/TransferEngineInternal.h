@@ -50,7 +50,7 @@ class TransferEngine {
     void collectFinished();
     void endOverdue();
 
-    void start(const std::shared_ptr<URLTransfer>& transfer, TransferPlan plan);
+    void start(const std::shared_ptr<URLTransfer>& transfer, std::unique_ptr<TransferPlan> plan);
     void fillLane(const std::shared_ptr<URLSessionState>& session);
     void fillLanes();
     void stopExchange(HTTPExchange& exchange);

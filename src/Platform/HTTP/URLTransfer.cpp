@@ -15,14 +15,6 @@ constexpr std::size_t mostUntoldData = 256 * 1024;
 // A server's word for the length is believed so far and no farther.
 constexpr std::uint64_t mostReservedData = std::uint64_t{16} << 20;
 
-Result<TransferPlan, URLError> planOf(URLRequest request, const URLSessionConfiguration& configuration) {
-    auto wire = wireRequest(request, request.url, configuration);
-    if (!wire) {
-        return failure(std::move(wire.error()));
-    }
-    return TransferPlan{std::move(request), *std::move(wire)};
-}
-
 } // namespace
 
 // Cancelling the queue's operations takes no task its end.
@@ -42,7 +34,13 @@ class URLTransfer::Delivery final : public Operation {
 URLTransfer::URLTransfer(std::shared_ptr<URLSessionState> session, std::int64_t identifier,
                          URLRequest request, DataTaskCompletion completion)
     : session_(std::move(session)), identifier_(identifier), hasCompletion_(static_cast<bool>(completion)),
-      plan_(planOf(std::move(request), session_->configuration)), completion_(std::move(completion)) {}
+      completion_(std::move(completion)) {
+    if (auto wire = wireRequest(request, request.url, session_->configuration)) {
+        plan_.reset(new TransferPlan{std::move(request), *std::move(wire)});
+    } else {
+        error_ = std::move(wire.error());
+    }
+}
 
 void URLTransfer::resume() {
     std::unique_lock lock(lock_);
@@ -50,12 +48,12 @@ void URLTransfer::resume() {
         return;
     }
     stage_ = Stage::resumed;
-    if (*plan_) {
+    if (plan_) {
         lock.unlock();
         TransferEngine::shared().begin(shared_from_this());
         return;
     }
-    endLocked(std::move(plan_->error()));
+    endLocked(std::exchange(error_, std::nullopt));
     if (wantsDelivery()) {
         lock.unlock();
         schedule();
@@ -63,14 +61,14 @@ void URLTransfer::resume() {
 }
 
 void URLTransfer::cancel() {
-    std::optional<Result<TransferPlan, URLError>> plan; // to be let go of without the lock
+    std::unique_ptr<TransferPlan> plan; // to be let go of without the lock
     Data data;
     std::unique_lock lock(lock_);
     if (stage_ == Stage::told || (error_ && error_->code == URLErrorCode::cancelled)) {
         return;
     }
     const bool isUnderWay = stage_ == Stage::resumed;
-    plan = std::exchange(plan_, std::nullopt);
+    plan = std::move(plan_);
     data = std::exchange(data_, {});
     hasUntoldResponse_ = false;
     endLocked(URLError{URLErrorCode::cancelled, "The request was cancelled."});
@@ -94,12 +92,9 @@ void URLTransfer::taskWasReleased() {
     cancel();
 }
 
-std::optional<TransferPlan> URLTransfer::takePlan() {
+std::unique_ptr<TransferPlan> URLTransfer::takePlan() {
     const std::lock_guard guard(lock_);
-    if (stage_ != Stage::resumed || !plan_) {
-        return std::nullopt;
-    }
-    return std::move(**std::exchange(plan_, std::nullopt));
+    return stage_ == Stage::resumed ? std::move(plan_) : nullptr;
 }
 
 void URLTransfer::receiveHead(std::shared_ptr<const HTTPURLResponse> response, std::uint64_t expectedLength) {

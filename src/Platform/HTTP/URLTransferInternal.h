@@ -44,7 +44,7 @@ class URLTransfer final : public std::enable_shared_from_this<URLTransfer> {
     void taskWasReleased();
 
     // The I/O thread's alone. What it tells after the end is dropped.
-    std::optional<TransferPlan> takePlan();
+    std::unique_ptr<TransferPlan> takePlan();
     void receiveHead(std::shared_ptr<const HTTPURLResponse> response, std::uint64_t expectedLength);
     // False, with nothing taken, while the delegate has enough to do; the engine hears when it goes on.
     [[nodiscard]] bool receiveData(std::span<const std::uint8_t> data);
@@ -76,10 +76,10 @@ class URLTransfer final : public std::enable_shared_from_this<URLTransfer> {
     bool isScheduled_ = false;
     bool isHeldBack_ = false;
     bool hasUntoldResponse_ = false;
-    std::optional<Result<TransferPlan, URLError>> plan_;
+    std::unique_ptr<TransferPlan> plan_; // until it begins; nothing for what is not sent
     std::shared_ptr<const HTTPURLResponse> response_;
-    Data data_; // not told yet
-    std::optional<URLError> error_;
+    Data data_;                     // not told yet
+    std::optional<URLError> error_; // of what is not sent, from the start
     DataTaskCompletion completion_;
 };
 
