@@ -59,8 +59,8 @@ TEST(RegisteredClients, ThoseThatAreBuiltInCannotBeReadInTheProgram) {
         return ::memmem(program->data(), program->size(), text.data(), text.size()) != nullptr;
     };
     EXPECT_TRUE(holds("https://zoom.us/oauth/token"));
-    EXPECT_FALSE(holds("placeholder-id-of-"));
-    EXPECT_FALSE(holds("placeholder-secret-of-"));
+    EXPECT_FALSE(holds("placeholder-id-of-Trello"));
+    EXPECT_FALSE(holds("placeholder-secret-of-Trello"));
 }
 
 } // namespace zelto
