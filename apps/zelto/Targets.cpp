@@ -157,7 +157,7 @@ std::vector<TargetPath> targetsNamed(const TargetTree& tree, const std::string& 
 
 std::string unknown(const TargetTree& tree, const std::string& text) {
     const std::string top(tree.levels.front());
-    if (const auto meant = targetsNamed(tree, text); !meant.empty()) {
+    if (const auto meant = targetsNamed(tree, text); !text.empty() && !meant.empty()) {
         return quoted(text) + " is a " + std::string(tree.levels.back()) + "; name its " + top + " too: " +
                listed(meant.size(), [&](std::size_t index) { return targetName(tree, meant[index]); });
     }
@@ -196,10 +196,13 @@ void appendLines(std::string& text, const std::vector<TargetNode>& nodes, std::s
 } // namespace
 
 Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, const std::string& account) {
-    if (const Search exact(tree, asWritten, text); exact.foundAny()) {
+    const Search exact(tree, asWritten, text);
+    if (exact.foundAny()) {
         return decided(tree, exact, text, account);
     }
-    return decided(tree, Search(tree, foldedCase, text), text, account);
+    const Search folded(tree, foldedCase, text);
+    const bool namesHolder = !folded.foundAny() && !exact.lastHolder.empty();
+    return decided(tree, namesHolder ? exact : folded, text, account);
 }
 
 std::string targetName(const TargetTree& tree, const TargetPath& path) {

@@ -12,7 +12,7 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
     if (const auto type = serviceNamed(named); type && !canExport(*type)) {
         return failure(cannotExport(*type));
     }
-    const auto workspace = Workspace::open(invocation);
+    const auto workspace = Workspace::open(invocation, true);
     if (!workspace) {
         return failure(workspace.error());
     }
