@@ -95,6 +95,9 @@ class HostileMail(Case):
         self.browser.send("Browser.setDownloadBehavior", {"behavior": "deny"})
         for number in range(len(files)):
             self.tab.click(f"document.querySelectorAll('.attachments a')[{number}]")
+        shown = 6  # as text or as a picture; the others are saved
+        wait_for("the files to open", lambda: len([tab for tab in self.browser.tabs if any(
+            "/files/" in url for url in list(tab.requests.values()))]) >= shown)
         addresses = self.tab.run("Array.from(document.querySelectorAll('.attachments a'), (each) => each.href)")
         visitor = self.browser.new_tab()
         visitor.open(f"{self.sandbox.url}/")

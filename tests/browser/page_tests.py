@@ -7,6 +7,8 @@ from chromium import wait_for
 from sandbox import ROOT
 
 MAIL = os.path.join(ROOT, "examples", "mails", "project-kickoff.eml")
+POLICY = ("default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
+          "frame-ancestors 'none'; base-uri 'none'; form-action 'self'")
 TITLE = "Project kick-off: lighthouse relaunch & first week"
 
 
@@ -18,6 +20,13 @@ class Page(Case):
         self.assertIn(f"zelto export mail.eml --to trello --sandbox {self.sandbox.url}", text)
         self.assertIn("No service has received a request yet", text)
         self.assertNothingRan()
+
+    def test_every_file_of_the_page_comes_with_the_strict_policy(self):
+        self.show()
+        for path in ("/", "/page.css", "/page.js", "/text.js", "/trello.js", "/requests.js"):
+            names = ["content-security-policy", "x-content-type-options", "cache-control"]
+            fields = self.tab.run(f"fetch('{path}').then((answer) => {names}.map((name) => answer.headers.get(name)))")
+            self.assertEqual(fields, [POLICY, "nosniff", "no-store"], path)
 
     def test_an_export_appears_at_once_with_its_files(self):
         self.show()
@@ -61,6 +70,18 @@ class Page(Case):
         self.assertIn("Second", self.tab.run("document.querySelector('.is-newest').innerText"))
         self.assertEqual(self.tab.run("document.querySelectorAll('.newest').length"), 1)
         self.assertEqual(self.tab.run("document.querySelector('.description button').ariaExpanded"), "true")
+
+    def test_an_attached_address_is_shown_with_its_link(self):
+        token = self.sandbox.token()
+        text = "See [the plan](https://plan.example/a_(b)?c=1) and mailapp://open/1."
+        card = self.sandbox.add_card(token, "Links", text)
+        self.sandbox.trello("POST", f"cards/{card}/attachments", token, query=[("url", "https://example.com/page?a=b")])
+        self.show()
+        self.tab.wait("document.querySelector('.attachments .address') !== null")
+        links = self.tab.run("Array.from(document.links, (each) => "
+                             "[each.textContent, each.href, each.target, each.rel])")
+        addresses = ["https://plan.example/a_(b)?c=1", "https://example.com/page?a=b"]
+        self.assertEqual(links, [[each, each, "_blank", "noopener noreferrer"] for each in addresses])
 
     def test_the_requests_of_one_service_can_be_chosen_and_opened_by_keyboard(self):
         self.sandbox.add_card(self.sandbox.token(), "A card")
@@ -137,5 +158,5 @@ class Page(Case):
         self.wait_for_text("Show all 10,000 characters")
         self.assertLess(self.tab.run("document.querySelector('.card').getBoundingClientRect().height"), 300)
         self.tab.run("document.querySelector('.card button').click()")
-        self.assertGreater(self.tab.run("document.querySelector('.card h5').textContent.length"), 10_000)
+        self.assertGreater(self.tab.run("document.querySelector('.card h4').textContent.length"), 10_000)
         self.assertEqual(self.tab.run("document.activeElement.textContent"), "Show less")

@@ -8,7 +8,7 @@ const webAddress = /https?:\/\/[^\s<>"'`\\^{|}\p{Cc}\p{Cf}]+/giu;
 // An element of our own with plain text.
 export function element(tag, className = "", text = "") {
   const made = document.createElement(tag);
-  made.className = className;
+  if (className) made.className = className;
   made.textContent = text;
   return made;
 }
@@ -42,10 +42,21 @@ export function webLink(address) {
   return link;
 }
 
+// Without what belongs to the sentence around an address; its own brackets come in pairs.
+function withoutPunctuation(address) {
+  let unopened = address.split(")").length - address.split("(").length;
+  let end = address.length;
+  for (; ; end -= 1) {
+    const last = address[end - 1];
+    if (last === ")" && unopened > 0) unopened -= 1;
+    else if (!"].,;:!?*_".includes(last)) return address.slice(0, end);
+  }
+}
+
 function fillWithLinks(parent, text) {
   let end = 0;
   for (const found of text.matchAll(webAddress)) {
-    const closed = found[0].includes("(") ? found[0] : found[0].replace(/[)\].,;:!?*_]+$/, "");
+    const closed = withoutPunctuation(found[0]);
     appendVisible(parent, text.slice(end, found.index));
     parent.append(webLink(closed));
     end = found.index + closed.length;

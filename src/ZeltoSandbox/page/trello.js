@@ -17,7 +17,7 @@ function attachmentItem(attachment) {
 }
 
 function fillCard(item, card) {
-  item.replaceChildren(longText("h5", "", card.name, { longest: 200 }));
+  item.replaceChildren(longText("h4", "", card.name, { longest: 200 }));
   if (card.desc) item.append(longText("div", "description", card.desc, { links: true }));
   if (card.attachments?.length) {
     const list = element("ul", "attachments");
@@ -28,7 +28,7 @@ function fillCard(item, card) {
 
 function makeList() {
   const section = element("section", "list");
-  section.append(element("h4"), element("ol", "cards"), element("p", "note"));
+  section.append(element("h3"), element("ol", "cards"), element("p", "note"));
   return section;
 }
 
