@@ -26,9 +26,9 @@ void ServiceOperation::perform(URLRequest request, ResultCallback resultCallback
     DataTaskCompletion completion = [self = std::static_pointer_cast<ServiceOperation>(shared_from_this()),
                                      url = request.url](std::optional<Data> data,
                                                         std::shared_ptr<const URLResponse> response,
-                                                        std::optional<URLError> error) {
+                                                        std::optional<URLError> error) mutable {
         auto callback = std::move(self->resultCallback_);
-        callback(serviceOutcome(url, std::move(data), response, error));
+        callback(serviceOutcome(std::move(url), std::move(data), response, error));
     };
     const auto task = urlSession_->dataTask(std::move(request), std::move(completion));
     if (!task) {

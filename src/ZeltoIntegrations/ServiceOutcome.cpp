@@ -3,6 +3,7 @@
 #include <ZeltoCommonLogger/Logger.h>
 
 #include <string_view>
+#include <utility>
 
 namespace zelto {
 
@@ -46,7 +47,7 @@ ServiceClientError statusError(int status, std::string_view body) {
 
 } // namespace
 
-ServiceResult<ServiceAnswer> serviceOutcome(const URL& url, std::optional<Data> data,
+ServiceResult<ServiceAnswer> serviceOutcome(URL url, std::optional<Data> data,
                                             const std::shared_ptr<const URLResponse>& response,
                                             const std::optional<URLError>& error) {
     if (error || !data) {
@@ -69,7 +70,7 @@ ServiceResult<ServiceAnswer> serviceOutcome(const URL& url, std::optional<Data> 
         return failure(statusError(status, text));
     }
     tell(LogLevel::trace, [&] { return "API call success for request: " + url.absoluteString(); });
-    return ServiceAnswer{url, status, std::move(*data)};
+    return ServiceAnswer{std::move(url), status, std::move(*data)};
 }
 
 ServiceClientError dataParseError(const ServiceAnswer& answer, const DecodingError& error) {

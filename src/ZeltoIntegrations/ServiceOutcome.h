@@ -25,7 +25,7 @@ struct ServiceAnswer {
 };
 
 // What the end of a data task means: the answer, or the error that its status and body stand for. Logs both.
-ServiceResult<ServiceAnswer> serviceOutcome(const URL& url, std::optional<Data> data,
+ServiceResult<ServiceAnswer> serviceOutcome(URL url, std::optional<Data> data,
                                             const std::shared_ptr<const URLResponse>& response,
                                             const std::optional<URLError>& error);
 

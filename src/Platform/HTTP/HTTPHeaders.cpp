@@ -51,7 +51,7 @@ const HTTPHeaderField* HTTPHeaders::firstInvalid() const {
 }
 
 bool isValidHeaderValue(std::string_view value) {
-    return value.find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
+    return std::ranges::none_of(value, [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
 }
 
 bool isValidHeaderName(std::string_view name) {
