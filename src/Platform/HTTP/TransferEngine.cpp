@@ -193,8 +193,14 @@ void TransferEngine::start(const std::shared_ptr<URLTransfer>& transfer, std::un
     ++transfer->session().lane.inFlight;
     transfer->exchange = exchange.get();
     exchange->place = running_.size();
-    curl_multi_add_handle(multi_, exchange->handle());
     running_.push_back(std::move(exchange));
+    add(*running_.back());
+}
+
+void TransferEngine::add(HTTPExchange& exchange) {
+    if (curl_multi_add_handle(multi_, exchange.handle()) != CURLM_OK) {
+        finish(exchange, CURLE_FAILED_INIT);
+    }
 }
 
 void TransferEngine::stopExchange(HTTPExchange& exchange) {
@@ -226,7 +232,7 @@ void TransferEngine::finish(HTTPExchange& exchange, CURLcode code) {
     const auto transfer = exchange.transfer();
     curl_multi_remove_handle(multi_, exchange.handle());
     if (exchange.goesOnAfter(code)) {
-        curl_multi_add_handle(multi_, exchange.handle());
+        add(exchange);
         return;
     }
     retire(exchange);

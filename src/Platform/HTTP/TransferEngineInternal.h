@@ -53,6 +53,7 @@ class TransferEngine {
     void start(const std::shared_ptr<URLTransfer>& transfer, std::unique_ptr<TransferPlan> plan);
     void fillLane(const std::shared_ptr<URLSessionState>& session);
     void fillLanes();
+    void add(HTTPExchange& exchange);
     void stopExchange(HTTPExchange& exchange);
     void finish(HTTPExchange& exchange, CURLcode code);
     void leaveLane(const URLTransfer& transfer);
