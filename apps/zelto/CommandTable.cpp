@@ -178,7 +178,7 @@ const std::vector<CommandSpec> table = {
        "What its consent pages do: ask a person, or answer at once [ask]",
        ValueKind::text,
        {"ask", "allow", "deny"}}},
-     {"zelto sandbox", "zelto sandbox --port 0 --consent allow --json"}},
+     {"zelto sandbox --port 0", "zelto sandbox --port 0 --consent allow --json"}},
     {"mcp",
      "Talk to a Model Context Protocol server",
      "Lists the commands that ask a server of the Model Context Protocol (streamable HTTP) for its tools and "
