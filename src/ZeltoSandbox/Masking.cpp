@@ -3,6 +3,7 @@
 #include <ZeltoSandbox/OAuth/SecretTable.h>
 
 #include <Platform/JSON/JSONValue.h>
+#include <Platform/PercentEncoding.h>
 #include <Platform/UTF8.h>
 
 #include <algorithm>
@@ -57,6 +58,13 @@ std::string withoutOwnSecrets(std::string_view text) {
     }
 }
 
+// The same for text with escapes, in which a secret may be written with some.
+std::string withoutOwnEscapedSecrets(std::string_view text) {
+    auto plain = withoutOwnSecrets(text);
+    const auto decoded = percentDecodeBytes(plain);
+    return decoded && decoded->find(secretPrefix) != std::string::npos ? std::string(mask) : plain;
+}
+
 // "name=value&…" as it stands, with the values of secret names masked.
 std::string maskedForm(std::string_view form) {
     std::string result;
@@ -66,12 +74,27 @@ std::string maskedForm(std::string_view form) {
         const auto equals = std::min(item.find('='), item.size());
         const auto name = parseForm(item.substr(0, equals));
         const bool isSecret = !name || name->empty() || isSecretName(name->front().name);
-        result += isSecret && equals < item.size() ? std::string(item.substr(0, equals + 1)).append(mask)
-                                                   : withoutOwnSecrets(item);
+        result += withoutOwnEscapedSecrets(item.substr(0, equals));
+        if (equals < item.size()) {
+            result += '=';
+            result += isSecret ? std::string(mask) : withoutOwnEscapedSecrets(item.substr(equals + 1));
+        }
         if (end < form.size()) {
             result.push_back('&');
         }
         form.remove_prefix(std::min(end + 1, form.size()));
+    }
+    return result;
+}
+
+std::string maskedPath(std::string_view path) {
+    std::string result;
+    while (!path.empty()) {
+        const auto end = std::min(path.find('/', 1), path.size());
+        const auto slash = path.starts_with('/') ? std::size_t{1} : 0;
+        result.append(path.substr(0, slash))
+            .append(withoutOwnEscapedSecrets(path.substr(slash, end - slash)));
+        path.remove_prefix(end);
     }
     return result;
 }
@@ -89,7 +112,7 @@ JSONValue maskedJSON(const JSONValue& value) {
         for (const auto& [key, member] : *object) {
             const bool hides =
                 isSecretName(key) && !member.asObject() && !member.asArray() && !member.isNull();
-            masked.set(key, hides ? JSONValue(mask) : maskedJSON(member));
+            masked.set(withoutOwnSecrets(key), hides ? JSONValue(mask) : maskedJSON(member));
         }
         return masked;
     }
@@ -119,11 +142,11 @@ std::string partsText(const std::vector<FormPart>& parts) {
         if (!part.fileName && part.contentType.starts_with("text/")) {
             const auto value = part.content.text(longestShownField);
             text += ": ";
-            text += isSecretName(part.name) ? std::string(mask) : withoutOwnSecrets(repairedUTF8(value));
+            text += isSecretName(part.name) ? std::string(mask) : repairedUTF8(value);
         }
         text += "\n";
     }
-    return text;
+    return withoutOwnSecrets(text);
 }
 
 } // namespace
@@ -139,14 +162,15 @@ std::vector<HTTPHeaderField> maskedFields(const std::vector<HTTPHeaderField>& fi
                                    std::ranges::all_of(value.substr(0, blank), isTokenCharacter);
             value = hasScheme ? value.substr(0, blank + 1).append(mask) : std::string(mask);
         }
-        masked.push_back({repairedUTF8(field.name), cut(withoutOwnSecrets(value), longestShownField)});
+        masked.push_back(
+            {withoutOwnSecrets(repairedUTF8(field.name)), cut(withoutOwnSecrets(value), longestShownField)});
     }
     return masked;
 }
 
 std::string maskedTarget(std::string_view target) {
     const auto question = std::min(target.find('?'), target.size());
-    auto masked = withoutOwnSecrets(target.substr(0, question));
+    auto masked = maskedPath(target.substr(0, question));
     if (question < target.size()) {
         masked += '?' + maskedForm(target.substr(question + 1));
     }

@@ -46,6 +46,7 @@ TEST(SandboxMasking, HidesCredentialsInQueries) {
               "/x?to%6Ben=***&%zz=***&oauth%5Fsignature=***&state=s");
     EXPECT_EQ(maskedTarget("/oauth/v1/access-tokens/zsb_abc/x?a=zsb_def"),
               "/oauth/v1/access-tokens/***/x?a=***");
+    EXPECT_EQ(maskedTarget("/zsb%5Fabc/y%20z?zsb%5Fa=zs%62_x&note=zsb%5Fabc"), "/***/y%20z?***=***&note=***");
     EXPECT_EQ(maskedTarget("/plain"), "/plain");
     EXPECT_EQ(maskedTarget("/x?token"), "/x?token");
 }
@@ -63,6 +64,7 @@ TEST(SandboxMasking, HidesCredentialsInBodies) {
         "{\n  \"a\": [\n    {\n      \"access_token\": \"***\",\n      \"n\": 1\n    }\n  ],\n  \"code\": "
         "\"***\",\n  \"note\": \"*** w\"\n}");
     EXPECT_EQ(shownOf("application/json", R"({"access_token":"x")"), "(no JSON that could be masked)");
+    EXPECT_EQ(shownOf("application/json", R"({"\u007asb_1":1})"), "{\n  \"***\": 1\n}");
     EXPECT_EQ(shownOf("text/plain", "a zsb_1 b"), "a *** b");
     EXPECT_EQ(shownOf("application/octet-stream", "zsb_1"), "");
     EXPECT_LT(shownOf("text/plain", std::string(100'000, 'x')).size(), 9000U);
