@@ -84,20 +84,8 @@ class SandboxServer::State {
         return {};
     }
 
-    void stop() {
-        if (server) {
-            connectionsBefore_ = server->connectionCount();
-            server.reset();
-        }
-    }
-
-    std::uint64_t connectionCount() const { return server ? server->connectionCount() : connectionsBefore_; }
-
-    std::uint64_t openConnectionCount() const { return server ? server->openConnectionCount() : 0; }
-
   private:
     std::shared_ptr<SpoolSpace> space_;
-    std::uint64_t connectionsBefore_ = 0;
 
   public:
     RequestLog log;
@@ -184,7 +172,7 @@ SandboxServer::SandboxServer(std::unique_ptr<State> state) : state_(std::move(st
 SandboxServer::~SandboxServer() = default;
 
 void SandboxServer::stop() {
-    state_->stop();
+    state_->server->stop();
 }
 
 URL SandboxServer::url() const {
@@ -209,11 +197,11 @@ std::vector<SandboxRecord> SandboxServer::requests() const {
 }
 
 std::uint64_t SandboxServer::connectionCount() const {
-    return state_->connectionCount();
+    return state_->server->connectionCount();
 }
 
 std::uint64_t SandboxServer::openConnectionCount() const {
-    return state_->openConnectionCount();
+    return state_->server->openConnectionCount();
 }
 
 JSONValue SandboxServer::state() const {

@@ -10,6 +10,7 @@
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/socket.h>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 
@@ -25,11 +26,18 @@ class HTTPServer::State {
         accepting_ = std::thread([this] { acceptAll(); });
     }
 
-    ~State() {
+    ~State() { stop(); }
+
+    void stop() {
+        const std::lock_guard once(stopping_);
+        if (!accepting_.joinable()) {
+            return;
+        }
         shared_.stop.request();
         const std::uint64_t one = 1;
         [[maybe_unused]] const auto told = ::write(wake_.number(), &one, sizeof(one));
         accepting_.join();
+        listeners_.sockets.clear();
         std::unique_lock guard(lock_);
         for (auto& connection : connections_) {
             ::shutdown(connection.socket.number(), SHUT_RDWR);
@@ -103,12 +111,19 @@ class HTTPServer::State {
         }
         const auto entry = connections_.emplace(connections_.end());
         entry->socket = std::move(socket);
-        entry->thread = std::thread([this, entry, number = count_, descriptor = entry->socket.number()] {
-            serveConnection(shared_, descriptor, number);
-            const std::lock_guard end(lock_);
-            entry->socket = FileDescriptor();
-            entry->ended = true;
-        });
+        try {
+            entry->thread = std::thread([this, entry, number = count_] { serve(*entry, number); });
+        } catch (const std::system_error&) {
+            // The system gives no more threads.
+            connections_.erase(entry);
+        }
+    }
+
+    void serve(Entry& entry, std::uint64_t number) {
+        serveConnection(shared_, entry.socket.number(), number);
+        const std::lock_guard end(lock_);
+        entry.socket = FileDescriptor();
+        entry.ended = true;
     }
 
     void removeEnded() {
@@ -126,6 +141,7 @@ class HTTPServer::State {
     mutable std::mutex lock_;
     std::list<Entry> connections_;
     std::uint64_t count_ = 0;
+    std::mutex stopping_;
     std::thread accepting_;
 };
 
@@ -142,6 +158,10 @@ HTTPServer::start(const SandboxOptions& options, std::shared_ptr<SpoolSpace> spa
 HTTPServer::HTTPServer(std::unique_ptr<State> state) : state_(std::move(state)) {}
 
 HTTPServer::~HTTPServer() = default;
+
+void HTTPServer::stop() {
+    state_->stop();
+}
 
 std::uint16_t HTTPServer::port() const {
     return state_->port();

@@ -39,10 +39,12 @@ class HTTPServer {
     static Result<std::unique_ptr<HTTPServer>, std::string>
     start(const SandboxOptions& options, std::shared_ptr<SpoolSpace> space, Functions functions);
 
-    // Ends all connections and waits for functions that are being called.
     ~HTTPServer();
     HTTPServer(const HTTPServer&) = delete;
     HTTPServer& operator=(const HTTPServer&) = delete;
+
+    // Ends all connections and waits for functions that are being called, as the destructor does.
+    void stop();
 
     std::uint16_t port() const;
     std::uint64_t connectionCount() const;
