@@ -56,13 +56,18 @@ Outcome<Report> runAccountsRemove(const Invocation& invocation, const Terminal& 
         return failure(workspace.error());
     }
     const auto identifier = invocation.value("ID").value();
-    const auto account = workspace->storage().tryLoad(identifier);
+    auto account = workspace->storage().tryLoad(identifier);
     if (!account) {
         return failure(failureOf(account.error()));
     }
     if (!*account) {
         return failure(
             Failure{"unknownAccount", "There is no account \"" + identifier + "\".", "zelto accounts"});
+    }
+    // Whoever refreshes its token now would store the new one behind the removal.
+    const auto lock = workspace->lockForUse(**account);
+    if (!lock) {
+        return failure(lock.error());
     }
     managerOf(*workspace).removeServiceConfiguration(**account);
     if (const auto stored = workspace->storageOutcome(); !stored) {

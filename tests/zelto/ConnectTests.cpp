@@ -1,76 +1,10 @@
-#include "TrelloAccount.h"
-#include "ZeltoProgram.h"
-
-#include <TrovenhalCommon/KeyChain/FileKeyChainStore.h>
-#include <ZeltoIntegrations/ServiceCredentialsManager.h>
-#include <ZeltoSandbox/SandboxServer.h>
-
-#include <Support/MemoryKeyChain.h>
+#include "ConnectedProgram.h"
 
 #include <Platform/PercentEncoding.h>
-
-#include <gtest/gtest.h>
 
 namespace zelto {
 
 namespace {
-
-const std::string account = "Trello+robin@sandbox.example";
-
-// The program with its key chain in a file, and a sandbox for the services.
-class ConnectedProgram : public testing::Test {
-  protected:
-    void SetUp() override {
-        auto started = SandboxServer::start();
-        ASSERT_TRUE(started) << started.error().message;
-        sandbox = std::move(*started);
-    }
-
-    ProgramOutcome run(ZeltoProgram::Arguments arguments, const std::string& input = {}) const {
-        arguments.insert(arguments.begin(),
-                         {"--keychain", "file", "--sandbox", sandbox->url().absoluteString()});
-        return zelto.run(arguments, input);
-    }
-
-    ServiceAccountCredentials stored(const std::string& identifier) const {
-        const InstalledKeyChain keyChain(
-            std::make_shared<FileKeyChainStore>(zelto.dataDirectory() / "keychain"));
-        auto credentials = ServiceAccountCredentials::forIdentifier(identifier);
-        ServiceCredentialsManager::load(credentials);
-        return credentials;
-    }
-
-    // A program that stands for the browser: it gets the page's address as its last argument.
-    std::string browser(const std::string& python) const {
-        const auto path = zelto.home.write("browser", "#!/usr/bin/python3\nimport sys, urllib.request\n"
-                                                      "address = sys.argv[-1]\n" +
-                                                          python);
-        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-        return path;
-    }
-
-    // Runs the program under a driver, which sees its standard error as it comes.
-    ProgramOutcome drive(const std::string& python, const std::string& arguments) const {
-        const auto path = zelto.home.write(
-            "driver", "import re, signal, subprocess, sys, urllib.error, urllib.request\n"
-                      "zelto = subprocess.Popen(sys.argv[1:], stdin=subprocess.PIPE, stderr=subprocess.PIPE, "
-                      "text=True)\n"
-                      "seen = ''\n"
-                      "def until(pattern):\n"
-                      "    global seen\n"
-                      "    while not re.search(pattern, seen, re.M):\n"
-                      "        line = zelto.stderr.readline()\n"
-                      "        if not line: sys.exit('no ' + pattern + ' in ' + seen)\n"
-                      "        seen += line\n"
-                      "    return re.search(pattern, seen, re.M).group(1)\n" +
-                          python);
-        return zelto.runShell("python3 " + path.string() + " zelto --keychain file --sandbox " +
-                              sandbox->url().absoluteString() + " " + arguments);
-    }
-
-    ZeltoProgram zelto;
-    std::unique_ptr<SandboxServer> sandbox;
-};
 
 using Connect = ConnectedProgram;
 
@@ -82,10 +16,10 @@ TEST_F(Connect, SignsInToTrelloInTheBrowser) {
     sandbox->setConsent(SandboxConsent::allow);
     const auto outcome = run({"connect", "trello", "--opener", browser(goThere)});
     EXPECT_EQ(outcome.status, 0);
-    EXPECT_EQ(outcome.output, "Connected " + account + ".\n");
+    EXPECT_EQ(outcome.output, "Connected " + sandboxAccount + ".\n");
     EXPECT_EQ(outcome.errorOutput, "The page of Trello opens in the browser; its answer is waited for.\n");
-    EXPECT_EQ(zelto.run({"accounts"}).output, account + "\n");
-    const auto credentials = stored(account);
+    EXPECT_EQ(zelto.run({"accounts"}).output, sandboxAccount + "\n");
+    const auto credentials = stored(sandboxAccount);
     EXPECT_TRUE(credentials.accessToken);
     EXPECT_TRUE(credentials.tokenSecret);
     // Nothing of the temporary account is left.
@@ -97,7 +31,7 @@ TEST_F(Connect, FollowsTheSandboxsPagesByItself) {
     EXPECT_EQ(outcome.status, 0) << outcome.output;
     EXPECT_EQ(outcome.errorOutput, "");
     const auto document = outcome.json();
-    EXPECT_EQ(*document.find("account")->find("identifier")->asString(), account);
+    EXPECT_EQ(*document.find("account")->find("identifier")->asString(), sandboxAccount);
     EXPECT_EQ(document.find("verified")->asBool(), true);
 }
 
@@ -131,21 +65,31 @@ TEST_F(Connect, ToldOfADenialKeepsNothing) {
     EXPECT_EQ(stored("Zoom").accessToken, std::nullopt);
 }
 
+TEST_F(Connect, SeveralAtOnceMakeOneAccount) {
+    const auto outcome = zelto.runShell(
+        "for i in 1 2 3 4; do zelto --keychain file --sandbox " + sandbox->url().absoluteString() +
+        " connect trello --follow 2>> told & done; wait; grep -c 'is connected already' told");
+    EXPECT_EQ(outcome.output, "Connected " + sandboxAccount + ".\n3\n");
+    EXPECT_EQ(run({"targets", sandboxAccount, "--refresh"}).status, 0);
+    EXPECT_EQ(stored("Trello+temp_user_name").accessToken, std::nullopt);
+}
+
 TEST_F(Connect, OfAnAccountThatIsThereNamesReconnect) {
     ASSERT_EQ(run({"connect", "trello", "--follow"}).status, 0);
-    const auto before = stored(account);
+    const auto before = stored(sandboxAccount);
     const auto outcome = run({"connect", "trello", "--follow"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.errorOutput, "zelto: accountAlreadyExist: The account " + account +
-                                       " is connected already.\nTry: zelto reconnect " + account + "\n");
-    EXPECT_EQ(stored(account), before);
+    EXPECT_EQ(outcome.errorOutput, "zelto: accountAlreadyExist: The account " + sandboxAccount +
+                                       " is connected already.\nTry: zelto reconnect " + sandboxAccount +
+                                       "\n");
+    EXPECT_EQ(stored(sandboxAccount), before);
 }
 
 TEST_F(Connect, ToldBySomebodyElsesTokenKeepsNothing) {
     const auto outcome = run({"connect", "trello", "--token", "no-such-token", "--json"});
     EXPECT_EQ(outcome.text("error"), "dataLoadingError");
     EXPECT_NE(outcome.text("message").find("Trello"), std::string::npos);
-    EXPECT_EQ(stored(account).accessToken, std::nullopt);
+    EXPECT_EQ(stored(sandboxAccount).accessToken, std::nullopt);
     EXPECT_EQ(stored("Trello+temp_user_name").accessToken, std::nullopt);
     EXPECT_EQ(zelto.run({"accounts", "--json"}).json().find("accounts")->asArray()->size(), 0U);
 }
@@ -156,9 +100,9 @@ TEST_F(Connect, TakesATokenFromEachPlace) {
         ZeltoProgram::Arguments arguments{"connect", "trello"};
         arguments.insert(arguments.end(), more.begin(), more.end());
         const auto outcome = run(arguments, input);
-        EXPECT_EQ(outcome.output, "Connected " + account + ".\n") << outcome.errorOutput;
-        EXPECT_EQ(stored(account).accessToken, token);
-        EXPECT_EQ(run({"accounts", "remove", account}).status, 0);
+        EXPECT_EQ(outcome.output, "Connected " + sandboxAccount + ".\n") << outcome.errorOutput;
+        EXPECT_EQ(stored(sandboxAccount).accessToken, token);
+        EXPECT_EQ(run({"accounts", "remove", sandboxAccount}).status, 0);
     };
     connects({"--token", token});
     connects({"--token=" + token});
@@ -338,59 +282,6 @@ TEST_F(Connect, BlanksTheTokenInItsArguments) {
     const auto joined = drive(look, "connect zoom --token=canary-two --refresh-token=-");
     EXPECT_TRUE(joined.output.ends_with(" connect zoom --token=xxxxxxxxxx --refresh-token=x \n"))
         << joined.output;
-}
-
-using Reconnect = ConnectedProgram;
-
-TEST_F(Reconnect, PutsANewSignInIntoTheAccount) {
-    ASSERT_EQ(run({"connect", "trello", "--follow"}).status, 0);
-    const auto before = stored(account);
-    sandbox->expireTokens("Trello");
-    const auto refused = run({"targets", account, "--refresh", "--json"});
-    EXPECT_EQ(refused.text("error"), "oauthError");
-    EXPECT_EQ(refused.text("next"), "zelto reconnect " + account);
-    EXPECT_EQ(run({"reconnect", account, "--follow"}).output, "Reconnected " + account + ".\n");
-    EXPECT_NE(stored(account).accessToken, before.accessToken);
-    EXPECT_EQ(run({"targets", account, "--refresh"}).status, 0);
-    EXPECT_EQ(zelto.run({"accounts"}).output, account + "\n");
-}
-
-TEST_F(Reconnect, LeavesTheAccountAloneWhenTheSignInFails) {
-    ASSERT_EQ(run({"connect", "trello", "--follow"}).status, 0);
-    const auto before = stored(account);
-    EXPECT_EQ(run({"reconnect", account, "--token", "no-such-token", "--json"}).text("error"),
-              "dataLoadingError");
-    EXPECT_EQ(stored(account), before);
-    EXPECT_EQ(zelto.run({"accounts"}).output, account + "\n");
-}
-
-TEST_F(Reconnect, OfSomebodyElseChangesNothing) {
-    addTrelloAccount(zelto);
-    const auto before = stored(trelloAccount);
-    const auto outcome = run({"reconnect", trelloAccount, "--follow", "--json"});
-    EXPECT_EQ(outcome.text("error"), "accountMismatch") << outcome.output;
-    EXPECT_EQ(outcome.text("message"), "The sign-in was that of " + account + ", not of " + trelloAccount +
-                                           ", so nothing was changed.");
-    EXPECT_EQ(outcome.text("next"), "zelto reconnect " + trelloAccount);
-    EXPECT_EQ(stored(trelloAccount), before);
-    EXPECT_EQ(stored(account).accessToken, std::nullopt);
-}
-
-TEST_F(Reconnect, IsForAccountsWithASignInAlone) {
-    ASSERT_EQ(run({"connect", "bear"}).status, 0);
-    const auto outcome = run({"reconnect", "Bear", "--json"});
-    EXPECT_EQ(outcome.status, 2);
-    EXPECT_EQ(outcome.text("message"), "Bear is an application on this machine, which needs no sign-in.");
-    EXPECT_EQ(run({"reconnect", "Zoom+nobody", "--json"}).text("error"), "unknownAccount");
-}
-
-TEST_F(Reconnect, TakesWhatIsGiven) {
-    ASSERT_EQ(run({"connect", "zoom", "--name", "work", "--token", "old", "--refresh-token", "old"}).status,
-              0);
-    ASSERT_EQ(run({"reconnect", "Zoom+work", "--token", "new"}).status, 0);
-    EXPECT_EQ(stored("Zoom+work").accessToken, "new");
-    // The old one belonged to another grant.
-    EXPECT_EQ(stored("Zoom+work").refreshToken, std::nullopt);
 }
 
 TEST_F(Connect, WritesItsSecretsToTheKeyChainAlone) {
