@@ -24,6 +24,7 @@ void performMapped(ServiceClient& client, std::optional<URLRequest> request, Map
                               return completion(failure(answer.error()));
                           }
                           if constexpr (std::is_void_v<T>) {
+                              static_cast<void>(map);
                               completion({});
                           } else {
                               completion(std::invoke(map, *std::move(answer)));
