@@ -272,14 +272,19 @@ TEST_F(Connect, KeepsSecretsOutOfTheListOfProcesses) {
 
 TEST_F(Connect, BlanksTheTokenInItsArguments) {
     // It waits for standard input, and meanwhile the list of processes is read.
-    const auto look = "while True:\n"
-                      "    line = open('/proc/%d/cmdline' % zelto.pid).read()\n"
-                      "    if 'xxx' in line: break\n"
-                      "print(line.replace(chr(0), ' '))\n";
-    const auto apart = drive(look, "connect zoom --token canary-one --refresh-token -");
+    const auto lookUntil = [](const std::string& shown) {
+        return "while True:\n"
+               "    line = open('/proc/%d/cmdline' % zelto.pid).read()\n"
+               "    if '" +
+               shown +
+               "' in line: break\n"
+               "print(line.replace(chr(0), ' '))\n";
+    };
+    const auto apart = drive(lookUntil("xxxxxxxxxx"), "connect zoom --token canary-one --refresh-token -");
     EXPECT_TRUE(apart.output.ends_with(" connect zoom --token xxxxxxxxxx --refresh-token - \n"))
         << apart.output;
-    const auto joined = drive(look, "connect zoom --token=canary-two --refresh-token=-");
+    const auto joined =
+        drive(lookUntil("refresh-token=x"), "connect zoom --token=canary-two --refresh-token=-");
     EXPECT_TRUE(joined.output.ends_with(" connect zoom --token=xxxxxxxxxx --refresh-token=x \n"))
         << joined.output;
 }

@@ -213,7 +213,7 @@ TEST(SignIn, EndsWhenItsTimeHasRunOut) {
 }
 
 TEST(SignIn, TellsWhatCameInsteadOfTheAnswer) {
-    const auto signIn = begun(ServiceType::Asana, {.limit = std::chrono::milliseconds(500)});
+    const auto signIn = begun(ServiceType::Asana, {.limit = std::chrono::seconds(3)});
     EXPECT_EQ(
         complaint(outcome(*signIn,
                           [&] {

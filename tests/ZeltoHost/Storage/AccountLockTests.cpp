@@ -52,12 +52,12 @@ class RotatingService {
 
     std::string number() const { return std::to_string(generation_); }
 
-    int refreshes = 0;
-    int refusals = 0;
+    std::atomic<int> refreshes = 0;
+    std::atomic<int> refusals = 0;
 
   private:
     std::mutex lock_;
-    int generation_ = 1;
+    std::atomic<int> generation_ = 1;
 };
 
 class ZoomTestClient final : public ServiceClient {
