@@ -15,10 +15,18 @@ bool isContinuation(unsigned char byte) {
 
 std::size_t asciiLength(const char* data, std::size_t size) {
     std::size_t at = 0;
-    for (; at + 16 <= size; at += 16) {
-        std::uint64_t words[2];
+    // Long texts in large steps, which are faster.
+    for (std::uint64_t words[8]; at + sizeof words <= size; at += sizeof words) {
         std::memcpy(words, data + at, sizeof words);
-        if (((words[0] | words[1]) & highBits) != 0) {
+        const auto all =
+            (words[0] | words[1]) | (words[2] | words[3]) | (words[4] | words[5]) | (words[6] | words[7]);
+        if ((all & highBits) != 0) {
+            break;
+        }
+    }
+    for (std::uint64_t word = 0; at + sizeof word <= size; at += sizeof word) {
+        std::memcpy(&word, data + at, sizeof word);
+        if ((word & highBits) != 0) {
             break;
         }
     }

@@ -155,6 +155,42 @@ TEST(MCPServerSentEventsParser, BehindALineThatFailedTheRestIsKept) {
     EXPECT_EQ(parser.finish(), Events{event("d")});
 }
 
+TEST(MCPServerSentEventsParser, ALongLineThatHasNotEndedFollowsTheSameRules) {
+    const std::string longText(9000, 'x');
+    for (const auto& text : {longText, longText + "\xF0\x9F\x98\x80", "é" + longText, " " + longText,
+                             "\xCC\x81" + longText, longText + ":\xCC\x81"}) {
+        const auto stream = "data: first\nevent: e\ndata:" + text + "\r\ndata: " + text +
+                            "\r\r\ndata\n\n: " + text + "\nDATA: " + text + "\ndata: next\n\n";
+        const auto whole = eventsIn(stream, stream.size());
+        for (const std::size_t piece : {1u, 3u, 7u, 1000u, 4096u, 5000u}) {
+            EXPECT_TRUE(eventsIn(stream, piece) == whole) << piece;
+        }
+    }
+    const auto events = eventsIn("data: a\ndata: " + longText + "\r\r\n\n", 100);
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_TRUE(events[0].data == "a\n" + longText + "\r");
+}
+
+TEST(MCPServerSentEventsParser, ALongLineThatIsNotUTF8LeavesTheEventAsItWas) {
+    const std::string longText(9000, 'x');
+    for (const std::string broken : {"\xFF", "\xC3", "\xE6\xBC"}) {
+        for (const auto& line : {longText + broken, longText + broken + longText, longText + broken + "\r"}) {
+            MCPServerSentEventsParser parser;
+            ASSERT_TRUE(parser.append("data: a\ndata: " + longText.substr(0, 5000)));
+            ASSERT_TRUE(parser.append(line));
+            EXPECT_EQ(parser.append("\ndata: b\n\n"), failure(MCPClientError::invalidServerSentEventsUTF8()));
+            EXPECT_EQ(parser.append(""), Events{event("a\nb")});
+        }
+        MCPServerSentEventsParser parser;
+        ASSERT_TRUE(parser.append("data: " + longText + broken));
+        EXPECT_FALSE(parser.finish());
+    }
+    MCPServerSentEventsParser parser;
+    ASSERT_TRUE(parser.append("data: " + longText));
+    EXPECT_EQ(parser.finish(), Events{});
+    EXPECT_EQ(parser.append("\n"), (Events{event(longText)}));
+}
+
 TEST(MCPServerSentEventsParser, LongLinesComeWholeInSmallPieces) {
     const std::string longText(3 << 20, 'x');
     const auto stream = "data: " + longText + "\ndata: " + longText + "\n\nid: 7\ndata: " + longText + "\n\n";

@@ -3,6 +3,7 @@
 #include <Platform/Text.h>
 #include <Platform/UTF8.h>
 
+#include <algorithm>
 #include <charconv>
 #include <utility>
 
@@ -10,8 +11,9 @@ namespace zelto {
 
 namespace {
 
-// From here on a value is moved out of the buffer rather than copied.
-constexpr std::size_t longValue = std::size_t{64} << 10;
+constexpr std::size_t longLine = 4096;
+constexpr std::size_t largestReserve = std::size_t{4} << 20;
+constexpr std::string_view dataField = "data:";
 
 std::optional<std::int64_t> decimalInteger(std::string_view text) {
     if (text.starts_with('+')) {
@@ -56,30 +58,78 @@ MCPServerSentEventsParser::Events MCPServerSentEventsParser::processBufferedLine
     }
     std::vector<MCPServerSentEvent> events;
     for (auto end = bytes.find('\n'); end != std::string_view::npos; end = bytes.find('\n')) {
-        lineIsPending_ = !pendingBytes_.empty();
-        if (lineIsPending_) {
-            pendingBytes_ += bytes.substr(0, end);
-        }
-        const bool isText =
-            process(lineIsPending_ ? std::string_view(pendingBytes_) : bytes.substr(0, end), events);
+        const bool isText = endLine(bytes.substr(0, end), events);
         bytes.remove_prefix(end + 1);
-        pendingBytes_.clear();
         if (!isText) {
             pendingBytes_ = bytes;
             pendingHasLines_ = true;
             return failure(MCPClientError::invalidServerSentEventsUTF8());
         }
     }
-    pendingBytes_ += bytes;
-    if (flushTrailingLine && !pendingBytes_.empty()) {
-        lineIsPending_ = true;
-        const bool isText = process(pendingBytes_, events);
-        pendingBytes_.clear();
-        if (!isText) {
-            return failure(MCPClientError::invalidServerSentEventsUTF8());
-        }
+    keepPartialLine(bytes);
+    if (flushTrailingLine && (openLine_ || !pendingBytes_.empty()) && !endLine({}, events)) {
+        return failure(MCPClientError::invalidServerSentEventsUTF8());
     }
     return events;
+}
+
+void MCPServerSentEventsParser::keepPartialLine(std::string_view bytes) {
+    if (openLine_) {
+        return appendToOpenLine(bytes);
+    }
+    pendingBytes_ += bytes;
+    const std::string_view line = pendingBytes_;
+    // Behind the colon and the blank nothing may stand that combines with them.
+    if (line.size() >= longLine && line.starts_with(dataField) && isASCII(line[dataField.size()]) &&
+        isASCII(line[dataField.size() + 1])) {
+        openLine(line.substr(dataField.size() + (line[dataField.size()] == ' ' ? 1 : 0)));
+        pendingBytes_.clear();
+    }
+}
+
+// The end of the line that is pending, or all of a line.
+bool MCPServerSentEventsParser::endLine(std::string_view rest, std::vector<MCPServerSentEvent>& events) {
+    if (openLine_) {
+        appendToOpenLine(rest);
+        return closeOpenLine();
+    }
+    if (pendingBytes_.empty()) {
+        return process(rest, events);
+    }
+    pendingBytes_ += rest;
+    const bool isText = process(pendingBytes_, events);
+    pendingBytes_.clear();
+    return isText;
+}
+
+void MCPServerSentEventsParser::openLine(std::string_view value) {
+    data_.reserve(std::min(lastSize_, largestReserve));
+    OpenLine line{.before = data_.size()};
+    if (hasData_) {
+        data_ += '\n';
+    }
+    line.begin = line.validated = data_.size();
+    openLine_ = line;
+    appendToOpenLine(value);
+}
+
+// Checks what comes while it is at hand; a character may lie across two pieces.
+void MCPServerSentEventsParser::appendToOpenLine(std::string_view bytes) {
+    data_ += bytes;
+    openLine_->validated += validUTF8Length(std::string_view(data_).substr(openLine_->validated));
+}
+
+bool MCPServerSentEventsParser::closeOpenLine() {
+    const auto line = *std::exchange(openLine_, std::nullopt);
+    if (line.validated != data_.size()) {
+        data_.resize(line.before);
+        return false;
+    }
+    if (data_.ends_with('\r')) {
+        data_.pop_back();
+    }
+    hasData_ = true;
+    return true;
 }
 
 // False for a line that is not UTF-8.
@@ -112,7 +162,11 @@ bool MCPServerSentEventsParser::process(std::string_view line, std::vector<MCPSe
 
 void MCPServerSentEventsParser::setField(std::string_view name, std::string_view value) {
     if (name == "data") {
-        appendData(value);
+        if (hasData_) {
+            data_ += '\n';
+        }
+        data_ += value;
+        hasData_ = true;
     } else if (name == "event") {
         eventName_ = value;
     } else if (name == "id") {
@@ -122,25 +176,11 @@ void MCPServerSentEventsParser::setField(std::string_view name, std::string_view
     }
 }
 
-void MCPServerSentEventsParser::appendData(std::string_view value) {
-    if (hasData_) {
-        data_ += '\n';
-    }
-    if (lineIsPending_ && data_.empty() && value.size() >= longValue) {
-        const auto begin = static_cast<std::size_t>(value.data() - pendingBytes_.data());
-        data_ = std::exchange(pendingBytes_, {});
-        data_.resize(begin + value.size());
-        data_.erase(0, begin);
-    } else {
-        data_ += value;
-    }
-    hasData_ = true;
-}
-
 void MCPServerSentEventsParser::dispatchEvent(std::vector<MCPServerSentEvent>& events) {
     auto name = std::exchange(eventName_, std::nullopt);
     auto data = std::exchange(data_, {});
     hasData_ = false;
+    lastSize_ = data.size();
     if (!data.empty()) {
         events.push_back({std::move(name), std::move(data), eventID_, retry_});
     }

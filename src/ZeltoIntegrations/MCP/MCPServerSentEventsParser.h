@@ -41,20 +41,32 @@ class MCPServerSentEventsParser {
     Events finish();
 
   private:
+    // A long data line that has not ended goes to the event's data as it comes.
+    struct OpenLine {
+        std::size_t before = 0;    // the size of the data without it
+        std::size_t begin = 0;     // of its value in the data
+        std::size_t validated = 0; // UTF-8 up to here
+    };
+
     Events processBufferedLines(std::string_view bytes, bool flushTrailingLine);
+    void keepPartialLine(std::string_view bytes);
+    bool endLine(std::string_view rest, std::vector<MCPServerSentEvent>& events);
     bool process(std::string_view line, std::vector<MCPServerSentEvent>& events);
     void setField(std::string_view name, std::string_view value);
-    void appendData(std::string_view value);
+    void openLine(std::string_view value);
+    void appendToOpenLine(std::string_view bytes);
+    bool closeOpenLine();
     void dispatchEvent(std::vector<MCPServerSentEvent>& events);
 
     std::string pendingBytes_;     // of a line that has not ended
     bool pendingHasLines_ = false; // behind a line that failed there may be others
-    bool lineIsPending_ = false;   // the line that is processed lies in pendingBytes_
+    std::optional<OpenLine> openLine_;
     std::optional<std::string> eventName_;
     std::optional<std::string> eventID_;
     std::optional<std::int64_t> retry_;
     std::string data_; // the data lines of the event so far, joined
     bool hasData_ = false;
+    std::size_t lastSize_ = 0; // of the data of the event before
 };
 
 } // namespace zelto

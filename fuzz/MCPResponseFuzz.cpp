@@ -1,0 +1,53 @@
+// A server's answer: read in place and from a copy alike, and every record that a result may be reads as what
+// it wrote.
+
+#include <ZeltoIntegrations/MCP/MCPDecodingInternal.h>
+#include <ZeltoIntegrations/MCP/MCPInitialize.h>
+
+#include <cstdlib>
+
+namespace zelto {
+namespace {
+
+void require(bool condition) {
+    if (!condition) {
+        std::abort();
+    }
+}
+
+template <class T> void checkRecord(const JSONValue& result) {
+    const auto record = decodedBy([&] { return result.as<T>(); });
+    // By way of text it must be the same.
+    const auto text = result.text();
+    require(text.has_value());
+    const auto again = decodedBy([&] { return JSONDecoder().decode<T>(*text); });
+    require(record.has_value() == again.has_value());
+    if (!record) {
+        return;
+    }
+    require(*record == *again);
+    const auto written = JSONEncoder().encode(*record);
+    require(written.has_value());
+    const auto back = decodedBy([&] { return JSONDecoder().decode<T>(*written); });
+    require(back.has_value() && *back == *record && JSONEncoder().encode(*back) == written);
+}
+
+} // namespace
+} // namespace zelto
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace zelto;
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    std::string copy(text);
+    const auto response = decodedBy([&] { return JSONDecoder().decode<MCPResponse>(text); });
+    const auto inPlace = decodedBy([&] { return JSONDecoder().decodeInPlace<MCPResponse>(copy); });
+    require(response.has_value() == inPlace.has_value());
+    require(!response || *response == *inPlace);
+    static_cast<void>(decodedBy([&] { return JSONDecoder().decode<MCPRequestIDEnvelope>(text); }));
+    if (response && response->result) {
+        checkRecord<MCPInitializeResult>(*response->result);
+        checkRecord<MCPToolListResult>(*response->result);
+        checkRecord<MCPToolCallResult>(*response->result);
+    }
+    return 0;
+}
