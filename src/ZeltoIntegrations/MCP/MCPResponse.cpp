@@ -6,7 +6,7 @@
 
 namespace zelto {
 
-ZELTO_JSON_RECORD(MCPResponse::Error, code, message, data);
+ZELTO_JSON_RECORD(MCPResponseError, code, message, data);
 
 void decodeJSON(const JSONReader& reader, MCPResponse& value) {
     auto version = reader.optional<std::string>("jsonrpc");

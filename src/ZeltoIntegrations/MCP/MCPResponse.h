@@ -10,17 +10,21 @@
 
 namespace zelto {
 
+// Why a server refuses a request.
+struct MCPResponseError {
+    std::int64_t code = 0;
+    std::string message;
+    std::optional<JSONValue> data;
+
+    bool operator==(const MCPResponseError&) const = default;
+};
+ZELTO_JSON_CODED(MCPResponseError);
+
 // A server's answer. Read, never written: a "jsonrpc" other than "2.0" fails with MCPClientError's
 // invalidJSONRPCVersion, before all else. It may hold neither or both of `result` and `error`; what that
 // means, MCPClient decides.
 struct MCPResponse {
-    struct Error {
-        std::int64_t code = 0;
-        std::string message;
-        std::optional<JSONValue> data;
-
-        bool operator==(const Error&) const = default;
-    };
+    using Error = MCPResponseError;
 
     MCPRequestID id;
     std::optional<JSONValue> result;
@@ -29,7 +33,6 @@ struct MCPResponse {
     bool operator==(const MCPResponse&) const = default;
 };
 
-ZELTO_JSON_CODED(MCPResponse::Error);
 ZELTO_JSON_CODED(MCPResponse);
 
 } // namespace zelto
