@@ -18,6 +18,7 @@ struct MCPResponseError {
 
     bool operator==(const MCPResponseError&) const = default;
 };
+
 ZELTO_JSON_CODED(MCPResponseError);
 
 // A server's answer. Read, never written: a "jsonrpc" other than "2.0" fails with MCPClientError's
