@@ -38,24 +38,27 @@ void ProgressReporter::follow(const std::shared_ptr<ExportProgress>& progress) c
     if (progress->totalUnitCount() > 0) {
         show(0);
     }
-    progress->setProgressHandler([this](float fraction) { show(fraction); });
+    // A step that a cancelled export does not wait for may count behind its end.
+    progress->setProgressHandler([self = *this](float fraction) { self.show(fraction); });
     if (progress->totalUnitCount() > 0) {
         show(static_cast<float>(progress->fractionCompleted()));
     }
 }
 
 void ProgressReporter::end() const {
+    const std::lock_guard guard(shown_->lock);
+    shown_->hasEnded = true;
     if (style_ == ProgressStyle::bar && terminal_.showsBar) {
         writeError(clearLine);
     }
 }
 
 void ProgressReporter::show(float fraction) const {
-    const std::lock_guard guard(lock_);
-    if (fraction <= shown_) {
+    const std::lock_guard guard(shown_->lock);
+    if (shown_->hasEnded || fraction <= shown_->fraction) {
         return;
     }
-    shown_ = fraction;
+    shown_->fraction = fraction;
     switch (style_) {
     case ProgressStyle::bar:
         if (terminal_.showsBar) {

@@ -10,13 +10,35 @@ using FileCompletion = Completion<std::filesystem::path, IntegrationExportError>
 
 NetworkExporter::Steps::Steps(std::shared_ptr<NetworkExporter> exporter, std::size_t unitCount,
                               ResultMediator<void> finish)
-    : run_(std::make_shared<Run>(exporter,
+    : run_(std::make_shared<Run>(std::move(exporter),
                                  std::make_shared<ExportProgress>(static_cast<std::int64_t>(unitCount)),
-                                 [exporter, finish = std::move(finish)](const ExporterResult<void>& result) {
-                                     exporter->end();
-                                     finish(result);
-                                 })) {
-    exporter->begin(run_->progress);
+                                 std::move(finish))) {
+    const std::lock_guard guard(run_->exporter->exportLock_);
+    run_->exporter->report_ = {};
+}
+
+// A step whose request was cut off stops the export itself, and has told of the request by then.
+void NetworkExporter::Steps::Run::cancel() {
+    exporter->cancelRequests();
+    if (!exporter->isRequesting_) {
+        OperationQueue().addOperation([self = shared_from_this()] { self->isStopped(); });
+    }
+}
+
+bool NetworkExporter::Steps::Run::update() {
+    progress->setCompletedUnitCount(progress->completedUnitCount() + 1);
+    return !isStopped();
+}
+
+// Stops once: a step that ends after the export must not cancel what came into the queue since.
+bool NetworkExporter::Steps::Run::isStopped() {
+    if (!progress->isCancelled()) {
+        return false;
+    }
+    if (!hasStopped_.exchange(true)) {
+        exporter->stopIfCancelled(*progress, finish);
+    }
+    return true;
 }
 
 std::shared_ptr<ExportProgress> NetworkExporter::Steps::execute() {
@@ -29,29 +51,23 @@ std::shared_ptr<ExportProgress> NetworkExporter::Steps::execute() {
             }
             finish({});
         }));
-    run_->progress->setCancellationHandler([weakly = std::weak_ptr<NetworkExporter>(run_->exporter)] {
-        if (const auto exporter = weakly.lock()) {
-            exporter->cancelRequests();
+    run_->progress->setCancellationHandler([weakly = std::weak_ptr(run_)] {
+        if (const auto run = weakly.lock()) {
+            run->cancel();
         }
     });
     run_->exporter->ServiceExporter::execute(operations_);
     return run_->progress;
 }
 
-void NetworkExporter::begin(const std::shared_ptr<ExportProgress>& progress) {
+void NetworkExporter::setProgress(std::shared_ptr<ExportProgress> progress) {
     const std::lock_guard guard(exportLock_);
-    running_ = progress;
-    report_ = {};
-}
-
-void NetworkExporter::end() {
-    const std::lock_guard guard(exportLock_);
-    running_ = nullptr;
+    progress_ = std::move(progress);
 }
 
 bool NetworkExporter::isCancelled() const {
     const std::lock_guard guard(exportLock_);
-    return running_ && running_->isCancelled();
+    return progress_ && progress_->isCancelled();
 }
 
 ExportReport NetworkExporter::exportReport() const {

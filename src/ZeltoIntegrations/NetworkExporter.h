@@ -5,6 +5,7 @@
 
 #include <Platform/JSON/JSONDecoder.h>
 
+#include <atomic>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -21,8 +22,8 @@ namespace zelto {
 //
 // An export is a list of steps that run one after the other. Each hands on what it made as its result, for
 // the later steps that were given it; a failure does not stop the others, and the first one in the order of
-// the steps is what the export ends with. Cancelling the progress ends the request under way at once, and no
-// step begins after that.
+// the steps is what the export ends with. Cancelling the progress ends the request under way and the export
+// with it, without waiting for what the host was asked for; no step begins and no request is made after that.
 class NetworkExporter : public ServiceExporter {
   public:
     using ServiceExporter::ServiceExporter;
@@ -49,12 +50,15 @@ class NetworkExporter : public ServiceExporter {
         Step<R> add(void (Exporter::*step)(Parameters...), Arguments... arguments) {
             auto operation = run_->exporter->createAsyncTask<ExporterResult<R>>(
                 [run = run_, step, ... arguments = std::move(arguments)](StepCompletion<R> done) {
+                    run->exporter->isRequesting_ = false;
+                    run->exporter->setProgress(run->progress);
                     if (run->isStopped()) {
                         return done(failure(IntegrationExportError::canceled));
                     }
                     (static_cast<Exporter&>(*run->exporter).*step)(
                         arguments..., [run] { return run->update(); },
                         [run, done = std::move(done)](ExporterResult<R> result) mutable {
+                            run->exporter->isRequesting_ = false;
                             // A request that was cut off is no failure of its own.
                             if (!result && run->isStopped()) {
                                 result = failure(IntegrationExportError::canceled);
@@ -71,14 +75,23 @@ class NetworkExporter : public ServiceExporter {
         std::shared_ptr<ExportProgress> execute();
 
       private:
-        struct Run {
-            bool update() { return exporter->update(*progress, finish); }
+        struct Run : std::enable_shared_from_this<Run> {
+            Run(std::shared_ptr<NetworkExporter> theExporter, std::shared_ptr<ExportProgress> theProgress,
+                ResultMediator<void> theFinish)
+                : exporter(std::move(theExporter)), progress(std::move(theProgress)),
+                  finish(std::move(theFinish)) {}
 
-            bool isStopped() { return exporter->stopIfCancelled(*progress, finish); }
+            void cancel();
+
+            bool update();
+            bool isStopped();
 
             std::shared_ptr<NetworkExporter> exporter;
             std::shared_ptr<ExportProgress> progress;
             ResultMediator<void> finish;
+
+          private:
+            std::atomic<bool> hasStopped_ = false;
         };
 
         std::shared_ptr<Run> run_;
@@ -124,6 +137,7 @@ class NetworkExporter : public ServiceExporter {
         if (!credentials || isCancelled()) {
             return nullptr;
         }
+        isRequesting_ = true;
         auto client = std::make_shared<Client>(std::make_shared<Authoriser>(*credentials), JSONDecoder());
         updateActiveClient(client);
         return client;
@@ -134,7 +148,12 @@ class NetworkExporter : public ServiceExporter {
     template <class T>
     void executeLoading(std::move_only_function<void(Completion<T, IntegrationLoadError>)> load,
                         Completion<T, IntegrationLoadError> completion) {
-        const auto step = createAsyncTask<Result<T, IntegrationLoadError>>(std::move(load));
+        const auto step = createAsyncTask<Result<T, IntegrationLoadError>>(
+            [self = std::static_pointer_cast<NetworkExporter>(shared_from_this()),
+             load = std::move(load)](Completion<T, IntegrationLoadError> done) mutable {
+                self->setProgress(nullptr);
+                load(std::move(done));
+            });
         step->setCompletionBlock([step, completion = std::move(completion)]() mutable {
             completion(step->result().value_or(failure(IntegrationLoadError::connectionError)));
         });
@@ -150,13 +169,14 @@ class NetworkExporter : public ServiceExporter {
         return result ? ExporterResult<void>() : failure(result.error());
     }
 
-    void begin(const std::shared_ptr<ExportProgress>& progress);
-    void end();
-    // Whether that is so of the export that runs.
+    // Of the export whose step begins; nothing for loading. One step runs at a time, also one that a
+    // cancelled export did not wait for.
+    void setProgress(std::shared_ptr<ExportProgress> progress);
     bool isCancelled() const;
 
-    mutable std::mutex exportLock_; // guards what follows
-    std::shared_ptr<ExportProgress> running_;
+    std::atomic<bool> isRequesting_ = false; // the step that runs has a client
+    mutable std::mutex exportLock_;          // guards what follows
+    std::shared_ptr<ExportProgress> progress_;
     ExportReport report_;
 };
 

@@ -186,6 +186,36 @@ TEST(TrelloExportCancellation, CutsOffARequestThatIsNeverAnswered) {
     release.set_value();
 }
 
+TEST(TrelloExportCancellation, DoesNotWaitForAHostThatNeverAnswers) {
+    TrelloExport one;
+    TrelloServer service;
+    Callback<bool> kept;
+    std::promise<void> asked;
+    one.interactor->makePdf = [&](const auto&, const auto&, Callback<bool> done) {
+        kept = std::move(done);
+        asked.set_value();
+    };
+    std::atomic<int> completions = 0;
+    Completed<TrelloExport::VoidResult> completed;
+    const auto progress =
+        one.start([&, callback = completed.callback<TrelloExport::Done>()](auto result) mutable {
+            ++completions;
+            callback(result);
+        });
+    asked.get_future().wait();
+    progress->cancel();
+    EXPECT_EQ(completed.value().error(), Error::canceled);
+    EXPECT_EQ(one.exporter()->exportReport().made.size(), 1U);
+
+    // An answer that comes in the end changes nothing.
+    kept(true);
+    const std::weak_ptr<TrelloExporter> exporter = one.exporter();
+    one.releaseExporter();
+    EXPECT_TRUE(eventually([&] { return exporter.expired(); }));
+    EXPECT_EQ(completions, 1);
+    EXPECT_EQ(service.made(), Texts{"card"});
+}
+
 TEST(TrelloExportCancellation, OfAnExportLeavesLoadingAndTheNextExportAlone) {
     TrelloExport one;
     TrelloServer service;

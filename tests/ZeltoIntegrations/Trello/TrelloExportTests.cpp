@@ -2,6 +2,7 @@
 
 #include <Platform/URLComponents.h>
 
+#include <Support/HostMistakes.h>
 #include <Support/LogCapture.h>
 #include <Support/TrelloExport.h>
 
@@ -300,6 +301,26 @@ TEST_F(TrelloExportTest, ARefusedTokenIsNotTriedAgain) {
     EXPECT_EQ(one.run().error(), Error::createTaskError);
     EXPECT_EQ(service.made(), Texts{"card"});
     EXPECT_EQ(log.messages(LogLevel::warn), Texts{"Trello creation card error: oauthError"});
+}
+
+TEST_F(TrelloExportTest, AHostThatThrowsEndsItsStepAlone) {
+    const ContainedExceptions contained;
+    const DroppedCallbacks dropped;
+    one.attach("a.txt");
+    const std::pair<std::string, Texts> rows[] = {
+        {"link", {}}, {"html", {"card", "file a.txt"}}, {"fetchAttachment", {"card", "file Title.pdf"}}};
+    for (const auto& [operation, made] : rows) {
+        one.data->onAsked = [&](const std::string& asked) {
+            if (asked == operation) {
+                throw std::runtime_error("the host threw");
+            }
+        };
+        const auto before = std::ssize(service.made());
+        EXPECT_EQ(one.run().error(), Error::internalError) << operation;
+        const auto all = service.made();
+        EXPECT_EQ(Texts(all.begin() + before, all.end()), made) << operation;
+    }
+    EXPECT_EQ(contained.count(), 3);
 }
 
 TEST_F(TrelloExportTest, HostileTitlesArriveAsTheyAre) {
