@@ -16,6 +16,21 @@ namespace {
 // Servers refuse headers long before this, and what is longer is no token.
 constexpr std::size_t longestToken = 32 * 1024;
 
+// Without the line end that pasting leaves; nothing for what holds a character below the lowest, or none of
+// ASCII.
+std::optional<std::string> tokenWithin(const std::optional<std::string>& token, char lowest) {
+    if (!token) {
+        return std::nullopt;
+    }
+    const auto end = token->find_last_not_of("\r\n");
+    const auto sent = std::string_view(*token).substr(0, end == std::string::npos ? 0 : end + 1);
+    const auto isTaken = [lowest](char c) { return c >= lowest && c <= '~'; };
+    if (sent.size() > longestToken || !std::ranges::all_of(sent, isTaken)) {
+        return std::nullopt;
+    }
+    return std::string(sent);
+}
+
 ExportServiceHelper::Parameters refreshForm(const AuthorisationRules::Refresh& rules,
                                             const std::string& refreshToken) {
     ExportServiceHelper::Parameters form = {{"grant_type", "refresh_token"}, {"refresh_token", refreshToken}};
@@ -80,7 +95,8 @@ std::optional<URLRequest> AccountAuthoriser::createRefreshTokenRequest() {
     if (!rules_.refresh) {
         return std::nullopt;
     }
-    const auto refreshToken = sentToken(accountCredentials().refreshToken);
+    // In a form a token may hold blanks (RFC 6749, appendix A.17).
+    const auto refreshToken = tokenWithin(accountCredentials().refreshToken, ' ');
     if (!refreshToken) {
         return std::nullopt;
     }
@@ -107,16 +123,7 @@ void AccountAuthoriser::updateToken(const ServiceResult<OAuthToken>& result) {
 }
 
 std::optional<std::string> AccountAuthoriser::sentToken(const std::optional<std::string>& token) {
-    if (!token) {
-        return std::nullopt;
-    }
-    const auto end = token->find_last_not_of("\r\n");
-    const auto sent = std::string_view(*token).substr(0, end == std::string::npos ? 0 : end + 1);
-    const auto isVisible = [](char c) { return c > ' ' && c <= '~'; };
-    if (sent.size() > longestToken || !std::ranges::all_of(sent, isVisible)) {
-        return std::nullopt;
-    }
-    return std::string(sent);
+    return tokenWithin(token, '!');
 }
 
 void AccountAuthoriser::takeIn(const OAuthToken& token, const AuthorisationRules::Refresh& rules) {

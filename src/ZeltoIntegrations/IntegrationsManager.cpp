@@ -61,11 +61,25 @@ void storeSecrets(const ServiceAccountConfiguration& configuration) {
     }
 }
 
+// The account with the tokens that its client may have got meanwhile: they lie in the key chain alone.
+ServiceAccountConfiguration withStoredTokens(ServiceAccountConfiguration account) {
+    if (account.credentials) {
+        ServiceAccountCredentials stored;
+        stored.serviceCredentialsKey = account.credentials->serviceCredentialsKey;
+        ServiceCredentialsManager::load(stored);
+        if (stored.accessToken) {
+            ServiceCredentialsManager::fill(stored, *account.credentials);
+        }
+    }
+    return account;
+}
+
 // What the fetch of an exporter's data says about the account that is being connected.
 AccountResult loadAccount(const Result<void, IntegrationLoadError>& fetched,
                           const ServiceAccountConfiguration& temporary,
                           const ServiceAccountConfiguration& configuration, ServiceExporter& exporter,
                           ServiceConfigurationsStorage& storage) {
+    const auto fetchedAccount = withStoredTokens(exporter.accountConfiguration());
     // An exporter that refreshed a token during the fetch has saved the temporary account.
     storage.remove(temporary);
     removeSecrets(temporary);
@@ -76,7 +90,7 @@ AccountResult loadAccount(const Result<void, IntegrationLoadError>& fetched,
     if (configuration.serviceType() == ServiceType::TickTick && configuration.userName()) {
         account = createAccount(configuration, *configuration.userName());
     } else if (const auto email = exporter.loadUserEmail()) {
-        account = createAccount(exporter.accountConfiguration(), *email);
+        account = createAccount(fetchedAccount, *email);
     }
     if (!account) {
         return failure(AccountError::dataLoadingError());

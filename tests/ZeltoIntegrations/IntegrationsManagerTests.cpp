@@ -52,11 +52,11 @@ class FakeExporter final : public ServiceExporter {
     void fetchServiceData(Completion<void, IntegrationLoadError> completion) override {
         ++service_.fetches;
         if (service_.refreshesToken) {
-            // A refreshed token is stored under the account's key, and a cached value saves the account.
+            // A client stores a refreshed token under the account's key alone; a cached value saves the
+            // account.
             auto credentials = accountConfiguration().credentials.value();
             credentials.accessToken = "refreshed";
             ServiceCredentialsManager::store(credentials);
-            modifyAccountConfiguration([&](auto& account) { account.credentials = credentials; });
             setCachedValue(std::optional(1), "count");
         }
         completion(service_.fetched);

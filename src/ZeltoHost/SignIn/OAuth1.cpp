@@ -94,7 +94,10 @@ std::optional<OAuth1Token> readOAuth1Token(std::string_view form) {
     const auto items = decodedForm(form);
     const auto token = items ? onlyValue(*items, "oauth_token") : std::nullopt;
     const auto secret = items ? onlyValue(*items, "oauth_token_secret") : std::nullopt;
-    return token && !token->empty() && secret ? std::optional(OAuth1Token{*token, *secret}) : std::nullopt;
+    if (!token || token->empty() || !secret) {
+        return std::nullopt;
+    }
+    return OAuth1Token{*token, *secret, onlyValue(*items, "oauth_callback_confirmed") == "true"};
 }
 
 } // namespace zelto

@@ -41,6 +41,7 @@ std::string oauth1BaseString(const URLRequest& request, const std::vector<URLQue
 struct OAuth1Token {
     std::string token;
     std::string secret;
+    bool callbackIsConfirmed = false; // of a request token, where the service keeps to OAuth 1.0a
 };
 
 std::optional<OAuth1Token> readOAuth1Token(std::string_view form);

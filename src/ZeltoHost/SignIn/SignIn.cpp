@@ -159,6 +159,10 @@ class SignIn::Work {
         if (!token) {
             return failure(token.error());
         }
+        // Before 1.0a whoever began a sign-in could have another finish it.
+        if (!token->callbackIsConfirmed) {
+            return failure(badAnswer(service_));
+        }
         requestToken_ = *std::move(token);
         mask(requestToken_.secret);
         auto page = URLComponents::of(service_.authorizationURL);

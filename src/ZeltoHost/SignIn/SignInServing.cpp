@@ -4,6 +4,7 @@
 #include <ZeltoHost/SignIn/SignInPagesInternal.h>
 
 #include <algorithm>
+#include <cerrno>
 
 #include <poll.h>
 #include <sys/socket.h>
@@ -58,6 +59,10 @@ void SignInServing::accept() {
     for (const auto& socket : sockets_) {
         FileDescriptor opened(::accept4(socket.number(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
         if (!opened) {
+            // Out of descriptors: waiting for one beats turning in a circle.
+            if (errno == EMFILE || errno == ENFILE) {
+                ::poll(nullptr, 0, 50);
+            }
             continue;
         }
         if (connections_.size() >= limits_.connections) {

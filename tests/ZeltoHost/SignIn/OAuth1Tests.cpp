@@ -82,6 +82,8 @@ TEST(OAuth1, TokensAreReadFromAForm) {
     ASSERT_TRUE(token);
     EXPECT_EQ(token->token, "a+b");
     EXPECT_EQ(token->secret, "s");
+    EXPECT_TRUE(token->callbackIsConfirmed);
+    EXPECT_FALSE(readOAuth1Token("oauth_token=a&oauth_token_secret=s")->callbackIsConfirmed);
     EXPECT_EQ(readOAuth1Token("oauth_token=a&oauth_token_secret=")->secret, "");
     for (const auto* bad : {"", "oauth_token=a", "oauth_token=&oauth_token_secret=s", "oauth_token_secret=s",
                             "oauth_token=a&oauth_token=b&oauth_token_secret=s", "%zz", "<html></html>"}) {

@@ -194,10 +194,15 @@ TEST(SignIn, DoesNotBeginWithoutARequestToken) {
         SignInErrorCode code;
     };
 
-    const Row rows[] = {{PlayedAnswer{.status = 401, .body = "invalid key"}, SignInErrorCode::refused},
-                        {PlayedAnswer{.status = 503}, SignInErrorCode::refused},
-                        {PlayedAnswer{.body = "hello"}, SignInErrorCode::badAnswer},
-                        {PlayedAnswer::reset(), SignInErrorCode::connectionError}};
+    const Row rows[] = {
+        {PlayedAnswer{.status = 401, .body = "invalid key"}, SignInErrorCode::refused},
+        {PlayedAnswer{.status = 503}, SignInErrorCode::refused},
+        {PlayedAnswer{.body = "hello"}, SignInErrorCode::badAnswer},
+        {PlayedAnswer{.body = "oauth_token=a&oauth_token_secret=b"}, SignInErrorCode::badAnswer},
+        {PlayedAnswer{.body = "oauth_token=a&oauth_token_secret=b&"
+                              "oauth_callback_confirmed=false"},
+         SignInErrorCode::badAnswer},
+        {PlayedAnswer::reset(), SignInErrorCode::connectionError}};
     for (const auto& row : rows) {
         const TestHTTPServer server({row.answer});
         const ServiceRoute route(server);

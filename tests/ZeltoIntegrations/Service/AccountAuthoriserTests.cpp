@@ -290,7 +290,9 @@ TEST(AccountAuthoriser, RefusesATokenThatNoHeaderCanHold) {
             hostile.refreshToken = token;
             const auto authoriser = row.make(hostile);
             EXPECT_EQ(signedItem(*authoriser), "(refused)") << row.name;
-            EXPECT_FALSE(authoriser->createRefreshTokenRequest()) << row.name;
+            // A form may hold a blank.
+            const bool hasRequest = authoriser->createRefreshTokenRequest().has_value();
+            EXPECT_EQ(hasRequest, token == "to ken" && row.refresh != "(none)") << row.name << token;
         }
     }
     auto longest = credentials();
