@@ -93,8 +93,9 @@ std::string usageLine(const CommandSpec& command) {
 }
 
 std::string helpText() {
-    std::string text = "zelto sends a mail or a meeting note to the services that you use: Agenda, Bear,\n"
-                       "OmniFocus, Things and 2Do by the URL that the application is opened with.\n\n"
+    std::string text = "zelto sends a mail or a meeting note to the services that you use: Trello over the\n"
+                       "network, Agenda, Bear, OmniFocus, Things and 2Do by the URL that the application is\n"
+                       "opened with.\n\n"
                        "Usage: zelto COMMAND [options]\n\nCommands:\n";
     for (const auto& command : commands()) {
         text += row(command.name, command.summary);
