@@ -127,6 +127,33 @@ TEST_F(TrelloSandboxTest, MakesACard) {
     EXPECT_EQ(byForm.text("name"), "form");
 }
 
+TEST_F(TrelloSandboxTest, GivesTheCardsOfAListInPages) {
+    const auto path = "/1/lists/" + firstList() + "/cards";
+    std::vector<std::string> made;
+    for (int i = 0; i < 5; ++i) {
+        made.push_back(addedCard());
+    }
+    const auto given = [&](const std::string& query) {
+        std::vector<std::string> ids;
+        const auto answer = get(path + query).json();
+        for (const auto& card : *answer.asArray()) {
+            ids.push_back(*card.find("id")->asString());
+        }
+        return ids;
+    };
+    using IDs = std::vector<std::string>;
+    EXPECT_EQ(given(""), made);
+    EXPECT_EQ(given("?limit=2"), (IDs{made[3], made[4]}));
+    EXPECT_EQ(given("?limit=2&before=" + made[3]), (IDs{made[1], made[2]}));
+    EXPECT_EQ(given("?limit=2&before=" + made[1]), (IDs{made[0]}));
+    EXPECT_EQ(given("?since=" + made[2]), (IDs{made[3], made[4]}));
+    EXPECT_EQ(given("?since=" + made[3] + "&before=" + made[1]), IDs());
+    EXPECT_EQ(given("?limit=0"), IDs());
+    for (const auto* query : {"?limit=x", "?limit=1001", "?limit=-1", "?before=short", "?since=none"}) {
+        EXPECT_EQ(get(path + query).status, 400) << query;
+    }
+}
+
 TEST_F(TrelloSandboxTest, RefusesACardAsTrelloDoes) {
     const auto list = firstList();
     const auto refusal = [&](const std::string& query) {

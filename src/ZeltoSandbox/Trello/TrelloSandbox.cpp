@@ -2,10 +2,13 @@
 
 #include <Platform/MediaTypes.h>
 #include <Platform/PercentEncoding.h>
+#include <Platform/Result.h>
 #include <Platform/Text.h>
 #include <Platform/URL.h>
 
 #include <algorithm>
+#include <charconv>
+#include <span>
 
 namespace zelto::sandbox {
 
@@ -51,6 +54,36 @@ bool isShownBy(std::string_view filter, bool closed) {
 
 bool isFilter(std::string_view text) {
     return text == "all" || text == "open" || text == "closed" || text == "none";
+}
+
+constexpr std::size_t largestPage = 1000;
+
+using Cards = std::span<TrelloCardRecord>;
+
+// What `before`, `since` and `limit` leave of a list, which stands in the order of making: the cards between
+// two others, of them the newest.
+Result<Cards, std::string> pageOf(const SandboxRequest& request, std::vector<TrelloCardRecord>& cards) {
+    auto first = cards.begin();
+    auto last = cards.end();
+    for (const auto name : {"since", "before"}) {
+        if (const auto id = request.queryValue(name)) {
+            const auto card = std::ranges::find(cards, *id, &TrelloCardRecord::id);
+            if (card == cards.end()) {
+                return failure("invalid value for " + std::string(name));
+            }
+            std::string_view(name) == "since" ? first = card + 1 : last = card;
+        }
+    }
+    auto count = first < last ? static_cast<std::size_t>(last - first) : 0;
+    if (const auto limit = request.queryValue("limit")) {
+        std::size_t most = 0;
+        const auto [end, error] = std::from_chars(limit->data(), limit->data() + limit->size(), most);
+        if (error != std::errc() || end != limit->data() + limit->size() || most > largestPage) {
+            return failure(std::string("invalid value for limit"));
+        }
+        count = std::min(count, most);
+    }
+    return Cards(last - static_cast<std::ptrdiff_t>(count), last);
 }
 
 } // namespace
@@ -169,8 +202,12 @@ SandboxAnswer TrelloSandbox::listCards(const SandboxRequest& request) {
     if (!place.list) {
         return refused(404, "The requested resource was not found.");
     }
+    const auto page = pageOf(request, place.list->cards);
+    if (!page) {
+        return refused(400, page.error());
+    }
     JSONValue::Array cards;
-    for (auto& card : place.list->cards) {
+    for (auto& card : *page) {
         place.card = &card;
         cards.push_back(trelloCardJSON(place));
     }
