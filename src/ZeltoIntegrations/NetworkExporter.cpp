@@ -75,9 +75,10 @@ ExportReport NetworkExporter::exportReport() const {
     return report_;
 }
 
-std::shared_ptr<ExportProgress> NetworkExporter::refuseFormat(const ResultMediator<void>& finish) {
+std::shared_ptr<ExportProgress> NetworkExporter::refuseFormat(std::size_t unitCount,
+                                                              const ResultMediator<void>& finish) {
     finish(failure(IntegrationExportError::unsupportedFormat));
-    return std::make_shared<ExportProgress>(0);
+    return std::make_shared<ExportProgress>(static_cast<std::int64_t>(unitCount));
 }
 
 std::string NetworkExporter::titleOr(const std::optional<std::string>& userTitle) const {

@@ -117,7 +117,8 @@ class NetworkExporter : public ServiceExporter {
     }
 
     // Finishes an export of a type that the service does not take.
-    static std::shared_ptr<ExportProgress> refuseFormat(const ResultMediator<void>& finish);
+    static std::shared_ptr<ExportProgress> refuseFormat(std::size_t unitCount,
+                                                        const ResultMediator<void>& finish);
 
     // The user's title, or the one that the message suggests.
     std::string titleOr(const std::optional<std::string>& userTitle) const;

@@ -170,12 +170,13 @@ std::shared_ptr<ExportProgress> TrelloExporter::export_(TrelloExportConfiguratio
     auto finish = createResultMediator<TrelloExportConfiguration, void>(
         configuration, [this](auto offered) { loadConfiguration(std::move(offered)); },
         std::move(completion));
-    const bool makesPdf = configuration.saveAs == Type::pdf;
-    if (!makesPdf && configuration.saveAs != Type::backLink) {
-        return refuseFormat(finish);
-    }
     const auto selected = configuration.attachments.selected();
-    Steps steps(self(), 2 * selected.size() + 1 + (makesPdf ? 2 : 0), std::move(finish));
+    const bool makesPdf = configuration.saveAs == Type::pdf;
+    const auto unitCount = 2 * selected.size() + 1 + (makesPdf ? 2 : 0);
+    if (!makesPdf && configuration.saveAs != Type::backLink) {
+        return refuseFormat(unitCount, finish);
+    }
+    Steps steps(self(), unitCount, std::move(finish));
 
     const auto card = steps.add<CardID>(&TrelloExporter::createTrelloCard, configuration);
     if (makesPdf) {

@@ -156,11 +156,15 @@ TEST(TrelloExportCancellation, AtEachEventEndsOnceAndSendsNothingMore) {
 TEST(TrelloExportCancellation, LeavesNoThreadAndNoSocket) {
     TrelloServer service;
     const auto events = CancelledExport(service, never).run().events;
+    const auto cancelAtEach = [&] {
+        for (std::size_t at = 0; at < events.size(); ++at) {
+            CancelledExport(service, at).run();
+        }
+    };
+    cancelAtEach(); // by then the pool has all the threads that it takes for this
     const auto descriptors = entriesIn("/proc/self/fd");
     const auto threads = entriesIn("/proc/self/task");
-    for (std::size_t at = 0; at < events.size(); ++at) {
-        CancelledExport(service, at).run();
-    }
+    cancelAtEach();
     EXPECT_TRUE(eventually([&] { return entriesIn("/proc/self/fd") <= descriptors; }))
         << entriesIn("/proc/self/fd") << " of " << descriptors;
     EXPECT_TRUE(eventually([&] { return entriesIn("/proc/self/task") <= threads; }))

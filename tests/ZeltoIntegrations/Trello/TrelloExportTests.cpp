@@ -162,6 +162,7 @@ TEST_F(TrelloExportTest, AMissingTextIsNoFailure) {
 }
 
 TEST_F(TrelloExportTest, OtherTypesAreRefusedAtOnce) {
+    one.attach("a.txt");
     for (const auto& type : casesOf<Type>()) {
         if (type.value == Type::pdf || type.value == Type::backLink) {
             continue;
@@ -171,7 +172,7 @@ TEST_F(TrelloExportTest, OtherTypesAreRefusedAtOnce) {
         const auto progress = one.start(completed.callback<TrelloExport::Done>());
         EXPECT_TRUE(completed.hasCome()) << type.name;
         EXPECT_EQ(completed.value().error(), Error::unsupportedFormat) << type.name;
-        EXPECT_EQ(progress->totalUnitCount(), 0) << type.name;
+        EXPECT_EQ(progress->totalUnitCount(), 3) << type.name;
         EXPECT_EQ(lastEventError(), "unsupportedFormat") << type.name;
         EXPECT_EQ(events().back().exportType, type.value) << type.name;
     }
