@@ -18,7 +18,7 @@ namespace {
 
 // A command that goes on until Ctrl-C.
 std::string endedOnceItTells(const std::string& line) {
-    return line +
+    return R"(: > "$HOME/told"; )" + line +
            R"( > "$HOME/told" & until [[ -s $HOME/told ]] || ! kill -0 $!; do sleep 0.02; done; kill -INT $!; wait $!)";
 }
 
