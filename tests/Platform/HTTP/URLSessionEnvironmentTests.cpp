@@ -174,6 +174,9 @@ TEST_F(URLSessionProcessDeathTest, AProcessEndsAtOnceWithTransfersUnderWay) {
     EXPECT_EXIT(leaves(), testing::ExitedWithCode(0), "");
 }
 
+// Not with the address sanitizer: a lock of its own that another thread holds at the fork stays held in the
+// child for ever.
+#ifndef __SANITIZE_ADDRESS__
 TEST_F(URLSessionProcessDeathTest, AForkedProcessEndsAtOnce) {
     const auto forks = [] {
         TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "ok"}; });
@@ -195,6 +198,7 @@ TEST_F(URLSessionProcessDeathTest, AForkedProcessEndsAtOnce) {
     };
     EXPECT_EXIT(forks(), testing::ExitedWithCode(0), "");
 }
+#endif
 
 } // namespace
 } // namespace zelto
