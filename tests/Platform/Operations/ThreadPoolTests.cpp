@@ -49,8 +49,7 @@ TEST(ThreadPool, GoesOnAfterAJobThrew) {
     std::atomic<int> ran = 0;
     for (int index = 0; index < 100; ++index) {
         ThreadPool::shared().post([&] {
-            ++ran;
-            throw ran.load();
+            throw ++ran;
         });
     }
     expectSoon([&] { return ran == 100; });
