@@ -154,14 +154,12 @@ OperationList OperationCore::operations() const {
     OperationList all;
     all.reserve(count_);
     for (auto* each = first_; each; each = each->next_) {
-        all.push_back(each->keptByQueue_);
+        // One that has finished is still listed for a moment.
+        if (!each->isFinished()) {
+            all.push_back(each->keptByQueue_);
+        }
     }
     return all;
-}
-
-std::size_t OperationCore::count() const {
-    const std::lock_guard lock(mutex_);
-    return count_;
 }
 
 void OperationCore::waitUntilEmpty() {

@@ -59,7 +59,6 @@ class OperationCore : public std::enable_shared_from_this<OperationCore> {
 
     bool add(std::span<const std::shared_ptr<Operation>> operations);
     OperationList operations() const;
-    std::size_t count() const;
     void waitUntilEmpty();
     // The queue object is gone.
     void release();

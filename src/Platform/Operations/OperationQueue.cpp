@@ -69,7 +69,7 @@ std::vector<std::shared_ptr<Operation>> OperationQueue::operations() const {
 }
 
 std::size_t OperationQueue::operationCount() const {
-    return core_->count();
+    return core_->operations().size();
 }
 
 void OperationQueue::waitUntilAllOperationsAreFinished() {

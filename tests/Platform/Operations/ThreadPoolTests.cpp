@@ -48,9 +48,7 @@ TEST(ThreadPool, GoesOnAfterAJobThrew) {
     const auto before = setContainedExceptionHandler([](std::string_view, const std::exception_ptr&) {});
     std::atomic<int> ran = 0;
     for (int index = 0; index < 100; ++index) {
-        ThreadPool::shared().post([&] {
-            throw ++ran;
-        });
+        ThreadPool::shared().post([&] { throw ++ran; });
     }
     expectSoon([&] { return ran == 100; });
     Event after;
