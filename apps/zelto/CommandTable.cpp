@@ -55,7 +55,7 @@ std::vector<OptionSpec> withMcpOptions(std::vector<OptionSpec> options) {
          "Read such fields from standard input, one a line: for secrets, which other users of the machine "
          "see on a command line"},
         {"--repeat", "N", "Do it N times in one session, and tell the rate"},
-        {"--timeout", "SECONDS", "Give up after so long [300]"}};
+        {"--timeout", "SECONDS", "Give up after so long in all, every repeat included [300]"}};
     options.insert(options.end(), shared.begin(), shared.end());
     return options;
 }
@@ -203,7 +203,8 @@ const std::vector<CommandSpec> table = {
      "Call a tool",
      "Calls a tool and shows its result. Text is printed; images, sounds and files are saved with --out, "
      "under names of their own, never over a file that is there, and nothing is opened or run. What this "
-     "program does not know is shown as JSON.",
+     "program does not know is shown as JSON. Control characters are shown as escapes, but for line ends and "
+     "tabs of text; --json has all as it came.",
      {mcpServer, {"TOOL", "The tool's name, as `zelto mcp tools` lists it"}},
      withMcpOptions({{"--args", "JSON|@FILE", "The tool's arguments, or the file that holds them"},
                      {"--out", "DIR", "Where images, sounds and files are saved", ValueKind::directory}}),

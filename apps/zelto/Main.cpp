@@ -71,10 +71,11 @@ int report(const Failure& failure, bool asJSON, const Terminal& terminal) {
         }
         return finish(jsonLine(std::move(document)), failure.status);
     }
+    const auto status = finish(failure.output, failure.status);
     const std::string head = terminal.usesColour ? "\x1b[31mzelto:\x1b[0m " : "zelto: ";
-    writeError(head + failure.name + ": " + escapeControlCharacters(message) +
-               "\nTry: " + escapeControlCharacters(failure.next) + "\n");
-    return static_cast<int>(failure.status);
+    writeError(head + failure.name + ": " + escapeControlCharacters(message) + "\n" + failure.details +
+               "Try: " + escapeControlCharacters(failure.next) + "\n");
+    return status;
 }
 
 int report(const Report& report, bool asJSON, bool isQuiet) {

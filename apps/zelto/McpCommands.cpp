@@ -2,24 +2,54 @@
 #include "McpContent.h"
 #include "McpSession.h"
 
+#include <Platform/Text.h>
+
 namespace zelto::cli {
 
 namespace {
-
-JSONValue jsonOf(const auto& record) {
-    return JSONValue::of(record).value_or(JSONValue());
-}
 
 // The first line of what a server says of something.
 std::string_view firstLine(std::string_view text) {
     return text.substr(0, text.find('\n'));
 }
 
-std::string lineOf(const MCPTool& tool, const Terminal& terminal) {
+std::string lineOf(const MCPTool& tool) {
     const auto about = tool.description ? firstLine(*tool.description)
                        : tool.title     ? firstLine(*tool.title)
                                         : std::string_view();
-    return terminal.shown(tool.name) + (about.empty() ? "" : "  " + terminal.shown(about)) + "\n";
+    return escapeControlCharacters(tool.name) + (about.empty() ? "" : "  " + escapeControlCharacters(about)) +
+           "\n";
+}
+
+JSONObject membersOfCall(const MCPToolCallResult& result, bool savesFiles, McpContent& content) {
+    auto members = membersOf(result);
+    if (savesFiles) {
+        members.set("saved", std::move(content.saved));
+    }
+    return members;
+}
+
+// A tool that fails says why in content of any kind.
+Failure toolFailure(Failure told, const MCPToolCallResult& result, const Invocation& invocation) {
+    const auto folder = invocation.value("--out");
+    auto content = contentOf(result, folder);
+    told.members = membersOfCall(result, folder.has_value(), content);
+    if (!content.text.empty() && !invocation.has("--json")) {
+        told.message = "The tool failed";
+        told.details = std::move(content.text);
+    }
+    return told;
+}
+
+// Some of what the call gave cannot be saved; all else is told.
+Failure savingFailure(Report report, const std::vector<Failure>& unsaved) {
+    auto told = unsaved.front();
+    if (unsaved.size() > 1) {
+        told.message = std::to_string(unsaved.size()) + " files cannot be saved; the first: " + told.message;
+    }
+    told.members = std::move(report.members);
+    told.output = std::move(report.text);
+    return told;
 }
 
 } // namespace
@@ -37,7 +67,7 @@ Outcome<Report> runMcp(const Invocation&, const Terminal&) {
     return report;
 }
 
-Outcome<Report> runMcpPing(const Invocation& invocation, const Terminal& terminal) {
+Outcome<Report> runMcpPing(const Invocation& invocation, const Terminal&) {
     const auto options = McpOptions::from(invocation);
     if (!options) {
         return failure(options.error());
@@ -50,17 +80,18 @@ Outcome<Report> runMcpPing(const Invocation& invocation, const Terminal& termina
     const auto answered = session.repeat<void>(
         [](MCPClient& client, MCPCompletion<void> done) { client.ping(std::move(done)); });
     if (!answered) {
-        return failure(answered.error());
+        return failure(session.failureOfEnd(answered.error()));
     }
     Report report;
-    report.members = *jsonOf(*server).asObject();
-    report.text = terminal.shown(server->serverInfo.name) + " " + terminal.shown(server->serverInfo.version) +
-                  " answers; it speaks version " + std::string(rawValue(server->protocolVersion)) + ".\n";
+    report.members = membersOf(*server);
+    report.text = escapeControlCharacters(server->serverInfo.name) + " " +
+                  escapeControlCharacters(server->serverInfo.version) + " answers; it speaks version " +
+                  std::string(rawValue(server->protocolVersion)) + ".\n";
     session.addRate(report);
     return report;
 }
 
-Outcome<Report> runMcpTools(const Invocation& invocation, const Terminal& terminal) {
+Outcome<Report> runMcpTools(const Invocation& invocation, const Terminal&) {
     const auto options = McpOptions::from(invocation);
     if (!options) {
         return failure(options.error());
@@ -74,22 +105,22 @@ Outcome<Report> runMcpTools(const Invocation& invocation, const Terminal& termin
             client.listTools(std::move(done));
         });
     if (!tools) {
-        return failure(tools.error());
+        return failure(session.failureOfEnd(tools.error()));
     }
     Report report;
     for (const auto& tool : *tools) {
-        report.text += lineOf(tool, terminal);
+        report.text += lineOf(tool);
     }
     if (tools->empty()) {
         report.text = "The server has no tools.\n";
         report.isNotice = !options->tellsRate;
     }
-    report.members.set("tools", jsonOf(*tools));
+    report.members = membersOf(MCPToolListResult{.tools = *tools});
     session.addRate(report);
     return report;
 }
 
-Outcome<Report> runMcpCall(const Invocation& invocation, const Terminal& terminal) {
+Outcome<Report> runMcpCall(const Invocation& invocation, const Terminal&) {
     const auto arguments = toolArguments(invocation);
     if (!arguments) {
         return failure(arguments.error());
@@ -97,6 +128,12 @@ Outcome<Report> runMcpCall(const Invocation& invocation, const Terminal& termina
     const auto options = McpOptions::from(invocation);
     if (!options) {
         return failure(options.error());
+    }
+    const auto folder = invocation.value("--out");
+    if (folder) {
+        if (auto prepared = prepareFolder(*folder); !prepared) {
+            return failure(std::move(prepared.error()));
+        }
     }
     McpSession session(*options);
     if (const auto server = session.connect(); !server) {
@@ -108,11 +145,16 @@ Outcome<Report> runMcpCall(const Invocation& invocation, const Terminal& termina
             client.callTool(tool, *arguments, std::move(done));
         });
     if (!result) {
-        return failure(result.error());
+        auto told = session.failureOfEnd(result.error());
+        const auto* error = result.error().clientError();
+        const auto* failed = error ? error->as<MCPClientError::ToolCallFailed>() : nullptr;
+        return failure(failed ? toolFailure(std::move(told), failed->result, invocation) : std::move(told));
     }
-    auto report = reportOf(*result, invocation.value("--out"), terminal);
-    if (report) {
-        session.addRate(*report);
+    auto content = contentOf(*result, folder);
+    Report report{membersOfCall(*result, folder.has_value(), content), std::move(content.text)};
+    session.addRate(report);
+    if (!content.unsaved.empty()) {
+        return failure(savingFailure(std::move(report), content.unsaved));
     }
     return report;
 }

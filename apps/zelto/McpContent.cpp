@@ -1,11 +1,16 @@
 #include "McpContent.h"
 
+#include "FileFailure.h"
+#include "Terminal.h"
+
 #include <Platform/Base64.h>
 #include <Platform/FileManager.h>
 #include <Platform/FileNames.h>
 #include <Platform/MediaTypes.h>
 #include <Platform/PercentEncoding.h>
+#include <Platform/Text.h>
 
+#include <cerrno>
 #include <unistd.h>
 
 namespace zelto::cli {
@@ -64,10 +69,6 @@ std::string fileNameOf(const Blob& blob, std::size_t number) {
     return name;
 }
 
-Failure failureOf(const FileError& error) {
-    return {std::string(nameOf(error.code)), error.message(), ""};
-}
-
 // "name.png", else "name (1).png"...
 Outcome<std::filesystem::path> saved(const std::filesystem::path& folder, const std::filesystem::path& name,
                                      std::string_view bytes) {
@@ -95,82 +96,73 @@ Outcome<std::filesystem::path> saved(const std::filesystem::path& folder, const 
 }
 
 // Adds what the items come to, one after the other.
-class Content {
+class Collector {
   public:
-    Content(const std::optional<std::filesystem::path>& folder, const Terminal& terminal)
-        : folder_(folder), terminal_(terminal) {}
+    explicit Collector(const std::optional<std::filesystem::path>& folder) : folder_(folder) {}
 
-    Outcome<void> add(const MCPContentItem& item) {
+    void add(const MCPContentItem& item) {
         ++number_;
         if (const auto* shown = textOf(item)) {
-            text += terminal_.shownLines(*shown);
-            text += shown->ends_with('\n') || shown->empty() ? "" : "\n";
+            content.text += escapedLines(*shown);
+            content.text += shown->ends_with('\n') || shown->empty() ? "" : "\n";
         }
         if (const auto blob = blobOf(item)) {
-            return addBlob(*blob);
+            addBlob(*blob);
+        } else if (!textOf(item)) {
+            content.text += terminalSafeJSON(JSONEncoder().encode(item).value_or("null")) + "\n";
         }
-        if (!textOf(item)) {
-            text += terminalSafeJSON(JSONEncoder().encode(item).value_or("null")) + "\n";
-        }
-        return {};
     }
 
-    std::string text;
-    JSONValue::Array files;
+    McpContent content;
 
   private:
-    Outcome<void> addBlob(const Blob& blob) {
+    void addBlob(const Blob& blob) {
         const auto bytes = base64Decoded(*blob.base64);
-        const auto head =
-            "[" + blob.kind + (blob.mimeType.empty() ? "" : " " + terminal_.shown(blob.mimeType)) + ", ";
-        if (!bytes) {
-            text += head + "not valid Base64] cannot be saved; --json shows it as it is\n";
-            return {};
-        }
-        text += head + std::to_string(bytes->size()) + " bytes] ";
-        if (!folder_) {
-            text += "not saved; --out DIR saves it\n";
-            return {};
-        }
-        const auto path = saved(*folder_, fileNameOf(blob, number_), *bytes);
+        content.text += "[" + blob.kind +
+                        (blob.mimeType.empty() ? "" : " " + escapeControlCharacters(blob.mimeType)) + ", " +
+                        (bytes ? std::to_string(bytes->size()) + " bytes] " : "not valid Base64] ");
+        content.text += !bytes    ? "cannot be saved; --json shows it as it is"
+                        : folder_ ? save(blob, *bytes)
+                                  : "not saved; --out DIR saves it";
+        content.text += '\n';
+    }
+
+    // What came of it.
+    std::string save(const Blob& blob, std::string_view bytes) {
+        auto path = saved(*folder_, fileNameOf(blob, number_), bytes);
         if (!path) {
-            return failure(path.error());
+            content.unsaved.push_back(std::move(path.error()));
+            return "cannot be saved: " + escapeControlCharacters(content.unsaved.back().message);
         }
-        text += "saved as " + terminal_.shown(path->string()) + "\n";
-        files.push_back(JSONObject{{"item", number_ - 1}, {"path", path->string()}, {"size", bytes->size()}});
-        return {};
+        content.saved.push_back(
+            JSONObject{{"item", number_ - 1}, {"path", path->string()}, {"size", bytes.size()}});
+        return "saved as " + escapeControlCharacters(path->string());
     }
 
     const std::optional<std::filesystem::path>& folder_;
-    const Terminal& terminal_;
     std::size_t number_ = 0;
 };
 
 } // namespace
 
-Outcome<Report> reportOf(const MCPToolCallResult& result, const std::optional<std::filesystem::path>& folder,
-                         const Terminal& terminal) {
-    if (folder) {
-        std::error_code error;
-        std::filesystem::create_directories(*folder, error);
-        if (error) {
-            return failure(failureOf(FileError::fromSystem(error.value(), *folder)));
-        }
-    }
-    Content content(folder, terminal);
+McpContent contentOf(const MCPToolCallResult& result, const std::optional<std::filesystem::path>& folder) {
+    Collector collector(folder);
     for (const auto& item : result.content) {
-        if (auto added = content.add(item); !added) {
-            return failure(std::move(added.error()));
-        }
+        collector.add(item);
     }
-    Report report;
-    const auto json = JSONValue::of(result);
-    report.members = json ? *json->asObject() : JSONObject();
-    if (folder) {
-        report.members.set("saved", std::move(content.files));
+    return std::move(collector.content);
+}
+
+Outcome<void> prepareFolder(const std::filesystem::path& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) {
+        return failure(failureOf(FileError::fromSystem(error.value(), folder)));
     }
-    report.text = std::move(content.text);
-    return report;
+    if (::access(folder.c_str(), W_OK | X_OK) != 0) {
+        return failure(failureOf(FileError::fromSystem(errno, folder)));
+    }
+    return {};
 }
 
 } // namespace zelto::cli

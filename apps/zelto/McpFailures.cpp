@@ -28,11 +28,6 @@ std::string textsOf(const MCPToolCallResult& result) {
     return texts.empty() ? "it does not say why" : texts;
 }
 
-JSONObject membersOf(const MCPToolCallResult& result) {
-    const auto json = JSONValue::of(result);
-    return json ? *json->asObject() : JSONObject();
-}
-
 struct Description {
     std::string message;
     JSONObject members = {};

@@ -1,5 +1,7 @@
 #include "McpOptions.h"
 
+#include "FileFailure.h"
+
 #include <Platform/FileManager.h>
 #include <Platform/HTTP/HTTPHeaders.h>
 #include <Platform/Text.h>
@@ -40,7 +42,7 @@ Outcome<void> addHeader(std::map<std::string, std::string>& headers, std::string
 Outcome<void> addHeadersOfInput(std::map<std::string, std::string>& headers) {
     const auto input = FileManager::readFile("/dev/stdin", largestInput);
     if (!input) {
-        return failure(Failure{std::string(nameOf(input.error().code)), input.error().message(), ""});
+        return failure(failureOf(input.error()));
     }
     std::istringstream lines{std::string(viewOf(*input))};
     for (std::string line; std::getline(lines, line);) {
@@ -75,7 +77,7 @@ Outcome<std::string> argumentsText(const std::string& given) {
     }
     const auto file = FileManager::readFile(given.substr(1), largestArguments);
     if (!file) {
-        return failure(Failure{std::string(nameOf(file.error().code)), file.error().message(), ""});
+        return failure(failureOf(file.error()));
     }
     return std::string(viewOf(*file));
 }

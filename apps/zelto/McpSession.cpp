@@ -25,6 +25,10 @@ std::vector<SecretRegistry::Registration> registered(const std::map<std::string,
     std::vector<SecretRegistry::Registration> secrets;
     for (const auto& [name, value] : headers) {
         secrets.push_back(SecretRegistry::shared().add(value));
+        // The credential may turn up without its scheme.
+        if (const auto blank = value.find(' '); blank != std::string::npos) {
+            secrets.push_back(SecretRegistry::shared().add(trimmed(std::string_view(value).substr(blank))));
+        }
     }
     return secrets;
 }
@@ -33,8 +37,10 @@ std::vector<SecretRegistry::Registration> registered(const std::map<std::string,
 
 McpSession::McpSession(const McpOptions& options)
     : options_(options), secrets_(registered(options.headers)),
-      client_(options.server, std::make_shared<GivenHeaders>(options.headers)),
-      deadline_(Clock::now() + options.timeout) {}
+      transport_(std::make_shared<MCPHTTPTransport>(options.server,
+                                                    std::make_shared<GivenHeaders>(options.headers),
+                                                    std::nullopt, URLSessionConfiguration::ephemeral())),
+      client_(transport_), deadline_(Clock::now() + options.timeout) {}
 
 McpSession::~McpSession() {
     if (!hasConnected_) {
@@ -42,11 +48,14 @@ McpSession::~McpSession() {
     }
     constexpr std::chrono::seconds longestGoodbye{10};
     deadline_ = Clock::now() + longestGoodbye;
+    hasTimedOut_ = false;
+    wasInterrupted_ = interruption_.stop().stop_requested();
+    saysGoodbye_ = true;
     const auto ended =
         wait<void>([](MCPClient& client, MCPCompletion<void> done) { client.disconnect(std::move(done)); });
     if (!ended) {
         writeError("zelto: warning: the session was not ended: " +
-                   escapeControlCharacters(ended.error().message) + "\n");
+                   escapeControlCharacters(failureOfEnd(ended.error()).message) + "\n");
     }
 }
 
@@ -54,22 +63,36 @@ Outcome<MCPInitializeResult> McpSession::connect() {
     auto result = wait<MCPInitializeResult>(
         [](MCPClient& client, MCPCompletion<MCPInitializeResult> done) { client.connect(std::move(done)); });
     hasConnected_ = result.has_value();
-    return result;
+    if (!result) {
+        return failure(failureOfEnd(result.error()));
+    }
+    return *std::move(result);
+}
+
+bool McpSession::mustEnd() {
+    hasTimedOut_ = hasTimedOut_ || Clock::now() >= deadline_;
+    return hasTimedOut_ || (interruption_.stop().stop_requested() && !wasInterrupted_);
 }
 
 void McpSession::waitUntil(const std::function<bool(std::chrono::milliseconds)>& isOver) {
     constexpr std::chrono::milliseconds step{100};
-    const auto stop = interruption_.stop();
     for (;;) {
+        if (mustEnd()) {
+            // Again, should the client have been between two requests.
+            client_.cancelAll();
+        }
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline_ - Clock::now());
         if (isOver(std::clamp(left, std::chrono::milliseconds(1), step))) {
             return;
         }
-        hasTimedOut_ = hasTimedOut_ || Clock::now() >= deadline_;
-        if (hasTimedOut_ || stop.stop_requested()) {
-            // Again, should the client have been between two requests.
-            client_.cancelAll();
-        }
+    }
+}
+
+void McpSession::maskSessionID() {
+    auto id = transport_->activeSessionID();
+    if (id && id != sessionID_) {
+        maskedSessionID_ = SecretRegistry::shared().add(*id);
+        sessionID_ = std::move(id);
     }
 }
 
@@ -78,10 +101,11 @@ Failure McpSession::failureOfEnd(const MCPError& error) const {
     if (failure.name != "cancelled") {
         return failure;
     }
-    if (interruption_.stop().stop_requested()) {
+    if (interruption_.stop().stop_requested() && !wasInterrupted_) {
         failure.status = ExitStatus::interrupted;
     } else if (hasTimedOut_) {
-        failure = {"timedOut", "The server did not answer in time; --timeout SECONDS gives it longer", ""};
+        failure = {"timedOut", "The server did not answer in time", ""};
+        failure.message += saysGoodbye_ ? "" : "; --timeout SECONDS gives it longer";
     }
     return failure;
 }

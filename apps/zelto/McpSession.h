@@ -6,6 +6,7 @@
 
 #include <ZeltoCommonLogger/SecretRegistry.h>
 #include <ZeltoIntegrations/MCP/MCPClient.h>
+#include <ZeltoIntegrations/MCP/MCPHTTPTransport.h>
 
 #include <chrono>
 #include <functional>
@@ -16,7 +17,8 @@
 namespace zelto::cli {
 
 // A session with a server for the length of one command. What it waits for ends by the deadline and by
-// Ctrl-C.
+// Ctrl-C; nothing is begun behind them. The log masks the session's identifier and what the header fields
+// hold.
 class McpSession {
   public:
     explicit McpSession(const McpOptions& options);
@@ -28,11 +30,13 @@ class McpSession {
 
     Outcome<MCPInitializeResult> connect();
 
-    // Begins an operation and waits for it.
-    template <class T> Outcome<T> wait(const std::function<void(MCPClient&, MCPCompletion<T>)>& begin);
+    template <class T> using Operation = std::function<void(MCPClient&, MCPCompletion<T>)>;
 
-    // Does it as often as the options say; gives the last result.
-    template <class T> Outcome<T> repeat(const std::function<void(MCPClient&, MCPCompletion<T>)>& begin);
+    // Does it as often as the options say, up to the first failure; gives the last result.
+    template <class T> MCPResult<T> repeat(const Operation<T>& begin);
+
+    // What the failure of an operation of this session comes to.
+    Failure failureOfEnd(const MCPError& error) const;
 
     // Adds the rate of what was repeated, where it was asked for.
     void addRate(Report& report) const;
@@ -40,48 +44,55 @@ class McpSession {
   private:
     using Clock = std::chrono::steady_clock;
 
-    // Cancels at the deadline; returns when `isOver` is true.
+    // Begins an operation and waits for it.
+    template <class T> MCPResult<T> wait(const Operation<T>& begin);
+
+    // Whether the deadline or Ctrl-C has come.
+    bool mustEnd();
+
+    // Cancels when the session must end; returns when `isOver` is true.
     void waitUntil(const std::function<bool(std::chrono::milliseconds)>& isOver);
-    Failure failureOfEnd(const MCPError& error) const;
+
+    // The client begins another session when the server has dropped this one.
+    void maskSessionID();
 
     McpOptions options_;
     std::vector<SecretRegistry::Registration> secrets_;
+    std::shared_ptr<MCPHTTPTransport> transport_;
     MCPClient client_;
+    std::optional<std::string> sessionID_;
+    SecretRegistry::Registration maskedSessionID_;
     Interruption interruption_;
     Clock::time_point deadline_;
     bool hasTimedOut_ = false;
     bool hasConnected_ = false;
+    bool saysGoodbye_ = false;
+    bool wasInterrupted_ = false; // before the goodbye, which that must not end
     std::chrono::duration<double> repeated_{0};
 };
 
-template <class T>
-Outcome<T> McpSession::wait(const std::function<void(MCPClient&, MCPCompletion<T>)>& begin) {
+template <class T> MCPResult<T> McpSession::wait(const Operation<T>& begin) {
+    if (mustEnd()) {
+        return failure(MCPError(URLError{URLErrorCode::cancelled, "Cancelled."}));
+    }
     // Shared: a completion may still be on its way out when the result has been taken.
     const auto promise = std::make_shared<std::promise<MCPResult<T>>>();
     auto future = promise->get_future();
     begin(client_, [promise](MCPResult<T> result) { promise->set_value(std::move(result)); });
     waitUntil(
         [&](std::chrono::milliseconds time) { return future.wait_for(time) == std::future_status::ready; });
-    auto result = future.get();
-    if (!result) {
-        return failure(failureOfEnd(result.error()));
-    }
-    if constexpr (std::is_void_v<T>) {
-        return {};
-    } else {
-        return *std::move(result);
-    }
+    maskSessionID();
+    return future.get();
 }
 
-template <class T>
-Outcome<T> McpSession::repeat(const std::function<void(MCPClient&, MCPCompletion<T>)>& begin) {
+template <class T> MCPResult<T> McpSession::repeat(const Operation<T>& begin) {
     const auto start = Clock::now();
-    auto outcome = wait<T>(begin);
-    for (int count = 1; count < options_.repeat && outcome; ++count) {
-        outcome = wait<T>(begin);
+    auto result = wait<T>(begin);
+    for (int count = 1; count < options_.repeat && result; ++count) {
+        result = wait<T>(begin);
     }
     repeated_ = Clock::now() - start;
-    return outcome;
+    return result;
 }
 
 } // namespace zelto::cli

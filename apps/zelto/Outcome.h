@@ -25,6 +25,10 @@ struct Failure {
     std::string next;    // the command to try next; if empty, the help of the command
     ExitStatus status = ExitStatus::failed;
     JSONObject members = {}; // of the JSON document, behind "next"
+    // Without --json: what there is all the same, for standard output, and lines behind the message, as they
+    // are to be shown.
+    std::string output = {};
+    std::string details = {};
 };
 
 inline std::unexpected<Failure> wrongUsage(std::string message, std::string next = {}) {
@@ -32,5 +36,12 @@ inline std::unexpected<Failure> wrongUsage(std::string message, std::string next
 }
 
 template <class T> using Outcome = Result<T, Failure>;
+
+// A coded record as members of a report. None if it has no JSON, which cannot be said of one that was JSON.
+template <class Record> JSONObject membersOf(const Record& record) {
+    const auto json = JSONValue::of(record);
+    const auto* members = json ? json->asObject() : nullptr;
+    return members ? *members : JSONObject();
+}
 
 } // namespace zelto::cli

@@ -82,20 +82,23 @@ std::string Terminal::shown(std::string_view text) const {
 }
 
 std::string Terminal::shownLines(std::string_view text) const {
-    if (!outputIsTerminal) {
-        return std::string(text);
-    }
+    return outputIsTerminal ? escapedLines(text) : std::string(text);
+}
+
+std::string escapedLines(std::string_view text) {
     std::string lines;
-    for (std::size_t start = 0; start < text.size();) {
-        const auto end = text.find_first_of("\n\t", start);
-        lines += escapeControlCharacters(text.substr(start, end - start));
+    for (;;) {
+        const auto end = text.find_first_of("\n\t");
+        auto part = text.substr(0, end);
+        const bool hasTwoBytes = end != std::string_view::npos && text[end] == '\n' && part.ends_with('\r');
+        part.remove_suffix(hasTwoBytes ? 1 : 0);
+        lines += escapeControlCharacters(part);
         if (end == std::string_view::npos) {
-            break;
+            return lines;
         }
-        lines += text[end];
-        start = end + 1;
+        lines += text.substr(part.size(), end + 1 - part.size());
+        text.remove_prefix(end + 1);
     }
-    return lines;
 }
 
 std::string terminalSafeJSON(std::string_view json) {

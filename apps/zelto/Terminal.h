@@ -19,6 +19,9 @@ struct Terminal {
     std::string shownLines(std::string_view text) const;
 };
 
+// Text of several lines with control characters and the like as escapes, but for line ends and tabs.
+std::string escapedLines(std::string_view text);
+
 // JSON text in which, behind what JSON itself asks for, no character stands that a terminal obeys: DEL, C1
 // and the marks that turn the direction of writing are escaped.
 std::string terminalSafeJSON(std::string_view json);

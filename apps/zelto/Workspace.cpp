@@ -1,6 +1,7 @@
 #include "Workspace.h"
 
 #include "DeferredKeyChain.h"
+#include "FileFailure.h"
 #include "ServiceNames.h"
 #include "ShellText.h"
 #include "Terminal.h"
@@ -73,7 +74,7 @@ Outcome<Workspace> Workspace::open(const Invocation& invocation, bool readOnly) 
     if (readOnly && !std::filesystem::exists(directory, error) && !error) {
         auto empty = FileManager::temporaryPath("accounts");
         if (!empty) {
-            return failure(Failure{std::string(nameOf(empty.error().code)), empty.error().message(), ""});
+            return failure(failureOf(empty.error()));
         }
         directory = *std::move(empty);
     }

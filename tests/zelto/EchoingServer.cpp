@@ -1,0 +1,31 @@
+#include "EchoingServer.h"
+
+#include <Platform/JSON/JSONValue.h>
+
+namespace zelto {
+
+MCPServer::Answer echoing() {
+    return [](const ReceivedRequest& request) {
+        const auto method = methodOf(request);
+        if (method == "DELETE") {
+            return status(200);
+        }
+        if (method == "tools/list") {
+            return jsonAnswer(
+                request,
+                R"({"tools":[{"name":"first","description":"Does it.\nAnd more","inputSchema":)"
+                R"({"type":"object","z":1.0}},{"name":"\u001b[31mred","title":"T","inputSchema":{}}]})");
+        }
+        if (method == "tools/call") {
+            const auto body = JSONValue::parse(request.body).value();
+            const auto* arguments = body.find("params")->find("arguments");
+            const auto* result = arguments ? arguments->find("result") : nullptr;
+            return eventStream(
+                eventOf(answerTo(idOf(request), result ? result->text().value()
+                                                       : R"({"content":[{"type":"text","text":"done"}]})")));
+        }
+        return jsonAnswer(request, "{}");
+    };
+}
+
+} // namespace zelto
