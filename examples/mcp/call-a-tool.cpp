@@ -6,24 +6,41 @@
 #include <future>
 #include <memory>
 
+using namespace zelto;
+
+static void print(const MCPToolCallResult& result, std::FILE* to) {
+    for (const auto& item : result.content) {
+        std::fprintf(to, "%s\n", JSONEncoder().encode(item).value_or("").c_str());
+    }
+}
+
+// A failure is a case of MCPClientError, or of the connection, or an answer that cannot be read.
+static int told(const MCPError& error) {
+    const auto* protocol = error.clientError();
+    if (const auto* tool = protocol ? protocol->as<MCPClientError::ToolCallFailed>() : nullptr) {
+        print(tool->result, stderr); // why it failed
+    }
+    const auto* connection = std::get_if<URLError>(&error.value);
+    const std::string name(protocol ? protocol->caseName() : connection ? connection->message : "no answer");
+    std::fprintf(stderr, "call-a-tool: %s\n", name.c_str());
+    return 1;
+}
+
 int main(int argc, char** argv) {
-    const auto url = zelto::URL::parse(argc > 1 ? argv[1] : "");
-    const auto arguments = zelto::JSONValue::parse(argc > 3 ? argv[3] : "{}");
+    const auto url = URL::parse(argc > 1 ? argv[1] : "");
+    const auto arguments = JSONValue::parse(argc > 3 ? argv[3] : "{}");
     if (!url || argc < 3 || !arguments) {
         return std::fputs("usage: call-a-tool URL TOOL [JSON]\n", stderr), 2;
     }
-    zelto::MCPClient client(*url);
+    MCPClient client(*url);
     const auto status = std::make_shared<std::promise<int>>();
-    client.connect([&, status](zelto::MCPResult<zelto::MCPInitializeResult> server) {
+    client.connect([&, status](MCPResult<MCPInitializeResult> server) {
         if (!server) {
-            return status->set_value(1);
+            return status->set_value(told(server.error()));
         }
-        client.callTool(argv[2], *arguments, [&, status](zelto::MCPResult<zelto::MCPToolCallResult> result) {
-            for (const auto& item : result ? result->content : std::vector<zelto::MCPContentItem>()) {
-                std::puts(zelto::JSONEncoder().encode(item).value_or("").c_str());
-            }
-            client.disconnect(
-                [status, isDone = result.has_value()](auto) { status->set_value(isDone ? 0 : 1); });
+        client.callTool(argv[2], *arguments, [&, status](MCPResult<MCPToolCallResult> result) {
+            const int end = result ? (print(*result, stdout), 0) : told(result.error());
+            client.disconnect([status, end](auto) { status->set_value(end); });
         });
     });
     return status->get_future().get();

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <fstream>
 #include <set>
 
 namespace zelto {
@@ -155,48 +156,67 @@ TEST_F(Everything, TakesAThousandCallsInOneSession) {
     }
 }
 
-class Files : public testing::Test {
+class Git : public testing::Test {
   protected:
     void SetUp() override { ASSERT_TRUE(connect(client)); }
 
     std::shared_ptr<MCPHTTPTransport> transport = std::make_shared<MCPHTTPTransport>(
-        urlIn("ZELTO_MCP_FILES"), nullptr, std::nullopt, URLSessionConfiguration::ephemeral());
+        urlIn("ZELTO_MCP_GIT"), nullptr, std::nullopt, URLSessionConfiguration::ephemeral());
     MCPClient client{transport};
-    std::string folder = environment("ZELTO_MCP_FOLDER");
+    std::string folder =
+        environment("ZELTO_MCP_FOLDER") + "/" + testing::UnitTest::GetInstance()->current_test_info()->name();
+
+    // What the tool gives as text is JSON.
+    JSONValue called(const std::string& tool, JSONObject arguments) {
+        const auto result = callTool(client, tool, JSONValue(std::move(arguments)));
+        return result ? json(contentOf<MCPContentItem::Text>(result).text) : JSONValue();
+    }
 };
 
-TEST_F(Files, ListsItsTools) {
+TEST_F(Git, ListsItsTools) {
     const auto names = toolsOf(client);
-    EXPECT_TRUE(names.contains("write_file"));
-    EXPECT_TRUE(names.contains("read_text_file"));
+    EXPECT_TRUE(names.contains("git_init"));
+    EXPECT_TRUE(names.contains("git_commit"));
     EXPECT_TRUE(disconnect(client));
 }
 
-TEST_F(Files, WritesAndReadsAFile) {
-    const std::string text = "Zeile é 漢 😀\r\n\tzwei\n";
-    ASSERT_TRUE(callTool(client, "write_file",
-                         JSONValue(JSONObject{{"path", folder + "/note.txt"}, {"content", text}})));
-    const auto result =
-        callTool(client, "read_text_file", JSONValue(JSONObject{{"path", folder + "/note.txt"}}));
-    EXPECT_EQ(contentOf<MCPContentItem::Text>(result).text, text);
+TEST_F(Git, CommitsAFile) {
+    const std::string text = "Zeile é 漢 😀";
+    EXPECT_EQ(called("git_init", {{"path", folder}}).find("success")->asBool(), true);
+    std::ofstream(folder + "/note.txt") << text << '\n';
+    called("git_add", {{"path", folder}, {"paths", JSONValue::Array{"note.txt"}}});
+    called("git_commit", {{"path", folder}, {"message", "Add \"" + text + "\""}});
+    const auto shown = callTool(client, "git_show",
+                                JSONValue(JSONObject{{"path", folder}, {"object", "HEAD"}, {"stat", false}}));
+    const auto all = contentOf<MCPContentItem::Text>(shown).text;
+    EXPECT_NE(all.find("Add \\\"" + text), std::string::npos) << all;
+    EXPECT_NE(all.find("+" + text), std::string::npos) << all;
     EXPECT_TRUE(disconnect(client));
 }
 
-TEST_F(Files, RefusesWhatLiesOutside) {
-    const auto result = callTool(client, "read_text_file", JSONValue(JSONObject{{"path", "/etc/hostname"}}));
+TEST_F(Git, GoesOnFromAnEarlierCall) {
+    called("git_init", {{"path", folder}});
+    called("git_set_working_dir", {{"path", folder}});
+    EXPECT_EQ(called("git_status", {}).find("currentBranch")->text(), "\"main\"");
+    EXPECT_TRUE(disconnect(client));
+}
+
+TEST_F(Git, RefusesWhatLiesOutside) {
+    const auto result = callTool(client, "git_status", json(R"({"path":"/etc"})"));
     ASSERT_FALSE(result);
     EXPECT_TRUE(result.error().is<MCPClientError::ToolCallFailed>());
     EXPECT_TRUE(disconnect(client));
 }
 
-TEST_F(Files, ASessionThatTheServerDroppedIsBegunAgain) {
+TEST_F(Git, ASessionThatTheServerDroppedIsBegunAgain) {
+    called("git_init", {{"path", folder}});
     const auto before = transport->activeSessionID();
     ASSERT_TRUE(before);
-    URLRequest end(urlIn("ZELTO_MCP_FILES"), "DELETE");
+    URLRequest end(urlIn("ZELTO_MCP_GIT"), "DELETE");
     end.headers.set("Mcp-Session-Id", *before);
     URLSession session(URLSessionConfiguration::ephemeral());
     ASSERT_EQ(TaskEnd::of(session, end).status(), 200);
-    EXPECT_TRUE(callTool(client, "list_allowed_directories", json("{}")));
+    EXPECT_EQ(called("git_status", {{"path", folder}}).find("isClean")->asBool(), true);
     ASSERT_TRUE(transport->activeSessionID());
     EXPECT_NE(transport->activeSessionID(), before);
     EXPECT_TRUE(ping(client));

@@ -22,7 +22,8 @@ namespace zelto {
 // When the server has dropped the session, ping, listTools and callTool connect anew, once, and try again.
 //
 // All functions may be called on any thread, several at a time; they share the session. Every failure comes
-// by the completion, which runs where MCPTransport says: with the transport over HTTP on its delegate queue.
+// by the completion, which runs where MCPTransport says: with the transport over HTTP on its delegate queue,
+// but for what MCPHTTPTransport names.
 // Operations that are under way when the client is released go on to their ends.
 class MCPClient {
   public:

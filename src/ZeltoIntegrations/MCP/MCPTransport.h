@@ -11,7 +11,8 @@
 namespace zelto {
 
 // Carries messages to one server and holds what the session is: its identifier and the negotiated version.
-// Any thread.
+// Any thread. Each completion comes once: on a queue of the transport's own, or, where nothing is sent, on
+// the thread that finds that out, which may be before the call returns.
 class MCPTransport {
   public:
     virtual ~MCPTransport() = default;
