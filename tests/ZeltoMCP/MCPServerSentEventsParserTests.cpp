@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
+#include <limits>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,6 +20,10 @@ using Events = std::vector<MCPServerSentEvent>;
 
 MCPServerSentEvent event(std::string data) {
     return {{}, std::move(data), {}, {}};
+}
+
+std::shared_ptr<const std::string> id(std::string text) {
+    return std::make_shared<const std::string>(std::move(text));
 }
 
 // The events of a stream in pieces of that many bytes; those of finish() too.
@@ -88,9 +96,25 @@ TEST(MCPServerSentEventsParser, AnEventWithoutDataLosesItsName) {
 }
 
 TEST(MCPServerSentEventsParser, RepeatsTheLastIDOnEveryEvent) {
-    EXPECT_EQ(eventsIn("id: 1\ndata: a\n\ndata: b\n\n"), (Events{{{}, "a", "1", {}}, {{}, "b", "1", {}}}));
-    EXPECT_EQ(eventsIn("id: 1\n\nid\ndata: b\n\n"), (Events{{{}, "b", "", {}}}));
-    EXPECT_EQ(eventsIn("id: x\0y\ndata: b\n\n"sv), (Events{{{}, "b", "x\0y"s, {}}}));
+    EXPECT_EQ(eventsIn("id: 1\ndata: a\n\ndata: b\n\n"),
+              (Events{{{}, "a", id("1"), {}}, {{}, "b", id("1"), {}}}));
+    EXPECT_EQ(eventsIn("id: 1\n\nid\ndata: b\n\n"), (Events{{{}, "b", id(""), {}}}));
+    EXPECT_EQ(eventsIn("id: x\0y\ndata: b\n\n"sv), (Events{{{}, "b", id("x\0y"s), {}}}));
+    EXPECT_NE(eventsIn("id: 1\ndata: a\n\n"), (Events{{{}, "a", id("2"), {}}}));
+    EXPECT_NE(eventsIn("id: 1\ndata: a\n\n"), Events{event("a")});
+}
+
+TEST(MCPServerSentEventsParser, ALongIDIsThereOnceHoweverManyEventsHaveIt) {
+    std::string stream = "id: " + std::string(1 << 20, 'x') + "\n";
+    for (int index = 0; index < 30'000; ++index) {
+        stream += "data:{}\n\n";
+    }
+    MCPServerSentEventsParser parser;
+    const auto events = parser.append(stream);
+    ASSERT_TRUE(events);
+    ASSERT_EQ(events->size(), 30'000u);
+    EXPECT_EQ(events->front().id->size(), std::size_t{1} << 20);
+    EXPECT_EQ(events->front().id.get(), events->back().id.get());
 }
 
 TEST(MCPServerSentEventsParser, RetryIsAWholeNumberOrNone) {
@@ -143,6 +167,14 @@ TEST(MCPServerSentEventsParser, ALineThatIsNotUTF8IsAnError) {
     EXPECT_EQ(parser.append("data: \xFF"), Events{});
     EXPECT_EQ(parser.finish(), failure(MCPClientError::invalidServerSentEventsUTF8()));
     EXPECT_EQ(parser.finish(), Events{});
+}
+
+TEST(MCPServerSentEventsParser, TextInManyLettersIsCutLikeAnyOther) {
+    EXPECT_EQ(eventsIn("data: é\n\ndata: 漢\nevent: ü\n\n: ß\n\ndata: 😀\n\n"),
+              (Events{event("é"), {"ü", "漢", {}, {}}, event("😀")}));
+    MCPServerSentEventsParser parser;
+    EXPECT_EQ(parser.append("data: é\n\ndata: \xC3"), Events{event("é")});
+    EXPECT_EQ(parser.append("\xA9\n\n"), Events{event("é")});
 }
 
 TEST(MCPServerSentEventsParser, BehindALineThatFailedTheRestIsKept) {
@@ -199,7 +231,7 @@ TEST(MCPServerSentEventsParser, LongLinesComeWholeInSmallPieces) {
         ASSERT_EQ(events.size(), 2u);
         EXPECT_TRUE(events[0].data == longText + "\n" + longText);
         EXPECT_TRUE(events[1].data == longText);
-        EXPECT_EQ(events[1].id, "7");
+        EXPECT_EQ(*events[1].id, "7");
     }
 }
 

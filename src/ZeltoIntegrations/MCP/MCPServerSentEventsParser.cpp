@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::size_t longLine = 4096;
 constexpr std::size_t largestReserve = std::size_t{4} << 20;
+constexpr std::size_t largeText = std::size_t{1} << 20;
 constexpr std::string_view dataField = "data:";
 
 std::optional<std::int64_t> decimalInteger(std::string_view text) {
@@ -28,6 +29,13 @@ std::optional<std::int64_t> decimalInteger(std::string_view text) {
     return error == std::errc() && read == end ? std::optional(value) : std::nullopt;
 }
 
+// Makes room in large steps: memory that is not written to costs less than moving what is there.
+void reserveFor(std::size_t more, std::string& text) {
+    if (text.size() >= largeText && text.capacity() - text.size() < more) {
+        text.reserve(std::max(4 * text.capacity(), text.size() + more));
+    }
+}
+
 bool isASCII(char c) {
     return static_cast<unsigned char>(c) < 0x80;
 }
@@ -38,6 +46,11 @@ bool beginsWithBlank(std::string_view value) {
 }
 
 } // namespace
+
+bool MCPServerSentEvent::operator==(const MCPServerSentEvent& other) const {
+    const bool isSameID = id && other.id ? *id == *other.id : id == other.id;
+    return isSameID && event == other.event && data == other.data && retry == other.retry;
+}
 
 MCPServerSentEventsParser::Events MCPServerSentEventsParser::append(std::string_view bytes) {
     return processBufferedLines(bytes, false);
@@ -57,9 +70,19 @@ MCPServerSentEventsParser::Events MCPServerSentEventsParser::processBufferedLine
         pendingHasLines_ = false;
     }
     std::vector<MCPServerSentEvent> events;
+    std::size_t text = 0; // so many of the bytes are known to be UTF-8
     for (auto end = bytes.find('\n'); end != std::string_view::npos; end = bytes.find('\n')) {
-        const bool isText = endLine(bytes.substr(0, end), events);
+        const auto line = bytes.substr(0, end);
+        bool isText = false;
+        if (hasPartialLine()) {
+            isText = endPartialLine(line, events);
+        } else {
+            // All bytes at once take less time than line by line.
+            text = text < end ? validUTF8Length(bytes) : text;
+            isText = process(line, text >= end, events);
+        }
         bytes.remove_prefix(end + 1);
+        text -= std::min(text, end + 1);
         if (!isText) {
             pendingBytes_ = bytes;
             pendingHasLines_ = true;
@@ -67,7 +90,7 @@ MCPServerSentEventsParser::Events MCPServerSentEventsParser::processBufferedLine
         }
     }
     keepPartialLine(bytes);
-    if (flushTrailingLine && (openLine_ || !pendingBytes_.empty()) && !endLine({}, events)) {
+    if (flushTrailingLine && hasPartialLine() && !endPartialLine({}, events)) {
         return failure(MCPClientError::invalidServerSentEventsUTF8());
     }
     return events;
@@ -87,17 +110,18 @@ void MCPServerSentEventsParser::keepPartialLine(std::string_view bytes) {
     }
 }
 
-// The end of the line that is pending, or all of a line.
-bool MCPServerSentEventsParser::endLine(std::string_view rest, std::vector<MCPServerSentEvent>& events) {
+bool MCPServerSentEventsParser::hasPartialLine() const {
+    return openLine_ || !pendingBytes_.empty();
+}
+
+bool MCPServerSentEventsParser::endPartialLine(std::string_view rest,
+                                               std::vector<MCPServerSentEvent>& events) {
     if (openLine_) {
         appendToOpenLine(rest);
         return closeOpenLine();
     }
-    if (pendingBytes_.empty()) {
-        return process(rest, events);
-    }
     pendingBytes_ += rest;
-    const bool isText = process(pendingBytes_, events);
+    const bool isText = process(pendingBytes_, isValidUTF8(pendingBytes_), events);
     pendingBytes_.clear();
     return isText;
 }
@@ -108,13 +132,14 @@ void MCPServerSentEventsParser::openLine(std::string_view value) {
     if (hasData_) {
         data_ += '\n';
     }
-    line.begin = line.validated = data_.size();
+    line.validated = data_.size();
     openLine_ = line;
     appendToOpenLine(value);
 }
 
 // Checks what comes while it is at hand; a character may lie across two pieces.
 void MCPServerSentEventsParser::appendToOpenLine(std::string_view bytes) {
+    reserveFor(bytes.size(), data_);
     data_ += bytes;
     openLine_->validated += validUTF8Length(std::string_view(data_).substr(openLine_->validated));
 }
@@ -132,8 +157,9 @@ bool MCPServerSentEventsParser::closeOpenLine() {
     return true;
 }
 
-// False for a line that is not UTF-8.
-bool MCPServerSentEventsParser::process(std::string_view line, std::vector<MCPServerSentEvent>& events) {
+// False for a line that is not text.
+bool MCPServerSentEventsParser::process(std::string_view line, bool isText,
+                                        std::vector<MCPServerSentEvent>& events) {
     if (line.ends_with('\r')) {
         line.remove_suffix(1);
     }
@@ -141,7 +167,7 @@ bool MCPServerSentEventsParser::process(std::string_view line, std::vector<MCPSe
         dispatchEvent(events);
         return true;
     }
-    if (!isValidUTF8(line)) {
+    if (!isText) {
         return false;
     }
     if (line.front() == ':') {
@@ -170,7 +196,7 @@ void MCPServerSentEventsParser::setField(std::string_view name, std::string_view
     } else if (name == "event") {
         eventName_ = value;
     } else if (name == "id") {
-        eventID_ = value;
+        eventID_ = std::make_shared<const std::string>(value);
     } else if (name == "retry") {
         retry_ = decimalInteger(value);
     }

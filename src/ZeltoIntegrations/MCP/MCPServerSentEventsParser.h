@@ -5,6 +5,7 @@
 #include <Platform/Result.h>
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,12 +15,12 @@ namespace zelto {
 
 // One finished event of a text/event-stream.
 struct MCPServerSentEvent {
-    std::optional<std::string> event;  // the last "event" field of this event
-    std::string data;                  // its data lines, joined by line feeds; never empty
-    std::optional<std::string> id;     // the last "id" of the stream so far
-    std::optional<std::int64_t> retry; // the current "retry" of the stream
+    std::optional<std::string> event;      // the last "event" field of this event
+    std::string data;                      // its data lines, joined by line feeds; never empty
+    std::shared_ptr<const std::string> id; // the last "id" of the stream so far, which events share; or null
+    std::optional<std::int64_t> retry;     // the current "retry" of the stream
 
-    bool operator==(const MCPServerSentEvent&) const = default;
+    bool operator==(const MCPServerSentEvent& other) const;
 };
 
 // Cuts the body of a text/event-stream into events, in whatever pieces the bytes come; each is looked at
@@ -44,14 +45,14 @@ class MCPServerSentEventsParser {
     // A long data line that has not ended goes to the event's data as it comes.
     struct OpenLine {
         std::size_t before = 0;    // the size of the data without it
-        std::size_t begin = 0;     // of its value in the data
         std::size_t validated = 0; // UTF-8 up to here
     };
 
     Events processBufferedLines(std::string_view bytes, bool flushTrailingLine);
     void keepPartialLine(std::string_view bytes);
-    bool endLine(std::string_view rest, std::vector<MCPServerSentEvent>& events);
-    bool process(std::string_view line, std::vector<MCPServerSentEvent>& events);
+    bool hasPartialLine() const;
+    bool endPartialLine(std::string_view rest, std::vector<MCPServerSentEvent>& events);
+    bool process(std::string_view line, bool isText, std::vector<MCPServerSentEvent>& events);
     void setField(std::string_view name, std::string_view value);
     void openLine(std::string_view value);
     void appendToOpenLine(std::string_view bytes);
@@ -62,7 +63,7 @@ class MCPServerSentEventsParser {
     bool pendingHasLines_ = false; // behind a line that failed there may be others
     std::optional<OpenLine> openLine_;
     std::optional<std::string> eventName_;
-    std::optional<std::string> eventID_;
+    std::shared_ptr<const std::string> eventID_;
     std::optional<std::int64_t> retry_;
     std::string data_; // the data lines of the event so far, joined
     bool hasData_ = false;
