@@ -22,6 +22,27 @@
 
 namespace zelto {
 
+// A value that is replaced at any time, also while another thread uses it.
+template <class T> class Replaceable {
+  public:
+    explicit Replaceable(T value = {}) { *this = std::move(value); }
+
+    Replaceable& operator=(T value) {
+        const std::lock_guard guard(lock_);
+        value_ = std::make_shared<const T>(std::move(value));
+        return *this;
+    }
+
+    std::shared_ptr<const T> get() const {
+        const std::lock_guard guard(lock_);
+        return value_;
+    }
+
+  private:
+    mutable std::mutex lock_;
+    std::shared_ptr<const T> value_;
+};
+
 // A stand-in of Trello to which every request goes while it lives.
 class TrelloServer {
   public:
@@ -72,42 +93,25 @@ class TrelloServer {
         return texts;
     }
 
-    // To be replaced at any time, also while it is being called.
-    class Replaceable {
-      public:
-        void operator=(Handler handler) {
-            const std::lock_guard guard(lock_);
-            handler_ = std::make_shared<const Handler>(std::move(handler));
-        }
-
-        std::shared_ptr<const Handler> handler() const {
-            const std::lock_guard guard(lock_);
-            return handler_;
-        }
-
-      private:
-        mutable std::mutex lock_;
-        std::shared_ptr<const Handler> handler_;
-    };
-
-    Replaceable onRequest;
-    std::string user = R"({"email":"me@example.org","fullName":"Me","avatarUrl":null,"idEnterprise":null,)"
-                       R"("idPremOrgsAdmin":[],"products":[]})";
-    std::string boards = R"([{"id":"b1","name":"Work","closed":false,"pinned":true,)"
-                         R"("lists":[{"id":"l1","idBoard":"b1","name":"To Do","closed":false}]}])";
+    Replaceable<Handler> onRequest;
+    Replaceable<std::string> user{R"({"email":"me@example.org","fullName":"Me","avatarUrl":null,)"
+                                  R"("idEnterprise":null,"idPremOrgsAdmin":[],"products":[]})"};
+    Replaceable<std::string> boards{
+        R"([{"id":"b1","name":"Work","closed":false,"pinned":true,)"
+        R"("lists":[{"id":"l1","idBoard":"b1","name":"To Do","closed":false}]}])"};
 
   private:
     PlayedAnswer answer(const ReceivedRequest& request) {
-        if (const auto handler = onRequest.handler()) {
+        if (const auto handler = onRequest.get(); *handler) {
             if (auto own = (*handler)(request)) {
                 return *std::move(own);
             }
         }
         if (request.target.starts_with("/1/members/me?")) {
-            return PlayedAnswer::json(user);
+            return PlayedAnswer::json(*user.get());
         }
         if (request.target.starts_with("/1/members/me/boards?")) {
-            return PlayedAnswer::json(boards);
+            return PlayedAnswer::json(*boards.get());
         }
         return PlayedAnswer::json(request.target.starts_with("/1/cards?") ? R"({"id":"c1"})"
                                                                           : R"({"id":"a1"})");
