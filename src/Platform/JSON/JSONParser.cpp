@@ -46,6 +46,11 @@ std::optional<double> nearestDouble(std::string_view text) {
     return value;
 }
 
+// A text may hold so many values and keys: a value takes some twenty times the room of "0,".
+constexpr std::size_t mostNodes = std::size_t{8} << 20;
+
+struct TooManyValues {};
+
 // Takes the events of Boost.JSON's parser.
 class JSONTapeBuilder {
   public:
@@ -55,7 +60,7 @@ class JSONTapeBuilder {
     constexpr static std::size_t max_string_size = max_object_size;
 
     JSONTapeBuilder(std::string_view source, char* inPlace) : source_(source), unescapedEnd_(inPlace) {
-        grow(source.size() / 16 + 16);
+        grow(std::min(source.size() / 16 + 16, mostNodes));
     }
 
     JSONTape take() && { return std::move(tape_); }
@@ -121,7 +126,10 @@ class JSONTapeBuilder {
   private:
     JSONNode& add() {
         if (count_ == capacity_) [[unlikely]] {
-            grow(capacity_ * 2);
+            if (count_ == mostNodes) {
+                throw TooManyValues{};
+            }
+            grow(std::min(capacity_ * 2, mostNodes));
         }
         return tape_.nodes_.get()[count_++];
     }
@@ -341,7 +349,12 @@ Result<JSONTape, DecodingError> JSONTape::parse(std::string_view source, char* i
     }
     boost::json::basic_parser<JSONTapeBuilder> parser(options(), source, inPlace);
     ParserError error;
-    const auto used = parser.write_some(false, source.data(), source.size(), error);
+    std::size_t used = 0;
+    try {
+        used = parser.write_some(false, source.data(), source.size(), error);
+    } catch (const TooManyValues&) {
+        return syntaxError(0, "more than " + std::to_string(mostNodes) + " values and keys");
+    }
     if (error) {
         auto reason = static_cast<boost::json::error>(error.value());
         const auto offset = inPlace ? used : offsetOfFault(source);

@@ -45,7 +45,8 @@ struct JSONNode {
 // key and a value each. Strings without escapes are views of the source, which must outlive the tape.
 class JSONTape {
   public:
-    // Checks the whole text: syntax, UTF-8, escapes, depth, and nothing behind the value.
+    // Checks the whole text: syntax, UTF-8, escapes, depth, and nothing behind the value. More than eight
+    // million values are an error too, since they would take many times the memory of their text.
     static Result<JSONTape, DecodingError> parse(std::string_view source);
 
     // Undoes escapes within the source, which is of no other use after that, instead of in memory of its own.

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 #include <tuple>
-#include <unordered_map>
 
 namespace zelto {
 
@@ -32,10 +32,11 @@ std::vector<const JSONObject::Member*> sorted(const JSONObject& object) {
 
 using Members = std::vector<JSONObject::Member>;
 
-// Small objects are searched for the key, large ones keep the places of all keys.
+// Small objects are searched for the key, large ones keep the places of all keys: ordered, as keys can be
+// chosen that a hash finds alike.
 void readMembers(const JSONReader& reader, Members& members) {
     members.reserve(reader.count());
-    std::unordered_map<std::string_view, std::size_t> places;
+    std::map<std::string_view, std::size_t> places;
     const bool isLarge = reader.count() > fewMembers;
     for (const auto& [key, value] : reader.members()) {
         auto place = members.size();

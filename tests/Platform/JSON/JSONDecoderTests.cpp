@@ -1,3 +1,4 @@
+#include <Platform/JSON/JSONTape.h>
 #include <Platform/JSON/JSONValue.h>
 
 #include <gtest/gtest.h>
@@ -173,6 +174,15 @@ TEST(JSONDecoder, AMillionLevelsAreAnError) {
     EXPECT_EQ(syntaxErrorOf(repeated("{\"a\":", 1'000'000)).text, "nested deeper than 512 levels");
     EXPECT_EQ(syntaxErrorOf(nested(1'000'000)).text, "nested deeper than 512 levels");
     EXPECT_NE(faultOf<int>(repeated("[", 1'000'000)), "decodes");
+}
+
+TEST(JSONDecoder, MoreThanEightMillionValuesAreAnError) {
+    constexpr int most = 8 << 20;
+    const auto zeros = [](int count) { return "[0" + repeated(",0", count - 1) + "]"; };
+    EXPECT_TRUE(JSONTape::parse(zeros(most - 1)));
+    EXPECT_EQ(syntaxErrorOf(zeros(most)).text, "more than 8388608 values and keys");
+    EXPECT_EQ(syntaxErrorOf("{" + repeated("\"\":[],", most / 2) + "\"\":0}").text,
+              "more than 8388608 values and keys");
 }
 
 TEST(JSONDecoder, WhatIsNotJSONIsAnErrorAtItsPlace) {

@@ -81,7 +81,7 @@ TEST(JSONValue, OfADuplicateKeyTheLastValueCountsInTheFirstsPlace) {
     EXPECT_EQ(*value.find("k24"), 49);
 }
 
-TEST(JSONValue, AnObjectOfManyKeysIsReadInLinearTime) {
+TEST(JSONValue, AnObjectOfVeryManyKeysIsReadSoon) {
     std::string text = "{";
     for (int index = 0; index < 200'000; ++index) {
         text += "\"k" + std::to_string(index) + "\":0,";
