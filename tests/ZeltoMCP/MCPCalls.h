@@ -6,13 +6,25 @@
 #include <Support/Completed.h>
 #include <Support/MCPServer.h>
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace zelto {
+
+// What MCPServer::log gives.
+using Log = std::vector<std::string>;
+
+inline MCPHTTPTransport transportTo(const TestHTTPServer& server,
+                                    std::shared_ptr<MCPAuthorizationProvider> provider = nullptr,
+                                    URLSessionConfiguration configuration = {}) {
+    return MCPHTTPTransport(server.url("/mcp"), std::move(provider), std::nullopt, std::move(configuration));
+}
 
 // Calls of the client that are waited for.
 
@@ -57,6 +69,33 @@ inline MCPResult<void> notify(MCPTransport& transport) {
 
 inline MCPResult<void> disconnect(MCPTransport& transport) {
     return waitedFor<void>([&](auto done) { transport.disconnect(std::move(done)); });
+}
+
+inline Log namesOf(const MCPResult<std::vector<MCPTool>>& tools) {
+    Log names;
+    for (const auto& each : tools.value()) {
+        names.push_back(each.name);
+    }
+    return names;
+}
+
+// A page of tools with names of one letter, as the result of tools/list.
+inline std::string page(std::string_view names, std::optional<std::string> cursor = {}) {
+    JSONValue::Array tools;
+    for (const char each : names) {
+        tools.push_back(JSONObject{{"name", std::string(1, each)}, {"inputSchema", JSONObject()}});
+    }
+    JSONObject result{{"tools", std::move(tools)}};
+    if (cursor) {
+        result.set("nextCursor", *cursor);
+    }
+    return JSONValue(std::move(result)).text().value();
+}
+
+// Answers the n-th request behind the handshakes with what the function gives for it.
+inline MCPServer::Answer numbered(std::function<PlayedAnswer(const ReceivedRequest&, int)> answer) {
+    return [answer = std::move(answer), count = std::make_shared<std::atomic<int>>(0)](
+               const ReceivedRequest& request) { return answer(request, ++*count); };
 }
 
 // The connection's error, if it is one.

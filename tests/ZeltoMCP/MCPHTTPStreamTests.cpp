@@ -9,10 +9,6 @@
 namespace zelto {
 namespace {
 
-MCPHTTPTransport transportTo(const TestHTTPServer& server, URLSessionConfiguration configuration = {}) {
-    return MCPHTTPTransport(server.url("/mcp"), nullptr, std::nullopt, std::move(configuration));
-}
-
 // What the request with the id "1" comes to that gets this stream.
 MCPResult<MCPResponse> outcomeOf(std::string stream) {
     TestHTTPServer server({eventStream(std::move(stream))});
@@ -23,7 +19,7 @@ MCPResult<MCPResponse> outcomeOf(std::string stream) {
 MCPResult<MCPResponse> outcomeOf(std::function<void(const Sender&)> play,
                                  URLSessionConfiguration configuration = {}) {
     TestHTTPServer server({eventStream(std::move(play))});
-    auto transport = transportTo(server, std::move(configuration));
+    auto transport = transportTo(server, nullptr, std::move(configuration));
     return send(transport);
 }
 

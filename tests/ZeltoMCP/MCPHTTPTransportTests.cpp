@@ -1,17 +1,16 @@
 #include "MCPCalls.h"
 
+#include <Support/Eventually.h>
+
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <thread>
 
 namespace zelto {
 namespace {
-
-MCPHTTPTransport transportTo(const TestHTTPServer& server,
-                             std::shared_ptr<MCPAuthorizationProvider> provider = nullptr) {
-    return MCPHTTPTransport(server.url("/mcp"), std::move(provider), std::nullopt,
-                            URLSessionConfiguration::ephemeral());
-}
 
 // A transport that holds a session, and a server that answers all that comes after with this.
 struct Session {
@@ -73,12 +72,18 @@ TEST(MCPHTTPTransport, SendsVersionAndSessionOnceItHoldsThem) {
     EXPECT_EQ(transport.activeSessionID(), std::nullopt);
 }
 
-TEST(MCPHTTPTransport, StartsWithTheVersionThatItIsGiven) {
-    TestHTTPServer server({status(202)});
+TEST(MCPHTTPTransport, KeepsTheVersionThatItIsGivenWhenASessionBegins) {
+    TestHTTPServer server({status(202, {{"Mcp-Session-Id", "s"}}), status(202)});
     MCPHTTPTransport transport(server.url(), nullptr, MCPProtocolVersion::v2024_11_05,
                                URLSessionConfiguration::ephemeral());
     ASSERT_TRUE(notify(transport));
-    EXPECT_EQ(server.requests().at(0).headers.value("MCP-Protocol-Version"), "2024-11-05");
+    ASSERT_TRUE(notify(transport));
+    const auto requests = server.requests();
+    EXPECT_EQ(requests.at(0).headers.value("Mcp-Session-Id"), std::nullopt);
+    EXPECT_EQ(requests.at(1).headers.value("Mcp-Session-Id"), "s");
+    for (const auto& each : requests) {
+        EXPECT_EQ(each.headers.value("MCP-Protocol-Version"), "2024-11-05");
+    }
 }
 
 TEST(MCPHTTPTransport, ClearingTheSessionLeavesTheVersion) {
@@ -192,9 +197,13 @@ TEST(MCPHTTPTransport, NotFoundTakesTheSessionAwayAndThenMeansNoEndpoint) {
         EXPECT_EQ(session.transport.activeSessionID(), std::nullopt);
         EXPECT_EQ(aRequest(session.transport), failed(MCPClientError::endpointNotFound()));
         EXPECT_EQ(aNotification(session.transport), failed(MCPClientError::endpointNotFound()));
+        const auto last = session.server.requests().back();
+        EXPECT_EQ(last.headers.value("Mcp-Session-Id"), std::nullopt);
+        EXPECT_EQ(last.headers.value("MCP-Protocol-Version"), "2025-06-18");
     };
     for (int kind = 0; kind < 3; ++kind) {
         Session session(status(404, {{"Mcp-Session-Id", "other"}}));
+        session.transport.setProtocolVersion(MCPProtocolVersion::v2025_06_18);
         if (kind == 0) {
             first(session, aRequest);
         } else if (kind == 1) {
@@ -251,10 +260,15 @@ TEST(MCPHTTPTransport, ANotificationWhoseBodyBreaksOffFails) {
 TEST(MCPHTTPTransport, ADisconnectClearsTheSessionByTwoHundredAndByMethodNotAllowed) {
     for (const int code : {200, 202, 204, 299, 405}) {
         Session session(status(code, {{"Mcp-Session-Id", "again"}}));
+        session.transport.setProtocolVersion(MCPProtocolVersion::v2025_06_18);
         EXPECT_TRUE(disconnect(session.transport)) << code;
         EXPECT_EQ(session.transport.activeSessionID(), std::nullopt);
         EXPECT_TRUE(disconnect(session.transport));
         EXPECT_EQ(session.server.requests().size(), 2u);
+        notify(session.transport);
+        const auto last = session.server.requests().back();
+        EXPECT_EQ(last.headers.value("Mcp-Session-Id"), std::nullopt);
+        EXPECT_EQ(last.headers.value("MCP-Protocol-Version"), "2025-06-18");
     }
 }
 
@@ -319,93 +333,6 @@ TEST(MCPHTTPTransport, ConnectionErrorsComeThroughAsTheyAre) {
     EXPECT_EQ(connectionError(send(plain)), URLErrorCode::invalidRequest);
 }
 
-// Gives the same headers, or error, each time.
-class FixedProvider final : public MCPAuthorizationProvider {
-  public:
-    explicit FixedProvider(MCPResult<Headers> headers) : headers_(std::move(headers)) {}
-
-    void authorizationHeaders(MCPCompletion<Headers> completion) override {
-        ++count;
-        completion(headers_);
-    }
-
-    int count = 0;
-
-  private:
-    MCPResult<Headers> headers_;
-};
-
-TEST(MCPHTTPTransport, AProvidersHeadersReplaceAnyOther) {
-    TestHTTPServer server([](const ReceivedRequest& request) {
-        return request.method == "DELETE" ? status(200) : jsonAnswer(request, "1", {{"Mcp-Session-Id", "s"}});
-    });
-    const auto provider = std::make_shared<FixedProvider>(
-        MCPAuthorizationProvider::Headers{{"Authorization", "Bearer t"}, {"accept", "x/y"}});
-    auto transport = transportTo(server, provider);
-    ASSERT_TRUE(send(transport));
-    ASSERT_TRUE(notify(transport));
-    ASSERT_TRUE(disconnect(transport));
-    EXPECT_EQ(provider->count, 3);
-    for (const auto& request : server.requests()) {
-        EXPECT_EQ(request.headers.value("Authorization"), "Bearer t");
-        EXPECT_EQ(request.headers.value("Accept"), "x/y");
-    }
-}
-
-TEST(MCPHTTPTransport, AProvidersFailureEndsTheCallWithItAndSendsNothing) {
-    TestHTTPServer server(std::vector<PlayedAnswer>{});
-    const MCPError error(MCPAuthorizationError{"The user is signed out."});
-    auto transport = transportTo(server, std::make_shared<FixedProvider>(failure(error)));
-    const auto caller = std::this_thread::get_id();
-    bool isSame = false;
-    transport.send(MCPRequest{MCPRequestID::int_(1), "m", {}}, [&](MCPResult<MCPResponse> result) {
-        isSame = std::this_thread::get_id() == caller && result == failure(error);
-    });
-    EXPECT_TRUE(isSame);
-    EXPECT_EQ(notify(transport), failure(error));
-}
-
-TEST(MCPHTTPTransport, AHeaderThatMayNotBeSentEndsTheCall) {
-    TestHTTPServer server(std::vector<PlayedAnswer>{});
-    auto transport = transportTo(server, std::make_shared<FixedProvider>(MCPAuthorizationProvider::Headers{
-                                             {"Authorization", "a\r\nX: y"}}));
-    EXPECT_EQ(connectionError(send(transport)), URLErrorCode::invalidRequest);
-}
-
-// Answers when it is told to.
-class SlowProvider final : public MCPAuthorizationProvider {
-  public:
-    void authorizationHeaders(MCPCompletion<Headers> completion) override {
-        pending.push_back(std::move(completion));
-    }
-
-    std::vector<MCPCompletion<Headers>> pending;
-};
-
-TEST(MCPHTTPTransport, AProviderMayAnswerLaterOnAnotherThread) {
-    TestHTTPServer server({status(202)});
-    const auto provider = std::make_shared<SlowProvider>();
-    Completed<MCPResult<void>> sent;
-    {
-        auto transport = transportTo(server, provider);
-        transport.send(MCPNotification{"n", {}}, sent.callback<MCPCompletion<void>>());
-    }
-    EXPECT_FALSE(sent.hasCome());
-    std::thread([&] { provider->pending.at(0)(MCPAuthorizationProvider::Headers{}); }).join();
-    EXPECT_TRUE(sent.value());
-}
-
-TEST(MCPHTTPTransport, CancellingEndsWhatWaitsForTheProviderAndSendsNothing) {
-    TestHTTPServer server(std::vector<PlayedAnswer>{});
-    const auto provider = std::make_shared<SlowProvider>();
-    auto transport = transportTo(server, provider);
-    Completed<MCPResult<void>> sent;
-    transport.send(MCPNotification{"n", {}}, sent.callback<MCPCompletion<void>>());
-    transport.cancelAll();
-    EXPECT_EQ(connectionError(sent.value()), URLErrorCode::cancelled);
-    provider->pending.at(0)(MCPAuthorizationProvider::Headers{});
-}
-
 TEST(MCPHTTPTransport, CompletesOnItsSerialQueueWhereARequestWasMade) {
     TestHTTPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "1"); });
     auto transport = transportTo(server);
@@ -426,6 +353,29 @@ TEST(MCPHTTPTransport, CompletesOnItsSerialQueueWhereARequestWasMade) {
     }
     ASSERT_EQ(all.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
     EXPECT_FALSE(overlapped);
+}
+
+TEST(MCPHTTPTransport, ACompletionHoldsUpItsOwnTransportAlone) {
+    TestHTTPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "1"); });
+    auto transport = transportTo(server);
+    auto other = transportTo(server);
+    std::promise<void> hasBegun;
+    std::promise<void> goOn;
+    transport.send(MCPRequest{MCPRequestID::int_(1), "m", {}}, [&](MCPResult<MCPResponse>) {
+        hasBegun.set_value();
+        goOn.get_future().wait();
+    });
+    ASSERT_EQ(hasBegun.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
+    Completed<MCPResult<MCPResponse>> next;
+    transport.send(MCPRequest{MCPRequestID::int_(2), "second", {}},
+                   next.callback<MCPCompletion<MCPResponse>>());
+    EXPECT_TRUE(eventually([&] { return server.requests().size() == 2u; }));
+    for (int call = 0; call < 20; ++call) {
+        EXPECT_TRUE(send(other));
+    }
+    EXPECT_FALSE(next.hasCome());
+    goOn.set_value();
+    EXPECT_TRUE(next.value());
 }
 
 TEST(MCPHTTPTransport, WhatIsUnderWayEndsAlsoWhenTheTransportIsReleased) {

@@ -16,7 +16,7 @@ class MCPAuthorizationProvider {
 
     // Asked before every request, notification and disconnect. The fields replace those of the same name that
     // the transport has set. It may answer later and on any thread; an error ends that call, and nothing is
-    // sent.
+    // sent. So do an exception and a completion that is let go of uncalled.
     virtual void authorizationHeaders(MCPCompletion<Headers> completion) = 0;
 };
 

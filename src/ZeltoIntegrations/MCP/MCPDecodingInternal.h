@@ -6,11 +6,17 @@
 
 #include <Platform/JSON/JSONValue.h>
 
+#include <new>
 #include <utility>
 
 namespace zelto {
 
-// What a decoding gives: the records of this library may throw cases of MCPClientError.
+inline MCPError tooLargeForMemory() {
+    return URLError{URLErrorCode::answerTooLarge, "There is not enough memory for the answer."};
+}
+
+// What a decoding gives, also where memory does not last for it: a call must come to its end. The records of
+// this library may throw cases of MCPClientError.
 template <class F> auto decodedBy(F&& decode) -> MCPResult<typename decltype(decode())::value_type> {
     try {
         auto value = decode();
@@ -20,6 +26,8 @@ template <class F> auto decodedBy(F&& decode) -> MCPResult<typename decltype(dec
         return *std::move(value);
     } catch (MCPClientError& error) {
         return failure(MCPError(std::move(error)));
+    } catch (const std::bad_alloc&) {
+        return failure(tooLargeForMemory());
     }
 }
 

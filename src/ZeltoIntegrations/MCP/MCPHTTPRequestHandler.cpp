@@ -90,11 +90,11 @@ MCPHTTPRequestHandler::matchingResponse(std::vector<MCPServerSentEvent> events) 
 // Nothing for a message that is no answer to the request.
 MCPResult<std::optional<MCPResponse>> MCPHTTPRequestHandler::responseIn(std::string data) const {
     using Found = Result<std::optional<MCPResponse>, DecodingError>;
-    const auto tape = JSONTape::parseInPlace(data);
-    if (!tape) {
-        return failure(MCPError(tape.error()));
-    }
     return decodedBy([&]() -> Found {
+        const auto tape = JSONTape::parseInPlace(data);
+        if (!tape) {
+            return failure(tape.error());
+        }
         const auto envelope = JSONDecoder().read<MCPRequestIDEnvelope>(*tape);
         if (!envelope) {
             return failure(envelope.error());
@@ -122,7 +122,7 @@ MCPResult<MCPResponse> MCPHTTPRequestHandler::successfulResponse() {
         return failure(MCPError(MCPClientError::invalidHTTPResponse()));
     }
     if (!isJSON()) {
-        return lastStreamedResponse();
+        return decodedBy([&] { return lastStreamedResponse(); });
     }
     auto body = std::exchange(body_, {});
     return decodedBy([&] { return JSONDecoder().decodeInPlace<MCPResponse>(body); });

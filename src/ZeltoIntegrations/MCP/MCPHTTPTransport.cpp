@@ -1,12 +1,13 @@
 #include <ZeltoIntegrations/MCP/MCPHTTPTransport.h>
 
 #include <ZeltoIntegrations/MCP/MCPHTTPDisconnectHandler.h>
+#include <ZeltoIntegrations/MCP/MCPHTTPMessages.h>
 #include <ZeltoIntegrations/MCP/MCPHTTPNotificationHandler.h>
 #include <ZeltoIntegrations/MCP/MCPHTTPRequestHandler.h>
-#include <ZeltoIntegrations/MCP/MCPHTTPResponseRules.h>
 #include <ZeltoIntegrations/MCP/MCPHTTPURLSessionDelegate.h>
 
 #include <Platform/HTTP/URLSession.h>
+#include <Platform/Operations/ContainedException.h>
 
 #include <TrovenhalCommon/Protected.h>
 
@@ -17,12 +18,7 @@ namespace zelto {
 
 namespace {
 
-struct State {
-    std::optional<MCPProtocolVersion> protocolVersion;
-    std::optional<std::string> sessionID;
-};
-
-using SharedState = std::shared_ptr<Protected<State>>;
+using SharedState = std::shared_ptr<Protected<MCPHTTPState>>;
 
 std::shared_ptr<OperationQueue> makeDelegateQueue() {
     auto queue = std::make_shared<OperationQueue>("MCPHTTPTransportURLSessionDelegateQueue");
@@ -31,61 +27,54 @@ std::shared_ptr<OperationQueue> makeDelegateQueue() {
 }
 
 MCPHTTPSessionIDReference referenceTo(const SharedState& state) {
-    return {[state] { return state->read([](const State& each) { return each.sessionID; }); },
+    return {[state] { return state->read([](const MCPHTTPState& each) { return each.sessionID; }); },
             [state](std::optional<std::string> sessionID) {
-                state->modify([&](State& each) { each.sessionID.swap(sessionID); });
+                state->modify([&](MCPHTTPState& each) { each.sessionID.swap(sessionID); });
             }};
-}
-
-URLRequest makeRequest(const URL& endpoint, const State& state, std::optional<std::string> body) {
-    URLRequest request(endpoint, body ? "POST" : "DELETE");
-    request.headers.set("Accept", "application/json, text/event-stream");
-    if (body) {
-        request.headers.set("Content-Type", "application/json");
-        request.body = HTTPBody(*std::move(body));
-    }
-    if (state.protocolVersion) {
-        request.headers.set(std::string(mcpProtocolVersionField),
-                            std::string(rawValue(*state.protocolVersion)));
-    }
-    if (state.sessionID && isSendableSessionID(*state.sessionID)) {
-        request.headers.set(std::string(mcpSessionIDField), *state.sessionID);
-    }
-    return request;
 }
 
 } // namespace
 
-// What calls that wait for the provider share with the transport.
-class MCPHTTPTransport::Link : public std::enable_shared_from_this<Link> {
+// What the requests that wait for the provider share with the transport. It does not hold the provider, which
+// holds them.
+class MCPHTTPTransport::Link {
   public:
-    using Handler = std::shared_ptr<MCPHTTPTaskHandler>;
-
-    Link(URL endpointURL, std::shared_ptr<MCPAuthorizationProvider> authorizationProvider,
-         std::optional<MCPProtocolVersion> protocolVersion, URLSessionConfiguration sessionConfiguration)
-        : endpointURL_(std::move(endpointURL)), authorizationProvider_(std::move(authorizationProvider)),
-          session_(std::move(sessionConfiguration), sessionDelegate_, makeDelegateQueue()),
-          state_(std::make_shared<Protected<State>>(State{protocolVersion, std::nullopt})),
+    Link(std::optional<MCPProtocolVersion> protocolVersion, URLSessionConfiguration sessionConfiguration)
+        : session_(std::move(sessionConfiguration), sessionDelegate_, makeDelegateQueue()),
+          state_(std::make_shared<Protected<MCPHTTPState>>(MCPHTTPState{protocolVersion, std::nullopt})),
           sessionIDReference_(referenceTo(state_)) {}
 
-    ~Link() { session_.finishTasksAndInvalidate(); }
-
-    Protected<State>& state() { return *state_; }
+    Protected<MCPHTTPState>& state() { return *state_; }
 
     const MCPHTTPSessionIDReference& sessionIDReference() const { return sessionIDReference_; }
 
-    // Without a body it is a DELETE.
-    void perform(std::optional<std::string> body, const Handler& handler) {
-        auto request = makeRequest(endpointURL_, state_->value(), std::move(body));
-        if (!authorizationProvider_) {
-            return startDataTask(std::move(request), handler);
-        }
+    void startDataTask(URLRequest request, const Handler& handler) {
+        const auto task = session_.dataTask(std::move(request));
+        sessionDelegate_->add(task, handler);
+        task->resume();
+    }
+
+    void awaitAuthorization(const Handler& handler) {
         unauthorized_.modify([&](auto& handlers) { handlers.push_back(handler); });
-        authorizationProvider_->authorizationHeaders(
-            [self = shared_from_this(), request = std::move(request),
-             handler](MCPResult<MCPAuthorizationProvider::Headers> headers) mutable {
-                self->performAuthorized(std::move(request), handler, std::move(headers));
-            });
+    }
+
+    // Without effect where the call has ended while it waited.
+    void startAuthorized(URLRequest request, const Handler& handler) {
+        const auto task = session_.dataTask(std::move(request));
+        // Before it leaves the list, so that it is always in one place where cancelAll looks.
+        sessionDelegate_->add(task, handler);
+        if (stopsWaiting(handler)) {
+            task->resume();
+        } else {
+            sessionDelegate_->remove(*task);
+        }
+    }
+
+    // Likewise.
+    void failAuthorization(const Handler& handler, MCPError error) {
+        if (stopsWaiting(handler)) {
+            handler->complete(failure(std::move(error)));
+        }
     }
 
     void cancelAll() {
@@ -97,53 +86,86 @@ class MCPHTTPTransport::Link : public std::enable_shared_from_this<Link> {
     }
 
   private:
-    void performAuthorized(URLRequest request, const Handler& handler,
-                           MCPResult<MCPAuthorizationProvider::Headers> headers) {
-        const auto isWanted =
-            unauthorized_.modify([&](auto& handlers) { return std::erase(handlers, handler) > 0; });
-        if (!isWanted) {
-            return;
-        }
-        if (!headers) {
-            return handler->complete(failure(std::move(headers.error())));
-        }
-        for (auto& [name, value] : *headers) {
-            request.headers.set(name, std::move(value));
-        }
-        startDataTask(std::move(request), handler);
+    bool stopsWaiting(const Handler& handler) {
+        return unauthorized_.modify([&](auto& handlers) { return std::erase(handlers, handler) > 0; });
     }
 
-    void startDataTask(URLRequest request, const Handler& handler) {
-        const auto task = session_.dataTask(std::move(request));
-        sessionDelegate_->add(task, handler);
-        task->resume();
-    }
-
-    URL endpointURL_;
-    std::shared_ptr<MCPAuthorizationProvider> authorizationProvider_;
     std::shared_ptr<MCPHTTPURLSessionDelegate> sessionDelegate_ =
         std::make_shared<MCPHTTPURLSessionDelegate>();
-    URLSession session_;
+    URLSession session_; // finishes its tasks when it is released
     SharedState state_;
     MCPHTTPSessionIDReference sessionIDReference_;
     Protected<std::vector<Handler>> unauthorized_;
+};
+
+// A request that waits for the provider, whose callback it is. One that is let go of unanswered ends the
+// call.
+class MCPHTTPTransport::WaitingRequest {
+  public:
+    WaitingRequest(std::shared_ptr<Link> link, URLRequest request, Handler handler)
+        : link_(std::move(link)), request_(std::move(request)), handler_(std::move(handler)) {}
+
+    WaitingRequest(WaitingRequest&&) = default;
+
+    ~WaitingRequest() {
+        if (link_) {
+            containingExceptions("The completion of a message",
+                                 [&] { link_->failAuthorization(handler_, noAnswer()); });
+        }
+    }
+
+    void operator()(MCPResult<MCPAuthorizationProvider::Headers> headers) {
+        const auto link = std::exchange(link_, nullptr);
+        if (!headers) {
+            return link->failAuthorization(handler_, std::move(headers.error()));
+        }
+        for (auto& [name, value] : *headers) {
+            request_.headers.set(name, std::move(value));
+        }
+        link->startAuthorized(std::move(request_), handler_);
+    }
+
+    static MCPError noAnswer() {
+        return MCPAuthorizationError{"The provider of credentials gave no answer."};
+    }
+
+  private:
+    std::shared_ptr<Link> link_;
+    URLRequest request_;
+    Handler handler_;
 };
 
 MCPHTTPTransport::MCPHTTPTransport(URL endpointURL,
                                    std::shared_ptr<MCPAuthorizationProvider> authorizationProvider,
                                    std::optional<MCPProtocolVersion> protocolVersion,
                                    URLSessionConfiguration sessionConfiguration)
-    : link_(std::make_shared<Link>(std::move(endpointURL), std::move(authorizationProvider), protocolVersion,
-                                   std::move(sessionConfiguration))) {}
+    : endpointURL_(std::move(endpointURL)), authorizationProvider_(std::move(authorizationProvider)),
+      link_(std::make_shared<Link>(protocolVersion, std::move(sessionConfiguration))) {}
 
 MCPHTTPTransport::~MCPHTTPTransport() = default;
+
+void MCPHTTPTransport::perform(URLRequest request, const Handler& handler) {
+    if (!authorizationProvider_) {
+        return link_->startDataTask(std::move(request), handler);
+    }
+    // The call may release the transport.
+    const auto provider = authorizationProvider_;
+    const auto link = link_;
+    link->awaitAuthorization(handler);
+    const bool returned = containingExceptions("A provider of credentials", [&] {
+        provider->authorizationHeaders(WaitingRequest(link, std::move(request), handler));
+    });
+    if (!returned) {
+        link->failAuthorization(handler, WaitingRequest::noAnswer());
+    }
+}
 
 std::optional<std::string> MCPHTTPTransport::activeSessionID() const {
     return link_->sessionIDReference().readValue();
 }
 
 void MCPHTTPTransport::setProtocolVersion(std::optional<MCPProtocolVersion> version) {
-    link_->state().modify([&](State& state) { state.protocolVersion = version; });
+    link_->state().modify([&](MCPHTTPState& state) { state.protocolVersion = version; });
 }
 
 void MCPHTTPTransport::clearSession() {
@@ -155,9 +177,9 @@ void MCPHTTPTransport::send(MCPRequest request, MCPCompletion<MCPResponse> compl
     if (!body) {
         return completion(failure(MCPError(std::move(body.error()))));
     }
-    link_->perform(*std::move(body),
-                   std::make_shared<MCPHTTPRequestHandler>(std::move(request.id), link_->sessionIDReference(),
-                                                           std::move(completion)));
+    perform(mcpHTTPRequest(endpointURL_, link_->state().value(), *std::move(body)),
+            std::make_shared<MCPHTTPRequestHandler>(std::move(request.id), link_->sessionIDReference(),
+                                                    std::move(completion)));
 }
 
 void MCPHTTPTransport::send(MCPNotification notification, MCPCompletion<void> completion) {
@@ -165,16 +187,17 @@ void MCPHTTPTransport::send(MCPNotification notification, MCPCompletion<void> co
     if (!body) {
         return completion(failure(MCPError(std::move(body.error()))));
     }
-    link_->perform(*std::move(body), std::make_shared<MCPHTTPNotificationHandler>(link_->sessionIDReference(),
-                                                                                  std::move(completion)));
+    perform(mcpHTTPRequest(endpointURL_, link_->state().value(), *std::move(body)),
+            std::make_shared<MCPHTTPNotificationHandler>(link_->sessionIDReference(), std::move(completion)));
 }
 
 void MCPHTTPTransport::disconnect(MCPCompletion<void> completion) {
-    if (!activeSessionID()) {
+    const auto state = link_->state().value();
+    if (!state.sessionID) {
         return completion({});
     }
-    link_->perform(std::nullopt, std::make_shared<MCPHTTPDisconnectHandler>(link_->sessionIDReference(),
-                                                                            std::move(completion)));
+    perform(mcpHTTPRequest(endpointURL_, state, std::nullopt),
+            std::make_shared<MCPHTTPDisconnectHandler>(link_->sessionIDReference(), std::move(completion)));
 }
 
 void MCPHTTPTransport::cancelAll() {

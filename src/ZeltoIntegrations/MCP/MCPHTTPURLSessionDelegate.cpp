@@ -1,15 +1,34 @@
 #include <ZeltoIntegrations/MCP/MCPHTTPURLSessionDelegate.h>
 
+#include <ZeltoIntegrations/MCP/MCPDecodingInternal.h>
+
+#include <new>
 #include <utility>
 #include <vector>
 
 namespace zelto {
+
+namespace {
+
+MCPHTTPTaskDecision decisionOf(MCPHTTPTaskHandler& handler, const MCPHTTPTaskEvent& event) {
+    try {
+        return handler.handle(event);
+    } catch (const std::bad_alloc&) {
+        return MCPHTTPTaskDecision::finish(failure(tooLargeForMemory()));
+    }
+}
+
+} // namespace
 
 void MCPHTTPURLSessionDelegate::add(const std::shared_ptr<URLSessionDataTask>& task,
                                     std::shared_ptr<MCPHTTPTaskHandler> handler) {
     handlersByTaskIdentifier_.modify([&](auto& entries) {
         entries.insert_or_assign(task->taskIdentifier(), Entry{std::move(handler), task});
     });
+}
+
+void MCPHTTPURLSessionDelegate::remove(const URLSessionDataTask& task) {
+    removeHandlerOf(task);
 }
 
 void MCPHTTPURLSessionDelegate::cancelAll() {
@@ -57,7 +76,7 @@ bool MCPHTTPURLSessionDelegate::proceeds(const URLSessionDataTask& task, const M
     if (!handler) {
         return false;
     }
-    auto decision = handler->handle(event);
+    auto decision = decisionOf(*handler, event);
     if (!decision.outcome) {
         return true;
     }

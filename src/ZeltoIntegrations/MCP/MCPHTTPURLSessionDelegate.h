@@ -20,6 +20,9 @@ class MCPHTTPURLSessionDelegate final : public URLSessionDataDelegate {
     // Before the task is resumed.
     void add(const std::shared_ptr<URLSessionDataTask>& task, std::shared_ptr<MCPHTTPTaskHandler> handler);
 
+    // Nothing reaches its handler any more.
+    void remove(const URLSessionDataTask& task);
+
     // Cancels every task that has a handler.
     void cancelAll();
 
