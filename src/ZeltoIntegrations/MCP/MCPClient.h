@@ -56,7 +56,8 @@ class MCPClient {
     // Ends the session, if there is one.
     void disconnect(MCPCompletion<void> completion);
 
-    // Ends every operation that is under way with `cancelled`. The session stays.
+    // Ends every operation that is under way with `cancelled`, unless its last answer has come. The session
+    // stays. One that is between two requests sends no other, and ends on the thread that would have.
     void cancelAll();
 
   private:

@@ -1,0 +1,163 @@
+#include "MCPCalls.h"
+
+#include <Support/HostMistakes.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <future>
+#include <memory>
+#include <utility>
+
+namespace zelto {
+namespace {
+
+// Answers by a function, with the message's method and the number of the message.
+class PlayedTransport final : public MCPTransport {
+  public:
+    using Answer = std::function<MCPResult<JSONValue>(const std::string& method, std::size_t count)>;
+
+    explicit PlayedTransport(Answer answer) : answer_(std::move(answer)) {}
+
+    std::optional<std::string> activeSessionID() const override { return std::nullopt; }
+
+    void setProtocolVersion(std::optional<MCPProtocolVersion>) override {}
+
+    void clearSession() override {}
+
+    void send(MCPRequest request, MCPCompletion<MCPResponse> completion) override {
+        auto result = take(request.method);
+        if (keepsAnswers) {
+            return kept_.push_back(std::move(completion));
+        }
+        if (!result) {
+            return completion(failure(std::move(result.error())));
+        }
+        completion(MCPResponse{std::move(request.id), *std::move(result), {}});
+    }
+
+    void send(MCPNotification notification, MCPCompletion<void> completion) override {
+        take(notification.method);
+        if (keepsAnswers) {
+            return keptNotifications_.push_back(std::move(completion));
+        }
+        completion({});
+    }
+
+    void disconnect(MCPCompletion<void> completion) override { completion({}); }
+
+    Log log;
+    bool keepsAnswers = false;
+
+  private:
+    MCPResult<JSONValue> take(const std::string& method) {
+        log.push_back(method);
+        return answer_(method, log.size());
+    }
+
+    Answer answer_;
+    std::vector<MCPCompletion<MCPResponse>> kept_;
+    std::vector<MCPCompletion<void>> keptNotifications_;
+};
+
+JSONValue json(std::string_view text) {
+    return JSONValue::parse(text).value();
+}
+
+const auto handshake =
+    R"({"protocolVersion":"2025-11-25","capabilities":{},"serverInfo":{"name":"s","version":"1"}})";
+const MCPError expired(MCPClientError::sessionExpired());
+
+// A client whose messages are all cancelled where the transport has none: while the n-th one's answer comes.
+struct Cancelled {
+    explicit Cancelled(std::size_t number, PlayedTransport::Answer answer)
+        : transport(
+              std::make_shared<PlayedTransport>([=, this](const std::string& method, std::size_t count) {
+                  if (count == number) {
+                      transport->keepsAnswers = escapes;
+                      client.cancelAll();
+                  }
+                  return answer(method, count);
+              })),
+          client(transport) {}
+
+    bool escapes = false; // whether the n-th message goes out behind the cancellation, and is never answered
+    std::shared_ptr<PlayedTransport> transport;
+    MCPClient client;
+};
+
+const PlayedTransport::Answer endlessListing = [](const std::string&, std::size_t count) {
+    return json(page("a", std::to_string(count)));
+};
+
+TEST(MCPClientCancellation, EndsWhatIsUnderWayAndKeepsTheSession) {
+    std::promise<void> goOn;
+    auto gate = goOn.get_future().share();
+    MCPServer server([&](const ReceivedRequest& request) {
+        if (methodOf(request) == "tools/call") {
+            gate.wait();
+        }
+        return jsonAnswer(request, R"({"content":[]})");
+    });
+    MCPClient client(server.url());
+    ASSERT_TRUE(connect(client));
+    Completed<MCPResult<MCPToolCallResult>> end;
+    client.callTool("t", {}, end.callback<MCPCompletion<MCPToolCallResult>>());
+    client.cancelAll();
+    EXPECT_EQ(connectionError(end.value()), URLErrorCode::cancelled);
+    goOn.set_value();
+    EXPECT_TRUE(ping(client));
+    EXPECT_EQ(server.log().back(), "ping session-1");
+}
+
+TEST(MCPClientCancellation, EndsAListingBetweenTwoPages) {
+    Cancelled cancelled(3, endlessListing);
+    EXPECT_EQ(connectionError(listTools(cancelled.client)), URLErrorCode::cancelled);
+    EXPECT_EQ(cancelled.transport->log.size(), 3u);
+}
+
+TEST(MCPClientCancellation, EndsAConnectionBeforeItsConfirmation) {
+    Cancelled cancelled(1, [](const std::string&, std::size_t) { return json(handshake); });
+    EXPECT_EQ(connectionError(connect(cancelled.client)), URLErrorCode::cancelled);
+    EXPECT_EQ(cancelled.transport->log, Log{"initialize"});
+}
+
+TEST(MCPClientCancellation, EndsARetryBeforeAndWithinItsHandshakeAndBehindIt) {
+    const PlayedTransport::Answer answer = [](const std::string& method, std::size_t count) {
+        return count == 1 ? MCPResult<JSONValue>(failure(expired))
+                          : json(method == "initialize" ? handshake : R"({"content":[]})");
+    };
+    for (const std::size_t number : {1u, 2u, 3u}) {
+        Cancelled cancelled(number, answer);
+        EXPECT_EQ(connectionError(callTool(cancelled.client, "t")), URLErrorCode::cancelled) << number;
+        EXPECT_EQ(cancelled.transport->log.size(), number);
+    }
+    Cancelled late(4, answer);
+    EXPECT_TRUE(callTool(late.client, "t"));
+}
+
+TEST(MCPClientCancellation, LeavesAnOperationWhoseLastAnswerHasCome) {
+    Cancelled cancelled(1, [](const std::string&, std::size_t) { return json(page("ab")); });
+    EXPECT_EQ(namesOf(listTools(cancelled.client)), (Log{"a", "b"}));
+}
+
+TEST(MCPClientCancellation, EndsAnOperationWhoseNextMessageGoesOutInThatMoment) {
+    const DroppedCallbacks dropped;
+    {
+        Cancelled listing(2, endlessListing);
+        listing.escapes = true;
+        EXPECT_EQ(connectionError(listTools(listing.client)), URLErrorCode::cancelled);
+        Cancelled connecting(2, [](const std::string&, std::size_t) { return json(handshake); });
+        connecting.escapes = true;
+        EXPECT_EQ(connectionError(connect(connecting.client)), URLErrorCode::cancelled);
+    }
+}
+
+TEST(MCPClientCancellation, LeavesWhatBeginsAfterIt) {
+    Cancelled cancelled(1, endlessListing);
+    EXPECT_FALSE(listTools(cancelled.client));
+    EXPECT_TRUE(ping(cancelled.client));
+}
+
+} // namespace
+} // namespace zelto
