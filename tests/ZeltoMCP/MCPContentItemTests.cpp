@@ -102,6 +102,8 @@ TEST(MCPContentItem, BinaryContentReadsAndWritesItsType) {
     EXPECT_EQ(decodingErrorOf<MCPBinaryContent>(R"({"data":"d","mimeType":"m"})").path, "type");
     EXPECT_EQ(decodingErrorOf<MCPBinaryContent>(R"({"type":"video","data":"d","mimeType":"m"})").path,
               "type");
+    EXPECT_EQ(encodedFrom(MCPContentItem::image({MCPContentItem::RawType::audio, "d", "m"})),
+              R"({"type":"audio","data":"d","mimeType":"m"})");
 }
 
 TEST(MCPContentItem, ThereAreFiveKnownTypesInOrder) {

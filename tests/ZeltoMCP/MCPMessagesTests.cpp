@@ -56,6 +56,14 @@ TEST(MCPRequestID, IsATextOrAWholeNumber) {
     EXPECT_EQ(rewritten<MCPRequestID>(R"("a b")"), R"("a b")");
 }
 
+// Whole numbers as every reader of JSON takes them.
+TEST(MCPRequestID, ARealThatIsAWholeNumberIsThatNumber) {
+    EXPECT_EQ(decodedFrom<MCPRequestID>("7.0"), MCPRequestID::int_(7));
+    EXPECT_EQ(decodedFrom<MCPRequestID>("1e3"), MCPRequestID::int_(1000));
+    EXPECT_EQ(decodedFrom<MCPRequestID>("-2.50e1"), MCPRequestID::int_(-25));
+    EXPECT_EQ(rewritten<MCPRequestID>("7.0"), "7");
+}
+
 TEST(MCPRequestID, AnythingElseIsInvalid) {
     for (const auto* text : {"7.5", "null", "true", "[]", "[1]", "{}", "9223372036854775808", "1e400"}) {
         EXPECT_EQ(errorOf<MCPRequestID>(text), MCPError(MCPClientError::invalidJSONRPCIdentifier())) << text;
@@ -156,7 +164,12 @@ TEST(MCPInitialize, OffersTheLatestVersionAndNeedsAllKeysWhenRead) {
     const std::string whole =
         R"({"protocolVersion":"2024-11-05","capabilities":{"x":{}},"clientInfo":{"name":"n","version":"1"}})";
     EXPECT_EQ(rewritten<MCPInitializeParams>(whole), whole);
-    EXPECT_EQ(decodingErrorOf<MCPInitializeParams>("{}").reason, Reason::missingKey);
+    EXPECT_EQ(decodingErrorOf<MCPInitializeParams>("{}"),
+              (DecodingError{Reason::missingKey, "protocolVersion", "the required key is missing"}));
+    EXPECT_EQ(decodingErrorOf<MCPInitializeParams>(
+                  R"({"protocolVersion":"2024-11-05","clientInfo":{"name":"n","version":"1"}})")
+                  .path,
+              "capabilities");
     EXPECT_EQ(
         decodingErrorOf<MCPInitializeParams>(R"({"protocolVersion":"2024-11-05","capabilities":{}})").path,
         "clientInfo");
@@ -168,6 +181,16 @@ TEST(MCPInitialize, TheAnswerMayHaveInstructions) {
     EXPECT_EQ(rewritten<MCPInitializeResult>(plain), plain);
     const auto with = plain.substr(0, plain.size() - 1) + R"(,"instructions":"i"})";
     EXPECT_EQ(rewritten<MCPInitializeResult>(with), with);
+    EXPECT_EQ(rewritten<MCPInitializeResult>(plain.substr(0, plain.size() - 1) + R"(,"instructions":null})"),
+              plain);
+    EXPECT_EQ(
+        decodingErrorOf<MCPInitializeResult>(R"({"capabilities":{},"serverInfo":{"name":"n","version":"1"}})")
+            .path,
+        "protocolVersion");
+    EXPECT_EQ(decodingErrorOf<MCPInitializeResult>(
+                  R"({"protocolVersion":"2024-11-05","serverInfo":{"name":"n","version":"1"}})")
+                  .path,
+              "capabilities");
     EXPECT_EQ(
         decodingErrorOf<MCPInitializeResult>(R"({"protocolVersion":"2025-03-26","capabilities":{}})").path,
         "serverInfo");
@@ -179,6 +202,10 @@ TEST(MCPTool, KeepsItsSchemaAnnotationsAndMetadataAsTheyAre) {
     EXPECT_EQ(rewritten<MCPTool>(all), all);
     const std::string least = R"({"name":"n","inputSchema":null})";
     EXPECT_EQ(rewritten<MCPTool>(least), least);
+    EXPECT_EQ(
+        rewritten<MCPTool>(
+            R"({"name":"n","title":null,"description":null,"inputSchema":{},"annotations":null,"_meta":null})"),
+        R"({"name":"n","inputSchema":{}})");
     EXPECT_EQ(decodingErrorOf<MCPTool>(R"({"name":"n"})").path, "inputSchema");
     EXPECT_EQ(decodingErrorOf<MCPTool>(R"({"inputSchema":{}})").path, "name");
 }
@@ -189,6 +216,8 @@ TEST(MCPTool, ListsHaveACursorOrNone) {
     const std::string page = R"({"tools":[{"name":"n","inputSchema":{}}],"nextCursor":"c"})";
     EXPECT_EQ(rewritten<MCPToolListResult>(page), page);
     EXPECT_EQ(rewritten<MCPToolListResult>(R"({"tools":[]})"), R"({"tools":[]})");
+    EXPECT_EQ(decodedFrom<MCPToolListResult>(R"({"tools":[],"nextCursor":null})")->nextCursor, std::nullopt);
+    EXPECT_EQ(decodedFrom<MCPToolListParams>(R"({"cursor":null})")->cursor, std::nullopt);
     EXPECT_EQ(decodingErrorOf<MCPToolListResult>(R"({"nextCursor":"c"})").path, "tools");
 }
 
@@ -196,6 +225,8 @@ TEST(MCPTool, ArgumentsOfACallPassUnchanged) {
     EXPECT_EQ(encodedFrom(MCPToolCallParams{"n", {}}), R"({"name":"n"})");
     const auto all = R"({"name":"n","arguments":)" + anyJSON + "}";
     EXPECT_EQ(rewritten<MCPToolCallParams>(all), all);
+    EXPECT_EQ(rewritten<MCPToolCallParams>(R"({"name":"n","arguments":null})"), R"({"name":"n"})");
+    EXPECT_EQ(decodingErrorOf<MCPToolCallParams>(R"({"arguments":{}})").path, "name");
 }
 
 TEST(MCPTool, AResultNeedsContentAndKeepsAnAbsentIsErrorAbsent) {
@@ -203,6 +234,8 @@ TEST(MCPTool, AResultNeedsContentAndKeepsAnAbsentIsErrorAbsent) {
     EXPECT_EQ(rewritten<MCPToolCallResult>(R"({"content":[]})"), R"({"content":[]})");
     EXPECT_EQ(rewritten<MCPToolCallResult>(R"({"isError":false,"content":[]})"),
               R"({"content":[],"isError":false})");
+    EXPECT_EQ(decodedFrom<MCPToolCallResult>(R"({"content":[],"isError":null})")->isError, std::nullopt);
+    EXPECT_EQ(decodingErrorOf<MCPToolCallResult>(R"({"content":[],"isError":1})").path, "isError");
     EXPECT_EQ(decodingErrorOf<MCPToolCallResult>(R"({"isError":true})").path, "content");
 }
 
