@@ -174,6 +174,8 @@ class TestHTTPServer::State {
         return requests_;
     }
 
+    void stopRecording() { isRecording_ = false; }
+
     int connectionCount() const {
         const std::lock_guard guard(lock_);
         return connectionCount_;
@@ -221,7 +223,7 @@ class TestHTTPServer::State {
             return false;
         }
         request->connection = number;
-        {
+        if (isRecording_) {
             const std::lock_guard guard(lock_);
             requests_.push_back(*request);
         }
@@ -241,6 +243,7 @@ class TestHTTPServer::State {
     const std::uint64_t largestKeptBody_;
     LoopbackListener listener_;
     std::atomic<bool> stops_ = false;
+    std::atomic<bool> isRecording_ = true;
     std::thread acceptor_;
     mutable std::mutex lock_; // guards what follows
     std::list<LoopbackSocket> sockets_;
@@ -302,6 +305,10 @@ std::vector<std::string> TestHTTPServer::texts() const {
         texts.push_back(each.text());
     }
     return texts;
+}
+
+void TestHTTPServer::stopRecording() {
+    state_->stopRecording();
 }
 
 int TestHTTPServer::connectionCount() const {

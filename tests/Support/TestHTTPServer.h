@@ -69,6 +69,9 @@ class TestHTTPServer {
     std::vector<ReceivedRequest> requests() const;
     std::vector<std::string> texts() const;
 
+    // Requests that come from now on are not kept.
+    void stopRecording();
+
     int connectionCount() const;     // that were made
     int openConnectionCount() const; // that are there now
 

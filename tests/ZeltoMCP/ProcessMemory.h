@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstddef>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#define ZELTO_MEMORY_IS_SHADOWED
+#endif
+
+namespace zelto {
+
+// What a sanitizer adds: it keeps what was freed, and shadows memory.
+#ifdef ZELTO_MEMORY_IS_SHADOWED
+inline constexpr std::size_t memoryOverhead = std::size_t{600} << 20;
+#else
+inline constexpr std::size_t memoryOverhead = 0;
+#endif
+
+// A field of this process's status, as "VmRSS:", in bytes.
+inline std::size_t memoryOf(std::string_view field) {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        if (word == field) {
+            std::size_t kibibytes = 0;
+            status >> kibibytes;
+            return kibibytes << 10;
+        }
+    }
+    return 0;
+}
+
+// How far this process's memory rises above what it is now while the function runs.
+template <class F> std::size_t growthDuring(F&& function) {
+    std::ofstream("/proc/self/clear_refs") << "5";
+    const auto before = memoryOf("VmRSS:");
+    function();
+    return memoryOf("VmHWM:") - before;
+}
+
+} // namespace zelto
