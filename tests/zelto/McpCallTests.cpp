@@ -136,8 +136,10 @@ TEST(McpCall, AFileThatCannotBeSavedHidesNothingElse) {
     const auto json = callWithRoomFor1KiB("2 --json");
     EXPECT_EQ(json.status, 1);
     EXPECT_NE(json.text("error"), "");
-    EXPECT_EQ(json.json().find("saved")->text(), R"([{"item":1,"path":"out2/image-2.png","size":5}])");
-    EXPECT_EQ(json.json().find("content")->text(), "[" + items + "]");
+    const auto document = json.json();
+    ASSERT_TRUE(document.find("saved") && document.find("content"));
+    EXPECT_EQ(document.find("saved")->text(), R"([{"item":1,"path":"out2/image-2.png","size":5}])");
+    EXPECT_EQ(document.find("content")->text(), "[" + items + "]");
 }
 
 TEST(McpCall, AToolsOwnErrorIsShownWithAllThatItSays) {
