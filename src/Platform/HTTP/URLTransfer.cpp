@@ -203,12 +203,14 @@ void URLTransfer::tellResponse(URLSessionDataTask& task) {
 }
 
 void URLTransfer::tellData(URLSessionDataTask& task, std::unique_lock<std::mutex>& lock) {
-    const auto data = std::exchange(data_, {});
+    auto data = std::exchange(data_, std::exchange(toldData_, {}));
     lock.unlock();
     if (const auto delegate = session_->delegate()) {
         containingExceptions("A delegate of a session", [&] { delegate->didReceiveData(task, data); });
     }
+    data.clear();
     lock.lock();
+    toldData_ = std::move(data);
     if (std::exchange(isHeldBack_, false) && stage_ == Stage::resumed) {
         lock.unlock();
         TransferEngine::shared().proceed(shared_from_this());

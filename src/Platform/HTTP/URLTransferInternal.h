@@ -79,6 +79,7 @@ class URLTransfer final : public std::enable_shared_from_this<URLTransfer> {
     std::unique_ptr<TransferPlan> plan_; // until it begins; nothing for what is not sent
     std::shared_ptr<const HTTPURLResponse> response_;
     Data data_;                     // not told yet
+    Data toldData_;                 // empty: its memory takes what comes next
     std::optional<URLError> error_; // of what is not sent, from the start
     DataTaskCompletion completion_;
 };

@@ -3,7 +3,10 @@
 #include <ZeltoIntegrations/MCP/MCPDecodingInternal.h>
 #include <ZeltoIntegrations/MCP/MCPHTTPResponseRules.h>
 
+#include <Platform/Growth.h>
+
 #include <algorithm>
+#include <charconv>
 #include <utility>
 
 namespace zelto {
@@ -17,6 +20,15 @@ std::string lowercased(std::string text) {
     std::ranges::transform(text, text.begin(),
                            [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
     return text;
+}
+
+// A server's word for the length is believed so far and no farther.
+std::size_t expectedLength(const HTTPURLResponse& response) {
+    constexpr std::size_t most = std::size_t{16} << 20;
+    const auto text = response.header("Content-Length").value_or("");
+    std::size_t length = 0;
+    std::from_chars(text.data(), text.data() + text.size(), length);
+    return std::min(length, most);
 }
 
 } // namespace
@@ -46,6 +58,9 @@ MCPHTTPTaskDecision MCPHTTPRequestHandler::validate(const HTTPURLResponse& respo
             failure(MCPError(MCPClientError::unsupportedHTTPContentType(std::move(contentType)))));
     }
     normalizedContentType_ = std::move(normalized);
+    if (isJSON()) {
+        body_.reserve(expectedLength(response));
+    }
     return MCPHTTPTaskDecision::continueLoading();
 }
 
@@ -58,6 +73,7 @@ MCPHTTPTaskDecision MCPHTTPRequestHandler::receive(std::string_view bytes) {
         return MCPHTTPTaskDecision::continueLoading();
     }
     if (isJSON()) {
+        reserveFor(bytes.size(), body_);
         body_ += bytes;
         return MCPHTTPTaskDecision::continueLoading();
     }

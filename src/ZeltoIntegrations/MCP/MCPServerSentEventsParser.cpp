@@ -1,5 +1,6 @@
 #include <ZeltoIntegrations/MCP/MCPServerSentEventsParser.h>
 
+#include <Platform/Growth.h>
 #include <Platform/Text.h>
 #include <Platform/UTF8.h>
 
@@ -13,7 +14,6 @@ namespace {
 
 constexpr std::size_t longLine = 4096;
 constexpr std::size_t largestReserve = std::size_t{4} << 20;
-constexpr std::size_t largeText = std::size_t{1} << 20;
 constexpr std::string_view dataField = "data:";
 
 std::optional<std::int64_t> decimalInteger(std::string_view text) {
@@ -27,13 +27,6 @@ std::optional<std::int64_t> decimalInteger(std::string_view text) {
     const auto* const end = text.data() + text.size();
     const auto [read, error] = std::from_chars(text.data(), end, value);
     return error == std::errc() && read == end ? std::optional(value) : std::nullopt;
-}
-
-// Makes room in large steps: memory that is not written to costs less than moving what is there.
-void reserveFor(std::size_t more, std::string& text) {
-    if (text.size() >= largeText && text.capacity() - text.size() < more) {
-        text.reserve(std::max(4 * text.capacity(), text.size() + more));
-    }
 }
 
 bool isASCII(char c) {
