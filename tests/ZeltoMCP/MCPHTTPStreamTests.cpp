@@ -4,7 +4,11 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <future>
+#include <string>
 
 namespace zelto {
 namespace {

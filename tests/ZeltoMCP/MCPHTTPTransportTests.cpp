@@ -1,4 +1,4 @@
-#include "MCPCalls.h"
+#include "MCPTransportCalls.h"
 
 #include <Support/Eventually.h>
 
@@ -12,33 +12,7 @@
 namespace zelto {
 namespace {
 
-// A transport that holds a session, and a server that answers all that comes after with this.
-struct Session {
-    explicit Session(PlayedAnswer answer, std::string sessionID = "s-1")
-        : server([answer = std::move(answer), sessionID,
-                  isFirst = std::make_shared<std::atomic<bool>>(true)](const ReceivedRequest& request) {
-              return isFirst->exchange(false) ? jsonAnswer(request, "{}", {{"MCP-SESSION-ID", sessionID}})
-                                              : answer;
-          }),
-          transport(transportTo(server)) {
-        EXPECT_TRUE(send(transport));
-        EXPECT_EQ(transport.activeSessionID(), sessionID);
-    }
-
-    TestHTTPServer server;
-    MCPHTTPTransport transport;
-};
-
-// What a message of each kind comes to that gets this answer, without a session.
-template <class F> auto outcomeOf(PlayedAnswer answer, F&& message) {
-    TestHTTPServer server([&](const ReceivedRequest&) { return answer; });
-    auto transport = transportTo(server);
-    return message(transport);
-}
-
-const auto aRequest = [](MCPTransport& transport) { return send(transport); };
-const auto aNotification = [](MCPTransport& transport) { return notify(transport); };
-const auto aDisconnect = [](MCPTransport& transport) { return disconnect(transport); };
+using Session = MCPTransportInSession;
 
 TEST(MCPHTTPTransport, SendsAMessageAsOnePostWithoutASessionAtFirst) {
     TestHTTPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "1"); });
@@ -50,60 +24,6 @@ TEST(MCPHTTPTransport, SendsAMessageAsOnePostWithoutASessionAtFirst) {
               std::vector<std::string>{"POST /mcp\nAccept: application/json, text/event-stream\n"
                                        "Content-Type: application/json\nContent-Length: 48\n\n"
                                        R"({"jsonrpc":"2.0","id":"a","method":"initialize"})"});
-}
-
-TEST(MCPHTTPTransport, SendsVersionAndSessionOnceItHoldsThem) {
-    TestHTTPServer server([](const ReceivedRequest& request) {
-        return request.method == "DELETE" ? status(200)
-                                          : jsonAnswer(request, "1", {{"Mcp-Session-Id", "s-1"}});
-    });
-    auto transport = transportTo(server);
-    EXPECT_EQ(transport.activeSessionID(), std::nullopt);
-    ASSERT_TRUE(send(transport));
-    transport.setProtocolVersion(MCPProtocolVersion::v2025_03_26);
-    ASSERT_TRUE(notify(transport));
-    ASSERT_TRUE(disconnect(transport));
-    EXPECT_EQ(server.texts().at(1), "POST /mcp\nAccept: application/json, text/event-stream\n"
-                                    "Content-Type: application/json\nMCP-Protocol-Version: 2025-03-26\n"
-                                    "Mcp-Session-Id: s-1\nContent-Length: 30\n\n"
-                                    R"({"jsonrpc":"2.0","method":"n"})");
-    EXPECT_EQ(server.texts().at(2), "DELETE /mcp\nAccept: application/json, text/event-stream\n"
-                                    "MCP-Protocol-Version: 2025-03-26\nMcp-Session-Id: s-1\n\n");
-    EXPECT_EQ(transport.activeSessionID(), std::nullopt);
-}
-
-TEST(MCPHTTPTransport, KeepsTheVersionThatItIsGivenWhenASessionBegins) {
-    TestHTTPServer server({status(202, {{"Mcp-Session-Id", "s"}}), status(202)});
-    MCPHTTPTransport transport(server.url(), nullptr, MCPProtocolVersion::v2024_11_05,
-                               URLSessionConfiguration::ephemeral());
-    ASSERT_TRUE(notify(transport));
-    ASSERT_TRUE(notify(transport));
-    const auto requests = server.requests();
-    EXPECT_EQ(requests.at(0).headers.value("Mcp-Session-Id"), std::nullopt);
-    EXPECT_EQ(requests.at(1).headers.value("Mcp-Session-Id"), "s");
-    for (const auto& each : requests) {
-        EXPECT_EQ(each.headers.value("MCP-Protocol-Version"), "2024-11-05");
-    }
-}
-
-TEST(MCPHTTPTransport, ClearingTheSessionLeavesTheVersion) {
-    Session session(status(202));
-    session.transport.setProtocolVersion(MCPProtocolVersion::v2025_11_25);
-    session.transport.clearSession();
-    EXPECT_EQ(session.transport.activeSessionID(), std::nullopt);
-    ASSERT_TRUE(notify(session.transport));
-    EXPECT_EQ(session.server.requests().at(1).headers.value("Mcp-Session-Id"), std::nullopt);
-    EXPECT_EQ(session.server.requests().at(1).headers.value("MCP-Protocol-Version"), "2025-11-25");
-}
-
-TEST(MCPHTTPTransport, ADisconnectWithoutASessionMakesNoRequest) {
-    TestHTTPServer server(std::vector<PlayedAnswer>{});
-    auto transport = transportTo(server);
-    bool isDone = false;
-    transport.disconnect([&, caller = std::this_thread::get_id()](MCPResult<void> result) {
-        isDone = result.has_value() && std::this_thread::get_id() == caller;
-    });
-    EXPECT_TRUE(isDone);
 }
 
 TEST(MCPHTTPTransport, AMessageWithoutJSONMakesNoRequest) {
@@ -191,29 +111,6 @@ TEST(MCPHTTPTransport, SeveralChallengeFieldsAreReadAsOne) {
               failed(MCPClientError::authorizationRequired(URL::parse("a://b").value())));
 }
 
-TEST(MCPHTTPTransport, NotFoundTakesTheSessionAwayAndThenMeansNoEndpoint) {
-    const auto first = [](auto& session, auto&& message) {
-        EXPECT_EQ(message(session.transport), failed(MCPClientError::sessionExpired()));
-        EXPECT_EQ(session.transport.activeSessionID(), std::nullopt);
-        EXPECT_EQ(aRequest(session.transport), failed(MCPClientError::endpointNotFound()));
-        EXPECT_EQ(aNotification(session.transport), failed(MCPClientError::endpointNotFound()));
-        const auto last = session.server.requests().back();
-        EXPECT_EQ(last.headers.value("Mcp-Session-Id"), std::nullopt);
-        EXPECT_EQ(last.headers.value("MCP-Protocol-Version"), "2025-06-18");
-    };
-    for (int kind = 0; kind < 3; ++kind) {
-        Session session(status(404, {{"Mcp-Session-Id", "other"}}));
-        session.transport.setProtocolVersion(MCPProtocolVersion::v2025_06_18);
-        if (kind == 0) {
-            first(session, aRequest);
-        } else if (kind == 1) {
-            first(session, aNotification);
-        } else {
-            first(session, aDisconnect);
-        }
-    }
-}
-
 TEST(MCPHTTPTransport, ANotificationAnsweredAcceptedCompletesAtOnce) {
     std::promise<void> isOver;
     TestHTTPServer server([&](const ReceivedRequest&) {
@@ -255,48 +152,6 @@ TEST(MCPHTTPTransport, ANotificationWhoseBodyBreaksOffFails) {
     EXPECT_EQ(connectionError(outcomeOf(PlayedAnswer::bytes("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nab"),
                                         aNotification)),
               URLErrorCode::connectionLost);
-}
-
-TEST(MCPHTTPTransport, ADisconnectClearsTheSessionByTwoHundredAndByMethodNotAllowed) {
-    for (const int code : {200, 202, 204, 299, 405}) {
-        Session session(status(code, {{"Mcp-Session-Id", "again"}}));
-        session.transport.setProtocolVersion(MCPProtocolVersion::v2025_06_18);
-        EXPECT_TRUE(disconnect(session.transport)) << code;
-        EXPECT_EQ(session.transport.activeSessionID(), std::nullopt);
-        EXPECT_TRUE(disconnect(session.transport));
-        EXPECT_EQ(session.server.requests().size(), 2u);
-        notify(session.transport);
-        const auto last = session.server.requests().back();
-        EXPECT_EQ(last.headers.value("Mcp-Session-Id"), std::nullopt);
-        EXPECT_EQ(last.headers.value("MCP-Protocol-Version"), "2025-06-18");
-    }
-}
-
-TEST(MCPHTTPTransport, ASessionIDIsTakenFromTwoHundredsAlone) {
-    TestHTTPServer server({status(500, {{"Mcp-Session-Id", "no"}}), status(202, {{"Mcp-Session-Id", "one"}}),
-                           status(202), status(202, {{"Mcp-Session-Id", ""}}),
-                           status(200, {{"Mcp-Session-Id", "two"}, {"Content-Type", "text/plain"}})});
-    auto transport = transportTo(server);
-    EXPECT_FALSE(notify(transport));
-    EXPECT_EQ(transport.activeSessionID(), std::nullopt);
-    EXPECT_TRUE(notify(transport));
-    EXPECT_EQ(transport.activeSessionID(), "one");
-    EXPECT_TRUE(notify(transport));
-    EXPECT_TRUE(notify(transport));
-    EXPECT_EQ(transport.activeSessionID(), "one");
-    EXPECT_FALSE(send(transport));
-    EXPECT_EQ(transport.activeSessionID(), "two");
-}
-
-TEST(MCPHTTPTransport, ASessionIDThatIsNotVisibleASCIIIsNotSentBack) {
-    for (const std::string sessionID : {"a b", "s\xC3\xA9", "s\x7F", "a\tb"}) {
-        Session session(status(202), sessionID);
-        EXPECT_TRUE(notify(session.transport));
-        EXPECT_EQ(session.server.requests().at(1).headers.value("Mcp-Session-Id"), std::nullopt) << sessionID;
-    }
-    Session session(status(202), "!~" + std::string(60'000, 'x'));
-    EXPECT_TRUE(notify(session.transport));
-    EXPECT_EQ(session.server.requests().at(1).headers.value("Mcp-Session-Id")->size(), 60'002u);
 }
 
 TEST(MCPHTTPTransport, AJSONBodyWithAnotherIDIsDeliveredAsItIs) {
