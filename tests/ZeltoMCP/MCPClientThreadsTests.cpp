@@ -81,9 +81,9 @@ class ThreadedProvider final : public MCPAuthorizationProvider {
         }
     }
 
-    std::mutex lock_;
+    std::mutex lock_; // guards what follows
     std::condition_variable changed_;
-    std::deque<MCPCompletion<Headers>> waiting_; // what follows is guarded by the lock
+    std::deque<MCPCompletion<Headers>> waiting_;
     bool isOver_ = false;
     std::thread thread_{[this] { run(); }};
 };
