@@ -17,6 +17,14 @@ void addExtension(X509* certificate, int type, const std::string& value) {
     }
 }
 
+template <class F> std::string written(F&& write) {
+    const std::unique_ptr<BIO, int (*)(BIO*)> memory(BIO_new(BIO_s_mem()), BIO_free);
+    write(memory.get());
+    char* text = nullptr;
+    const auto length = BIO_get_mem_data(memory.get(), &text);
+    return {text, static_cast<std::size_t>(length)};
+}
+
 } // namespace
 
 TestCertificate makeTestCertificate(const TestCertificateOptions& options, const TestCertificate* issuer) {
@@ -46,11 +54,12 @@ TestCertificate makeTestCertificate(const TestCertificateOptions& options, const
 }
 
 std::string TestCertificate::pem() const {
-    const std::unique_ptr<BIO, int (*)(BIO*)> memory(BIO_new(BIO_s_mem()), BIO_free);
-    PEM_write_bio_X509(memory.get(), certificate.get());
-    char* text = nullptr;
-    const auto length = BIO_get_mem_data(memory.get(), &text);
-    return {text, static_cast<std::size_t>(length)};
+    return written([&](BIO* to) { PEM_write_bio_X509(to, certificate.get()); });
+}
+
+std::string TestCertificate::keyPEM() const {
+    return written(
+        [&](BIO* to) { PEM_write_bio_PrivateKey(to, key.get(), nullptr, nullptr, 0, nullptr, nullptr); });
 }
 
 } // namespace zelto

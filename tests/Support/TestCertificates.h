@@ -17,7 +17,8 @@ struct TestCertificate {
     std::shared_ptr<evp_pkey_st> key;
     std::shared_ptr<x509_st> certificate;
 
-    std::string pem() const;
+    std::string pem() const;    // the certificate
+    std::string keyPEM() const; // the private key
 };
 
 struct TestCertificateOptions {
