@@ -2,6 +2,7 @@
 
 #include <Support/Eventually.h>
 #include <Support/HostMistakes.h>
+#include <Support/Sanitizers.h>
 
 #include <gtest/gtest.h>
 
@@ -235,7 +236,7 @@ TEST(MCPAuthorizationProvider, AnsweringTwiceSendsAndCompletesOnce) {
     EXPECT_TRUE(sent.value());
 #ifdef NDEBUG
     answer();
-#elif !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#elif !defined(ZELTO_ADDRESS_SANITIZER) && !defined(ZELTO_THREAD_SANITIZER)
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(answer(), "twice");
 #endif

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <Support/Sanitizers.h>
+
 #include <cstddef>
 #include <fstream>
 #include <string>
 #include <string_view>
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(ZELTO_ADDRESS_SANITIZER) || defined(ZELTO_THREAD_SANITIZER)
 #define ZELTO_MEMORY_IS_SHADOWED
 #endif
 

@@ -1,5 +1,7 @@
 #include "SandboxCaller.h"
 
+#include <Support/Eventually.h>
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -254,9 +256,7 @@ TEST(SandboxHTTP, RefusesConnectionsBeyondTheLimit) {
     connections.front().send("GET / HTTP/1.1\r\nHost: api.zoom.us\r\nConnection: close\r\n\r\n");
     EXPECT_EQ(connections.front().read().status, 401);
     EXPECT_TRUE(connections.front().isEnded());
-    while (caller.server->openConnectionCount() == 3) {
-        std::this_thread::yield();
-    }
+    ASSERT_TRUE(eventually([&] { return caller.server->openConnectionCount() != 3; }));
     EXPECT_EQ(caller.send(simple).status, 404);
 }
 
@@ -285,9 +285,7 @@ TEST(SandboxHTTP, StopsWithinAnyExchange) {
     caller.server->addFault({.delay = TimeInterval(3600)});
     CallerConnection delayed(caller.server->port());
     delayed.send(simple);
-    while (caller.server->faultCount() > 0) {
-        std::this_thread::yield();
-    }
+    ASSERT_TRUE(eventually([&] { return caller.server->faultCount() == 0; }));
     caller.server->stop();
     EXPECT_TRUE(idle.isEnded());
     EXPECT_TRUE(delayed.isEnded());

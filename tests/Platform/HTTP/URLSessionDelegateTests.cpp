@@ -1,5 +1,6 @@
 #include <Platform/HTTP/URLSession.h>
 
+#include "Support/Eventually.h"
 #include "Support/HostMistakes.h"
 #include "Support/RecordingDelegate.h"
 #include "Support/ScriptedServer.h"
@@ -93,9 +94,7 @@ TEST(URLSessionDelegate, CallsComeOnTheQueueThatWasGiven) {
         isOver = true;
     });
     delegate->onEnd = [&](URLSessionDataTask&) { EXPECT_TRUE(isOver); };
-    while (server.requests().size() < 2) {
-        std::this_thread::yield();
-    }
+    ASSERT_TRUE(eventually([&] { return server.requests().size() >= 2; }));
     EXPECT_FALSE(end.hasCome());
     goOn.release();
     EXPECT_EQ(end.value().text(), "ok");
@@ -110,9 +109,7 @@ TEST(URLSessionDelegate, HearsTheEndThoughItsQueuesOperationsAreCancelled) {
     URLSession session(URLSessionConfiguration::ephemeral(), nullptr, queue);
     Completed<TaskEnd> end;
     session.dataTask(URLRequest(server.url()), TaskEnd::into(end))->resume();
-    while (queue->operationCount() == 0) {
-        std::this_thread::yield();
-    }
+    ASSERT_TRUE(eventually([&] { return queue->operationCount() > 0; }));
     queue->cancelAllOperations();
     queue->setSuspended(false);
     EXPECT_EQ(end.value().text(), "ok");

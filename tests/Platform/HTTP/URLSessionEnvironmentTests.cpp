@@ -1,5 +1,6 @@
 #include <Platform/HTTP/URLSession.h>
 
+#include "Support/Sanitizers.h"
 #include "Support/ScriptedServer.h"
 #include "Support/SessionTasks.h"
 #include "Support/TestHTTPServer.h"
@@ -176,7 +177,7 @@ TEST_F(URLSessionProcessDeathTest, AProcessEndsAtOnceWithTransfersUnderWay) {
 
 // Not with the address sanitizer: a lock of its own that another thread holds at the fork stays held in the
 // child for ever.
-#ifndef __SANITIZE_ADDRESS__
+#ifndef ZELTO_ADDRESS_SANITIZER
 TEST_F(URLSessionProcessDeathTest, AForkedProcessEndsAtOnce) {
     const auto forks = [] {
         TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "ok"}; });

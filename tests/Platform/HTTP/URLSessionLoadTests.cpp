@@ -1,5 +1,6 @@
 #include <Platform/HTTP/URLSession.h>
 
+#include "Support/Eventually.h"
 #include "Support/RecordingDelegate.h"
 #include "Support/SessionTasks.h"
 #include "Support/TestHTTPServer.h"
@@ -102,9 +103,7 @@ TEST(URLSessionLoad, ManySessionsAtOnceShareTheThreadAndTheBoundOfTheProcess) {
         URLSession session(URLSessionConfiguration::ephemeral());
         session.dataTask(URLRequest(server.url("/wait")), TaskEnd::into(end))->resume();
     }
-    while (atOnce < 256) {
-        std::this_thread::yield();
-    }
+    ASSERT_TRUE(eventually([&] { return atOnce >= 256; }));
     goOn.release(count);
     for (auto& end : ends) {
         EXPECT_EQ(end.value().text(), "ok");

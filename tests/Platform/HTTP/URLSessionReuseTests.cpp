@@ -1,5 +1,6 @@
 #include <Platform/HTTP/URLSession.h>
 
+#include "Support/Eventually.h"
 #include "Support/ScriptedServer.h"
 #include "Support/SessionTasks.h"
 #include "Support/TestHTTPServer.h"
@@ -115,9 +116,7 @@ TEST(URLSessionReuse, APostWhoseServerHasGoneMeanwhileDoesNotClaimThatItWasNever
     EXPECT_EQ(TaskEnd::of(session, request).text(), "ok");
     Completed<TaskEnd> end;
     session.dataTask(request, TaskEnd::into(end))->resume();
-    while (!isRead) {
-        std::this_thread::yield();
-    }
+    ASSERT_TRUE(eventually([&] { return isRead.load(); }));
     server.reset(); // nobody listens any more, so that a second connection is refused
     EXPECT_EQ(end.value().code(), URLErrorCode::connectionLost);
 }
@@ -138,9 +137,7 @@ TEST(URLSessionReuse, AConnectionThatTheServerHasClosedMeanwhileCostsNoPost) {
     URLSession session(URLSessionConfiguration::ephemeral());
     for (int round = 0; round < 50; ++round) {
         EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url(), "POST")).text(), "ok") << round;
-        while (server.openConnectionCount() > 0) {
-            std::this_thread::yield();
-        }
+        ASSERT_TRUE(eventually([&] { return server.openConnectionCount() == 0; }));
     }
     EXPECT_EQ(server.requests().size(), 50u);
 }
