@@ -38,7 +38,7 @@ if(ZELTO_CCACHE)
   set(CMAKE_CXX_COMPILER_LAUNCHER "${ZELTO_CCACHE}")
 endif()
 find_program(ZELTO_MOLD mold)
-if(ZELTO_MOLD AND NOT ZELTO_FUZZ)
+if(ZELTO_MOLD)
   add_link_options(-fuse-ld=mold)
 endif()
 
