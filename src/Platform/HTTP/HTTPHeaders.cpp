@@ -1,6 +1,7 @@
 #include <Platform/HTTP/HTTPHeaders.h>
 
 #include <algorithm>
+#include <array>
 
 namespace zelto {
 
@@ -10,10 +11,17 @@ char asciiLower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
 }
 
-bool isTokenCharacter(char c) {
-    const bool alphanumeric = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-    return alphanumeric || std::string_view("!#$%&'*+-.^_`|~").contains(c);
-}
+constexpr auto tokenCharacters = [] {
+    std::array<bool, 256> table{};
+    for (const char each : std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789"
+                                            "!#$%&'*+-.^_`|~")) {
+        table[static_cast<unsigned char>(each)] = true;
+    }
+    return table;
+}();
+
+// A message has several fields, and making room for one after the other costs more.
+constexpr std::size_t commonCount = 8;
 
 template <class Fields> auto find(Fields& fields, std::string_view name) {
     return std::ranges::find_if(
@@ -25,10 +33,27 @@ template <class Fields> auto find(Fields& fields, std::string_view name) {
 void HTTPHeaders::set(std::string name, std::string value) {
     const auto found = find(fields_, name);
     if (found == fields_.end()) {
-        fields_.push_back({std::move(name), std::move(value)});
+        add(std::move(name), std::move(value));
     } else {
         *found = {std::move(name), std::move(value)};
     }
+}
+
+void HTTPHeaders::append(std::string name, std::string value, std::string_view separator) {
+    const auto found = find(fields_, name);
+    if (found == fields_.end()) {
+        add(std::move(name), std::move(value));
+    } else {
+        found->name = std::move(name);
+        found->value.append(separator).append(value);
+    }
+}
+
+void HTTPHeaders::add(std::string name, std::string value) {
+    if (fields_.empty()) {
+        fields_.reserve(commonCount);
+    }
+    fields_.push_back({std::move(name), std::move(value)});
 }
 
 void HTTPHeaders::remove(std::string_view name) {
@@ -43,6 +68,10 @@ std::optional<std::string> HTTPHeaders::value(std::string_view name) const {
     return found == fields_.end() ? std::nullopt : std::optional(found->value);
 }
 
+bool HTTPHeaders::contains(std::string_view name) const {
+    return find(fields_, name) != fields_.end();
+}
+
 const HTTPHeaderField* HTTPHeaders::firstInvalid() const {
     const auto found = std::ranges::find_if_not(fields_, [](const HTTPHeaderField& field) {
         return isValidHeaderName(field.name) && isValidHeaderValue(field.value);
@@ -55,7 +84,8 @@ bool isValidHeaderValue(std::string_view value) {
 }
 
 bool isValidHeaderName(std::string_view name) {
-    return !name.empty() && std::ranges::all_of(name, isTokenCharacter);
+    return !name.empty() &&
+           std::ranges::all_of(name, [](char c) { return tokenCharacters[static_cast<unsigned char>(c)]; });
 }
 
 bool equalIgnoringASCIICase(std::string_view left, std::string_view right) {

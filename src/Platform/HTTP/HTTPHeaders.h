@@ -22,9 +22,14 @@ class HTTPHeaders {
     // end.
     void set(std::string name, std::string value);
 
+    // The same, but the value goes behind that of a field that is there already.
+    void append(std::string name, std::string value, std::string_view separator);
+
     void remove(std::string_view name);
 
     std::optional<std::string> value(std::string_view name) const;
+
+    bool contains(std::string_view name) const;
 
     const std::vector<HTTPHeaderField>& fields() const { return fields_; }
 
@@ -35,6 +40,8 @@ class HTTPHeaders {
     bool operator==(const HTTPHeaders&) const = default;
 
   private:
+    void add(std::string name, std::string value);
+
     std::vector<HTTPHeaderField> fields_;
 };
 

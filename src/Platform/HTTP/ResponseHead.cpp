@@ -11,12 +11,14 @@ namespace {
 // Each field is looked for among those before it.
 constexpr int mostFields = 2000;
 
+constexpr std::string_view blanks = " \t\r\n";
+
 std::string_view trimmed(std::string_view text) {
-    const auto first = text.find_first_not_of(" \t\r\n");
+    const auto first = text.find_first_not_of(blanks);
     if (first == text.npos) {
         return {};
     }
-    return text.substr(first, text.find_last_not_of(" \t\r\n") - first + 1);
+    return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
 // Old servers mean Latin-1 by what is no UTF-8.
@@ -51,7 +53,7 @@ ResponseHead::Progress ResponseHead::take(std::string_view line) {
         status_ = statusOf(line);
         return Progress::going;
     }
-    if (!trimmed(line).empty()) {
+    if (line.find_first_not_of(blanks) != line.npos) {
         return takeField(line);
     }
     isComplete_ = status_ >= 200;
@@ -70,17 +72,14 @@ ResponseHead::Progress ResponseHead::takeField(std::string_view line) {
         return Progress::going;
     }
     auto value = readable(trimmed(continuesLine ? line : line.substr(colon + 1)));
-    if (const auto before = headers_.value(lastName_)) {
-        value = *before + (continuesLine ? " " : ", ") + value;
-    }
-    headers_.set(lastName_, std::move(value));
+    headers_.append(lastName_, std::move(value), continuesLine ? " " : ", ");
     return Progress::going;
 }
 
 std::optional<std::uint64_t> ResponseHead::contentLength() const {
     const auto text = headers_.value("Content-Length");
     std::uint64_t length = 0;
-    if (!text || headers_.value("Transfer-Encoding")) {
+    if (!text || headers_.contains("Transfer-Encoding")) {
         return std::nullopt;
     }
     const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), length);

@@ -30,6 +30,23 @@ TEST(HTTPHeaders, SettingAFieldAgainReplacesItInItsPlaceWithTheNewSpelling) {
     EXPECT_EQ(headers.fields(), expected);
 }
 
+TEST(HTTPHeaders, AnAppendedValueGoesBehindTheOneThatIsThere) {
+    HTTPHeaders headers;
+    headers.append("vary", "Accept", ", ");
+    headers.append("Via", "one", ", ");
+    headers.append("Vary", "Origin", ", ");
+    headers.append("Via", "two", " ");
+    const std::vector<HTTPHeaderField> expected = {{"Vary", "Accept, Origin"}, {"Via", "one two"}};
+    EXPECT_EQ(headers.fields(), expected);
+}
+
+TEST(HTTPHeaders, AFieldIsContainedWithoutRegardToCase) {
+    HTTPHeaders headers;
+    headers.set("Accept", "");
+    EXPECT_TRUE(headers.contains("ACCEPT"));
+    EXPECT_FALSE(headers.contains("Accept-Encoding"));
+}
+
 TEST(HTTPHeaders, ARemovedFieldIsGone) {
     HTTPHeaders headers;
     headers.set("Accept", "*/*");
