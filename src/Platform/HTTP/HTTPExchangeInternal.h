@@ -87,6 +87,7 @@ class HTTPExchange {
     Profile profile() const;
     void setUpFor(Profile profile);
     void setConnection();
+    void setEncodings();
     void setSecurity();
     void setProxy();
     void setCallbacks();
@@ -122,6 +123,7 @@ class HTTPExchange {
     bool isPrepared_ = true;
     bool endedWell_ = false;
     std::optional<Profile> profile_;
+    std::string encodingsLine_;
 
     // Of the transfer.
     std::shared_ptr<URLTransfer> transfer_;

@@ -24,6 +24,21 @@ long milliseconds(HTTPExchange::Clock::duration duration) {
     return static_cast<long>(std::chrono::ceil<std::chrono::milliseconds>(duration).count());
 }
 
+// As libcurl itself writes it for all that it can decode.
+std::string decodableEncodings() {
+    const auto features = curl_version_info(CURLVERSION_NOW)->features;
+    std::string names;
+    const auto add = [&](int feature, std::string_view name) {
+        if ((features & feature) != 0) {
+            names.append(names.empty() ? "" : ", ").append(name);
+        }
+    };
+    add(CURL_VERSION_LIBZ, "deflate, gzip");
+    add(CURL_VERSION_BROTLI, "br");
+    add(CURL_VERSION_ZSTD, "zstd");
+    return names;
+}
+
 // A host may have set libcurl up before, with the key log that the environment asks for.
 CURLcode onSecurity(CURL*, void* context, void*) {
     SSL_CTX_set_keylog_callback(static_cast<SSL_CTX*>(context), nullptr);
@@ -89,7 +104,7 @@ void HTTPExchange::setConnection() {
     set(CURLOPT_TCP_KEEPALIVE, 1L);
     set(CURLOPT_MAXLIFETIME_CONN, longestConnection);
     set(CURLOPT_UPLOAD_BUFFERSIZE, piecesOfBody);
-    set(CURLOPT_ACCEPT_ENCODING, profile_->acceptedEncodings ? profile_->acceptedEncodings->c_str() : "");
+    setEncodings();
     if (profile_->isPlain) {
         set(CURLOPT_PROTOCOLS_STR, "http");
         set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
@@ -97,6 +112,19 @@ void HTTPExchange::setConnection() {
         set(CURLOPT_PROTOCOLS_STR, "https");
         set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_2TLS));
         set(CURLOPT_PIPEWAIT, 1L);
+    }
+}
+
+// Out of the option libcurl would write the field twice for each request, character by character; what stands
+// among the header lines it writes once. The option still says that it decodes.
+void HTTPExchange::setEncodings() {
+    static const auto decodable = decodableEncodings();
+    const auto& own = profile_->acceptedEncodings;
+    const auto& encodings = own && !own->empty() ? *own : decodable;
+    set(CURLOPT_ACCEPT_ENCODING, encodings.c_str());
+    encodingsLine_.clear();
+    if (!encodings.empty()) {
+        appendHeaderLine(encodingsLine_, "Accept-Encoding", encodings);
     }
 }
 
@@ -165,19 +193,15 @@ void HTTPExchange::setMessage() {
 
 // libcurl only reads the list, so that it can point to the lines where they are.
 void HTTPExchange::setHeaderLines() {
-    const auto& wire = plan_->wire;
     headerList_.clear();
-    headerList_.reserve(wire.headerLines.size() + wire.fixedLines.size());
-    const auto add = [&](const char* line) {
-        headerList_.push_back({const_cast<char*>(line), nullptr});
-        if (headerList_.size() > 1) {
-            headerList_[headerList_.size() - 2].next = &headerList_.back();
+    for (auto* lines : {&encodingsLine_, &plan_->wire.headerLines}) {
+        for (std::size_t start = 0; start < lines->size(); start = lines->find('\0', start) + 1) {
+            headerList_.push_back({lines->data() + start, nullptr});
         }
-    };
-    for (const auto& line : wire.headerLines) {
-        add(line.c_str());
     }
-    std::ranges::for_each(wire.fixedLines, add);
+    for (std::size_t index = 1; index < headerList_.size(); ++index) {
+        headerList_[index - 1].next = &headerList_[index];
+    }
     set(CURLOPT_HTTPHEADER, headerList_.empty() ? nullptr : headerList_.data());
 }
 

@@ -13,6 +13,8 @@ constexpr std::array<std::string_view, 9> ownFields = {"Host",    "Connection", 
                                                        "TE",      "Trailer",    "Expect",
                                                        "Upgrade", "Keep-Alive", "Proxy-Connection"};
 
+constexpr std::size_t commonSizeOfFields = 256;
+
 std::unexpected<URLError> refusal(std::string message) {
     return failure(URLError{URLErrorCode::invalidRequest, std::move(message)});
 }
@@ -88,15 +90,13 @@ std::optional<std::string> problemOf(const URLRequest& request) {
     return problemOf(request.headers);
 }
 
-// "http://127.0.0.1:8080" of a route; nothing of a URL that is none.
-std::optional<std::string> routeOrigin(const URL& route) {
+// "127.0.0.1:8080" of a route; nothing of a URL that is none.
+std::optional<std::string_view> routeAuthority(const URL& route) {
     const Target target(route);
     const auto& parts = target.parts;
     const bool isBare = (parts.path.empty() || parts.path == "/") && !parts.query && !parts.fragment;
-    if (!isBare || target.scheme != "http" || !target.port || problemOf(target)) {
-        return std::nullopt;
-    }
-    return "http://" + std::string(*parts.authority);
+    return isBare && target.scheme == "http" && target.port && !problemOf(target) ? parts.authority
+                                                                                  : std::nullopt;
 }
 
 // The Host of a URL as its own server gets it.
@@ -109,17 +109,18 @@ std::string hostField(const Target& target) {
 }
 
 // Everything but the fragment, which stays here.
-std::string targetAt(std::string_view origin, const URLSplit& parts) {
-    std::string text(origin);
-    text += parts.path.empty() ? "/" : parts.path;
+std::string addressOf(std::string_view scheme, std::string_view authority, const URLSplit& parts) {
+    std::string text;
+    text.reserve(scheme.size() + authority.size() + parts.path.size() + parts.query.value_or("").size() + 5);
+    text.append(scheme).append("://").append(authority);
+    text.append(parts.path.empty() ? "/" : parts.path);
     if (parts.query) {
         text.append("?").append(*parts.query);
     }
     return text;
 }
 
-void addHeaderLines(const HTTPHeaders& headers, WireRequest& wire) {
-    wire.headerLines.reserve(headers.fields().size() + 1);
+void addOwnFields(const HTTPHeaders& headers, WireRequest& wire) {
     for (const auto& [name, value] : headers.fields()) {
         if (equalIgnoringASCIICase(name, "Content-Length")) {
             continue; // told from the body
@@ -128,26 +129,22 @@ void addHeaderLines(const HTTPHeaders& headers, WireRequest& wire) {
             wire.acceptedEncodings = value;
             continue;
         }
-        // libcurl takes "Name:" for the wish to leave the field out.
-        const bool isBlank = value.find_first_not_of(" \t") == std::string::npos;
-        auto& line = wire.headerLines.emplace_back();
-        line.reserve(name.size() + 2 + value.size());
-        line.append(name).append(isBlank ? ";" : ": ").append(isBlank ? "" : value);
+        appendHeaderLine(wire.headerLines, name, value);
     }
 }
 
-void addFixedLines(const URLRequest& request, WireRequest& wire) {
-    wire.fixedLines.reserve(4);
-    if (!request.headers.value("User-Agent")) {
-        wire.fixedLines.push_back("User-Agent: ZeltoIntegrations");
+void addStandardFields(const URLRequest& request, WireRequest& wire) {
+    const auto add = [&](std::string_view line) { wire.headerLines.append(line).push_back('\0'); };
+    if (!request.headers.contains("User-Agent")) {
+        add("User-Agent: ZeltoIntegrations");
     }
-    if (!request.headers.value("Accept")) {
-        wire.fixedLines.push_back("Accept:");
+    if (!request.headers.contains("Accept")) {
+        add("Accept:");
     }
     if (tellsBody(request)) {
-        wire.fixedLines.push_back("Expect:");
-        if (!request.headers.value("Content-Type")) {
-            wire.fixedLines.push_back("Content-Type:");
+        add("Expect:");
+        if (!request.headers.contains("Content-Type")) {
+            add("Content-Type:");
         }
     }
 }
@@ -189,6 +186,12 @@ bool isRepeatable(std::string_view method) {
     return std::ranges::find(methods, method) != methods.end();
 }
 
+void appendHeaderLine(std::string& lines, std::string_view name, std::string_view value) {
+    // libcurl takes "Name:" for the wish to leave the field out.
+    const bool isBlank = value.find_first_not_of(" \t") == value.npos;
+    lines.append(name).append(isBlank ? ";" : ": ").append(isBlank ? "" : value).push_back('\0');
+}
+
 bool tellsBody(const URLRequest& request) {
     const auto& method = request.method;
     return (request.body && !request.body->empty()) || method == "POST" || method == "PUT" ||
@@ -197,7 +200,7 @@ bool tellsBody(const URLRequest& request) {
 
 Result<WireRequest, URLError> wireRequest(const URLRequest& request, const URL& url,
                                           const URLSessionConfiguration& configuration) {
-    const auto route = configuration.route ? routeOrigin(*configuration.route) : std::nullopt;
+    const auto route = configuration.route ? routeAuthority(*configuration.route) : std::nullopt;
     if (configuration.route && !route) {
         return refusal("The route of the session is no http address of this machine with a port.");
     }
@@ -208,17 +211,18 @@ Result<WireRequest, URLError> wireRequest(const URLRequest& request, const URL& 
     if (auto problem = problemOf(request)) {
         return refusal(*std::move(problem));
     }
+    const bool isRouted = route && !target.isLoopback;
     WireRequest wire;
-    wire.isLoopback = target.isLoopback || route;
-    wire.isPlain = wire.isLoopback && (target.scheme == "http" || !target.isLoopback);
-    addHeaderLines(request.headers, wire);
-    addFixedLines(request, wire);
-    if (route && !target.isLoopback) {
-        wire.url = targetAt(*route, target.parts);
-        wire.headerLines.push_back("Host: " + hostField(target));
-    } else {
-        wire.url = targetAt(target.scheme + "://" + std::string(*target.parts.authority), target.parts);
+    wire.isLoopback = target.isLoopback || isRouted;
+    wire.isPlain = isRouted || target.scheme == "http";
+    wire.url = isRouted ? addressOf("http", *route, target.parts)
+                        : addressOf(target.scheme, *target.parts.authority, target.parts);
+    wire.headerLines.reserve(commonSizeOfFields);
+    addOwnFields(request.headers, wire);
+    if (isRouted) {
+        appendHeaderLine(wire.headerLines, "Host", hostField(target));
     }
+    addStandardFields(request, wire);
     return wire;
 }
 

@@ -11,15 +11,13 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace zelto {
 
 // What a request comes to on the wire. Made only of a request that passed every check.
 struct WireRequest {
-    std::string url; // whom to connect to and what to ask for
-    std::vector<std::string> headerLines;
-    std::vector<const char*> fixedLines;          // constants; "Name:" leaves out what libcurl would add
+    std::string url;         // whom to connect to and what to ask for
+    std::string headerLines; // each ends with a NUL; "Name:" leaves out what libcurl would add
     std::optional<std::string> acceptedEncodings; // of the request's own; without it all that can be decoded
     bool isLoopback = false;
     bool isPlain = false; // http
@@ -28,6 +26,9 @@ struct WireRequest {
 // The request's URL is looked past: `url` is what to ask for, which redirects change.
 Result<WireRequest, URLError> wireRequest(const URLRequest& request, const URL& url,
                                           const URLSessionConfiguration& configuration);
+
+// Adds a field as libcurl takes it, and a NUL.
+void appendHeaderLine(std::string& lines, std::string_view name, std::string_view value);
 
 // Whether the message tells of a body, be it empty.
 bool tellsBody(const URLRequest& request);

@@ -162,6 +162,35 @@ TEST(URLSession, ARequestGoesOutAsItIsToTheLastByte) {
                         "Accept: application/json\r\nUser-Agent: ZeltoIntegrations\r\n\r\n");
 }
 
+// The head of a request whose "Accept-Encoding" is this, or which has none.
+std::string sentHead(const std::optional<std::string>& acceptedEncodings) {
+    std::string head;
+    ScriptedServer server([&](Conversation& conversation) {
+        head = conversation.readHead();
+        conversation.send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\nConnection: close\r\n\r\nok");
+    });
+    URLSession session(URLSessionConfiguration::ephemeral());
+    URLRequest request(server.url("/"));
+    request.headers.set("X-Own", "1");
+    if (acceptedEncodings) {
+        request.headers.set("accept-encoding", *acceptedEncodings);
+    }
+    EXPECT_EQ(TaskEnd::of(session, request).text(), "ok");
+    const auto host = "Host: 127.0.0.1:" + std::to_string(server.port()) + "\r\n";
+    EXPECT_TRUE(head.contains(host));
+    return head.substr(head.find(host) + host.size());
+}
+
+TEST(URLSession, TellsOnceWhichEncodingsItTakesRightBehindTheHost) {
+    const std::string rest = "X-Own: 1\r\nUser-Agent: ZeltoIntegrations\r\n\r\n";
+    const auto standard = sentHead(std::nullopt);
+    EXPECT_TRUE(standard.starts_with("Accept-Encoding: deflate, gzip")) << standard;
+    EXPECT_EQ(standard.substr(standard.find("\r\n") + 2), rest);
+    EXPECT_EQ(sentHead(""), standard);
+    EXPECT_EQ(sentHead("br;q=0.5"), "Accept-Encoding: br;q=0.5\r\n" + rest);
+    EXPECT_EQ(sentHead(" "), "Accept-Encoding:\r\n" + rest);
+}
+
 TEST(URLSession, TellsWhatTheTransportAddsToARequest) {
     TestHTTPServer server({{.body = "ok"}, {.body = "ok"}});
     URLSession session(URLSessionConfiguration::ephemeral());
