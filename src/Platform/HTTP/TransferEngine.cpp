@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
+#include <sys/eventfd.h>
 #include <unistd.h>
 #include <utility>
 
@@ -37,7 +38,9 @@ TransferEngine& TransferEngine::shared() {
     return *engine;
 }
 
-TransferEngine::TransferEngine() : multi_(newMulti()), share_(newShare()), process_(::getpid()) {
+TransferEngine::TransferEngine()
+    : multi_(newMulti()), share_(newShare()), process_(::getpid()),
+      wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     // After libcurl's setting up, and thus called before what it stands on is torn down.
     std::atexit(stopThread);
     startThread();
@@ -61,7 +64,7 @@ void TransferEngine::stopThread() {
     }
     std::unique_lock lock(engine.lock_);
     engine.stops_ = true;
-    curl_multi_wakeup(engine.multi_);
+    engine.wake();
     const bool hasStopped =
         engine.hasStopped_.wait_for(lock, patienceAtExit, [&] { return !engine.isRunning_; });
     lock.unlock();
@@ -90,8 +93,13 @@ void TransferEngine::post(Command command) {
         wakes = std::exchange(isWaiting_, false);
     }
     if (wakes) {
-        curl_multi_wakeup(multi_);
+        wake();
     }
+}
+
+// What cannot be written finds so many before it that the thread wakes.
+void TransferEngine::wake() {
+    ::eventfd_write(wakeUp_.number(), 1);
 }
 
 void TransferEngine::run() {
@@ -127,7 +135,12 @@ void TransferEngine::wait() {
     }
     const auto left = std::min<Clock::duration>(rounds_.nextLook - rounds_.now, longestWait);
     const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(left).count();
-    curl_multi_poll(multi_, nullptr, 0, static_cast<int>(std::max<std::int64_t>(milliseconds, 0)), nullptr);
+    curl_waitfd wakeUp{wakeUp_.number(), CURL_WAIT_POLLIN, 0};
+    curl_multi_poll(multi_, &wakeUp, 1, static_cast<int>(std::max<std::int64_t>(milliseconds, 0)), nullptr);
+    if (wakeUp.revents != 0) {
+        eventfd_t count = 0;
+        ::eventfd_read(wakeUp_.number(), &count);
+    }
 }
 
 void TransferEngine::obey() {

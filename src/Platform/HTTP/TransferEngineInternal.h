@@ -2,6 +2,7 @@
 
 // For the transport alone: the I/O thread of the process.
 
+#include <Platform/FileDescriptor.h>
 #include <Platform/HTTP/HTTPExchangeInternal.h>
 #include <Platform/HTTP/URLTransferInternal.h>
 
@@ -42,6 +43,7 @@ class TransferEngine {
     TransferEngine();
 
     void post(Command command);
+    void wake();
     void startThread();
     static void stopThread();
     void run();
@@ -62,6 +64,7 @@ class TransferEngine {
     CURLM* const multi_;
     CURLSH* const share_;
     const pid_t process_;
+    const FileDescriptor wakeUp_; // an eventfd, which costs a third of curl_multi_wakeup
     HTTPExchange::Rounds rounds_;
     std::vector<std::unique_ptr<HTTPExchange>> running_;
     std::vector<std::unique_ptr<HTTPExchange>> idle_;
