@@ -22,10 +22,11 @@ Clock::duration bounded(TimeInterval interval) {
 } // namespace
 
 HTTPExchange::HTTPExchange(CURLSH* share, Rounds& rounds)
-    : easy_(curl_easy_init()), share_(share), rounds_(rounds) {}
+    : easy_(curl_easy_init()), url_(curl_url()), share_(share), rounds_(rounds) {}
 
 HTTPExchange::~HTTPExchange() {
     curl_easy_cleanup(easy_);
+    curl_url_cleanup(url_);
 }
 
 HTTPExchange& HTTPExchange::of(CURL* handle) {
@@ -40,7 +41,7 @@ bool HTTPExchange::begin(std::shared_ptr<URLTransfer> transfer, std::unique_ptr<
     redirects_ = 0;
     patience_ = bounded(plan_->request.timeout);
     giveUpAt_ = rounds_.now + bounded(transfer_->session().configuration.longestTransfer);
-    if (easy_ && prepareHop()) {
+    if (easy_ && url_ && prepareHop()) {
         return true;
     }
     transfer_->end(errorOf(failure_.value_or(URLErrorCode::cannotConnect), host()));

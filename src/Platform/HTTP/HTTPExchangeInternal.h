@@ -92,6 +92,7 @@ class HTTPExchange {
     void setProxy();
     void setCallbacks();
     void setMessage();
+    void setURL();
     void setHeaderLines();
     void setBody();
     template <class Value> void set(CURLoption option, Value value);
@@ -117,6 +118,7 @@ class HTTPExchange {
                        int localPort);
 
     CURL* const easy_;
+    CURLU* const url_;
     CURLSH* const share_;
     Rounds& rounds_;
     std::array<char, CURL_ERROR_SIZE> errorText_{};
@@ -124,6 +126,7 @@ class HTTPExchange {
     bool endedWell_ = false;
     std::optional<Profile> profile_;
     std::string encodingsLine_;
+    std::string urlText_; // of url_
 
     // Of the transfer.
     std::shared_ptr<URLTransfer> transfer_;

@@ -182,13 +182,29 @@ void HTTPExchange::setCallbacks() {
 // From here on, each option is set for each hop.
 void HTTPExchange::setMessage() {
     const auto& method = plan_->request.method;
-    set(CURLOPT_URL, plan_->wire.url.c_str());
+    setURL();
     set(CURLOPT_CONNECTTIMEOUT_MS, milliseconds(patience_));
     set(CURLOPT_MAXAGE_CONN, isRepeatable(method) ? longestRest : restBeforeUnrepeatable);
     // The length that a HEAD tells is of nothing that comes.
     const auto largest = method == "HEAD" ? largestOffset : transfer_->session().configuration.largestAnswer;
     set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(std::min(largest, largestOffset)));
     setHeaderLines();
+}
+
+// A URL that it takes apart itself, libcurl puts together again, which costs twice as much. One request often
+// asks for what the one before it did.
+void HTTPExchange::setURL() {
+    const auto& text = plan_->wire.url;
+    if (text != urlText_) {
+        urlText_.clear();
+        if (curl_url_set(url_, CURLUPART_URL, text.c_str(), CURLU_PATH_AS_IS) == CURLUE_OK) {
+            urlText_ = text;
+        } else {
+            isPrepared_ = false;
+        }
+    }
+    set(CURLOPT_URL, text.c_str());
+    set(CURLOPT_CURLU, url_);
 }
 
 // libcurl only reads the list, so that it can point to the lines where they are.

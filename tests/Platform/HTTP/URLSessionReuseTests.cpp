@@ -9,6 +9,10 @@
 
 #include <atomic>
 #include <future>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace zelto {
 namespace {
@@ -26,6 +30,16 @@ TEST(URLSessionReuse, OneConnectionServesRequestAfterRequestOfAllSessions) {
     EXPECT_EQ(server.connectionCount(), 1);
 }
 
+TEST(URLSessionReuse, EachRequestAsksForItsOwnURL) {
+    TestHTTPServer server(
+        [](const ReceivedRequest& request) { return PlayedAnswer{.body = request.target}; });
+    URLSession session(URLSessionConfiguration::ephemeral());
+    for (const auto* target : {"/one?x=1", "/one?x=1", "/two", "/one", "/one?x=1", "/one?x=2"}) {
+        EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url(target))).text(), target);
+    }
+    EXPECT_EQ(server.connectionCount(), 1);
+}
+
 // The first request of a connection is answered, the next one read, and the connection then ended.
 class DyingConnections {
   public:
@@ -37,11 +51,17 @@ class DyingConnections {
               }
           }) {}
 
-    URL url() const { return server_.url(); }
+    URL url(const std::string& path = "/") const { return server_.url(path); }
 
     int received() const { return received_; }
 
     int connections() const { return server_.connectionCount(); }
+
+    // What was asked for, in order.
+    std::vector<std::string> targets() const {
+        const std::lock_guard guard(lock_);
+        return targets_;
+    }
 
   private:
     void serve(Conversation& conversation) {
@@ -59,10 +79,15 @@ class DyingConnections {
             conversation.read(std::stoul(head.substr(length + 16)));
         }
         ++received_;
+        const auto start = head.find(' ') + 1;
+        const std::lock_guard guard(lock_);
+        targets_.push_back(head.substr(start, head.find(' ', start) - start));
         return true;
     }
 
     std::atomic<int> received_ = 0;
+    mutable std::mutex lock_; // guards what follows
+    std::vector<std::string> targets_;
     ScriptedServer server_;
 };
 
@@ -100,6 +125,16 @@ TEST(URLSessionReuse, WhatMayBeRepeatedIsSentAgainWhenAReusedConnectionDies) {
             }
         }
     }
+}
+
+TEST(URLSessionReuse, WhatIsSentAgainAsksForItsOwnURL) {
+    const DyingConnections server(false);
+    URLSession session(URLSessionConfiguration::ephemeral());
+    for (const auto* target : {"/one/./?x=1", "/two"}) {
+        EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url(target))).text(), "ok");
+    }
+    const std::vector<std::string> expected = {"/one/./?x=1", "/two", "/two"};
+    EXPECT_EQ(server.targets(), expected);
 }
 
 TEST(URLSessionReuse, APostWhoseServerHasGoneMeanwhileDoesNotClaimThatItWasNeverSent) {
