@@ -71,6 +71,25 @@ TEST(MCPClientLoad, ALargeAnswerTakesLessThanThreeTimesItsSize) {
     }
 }
 
+TEST(MCPClientLoad, AnAnswerOfVeryManyValuesEndsByALimit) {
+    std::string zeros = "[0";
+    while (zeros.size() < (40u << 20)) {
+        zeros += ",0";
+    }
+    zeros += "]";
+    MCPServer server([&](const ReceivedRequest& request) { return jsonAnswer(request, zeros); });
+    server.http().stopRecording();
+    MCPClient client(server.url());
+    ASSERT_TRUE(connect(client));
+    std::optional<MCPResult<MCPToolCallResult>> result;
+    // The server's copies of the answer are of this process too.
+    EXPECT_LT(growthDuring([&] { result = callTool(client, "t"); }), 10 * zeros.size() + memoryOverhead);
+    ASSERT_FALSE(*result);
+    const auto* error = std::get_if<DecodingError>(&result->error().value);
+    ASSERT_NE(error, nullptr);
+    EXPECT_EQ(error->text, "more than 8388608 values and keys");
+}
+
 TEST(MCPClientLoad, ManyCallsLeaveMemoryDescriptorsAndThreadsWhereTheyWere) {
     std::atomic<int> answered = 0;
     MCPServer server([&](const ReceivedRequest& request) {
