@@ -1,5 +1,7 @@
 #include "KnownValues.h"
 
+#include <Platform/ASCII.h>
+
 #include "ExportSession.h"
 #include "ServiceNames.h"
 
@@ -11,11 +13,8 @@ namespace {
 
 // As people type them: "2do" rather than "Type2Do".
 std::string typedName(ServiceType type) {
-    auto name = displayName(type);
+    auto name = toASCIILower(displayName(type));
     std::erase(name, ' ');
-    std::ranges::transform(name, name.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
     return name;
 }
 

@@ -1,5 +1,7 @@
 #include "ServiceNames.h"
 
+#include <Platform/ASCII.h>
+
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 
 #include <algorithm>
@@ -13,7 +15,7 @@ std::string folded(std::string_view name) {
     std::string text;
     for (const char c : name) {
         if (c != ' ') {
-            text += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+            text += toASCIILower(c);
         }
     }
     return text;

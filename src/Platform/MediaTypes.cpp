@@ -1,5 +1,6 @@
 #include <Platform/MediaTypes.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/MediaTypeTableInternal.h>
 
 #include <algorithm>
@@ -8,14 +9,6 @@
 namespace zelto {
 
 namespace {
-
-std::string lowerCase(std::string_view text) {
-    std::string lower(text);
-    for (char& each : lower) {
-        each = each >= 'A' && each <= 'Z' ? static_cast<char>(each | 0x20) : each;
-    }
-    return lower;
-}
 
 template <class Row, class Key>
 const Row* rowWith(std::span<const Row> sorted, std::string_view wanted, Key Row::*key) {
@@ -27,19 +20,19 @@ const Row* rowWith(std::span<const Row> sorted, std::string_view wanted, Key Row
 
 std::optional<std::string_view> mediaTypeForExtension(std::string_view extension) {
     const auto* row =
-        rowWith(mediaTypesOfExtensions(), lowerCase(extension), &MediaTypeOfExtension::extension);
+        rowWith(mediaTypesOfExtensions(), toASCIILower(extension), &MediaTypeOfExtension::extension);
     return row != nullptr ? std::optional(row->type) : std::nullopt;
 }
 
 std::optional<std::string_view> extensionForMediaType(std::string_view mediaType) {
     mediaType = mediaType.substr(0, mediaType.find(';'));
     mediaType = mediaType.substr(0, mediaType.find_last_not_of(" \t") + 1);
-    const auto wanted = lowerCase(mediaType);
+    const auto wanted = toASCIILower(mediaType);
     if (const auto* row = rowWith(preferredExtensions(), wanted, &ExtensionOfMediaType::type)) {
         return row->extension;
     }
     for (const auto& row : mediaTypesOfExtensions()) {
-        if (row.type.size() == wanted.size() && lowerCase(row.type) == wanted) {
+        if (row.type.size() == wanted.size() && toASCIILower(row.type) == wanted) {
             return row.extension;
         }
     }

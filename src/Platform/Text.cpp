@@ -1,5 +1,7 @@
 #include <Platform/Text.h>
 
+#include <Platform/ASCII.h>
+
 #include <unicode/brkiter.h>
 #include <unicode/utext.h>
 
@@ -12,10 +14,6 @@
 namespace zelto {
 
 namespace {
-
-bool isASCII(char byte) {
-    return static_cast<unsigned char>(byte) < 0x80;
-}
 
 bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;

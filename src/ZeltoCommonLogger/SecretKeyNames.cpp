@@ -1,5 +1,7 @@
 #include <ZeltoCommonLogger/SecretKeyNamesInternal.h>
 
+#include <Platform/ASCII.h>
+
 #include <algorithm>
 #include <array>
 #include <string>
@@ -35,7 +37,7 @@ SecretKeyKind secretKeyKind(std::string_view key) {
     std::string plain;
     for (const char c : key) {
         if (c != '_' && c != '-') {
-            plain.push_back(c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c);
+            plain.push_back(toASCIILower(c));
         }
     }
     const auto isIn = [&](const auto& keys) { return std::ranges::find(keys, plain) != keys.end(); };

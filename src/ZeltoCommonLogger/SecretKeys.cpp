@@ -1,5 +1,7 @@
 #include <ZeltoCommonLogger/SecretKeysInternal.h>
 
+#include <Platform/ASCII.h>
+
 #include <ZeltoCommonLogger/SecretKeyNamesInternal.h>
 
 #include <algorithm>
@@ -18,12 +20,8 @@ bool isAny(char c, std::string_view set) {
     return set.find(c) != std::string_view::npos;
 }
 
-bool isDigit(char c) {
-    return c >= '0' && c <= '9';
-}
-
 bool isKeyCharacter(char c) {
-    return isDigit(c) || (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' || c == '-';
+    return isASCIIAlphanumeric(c) || c == '_' || c == '-';
 }
 
 std::size_t endOf(std::string_view text, std::size_t at, std::string_view terminators) {

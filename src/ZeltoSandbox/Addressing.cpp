@@ -3,6 +3,7 @@
 #include <ZeltoSandbox/OAuth/OAuthServices.h>
 #include <ZeltoSandbox/SandboxService.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/PercentEncoding.h>
 
 #include <algorithm>
@@ -13,13 +14,6 @@ namespace {
 
 constexpr std::string_view webFolder = "/host/";
 constexpr std::size_t largestForm = std::size_t{1} << 20;
-
-std::string lowercased(std::string_view text) {
-    std::string lower(text);
-    std::ranges::transform(lower, lower.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return lower;
-}
 
 std::string withoutUsualPort(const std::string& host) {
     for (const auto* port : {":443", ":80"}) {
@@ -97,7 +91,7 @@ bool isServiceHost(std::string_view host) {
 std::optional<RequestAddress> addressOf(std::string_view hostHeader, std::string_view target,
                                         std::uint16_t port) {
     const auto question = std::min(target.find('?'), target.size());
-    RequestAddress address{.host = lowercased(hostHeader),
+    RequestAddress address{.host = toASCIILower(hostHeader),
                            .path = std::string(target.substr(0, question)),
                            .query = std::string(target.substr(std::min(question + 1, target.size()))),
                            .webPrefix = {}};
@@ -111,7 +105,7 @@ std::optional<RequestAddress> addressOf(std::string_view hostHeader, std::string
     }
     const auto end = std::min(address.path.find('/', webFolder.size()), address.path.size());
     const auto host =
-        lowercased(std::string_view(address.path).substr(webFolder.size(), end - webFolder.size()));
+        toASCIILower(std::string_view(address.path).substr(webFolder.size(), end - webFolder.size()));
     if (!isServiceHost(host)) {
         return address;
     }

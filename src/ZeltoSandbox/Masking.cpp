@@ -2,6 +2,7 @@
 
 #include <ZeltoSandbox/OAuth/SecretTable.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/JSON/JSONValue.h>
 #include <Platform/PercentEncoding.h>
 #include <Platform/UTF8.h>
@@ -29,7 +30,7 @@ bool isSecretName(std::string_view name) {
     std::string plain;
     for (const char c : name) {
         if (c != '_' && c != '-') {
-            plain.push_back(c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c);
+            plain.push_back(toASCIILower(c));
         }
     }
     return std::ranges::find(secretNames, plain) != secretNames.end() ||
@@ -38,7 +39,7 @@ bool isSecretName(std::string_view name) {
 }
 
 bool isTokenCharacter(char c) {
-    return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-' || c == '_';
+    return isASCIIAlphanumeric(c) || c == '-' || c == '_';
 }
 
 // Without the secrets that the sandbox has given out.

@@ -1,5 +1,7 @@
 #include <ZeltoSandbox/ServiceDesk.h>
 
+#include <Platform/ASCII.h>
+
 #include <ZeltoSandbox/Masking.h>
 
 #include <algorithm>
@@ -8,13 +10,6 @@
 namespace zelto::sandbox {
 
 namespace {
-
-std::string lowercased(std::string_view text) {
-    std::string lower(text);
-    std::ranges::transform(lower, lower.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return lower;
-}
 
 std::set<std::string_view> serviceNames() {
     std::set<std::string_view> names;
@@ -149,7 +144,7 @@ JSONObject ServiceDesk::state() const {
     JSONObject state{{"services", std::move(services)}, {"faults", faults_.count()}};
     for (const auto& entry : services_) {
         if (auto ofService = entry.service->state(); !ofService.empty()) {
-            state.set(lowercased(entry.row->name), std::move(ofService));
+            state.set(toASCIILower(entry.row->name), std::move(ofService));
         }
     }
     return state;

@@ -1,5 +1,7 @@
 #include <Platform/JSON/JSONTape.h>
 
+#include <Platform/ASCII.h>
+
 #include <algorithm>
 
 namespace zelto {
@@ -9,8 +11,7 @@ namespace {
 constexpr std::size_t longestKeyInPath = 64;
 
 bool isPlain(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
-           c == '-' || c == '.' || c == '@' || c == '$';
+    return isASCIIAlphanumeric(c) || c == '_' || c == '-' || c == '.' || c == '@' || c == '$';
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include <ZeltoHost/HTML/CSSCleaner.h>
 
-#include <ZeltoHost/HTML/ASCII.h>
+#include <Platform/ASCII.h>
+
+#include <ZeltoHost/HTML/HTMLSpace.h>
 
 #include <algorithm>
 #include <array>
@@ -172,7 +174,7 @@ std::string cleanedWithoutComments(std::string_view css) {
 }
 
 bool isMediaRule(std::string_view prelude) {
-    return prelude.size() > 6 && equalsIgnoringCase(prelude.substr(0, 6), "@media") &&
+    return prelude.size() > 6 && equalIgnoringASCIICase(prelude.substr(0, 6), "@media") &&
            !isNameCharacter(prelude[6]);
 }
 

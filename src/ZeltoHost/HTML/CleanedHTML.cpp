@@ -1,8 +1,8 @@
 #include <ZeltoHost/HTML/CleanedHTML.h>
 
-#include <ZeltoHost/HTML/ASCII.h>
 #include <ZeltoHost/HTML/CSSCleaner.h>
 #include <ZeltoHost/HTML/DataImage.h>
+#include <ZeltoHost/HTML/HTMLSpace.h>
 #include <ZeltoHost/HTML/HTMLTagKindsInternal.h>
 #include <ZeltoHost/HTML/MarkupEscape.h>
 #include <ZeltoHost/HTML/MarkupWriterInternal.h>

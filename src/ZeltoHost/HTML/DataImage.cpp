@@ -1,6 +1,8 @@
 #include <ZeltoHost/HTML/DataImage.h>
 
-#include <ZeltoHost/HTML/ASCII.h>
+#include <Platform/ASCII.h>
+
+#include <ZeltoHost/HTML/HTMLSpace.h>
 
 #include <algorithm>
 #include <array>
@@ -24,7 +26,7 @@ bool isAllowed(char c) {
 std::optional<std::string> rasterDataURL(std::string_view address) {
     constexpr std::string_view scheme = "data:";
     address = trimmedHTMLSpace(address);
-    if (!equalsIgnoringCase(address.substr(0, scheme.size()), scheme)) {
+    if (!equalIgnoringASCIICase(address.substr(0, scheme.size()), scheme)) {
         return std::nullopt;
     }
     const auto typeEnd = address.find_first_of(";,", scheme.size());

@@ -1,6 +1,8 @@
 #include <ZeltoHost/HTML/HTMLTokenizer.h>
 
-#include <ZeltoHost/HTML/ASCII.h>
+#include <Platform/ASCII.h>
+
+#include <ZeltoHost/HTML/HTMLSpace.h>
 
 #include <algorithm>
 
@@ -52,7 +54,7 @@ bool HTMLTokenizer::next(HTMLToken& token) {
 std::size_t HTMLTokenizer::rawTextEnd() const {
     for (auto at = html_.find("</", position_); at != npos; at = html_.find("</", at + 2)) {
         const auto behind = at + 2 + rawTextName_.size();
-        if (equalsIgnoringCase(html_.substr(at + 2, rawTextName_.size()), rawTextName_) &&
+        if (equalIgnoringASCIICase(html_.substr(at + 2, rawTextName_.size()), rawTextName_) &&
             (behind >= html_.size() || isHTMLSpace(html_[behind]) || html_[behind] == '/' ||
              html_[behind] == '>')) {
             return at;

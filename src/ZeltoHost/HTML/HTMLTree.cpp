@@ -1,7 +1,7 @@
 #include <ZeltoHost/HTML/HTMLTreeInternal.h>
 
-#include <ZeltoHost/HTML/ASCII.h>
 #include <ZeltoHost/HTML/HTMLGuard.h>
+#include <ZeltoHost/HTML/HTMLSpace.h>
 
 #include <Platform/UTF8.h>
 

@@ -1,6 +1,8 @@
 #include <ZeltoHost/HTML/InlineStyle.h>
 
-#include <ZeltoHost/HTML/ASCII.h>
+#include <Platform/ASCII.h>
+
+#include <ZeltoHost/HTML/HTMLSpace.h>
 
 #include <charconv>
 

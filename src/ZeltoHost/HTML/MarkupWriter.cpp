@@ -1,7 +1,9 @@
 #include <ZeltoHost/HTML/MarkupWriterInternal.h>
 
-#include <ZeltoHost/HTML/ASCII.h>
+#include <Platform/ASCII.h>
+
 #include <ZeltoHost/HTML/CSSCleaner.h>
+#include <ZeltoHost/HTML/HTMLSpace.h>
 #include <ZeltoHost/HTML/HTMLTagKindsInternal.h>
 #include <ZeltoHost/HTML/InlineStyle.h>
 #include <ZeltoHost/HTML/MarkupEscape.h>

@@ -1,7 +1,5 @@
 #include <ZeltoHost/HTML/SafeLink.h>
 
-#include <ZeltoHost/HTML/ASCII.h>
-
 #include <algorithm>
 #include <array>
 

@@ -1,6 +1,6 @@
 #include <ZeltoHost/HTML/TextFlowBuilder.h>
 
-#include <ZeltoHost/HTML/ASCII.h>
+#include <ZeltoHost/HTML/HTMLSpace.h>
 
 #include <Platform/Text.h>
 

@@ -2,8 +2,9 @@
 #include <ZeltoHost/HTML/PlainText.h>
 #include <ZeltoHost/Interactor/MessageHeader.h>
 
+#include <Platform/ASCII.h>
+
 #include <algorithm>
-#include <cctype>
 
 namespace zelto {
 
@@ -13,10 +14,7 @@ using Address = IntegrationHeaderComponents::Address;
 
 std::string domainOf(std::string_view address) {
     const auto at = address.rfind('@');
-    std::string domain(at == std::string_view::npos ? address : address.substr(at + 1));
-    std::ranges::transform(domain, domain.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return domain;
+    return toASCIILower(at == std::string_view::npos ? address : address.substr(at + 1));
 }
 
 bool isOfDomain(const IntegrationsInteractorAddress& address, const std::string& domain) {

@@ -2,6 +2,8 @@
 #include <ZeltoHost/HTML/PlainText.h>
 #include <ZeltoHost/Interactor/MessageLinks.h>
 
+#include <Platform/ASCII.h>
+
 namespace zelto {
 
 namespace {
@@ -12,8 +14,7 @@ std::string escapedMessageID(std::string_view id) {
     static constexpr std::string_view kept = "-._~@$+=!";
     std::string result;
     for (const char c : id) {
-        const bool alphanumeric = (c >= '0' && c <= '9') || ((c | 0x20) >= 'a' && (c | 0x20) <= 'z');
-        if (alphanumeric || kept.find(c) != std::string_view::npos) {
+        if (isASCIIAlphanumeric(c) || kept.find(c) != std::string_view::npos) {
             result += c;
         } else {
             result += percentEncodeBytes({&c, 1}, AllowedCharacters::alphanumerics);

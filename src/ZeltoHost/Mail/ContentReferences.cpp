@@ -1,9 +1,9 @@
+#include <Platform/ASCII.h>
 #include <Platform/PercentEncoding.h>
 #include <Platform/UTF8.h>
 #include <ZeltoHost/Mail/ContentReferences.h>
 
 #include <algorithm>
-#include <cctype>
 
 namespace zelto {
 
@@ -14,9 +14,7 @@ constexpr std::string_view scheme = "cid:";
 constexpr std::size_t maxURLLength = 1000;
 
 bool startsWithScheme(std::string_view text) {
-    return std::ranges::equal(text.substr(0, scheme.size()), scheme, [](unsigned char a, unsigned char b) {
-        return std::tolower(a) == std::tolower(b);
-    });
+    return equalIgnoringASCIICase(text.substr(0, scheme.size()), scheme);
 }
 
 // Where a URL may begin: behind a quote, "=" or "(", blanks between.

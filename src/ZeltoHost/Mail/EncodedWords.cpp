@@ -1,10 +1,11 @@
 #include <Platform/Base64.h>
 #include <ZeltoHost/Mail/EncodedWords.h>
 
+#include <Platform/ASCII.h>
+
 #include <glib.h>
 
 #include <algorithm>
-#include <cctype>
 #include <memory>
 #include <optional>
 
@@ -44,11 +45,6 @@ void appendDecoded(std::string& bytes, std::string_view base64) {
     bytes.append(reinterpret_cast<const char*>(decoded.get()), size);
 }
 
-bool sameCharset(std::string_view a, std::string_view b) {
-    return std::ranges::equal(
-        a, b, [](unsigned char x, unsigned char y) { return std::tolower(x) == std::tolower(y); });
-}
-
 } // namespace
 
 std::string joiningEncodedWords(std::string_view value) {
@@ -68,13 +64,13 @@ std::string joiningEncodedWords(std::string_view value) {
         }
         const auto charset = word->charset;
         std::string bytes;
-        while (word && sameCharset(word->charset, charset)) {
+        while (word && equalIgnoringASCIICase(word->charset, charset)) {
             appendDecoded(bytes, word->text);
             value.remove_prefix(word->length);
             const auto next = value.find_first_not_of(" \t");
             word =
                 next == 0 || next == std::string_view::npos ? std::nullopt : base64WordAt(value.substr(next));
-            if (word && sameCharset(word->charset, charset)) {
+            if (word && equalIgnoringASCIICase(word->charset, charset)) {
                 value.remove_prefix(next);
             }
         }

@@ -2,9 +2,10 @@
 #include <ZeltoHost/Mail/GMimeInternal.h>
 #include <ZeltoHost/Mail/MailCharset.h>
 
+#include <Platform/ASCII.h>
+
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cerrno>
 #include <optional>
 #include <utility>
@@ -28,15 +29,15 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 9> widerChar
     {"utf8", "utf-8"},
 }};
 
-bool isCharsetCharacter(unsigned char c) {
-    return std::isalnum(c) != 0 || c == '-' || c == '_' || c == '.' || c == ':' || c == '+';
+bool isCharsetCharacter(char c) {
+    return isASCIIAlphanumeric(c) || c == '-' || c == '_' || c == '.' || c == ':' || c == '+';
 }
 
 std::string canonicalName(std::string_view charset) {
     std::string name;
-    for (const unsigned char c : charset) {
+    for (const char c : charset) {
         if (isCharsetCharacter(c)) {
-            name += static_cast<char>(std::tolower(c));
+            name += toASCIILower(c);
         }
     }
     const auto* wider = std::ranges::find(widerCharsets, name, [](const auto& each) { return each.first; });
@@ -45,9 +46,7 @@ std::string canonicalName(std::string_view charset) {
 
 // The name behind "charset=" in the beginning of an HTML document.
 std::string nameInDocument(std::string_view html) {
-    auto head = std::string(html.substr(0, 1024));
-    std::ranges::transform(head, head.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    auto head = toASCIILower(html.substr(0, 1024));
     const auto found = head.find("charset=");
     if (found == std::string::npos) {
         return {};

@@ -4,18 +4,13 @@
 #include <ZeltoHost/Mail/MailHeaderText.h>
 #include <ZeltoHost/Mail/MailPartHeader.h>
 
+#include <Platform/ASCII.h>
+
 #include <algorithm>
-#include <cctype>
 
 namespace zelto {
 
 namespace {
-
-std::string lowercase(std::string text) {
-    std::ranges::transform(text, text.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
-}
 
 std::string trimmedToken(std::string_view value) {
     const auto begin = value.find_first_not_of(" \t");
@@ -23,7 +18,7 @@ std::string trimmedToken(std::string_view value) {
         return {};
     }
     value.remove_prefix(begin);
-    return lowercase(std::string(value.substr(0, value.find_first_of(" \t;("))));
+    return toASCIILower(std::string(value.substr(0, value.find_first_of(" \t;("))));
 }
 
 MailEncoding encodingOf(const std::vector<MailField>& fields) {
@@ -71,15 +66,15 @@ void readContentType(const MailField& field, MailPartHeader& header) {
         return textOf(g_mime_content_type_get_parameter(type.get(), name));
     };
     const GLibPointer<char> name(g_mime_content_type_get_mime_type(type.get()));
-    part.mediaType = lowercase(onOneLine(textOf(name.get())));
+    part.mediaType = toASCIILower(onOneLine(textOf(name.get())));
     if (const auto token = trimmedToken(field.value); token.empty() || token == "text") {
         part.mediaType = "text/plain"; // as mails before MIME have it
     }
     part.charset = onOneLine(parameter("charset"));
     part.name = nameOf(parameter("name"));
     part.root = withoutBrackets(onOneLine(parameter("start")));
-    part.flowed = lowercase(parameter("format")) == "flowed";
-    part.delSp = lowercase(parameter("delsp")) == "yes";
+    part.flowed = toASCIILower(parameter("format")) == "flowed";
+    part.delSp = toASCIILower(parameter("delsp")) == "yes";
     if (part.mediaType.starts_with("multipart/")) {
         header.boundary = parameter("boundary");
         // A line's trailing blanks do not count, so a boundary cannot end in one.
@@ -95,7 +90,7 @@ void readDisposition(const MailField& field, MailPart& part) {
     const GLibPointer<GMimeContentDisposition> disposition(
         g_mime_content_disposition_parse(gmimeOptions(), value.c_str()));
     part.disposition =
-        lowercase(onOneLine(textOf(g_mime_content_disposition_get_disposition(disposition.get()))));
+        toASCIILower(onOneLine(textOf(g_mime_content_disposition_get_disposition(disposition.get()))));
     const auto name = nameOf(textOf(g_mime_content_disposition_get_parameter(disposition.get(), "filename")));
     if (!name.empty()) {
         part.name = name;

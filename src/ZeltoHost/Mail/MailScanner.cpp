@@ -2,8 +2,9 @@
 #include <ZeltoHost/Mail/MailPartHeader.h>
 #include <ZeltoHost/Mail/MailScanner.h>
 
+#include <Platform/ASCII.h>
+
 #include <algorithm>
-#include <cctype>
 #include <optional>
 #include <utility>
 
@@ -300,9 +301,7 @@ class Scanner {
 } // namespace
 
 bool isField(const MailField& field, std::string_view name) {
-    return std::ranges::equal(field.name, name, [](unsigned char a, unsigned char b) {
-        return std::tolower(a) == std::tolower(b);
-    });
+    return equalIgnoringASCIICase(field.name, name);
 }
 
 const MailField* findField(const std::vector<MailField>& fields, std::string_view name) {

@@ -1,5 +1,6 @@
 #include <ZeltoHost/Platform/EmailValidator.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/Text.h>
 
 #include <algorithm>
@@ -18,20 +19,8 @@ constexpr std::size_t longestLabel = 63;
 // A label outside ASCII travels as "xn--" and at least one octet a character.
 constexpr std::size_t longestInternationalLabel = 59;
 
-bool isASCII(char octet) {
-    return static_cast<unsigned char>(octet) < 0x80;
-}
-
-bool isDigit(char octet) {
-    return octet >= '0' && octet <= '9';
-}
-
-bool isLetterOrDigit(char octet) {
-    return isDigit(octet) || (octet >= 'a' && octet <= 'z') || (octet >= 'A' && octet <= 'Z');
-}
-
 bool isAtomText(char octet) {
-    return !isASCII(octet) || isLetterOrDigit(octet) ||
+    return !isASCII(octet) || isASCIIAlphanumeric(octet) ||
            std::string_view("!#$%&'*+-/=?^_`{|}~").find(octet) != std::string_view::npos;
 }
 
@@ -107,8 +96,9 @@ bool isLabel(std::string_view label) {
     const auto characters = static_cast<std::size_t>(
         std::ranges::count_if(label, [](char octet) { return (octet & 0xC0) != 0x80; }));
     return characters <= (isInternational ? longestInternationalLabel : longestLabel) &&
-           std::ranges::all_of(
-               label, [](char octet) { return !isASCII(octet) || isLetterOrDigit(octet) || octet == '-'; });
+           std::ranges::all_of(label, [](char octet) {
+               return !isASCII(octet) || isASCIIAlphanumeric(octet) || octet == '-';
+           });
 }
 
 bool isLiteral(std::string_view content) {

@@ -1,5 +1,7 @@
 #include <ZeltoHost/SignIn/SignInService.h>
 
+#include <Platform/ASCII.h>
+
 #include <ZeltoIntegrations/Asana/AsanaConstants.h>
 #include <ZeltoIntegrations/Dropbox/DropboxConstants.h>
 #include <ZeltoIntegrations/Evernote/EvernoteConstants.h>
@@ -152,14 +154,6 @@ constexpr ServiceRow rows[] = {
      .takesPKCE = true},
 };
 
-std::string lowerCased(std::string_view text) {
-    std::string result(text);
-    std::ranges::transform(result, result.begin(), [](char c) {
-        return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    });
-    return result;
-}
-
 std::optional<SignInService> serviceOf(const ServiceRow& row) {
     const auto page = URL::parse(row.authorizationURL);
     const auto token = URL::parse(row.tokenURL);
@@ -192,7 +186,7 @@ std::optional<SignInService> serviceOf(const ServiceRow& row) {
 } // namespace
 
 std::string SignInService::redirectPath() const {
-    return "/sign-in/" + lowerCased(nameOf(type));
+    return "/sign-in/" + toASCIILower(nameOf(type));
 }
 
 std::optional<SignInService> signInServiceFor(ServiceType type) {

@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/MCP/MCPDecodingInternal.h>
 #include <ZeltoIntegrations/MCP/MCPHTTPResponseRules.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/Growth.h>
 
 #include <algorithm>
@@ -15,12 +16,6 @@ namespace {
 
 constexpr std::string_view jsonType = "application/json";
 constexpr std::string_view eventStreamType = "text/event-stream";
-
-std::string lowercased(std::string text) {
-    std::ranges::transform(text, text.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return text;
-}
 
 // A server's word for the length is believed so far and no farther.
 std::size_t expectedLength(const HTTPURLResponse& response) {
@@ -52,7 +47,7 @@ MCPHTTPTaskDecision MCPHTTPRequestHandler::validate(const HTTPURLResponse& respo
     }
     captureSessionID(response, sessionIDReference_);
     auto contentType = response.header("Content-Type");
-    auto normalized = contentType ? lowercased(*contentType) : std::string();
+    auto normalized = contentType ? toASCIILower(*contentType) : std::string();
     if (!normalized.contains(jsonType) && !normalized.contains(eventStreamType)) {
         return MCPHTTPTaskDecision::finish(
             failure(MCPError(MCPClientError::unsupportedHTTPContentType(std::move(contentType)))));

@@ -1,5 +1,6 @@
 #include <ZeltoIntegrations/MCP/MCPServerSentEventsParser.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/Growth.h>
 #include <Platform/Text.h>
 #include <Platform/UTF8.h>
@@ -27,10 +28,6 @@ std::optional<std::int64_t> decimalInteger(std::string_view text) {
     const auto* const end = text.data() + text.size();
     const auto [read, error] = std::from_chars(text.data(), end, value);
     return error == std::errc() && read == end ? std::optional(value) : std::nullopt;
-}
-
-bool isASCII(char c) {
-    return static_cast<unsigned char>(c) < 0x80;
 }
 
 bool beginsWithBlank(std::string_view value) {

@@ -1,5 +1,6 @@
 #include <ZeltoIntegrations/MCP/MCPWWWAuthenticateBearerParser.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/HTTP/HTTPHeaders.h>
 #include <Platform/Text.h>
 
@@ -39,13 +40,6 @@ bool standsScheme(Characters header, std::size_t index) {
     return isSchemeBoundaryBefore(header, index) && isSchemeBoundaryAfter(header, index + scheme.size());
 }
 
-std::string lowercased(std::string_view text) {
-    std::string lower(text);
-    std::ranges::transform(lower, lower.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return lower;
-}
-
 } // namespace
 
 std::optional<MCPClientError> MCPWWWAuthenticateBearerParser::bearerFailure(std::string_view header) {
@@ -79,7 +73,7 @@ std::map<std::string, std::string> MCPWWWAuthenticateBearerParser::bearerParamet
         const auto equals = findCharacter(item, '=');
         if (equals) {
             const auto text = std::string_view(item);
-            parameters.insert_or_assign(lowercased(trimmed(text.substr(0, *equals))),
+            parameters.insert_or_assign(toASCIILower(trimmed(text.substr(0, *equals))),
                                         unquote(trimmed(text.substr(*equals + 1))));
         }
     }

@@ -1,5 +1,6 @@
 #include <ZeltoSandbox/HTTP/SandboxRequest.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/PercentEncoding.h>
 
 #include <algorithm>
@@ -7,13 +8,6 @@
 namespace zelto::sandbox {
 
 namespace {
-
-std::string lowercased(std::string_view text) {
-    std::string lower(text);
-    std::ranges::transform(lower, lower.begin(),
-                           [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; });
-    return lower;
-}
 
 std::string_view withoutBlanks(std::string_view text) {
     const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
@@ -123,7 +117,7 @@ std::optional<std::string> headerParameter(std::string_view value, std::string_v
 }
 
 std::string mediaTypeOf(std::string_view contentType) {
-    return lowercased(withoutBlanks(contentType.substr(0, contentType.find(';'))));
+    return toASCIILower(withoutBlanks(contentType.substr(0, contentType.find(';'))));
 }
 
 } // namespace zelto::sandbox
