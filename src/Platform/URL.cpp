@@ -1,5 +1,6 @@
 #include <Platform/URL.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/PercentEncoding.h>
 #include <Platform/URLGrammarInternal.h>
 
@@ -72,14 +73,6 @@ std::string_view lastSegment(std::string_view path) {
     return slash == npos ? path : path.substr(slash + 1);
 }
 
-std::string lowerCase(std::string_view text) {
-    std::string lower(text);
-    for (char& each : lower) {
-        each = each >= 'A' && each <= 'Z' ? static_cast<char>(each | 0x20) : each;
-    }
-    return lower;
-}
-
 std::string decodedIfPossible(std::string_view text) {
     auto decoded = percentDecode(text);
     return decoded ? *std::move(decoded) : std::string(text);
@@ -138,7 +131,7 @@ URL URL::appendingPathComponent(std::string_view component) const {
 }
 
 std::string URL::scheme() const {
-    return lowerCase(*splitURL(text_).scheme);
+    return toASCIILower(*splitURL(text_).scheme);
 }
 
 std::optional<std::string> URL::userInfo() const {
@@ -150,7 +143,7 @@ bool URL::hasAuthority() const {
 }
 
 std::string URL::host() const {
-    return lowerCase(splitURLAuthority(splitURL(text_).authority.value_or("")).host);
+    return toASCIILower(splitURLAuthority(splitURL(text_).authority.value_or("")).host);
 }
 
 std::optional<std::uint16_t> URL::port() const {

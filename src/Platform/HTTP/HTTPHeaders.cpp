@@ -7,10 +7,6 @@ namespace zelto {
 
 namespace {
 
-char asciiLower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 constexpr auto tokenCharacters = [] {
     std::array<bool, 256> table{};
     for (const char each : std::string_view("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789"
@@ -86,10 +82,6 @@ bool isValidHeaderValue(std::string_view value) {
 bool isValidHeaderName(std::string_view name) {
     return !name.empty() &&
            std::ranges::all_of(name, [](char c) { return tokenCharacters[static_cast<unsigned char>(c)]; });
-}
-
-bool equalIgnoringASCIICase(std::string_view left, std::string_view right) {
-    return std::ranges::equal(left, right, {}, asciiLower, asciiLower);
 }
 
 } // namespace zelto

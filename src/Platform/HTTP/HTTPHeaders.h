@@ -1,5 +1,7 @@
 #pragma once
 
+#include <Platform/ASCII.h>
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -49,8 +51,5 @@ class HTTPHeaders {
 // no token of RFC 9110. Whoever writes a message to the wire asks these before the first byte goes out.
 bool isValidHeaderValue(std::string_view value);
 bool isValidHeaderName(std::string_view name);
-
-// Whether two field names, tokens or schemes are the same; only A to Z have a case here.
-bool equalIgnoringASCIICase(std::string_view left, std::string_view right);
 
 } // namespace zelto

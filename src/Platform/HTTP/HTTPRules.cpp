@@ -1,5 +1,6 @@
 #include <Platform/HTTP/HTTPRulesInternal.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/URLGrammarInternal.h>
 
 #include <algorithm>
@@ -19,19 +20,11 @@ std::unexpected<URLError> refusal(std::string message) {
     return failure(URLError{URLErrorCode::invalidRequest, std::move(message)});
 }
 
-std::string lowerCase(std::string_view text) {
-    std::string lower(text);
-    for (char& each : lower) {
-        each = each >= 'A' && each <= 'Z' ? static_cast<char>(each | 0x20) : each;
-    }
-    return lower;
-}
-
 // A URL taken apart once; points into its text.
 struct Target {
     explicit Target(const URL& url)
-        : parts(splitURL(url.absoluteString())), scheme(lowerCase(parts.scheme.value_or(""))),
-          authority(splitURLAuthority(parts.authority.value_or(""))), host(lowerCase(authority.host)),
+        : parts(splitURL(url.absoluteString())), scheme(toASCIILower(parts.scheme.value_or(""))),
+          authority(splitURLAuthority(parts.authority.value_or(""))), host(toASCIILower(authority.host)),
           port(portNumberOf(authority.port)), isLoopback(isLoopbackHost(host)) {}
 
     std::uint16_t standardPort() const { return scheme == "https" ? 443 : 80; }
