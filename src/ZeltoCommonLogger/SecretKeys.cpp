@@ -73,7 +73,7 @@ TextRange headerLine(std::string_view text, std::size_t at) {
 
 // A service's error codes ("validation_error", 404) are no secrets; an authorisation code has digits in it.
 bool looksLikeCode(std::string_view value) {
-    return value.size() >= 8 && std::ranges::any_of(value, isDigit);
+    return value.size() >= 8 && std::ranges::any_of(value, isASCIIDigit);
 }
 
 struct Key {
@@ -190,7 +190,7 @@ Found behindScheme(std::string_view text, std::size_t at) {
         ++end;
     }
     const auto token = text.substr(at + 1, end - at - 1);
-    const bool isSecret = token.size() >= 20 || (token.size() >= 6 && std::ranges::any_of(token, isDigit));
+    const bool isSecret = token.size() >= 20 || (token.size() >= 6 && std::ranges::any_of(token, isASCIIDigit));
     return isSecret ? Found({at + 1, end}) : std::nullopt;
 }
 

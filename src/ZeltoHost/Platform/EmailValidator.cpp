@@ -115,7 +115,7 @@ bool isDomain(std::string_view text) {
         return isLiteral(text.substr(1, text.size() - 2));
     }
     const auto last = text.substr(text.rfind('.') + 1);
-    return allParts(text, isLabel) && !std::ranges::all_of(last, isDigit);
+    return allParts(text, isLabel) && !std::ranges::all_of(last, isASCIIDigit);
 }
 
 } // namespace
