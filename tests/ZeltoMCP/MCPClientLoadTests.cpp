@@ -115,7 +115,8 @@ TEST(MCPClientLoad, ManyCallsLeaveMemoryDescriptorsAndThreadsWhereTheyWere) {
     // Some hundred bytes that stay behind at each call are too many.
     EXPECT_LT(memoryOf("VmRSS:"), memoryBefore + manyCalls * std::size_t{100} + memoryOverhead);
     EXPECT_LE(entriesOf("/proc/self/fd"), descriptorsBefore);
-    EXPECT_LE(entriesOf("/proc/self/task"), threadsBefore);
+    // The pool may have met a busy moment and grown; a leak would be a thread a call.
+    EXPECT_LE(entriesOf("/proc/self/task"), threadsBefore + 4);
     EXPECT_EQ(server.http().connectionCount(), 1);
 }
 

@@ -147,7 +147,8 @@ TEST(URLSessionLoad, NothingIsLeftOfThousandsOfRequestsHoweverTheyEnd) {
     run(3000);
     // As many connections as were used at once may rest, of this run's server and of the one before.
     EXPECT_LE(entriesOf("/proc/self/fd"), descriptors + 8);
-    EXPECT_LE(entriesOf("/proc/self/task"), threads + 1);
+    // The pool may have met a busy moment and grown; a leak would be a thread a request.
+    EXPECT_LE(entriesOf("/proc/self/task"), threads + 4);
 }
 
 } // namespace
