@@ -190,7 +190,8 @@ Found behindScheme(std::string_view text, std::size_t at) {
         ++end;
     }
     const auto token = text.substr(at + 1, end - at - 1);
-    const bool isSecret = token.size() >= 20 || (token.size() >= 6 && std::ranges::any_of(token, isASCIIDigit));
+    const bool isSecret =
+        token.size() >= 20 || (token.size() >= 6 && std::ranges::any_of(token, isASCIIDigit));
     return isSecret ? Found({at + 1, end}) : std::nullopt;
 }
 

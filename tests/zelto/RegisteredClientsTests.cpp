@@ -7,6 +7,8 @@
 
 #include <Platform/FileManager.h>
 
+#include <Support/FreshProcess.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -14,18 +16,8 @@
 
 namespace zelto {
 
-namespace {
-
-// In a process of its own, where no constant was read before.
-template <class F> void inFreshProcess(F&& holds) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(std::_Exit(holds() ? 0 : 1), testing::ExitedWithCode(0), "");
-}
-
-} // namespace
-
 TEST(RegisteredClientsDeathTest, ComeFromTheEnvironmentAndLeaveIt) {
-    inFreshProcess([] {
+    expectInFreshProcess([] {
         ::setenv("ZELTO_TRELLO_CLIENT_ID", "my-own-id", 1);
         ::setenv("ZELTO_TRELLO_CLIENT_SECRET", "my-own-secret", 1);
         ::setenv("ZELTO_GOOGLEDRIVE_CLIENT_ID", "my-drive", 1);

@@ -2,24 +2,16 @@
 
 #include <Support/LogCapture.h>
 
+#include <Support/FreshProcess.h>
+
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 
 namespace zelto {
 
-namespace {
-
-// In a process of its own, where no value was read before.
-template <class F> void inFreshProcess(F&& holds) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_EXIT(std::_Exit(holds() ? 0 : 1), testing::ExitedWithCode(0), "");
-}
-
-} // namespace
-
 TEST(SecretsDeathTest, AreReplacedBeforeTheirFirstUseAlone) {
-    inFreshProcess([] {
+    expectInFreshProcess([] {
         return Secrets::overrideClient("Zoom", "id-1", std::nullopt) &&
                Secrets::overrideClient("Zoom", "id-2", "secret-2") &&
                !Secrets::overrideClient("zoom", "id-3", "secret-3") &&
