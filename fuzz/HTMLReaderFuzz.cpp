@@ -1,11 +1,11 @@
 // HTML from a mail: whatever the bytes, every reader ends, what it gives is UTF-8, links are links, and
 // cleaned HTML holds nothing that loads.
 
-#include <ZeltoHost/HTML/ASCII.h>
 #include <ZeltoHost/HTML/CleanedHTML.h>
 #include <ZeltoHost/HTML/ENML.h>
 #include <ZeltoHost/HTML/FormattedComponents.h>
 #include <ZeltoHost/HTML/HTMLGuard.h>
+#include <ZeltoHost/HTML/HTMLSpace.h>
 #include <ZeltoHost/HTML/PlainText.h>
 
 #include <Platform/UTF8.h>
