@@ -69,6 +69,8 @@ function(zelto_library name)
   add_library(${name} STATIC ${sources})
   target_include_directories(${name} PUBLIC "$<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/src>" "$<INSTALL_INTERFACE:include>")
   target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE zelto_options ${ARG_PRIVATE})
+  # Its threads go on while a process that calls exit() tears down what has a destructor.
+  target_compile_options(${name} PRIVATE $<$<CXX_COMPILER_ID:Clang>:-Wexit-time-destructors>)
   target_precompile_headers(${name} REUSE_FROM zelto_headers)
 endfunction()
 

@@ -85,7 +85,7 @@ std::optional<std::string> toLatin(std::string_view text) {
     if (isASCII(text)) {
         return std::string(text);
     }
-    static LatinTransform transform;
+    static auto& transform = *new LatinTransform;
     auto units = unitsOf(text);
     return units && transform.apply(*units) ? textOf(*units) : std::nullopt;
 }

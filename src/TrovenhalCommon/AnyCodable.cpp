@@ -24,7 +24,7 @@ struct Registry {
 };
 
 Registry& registry() {
-    static Registry types;
+    static auto& types = *new Registry;
     return types;
 }
 

@@ -4,6 +4,7 @@
 #include <ZeltoSandbox/Trello/TrelloSandbox.h>
 
 #include <Platform/HTTP/HTTPHeaders.h>
+#include <Platform/Lasting.h>
 
 #include <algorithm>
 
@@ -12,7 +13,7 @@ namespace zelto::sandbox {
 namespace {
 
 // A service without a class of its own stands here by its hosts, with PlainService.
-const SandboxServiceRow rows[] = {
+const auto& rows = lasting(std::vector<SandboxServiceRow>{
     {"Trello", {"api.trello.com"}, TrelloSandbox::make},
     {"Asana", {"app.asana.com"}, PlainService::make},
     {"Todoist", {"api.todoist.com"}, PlainService::make},
@@ -28,7 +29,7 @@ const SandboxServiceRow rows[] = {
     {"Zoom", {"api.zoom.us"}, PlainService::make},
     {"GoTo", {"api.getgo.com"}, PlainService::make},
     {"Instapaper", {"www.instapaper.com"}, PlainService::make},
-};
+});
 
 } // namespace
 

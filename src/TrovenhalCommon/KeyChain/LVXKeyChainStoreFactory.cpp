@@ -18,7 +18,7 @@ struct CurrentStore {
 };
 
 CurrentStore& current() {
-    static CurrentStore store;
+    static auto& store = *new CurrentStore;
     return store;
 }
 

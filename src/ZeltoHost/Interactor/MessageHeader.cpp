@@ -3,6 +3,7 @@
 #include <ZeltoHost/Interactor/MessageHeader.h>
 
 #include <Platform/ASCII.h>
+#include <Platform/Lasting.h>
 
 #include <algorithm>
 
@@ -63,7 +64,7 @@ std::string headerDate(std::optional<Date> date, const std::optional<std::string
     if (timeZone) {
         return DateFormatter(pattern, "en_US", timeZone).string(*date);
     }
-    static const DateFormatter local(pattern, "en_US"); // making one is slow
+    static const auto& local = lasting(DateFormatter(pattern, "en_US")); // making one is slow
     return local.string(*date);
 }
 

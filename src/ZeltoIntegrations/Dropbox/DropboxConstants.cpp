@@ -1,12 +1,13 @@
 #include <ZeltoIntegrations/Dropbox/DropboxConstants.h>
 
+#include <Platform/Lasting.h>
 #include <Platform/UUID.h>
 
 namespace zelto {
 
 const std::map<std::string, std::string>& DropboxConstants::authorizationURLParameters() {
-    static const std::map<std::string, std::string> parameters = {
-        {"state", uuid()}, {"token_access_type", "offline"}, {"prompt", "login"}};
+    static const auto& parameters = lasting(std::map<std::string, std::string>{
+        {"state", uuid()}, {"token_access_type", "offline"}, {"prompt", "login"}});
     return parameters;
 }
 

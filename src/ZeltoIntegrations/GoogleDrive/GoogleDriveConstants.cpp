@@ -1,10 +1,12 @@
 #include <ZeltoIntegrations/GoogleDrive/GoogleDriveConstants.h>
 
+#include <Platform/Lasting.h>
+
 namespace zelto {
 
 const std::map<std::string, std::string>& GoogleDriveConstants::authorizationURLParameters() {
-    static const std::map<std::string, std::string> parameters = {{"prompt", "consent"},
-                                                                  {"access_type", "offline"}};
+    static const auto& parameters =
+        lasting(std::map<std::string, std::string>{{"prompt", "consent"}, {"access_type", "offline"}});
     return parameters;
 }
 

@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/Helpers/MappedRequest.h>
 #include <ZeltoIntegrations/Trello/TrelloResponses.h>
 
+#include <Platform/Lasting.h>
 #include <Platform/PercentEncoding.h>
 
 #include <utility>
@@ -17,10 +18,11 @@ constexpr auto userPath = "members/me";
 constexpr auto boardsPath = "members/me/boards";
 constexpr auto cardsPath = "cards";
 
-const Parameters userFields = {{"fields", "idEnterprise,idPremOrgsAdmin,products,email,fullName,avatarUrl"}};
+const auto& userFields =
+    lasting(Parameters{{"fields", "idEnterprise,idPremOrgsAdmin,products,email,fullName,avatarUrl"}});
 
-const Parameters boardFields = {
-    {"fields", "id,name,closed,pinned"}, {"lists", "open"}, {"list_fields", "id,name,closed,idBoard"}};
+const auto& boardFields = lasting(Parameters{
+    {"fields", "id,name,closed,pinned"}, {"lists", "open"}, {"list_fields", "id,name,closed,idBoard"}});
 
 Parameters cardFields(const std::optional<std::string>& name, const std::optional<std::string>& description,
                       const std::string& listID) {

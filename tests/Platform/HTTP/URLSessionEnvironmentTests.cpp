@@ -1,4 +1,5 @@
 #include <Platform/HTTP/URLSession.h>
+#include <Platform/Lasting.h>
 
 #include "Support/Sanitizers.h"
 #include "Support/ScriptedServer.h"
@@ -168,6 +169,29 @@ TEST_F(URLSessionProcessDeathTest, AProcessEndsAtOnceWithTransfersUnderWay) {
             session.dataTask(request, [](auto, auto, auto) {})->resume();
         }
         while (server.connectionCount() < 10) {
+            std::this_thread::yield();
+        }
+        std::exit(0);
+    };
+    EXPECT_EXIT(leaves(), testing::ExitedWithCode(0), "");
+}
+
+TEST_F(URLSessionProcessDeathTest, AProcessEndsAtOnceWhileTransfersBeginAndEnd) {
+    const auto leaves = [] {
+        static auto& session = *new URLSession(URLSessionConfiguration::ephemeral());
+        static const auto& nobody = lasting(*URL::parse("http://127.0.0.1:1/"));
+        static std::atomic<int> ended = 0;
+        static void (*const begin)() = [] {
+            const auto task = session.dataTask(URLRequest(nobody), [](auto, auto, auto) {
+                ++ended;
+                begin();
+            });
+            task->resume();
+        };
+        for (int number = 0; number < 500; ++number) {
+            begin();
+        }
+        while (ended < 1000) {
             std::this_thread::yield();
         }
         std::exit(0);
