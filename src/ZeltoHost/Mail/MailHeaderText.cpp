@@ -66,14 +66,14 @@ std::string onOneLine(std::string_view text) {
 }
 
 std::string decodedText(std::string_view value) {
-    const auto text = joiningEncodedWords(value);
+    const auto text = withUTF8Words(value);
     const GLibPointer<char> decoded(g_mime_utils_header_decode_text(gmimeOptions(), text.c_str()));
     return onOneLine(textOf(decoded.get()));
 }
 
 std::vector<IntegrationsInteractorAddress> decodedAddresses(std::string_view value) {
     std::vector<IntegrationsInteractorAddress> addresses;
-    const auto text = withFewGroups(joiningEncodedWords(value));
+    const auto text = withFewGroups(withUTF8Words(value));
     const GLibPointer<InternetAddressList> list(internet_address_list_parse(gmimeOptions(), text.c_str()));
     if (list) {
         collect(list.get(), addresses);

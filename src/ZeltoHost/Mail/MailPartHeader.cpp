@@ -60,7 +60,7 @@ std::string nameOf(const std::string& value) {
 
 void readContentType(const MailField& field, MailPartHeader& header) {
     auto& part = header.part;
-    const auto value = joiningEncodedWords(field.value);
+    const auto value = withUTF8Words(field.value);
     const GLibPointer<GMimeContentType> type(g_mime_content_type_parse(gmimeOptions(), value.c_str()));
     const auto parameter = [&](const char* name) {
         return textOf(g_mime_content_type_get_parameter(type.get(), name));
@@ -86,7 +86,7 @@ void readContentType(const MailField& field, MailPartHeader& header) {
 }
 
 void readDisposition(const MailField& field, MailPart& part) {
-    const auto value = joiningEncodedWords(field.value);
+    const auto value = withUTF8Words(field.value);
     const GLibPointer<GMimeContentDisposition> disposition(
         g_mime_content_disposition_parse(gmimeOptions(), value.c_str()));
     part.disposition =
