@@ -116,7 +116,7 @@ const std::vector<CommandSpec> table = {
      "Show what an export would start with",
      "Prints the configuration that the service's exporter offers for a mail, as JSON: the title, the form "
      "(saveAs) and whatever else the service takes. Saved to a file and edited, it goes back in by "
-     "`zelto export --config FILE`; dates may be written like 2026-03-05T14:00:00Z there.",
+     "`zelto export --config FILE`; dates may be written like 2026-03-05T14:00 there.",
      {mail},
      {to, target, webLink},
      {"zelto config examples/mails/project-kickoff.eml --to bear",
@@ -143,7 +143,7 @@ const std::vector<CommandSpec> table = {
       {"--title", "TEXT", "The title instead of the mail's subject"},
       {"--note", "TEXT", "A note of your own, before the mail's text"},
       {"--tags", "A,B", "Tags, separated by commas"},
-      {"--due", "ISO8601", "The due date, like 2026-03-05T14:00:00Z"},
+      {"--due", "ISO8601", "The due date, like 2026-03-05T14:00; without a zone (Z, +02:00) in local time"},
       {"--deadline", "ISO8601", "The deadline, like 2026-03-05"},
       {"--attach", "all|none|NAME", "Which attachments go along", ValueKind::text, {}, true},
       {"--config", "FILE", "The whole configuration, as `zelto config` prints it", ValueKind::file},

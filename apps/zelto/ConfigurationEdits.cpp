@@ -18,9 +18,9 @@ Outcome<std::optional<Date>> dateOption(const Invocation& invocation, const std:
     if (!text) {
         return std::nullopt;
     }
-    const auto date = parseISO8601(*text);
+    const auto date = parseISO8601(*text, MissingZone::local);
     if (!date) {
-        return wrongUsage(name + " takes a date like 2026-03-05T14:00:00Z, not \"" + *text + "\".");
+        return wrongUsage(name + " takes a date like 2026-03-05 or 2026-03-05T14:00, not \"" + *text + "\".");
     }
     return date;
 }
@@ -54,9 +54,10 @@ Outcome<std::string> withDatesAsNumbers(const std::string& file, const std::stri
     JSONObject converted = *value->asObject();
     for (const auto& [key, member] : *value->asObject()) {
         if (const auto* written = member.asString(); written && isDateKey(key)) {
-            const auto date = parseISO8601(*written);
+            const auto date = parseISO8601(*written, MissingZone::local);
             if (!date) {
-                return wrongUsage("\"" + key + "\" of " + file + " is no date like 2026-03-05T14:00:00Z.",
+                return wrongUsage("\"" + key + "\" of " + file +
+                                      " is no date like 2026-03-05 or 2026-03-05T14:00.",
                                   "zelto config --help");
             }
             converted.set(key, date->secondsSinceReference());

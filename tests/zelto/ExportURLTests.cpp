@@ -131,6 +131,25 @@ TEST(ExportURL, TakesNoteTagsAndDates) {
         "&action=url:mid%3Aid1%40harbour%2Eexample&due=2026-12-24&dueTime=08:05");
 }
 
+TEST(ExportURL, TakesADateWithoutAZoneInTheSystemsTimeZone) {
+    ZeltoProgram zelto;
+    const auto mail = zelto.home.write("mail.eml", mailWith("T", "Hi.\r\n"));
+    const auto configuration = zelto.home.write(
+        "things.json", R"({"saveAs": 2, "dueDate": "2026-12-24T09:05", "deadline": "2026-12-31",
+                           "userTitle": "T", "supportedContentTypes": []})");
+    for (const auto* zone : {"America/New_York", "Pacific/Auckland", "UTC"}) {
+        zelto.variables["TZ"] = zone;
+        const std::string expected =
+            "things:add?title=T&notes=mid%3Aid1%40harbour%2Eexample&when=02026%2D12%2D24%2009%3A05"
+            "&deadline=2026%2D12%2D31";
+        EXPECT_EQ(zelto.exportedURL({mail, "--to", "things", "--as", "backLink", "--due", "2026-12-24T09:05",
+                                     "--deadline", "2026-12-31"}),
+                  expected)
+            << zone;
+        EXPECT_EQ(zelto.exportedURL({mail, "--to", "things", "--config", configuration}), expected) << zone;
+    }
+}
+
 TEST(ExportURL, HoldsATextOfFiveMegabytes) {
     const ZeltoProgram zelto;
     std::string text;
