@@ -61,6 +61,15 @@ Advice refusal(const ExportCircumstances& about, const std::string& verb, const 
             std::move(next)};
 }
 
+Advice noPDF(const std::optional<PDFError>& error) {
+    if (!error) {
+        return {"The message could not be turned into a PDF.", "zelto export --verbose"};
+    }
+    const bool isMissing = error->code == PDFErrorCode::converterMissing;
+    return {"The message could not be turned into a PDF. " + error->message() + ".",
+            isMissing ? "zelto export --pdf-converter" : "zelto export --as"};
+}
+
 Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) {
     switch (error) {
     case IntegrationExportError::canceled:
@@ -70,7 +79,7 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
     case IntegrationExportError::createBodyError:
         return {"The message has no text or no link of that kind.", "zelto preview --help"};
     case IntegrationExportError::convertError:
-        return {"The message could not be turned into a PDF.", "zelto export --verbose"};
+        return noPDF(about.pdfError);
     case IntegrationExportError::unsupportedFormat:
         return {about.service + " does not take that type; it takes " + about.takenTypes + ".",
                 "zelto export --help"};

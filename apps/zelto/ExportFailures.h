@@ -2,9 +2,11 @@
 
 #include "Outcome.h"
 
+#include <ZeltoHost/PDF/PDFError.h>
 #include <ZeltoIntegrations/ExportReport.h>
 #include <ZeltoIntegrations/IntegrationError.h>
 
+#include <optional>
 #include <string>
 
 namespace zelto::cli {
@@ -15,6 +17,7 @@ struct ExportCircumstances {
     std::string account;    // its identifier
     std::string takenTypes; // what an export to it may be
     std::string openerFailure;
+    std::optional<PDFError> pdfError;
     ExportReport report;
 };
 

@@ -26,6 +26,7 @@ namespace {
 struct MessageWork {
     Workspace workspace;
     std::shared_ptr<URLDelivery> delivery;
+    std::shared_ptr<HostPlatformInteractor> platform;
     std::shared_ptr<IntegrationsManager> manager;
     ServiceAccountConfiguration account;
     std::optional<AccountLock> lock;
@@ -38,6 +39,9 @@ Outcome<PDFConverterOptions> pdfOptions(const Invocation& invocation) {
         auto words = commandWords(*command);
         if (!words) {
             return wrongUsage("--pdf-converter " + std::string(words.error().text) + ".");
+        }
+        if (!findProgram(words->front())) {
+            return wrongUsage("--pdf-converter names no program that is here: \"" + words->front() + "\".");
         }
         options.command = *std::move(words);
     }
@@ -73,11 +77,11 @@ Outcome<MessageWork> open(const Invocation& invocation, bool leavesNoTrace) {
     if (leavesNoTrace) {
         storage = std::make_shared<UnchangedStorage>(std::move(storage));
     }
-    auto interactor = std::make_shared<HostPlatformInteractor>(
+    auto platform = std::make_shared<HostPlatformInteractor>(
         [delivery = *delivery](const URL& url, Callback<bool> done) { delivery->open(url, std::move(done)); },
         *std::move(pdf));
-    auto manager = std::make_shared<IntegrationsManager>(std::move(storage), std::move(interactor),
-                                                         isEmailAddress, std::string());
+    auto manager =
+        std::make_shared<IntegrationsManager>(std::move(storage), platform, isEmailAddress, std::string());
     auto account = workspace->account(*to, *manager, !leavesNoTrace);
     if (!account) {
         return failure(account.error());
@@ -90,7 +94,7 @@ Outcome<MessageWork> open(const Invocation& invocation, bool leavesNoTrace) {
     if (!session) {
         return failure(session.error());
     }
-    return MessageWork{*std::move(workspace), *std::move(delivery), std::move(manager),
+    return MessageWork{*std::move(workspace), *std::move(delivery), std::move(platform), std::move(manager),
                        *std::move(account),   *std::move(lock),     *std::move(session)};
 }
 
@@ -107,6 +111,7 @@ ExportCircumstances circumstances(const MessageWork& work) {
             .account = work.account.identifier(),
             .takenTypes = work.session->takenTypes(),
             .openerFailure = work.delivery->failureMessage(),
+            .pdfError = work.platform->lastPDFError(),
             .report = work.session->report()};
 }
 

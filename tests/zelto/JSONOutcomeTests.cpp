@@ -89,6 +89,10 @@ TEST(JSONOutcome, IsOneDocumentForEveryWrongUse) {
          "wrongUsage",
          2,
          "--pdf-converter leaves"},
+        {{"export", mail, "--to", "bear", "--pdf-converter", "/nonexistent/a b"},
+         "wrongUsage",
+         2,
+         "--pdf-converter names no program that is here: \"/nonexistent/a\"."},
         {{"connect", "nowhere"}, "wrongUsage", 2, "There is no service \"nowhere\"."},
     };
     for (const auto& row : rows) {

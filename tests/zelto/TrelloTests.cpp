@@ -159,6 +159,18 @@ TEST_F(TrelloCommands, AMailGoesAsAPdfWithItsAttachments) {
     EXPECT_TRUE(outcome.errorOutput.ends_with("{\"progress\":1}\n")) << outcome.errorOutput;
 }
 
+TEST_F(TrelloCommands, AMissingPDFTellsWhyAndWhatIsThere) {
+    const auto outcome = zelto.run(
+        {"export", mail, "--to", "trello", "--title", "Title", "--pdf-converter", "false", "--json"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.text("error"), "convertError");
+    EXPECT_EQ(
+        outcome.text("message"),
+        "The message could not be turned into a PDF. The PDF converter 'false' failed with status 1. On "
+        "Trello already, and made again by another export: card \"Title\".");
+    EXPECT_EQ(outcome.text("next"), "zelto export --as");
+}
+
 TEST_F(TrelloCommands, AFailedUploadTellsWhatExistsAlready) {
     refuse("filename=", 429);
     const auto outcome = exportLink({"--attach", "all", "--json"});

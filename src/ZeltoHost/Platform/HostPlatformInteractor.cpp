@@ -34,14 +34,16 @@ std::shared_ptr<IntegrationsDateFormatter> HostPlatformInteractor::dateFormatter
 
 void HostPlatformInteractor::convert(std::string html, std::filesystem::path toPdf,
                                      Callback<bool> completion) {
-    pdfConverter_.convert(std::move(html), std::move(toPdf),
-                          [completion = std::move(completion)](const Result<void, PDFError>& result) mutable {
-                              if (!result) {
-                                  lvxLogError("No PDF was made: " + result.error().message(),
-                                              "convert(html:toPdf:completion:)");
-                              }
-                              completion(result.has_value());
-                          });
+    pdfConverter_.convert(
+        std::move(html), std::move(toPdf),
+        [this, completion = std::move(completion)](const Result<void, PDFError>& result) mutable {
+            if (!result) {
+                lastPDFError_.exchange(result.error());
+                lvxLogError("No PDF was made: " + result.error().message(),
+                            "convert(html:toPdf:completion:)");
+            }
+            completion(result.has_value());
+        });
 }
 
 void HostPlatformInteractor::executeAction(URL url, Callback<bool> completion) {

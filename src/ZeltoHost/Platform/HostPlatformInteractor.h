@@ -3,10 +3,12 @@
 #include <ZeltoHost/PDF/PDFConverter.h>
 #include <ZeltoIntegrations/IntegrationsPlatformInteractorProtocol.h>
 
+#include <TrovenhalCommon/Protected.h>
 #include <ZeltoCommonLogger/LoggerClient.h>
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace zelto {
 
@@ -23,7 +25,7 @@ class HostPlatformInteractor : public IntegrationsPlatformInteractorProtocol, pr
     std::shared_ptr<EvernoteClient> evernoteClient(const ServiceAccountConfiguration& configuration) override;
     std::shared_ptr<RemindersClient> remindersClient() override;
     std::shared_ptr<IntegrationsDateFormatter> dateFormatter() override;
-    // Why a conversion failed is logged.
+    // Why a conversion failed is logged, and told by lastPDFError().
     void convert(std::string html, std::filesystem::path toPdf, Callback<bool> completion) override;
     void executeAction(URL url, Callback<bool> completion) override;
     void postExportEvent(ServiceType service, IntegrationExportContentType exportType,
@@ -36,10 +38,14 @@ class HostPlatformInteractor : public IntegrationsPlatformInteractorProtocol, pr
     void integrationServiceDidAdded(const ServiceAccountConfiguration& configuration) override;
     void integrationServiceDidRemoved(const ServiceAccountConfiguration& configuration) override;
 
+    // Of the last conversion that failed.
+    std::optional<PDFError> lastPDFError() const { return lastPDFError_.value(); }
+
   private:
     const URLHandler openURL_;
     const std::shared_ptr<IntegrationsDateFormatter> dateFormatter_;
-    PDFConverter pdfConverter_;
+    Protected<std::optional<PDFError>> lastPDFError_;
+    PDFConverter pdfConverter_; // last: its conversions end with it
 };
 
 } // namespace zelto
