@@ -2,6 +2,8 @@
 
 #include <ZeltoIntegrations/TokenRefreshOperation.h>
 
+#include <Platform/Operations/ContainedException.h>
+
 #include <algorithm>
 #include <string_view>
 #include <utility>
@@ -32,7 +34,9 @@ ServiceAsyncOperation::ServiceAsyncOperation(std::shared_ptr<URLSession> urlSess
       authoriser_(std::move(authoriser)), completion_(std::move(completion)) {}
 
 void ServiceAsyncOperation::asyncMain(std::function<void()> onComplete) {
-    if (const auto error = preflight()) {
+    std::optional error = ServiceClientError::internalError;
+    containingExceptions("An authoriser", [&] { error = preflight(); });
+    if (error) {
         complete(failure(*error));
         return onComplete();
     }
@@ -67,7 +71,7 @@ std::optional<ServiceClientError> ServiceAsyncOperation::preflight() {
 
 void ServiceAsyncOperation::complete(ServiceResult<ServiceAnswer> result) {
     auto completion = std::move(completion_);
-    completion(std::move(result), *this);
+    containingExceptions("The completion of a request", [&] { completion(std::move(result), *this); });
 }
 
 } // namespace zelto

@@ -1,5 +1,7 @@
 #include <ZeltoIntegrations/TokenRefreshOperation.h>
 
+#include <Platform/Operations/ContainedException.h>
+
 #include <utility>
 
 namespace zelto {
@@ -14,9 +16,11 @@ ServiceResult<void> TokenRefreshOperation::refreshResult() const {
 }
 
 void TokenRefreshOperation::asyncMain(std::function<void()> onComplete) {
-    auto request = authoriser_->createRefreshTokenRequest();
+    std::optional<URLRequest> request;
+    const bool isAsked =
+        containingExceptions("An authoriser", [&] { request = authoriser_->createRefreshTokenRequest(); });
     if (!request) {
-        fail(ServiceClientError::oauthError);
+        fail(isAsked ? ServiceClientError::oauthError : ServiceClientError::internalError);
         return onComplete();
     }
     // `onComplete` keeps the operation alive until the answer has come.
@@ -32,9 +36,11 @@ void TokenRefreshOperation::endBeforeStart() {
 }
 
 void TokenRefreshOperation::end(const ServiceResult<OAuthToken>& token) {
-    authoriser_->updateToken(token);
+    const bool isTakenIn = containingExceptions("An authoriser", [&] { authoriser_->updateToken(token); });
     if (!token) {
         fail(token.error());
+    } else if (!isTakenIn) {
+        fail(ServiceClientError::internalError);
     }
 }
 
