@@ -31,10 +31,7 @@ Outcome<std::uint16_t> portOf(const Invocation& invocation) {
 }
 
 SandboxConsent consentOf(const Invocation& invocation) {
-    const auto answer = invocation.value("--consent");
-    return answer == "allow"  ? SandboxConsent::allow
-           : answer == "deny" ? SandboxConsent::deny
-                              : SandboxConsent::ask;
+    return fromName<SandboxConsent>(invocation.value("--consent").value_or("")).value_or(SandboxConsent::ask);
 }
 
 std::string greeting(const std::string& url) {

@@ -26,27 +26,6 @@ std::uint64_t numberOf(std::string_view text) {
     return number;
 }
 
-std::string_view nameOf(SandboxConsent consent) {
-    switch (consent) {
-    case SandboxConsent::ask:
-        return "ask";
-    case SandboxConsent::allow:
-        return "allow";
-    case SandboxConsent::deny:
-        return "deny";
-    }
-    return {};
-}
-
-std::optional<SandboxConsent> consentOf(const JSONValue& json) {
-    for (const auto consent : {SandboxConsent::ask, SandboxConsent::allow, SandboxConsent::deny}) {
-        if (json.asString() && *json.asString() == nameOf(consent)) {
-            return consent;
-        }
-    }
-    return std::nullopt;
-}
-
 std::string textMember(const JSONValue& json, std::string_view key) {
     const auto* member = json.find(key);
     const auto* text = member ? member->asString() : nullptr;
@@ -57,7 +36,8 @@ std::string textMember(const JSONValue& json, std::string_view key) {
 std::optional<std::string> readSetting(SandboxSettings& settings, const std::string& key,
                                        const JSONValue& value) {
     if (key == "consent") {
-        const auto consent = consentOf(value);
+        const auto* name = value.asString();
+        const auto consent = name ? fromName<SandboxConsent>(*name) : std::nullopt;
         settings.consent = consent.value_or(settings.consent);
         return consent ? std::nullopt : std::optional<std::string>("\"ask\", \"allow\" or \"deny\"");
     }
@@ -160,14 +140,18 @@ SandboxAnswer ControlAPI::change(std::string_view path, const JSONValue& json) c
 }
 
 SandboxAnswer ControlAPI::changeSettings(const JSONValue& json) const {
-    auto settings = desk_.settings();
-    for (const auto& [key, value] : *json.asObject()) {
-        if (const auto wanted = readSetting(settings, key, value)) {
-            return refused(400, "\"" + key + "\" has to be " + *wanted + ".");
+    std::string problem;
+    desk_.changeSettings([&](SandboxSettings& settings) {
+        auto changed = settings;
+        for (const auto& [key, value] : *json.asObject()) {
+            if (const auto wanted = readSetting(changed, key, value)) {
+                problem = "\"" + key + "\" has to be " + *wanted + ".";
+                return;
+            }
         }
-    }
-    desk_.setSettings(settings);
-    return done();
+        settings = changed;
+    });
+    return problem.empty() ? done() : refused(400, std::move(problem));
 }
 
 SandboxAnswer ControlAPI::issueTokens(const JSONValue& json) const {

@@ -17,13 +17,8 @@ class PlainService final : public SandboxService {
     PlainService(SandboxWorld& world, std::string name) : world_(world), name_(std::move(name)) {}
 
     SandboxAnswer answer(const SandboxRequest& request) override {
-        const auto token = bearerToken(request);
-        const auto standing = token ? world_.tokens.standing(name_, *token) : TokenStanding::unknown;
-        if (standing != TokenStanding::valid) {
-            const auto problem = !token                               ? "there is no bearer token"
-                                 : standing == TokenStanding::expired ? "the access token has expired"
-                                                                      : "the access token is unknown";
-            return failure(401).because(problem);
+        if (const auto problem = bearerProblem(request, world_.tokens, name_); !problem.empty()) {
+            return failure(401).because(std::string(problem));
         }
         return SandboxAnswer::text(
                    "The sandbox has no " + request.method + " " + request.path + " of " + name_ + ".\n", 501)

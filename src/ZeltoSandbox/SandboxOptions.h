@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Platform/Date.h>
+#include <Platform/Enum.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +13,7 @@ namespace zelto {
 
 // What a consent page does: shows its two buttons, or answers at once as if one had been pressed.
 enum class SandboxConsent { ask, allow, deny };
+ZELTO_ENUM(SandboxConsent);
 
 // A client as it is registered at a service. OAuth 1.0a cannot be checked without its secret.
 struct SandboxClient {

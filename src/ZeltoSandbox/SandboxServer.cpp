@@ -217,15 +217,11 @@ std::size_t SandboxServer::faultCount() const {
 }
 
 void SandboxServer::setConsent(SandboxConsent consent) {
-    auto settings = state_->desk.settings();
-    settings.consent = consent;
-    state_->desk.setSettings(settings);
+    state_->desk.changeSettings([&](SandboxSettings& settings) { settings.consent = consent; });
 }
 
 void SandboxServer::setAttachmentLimit(std::optional<std::uint64_t> bytes) {
-    auto settings = state_->desk.settings();
-    settings.attachmentLimit = bytes;
-    state_->desk.setSettings(settings);
+    state_->desk.changeSettings([&](SandboxSettings& settings) { settings.attachmentLimit = bytes; });
 }
 
 std::optional<SandboxTokens> SandboxServer::issueTokens(std::string_view service) {

@@ -64,12 +64,28 @@ template <class Service> struct SandboxEndpoint {
     std::string_view method;
     std::string_view path; // "1/cards/*/attachments"
     SandboxAnswer (Service::*answer)(const SandboxRequest& request);
+    std::string_view scope = {}; // that the token must have, where the service tells scopes apart
 };
 
 // Whether the decoded segments of a path fit a pattern.
 bool pathFits(std::string_view pattern, const std::vector<std::string>& segments);
 
+// The row that fits; null if there is none.
+template <class Service>
+const SandboxEndpoint<Service>* endpointFor(const SandboxRequest& request,
+                                            std::span<const SandboxEndpoint<Service>> endpoints) {
+    for (const auto& each : endpoints) {
+        if (each.method == request.method && pathFits(each.path, request.segments)) {
+            return &each;
+        }
+    }
+    return nullptr;
+}
+
 // The token of an "Authorization: Bearer …" header; nothing without one.
 std::optional<std::string> bearerToken(const SandboxRequest& request);
+
+// What is wrong with the request's bearer token for the service; empty if it is good.
+std::string_view bearerProblem(const SandboxRequest& request, TokenStore& tokens, std::string_view service);
 
 } // namespace zelto::sandbox

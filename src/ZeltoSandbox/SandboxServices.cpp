@@ -65,4 +65,20 @@ std::optional<std::string> bearerToken(const SandboxRequest& request) {
     return header->substr(scheme.size());
 }
 
+std::string_view bearerProblem(const SandboxRequest& request, TokenStore& tokens, std::string_view service) {
+    const auto token = bearerToken(request);
+    if (!token) {
+        return "there is no bearer token";
+    }
+    switch (tokens.standing(service, *token)) {
+    case TokenStanding::valid:
+        return {};
+    case TokenStanding::expired:
+        return "the access token has expired";
+    case TokenStanding::unknown:
+        return "the access token is unknown";
+    }
+    return {};
+}
+
 } // namespace zelto::sandbox

@@ -175,9 +175,9 @@ SandboxSettings ServiceDesk::settings() const {
     return world_.settings;
 }
 
-void ServiceDesk::setSettings(SandboxSettings settings) {
+void ServiceDesk::changeSettings(const std::function<void(SandboxSettings&)>& change) {
     const std::lock_guard guard(lock_);
-    world_.settings = settings;
+    change(world_.settings);
 }
 
 std::optional<SandboxTokens> ServiceDesk::issueTokens(std::string_view service) {

@@ -8,6 +8,7 @@
 #include <ZeltoSandbox/SandboxServer.h>
 #include <ZeltoSandbox/SandboxService.h>
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -35,7 +36,7 @@ class ServiceDesk {
     void clearFaults();
 
     SandboxSettings settings() const;
-    void setSettings(SandboxSettings settings);
+    void changeSettings(const std::function<void(SandboxSettings&)>& change);
 
     std::optional<SandboxTokens> issueTokens(std::string_view service);
     // False for what is no service.

@@ -42,7 +42,7 @@ class Page(Case):
         lines = self.tab.run("Array.from(document.querySelectorAll('.request summary'), (each) => each.innerText)")
         self.assertTrue(any("POST" in line and "/1/cards" in line and "200" in line for line in lines), lines)
         self.assertTrue(any("api.trello.com" in line for line in lines), lines)
-        self.assertTrue(self.tab.run("document.getElementById('no-cards').hidden"))
+        self.assertTrue(self.tab.run("document.getElementById('nothing-made').hidden"))
         self.opens_files()
         self.assertNothingRan()
 
@@ -129,7 +129,7 @@ class Page(Case):
         self.tab.said.clear()  # the browser's own words about the connection that it lost
         self.sandbox = self.start(port)
         self.tab.wait("document.getElementById('connection').textContent === 'Live'")
-        self.wait_for_text("No card has been made yet")
+        self.wait_for_text("Nothing has been exported yet")
         self.assertEqual(self.tab.run("document.querySelectorAll('.card, .request').length"), 0)
 
     def test_a_reset_empties_the_page(self):
@@ -139,7 +139,7 @@ class Page(Case):
         self.show()
         self.wait_for_text("Card 4")
         self.sandbox.control("reset")
-        self.wait_for_text("No card has been made yet")
+        self.wait_for_text("Nothing has been exported yet")
         self.tab.wait("document.querySelectorAll('.card, .request').length === 0")
         self.sandbox.add_card(self.sandbox.token(), "After the reset")
         self.wait_for_text("After the reset")

@@ -82,6 +82,18 @@ std::optional<std::string> SandboxRequest::formValue(std::string_view name) cons
     return valueOf(form, name);
 }
 
+std::optional<std::string> SandboxRequest::parameter(std::string_view name, std::size_t longest) const {
+    if (auto value = queryValue(name)) {
+        return value;
+    }
+    if (auto value = formValue(name)) {
+        return value;
+    }
+    const auto part = std::ranges::find_if(
+        parts, [&](const FormPart& each) { return each.name == name && !each.fileName; });
+    return part == parts.end() ? std::nullopt : std::optional(part->content.text(longest));
+}
+
 std::optional<std::vector<URLQueryItem>> parseForm(std::string_view text) {
     std::vector<URLQueryItem> items;
     while (!text.empty()) {

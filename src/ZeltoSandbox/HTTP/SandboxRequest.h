@@ -54,6 +54,10 @@ struct SandboxRequest {
     // The first of that name; nothing if there is none.
     std::optional<std::string> queryValue(std::string_view name) const;
     std::optional<std::string> formValue(std::string_view name) const;
+
+    // The same wherever it stands: in the query, in a form, or in a part that is no file, of which so many
+    // bytes are read.
+    std::optional<std::string> parameter(std::string_view name, std::size_t longest = 65536) const;
 };
 
 std::optional<std::string> valueOf(const std::vector<URLQueryItem>& items, std::string_view name);

@@ -24,19 +24,6 @@ SandboxAnswer refused(int status, std::string text) {
     return SandboxAnswer::text(text, status).because(std::move(text));
 }
 
-// Parameters may stand in the query or in a form.
-std::optional<std::string> parameter(const SandboxRequest& request, std::string_view name) {
-    if (auto value = request.queryValue(name)) {
-        return value;
-    }
-    if (auto value = request.formValue(name)) {
-        return value;
-    }
-    const auto part = std::ranges::find_if(
-        request.parts, [&](const FormPart& each) { return each.name == name && !each.fileName; });
-    return part == request.parts.end() ? std::nullopt : std::optional(part->content.text(longestText * 4));
-}
-
 bool hasScope(std::string_view scopes, std::string_view wanted) {
     while (!scopes.empty()) {
         const auto end = std::min(scopes.find(','), scopes.size());
@@ -88,13 +75,13 @@ Result<Cards, std::string> pageOf(const SandboxRequest& request, std::vector<Tre
 
 } // namespace
 
-const TrelloSandbox::Endpoint TrelloSandbox::endpoints[] = {
-    {{"GET", "1/members/me", &TrelloSandbox::member}, "read"},
-    {{"GET", "1/members/me/boards", &TrelloSandbox::memberBoards}, "read"},
-    {{"GET", "1/lists/*/cards", &TrelloSandbox::listCards}, "read"},
-    {{"GET", "1/cards/*", &TrelloSandbox::card}, "read"},
-    {{"POST", "1/cards", &TrelloSandbox::addCard}, "write"},
-    {{"POST", "1/cards/*/attachments", &TrelloSandbox::addAttachment}, "write"},
+const SandboxEndpoint<TrelloSandbox> TrelloSandbox::endpoints[] = {
+    {"GET", "1/members/me", &TrelloSandbox::member, "read"},
+    {"GET", "1/members/me/boards", &TrelloSandbox::memberBoards, "read"},
+    {"GET", "1/lists/*/cards", &TrelloSandbox::listCards, "read"},
+    {"GET", "1/cards/*", &TrelloSandbox::card, "read"},
+    {"POST", "1/cards", &TrelloSandbox::addCard, "write"},
+    {"POST", "1/cards/*/attachments", &TrelloSandbox::addAttachment, "write"},
 };
 
 std::unique_ptr<SandboxService> TrelloSandbox::make(SandboxWorld& world, const SandboxServiceRow&) {
@@ -102,20 +89,16 @@ std::unique_ptr<SandboxService> TrelloSandbox::make(SandboxWorld& world, const S
 }
 
 SandboxAnswer TrelloSandbox::answer(const SandboxRequest& request) {
-    for (const auto& endpoint : endpoints) {
-        if (endpoint.match.method == request.method && pathFits(endpoint.match.path, request.segments)) {
-            if (auto refusal = refusalOf(request, endpoint.scope)) {
-                return std::move(*refusal);
-            }
-            return (this->*endpoint.match.answer)(request);
-        }
+    if (const auto* endpoint = endpointFor<TrelloSandbox>(request, endpoints)) {
+        auto refusal = refusalOf(request, endpoint->scope);
+        return refusal ? *std::move(refusal) : (this->*endpoint->answer)(request);
     }
     return refused(404, "Cannot " + request.method + " " + request.path);
 }
 
 std::optional<SandboxAnswer> TrelloSandbox::refusalOf(const SandboxRequest& request, std::string_view scope) {
-    const auto key = parameter(request, "key").value_or("");
-    const auto token = parameter(request, "token").value_or("");
+    const auto key = request.parameter("key").value_or("");
+    const auto token = request.parameter("token").value_or("");
     if (key.empty()) {
         return refused(401, "invalid key");
     }
@@ -150,7 +133,7 @@ SandboxAnswer TrelloSandbox::failure(int status) const {
 }
 
 SandboxAnswer TrelloSandbox::member(const SandboxRequest& request) {
-    const auto* grant = world_.tokens.access(parameter(request, "token").value_or(""));
+    const auto* grant = world_.tokens.access(request.parameter("token").value_or(""));
     const auto whole = trelloMemberJSON(world_.settings.paidPlan, hasScope(grant->scope, "account"));
     auto chosen = withTrelloFields(whole, request.queryValue("fields").value_or(""));
     return chosen ? SandboxAnswer::json(std::move(*chosen)) : refused(400, "invalid value for fields");
@@ -224,7 +207,7 @@ SandboxAnswer TrelloSandbox::card(const SandboxRequest& request) {
 }
 
 SandboxAnswer TrelloSandbox::addCard(const SandboxRequest& request) {
-    const auto listID = parameter(request, "idList").value_or("");
+    const auto listID = request.parameter("idList").value_or("");
     if (!isTrelloID(listID)) {
         return refused(400, "invalid value for idList");
     }
@@ -232,8 +215,8 @@ SandboxAnswer TrelloSandbox::addCard(const SandboxRequest& request) {
     if (!place.list) {
         return refused(404, "The requested resource was not found.");
     }
-    auto name = parameter(request, "name").value_or("");
-    auto desc = parameter(request, "desc").value_or("");
+    auto name = request.parameter("name").value_or("");
+    auto desc = request.parameter("desc").value_or("");
     if (utf16Length(name) > longestText) {
         return refused(400, "invalid value for name");
     }
@@ -264,13 +247,13 @@ SandboxAnswer TrelloSandbox::addAttachment(const SandboxRequest& request) {
         return std::ranges::count_if(request.parts, isFile) > 1 ? refused(400, "only one file at a time")
                                                                 : addFile(request, place, *file);
     }
-    const auto url = parameter(request, "url");
+    const auto url = request.parameter("url");
     if (!url || !(url->starts_with("http://") || url->starts_with("https://")) || !URL::parse(*url)) {
         return refused(400, request.parts.empty() && !url ? "No file or url given" : "invalid value for url");
     }
     const auto& added = place.card->attachments.emplace_back(TrelloAttachmentRecord{
         .id = store_.newID(),
-        .name = parameter(request, "name").value_or(*url),
+        .name = request.parameter("name").value_or(*url),
         .mimeType = "",
         .date = Date::now(),
         .url = *url,
@@ -286,13 +269,13 @@ SandboxAnswer TrelloSandbox::addFile(const SandboxRequest& request, const Trello
     if (file.content.size > attachmentLimit()) {
         return refused(413, "File too large");
     }
-    const auto name = parameter(request, "name").value_or(*file.fileName);
+    const auto name = request.parameter("name").value_or(*file.fileName);
     const auto dot = name.rfind('.');
     const auto guessed =
         dot == std::string::npos ? std::nullopt : mediaTypeForExtension(name.substr(dot + 1));
     const bool isTold = file.contentType != "text/plain" && file.contentType != "application/octet-stream";
     const auto type =
-        parameter(request, "mimeType")
+        request.parameter("mimeType")
             .value_or(isTold ? file.contentType : std::string(guessed.value_or(file.contentType)));
     const auto id = store_.newID();
     const auto& added = place.card->attachments.emplace_back(TrelloAttachmentRecord{
@@ -314,33 +297,8 @@ std::uint64_t TrelloSandbox::attachmentLimit() const {
 }
 
 JSONObject TrelloSandbox::state() const {
-    JSONValue::Array boards;
-    for (const auto& board : store_.boards()) {
-        JSONValue::Array lists;
-        for (const auto& list : board.lists) {
-            JSONValue::Array cards;
-            for (const auto& card : list.cards) {
-                JSONValue::Array attachments;
-                for (const auto& each : card.attachments) {
-                    attachments.push_back(JSONObject{{"id", each.id},
-                                                     {"name", each.name},
-                                                     {"mimeType", each.mimeType},
-                                                     {"bytes", each.bytes},
-                                                     {"url", each.path.empty() ? each.url : each.path}});
-                }
-                cards.push_back(JSONObject{{"id", card.id},
-                                           {"name", card.name},
-                                           {"desc", card.desc},
-                                           {"date", card.date.secondsSinceReference()},
-                                           {"attachments", std::move(attachments)}});
-            }
-            lists.push_back(JSONObject{
-                {"id", list.id}, {"name", list.name}, {"closed", list.closed}, {"cards", std::move(cards)}});
-        }
-        boards.push_back(JSONObject{
-            {"id", board.id}, {"name", board.name}, {"closed", board.closed}, {"lists", std::move(lists)}});
-    }
-    return {{"user", trelloMemberJSON(world_.settings.paidPlan, true)}, {"boards", std::move(boards)}};
+    return {{"user", trelloMemberJSON(world_.settings.paidPlan, true)},
+            {"boards", trelloState(store_.boards())}};
 }
 
 void TrelloSandbox::reset() {

@@ -20,12 +20,7 @@ class TrelloSandbox final : public SandboxService {
     void reset() override;
 
   private:
-    struct Endpoint {
-        SandboxEndpoint<TrelloSandbox> match;
-        std::string_view scope; // that the token must have
-    };
-
-    static const Endpoint endpoints[];
+    static const SandboxEndpoint<TrelloSandbox> endpoints[];
 
     std::optional<SandboxAnswer> refusalOf(const SandboxRequest& request, std::string_view scope);
 

@@ -210,6 +210,49 @@ JSONObject trelloCardJSON(const TrelloPlace& place) {
         {"url", "https://trello.com/c/" + link + "/" + std::to_string(card.number)}};
 }
 
+namespace {
+
+JSONObject stateOf(const TrelloAttachmentRecord& attachment) {
+    return {{"id", attachment.id},
+            {"name", attachment.name},
+            {"mimeType", attachment.mimeType},
+            {"bytes", attachment.bytes},
+            {"url", attachment.path.empty() ? attachment.url : attachment.path}};
+}
+
+template <class Record> JSONValue::Array statesOf(const std::vector<Record>& records);
+
+JSONObject stateOf(const TrelloCardRecord& card) {
+    return {{"id", card.id},
+            {"name", card.name},
+            {"desc", card.desc},
+            {"date", card.date.secondsSinceReference()},
+            {"attachments", statesOf(card.attachments)}};
+}
+
+JSONObject stateOf(const TrelloListRecord& list) {
+    return {{"id", list.id}, {"name", list.name}, {"closed", list.closed}, {"cards", statesOf(list.cards)}};
+}
+
+JSONObject stateOf(const TrelloBoardRecord& board) {
+    return {
+        {"id", board.id}, {"name", board.name}, {"closed", board.closed}, {"lists", statesOf(board.lists)}};
+}
+
+template <class Record> JSONValue::Array statesOf(const std::vector<Record>& records) {
+    JSONValue::Array states;
+    for (const auto& each : records) {
+        states.push_back(stateOf(each));
+    }
+    return states;
+}
+
+} // namespace
+
+JSONValue::Array trelloState(const std::vector<TrelloBoardRecord>& boards) {
+    return statesOf(boards);
+}
+
 std::optional<JSONObject> withTrelloFields(const JSONObject& whole, std::string_view fields) {
     if (fields.empty() || fields == "all") {
         return whole;

@@ -93,6 +93,9 @@ JSONObject trelloListJSON(const TrelloBoardRecord& board, const TrelloListRecord
 JSONObject trelloCardJSON(const TrelloPlace& place);
 JSONObject trelloAttachmentJSON(const TrelloAttachmentRecord& attachment);
 
+// What the page shows: boards with their lists, cards and attachments.
+JSONValue::Array trelloState(const std::vector<TrelloBoardRecord>& boards);
+
 // The members that "fields" names, in its order behind "id"; nothing if it names one that is not there.
 std::optional<JSONObject> withTrelloFields(const JSONObject& whole, std::string_view fields);
 

@@ -1,5 +1,10 @@
 import { addRequests, forgetRequests } from "/requests.js";
-import { showBoards } from "/trello.js";
+import { element } from "/text.js";
+import { showTrello } from "/trello.js";
+
+// What a service holds is shown by a function, which gets a place and the service's state and gives the number of
+// things that exports made there.
+const services = [{ key: "trello", title: "Trello", show: showTrello }];
 
 const retryTime = 1000;
 const quietTime = 150; // at least, and as long as a look took, so that a thousand requests do not make a thousand looks
@@ -28,7 +33,8 @@ async function look() {
   const begun = round;
   const [state, received] = await Promise.all([get("/control/state"), get(`/control/requests?after=${last}`)]);
   if (begun !== round) return;
-  byId("no-cards").hidden = showBoards(byId("boards"), state.trello?.boards ?? []) > 0;
+  const made = services.map((each) => each.show(each.place, state[each.key] ?? {}));
+  byId("nothing-made").hidden = made.some((count) => count > 0);
   addRequests(received.requests, state);
   last = received.requests.at(-1)?.number ?? last;
   byId("no-requests").hidden = last > 0;
@@ -79,5 +85,16 @@ function connect() {
   });
 }
 
+function makeSection(service) {
+  const section = element("section");
+  const title = element("h2", "", service.title);
+  title.id = `${service.key}-title`;
+  section.setAttribute("aria-labelledby", title.id);
+  service.place = element("div");
+  section.append(title, service.place);
+  return section;
+}
+
+byId("held").append(...services.map(makeSection));
 for (const place of document.getElementsByClassName("origin")) place.textContent = location.origin;
 connect();

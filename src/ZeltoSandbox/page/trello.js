@@ -75,7 +75,7 @@ function markNewest(root, id) {
 }
 
 // Gives the number of cards.
-export function showBoards(root, boards) {
+export function showTrello(root, { boards = [] }) {
   const cards = boards.flatMap((board) => board.lists.flatMap((list) => list.cards));
   const newest = cards.reduce((found, card) => (!found || card.date >= found.date ? card : found), null);
   reconcile(root, boards, makeBoard, fillBoard);
