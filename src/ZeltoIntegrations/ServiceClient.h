@@ -44,7 +44,8 @@ class ServiceClient : public CancellableServiceClient {
             });
     }
 
-    // Every request that has not ended ends with `connectionError`, and none of them is repeated.
+    // Every request that has not ended ends with `connectionError`, and none of them is repeated. A refresh
+    // under way goes on without them, and its token is taken in.
     void cancelAllOperations() override;
 
   protected:

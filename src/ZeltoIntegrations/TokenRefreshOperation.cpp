@@ -10,6 +10,10 @@ TokenRefreshOperation::TokenRefreshOperation(std::shared_ptr<URLSession> urlSess
                                              std::shared_ptr<ServiceAuthoriser> authoriser)
     : ServiceOperation(std::move(urlSession), decoder), authoriser_(std::move(authoriser)) {}
 
+void TokenRefreshOperation::cancel() {
+    LVXAsyncOperation::cancel();
+}
+
 ServiceResult<void> TokenRefreshOperation::refreshResult() const {
     const std::lock_guard guard(lock_);
     return refreshResult_;

@@ -11,6 +11,10 @@ class TokenRefreshOperation final : public ServiceOperation {
     TokenRefreshOperation(std::shared_ptr<URLSession> urlSession, JSONDecoder decoder,
                           std::shared_ptr<ServiceAuthoriser> authoriser);
 
+    // Once it is sent, a refresh runs to its end: the service may have replaced the token already, and a new
+    // token that nobody takes in is lost with the account's access.
+    void cancel() override;
+
     // Success until the refresh has failed; what counts is how it stands when the operation has finished.
     ServiceResult<void> refreshResult() const;
 

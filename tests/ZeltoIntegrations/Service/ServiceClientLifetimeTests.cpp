@@ -89,6 +89,43 @@ TEST(ServiceClientLifetime, CancellingEndsRequestsThatWaitForARefresh) {
     EXPECT_EQ(authoriser->authorizations(), 0);
 }
 
+TEST(ServiceClientLifetime, CancellingLosesNoTokenOfARefreshUnderWay) {
+    HeldServer server;
+    const ServiceRoute route(server.http());
+    const auto authoriser = FakeAuthoriser::stale();
+    ServiceClient client(authoriser, {});
+    Requests requests(client, 10);
+    authoriser->waitForChecks(10);
+    server.waitForRequest();
+    client.cancelAllOperations();
+    EXPECT_TRUE(requests.allEndWith(failure(E::connectionError)));
+    EXPECT_TRUE(authoriser->updates().empty());
+    Requests later(client, 10);
+    server.gate().open();
+    EXPECT_TRUE(later.allEndWith("ok"));
+    EXPECT_EQ(authoriser->updates(),
+              (std::vector<ServiceResult<OAuthToken>>{OAuthToken{"new-token", std::nullopt, 3600}}));
+}
+
+TEST(ServiceClientLifetime, ARefreshThatOutlivesItsCancelledClientEndsAndLeavesNothing) {
+    HeldServer server;
+    const ServiceRoute route(server.http());
+    std::weak_ptr<FakeAuthoriser> weakly;
+    std::optional<Requests> requests;
+    {
+        auto authoriser = FakeAuthoriser::stale();
+        weakly = authoriser;
+        ServiceClient client(std::move(authoriser), {});
+        requests.emplace(client, 10);
+        server.waitForRequest();
+        client.cancelAllOperations();
+    }
+    EXPECT_TRUE(requests->allEndWith(failure(E::connectionError)));
+    EXPECT_FALSE(weakly.expired());
+    server.gate().open();
+    EXPECT_TRUE(isGone(weakly));
+}
+
 TEST(ServiceClientLifetime, CancellingOneRequestLeavesTheOthers) {
     HeldServer server;
     const ServiceRoute route(server.http());
