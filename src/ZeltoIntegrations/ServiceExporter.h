@@ -138,6 +138,19 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
             };
     }
 
+    // The same for an export without a value, which is compared with what loadConfiguration() offers.
+    template <ExportConfig C>
+    ResultMediator<void> createResultMediator(C configuration,
+                                              Completion<void, IntegrationExportError> completion) {
+        // The mediator keeps the exporter, and has made sure of its class before it asks.
+        return createResultMediator<C, void>(
+            std::move(configuration),
+            [this](Completion<C, IntegrationLoadError> offered) {
+                static_cast<typename C::Exporter&>(*this).loadConfiguration(std::move(offered));
+            },
+            std::move(completion));
+    }
+
     template <ExportConfig C>
     void postAnalytics(const C& originalConfig, const C& userConfig, const ExporterResult<void>& result) {
         postExportEvent(userConfig.exportType(),

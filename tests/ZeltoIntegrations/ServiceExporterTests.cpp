@@ -64,9 +64,7 @@ class StepExporter final : public ServiceExporter {
     // `count` steps and a last one that reports.
     std::shared_ptr<ExportProgress> export_(StepConfiguration configuration, int count,
                                             Completion<void, IntegrationExportError> completion) {
-        const auto finish = createResultMediator<StepConfiguration, void>(
-            configuration, [this](auto offered) { loadConfiguration(std::move(offered)); },
-            std::move(completion));
+        const auto finish = createResultMediator(configuration, std::move(completion));
         if (configuration.saveAs != IntegrationExportContentType::pdf) {
             finish(failure(IntegrationExportError::unsupportedFormat));
             return std::make_shared<ExportProgress>(0);

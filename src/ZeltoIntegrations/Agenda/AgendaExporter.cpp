@@ -47,9 +47,7 @@ std::shared_ptr<ExportProgress> AgendaExporter::export_(AgendaConfiguration conf
          .userTitle = configuration.userTitle,
          .userNote = configuration.userNote},
         [](const Content& content) { return chainedURL(content.title, content.text); },
-        createResultMediator<AgendaConfiguration, void>(
-            configuration, [this](auto offered) { loadConfiguration(std::move(offered)); },
-            std::move(completion)));
+        createResultMediator(configuration, std::move(completion)));
 }
 
 } // namespace zelto

@@ -44,10 +44,7 @@ std::shared_ptr<ExportProgress> BearExporter::export_(BearExportConfiguration co
     return exportURL({.saveAs = configuration.saveAs,
                       .userTitle = configuration.userTitle,
                       .userNote = configuration.userNote},
-                     std::move(makeURL),
-                     createResultMediator<BearExportConfiguration, void>(
-                         configuration, [this](auto offered) { loadConfiguration(std::move(offered)); },
-                         std::move(completion)));
+                     std::move(makeURL), createResultMediator(configuration, std::move(completion)));
 }
 
 } // namespace zelto

@@ -21,10 +21,7 @@ OmniFocusExporter::export_(OmniFocusConfiguration configuration,
         return url.text();
     };
     return exportURL({.saveAs = configuration.saveAs, .userTitle = configuration.userTitle},
-                     std::move(makeURL),
-                     createResultMediator<OmniFocusConfiguration, void>(
-                         configuration, [this](auto offered) { loadConfiguration(std::move(offered)); },
-                         std::move(completion)));
+                     std::move(makeURL), createResultMediator(configuration, std::move(completion)));
 }
 
 } // namespace zelto

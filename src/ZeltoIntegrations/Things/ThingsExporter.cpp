@@ -29,10 +29,7 @@ std::shared_ptr<ExportProgress> ThingsExporter::export_(ThingsConfiguration conf
         return url.text();
     };
     return exportURL({.saveAs = configuration.saveAs, .userTitle = configuration.userTitle},
-                     std::move(makeURL),
-                     createResultMediator<ThingsConfiguration, void>(
-                         configuration, [this](auto offered) { loadConfiguration(std::move(offered)); },
-                         std::move(completion)));
+                     std::move(makeURL), createResultMediator(configuration, std::move(completion)));
 }
 
 } // namespace zelto

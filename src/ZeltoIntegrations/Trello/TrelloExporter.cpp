@@ -167,9 +167,7 @@ std::optional<std::string> TrelloExporter::loadUserEmail() {
 
 std::shared_ptr<ExportProgress> TrelloExporter::export_(TrelloExportConfiguration configuration,
                                                         Completion<void, IntegrationExportError> completion) {
-    auto finish = createResultMediator<TrelloExportConfiguration, void>(
-        configuration, [this](auto offered) { loadConfiguration(std::move(offered)); },
-        std::move(completion));
+    auto finish = createResultMediator(configuration, std::move(completion));
     const auto selected = configuration.attachments.selected();
     const bool makesPdf = configuration.saveAs == Type::pdf;
     const auto unitCount = 2 * selected.size() + 1 + (makesPdf ? 2 : 0);

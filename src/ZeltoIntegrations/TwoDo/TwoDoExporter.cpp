@@ -30,10 +30,7 @@ std::shared_ptr<ExportProgress> TwoDoExporter::export_(TwoDoConfiguration config
     };
     return exportURL(
         {.saveAs = configuration.saveAs, .userTitle = configuration.userTitle, .linkApart = true},
-        std::move(makeURL),
-        createResultMediator<TwoDoConfiguration, void>(
-            configuration, [this](auto offered) { loadConfiguration(std::move(offered)); },
-            std::move(completion)));
+        std::move(makeURL), createResultMediator(configuration, std::move(completion)));
 }
 
 } // namespace zelto
