@@ -75,16 +75,6 @@ ExportReport NetworkExporter::exportReport() const {
     return report_;
 }
 
-std::shared_ptr<ExportProgress> NetworkExporter::refuseFormat(std::size_t unitCount,
-                                                              const ResultMediator<void>& finish) {
-    finish(failure(IntegrationExportError::unsupportedFormat));
-    return std::make_shared<ExportProgress>(static_cast<std::int64_t>(unitCount));
-}
-
-std::string NetworkExporter::titleOr(const std::optional<std::string>& userTitle) const {
-    return userTitle ? *userTitle : dataInteractor().title();
-}
-
 void NetworkExporter::makePdf(const std::string& title, FileCompletion done) {
     const auto self = std::static_pointer_cast<NetworkExporter>(shared_from_this());
     dataInteractor().html(IntegrationExportHtmlOptions{}, [self, title, done = std::move(done)](

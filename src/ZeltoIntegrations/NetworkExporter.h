@@ -32,7 +32,6 @@ class NetworkExporter : public ServiceExporter {
     ExportReport exportReport() const;
 
   protected:
-    template <class T> using Step = std::shared_ptr<ExporterAsyncOperation<ExporterResult<T>>>;
     template <class T> using StepCompletion = Completion<T, IntegrationExportError>;
 
     // What a step calls when it has done its work: false if the export is to stop here.
@@ -99,11 +98,6 @@ class NetworkExporter : public ServiceExporter {
         std::vector<std::function<ExporterResult<void>()>> outcomes_;
     };
 
-    // The result of an earlier step; one that never came to its end has none.
-    template <class T> static ExporterResult<T> resultOf(const Step<T>& step) {
-        return step->result().value_or(failure(IntegrationExportError::internalError));
-    }
-
     // Ends a step: a success counts, and is `canceled` if the export is to stop.
     template <class T>
     static StepCompletion<T> counted(UpdateProgress updateProgress, StepCompletion<T> done) {
@@ -115,13 +109,6 @@ class NetworkExporter : public ServiceExporter {
             done(std::move(result));
         };
     }
-
-    // Finishes an export of a type that the service does not take.
-    static std::shared_ptr<ExportProgress> refuseFormat(std::size_t unitCount,
-                                                        const ResultMediator<void>& finish);
-
-    // The user's title, or the one that the message suggests.
-    std::string titleOr(const std::optional<std::string>& userTitle) const;
 
     // The message as a PDF file of that title, which stays there. Fails with `convertError`.
     void makePdf(const std::string& title, StepCompletion<std::filesystem::path> done);

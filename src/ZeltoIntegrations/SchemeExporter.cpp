@@ -11,11 +11,6 @@ constexpr auto stepCount = 3;
 
 const auto plainBacklink = IntegrationLinkType::backlink(IntegrationLinkFormat::raw);
 
-// The result of an earlier step; a step that never ran has none.
-template <class R> R resultOf(const std::shared_ptr<ExporterAsyncOperation<R>>& step) {
-    return step->result().value_or(failure(IntegrationExportError::internalError));
-}
-
 } // namespace
 
 IntegrationExportContentTypes SchemeExporter::contentTypes(IntegrationExportTarget target) const {
@@ -49,8 +44,7 @@ void SchemeExporter::loadPreview(IntegrationExportContentType type,
 std::shared_ptr<ExportProgress> SchemeExporter::exportURL(Request request, URLMaker makeURL,
                                                           ResultMediator<void> finish) {
     if (!textMakerFor(request.saveAs)) {
-        finish(failure(IntegrationExportError::unsupportedFormat));
-        return std::make_shared<ExportProgress>(0);
+        return refuseFormat(0, finish);
     }
     const auto progress = std::make_shared<ExportProgress>(stepCount);
 
@@ -112,7 +106,7 @@ std::shared_ptr<ExportProgress> SchemeExporter::exportURL(Request request, URLMa
 
 void SchemeExporter::makeContent(const Request& request, Callback<ExporterResult<Content>> completion) {
     Content content;
-    content.title = request.userTitle ? *request.userTitle : dataInteractor().title();
+    content.title = titleOr(request.userTitle);
 
     auto withText = [self = self(), content, linkApart = request.linkApart, note = request.userNote,
                      completion = std::move(completion)](std::optional<std::string> text) mutable {

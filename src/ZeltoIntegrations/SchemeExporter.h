@@ -60,7 +60,6 @@ class SchemeExporter : public ServiceExporter {
 
   private:
     using TextMaker = void (SchemeExporter::*)(Callback<std::optional<std::string>>);
-    template <class R> using Step = std::shared_ptr<ExporterAsyncOperation<ExporterResult<R>>>;
 
     // Null for a type that is not supported. The target plays no part.
     static TextMaker textMakerFor(IntegrationExportContentType type);

@@ -81,6 +81,16 @@ std::shared_ptr<BlockOperation> ServiceExporter::createSyncTask(std::move_only_f
     return std::make_shared<BlockOperation>(std::move(block));
 }
 
+std::shared_ptr<ExportProgress> ServiceExporter::refuseFormat(std::size_t unitCount,
+                                                              const ResultMediator<void>& finish) {
+    finish(failure(IntegrationExportError::unsupportedFormat));
+    return std::make_shared<ExportProgress>(static_cast<std::int64_t>(unitCount));
+}
+
+std::string ServiceExporter::titleOr(const std::optional<std::string>& userTitle) const {
+    return userTitle ? *userTitle : dataInteractor().title();
+}
+
 void ServiceExporter::updateActiveClient(std::shared_ptr<CancellableServiceClient> client) {
     const std::lock_guard guard(lock_);
     serviceClient_ = std::move(client);

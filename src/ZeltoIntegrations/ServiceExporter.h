@@ -17,6 +17,7 @@
 #include <Platform/Operations/OperationQueue.h>
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -82,6 +83,9 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     // Produces the configuration that the exporter itself would have offered.
     template <class C> using OriginalConfigBlock = std::function<void(Completion<C, IntegrationLoadError>)>;
 
+    // A step of an export, which keeps its result for the later ones.
+    template <class T> using Step = std::shared_ptr<ExporterAsyncOperation<ExporterResult<T>>>;
+
     // Adds the steps to the queue; they run one after the other in this order.
     void execute(const std::vector<std::shared_ptr<Operation>>& operations);
 
@@ -99,6 +103,11 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     }
 
     std::shared_ptr<BlockOperation> createSyncTask(std::move_only_function<void()> block) const;
+
+    // The result of an earlier step; one that never came to its end has none.
+    template <class T> static ExporterResult<T> resultOf(const Step<T>& step) {
+        return step->result().value_or(failure(IntegrationExportError::internalError));
+    }
 
     // Each step calls this when it ends. True if the export goes on; a cancelled one is stopped, and
     // `completion` gets `canceled`.
@@ -156,6 +165,13 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
         postExportEvent(userConfig.exportType(),
                         originalConfig.diff(userConfig, attachmentsAreSelectedByDefault_), result);
     }
+
+    // Finishes an export of a type that the service does not take.
+    static std::shared_ptr<ExportProgress> refuseFormat(std::size_t unitCount,
+                                                        const ResultMediator<void>& finish);
+
+    // The user's title, or the one that the message suggests.
+    std::string titleOr(const std::optional<std::string>& userTitle) const;
 
     // Ends the requests that are under way; steps and all else go on.
     void cancelRequests();

@@ -66,8 +66,7 @@ class StepExporter final : public ServiceExporter {
                                             Completion<void, IntegrationExportError> completion) {
         const auto finish = createResultMediator(configuration, std::move(completion));
         if (configuration.saveAs != IntegrationExportContentType::pdf) {
-            finish(failure(IntegrationExportError::unsupportedFormat));
-            return std::make_shared<ExportProgress>(0);
+            return refuseFormat(0, finish);
         }
         const auto progress = std::make_shared<ExportProgress>(count);
         std::vector<std::shared_ptr<Operation>> steps;
