@@ -21,17 +21,17 @@ NetworkExporter::Steps::Steps(std::shared_ptr<NetworkExporter> exporter, std::si
 void NetworkExporter::Steps::Run::cancel() {
     exporter->cancelRequests();
     if (!exporter->isRequesting_) {
-        OperationQueue().addOperation([self = shared_from_this()] { self->isStopped(); });
+        OperationQueue().addOperation([self = shared_from_this()] { self->stopIfCancelled(); });
     }
 }
 
 bool NetworkExporter::Steps::Run::update() {
     progress->setCompletedUnitCount(progress->completedUnitCount() + 1);
-    return !isStopped();
+    return !stopIfCancelled();
 }
 
 // Stops once: a step that ends after the export must not cancel what came into the queue since.
-bool NetworkExporter::Steps::Run::isStopped() {
+bool NetworkExporter::Steps::Run::stopIfCancelled() {
     if (!progress->isCancelled()) {
         return false;
     }

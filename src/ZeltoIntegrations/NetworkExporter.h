@@ -51,7 +51,7 @@ class NetworkExporter : public ServiceExporter {
                 [run = run_, step, ... arguments = std::move(arguments)](StepCompletion<R> done) {
                     run->exporter->isRequesting_ = false;
                     run->exporter->setProgress(run->progress);
-                    if (run->isStopped()) {
+                    if (run->stopIfCancelled()) {
                         return done(failure(IntegrationExportError::canceled));
                     }
                     (static_cast<Exporter&>(*run->exporter).*step)(
@@ -59,7 +59,7 @@ class NetworkExporter : public ServiceExporter {
                         [run, done = std::move(done)](ExporterResult<R> result) mutable {
                             run->exporter->isRequesting_ = false;
                             // A request that was cut off is no failure of its own.
-                            if (!result && run->isStopped()) {
+                            if (!result && run->stopIfCancelled()) {
                                 result = failure(IntegrationExportError::canceled);
                             }
                             done(std::move(result));
@@ -83,7 +83,7 @@ class NetworkExporter : public ServiceExporter {
             void cancel();
 
             bool update();
-            bool isStopped();
+            bool stopIfCancelled();
 
             std::shared_ptr<NetworkExporter> exporter;
             std::shared_ptr<ExportProgress> progress;
