@@ -43,7 +43,9 @@ template <class Configuration> std::vector<std::string> attachmentNames(const Co
     return names;
 }
 
-template <class Exporter, class Configuration> class TypedSession final : public ExportSession {
+template <class Exporter> class TypedSession final : public ExportSession {
+    using Configuration = typename Exporter::Configuration;
+
   public:
     TypedSession(std::shared_ptr<Exporter> exporter, const ServiceAccountConfiguration& account)
         : exporter_(std::move(exporter)), service_(displayName(account.serviceType())),
@@ -221,20 +223,17 @@ struct SessionRow {
 
 constexpr auto actionSource = "zelto";
 
-template <class Exporter, class Configuration>
+template <class Exporter>
 std::unique_ptr<ExportSession> open(IntegrationsManager& manager, const ServiceAccountConfiguration& account,
                                     std::shared_ptr<IntegrationsDataInteractorProtocol> message) {
     auto exporter = manager.createServiceExporter<Exporter>(account, std::move(message), actionSource, false);
-    return std::make_unique<TypedSession<Exporter, Configuration>>(std::move(exporter), account);
+    return std::make_unique<TypedSession<Exporter>>(std::move(exporter), account);
 }
 
 constexpr SessionRow rows[] = {
-    {ServiceType::Agenda, open<AgendaExporter, AgendaConfiguration>},
-    {ServiceType::Bear, open<BearExporter, BearExportConfiguration>},
-    {ServiceType::OmniFocus, open<OmniFocusExporter, OmniFocusConfiguration>},
-    {ServiceType::Things, open<ThingsExporter, ThingsConfiguration>},
-    {ServiceType::Trello, open<TrelloExporter, TrelloExportConfiguration>},
-    {ServiceType::Type2Do, open<TwoDoExporter, TwoDoConfiguration>},
+    {ServiceType::Agenda, open<AgendaExporter>},       {ServiceType::Bear, open<BearExporter>},
+    {ServiceType::OmniFocus, open<OmniFocusExporter>}, {ServiceType::Things, open<ThingsExporter>},
+    {ServiceType::Trello, open<TrelloExporter>},       {ServiceType::Type2Do, open<TwoDoExporter>},
 };
 
 } // namespace

@@ -21,23 +21,11 @@ namespace zelto {
 
 using VoidResult = ExporterResult<void>;
 
-template <class> struct ConfigurationOf;
-
-template <> struct ConfigurationOf<AgendaExporter> : std::type_identity<AgendaConfiguration> {};
-
-template <> struct ConfigurationOf<BearExporter> : std::type_identity<BearExportConfiguration> {};
-
-template <> struct ConfigurationOf<OmniFocusExporter> : std::type_identity<OmniFocusConfiguration> {};
-
-template <> struct ConfigurationOf<ThingsExporter> : std::type_identity<ThingsConfiguration> {};
-
-template <> struct ConfigurationOf<TwoDoExporter> : std::type_identity<TwoDoConfiguration> {};
-
 // Exports through one exporter with fakes around it, each run from call to completion. The exporter's account
 // is kept from run to run.
 template <class Exporter> class SchemeExport {
   public:
-    using Configuration = typename ConfigurationOf<Exporter>::type;
+    using Configuration = typename Exporter::Configuration;
 
     Configuration configuration = withTitle();
     std::shared_ptr<FakeDataInteractor> data = std::make_shared<FakeDataInteractor>();

@@ -10,6 +10,8 @@ class AgendaExporter final : public SchemeExporter {
   public:
     using SchemeExporter::SchemeExporter;
 
+    using Configuration = AgendaConfiguration;
+
     static constexpr auto urlHost = "agenda";
 
     void loadConfiguration(Completion<AgendaConfiguration, IntegrationLoadError> completion);

@@ -10,6 +10,8 @@ class BearExporter final : public SchemeExporter {
   public:
     using SchemeExporter::SchemeExporter;
 
+    using Configuration = BearExportConfiguration;
+
     static constexpr auto urlHost = "bear";
 
     // The tags of the last export with this account.

@@ -10,6 +10,8 @@ class OmniFocusExporter final : public SchemeExporter {
   public:
     using SchemeExporter::SchemeExporter;
 
+    using Configuration = OmniFocusConfiguration;
+
     static constexpr auto urlHost = "omnifocus";
 
     void loadConfiguration(Completion<OmniFocusConfiguration, IntegrationLoadError> completion);

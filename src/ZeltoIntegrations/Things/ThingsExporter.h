@@ -10,6 +10,8 @@ class ThingsExporter final : public SchemeExporter {
   public:
     using SchemeExporter::SchemeExporter;
 
+    using Configuration = ThingsConfiguration;
+
     static constexpr auto urlHost = "things";
 
     void loadConfiguration(Completion<ThingsConfiguration, IntegrationLoadError> completion);

@@ -22,6 +22,7 @@ class TrelloExporter final : public NetworkExporter {
   public:
     using NetworkExporter::NetworkExporter;
 
+    using Configuration = TrelloExportConfiguration;
     using FullData = TrelloFullData;
 
     // What was loaded last, and where the last card went; kept in the account.

@@ -10,6 +10,8 @@ class TwoDoExporter final : public SchemeExporter {
   public:
     using SchemeExporter::SchemeExporter;
 
+    using Configuration = TwoDoConfiguration;
+
     static constexpr auto urlHost = "twodo";
 
     void loadConfiguration(Completion<TwoDoConfiguration, IntegrationLoadError> completion);
