@@ -17,12 +17,9 @@ namespace {
 using AccountResult = Result<ServiceAccountConfiguration, IntegrationAccountCreationError>;
 using Account = ServiceAccountConfiguration;
 
-// The name that the manager gives an account until it knows the real one.
-constexpr auto temporaryUserName = "temp_user_name";
-
 // A process that was killed while it connected has left it.
 void removeTemporary(const Workspace& workspace, IntegrationsManager& manager, ServiceType type) {
-    const auto left = workspace.storage().tryLoad(manager.getServiceIdentifier(type, temporaryUserName));
+    const auto left = workspace.storage().tryLoad(manager.temporaryIdentifier(type));
     if (left && *left) {
         manager.removeServiceConfiguration(**left);
     }
@@ -97,8 +94,8 @@ std::string noticeOf(Verification verification, ServiceType type) {
 Outcome<Account> connectAccount(const Workspace& workspace, const Account& account) {
     auto manager = managerOf(workspace);
     const auto type = account.serviceType();
-    // Two of one service would meet under the temporary name.
-    const auto lock = workspace.lock(manager.getServiceIdentifier(type, temporaryUserName));
+    // Two of one service would meet under the temporary identifier.
+    const auto lock = workspace.lock(manager.temporaryIdentifier(type));
     if (!lock) {
         return failure(lock.error());
     }
@@ -121,7 +118,7 @@ Outcome<Account> reconnectAccount(const Workspace& workspace, const Account& wit
                                   const Account& fromOld) {
     auto manager = managerOf(workspace);
     const auto type = fromOld.serviceType();
-    const auto temporaryLock = workspace.lock(manager.getServiceIdentifier(type, temporaryUserName));
+    const auto temporaryLock = workspace.lock(manager.temporaryIdentifier(type));
     const auto lock = temporaryLock ? workspace.lock(fromOld.identifier()) : failure(temporaryLock.error());
     if (!lock) {
         return failure(lock.error());

@@ -113,6 +113,10 @@ std::string IntegrationsManager::getServiceIdentifier(ServiceType from,
     return ExportServiceHelper::getServiceIdentifierFor(from, andUsername);
 }
 
+std::string IntegrationsManager::temporaryIdentifier(ServiceType serviceType) const {
+    return getServiceIdentifier(serviceType, temporaryUserName);
+}
+
 std::map<int, std::vector<ServiceAccountConfiguration>>
 IntegrationsManager::servicesConfigurationsGroupedByType() const {
     std::map<int, std::vector<ServiceAccountConfiguration>> groups;

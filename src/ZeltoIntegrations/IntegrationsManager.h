@@ -39,6 +39,8 @@ class IntegrationsManager {
 
     // The product name, and "+" and the user name where there is one.
     std::string getServiceIdentifier(ServiceType from, const std::optional<std::string>& andUsername) const;
+    // Of the account that stands for one of the service while it is being connected.
+    std::string temporaryIdentifier(ServiceType serviceType) const;
 
     // By the raw value of the type; within a group the storage's order stands.
     std::map<int, std::vector<ServiceAccountConfiguration>> servicesConfigurationsGroupedByType() const;

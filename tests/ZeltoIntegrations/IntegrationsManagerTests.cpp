@@ -36,7 +36,7 @@ struct FakeService {
     bool refreshesToken = false;
     int fetches = 0;
     int emailLoads = 0;
-    std::vector<std::string> namesSeen; // of the accounts that exporters were made for
+    std::vector<std::string> identifiersSeen; // of the accounts that exporters were made for
 };
 
 class FakeExporter final : public ServiceExporter {
@@ -115,7 +115,7 @@ class ManagerUnderTest : public IntegrationsManager {
         EXPECT_NE(dynamic_cast<IntegrationsDataInteractorStub*>(data.get()), nullptr);
         EXPECT_EQ(actionSource, std::nullopt);
         EXPECT_TRUE(selectedByDefault);
-        service_.namesSeen.push_back(configuration.userName().value_or("none"));
+        service_.identifiersSeen.push_back(configuration.identifier());
         return hasExporters
                    ? std::make_shared<FakeExporter>(service_, configuration, storage_, interactor_, data)
                    : nullptr;
@@ -182,7 +182,7 @@ TEST_F(IntegrationsManagerTest, SavingAKnownSchemeAccountGivesAccountAlreadyExis
     storage->save(account(ServiceType::Bear, "alice"));
     const auto result = trySave(account(ServiceType::Bear, "alice"));
     EXPECT_EQ(result.error(), Error::accountAlreadyExist(account(ServiceType::Bear, "alice")));
-    EXPECT_TRUE(service.namesSeen.empty());
+    EXPECT_TRUE(service.identifiersSeen.empty());
     EXPECT_EQ(service.fetches, 0);
     EXPECT_TRUE(interactor->added().empty());
 }
@@ -221,9 +221,14 @@ TEST_F(IntegrationsManagerTest, ExactlyTwelveServicesFetchByAnExporterAndTeamsBy
         service = {};
         trySave(account(each.value, "x"));
         const bool fetches = std::ranges::find(fetchingTypes, each.value) != std::end(fetchingTypes);
-        EXPECT_EQ(service.namesSeen, fetches ? Texts{"temp_user_name"} : Texts{}) << each.name;
+        EXPECT_EQ(service.identifiersSeen, fetches ? Texts{manager.temporaryIdentifier(each.value)} : Texts{})
+            << each.name;
         EXPECT_EQ(service.fetches, fetches || each.value == ServiceType::MicrosoftTeams ? 1 : 0) << each.name;
     }
+}
+
+TEST_F(IntegrationsManagerTest, AnAccountThatIsBeingConnectedHasTheTemporaryUserName) {
+    EXPECT_EQ(manager.temporaryIdentifier(ServiceType::Trello), "Trello+temp_user_name");
 }
 
 TEST_F(IntegrationsManagerTest, AFetchedAccountIsRenamedByTheUsersEmailAndStored) {
