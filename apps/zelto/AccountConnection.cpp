@@ -8,8 +8,6 @@
 #include <ZeltoHost/Platform/HostPlatformInteractor.h>
 #include <ZeltoIntegrations/IntegrationsDataInteractorStub.h>
 
-#include <algorithm>
-
 namespace zelto::cli {
 
 namespace {
@@ -64,17 +62,19 @@ IntegrationsManager managerOf(const Workspace& workspace) {
 }
 
 Verification verificationOf(const Account& account, IntegrationsManager& manager) {
-    using enum ServiceType;
-    constexpr ServiceType takenAsTheyCome[] = {ZoomMeeting, G2Meeting, Instapaper};
-    const auto type = account.serviceType();
-    if (std::ranges::find(takenAsTheyCome, type) != std::end(takenAsTheyCome)) {
+    const auto askedBy = [](const auto& client) {
+        return client ? Verification::asked : Verification::impossible;
+    };
+    switch (IntegrationsManager::accountCheck(account.serviceType())) {
+    case AccountCheck::none:
         return Verification::notAsked;
+    case AccountCheck::byExporter:
+        return askedBy(
+            manager.createServiceExporter(account, std::make_shared<IntegrationsDataInteractorStub>()));
+    case AccountCheck::byMeetingCreator:
+        return askedBy(manager.createMeetingCreator(account));
     }
-    const bool canAsk = type == MicrosoftTeams
-                            ? manager.createMeetingCreator(account) != nullptr
-                            : manager.createServiceExporter(
-                                  account, std::make_shared<IntegrationsDataInteractorStub>()) != nullptr;
-    return canAsk ? Verification::asked : Verification::impossible;
+    return Verification::notAsked;
 }
 
 std::string noticeOf(Verification verification, ServiceType type) {

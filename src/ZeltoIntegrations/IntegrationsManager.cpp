@@ -18,18 +18,6 @@ using AccountCompletion = IntegrationsManager::AccountCompletion;
 // The name of an account whose own name is not known yet.
 constexpr auto temporaryUserName = "temp_user_name";
 
-bool requireDataFetch(ServiceType serviceType) {
-    using enum ServiceType;
-    constexpr ServiceType fetching[] = {TodoIst,  Asana, OneNote, Evernote, Trello,      MeisterTask,
-                                        TickTick, Slack, Hubspot, Notion,   GoogleDrive, Dropbox};
-    return std::ranges::find(fetching, serviceType) != std::end(fetching);
-}
-
-// Zoom and GoTo are meeting services too, but there is nothing to check while they are connected.
-bool isConferenceIntegration(ServiceType serviceType) {
-    return serviceType == ServiceType::MicrosoftTeams;
-}
-
 bool isAccountExist(ServiceConfigurationsStorage& storage, const ServiceAccountConfiguration& configuration) {
     const auto identifier = configuration.identifier();
     return std::ranges::any_of(storage.loadConfigurations(), [&](const ServiceAccountConfiguration& stored) {
@@ -115,6 +103,17 @@ std::string IntegrationsManager::getServiceIdentifier(ServiceType from,
 
 std::string IntegrationsManager::temporaryIdentifier(ServiceType serviceType) const {
     return getServiceIdentifier(serviceType, temporaryUserName);
+}
+
+AccountCheck IntegrationsManager::accountCheck(ServiceType serviceType) {
+    using enum ServiceType;
+    constexpr ServiceType fetching[] = {TodoIst,  Asana, OneNote, Evernote, Trello,      MeisterTask,
+                                        TickTick, Slack, Hubspot, Notion,   GoogleDrive, Dropbox};
+    if (std::ranges::find(fetching, serviceType) != std::end(fetching)) {
+        return AccountCheck::byExporter;
+    }
+    // Zoom and GoTo are meeting services too, but there is nothing to check while they are connected.
+    return serviceType == MicrosoftTeams ? AccountCheck::byMeetingCreator : AccountCheck::none;
 }
 
 std::map<int, std::vector<ServiceAccountConfiguration>>
@@ -207,12 +206,13 @@ void IntegrationsManager::removeAllServiceConfigurations() {
 
 void IntegrationsManager::fetchAccount(const ServiceAccountConfiguration& configuration,
                                        AccountCompletion completion) {
-    if (requireDataFetch(configuration.serviceType())) {
-        fetchAccountByExporter(configuration, std::move(completion));
-    } else if (isConferenceIntegration(configuration.serviceType())) {
-        fetchAccountByMeetingCreator(configuration, std::move(completion));
-    } else {
-        completion(configuration);
+    switch (accountCheck(configuration.serviceType())) {
+    case AccountCheck::none:
+        return completion(configuration);
+    case AccountCheck::byExporter:
+        return fetchAccountByExporter(configuration, std::move(completion));
+    case AccountCheck::byMeetingCreator:
+        return fetchAccountByMeetingCreator(configuration, std::move(completion));
     }
 }
 

@@ -20,6 +20,13 @@
 
 namespace zelto {
 
+// Who asks a service whose an account is, while the account is being connected.
+enum class AccountCheck {
+    none, // it is taken as it comes
+    byExporter,
+    byMeetingCreator,
+};
+
 // The one object that a host holds: the accounts, the two flows that connect them, and the factory of
 // exporters, importers and meeting creators.
 //
@@ -41,6 +48,8 @@ class IntegrationsManager {
     std::string getServiceIdentifier(ServiceType from, const std::optional<std::string>& andUsername) const;
     // Of the account that stands for one of the service while it is being connected.
     std::string temporaryIdentifier(ServiceType serviceType) const;
+
+    static AccountCheck accountCheck(ServiceType serviceType);
 
     // By the raw value of the type; within a group the storage's order stands.
     std::map<int, std::vector<ServiceAccountConfiguration>> servicesConfigurationsGroupedByType() const;
