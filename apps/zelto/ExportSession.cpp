@@ -13,6 +13,7 @@
 #include <ZeltoIntegrations/TwoDo/TwoDoExporter.h>
 
 #include <algorithm>
+#include <iterator>
 #include <type_traits>
 
 namespace zelto::cli {
@@ -237,6 +238,12 @@ constexpr SessionRow rows[] = {
 };
 
 } // namespace
+
+std::vector<ServiceType> exportableServices() {
+    std::vector<ServiceType> types;
+    std::ranges::transform(rows, std::back_inserter(types), &SessionRow::type);
+    return types;
+}
 
 bool canExport(ServiceType type) {
     return std::ranges::find(rows, type, &SessionRow::type) != std::end(rows);

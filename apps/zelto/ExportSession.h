@@ -65,7 +65,8 @@ class ExportSession {
     virtual const std::string& target() const = 0;
 };
 
-// Whether the program can export to the service, and a session that does.
+// The services that the program can export to, and a session that does.
+std::vector<ServiceType> exportableServices();
 bool canExport(ServiceType type);
 Failure cannotExport(ServiceType type);
 Outcome<std::unique_ptr<ExportSession>>

@@ -1,6 +1,8 @@
 #include "HelpText.h"
 
+#include "ExportSession.h"
 #include "KnownValues.h"
+#include "ServiceNames.h"
 
 #include <algorithm>
 
@@ -78,6 +80,18 @@ std::string exampleLines(const CommandSpec& command) {
     return lines;
 }
 
+// "Agenda, Bear and Things": those that can be exported to and are connected in this way.
+std::string servicesConnectedBy(ServiceAuthFlow flow) {
+    auto types = exportableServices();
+    std::erase_if(types, [flow](ServiceType type) { return serviceAuthFlow(type) != flow; });
+    std::string names;
+    for (const auto& type : types) {
+        const auto* separator = &type == &types.front() ? "" : &type == &types.back() ? " and " : ", ";
+        names += separator + displayName(type);
+    }
+    return names;
+}
+
 } // namespace
 
 std::string usageLine(const CommandSpec& command) {
@@ -93,10 +107,12 @@ std::string usageLine(const CommandSpec& command) {
 }
 
 std::string helpText() {
-    std::string text = "zelto sends a mail or a meeting note to the services that you use: Trello over the\n"
-                       "network, Agenda, Bear, OmniFocus, Things and 2Do by the URL that the application is\n"
-                       "opened with.\n\n"
-                       "Usage: zelto COMMAND [options]\n\nCommands:\n";
+    auto text = wrapped("zelto sends a mail or a meeting note to the services that you use: " +
+                            servicesConnectedBy(ServiceAuthFlow::oauth) + " over the network, " +
+                            servicesConnectedBy(ServiceAuthFlow::installedApp) +
+                            " by the URL that the application is opened with.",
+                        0, 0) +
+                "\n\nUsage: zelto COMMAND [options]\n\nCommands:\n";
     for (const auto& command : commands()) {
         text += row(command.name, command.summary);
     }

@@ -2,7 +2,9 @@
 #include "ZeltoProgram.h"
 
 #include <CommandTable.h>
+#include <ExportSession.h>
 #include <HelpText.h>
+#include <ServiceNames.h>
 
 #include <Support/MCPServer.h>
 
@@ -10,6 +12,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 namespace zelto::cli {
@@ -57,6 +60,17 @@ TEST(Help, OfTheProgramNamesEveryCommand) {
         EXPECT_NE(help.output.find("\n  " + std::string(command.name) + " "), std::string::npos);
         EXPECT_NE(help.output.find(command.summary), std::string::npos);
     }
+}
+
+TEST(Help, OfTheProgramBeginsWithTheServicesThatItExportsTo) {
+    const auto help = helpText();
+    auto introduction = help.substr(0, help.find("\n\n"));
+    std::ranges::replace(introduction, '\n', ' ');
+    for (const auto& each : casesOf<ServiceType>()) {
+        EXPECT_EQ(introduction.find(displayName(each.value)) != std::string::npos, canExport(each.value))
+            << each.name;
+    }
+    EXPECT_NE(introduction.find("OmniFocus, Things and 2Do by the URL"), std::string::npos) << introduction;
 }
 
 TEST(Help, IsShownWhateverElseIsMissingOrWrongBehindIt) {
