@@ -2,7 +2,8 @@
 
 namespace zelto {
 
-// Tells AnyCodable of the types that accounts cache. The host calls it once, before it decodes any account.
+// Gives AnyCodable the names of six types of services' data. The host calls it once, before it decodes any
+// account. What exporters cache in an account needs no name: it is plain JSON.
 void RegisterIntegrationsTypes();
 
 } // namespace zelto
