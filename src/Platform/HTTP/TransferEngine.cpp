@@ -252,6 +252,8 @@ void TransferEngine::finish(HTTPExchange& exchange, CURLcode code) {
     if (transfer) {
         transfer->exchange = nullptr;
         leaveLane(*transfer);
+    } else {
+        fillLanes(); // it had left its own lane when it was stopped
     }
 }
 

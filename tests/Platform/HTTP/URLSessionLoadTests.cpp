@@ -2,6 +2,7 @@
 
 #include "Support/Eventually.h"
 #include "Support/RecordingDelegate.h"
+#include "Support/ScriptedServer.h"
 #include "Support/SessionTasks.h"
 #include "Support/TestHTTPServer.h"
 
@@ -109,6 +110,40 @@ TEST(URLSessionLoad, ManySessionsAtOnceShareTheThreadAndTheBoundOfTheProcess) {
         EXPECT_EQ(end.value().text(), "ok");
     }
     EXPECT_EQ(most, 256);
+}
+
+// Cancelled ones keep their places until the rest of their answers has been read or given up.
+TEST(URLSessionLoad, OneThatWaitsForAPlaceGetsThatOfACancelledOne) {
+    std::counting_semaphore<> goOn(0);
+    ScriptedServer server([&](Conversation& conversation) {
+        conversation.readHead();
+        conversation.send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nhello");
+        goOn.acquire();
+        conversation.send("world");
+        conversation.waitForEnd();
+    });
+    TestHTTPServer other([](const ReceivedRequest&) { return PlayedAnswer{.body = "ok"}; });
+    constexpr int mostUnderWay = 256;
+    auto configuration = URLSessionConfiguration::ephemeral();
+    configuration.simultaneousTransfers = mostUnderWay;
+    std::atomic<int> begun = 0;
+    const auto delegate = std::make_shared<RecordingDelegate>();
+    delegate->onData = [&](URLSessionDataTask&, auto) { ++begun; };
+    URLSession session(configuration, delegate);
+    std::vector<std::shared_ptr<URLSessionDataTask>> tasks;
+    for (int number = 0; number < mostUnderWay; ++number) {
+        tasks.push_back(session.dataTask(URLRequest(server.url())));
+        tasks.back()->resume();
+    }
+    ASSERT_TRUE(eventually([&] { return begun == mostUnderWay; }));
+    Completed<TaskEnd> end;
+    URLSession waiting(URLSessionConfiguration::ephemeral());
+    waiting.dataTask(URLRequest(other.url()), TaskEnd::into(end))->resume();
+    for (const auto& task : tasks) {
+        task->cancel();
+    }
+    goOn.release(mostUnderWay);
+    EXPECT_EQ(end.value().text(), "ok");
 }
 
 TEST(URLSessionLoad, NothingIsLeftOfThousandsOfRequestsHoweverTheyEnd) {
