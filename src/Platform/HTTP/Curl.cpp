@@ -144,6 +144,9 @@ URLError errorOf(CURLcode curlCode, bool wasSent, std::string_view host, std::st
     if (wasSent && cameBeforeSending) {
         return errorOf(URLErrorCode::connectionLost, host);
     }
+    if (code == URLErrorCode::timedOut) {
+        return errorOf(code, host); // whether libcurl or the engine saw it first
+    }
     // Elsewhere libcurl's own words may quote the server.
     const bool tellsDetail = code == URLErrorCode::secureConnection && !detail.empty();
     return errorOf(code, host, tellsDetail ? detail : curl_easy_strerror(curlCode));
