@@ -71,7 +71,8 @@ void URLOpener::open(const URL& url, Completion<void, OpenError> completion) {
         completion(failure(tooLong(text.size())));
         return;
     }
-    ProcessRequest request{.arguments = command_, .keptOutput = 0};
+    // The program may turn into the application itself.
+    ProcessRequest request{.arguments = command_, .keptOutput = 0, .outlivesUs = true};
     request.arguments.front() = program->string();
     request.arguments.push_back(text);
     request.limits.wallTime = limit_;

@@ -14,8 +14,9 @@ namespace zelto {
 
 // Opens URLs on the user's system by running a program with the URL as its last argument; no shell sees it.
 // The program's exit status 0 means opened. It has 30 seconds, /dev/null for input and output, and the
-// process's environment; an application that it leaves running is not touched. Any thread; the completion
-// comes once, on any thread, at the latest while this is destroyed.
+// process's environment; an application that it leaves running is not touched, and the program itself lives
+// on when the process ends without destroying this. Any thread; the completion comes once, on any thread, at
+// the latest while this is destroyed.
 class URLOpener {
   public:
     static constexpr std::chrono::seconds longestWait{30};

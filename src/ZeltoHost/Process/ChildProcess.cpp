@@ -143,7 +143,7 @@ Result<ChildProcess, std::error_code> ChildProcess::start(const ProcessRequest& 
         .output = keeps ? output->writing.number() : nowhere->number(),
         .errorOutput = keeps ? errorOutput->writing.number() : nowhere->number(),
         .startError = startError->writing.number(),
-        .parent = ::getpid(),
+        .parent = request.outlivesUs ? std::nullopt : std::optional(::getpid()),
         .openFilesLimit = ::sysconf(_SC_OPEN_MAX),
     };
     ChildProcess child;

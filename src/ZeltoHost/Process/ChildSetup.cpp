@@ -55,8 +55,8 @@ bool takeFiles(const ChildSetup& setup) noexcept {
     return true;
 }
 
-bool diesWithItsParent(pid_t parent) noexcept {
-    return ::prctl(PR_SET_PDEATHSIG, SIGKILL) == 0 && ::getppid() == parent;
+bool dieWithParent(const std::optional<pid_t>& parent) noexcept {
+    return !parent || (::prctl(PR_SET_PDEATHSIG, SIGKILL) == 0 && ::getppid() == *parent);
 }
 
 } // namespace
@@ -65,7 +65,7 @@ void becomeProgram(const ChildSetup& setup) noexcept {
     ::setpgid(0, 0);
     takeDefaultSignals();
     errno = ESRCH;
-    if (diesWithItsParent(setup.parent) && takeFiles(setup) &&
+    if (dieWithParent(setup.parent) && takeFiles(setup) &&
         (setup.workingDirectory == nullptr || ::chdir(setup.workingDirectory) == 0) &&
         takeLimits(setup.limits)) {
         ::execve(setup.arguments[0], setup.arguments, setup.environment);

@@ -4,6 +4,8 @@
 
 #include <ZeltoHost/Process/Process.h>
 
+#include <optional>
+
 #include <sys/types.h>
 
 namespace zelto {
@@ -18,8 +20,8 @@ struct ChildSetup {
     int input;
     int output;
     int errorOutput;
-    int startError; // where the error number goes if this fails
-    pid_t parent;
+    int startError;              // where the error number goes if this fails
+    std::optional<pid_t> parent; // the process that it dies with
     long openFilesLimit;
 };
 

@@ -23,8 +23,7 @@ struct ProcessLimits {
 };
 
 // One run of a foreign program: its arguments go to it as they stand, no shell sees them. It gets a process
-// group of its own, no open file but the three standard ones, default signals and no core file. It is killed
-// when the thread that waits for it dies.
+// group of its own, no open file but the three standard ones, default signals and no core file.
 struct ProcessRequest {
     std::vector<std::string> arguments;                  // the first is the program's absolute path
     std::optional<std::vector<std::string>> environment; // each "NAME=value"; absent: the caller's
@@ -34,6 +33,8 @@ struct ProcessRequest {
     // Bytes kept of the end of each of its two outputs. Zero sends them to /dev/null, which is the choice for
     // a program that leaves another one running: that one could not write to a pipe that nobody reads.
     std::size_t keptOutput = 64 * 1024;
+    // Whether it lives on when the thread that waits for it dies; else it is killed then.
+    bool outlivesUs = false;
 };
 
 struct ProcessExited {

@@ -1,11 +1,14 @@
 #include <ZeltoHost/Platform/URLOpener.h>
 
+#include <Support/Eventually.h>
 #include <Support/TemporaryFolder.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <future>
+#include <optional>
 
 namespace zelto {
 
@@ -165,11 +168,34 @@ TEST(URLOpener, AnApplicationThatTheOpenerLeavesRunningLivesOn) {
         EXPECT_TRUE(open(opener, "bear://a"));
     }
     folder.write("go", "");
-    const auto deadline = std::chrono::steady_clock::now() + 60s;
-    while (!std::filesystem::exists(done) && std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::yield();
+    EXPECT_TRUE(eventually([&] { return std::filesystem::exists(done); }));
+}
+
+TEST(URLOpener, AProgramThatIsTheApplicationItselfOutlivesTheProcess) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    // The process that ends begins this test anew, and finds the folder by what it inherits.
+    constexpr auto variable = "ZELTO_TEST_OPENER_FOLDER";
+    std::optional<TemporaryFolder> made;
+    if (std::getenv(variable) == nullptr) {
+        ::setenv(variable, made.emplace().path().c_str(), 1);
     }
-    EXPECT_TRUE(std::filesystem::exists(done));
+    const std::filesystem::path folder(std::getenv(variable));
+    const auto started = folder / "started";
+    const auto go = folder / "go";
+    const auto done = folder / "done";
+    EXPECT_EXIT(
+        {
+            const std::string script = "touch '" + started.string() + "'; while [ -d '" + folder.string() +
+                                       "' ]; do if [ -e '" + go.string() + "' ]; then exec touch '" +
+                                       done.string() + "'; fi; sleep 0.01; done";
+            auto* opener = new URLOpener({"/bin/sh", "-c", script});
+            opener->open(*URL::parse("bear://a"), [](const Outcome&) {});
+            std::_Exit(eventually([&] { return std::filesystem::exists(started); }) ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+    ::unsetenv(variable);
+    made->write("go", "");
+    EXPECT_TRUE(eventually([&] { return std::filesystem::exists(done); }));
 }
 
 TEST(URLOpener, ItsEndCancelsWhatStillOpens) {
