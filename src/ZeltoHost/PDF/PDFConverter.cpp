@@ -6,6 +6,7 @@
 #include <ZeltoHost/Process/Process.h>
 
 #include <Platform/FileManager.h>
+#include <Platform/Operations/ContainedException.h>
 
 #include <array>
 #include <condition_variable>
@@ -133,7 +134,10 @@ class PDFConverter::Worker {
         if (!enter(stop)) {
             return failure(PDFError{PDFErrorCode::canceled, 0, {}, {}});
         }
-        auto result = convertNow(html, toPdf, stop);
+        const auto outOfMemory = std::make_error_code(std::errc::not_enough_memory);
+        Result<void, PDFError> result =
+            failure(PDFError{PDFErrorCode::failed, outOfMemory.value(), {}, outOfMemory.message()});
+        containingExceptions("A conversion to PDF", [&] { result = convertNow(html, toPdf, stop); });
         leave();
         if (!result) {
             result.error().converter = name();

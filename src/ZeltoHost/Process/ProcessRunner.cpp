@@ -1,12 +1,17 @@
 #include <ZeltoHost/Process/ProcessRunner.h>
 
+#include <Platform/Operations/ContainedException.h>
+
 namespace zelto {
 
 void ProcessRunner::start(ProcessRequest request, Callback<ProcessResult> completion) {
     // Shared, so that it is still here if no thread can be made.
     auto pending = std::make_shared<Callback<ProcessResult>>(std::move(completion));
     const auto error = threads_.start([pending, request = std::move(request)](const std::stop_token& stop) {
-        (*pending)(runProcess(request, stop));
+        ProcessResult result{
+            ProcessFailedToStart{std::make_error_code(std::errc::not_enough_memory)}, {}, {}};
+        containingExceptions("The run of a program", [&] { result = runProcess(request, stop); });
+        (*pending)(std::move(result));
     });
     if (error) {
         (*pending)({ProcessFailedToStart{error}, {}, {}});

@@ -1,5 +1,7 @@
 #include <ZeltoHost/Process/StoppableThreads.h>
 
+#include <Platform/Operations/ContainedException.h>
+
 #include <condition_variable>
 #include <cstddef>
 #include <mutex>
@@ -26,7 +28,7 @@ struct StoppableThreads::State {
 
     void run(Work work) {
         current = this;
-        work(stop.get_token());
+        containingExceptions("Work on a thread of its own", [&] { work(stop.get_token()); });
         work = nullptr; // what it held goes while it still counts as running
         current = nullptr;
         leave();

@@ -7,8 +7,8 @@
 
 namespace zelto {
 
-// Threads for work that waits for the outside (a foreign program), one for each piece. Any thread may start
-// some.
+// Threads for work that waits for the outside (a foreign program), one for each piece. What the work throws
+// is contained. Any thread may start some.
 class StoppableThreads {
   public:
     using Work = std::move_only_function<void(std::stop_token)>;

@@ -2,6 +2,8 @@
 
 #include <ZeltoSandbox/HTTP/ConnectionInternal.h>
 
+#include <Platform/Operations/ContainedException.h>
+
 #include <cerrno>
 #include <list>
 #include <mutex>
@@ -120,7 +122,8 @@ class HTTPServer::State {
     }
 
     void serve(Entry& entry, std::uint64_t number) {
-        serveConnection(shared_, entry.socket.number(), number);
+        containingExceptions("The service of a connection",
+                             [&] { serveConnection(shared_, entry.socket.number(), number); });
         const std::lock_guard end(lock_);
         entry.socket = FileDescriptor();
         entry.ended = true;

@@ -1,9 +1,12 @@
 #include <ZeltoHost/Process/ProcessRunner.h>
 
+#include "Support/HostMistakes.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <future>
+#include <stdexcept>
 
 namespace zelto {
 
@@ -58,6 +61,13 @@ TEST(ProcessRunner, ItsEndStopsProgramsAndWaitsForTheirCompletions) {
         }
     }
     EXPECT_EQ(stopped, 10);
+}
+
+TEST(ProcessRunner, WhatACompletionThrowsIsContained) {
+    const ContainedExceptions contained;
+    ProcessRunner runner;
+    runner.start(shell("true"), [](const ProcessResult&) { throw std::runtime_error("thrown"); });
+    EXPECT_TRUE(contained.haveCome(1));
 }
 
 TEST(ProcessRunner, ACompletionMayReleaseTheRunner) {
