@@ -140,12 +140,14 @@ void Progress::Node::adopt(const std::shared_ptr<Node>& parent, const std::share
                            std::int64_t units) {
     bool isCancelled = false;
     bool hasFinished = false;
+    std::vector<std::shared_ptr<Node>> ancestors; // let go of without the lock, since it may be the last hold
     {
         const std::lock_guard family(familyMutex);
         for (auto above = parent; above; above = above->parent.lock()) {
             if (above == child) {
                 return;
             }
+            ancestors.push_back(above);
         }
         {
             const std::scoped_lock lock(parent->mutex, child->mutex);
