@@ -13,6 +13,8 @@ namespace {
 
 using std::filesystem::path;
 
+constexpr auto directoryOfSystem = "/tmp";
+
 struct State {
     std::mutex mutex;
     path directory;
@@ -41,15 +43,28 @@ Result<path, FileError> freshDirectoryOfSystem() {
             return directory;
         }
     }
-    return freshDirectory("/tmp", nameTemplate);
+    return freshDirectory(directoryOfSystem, nameTemplate);
+}
+
+// Other threads may go on writing into it meanwhile.
+void removeWithAll(const path& directory) {
+    constexpr int mostAttempts = 10;
+    std::error_code error;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        std::filesystem::remove_all(directory, error);
+        if (!error) {
+            return;
+        }
+    }
 }
 
 void removeAtExit() {
-    const std::lock_guard lock(state().mutex);
-    if (state().owner == getpid() && !state().directory.empty()) {
-        std::error_code ignored;
-        std::filesystem::remove_all(state().directory, ignored);
-        state().directory.clear();
+    auto& current = state();
+    const std::lock_guard lock(current.mutex);
+    current.removedAtExit = false; // the one that is made from now on, by another that goes at exit
+    if (current.owner == getpid() && !current.directory.empty()) {
+        removeWithAll(current.directory);
+        current.directory.clear();
     }
 }
 
@@ -84,13 +99,16 @@ Result<path, FileError> FileManager::temporaryDirectory() {
     if (isOurs(current)) {
         return current.directory;
     }
+    if (!current.removedAtExit) {
+        current.removedAtExit = std::atexit(removeAtExit) == 0;
+        if (!current.removedAtExit) {
+            return failure(FileError::fromSystem(ECANCELED, directoryOfSystem));
+        }
+    }
     auto made = freshDirectoryOfSystem();
     if (made) {
         current.directory = *made;
         current.owner = getpid();
-        if (!current.removedAtExit) {
-            current.removedAtExit = std::atexit(removeAtExit) == 0;
-        }
     }
     return made;
 }

@@ -84,6 +84,23 @@ TEST(TemporaryDirectory, LiesInTMPDIRAndGoesWhenTheProcessEnds) {
     fs::remove_all(parent);
 }
 
+TEST(TemporaryDirectory, GoesTooIfItIsMadeWhileTheProcessEnds) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto parent = fs::temp_directory_path() / "zelto-file-manager-exit-tests";
+    fs::remove_all(parent);
+    fs::create_directories(parent);
+    EXPECT_EXIT(
+        {
+            setenv("TMPDIR", parent.c_str(), 1);
+            std::atexit([] { makeFile(freshPath(), "made after the removal"); });
+            makeFile(freshPath(), "made before");
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "");
+    EXPECT_TRUE(fs::is_empty(parent));
+    fs::remove_all(parent);
+}
+
 TEST(TemporaryDirectory, FallsBackToTmpIfTMPDIRIsOfNoUse) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     for (const auto* useless : {"/nonexistent/directory", "relative", "", "/dev/null"}) {
