@@ -74,7 +74,9 @@ void TransferEngine::stopThread() {
 }
 
 void TransferEngine::begin(std::shared_ptr<URLTransfer> transfer) {
-    post({Command::Kind::begin, std::move(transfer)});
+    if (!post({Command::Kind::begin, transfer})) {
+        transfer->end(URLError{URLErrorCode::cancelled, "The request was not sent, since the process ends."});
+    }
 }
 
 void TransferEngine::stop(std::shared_ptr<URLTransfer> transfer) {
@@ -85,16 +87,20 @@ void TransferEngine::proceed(std::shared_ptr<URLTransfer> transfer) {
     post({Command::Kind::proceed, std::move(transfer)});
 }
 
-void TransferEngine::post(Command command) {
+bool TransferEngine::post(Command command) {
     bool wakes = false;
     {
         const std::lock_guard guard(lock_);
+        if (stops_) {
+            return false;
+        }
         commands_.push_back(std::move(command));
         wakes = std::exchange(isWaiting_, false);
     }
     if (wakes) {
         wake();
     }
+    return true;
 }
 
 // What cannot be written finds so many before it that the thread wakes.

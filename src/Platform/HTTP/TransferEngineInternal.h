@@ -25,7 +25,7 @@ class TransferEngine {
   public:
     static TransferEngine& shared();
 
-    // Any thread.
+    // Any thread. What begins when the process ends is cancelled.
     void begin(std::shared_ptr<URLTransfer> transfer);
     // The transfer has been cancelled.
     void stop(std::shared_ptr<URLTransfer> transfer);
@@ -42,7 +42,7 @@ class TransferEngine {
 
     TransferEngine();
 
-    void post(Command command);
+    bool post(Command command); // false when the thread stops
     void wake();
     void startThread();
     static void stopThread();

@@ -30,6 +30,9 @@ class URLSessionState;
 // any other redirect is the answer. A POST, PATCH or DELETE is never sent twice: when its connection dies
 // before an answer, it ends with `connectionLost`.
 //
+// When the process ends by exit() or by returning from main, what is begun late ends with `cancelled`, and
+// what is under way has no end unless it is cancelled.
+//
 // Completions and the delegate are called on the delegate queue, never on the I/O thread and never before
 // resume() has returned to a caller on that queue.
 class URLSession {

@@ -43,7 +43,8 @@ class URLTransfer final : public std::enable_shared_from_this<URLTransfer> {
     void cancel();
     void taskWasReleased();
 
-    // The I/O thread's alone. What it tells after the end is dropped.
+    // The I/O thread's alone, but for the end of what it does not begin. What is told after the end is
+    // dropped.
     std::unique_ptr<TransferPlan> takePlan();
     void receiveHead(std::shared_ptr<const HTTPURLResponse> response, std::uint64_t expectedLength);
     // False, with nothing taken, while the delegate has enough to do; the engine hears when it goes on.

@@ -199,6 +199,19 @@ TEST_F(URLSessionProcessDeathTest, AProcessEndsAtOnceWhileTransfersBeginAndEnd) 
     EXPECT_EXIT(leaves(), testing::ExitedWithCode(0), "");
 }
 
+TEST_F(URLSessionProcessDeathTest, WhoeverWaitsForARequestWhileTheProcessEndsIsNotHeldUp) {
+    const auto leaves = [] {
+        static const auto& server = *new ScriptedServer("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
+        static auto& session = *new URLSession(URLSessionConfiguration::ephemeral());
+        std::atexit([] {
+            const auto late = TaskEnd::of(session, URLRequest(server.url()));
+            std::_Exit(late.code() == URLErrorCode::cancelled ? 0 : 1);
+        });
+        std::exit(TaskEnd::of(session, URLRequest(server.url())).text() == "ok" ? 2 : 3);
+    };
+    EXPECT_EXIT(leaves(), testing::ExitedWithCode(0), "");
+}
+
 // Not with the address sanitizer: a lock of its own that another thread holds at the fork stays held in the
 // child for ever.
 #ifndef ZELTO_ADDRESS_SANITIZER
