@@ -1,5 +1,7 @@
 #include <Platform/HTTP/TransferEngineInternal.h>
 
+#include <Platform/Operations/ThreadPool.h>
+
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
@@ -41,6 +43,7 @@ TransferEngine& TransferEngine::shared() {
 TransferEngine::TransferEngine()
     : multi_(newMulti()), share_(newShare()), process_(::getpid()),
       wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    ThreadPool::shared(); // not made by the I/O thread, whose signals are blocked
     // After libcurl's setting up, and thus called before what it stands on is torn down.
     std::atexit(stopThread);
     startThread();

@@ -3,6 +3,7 @@
 #include <Platform/Operations/ContainedException.h>
 
 #include <algorithm>
+#include <csignal>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -18,6 +19,9 @@ constexpr std::chrono::seconds idleLife{10};
 // The next job of a queue often comes at once, and waking a thread costs more than many jobs.
 constexpr int looksBeforeSleep = 30;
 
+// By the thread that made the pool.
+sigset_t blockedSignals;
+
 thread_local bool isPoolThread = false;
 
 } // namespace
@@ -29,6 +33,7 @@ ThreadPool& ThreadPool::shared() {
 }
 
 ThreadPool::ThreadPool() : least_(std::max<std::size_t>(leastThreads, std::thread::hardware_concurrency())) {
+    pthread_sigmask(SIG_SETMASK, nullptr, &blockedSignals);
     std::thread([this] { watch(); }).detach();
 }
 
@@ -69,6 +74,7 @@ void ThreadPool::addThread() {
 
 void ThreadPool::work() {
     isPoolThread = true;
+    pthread_sigmask(SIG_SETMASK, &blockedSignals, nullptr);
     std::unique_lock lock(mutex_);
     while (waitForJob(lock)) {
         Job job = std::move(jobs_.front());

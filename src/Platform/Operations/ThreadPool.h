@@ -16,6 +16,8 @@ namespace zelto {
 // says it waits (BlockingScope) does not count, so that jobs that wait for other jobs of the pool cannot
 // starve them, however many they are.
 //
+// All threads block the signals that the thread blocked that made the pool, whoever posts the jobs.
+//
 // The pool lives until the process ends, with whatever runs then.
 class ThreadPool {
   public:

@@ -1,7 +1,12 @@
 #include <Platform/Operations/OperationFixtures.h>
 
+#include "Support/FreshProcess.h"
+
 #include <Platform/Operations/ContainedException.h>
 #include <Platform/Operations/ThreadPool.h>
+
+#include <csignal>
+#include <thread>
 
 namespace zelto {
 namespace {
@@ -42,6 +47,31 @@ TEST(ThreadPool, GrowsWhenJobsBlock) {
     expectSoon([&] { return inside == 12; });
     opened.set();
     expectSoon([&] { return ended == 12; });
+}
+
+// In a process of its own, where the thread that posts makes those of the pool.
+TEST(ThreadPool, BlocksTheSameSignalsOnAllThreadsWhoeverPosts) {
+    expectInFreshProcess([] {
+        ThreadPool::shared();
+        std::atomic<int> inside = 0;
+        std::atomic<int> open = 0;
+        std::thread([&] {
+            sigset_t all;
+            sigfillset(&all);
+            pthread_sigmask(SIG_SETMASK, &all, nullptr);
+            for (int index = 0; index < 4; ++index) {
+                ThreadPool::shared().post([&] {
+                    sigset_t mask;
+                    pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+                    open += sigismember(&mask, SIGTERM) == 0 ? 1 : 0;
+                    ++inside;
+                    expectSoon([&] { return inside == 4; });
+                });
+            }
+        }).join();
+        expectSoon([&] { return inside == 4; });
+        return open == 4;
+    });
 }
 
 TEST(ThreadPool, GoesOnAfterAJobThrew) {
