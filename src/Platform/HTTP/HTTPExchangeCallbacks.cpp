@@ -4,10 +4,21 @@
 
 namespace zelto {
 
+// Nothing may be thrown through libcurl, and what is thrown here is that there is no memory left.
+template <class F> std::size_t HTTPExchange::takenOr(std::size_t refusal, F&& take) {
+    try {
+        return take();
+    } catch (...) {
+        failure_ = URLErrorCode::answerTooLarge;
+        return refusal;
+    }
+}
+
 std::size_t HTTPExchange::onHeader(char* data, std::size_t size, std::size_t count, void* exchange) {
     const auto length = size * count;
     // Anything but the length ends the transfer.
-    return static_cast<HTTPExchange*>(exchange)->takeHeadLine({data, length}) ? length : length + 1;
+    auto& self = *static_cast<HTTPExchange*>(exchange);
+    return self.takenOr(length + 1, [&] { return self.takeHeadLine({data, length}) ? length : length + 1; });
 }
 
 bool HTTPExchange::takeHeadLine(std::string_view line) {
@@ -41,8 +52,10 @@ void HTTPExchange::headIsComplete() {
 }
 
 std::size_t HTTPExchange::onBody(char* data, std::size_t size, std::size_t count, void* exchange) {
-    return static_cast<HTTPExchange*>(exchange)->takeBody(
-        {reinterpret_cast<const std::uint8_t*>(data), size * count});
+    auto& self = *static_cast<HTTPExchange*>(exchange);
+    return self.takenOr(CURL_WRITEFUNC_ERROR, [&] {
+        return self.takeBody({reinterpret_cast<const std::uint8_t*>(data), size * count});
+    });
 }
 
 std::size_t HTTPExchange::takeBody(std::span<const std::uint8_t> data) {

@@ -97,6 +97,7 @@ class HTTPExchange {
     void setBody();
     template <class Value> void set(CURLoption option, Value value);
 
+    template <class F> std::size_t takenOr(std::size_t refusal, F&& take);
     bool takeHeadLine(std::string_view line);
     void headIsComplete();
     std::size_t takeBody(std::span<const std::uint8_t> data);

@@ -11,8 +11,10 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <fstream>
 #include <mutex>
 
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -211,6 +213,37 @@ TEST_F(URLSessionProcessDeathTest, WhoeverWaitsForARequestWhileTheProcessEndsIsN
     };
     EXPECT_EXIT(leaves(), testing::ExitedWithCode(0), "");
 }
+
+// The sanitizers take more address space than any limit leaves.
+#if !defined(ZELTO_ADDRESS_SANITIZER) && !defined(ZELTO_THREAD_SANITIZER)
+TEST_F(URLSessionProcessDeathTest, AnAnswerThatMemoryDoesNotHoldIsAnError) {
+    const auto runsOut = [] {
+        ScriptedServer server([](Conversation& conversation) {
+            if (conversation.readHead().starts_with("GET /small")) {
+                conversation.send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
+                return;
+            }
+            conversation.send("HTTP/1.1 200 OK\r\n\r\n");
+            const std::string piece(100'000, 'x');
+            while (conversation.send(piece)) {
+            }
+        });
+        URLSession session(URLSessionConfiguration::ephemeral());
+        const auto small = URLRequest(server.url("/small"));
+        const bool wasWell = TaskEnd::of(session, small).text() == "ok";
+        std::ifstream statm("/proc/self/statm");
+        rlim_t pages = 0;
+        statm >> pages;
+        const rlim_t left = 100'000'000;
+        const rlimit limit{pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + left, RLIM_INFINITY};
+        ::setrlimit(RLIMIT_AS, &limit);
+        const auto large = TaskEnd::of(session, URLRequest(server.url("/large")));
+        const bool isWell = TaskEnd::of(session, small).text() == "ok";
+        std::_Exit(wasWell && isWell && large.code() == URLErrorCode::answerTooLarge ? 0 : 1);
+    };
+    EXPECT_EXIT(runsOut(), testing::ExitedWithCode(0), "");
+}
+#endif
 
 // Not with the address sanitizer: a lock of its own that another thread holds at the fork stays held in the
 // child for ever.
