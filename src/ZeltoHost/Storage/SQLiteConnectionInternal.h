@@ -66,17 +66,18 @@ class SQLiteConnection {
     // The first column of the first row, as a number.
     Result<std::int64_t, StorageError> number(std::string_view sql);
 
-    // All of it is done, or nothing.
+    // All of it is done, or nothing, also when the body throws.
     template <class F> Result<void, StorageError> transaction(F&& body) {
         if (auto begun = execute("BEGIN IMMEDIATE"); !begun) {
             return begun;
         }
+        Rollback rollback{this};
         Result<void, StorageError> done = body();
         if (done) {
             done = execute("COMMIT");
         }
-        if (!done) {
-            (void)execute("ROLLBACK");
+        if (done) {
+            rollback.connection = nullptr;
         }
         return done;
     }
@@ -90,6 +91,16 @@ class SQLiteConnection {
     StorageError error() const;
 
   private:
+    struct Rollback {
+        ~Rollback() {
+            if (connection) {
+                (void)connection->execute("ROLLBACK");
+            }
+        }
+
+        SQLiteConnection* connection;
+    };
+
     struct Closer {
         void operator()(sqlite3* database) const;
     };
