@@ -6,14 +6,16 @@
 
 namespace zelto {
 
-// While this lives, sessions that are made send what is meant for the services to a test server.
+// While this lives, sessions that are made send what is meant for the services to this address.
 class ServiceRoute {
   public:
-    explicit ServiceRoute(const TestHTTPServer& server) {
+    explicit ServiceRoute(const URL& address) {
         auto routed = before_;
-        routed.route = server.url();
+        routed.route = address;
         URLSessionConfiguration::setDefaults(std::move(routed));
     }
+
+    explicit ServiceRoute(const TestHTTPServer& server) : ServiceRoute(server.url()) {}
 
     ~ServiceRoute() { URLSessionConfiguration::setDefaults(before_); }
 

@@ -1,3 +1,4 @@
+#include <Support/Eventually.h>
 #include <Support/HostMistakes.h>
 #include <Support/SchemeExport.h>
 
@@ -30,15 +31,7 @@ class HostileHost : public testing::Test {
         const std::weak_ptr<TwoDoExporter> weakly = exporter;
         exporter->export_(one.configuration, std::move(completion));
         exporter.reset();
-        return isReleased(weakly);
-    }
-
-    static bool isReleased(const std::weak_ptr<TwoDoExporter>& exporter) {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-        while (!exporter.expired() && std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::yield();
-        }
-        return exporter.expired();
+        return eventually([&] { return weakly.expired(); });
     }
 };
 
@@ -114,7 +107,7 @@ TEST_F(HostileHost, AnalyticsStorageAndTitleThatThrowAfterTheExportDoNotKeepItsR
 
 TEST_F(HostileHost, ACompletionThatThrowsIsContainedAndTheExporterReleased) {
     const ContainedExceptions contained;
-    EXPECT_TRUE(isReleasedAfterExport([](const VoidResult&) { throwAnything(); }));
+    EXPECT_TRUE(isReleasedAfterExport([](const ExporterResult<void>&) { throwAnything(); }));
     EXPECT_EQ(contained.count(), 1);
 }
 
@@ -122,7 +115,7 @@ TEST_F(HostileHost, ACallbackThatIsDroppedUncalledReleasesTheExporterWithoutComp
     const DroppedCallbacks dropped;
     std::atomic<int> completions = 0;
     one.interactor->openURL = [](const URL&, const Callback<bool>&) {};
-    EXPECT_TRUE(isReleasedAfterExport([&](const VoidResult&) { ++completions; }));
+    EXPECT_TRUE(isReleasedAfterExport([&](const ExporterResult<void>&) { ++completions; }));
     EXPECT_EQ(completions, 0);
     EXPECT_GT(dropped.count(), 0);
 }
@@ -130,7 +123,7 @@ TEST_F(HostileHost, ACallbackThatIsDroppedUncalledReleasesTheExporterWithoutComp
 TEST_F(HostileHost, ACallbackThatComesLateOnAnotherThreadEndsTheExport) {
     std::promise<Callback<bool>> asked;
     one.interactor->openURL = [&](const URL&, Callback<bool> done) { asked.set_value(std::move(done)); };
-    Completed<VoidResult> completed;
+    Completed<ExporterResult<void>> completed;
     auto exporter = one.exporterFor(one.data);
     const std::weak_ptr<TwoDoExporter> weakly = exporter;
     exporter->export_(one.configuration, completed.callback<Completion<void, Error>>());
@@ -140,13 +133,13 @@ TEST_F(HostileHost, ACallbackThatComesLateOnAnotherThreadEndsTheExport) {
     EXPECT_FALSE(weakly.expired());
     std::thread([&] { done(true); }).join();
     EXPECT_TRUE(completed.value());
-    EXPECT_TRUE(isReleased(weakly));
+    EXPECT_TRUE(eventually([&] { return weakly.expired(); }));
 }
 
 TEST_F(HostileHost, AnExportCanBeStartedFromTheCompletionOfAnother) {
-    Completed<VoidResult> second;
+    Completed<ExporterResult<void>> second;
     const auto exporter = one.exporter();
-    exporter->export_(one.configuration, [&, exporter](const VoidResult& first) {
+    exporter->export_(one.configuration, [&, exporter](const ExporterResult<void>& first) {
         EXPECT_TRUE(first);
         exporter->export_(one.configuration, second.callback<Completion<void, Error>>());
     });

@@ -1,13 +1,15 @@
+#include <Support/Eventually.h>
 #include <Support/HostMistakes.h>
 #include <Support/SchemeExport.h>
 
 #include <ZeltoIntegrations/IntegrationsDataInteractorStub.h>
 
+#include <Platform/ISO8601.h>
 #include <Platform/PercentEncoding.h>
 
 #include <gtest/gtest.h>
 
-#include <thread>
+#include <atomic>
 
 namespace zelto {
 
@@ -130,13 +132,9 @@ TYPED_TEST(SchemeExporterURLTest, AnExportWithTheStubNeverCompletesAndKeepsNothi
     auto exporter = this->one.exporterFor(std::make_shared<IntegrationsDataInteractorStub>());
     const std::weak_ptr<TypeParam> weakly = exporter;
     const auto progress =
-        exporter->export_(this->one.configuration, [&completed](VoidResult) { completed = true; });
+        exporter->export_(this->one.configuration, [&completed](ExporterResult<void>) { completed = true; });
     exporter.reset();
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (!weakly.expired() && std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::yield();
-    }
-    EXPECT_TRUE(weakly.expired());
+    EXPECT_TRUE(eventually([&] { return weakly.expired(); }));
     EXPECT_FALSE(completed);
     EXPECT_EQ(progress->completedUnitCount(), 0);
 }

@@ -22,14 +22,6 @@ class TrelloCommands : public testing::Test {
         zelto.variables["ZELTO_SANDBOX"] = service.server.url().absoluteString();
     }
 
-    void refuse(const std::string& part, int status) {
-        service.onRequest = [=](const ReceivedRequest& request) {
-            return (request.target + request.body).find(part) == std::string::npos
-                       ? std::nullopt
-                       : std::optional(PlayedAnswer::json("no", status));
-        };
-    }
-
     ProgramOutcome exportLink(ZeltoProgram::Arguments more) {
         ZeltoProgram::Arguments arguments = {"export", mail,       "--to",    "trello",
                                              "--as",   "backLink", "--title", "Title"};
@@ -172,7 +164,7 @@ TEST_F(TrelloCommands, AMissingPDFTellsWhyAndWhatIsThere) {
 }
 
 TEST_F(TrelloCommands, AFailedUploadTellsWhatExistsAlready) {
-    refuse("filename=", 429);
+    service.refuse("filename=", 429);
     const auto outcome = exportLink({"--attach", "all", "--json"});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.text("error"), "uploadAttachmentError");
@@ -187,7 +179,7 @@ TEST_F(TrelloCommands, AFailedUploadTellsWhatExistsAlready) {
 }
 
 TEST_F(TrelloCommands, AListThatHasGoneIsToldSo) {
-    refuse("/1/cards?", 404);
+    service.refuse("/1/cards?", 404);
     const auto outcome = exportLink({"--json"});
     EXPECT_EQ(outcome.text("message"),
               "Trello did not make the card \"Title\": what it was to go into is not there any more.");
@@ -229,7 +221,7 @@ TEST_F(TrelloCommands, CtrlCCancelsAnExportAndTellsWhatExists) {
 }
 
 TEST_F(TrelloCommands, ATokenIsNeverShown) {
-    refuse("/1/cards?", 500);
+    service.refuse("/1/cards?", 500);
     for (const auto& outcome :
          {exportLink({"--verbose"}), zelto.run({"targets", "trello", "--refresh", "--verbose"}),
           exportLink({"--verbose", "--json"})}) {

@@ -239,11 +239,11 @@ TEST(TrelloExportCancellation, EndsLoadingThatWaitsBehindTheExport) {
     TrelloExport one;
     TrelloServer service;
     Completed<TrelloExport::VoidResult> completed;
-    Completed<TrelloExport::Loaded> loaded;
+    Completed<LoadResult<TrelloFullData>> loaded;
     std::promise<void> start;
     one.data->onAsked = [started = start.get_future().share()](const std::string&) { started.wait(); };
     const auto progress = one.start(completed.callback<TrelloExport::Done>());
-    one.exporter()->loadData(true, loaded.callback<Callback<TrelloExport::Loaded>>());
+    one.exporter()->loadData(true, loaded.callback<Callback<LoadResult<TrelloFullData>>>());
     progress->cancel();
     start.set_value();
     EXPECT_EQ(completed.value().error(), Error::canceled);

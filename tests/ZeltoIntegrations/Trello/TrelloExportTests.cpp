@@ -20,15 +20,6 @@ using Refused = ExportReport::Refused;
 
 class TrelloExportTest : public testing::Test {
   protected:
-    // Refuses requests whose line or body has the part.
-    void refuse(const std::string& part, int status) {
-        service.onRequest = [=](const ReceivedRequest& request) {
-            const bool isMeant = request.target.find(part) != std::string::npos ||
-                                 request.body.find(part) != std::string::npos;
-            return isMeant ? std::optional(PlayedAnswer::json("no", status)) : std::nullopt;
-        };
-    }
-
     std::vector<ExportEvent> events() const { return one.interactor->exportEvents(); }
 
     std::optional<std::string> lastEventError() const {
@@ -196,7 +187,7 @@ TEST_F(TrelloExportTest, WithoutATargetThereIsNoCard) {
 
 TEST_F(TrelloExportTest, WithoutACardNothingIsUploadedThoughTheStepsRun) {
     one.attach("a.txt");
-    refuse("/1/cards?", 500);
+    service.refuse("/1/cards?", 500);
     const LogCapture log;
     Texts asked;
     one.data->onAsked = [&](const std::string& what) { asked.push_back(what); };
@@ -242,7 +233,7 @@ TEST_F(TrelloExportTest, AnAttachmentThatIsNoFileIsNotUploaded) {
 TEST_F(TrelloExportTest, AFailedUploadLeavesTheCardAndGoesOnWithTheOthers) {
     one.attach("a.txt");
     one.attach("b.txt");
-    refuse("a.txt", 413);
+    service.refuse("a.txt", 413);
     const LogCapture log;
     EXPECT_EQ(one.run().error(), Error::uploadAttachmentError);
     EXPECT_EQ(service.made(), (Texts{"card", "file Title.pdf", "file a.txt", "file b.txt"}));
@@ -256,9 +247,9 @@ TEST_F(TrelloExportTest, AFailedUploadLeavesTheCardAndGoesOnWithTheOthers) {
 TEST_F(TrelloExportTest, TheFirstFailureInTheOrderOfTheStepsIsReported) {
     one.attach("a.txt");
     one.data->htmlText = std::nullopt;
-    refuse("a.txt", 500);
+    service.refuse("a.txt", 500);
     EXPECT_EQ(one.run().error(), Error::convertError);
-    refuse("/1/cards?", 500);
+    service.refuse("/1/cards?", 500);
     EXPECT_EQ(one.run().error(), Error::createTaskError);
 }
 
@@ -271,7 +262,7 @@ TEST_F(TrelloExportTest, FilesStayWhereTheyWereWritten) {
 
 TEST_F(TrelloExportTest, WhatTheNextExportStartsWithIsStoredAlsoAfterAFailure) {
     one.configuration.saveAs = Type::backLink;
-    refuse("/1/cards?", 404);
+    service.refuse("/1/cards?", 404);
     ASSERT_FALSE(one.run());
     const auto next = one.offered();
     EXPECT_EQ(next.saveTo, one.configuration.saveTo);
@@ -297,7 +288,7 @@ TEST_F(TrelloExportTest, AnalyticsNameWhatTheUserChanged) {
 
 TEST_F(TrelloExportTest, ARefusedTokenIsNotTriedAgain) {
     one.configuration.saveAs = Type::backLink;
-    refuse("/1/cards?", 401);
+    service.refuse("/1/cards?", 401);
     const LogCapture log;
     EXPECT_EQ(one.run().error(), Error::createTaskError);
     EXPECT_EQ(service.made(), Texts{"card"});

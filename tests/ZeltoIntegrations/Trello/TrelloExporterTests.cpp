@@ -14,19 +14,6 @@ using State = IntegrationAttachmentState;
 
 class TrelloExporterTest : public testing::Test {
   protected:
-    std::optional<IntegrationExportPreview> preview(Type type) {
-        Completed<std::optional<IntegrationExportPreview>> completed;
-        one.exporter()->loadPreview(type,
-                                    completed.callback<Callback<std::optional<IntegrationExportPreview>>>());
-        return completed.value();
-    }
-
-    Result<void, IntegrationLoadError> fetch() {
-        Completed<Result<void, IntegrationLoadError>> completed;
-        one.exporter()->fetchServiceData(completed.callback<Completion<void, IntegrationLoadError>>());
-        return completed.value();
-    }
-
     // The state of attachments of these sizes in an offered configuration.
     std::vector<State> statesOf(const std::vector<std::int64_t>& sizes) {
         one.data->attachments.list.clear();
@@ -41,14 +28,8 @@ class TrelloExporterTest : public testing::Test {
         return states;
     }
 
-    // Answers requests for the user, or for the boards, with this.
-    void answer(const std::string& what, const PlayedAnswer& with) {
-        service.onRequest = [=](const ReceivedRequest& request) {
-            return request.target.starts_with("/1/members/" + what + "?") ? std::optional(with)
-                                                                          : std::nullopt;
-        };
-    }
-
+    static constexpr auto ofUser = "/1/members/me?";
+    static constexpr auto ofBoards = "/1/members/me/boards?";
     const TrelloBoard board{.id = "b1",
                             .name = "Work",
                             .pinned = true,
@@ -68,14 +49,14 @@ TEST_F(TrelloExporterTest, ContentTypesAreThePdfAndTheLinkForEveryTarget) {
 
 TEST_F(TrelloExporterTest, PreviewIsTheNameOfThePdfOrTheRawLink) {
     one.data->titleText = "Über/Plan";
-    EXPECT_EQ(preview(Type::pdf), IntegrationExportPreview::pdf("Uber_Plan.pdf"));
-    EXPECT_EQ(preview(Type::backLink), IntegrationExportPreview::backLink("[mail](zelto://m)"));
+    EXPECT_EQ(one.preview(Type::pdf), IntegrationExportPreview::pdf("Uber_Plan.pdf"));
+    EXPECT_EQ(one.preview(Type::backLink), IntegrationExportPreview::backLink("[mail](zelto://m)"));
     EXPECT_EQ(one.data->askedLinks(), std::vector{IntegrationLinkType::backlink(IntegrationLinkFormat::raw)});
     one.data->linkText = std::nullopt;
-    EXPECT_EQ(preview(Type::backLink), std::nullopt);
+    EXPECT_EQ(one.preview(Type::backLink), std::nullopt);
     for (const auto& type : casesOf<Type>()) {
         if (type.value != Type::pdf && type.value != Type::backLink) {
-            EXPECT_EQ(preview(type.value), std::nullopt) << type.name;
+            EXPECT_EQ(one.preview(type.value), std::nullopt) << type.name;
         }
     }
 }
@@ -110,7 +91,7 @@ TEST_F(TrelloExporterTest, DataWithoutCredentialsAreAnOauthError) {
 }
 
 TEST_F(TrelloExporterTest, BoardsAreLoadedAlsoWhenTheUserIsNot) {
-    answer("me", PlayedAnswer::json("{}", 500));
+    service.answerTo(ofUser, PlayedAnswer::json("{}", 500));
     EXPECT_EQ(one.load(true).error(), IntegrationLoadError::internalError);
     EXPECT_EQ(service.lines().size(), 2U);
     EXPECT_EQ(one.exporter()->allBoards(), std::vector{board});
@@ -121,11 +102,11 @@ TEST_F(TrelloExporterTest, BoardsAreLoadedAlsoWhenTheUserIsNot) {
 
 TEST_F(TrelloExporterTest, TheErrorOfTheBoardsReplacesThatOfTheUser) {
     service.onRequest = [](const ReceivedRequest& request) {
-        return request.target.starts_with("/1/members/me?") ? PlayedAnswer::json("{}", 500)
-                                                            : PlayedAnswer::json("{}", 401);
+        return request.target.starts_with(ofUser) ? PlayedAnswer::json("{}", 500)
+                                                  : PlayedAnswer::json("{}", 401);
     };
     EXPECT_EQ(one.load(true).error(), IntegrationLoadError::oauthError);
-    answer("me/boards", PlayedAnswer::reset());
+    service.answerTo(ofBoards, PlayedAnswer::reset());
     EXPECT_EQ(one.load(true).error(), IntegrationLoadError::connectionError);
     EXPECT_EQ(one.exporter()->user(), user);
 }
@@ -136,8 +117,8 @@ TEST_F(TrelloExporterTest, EachStatusIsALoadErrorOfItsKind) {
         {400, internalError}, {401, oauthError},    {403, internalError}, {404, internalError},
         {429, internalError}, {500, internalError}, {503, internalError}};
     for (const auto& [status, error] : rows) {
-        for (const auto* what : {"me", "me/boards"}) {
-            answer(what, PlayedAnswer::json("invalid", status));
+        for (const auto* what : {ofUser, ofBoards}) {
+            service.answerTo(what, PlayedAnswer::json("invalid", status));
             EXPECT_EQ(one.load(true).error(), error) << status << " " << what;
         }
     }
@@ -145,10 +126,10 @@ TEST_F(TrelloExporterTest, EachStatusIsALoadErrorOfItsKind) {
 
 TEST_F(TrelloExporterTest, ServiceDataAreFetchedByForce) {
     EXPECT_EQ(one.exporter()->loadUserEmail(), std::nullopt);
-    EXPECT_TRUE(fetch());
+    EXPECT_TRUE(one.fetch());
     EXPECT_EQ(one.exporter()->loadUserEmail(), "me@example.org");
-    answer("me", PlayedAnswer::json("{}", 401));
-    EXPECT_EQ(fetch().error(), IntegrationLoadError::oauthError);
+    service.answerTo(ofUser, PlayedAnswer::json("{}", 401));
+    EXPECT_EQ(one.fetch().error(), IntegrationLoadError::oauthError);
 }
 
 TEST_F(TrelloExporterTest, ConnectingAnAccountNamesItByTheUsersEmailAndKeepsItsBoards) {

@@ -1,6 +1,7 @@
 // What libcurl would repeat by itself when a connection that it keeps turns out dead: the making of a card.
 
 #include <Support/KillingProxy.h>
+#include <Support/ServiceRoute.h>
 #include <Support/TrelloExport.h>
 
 #include <gtest/gtest.h>
@@ -26,7 +27,7 @@ TEST(TrelloKilledConnections, NoCardAndNoFileIsMadeTwiceWhateverByteAKeptConnect
     TrelloServer trello;
     std::mt19937 random(20261121); // NOLINT: the same run each time
     const KillingProxy proxy(trello.server.port(), [&](int) { return anyLimits(random); });
-    URLSessionConfiguration::setDefaults({.route = proxy.url()});
+    const ServiceRoute route(proxy.url());
     TrelloExport exporting;
     exporting.attach("notes.txt");
     exporting.configuration.saveAs = IntegrationExportContentType::backLink;

@@ -1,0 +1,91 @@
+#pragma once
+
+#include <ZeltoIntegrations/NetworkExporter.h>
+#include <ZeltoIntegrations/ServiceCredentialsManager.h>
+
+#include <Support/MemoryKeyChain.h>
+#include <Support/ServiceExport.h>
+#include <Support/TemporaryFolder.h>
+
+#include <concepts>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelto {
+
+// What loading the data of a service gives.
+template <class FullData> using LoadResult = Result<std::optional<FullData>, IntegrationLoadError>;
+
+// An export to a service on the web: the account "me@example.org" has the access token "token", and the host
+// gives the files of attachments and makes PDFs.
+template <std::derived_from<NetworkExporter> Exporter> class NetworkExport : public ServiceExport<Exporter> {
+  public:
+    explicit NetworkExport(ServiceType service)
+        : ServiceExport<Exporter>(ServiceAccountConfiguration(service, "me@example.org", true)) {
+        storeToken();
+        data->linkText = "[mail](zelto://m)";
+        data->htmlText = "<p>Body</p>";
+        data->fileOf = [this](std::int64_t id) { return URL::file(files.at(static_cast<std::size_t>(id))); };
+        interactor->makePdf = [this](const std::string& html, const std::filesystem::path& path,
+                                     Callback<bool> done) {
+            pdfPaths.push_back(path);
+            std::ofstream(path, std::ios::binary) << "%PDF " << html;
+            done(true);
+        };
+    }
+
+    // The exporter goes before what it uses.
+    ~NetworkExport() { this->releaseExporter(); }
+
+    // Adds a selected attachment of that content.
+    void attach(std::string_view name, std::string_view content = "content") {
+        attachFile(folder.write(name, content));
+    }
+
+    void attachFile(const std::filesystem::path& file) {
+        IntegrationAttachment attachment{static_cast<std::int64_t>(files.size()), file.filename().string(),
+                                         static_cast<std::int64_t>(std::filesystem::file_size(file))};
+        data->attachments.list.push_back(attachment);
+        attachment.state = IntegrationAttachmentState::selected;
+        this->configuration.attachments.list.push_back(attachment);
+        files.push_back(file);
+    }
+
+    auto load(bool force) {
+        using Loaded = LoadResult<typename Exporter::FullData>;
+        Completed<Loaded> completed;
+        this->exporter()->loadData(force, completed.template callback<Callback<Loaded>>());
+        return completed.value();
+    }
+
+    Result<void, IntegrationLoadError> fetch() {
+        Completed<Result<void, IntegrationLoadError>> completed;
+        this->exporter()->fetchServiceData(
+            completed.template callback<Completion<void, IntegrationLoadError>>());
+        return completed.value();
+    }
+
+    using ServiceExport<Exporter>::account;
+    using ServiceExport<Exporter>::data;
+    using ServiceExport<Exporter>::interactor;
+
+    MemoryKeyChain keyChain;
+    TemporaryFolder folder;
+    std::vector<std::filesystem::path> files;    // by attachment
+    std::vector<std::filesystem::path> pdfPaths; // that were made
+
+  private:
+    void storeToken() {
+        account.credentials = ServiceAccountCredentials::forIdentifier(account.identifier());
+        auto secrets = *account.credentials;
+        secrets.accessToken = "token";
+        ServiceCredentialsManager::store(secrets);
+    }
+};
+
+} // namespace zelto

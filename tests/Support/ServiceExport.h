@@ -1,0 +1,80 @@
+#pragma once
+
+#include <ZeltoIntegrations/IntegrationExportContentType.h>
+#include <ZeltoIntegrations/ServiceExporter.h>
+
+#include <Support/Completed.h>
+#include <Support/FakeDataInteractor.h>
+#include <Support/FakePlatformInteractor.h>
+#include <Support/FakeStorage.h>
+
+#include <memory>
+#include <optional>
+#include <utility>
+
+namespace zelto {
+
+// One exporter with fakes around it, each of its operations run from call to completion. The exporter, and
+// the account with it, is kept from run to run.
+template <class Exporter> class ServiceExport {
+  public:
+    using Configuration = typename Exporter::Configuration;
+    using VoidResult = ExporterResult<void>;
+    using Done = Completion<void, IntegrationExportError>;
+
+    explicit ServiceExport(ServiceAccountConfiguration ofAccount) : account(std::move(ofAccount)) {
+        configuration.userTitle = "Title";
+    }
+
+    std::shared_ptr<Exporter> exporter() {
+        if (!exporter_) {
+            exporter_ = exporterFor(data);
+        }
+        return exporter_;
+    }
+
+    // The next one is made anew, with the account as it is set then.
+    void releaseExporter() { exporter_ = nullptr; }
+
+    std::shared_ptr<Exporter>
+    exporterFor(std::shared_ptr<IntegrationsDataInteractorProtocol> interactorOfData) const {
+        return std::make_shared<Exporter>(account, storage, interactor, std::move(interactorOfData), "test",
+                                          true);
+    }
+
+    std::shared_ptr<ExportProgress> start(Done done) {
+        return exporter()->export_(configuration, std::move(done));
+    }
+
+    VoidResult run() {
+        Completed<VoidResult> completed;
+        progress = start(completed.template callback<Done>());
+        return completed.value();
+    }
+
+    Configuration offered() {
+        Completed<Result<Configuration, IntegrationLoadError>> completed;
+        exporter()->loadConfiguration(
+            completed.template callback<Completion<Configuration, IntegrationLoadError>>());
+        return completed.value().value();
+    }
+
+    std::optional<IntegrationExportPreview> preview(IntegrationExportContentType type) {
+        Completed<std::optional<IntegrationExportPreview>> completed;
+        exporter()->loadPreview(
+            type, completed.template callback<Callback<std::optional<IntegrationExportPreview>>>());
+        return completed.value();
+    }
+
+    ServiceAccountConfiguration account;
+    Configuration configuration;
+    std::shared_ptr<FakeDataInteractor> data = std::make_shared<FakeDataInteractor>();
+    std::shared_ptr<FakePlatformInteractor> interactor = std::make_shared<FakePlatformInteractor>();
+    std::shared_ptr<FakeStorage> storage = std::make_shared<FakeStorage>();
+    std::shared_ptr<ExportProgress> progress; // of the last run
+
+  private:
+    std::shared_ptr<Exporter> exporter_;
+};
+
+} // namespace zelto

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <Support/Replaceable.h>
+#include <Support/ServiceRoute.h>
+#include <Support/TestHTTPServer.h>
+
+#include <concepts>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+// The name of the file that is uploaded by a form; nothing for another request.
+std::optional<std::string> uploadedFile(const ReceivedRequest& request);
+
+// With "B" for the boundary of a form.
+std::string withoutBoundary(const std::string& text);
+
+// What a stand-in of a service knows: how the service answers, on any thread, and its own word for what a
+// request makes; nothing for one that makes nothing. Uploads by a form are told without it.
+template <class T>
+concept PlayedService = requires(const T& service, const ReceivedRequest& request) {
+    { service.usualAnswer(request) } -> std::same_as<PlayedAnswer>;
+    { service.madeBy(request) } -> std::same_as<std::optional<std::string>>;
+};
+
+// A stand-in of a service, to which every request goes while it lives. It begins and ends within the life of
+// the service's own members.
+template <PlayedService Service> class ServiceServer : public Service {
+  public:
+    // Nothing for the answer that the service would give.
+    using Handler = std::function<std::optional<PlayedAnswer>(const ReceivedRequest&)>;
+
+    Replaceable<Handler> onRequest;
+
+    // Requests whose line or body has the part get this answer, in place of what onRequest was before.
+    void answerTo(const std::string& part, const PlayedAnswer& answer) {
+        onRequest = [part, answer](const ReceivedRequest& request) {
+            const bool isMeant = request.target.find(part) != std::string::npos ||
+                                 request.body.find(part) != std::string::npos;
+            return isMeant ? std::optional(answer) : std::nullopt;
+        };
+    }
+
+    void refuse(const std::string& part, int status) { answerTo(part, PlayedAnswer::json("no", status)); }
+
+    // "POST /1/cards?…", in order.
+    std::vector<std::string> lines() const {
+        std::vector<std::string> lines;
+        for (const auto& request : server.requests()) {
+            lines.push_back(request.method + " " + request.target);
+        }
+        return lines;
+    }
+
+    // "card", "file a.pdf", … for each request that makes something.
+    std::vector<std::string> made() const {
+        std::vector<std::string> made;
+        for (const auto& request : server.requests()) {
+            const auto file = uploadedFile(request);
+            if (auto name = file ? "file " + *file : Service::madeBy(request)) {
+                made.push_back(*std::move(name));
+            }
+        }
+        return made;
+    }
+
+    // The text of each request, with "B" for the boundary.
+    std::vector<std::string> texts() const {
+        auto texts = server.texts();
+        for (auto& text : texts) {
+            text = withoutBoundary(text);
+        }
+        return texts;
+    }
+
+  private:
+    PlayedAnswer answer(const ReceivedRequest& request) const {
+        if (const auto handler = onRequest.get(); *handler) {
+            if (auto own = (*handler)(request)) {
+                return *std::move(own);
+            }
+        }
+        return this->usualAnswer(request);
+    }
+
+  public:
+    // Behind what it uses: no request comes before the rest is there, or after it is gone.
+    TestHTTPServer server{[this](const ReceivedRequest& request) { return answer(request); }};
+
+  private:
+    const ServiceRoute route_{server};
+};
+
+} // namespace zelto
