@@ -1,16 +1,13 @@
 #include "TrelloAccount.h"
 
-#include <TrovenhalCommon/KeyChain/FileKeyChainStore.h>
-#include <TrovenhalCommon/KeyChain/LVXKeyChainStoreFactory.h>
-#include <ZeltoHost/Storage/SQLiteAccountStorage.h>
-#include <ZeltoIntegrations/ServiceCredentialsManager.h>
+#include "StoredAccount.h"
+
 #include <ZeltoIntegrations/Trello/TrelloRecords.h>
 
 namespace zelto {
 
 void addTrelloAccount(const ZeltoProgram& zelto) {
     ServiceAccountConfiguration account(ServiceType::Trello, "me@example.org", true);
-    account.credentials = ServiceAccountCredentials::forIdentifier(account.identifier());
     account.setCachedItem(std::optional(TrelloUser{.email = "me@example.org"}), "user");
     const std::vector<TrelloBoard> boards = {
         {.id = "b1",
@@ -19,13 +16,7 @@ void addTrelloAccount(const ZeltoProgram& zelto) {
                    {.id = "l2", .idBoard = "b1", .name = "Done"}}},
         {.id = "b2", .name = "Home", .lists = {{.id = "l3", .idBoard = "b2", .name = "To Do"}}}};
     account.setCachedItem(std::optional(boards), "allBoards");
-    SQLiteAccountStorage::open(zelto.dataDirectory()).value()->save(account);
-
-    account.credentials->accessToken = "token";
-    LVXKeyChainStoreFactory::setStore(
-        std::make_shared<FileKeyChainStore>(zelto.dataDirectory() / "keychain", std::nullopt));
-    ServiceCredentialsManager::store(*account.credentials);
-    LVXKeyChainStoreFactory::setStore(nullptr);
+    addAccount(zelto, std::move(account));
 }
 
 } // namespace zelto

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "ZeltoProgram.h"
+
+#include <ZeltoIntegrations/ServiceAccountConfiguration.h>
+
+namespace zelto {
+
+// Connects the account without the network, with the access token "token".
+void addAccount(const ZeltoProgram& zelto, ServiceAccountConfiguration account);
+
+} // namespace zelto
