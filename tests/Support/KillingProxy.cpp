@@ -1,14 +1,13 @@
 #include "KillingProxy.h"
 
-#include "LoopbackSocket.h"
+#include "LoopbackServer.h"
 
 #include <poll.h>
 #include <sys/socket.h>
 
 #include <algorithm>
 #include <atomic>
-#include <list>
-#include <thread>
+#include <mutex>
 
 namespace zelto {
 namespace {
@@ -29,60 +28,40 @@ bool pass(int from, int to, std::uint64_t& left) {
 
 class KillingProxy::State {
   public:
-    State(std::uint16_t serverPort, Plan plan) : serverPort_(serverPort), plan_(std::move(plan)) {
-        acceptor_ = std::thread([this] { accept(); });
-    }
+    State(std::uint16_t serverPort, Plan plan) : serverPort_(serverPort), plan_(std::move(plan)) {}
 
-    ~State() {
-        stops_ = true;
-        ::shutdown(listener_.socket(), SHUT_RDWR);
-        acceptor_.join();
-        for (auto& each : threads_) {
-            each.join();
-        }
-    }
-
-    std::uint16_t port() const { return listener_.port(); }
-
-    std::atomic<int> connectionCount = 0;
     std::atomic<int> killedCount = 0;
 
   private:
-    void accept() {
-        while (!stops_) {
-            auto client = listener_.accept();
-            if (client && !stops_) {
-                threads_.emplace_back([this, limits = plan_(connectionCount++),
-                                       held = std::move(client)]() mutable { serve(held, limits); });
-            }
-        }
+    Limits limitsOf(int connection) {
+        const std::lock_guard guard(lock_);
+        return plan_(connection);
     }
 
     void serve(const LoopbackSocket& client, Limits limits) {
         const auto server = LoopbackSocket::connect(serverPort_);
         pollfd both[] = {{client.get(), POLLIN, 0}, {server.get(), POLLIN, 0}};
         bool goesOn = static_cast<bool>(server);
-        while (goesOn && !stops_) {
-            // Looks up now and then, to see the end of the proxy.
-            if (::poll(both, 2, 50) > 0) {
-                goesOn = (!both[0].revents || pass(client.get(), server.get(), limits.toServer)) &&
-                         (!both[1].revents || pass(server.get(), client.get(), limits.toClient));
-                if (limits.toServer == 0 || limits.toClient == 0) {
-                    ++killedCount;
-                    client.resetWhenClosed();
-                    server.resetWhenClosed();
-                    return;
-                }
+        while (goesOn && ::poll(both, 2, -1) > 0) {
+            goesOn = (!both[0].revents || pass(client.get(), server.get(), limits.toServer)) &&
+                     (!both[1].revents || pass(server.get(), client.get(), limits.toClient));
+            if (limits.toServer == 0 || limits.toClient == 0) {
+                ++killedCount;
+                client.resetWhenClosed();
+                server.resetWhenClosed();
+                return;
             }
         }
     }
 
     const std::uint16_t serverPort_;
+    std::mutex lock_;
     const Plan plan_;
-    LoopbackListener listener_;
-    std::atomic<bool> stops_ = false;
-    std::thread acceptor_;
-    std::list<std::thread> threads_;
+
+  public:
+    // Last: it uses the rest.
+    const LoopbackServer server{
+        [this](const LoopbackSocket& client, int number) { serve(client, limitsOf(number)); }};
 };
 
 KillingProxy::KillingProxy(std::uint16_t serverPort, Plan plan)
@@ -91,11 +70,11 @@ KillingProxy::KillingProxy(std::uint16_t serverPort, Plan plan)
 KillingProxy::~KillingProxy() = default;
 
 URL KillingProxy::url() const {
-    return *URL::parse("http://127.0.0.1:" + std::to_string(state_->port()));
+    return *URL::parse("http://127.0.0.1:" + std::to_string(state_->server.port()));
 }
 
 int KillingProxy::connectionCount() const {
-    return state_->connectionCount;
+    return state_->server.connectionCount();
 }
 
 int KillingProxy::killedCount() const {

@@ -18,7 +18,7 @@ class KillingProxy {
         std::uint64_t toClient = UINT64_MAX;
     };
 
-    // Gets the connection's number, from 0; called on one thread.
+    // Gets the connection's number, from 0; one call at a time.
     using Plan = std::function<Limits(int connection)>;
 
     KillingProxy(std::uint16_t serverPort, Plan plan);

@@ -1,11 +1,9 @@
 #include "ScriptedServer.h"
 
+#include "LoopbackServer.h"
+
 #include <sys/socket.h>
 
-#include <atomic>
-#include <list>
-#include <mutex>
-#include <thread>
 #include <utility>
 
 namespace zelto {
@@ -38,14 +36,9 @@ void Conversation::waitForEnd() {
     }
 }
 
-void Conversation::resetAtEnd() {
-    const linger atOnce{1, 0};
-    ::setsockopt(socket_, SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
-}
-
 bool Conversation::fill() {
     char bytes[1 << 16];
-    const auto count = ::recv(socket_, bytes, sizeof bytes, 0);
+    const auto count = ::recv(socket_.get(), bytes, sizeof bytes, 0);
     if (count > 0) {
         buffer_.append(bytes, static_cast<std::size_t>(count));
     }
@@ -54,49 +47,13 @@ bool Conversation::fill() {
 
 class ScriptedServer::State {
   public:
-    explicit State(Script script) : script_(std::move(script)), acceptor_([this] { accept(); }) {}
+    explicit State(Script script)
+        : server([script = std::move(script)](const LoopbackSocket& socket, int number) {
+              Conversation conversation(socket, number);
+              script(conversation);
+          }) {}
 
-    ~State() {
-        ::shutdown(listener_.socket(), SHUT_RDWR);
-        acceptor_.join();
-        for (auto& each : connections_) {
-            {
-                const std::lock_guard guard(lock_);
-                ::shutdown(each.socket.get(), SHUT_RDWR);
-            }
-            each.thread.join();
-        }
-    }
-
-    std::uint16_t port() const { return listener_.port(); }
-
-    int connectionCount() const { return count_; }
-
-  private:
-    struct Connection {
-        LoopbackSocket socket;
-        std::thread thread;
-    };
-
-    void accept() {
-        while (auto socket = listener_.accept()) {
-            auto& connection = connections_.emplace_back();
-            connection.socket = std::move(socket);
-            connection.thread = std::thread([this, &connection, number = count_++] {
-                Conversation conversation(connection.socket.get(), number);
-                script_(conversation);
-                const std::lock_guard guard(lock_);
-                connection.socket = {};
-            });
-        }
-    }
-
-    const Script script_;
-    const LoopbackListener listener_;
-    std::mutex lock_; // a socket is closed by its own thread, and shut down by the end
-    std::list<Connection> connections_;
-    std::atomic<int> count_ = 0;
-    std::thread acceptor_;
+    const LoopbackServer server;
 };
 
 ScriptedServer::ScriptedServer(Script script) : state_(std::make_unique<State>(std::move(script))) {}
@@ -110,7 +67,7 @@ ScriptedServer::ScriptedServer(std::string answer)
 ScriptedServer::~ScriptedServer() = default;
 
 std::uint16_t ScriptedServer::port() const {
-    return state_->port();
+    return state_->server.port();
 }
 
 URL ScriptedServer::url(const std::string& path) const {
@@ -118,7 +75,7 @@ URL ScriptedServer::url(const std::string& path) const {
 }
 
 int ScriptedServer::connectionCount() const {
-    return state_->connectionCount();
+    return state_->server.connectionCount();
 }
 
 } // namespace zelto

@@ -16,7 +16,7 @@ namespace zelto {
 // One connection of a ScriptedServer, to be read and written byte by byte.
 class Conversation {
   public:
-    Conversation(int socket, int number) : socket_(socket), number_(number) {}
+    Conversation(const LoopbackSocket& socket, int number) : socket_(socket), number_(number) {}
 
     int number() const { return number_; } // of the connection, from 0
 
@@ -27,18 +27,18 @@ class Conversation {
     std::string read(std::size_t count);
 
     // False when the connection has ended.
-    bool send(std::string_view bytes) { return sendAll(socket_, bytes); }
+    bool send(std::string_view bytes) { return sendAll(socket_.get(), bytes); }
 
     // Reads until the peer ends the connection.
     void waitForEnd();
 
     // When the script returns, the peer sees a reset.
-    void resetAtEnd();
+    void resetAtEnd() { socket_.resetWhenClosed(); }
 
   private:
     bool fill();
 
-    const int socket_;
+    const LoopbackSocket& socket_;
     const int number_;
     std::string buffer_;
 };

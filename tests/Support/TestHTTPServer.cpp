@@ -1,6 +1,6 @@
 #include "TestHTTPServer.h"
 
-#include "LoopbackSocket.h"
+#include "LoopbackServer.h"
 
 #include <gtest/gtest.h>
 
@@ -9,10 +9,8 @@
 #include <atomic>
 #include <cerrno>
 #include <charconv>
-#include <list>
 #include <mutex>
 #include <string_view>
-#include <thread>
 
 namespace zelto {
 namespace {
@@ -146,28 +144,7 @@ PlayedAnswer PlayedAnswer::reset() {
 class TestHTTPServer::State {
   public:
     State(Handler handler, std::uint64_t largestKeptBody)
-        : handler_(std::move(handler)), largestKeptBody_(largestKeptBody) {
-        acceptor_ = std::thread([this] { accept(); });
-    }
-
-    ~State() {
-        stops_ = true;
-        ::shutdown(listener_.socket(), SHUT_RDWR);
-        acceptor_.join();
-        dropConnections();
-        for (auto& each : threads_) {
-            each.join();
-        }
-    }
-
-    void dropConnections() {
-        const std::lock_guard guard(lock_);
-        for (const auto& each : sockets_) {
-            ::shutdown(each.get(), SHUT_RDWR);
-        }
-    }
-
-    std::uint16_t port() const { return listener_.port(); }
+        : handler_(std::move(handler)), largestKeptBody_(largestKeptBody) {}
 
     std::vector<ReceivedRequest> requests() const {
         const std::lock_guard guard(lock_);
@@ -176,34 +153,11 @@ class TestHTTPServer::State {
 
     void stopRecording() { isRecording_ = false; }
 
-    int connectionCount() const {
-        const std::lock_guard guard(lock_);
-        return connectionCount_;
-    }
-
-    int openConnectionCount() const {
-        const std::lock_guard guard(lock_);
-        return static_cast<int>(sockets_.size());
-    }
-
   private:
-    void accept() {
-        while (!stops_) {
-            auto socket = listener_.accept();
-            if (socket && !stops_) {
-                const std::lock_guard guard(lock_);
-                const auto place = sockets_.insert(sockets_.end(), std::move(socket));
-                threads_.emplace_back([this, place, number = connectionCount_++] { serve(place, number); });
-            }
+    void serve(const LoopbackSocket& socket, int number) {
+        Connection connection(socket.get());
+        while (exchange(connection, socket, number)) {
         }
-    }
-
-    void serve(std::list<LoopbackSocket>::iterator place, int number) {
-        Connection connection(place->get());
-        while (exchange(connection, *place, number)) {
-        }
-        const std::lock_guard guard(lock_);
-        sockets_.erase(place);
     }
 
     // Whether the connection goes on.
@@ -241,15 +195,13 @@ class TestHTTPServer::State {
 
     const Handler handler_;
     const std::uint64_t largestKeptBody_;
-    LoopbackListener listener_;
-    std::atomic<bool> stops_ = false;
     std::atomic<bool> isRecording_ = true;
-    std::thread acceptor_;
-    mutable std::mutex lock_; // guards what follows
-    std::list<LoopbackSocket> sockets_;
-    std::list<std::thread> threads_;
+    mutable std::mutex lock_;
     std::vector<ReceivedRequest> requests_;
-    int connectionCount_ = 0;
+
+  public:
+    // Last: it uses the rest.
+    LoopbackServer server{[this](const LoopbackSocket& socket, int number) { serve(socket, number); }};
 };
 
 namespace {
@@ -288,7 +240,7 @@ TestHTTPServer::TestHTTPServer(std::vector<PlayedAnswer> answers)
 TestHTTPServer::~TestHTTPServer() = default;
 
 std::uint16_t TestHTTPServer::port() const {
-    return state_->port();
+    return state_->server.port();
 }
 
 URL TestHTTPServer::url(const std::string& path) const {
@@ -312,15 +264,15 @@ void TestHTTPServer::stopRecording() {
 }
 
 int TestHTTPServer::connectionCount() const {
-    return state_->connectionCount();
+    return state_->server.connectionCount();
 }
 
 int TestHTTPServer::openConnectionCount() const {
-    return state_->openConnectionCount();
+    return state_->server.openConnectionCount();
 }
 
 void TestHTTPServer::dropConnections() {
-    state_->dropConnections();
+    state_->server.dropConnections();
 }
 
 } // namespace zelto

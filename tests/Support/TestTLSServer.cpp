@@ -1,48 +1,41 @@
 #include "TestTLSServer.h"
 
-#include "Support/LoopbackSocket.h"
+#include "Support/LoopbackServer.h"
 
 #include <openssl/ssl.h>
 
 #include <pthread.h>
-#include <sys/socket.h>
 
 #include <atomic>
 #include <csignal>
-#include <list>
 #include <mutex>
-#include <thread>
 #include <utility>
 
 namespace zelto {
 
+namespace {
+
+using Context = std::unique_ptr<SSL_CTX, void (*)(SSL_CTX*)>;
+
+Context contextFor(const TestTLSServer::Options& options) {
+    Context context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
+    SSL_CTX_use_certificate(context.get(), options.certificate.certificate.get());
+    SSL_CTX_use_PrivateKey(context.get(), options.certificate.key.get());
+    SSL_CTX_set_security_level(context.get(), 0); // so that it can speak what is too old
+    SSL_CTX_set_min_proto_version(context.get(), TLS1_VERSION);
+    SSL_CTX_set_max_proto_version(context.get(), options.newestVersion);
+    return context;
+}
+
+} // namespace
+
 class TestTLSServer::State {
   public:
-    explicit State(Options options)
-        : options_(std::move(options)), context_(SSL_CTX_new(TLS_server_method()), SSL_CTX_free) {
-        SSL_CTX_use_certificate(context_.get(), options_.certificate.certificate.get());
-        SSL_CTX_use_PrivateKey(context_.get(), options_.certificate.key.get());
-        SSL_CTX_set_security_level(context_.get(), 0); // so that it can speak what is too old
-        SSL_CTX_set_min_proto_version(context_.get(), TLS1_VERSION);
-        SSL_CTX_set_max_proto_version(context_.get(), options_.newestVersion);
-        acceptor_ = std::thread([this] { accept(); });
-    }
+    explicit State(Options options) : options_(std::move(options)), context_(contextFor(options_)) {}
 
-    ~State() {
-        ::shutdown(listener_.socket(), SHUT_RDWR);
-        acceptor_.join();
-        for (auto& each : connections_) {
-            {
-                const std::lock_guard guard(lock_);
-                ::shutdown(each.socket.get(), SHUT_RDWR);
-            }
-            each.thread.join();
-        }
-    }
+    std::uint16_t port() const { return server_.port(); }
 
-    std::uint16_t port() const { return listener_.port(); }
-
-    int connectionCount() const { return connectionCount_; }
+    int connectionCount() const { return server_.connectionCount(); }
 
     int requestCount() const { return requestCount_; }
 
@@ -52,30 +45,12 @@ class TestTLSServer::State {
     }
 
   private:
-    struct Connection {
-        LoopbackSocket socket;
-        std::thread thread;
-    };
-
-    void accept() {
-        while (auto socket = listener_.accept()) {
-            ++connectionCount_;
-            auto& connection = connections_.emplace_back();
-            connection.socket = std::move(socket);
-            connection.thread = std::thread([this, &connection] {
-                // OpenSSL writes without MSG_NOSIGNAL.
-                sigset_t pipe;
-                sigemptyset(&pipe);
-                sigaddset(&pipe, SIGPIPE);
-                pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
-                serve(connection.socket.get());
-                const std::lock_guard guard(lock_);
-                connection.socket = {};
-            });
-        }
-    }
-
     void serve(int socket) {
+        // OpenSSL writes without MSG_NOSIGNAL.
+        sigset_t pipe;
+        sigemptyset(&pipe);
+        sigaddset(&pipe, SIGPIPE);
+        pthread_sigmask(SIG_BLOCK, &pipe, nullptr);
         const std::unique_ptr<SSL, void (*)(SSL*)> session(SSL_new(context_.get()), SSL_free);
         SSL_set_fd(session.get(), socket);
         if (SSL_accept(session.get()) != 1) {
@@ -111,14 +86,12 @@ class TestTLSServer::State {
     }
 
     const Options options_;
-    const std::unique_ptr<SSL_CTX, void (*)(SSL_CTX*)> context_;
-    const LoopbackListener listener_;
-    std::atomic<int> connectionCount_ = 0;
+    const Context context_;
     std::atomic<int> requestCount_ = 0;
     mutable std::mutex lock_;
     std::string protocol_;
-    std::list<Connection> connections_;
-    std::thread acceptor_;
+    // Last: it uses the rest.
+    const LoopbackServer server_{[this](const LoopbackSocket& socket, int) { serve(socket.get()); }};
 };
 
 TestTLSServer::TestTLSServer(Options options) : state_(std::make_unique<State>(std::move(options))) {}

@@ -1,7 +1,7 @@
 #include <ZeltoHost/PDF/PDFConverter.h>
 
-#include "ConnectionCounter.h"
 #include "Output.h"
+#include <Support/LoopbackServer.h>
 #include <Support/TemporaryFolder.h>
 
 #include <gtest/gtest.h>
@@ -12,6 +12,8 @@ namespace zelto {
 namespace {
 
 using namespace std::chrono_literals;
+
+void hangUp(const LoopbackSocket&, int) {}
 
 class PDFConverterTest : public testing::Test {
   protected:
@@ -61,7 +63,7 @@ TEST_F(PDFConverterTest, TextOfAllScriptsComesOut) {
 }
 
 TEST_F(PDFConverterTest, AMailNeitherCallsHomeNorPullsInLocalFiles) {
-    const ConnectionCounter listener;
+    const LoopbackServer listener(hangUp);
     const auto web = "http://127.0.0.1:" + std::to_string(listener.port()) + "/";
     const auto canary = folder_.write("canary.txt", "CANARY-5d1f");
     const auto local = "file://" + canary.string();
@@ -81,7 +83,7 @@ TEST_F(PDFConverterTest, AMailNeitherCallsHomeNorPullsInLocalFiles) {
                 address + "\"/></svg>'><p>shown</p>";
     }
     ASSERT_TRUE(convert(html));
-    EXPECT_EQ(listener.connections(), 0);
+    EXPECT_EQ(listener.connectionCount(), 0);
     EXPECT_EQ(outputOf("pdfdetach -list '" + target().string() + "'"), "0 embedded files\n");
     EXPECT_EQ(outputOf("pdftotext '" + target().string() + "' -").find("CANARY"), std::string::npos);
     EXPECT_EQ(TemporaryFolder::read(target()).find("CANARY"), std::string::npos);
@@ -89,7 +91,7 @@ TEST_F(PDFConverterTest, AMailNeitherCallsHomeNorPullsInLocalFiles) {
 }
 
 TEST_F(PDFConverterTest, TheScriptItselfLoadsDataAddressesAlone) {
-    const ConnectionCounter listener;
+    const LoopbackServer listener(hangUp);
     const auto web = "http://127.0.0.1:" + std::to_string(listener.port()) + "/";
     const auto canary = folder_.write("canary.txt", "CANARY-5d1f");
     std::string html;
@@ -106,7 +108,7 @@ TEST_F(PDFConverterTest, TheScriptItselfLoadsDataAddressesAlone) {
     const auto input = folder_.write("raw.html", html);
     runScriptUncleaned(input, target());
     ASSERT_TRUE(TemporaryFolder::read(target()).starts_with("%PDF-"));
-    EXPECT_EQ(listener.connections(), 0);
+    EXPECT_EQ(listener.connectionCount(), 0);
     EXPECT_EQ(outputOf("pdfdetach -list '" + target().string() + "'"), "0 embedded files\n");
     EXPECT_EQ(outputOf("pdftotext '" + target().string() + "' -").find("CANARY"), std::string::npos);
 }
