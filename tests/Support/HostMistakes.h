@@ -1,11 +1,11 @@
 #pragma once
 
+#include <Support/Eventually.h>
+
 #include <Platform/Completion.h>
 #include <Platform/Operations/ContainedException.h>
 
 #include <atomic>
-#include <chrono>
-#include <thread>
 
 namespace zelto {
 
@@ -41,11 +41,7 @@ class ContainedExceptions {
 
     // False if not so many have come within a minute.
     bool haveCome(int count) const {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-        while (count_ < count && std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::yield();
-        }
-        return count_ >= count;
+        return eventually([&] { return count_ >= count; });
     }
 
   private:

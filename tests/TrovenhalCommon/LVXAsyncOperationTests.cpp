@@ -3,13 +3,14 @@
 
 #include <Platform/Operations/BlockOperation.h>
 
+#include <Support/Eventually.h>
+
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <chrono>
 #include <future>
 #include <mutex>
-#include <thread>
 
 namespace zelto {
 namespace {
@@ -105,11 +106,7 @@ TEST(LVXAsyncOperation, TheCallbackMayComeAfterQueueAndOwnerAreGone) {
     onComplete();
     onComplete = nullptr;
     // The thread of the pool may still be on its way out of the operation.
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(20);
-    while (!released.expired() && std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::yield();
-    }
-    EXPECT_TRUE(released.expired());
+    EXPECT_TRUE(eventually([&] { return released.expired(); }));
 }
 
 TEST(LVXAsyncOperation, AHundredWaitingOnesHoldNoThread) {

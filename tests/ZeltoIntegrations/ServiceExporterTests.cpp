@@ -1,6 +1,7 @@
 #include <ZeltoIntegrations/ServiceExporter.h>
 
 #include <Support/Completed.h>
+#include <Support/Eventually.h>
 #include <Support/FakeDataInteractor.h>
 #include <Support/FakePlatformInteractor.h>
 #include <Support/FakeStorage.h>
@@ -265,11 +266,7 @@ TEST_F(ServiceExporterTest, AnExportKeepsItsExporterAliveUntilItHasCompleted) {
     released.set_value();
     EXPECT_TRUE(completed.value());
     // The queue drops its last step on a thread of its own.
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (!weakly.expired() && std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::yield();
-    }
-    EXPECT_TRUE(weakly.expired());
+    EXPECT_TRUE(eventually([&] { return weakly.expired(); }));
 }
 
 TEST_F(ServiceExporterTest, SettingACachedValueEndsInOneSaveOfTheWholeAccount) {

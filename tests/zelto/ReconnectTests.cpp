@@ -1,10 +1,11 @@
 #include "ConnectedProgram.h"
 #include "TrelloAccount.h"
 
+#include <Support/Eventually.h>
+
 #include <ZeltoHost/Storage/AccountLock.h>
 
 #include <future>
-#include <thread>
 
 namespace zelto {
 
@@ -80,10 +81,7 @@ TEST_F(Reconnect, WaitsForWhoeverUsesTheAccountAndSaysSo) {
                      "reconnect Zoom+work --token new");
     });
     const auto mark = zelto.home / "cwd/waits";
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (!std::filesystem::exists(mark) && std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::yield();
-    }
+    EXPECT_TRUE(eventually([&] { return std::filesystem::exists(mark); }));
     EXPECT_EQ(stored("Zoom+work").accessToken, "old");
     held.reset();
     EXPECT_EQ(waiting.get().status, 0);

@@ -264,11 +264,7 @@ TEST(URLSessionDelegate, IsHeldUntilTheLastTaskOfAReleasedOrInvalidatedSessionHa
         EXPECT_FALSE(watched.expired());
         answers.release();
         ended.get_future().wait();
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-        while (!watched.expired() && std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::yield();
-        }
-        EXPECT_TRUE(watched.expired());
+        EXPECT_TRUE(eventually([&] { return watched.expired(); }));
     }
 }
 

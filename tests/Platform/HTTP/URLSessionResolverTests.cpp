@@ -1,5 +1,6 @@
 #include <Platform/HTTP/URLSession.h>
 
+#include "Support/Eventually.h"
 #include "Support/SessionTasks.h"
 #include "Support/TestHTTPServer.h"
 
@@ -37,11 +38,7 @@ namespace {
 const URL slow = *URL::parse("https://slow.invalid/");
 
 void waitForLookUps(int count) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (waitingLookUps != count) {
-        ASSERT_LT(std::chrono::steady_clock::now(), deadline);
-        std::this_thread::yield();
-    }
+    ASSERT_TRUE(eventually([&] { return waitingLookUps == count; }));
 }
 
 TEST(URLSessionResolver, ANameThatIsLookedUpHoldsNobodyUp) {

@@ -3,6 +3,8 @@
 #include <Platform/Operations/BlockOperation.h>
 #include <Platform/Operations/OperationQueue.h>
 
+#include <Support/Eventually.h>
+
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -73,13 +75,9 @@ class Event {
 
 // The condition becomes true on another thread, and soon.
 inline void expectSoon(const std::function<bool()>& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(60);
-    while (!condition()) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            ADD_FAILURE() << "what was waited for did not come";
-            std::abort();
-        }
-        std::this_thread::yield();
+    if (!eventually(condition)) {
+        ADD_FAILURE() << "what was waited for did not come";
+        std::abort();
     }
 }
 

@@ -2,13 +2,14 @@
 
 #include <Platform/FileDescriptor.h>
 
+#include <Support/Eventually.h>
+
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <csignal>
 #include <fstream>
 #include <sstream>
-#include <thread>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -35,14 +36,10 @@ bool lives(int pid) {
 }
 
 testing::AssertionResult endsSoon(int pid) {
-    const auto deadline = std::chrono::steady_clock::now() + 20s;
-    while (lives(pid)) {
-        if (std::chrono::steady_clock::now() > deadline) {
-            return testing::AssertionFailure() << "process " << pid << " lives on";
-        }
-        std::this_thread::yield();
+    if (eventually([&] { return !lives(pid); })) {
+        return testing::AssertionSuccess();
     }
-    return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "process " << pid << " lives on";
 }
 
 std::string statusLine(const std::string& status, const std::string& key) {

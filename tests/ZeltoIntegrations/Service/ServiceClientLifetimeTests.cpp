@@ -5,6 +5,8 @@
 
 #include <Platform/Operations/OperationQueue.h>
 
+#include <Support/Eventually.h>
+
 #include <gtest/gtest.h>
 
 #include <random>
@@ -28,11 +30,7 @@ class CancellingAuthoriser : public FakeAuthoriser {
 };
 
 bool isGone(const std::weak_ptr<FakeAuthoriser>& authoriser) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
-    while (!authoriser.expired() && std::chrono::steady_clock::now() < deadline) {
-        std::this_thread::yield();
-    }
-    return authoriser.expired();
+    return eventually([&] { return authoriser.expired(); });
 }
 
 // Holds every answer back until it is let go.
