@@ -15,7 +15,8 @@ namespace zelto {
 struct FileManager {
     // The process's own directory of mode 0700 below $TMPDIR or /tmp, made when first asked for and removed,
     // with all that is in it, when the process ends by exit or by returning from main. A forked child gets
-    // one of its own. It is made anew if someone has removed it.
+    // one of its own. It is made anew if someone has removed it. Those that processes of this user left when
+    // they were killed are removed when one is made.
     static Result<std::filesystem::path, FileError> temporaryDirectory();
 
     // A path for a file of that name in a fresh, empty folder of the temporary directory. Its last component

@@ -5,6 +5,10 @@
 #include <cerrno>
 #include <cstdlib>
 #include <mutex>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace zelto {
@@ -14,10 +18,17 @@ namespace {
 using std::filesystem::path;
 
 constexpr auto directoryOfSystem = "/tmp";
+constexpr std::string_view prefix = "zelto-temporary-";
+
+// The process's own, locked for as long as it lives.
+struct HeldDirectory {
+    path where;
+    FileDescriptor lock;
+};
 
 struct State {
     std::mutex mutex;
-    path directory;
+    HeldDirectory directory;
     pid_t owner = 0;
     bool removedAtExit = false;
 };
@@ -28,22 +39,48 @@ State& state() {
     return *shared;
 }
 
-Result<path, FileError> freshDirectory(const path& parent, const char* nameTemplate) {
-    auto name = (parent / nameTemplate).native();
+Result<path, FileError> freshDirectory(const path& parent, std::string_view namePrefix) {
+    auto name = (parent / namePrefix).native() + "XXXXXX";
     if (mkdtemp(name.data()) == nullptr) {
         return failure(FileError::fromSystem(errno, parent));
     }
     return path(name);
 }
 
-Result<path, FileError> freshDirectoryOfSystem() {
-    constexpr auto nameTemplate = "zelto-XXXXXX";
+FileDescriptor openDirectory(const path& where) {
+    return FileDescriptor(::open(where.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+}
+
+// Another process may take it for a leftover before it is locked; then there is a next one.
+Result<HeldDirectory, FileError> freshHeldDirectory(const path& parent) {
+    constexpr int mostAttempts = 10;
+    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+        auto where = freshDirectory(parent, prefix);
+        if (!where) {
+            return failure(where.error());
+        }
+        auto lock = openDirectory(*where);
+        if (!lock && errno != ENOENT) {
+            const auto error = FileError::fromSystem(errno, *where);
+            ::rmdir(where->c_str());
+            return failure(error);
+        }
+        // Where nothing can be locked, nobody finds a leftover either.
+        const bool isTaken = lock && ::flock(lock.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+        if (lock && !isTaken && ::access(where->c_str(), F_OK) == 0) {
+            return HeldDirectory{*std::move(where), std::move(lock)};
+        }
+    }
+    return failure(FileError::fromSystem(EBUSY, parent));
+}
+
+Result<HeldDirectory, FileError> freshDirectoryOfSystem() {
     if (const char* told = std::getenv("TMPDIR"); told != nullptr && path(told).is_absolute()) {
-        if (auto directory = freshDirectory(told, nameTemplate)) {
+        if (auto directory = freshHeldDirectory(told)) {
             return directory;
         }
     }
-    return freshDirectory(directoryOfSystem, nameTemplate);
+    return freshHeldDirectory(directoryOfSystem);
 }
 
 // Other threads may go on writing into it meanwhile.
@@ -58,19 +95,40 @@ void removeWithAll(const path& directory) {
     }
 }
 
+// One that a process of this user left that was killed.
+void removeIfLeftover(const path& directory) {
+    struct stat status {};
+
+    const auto lock = openDirectory(directory);
+    if (lock && ::fstat(lock.number(), &status) == 0 && status.st_uid == ::geteuid() &&
+        ::flock(lock.number(), LOCK_EX | LOCK_NB) == 0) {
+        removeWithAll(directory);
+    }
+}
+
+void removeLeftovers(const path& parent) {
+    std::error_code error;
+    for (std::filesystem::directory_iterator each(parent, error), end; !error && each != end;
+         each.increment(error)) {
+        if (each->path().filename().native().starts_with(prefix)) {
+            removeIfLeftover(each->path());
+        }
+    }
+}
+
 void removeAtExit() {
     auto& current = state();
     const std::lock_guard lock(current.mutex);
     current.removedAtExit = false; // the one that is made from now on, by another that goes at exit
-    if (current.owner == getpid() && !current.directory.empty()) {
-        removeWithAll(current.directory);
-        current.directory.clear();
+    if (current.owner == getpid() && !current.directory.where.empty()) {
+        removeWithAll(current.directory.where);
+        current.directory = {};
     }
 }
 
 bool isOurs(const State& current) {
     std::error_code ignored;
-    return current.owner == getpid() && std::filesystem::is_directory(current.directory, ignored);
+    return current.owner == getpid() && std::filesystem::is_directory(current.directory.where, ignored);
 }
 
 std::string temporaryName(std::string_view told, std::size_t longest) {
@@ -97,7 +155,7 @@ Result<path, FileError> FileManager::temporaryDirectory() {
     auto& current = state();
     const std::lock_guard lock(current.mutex);
     if (isOurs(current)) {
-        return current.directory;
+        return current.directory.where;
     }
     if (!current.removedAtExit) {
         current.removedAtExit = std::atexit(removeAtExit) == 0;
@@ -106,11 +164,13 @@ Result<path, FileError> FileManager::temporaryDirectory() {
         }
     }
     auto made = freshDirectoryOfSystem();
-    if (made) {
-        current.directory = *made;
-        current.owner = getpid();
+    if (!made) {
+        return failure(made.error());
     }
-    return made;
+    current.directory = *std::move(made);
+    current.owner = getpid();
+    removeLeftovers(current.directory.where.parent_path());
+    return current.directory.where;
 }
 
 Result<path, FileError> FileManager::temporaryPath(std::string_view name) {
@@ -118,7 +178,7 @@ Result<path, FileError> FileManager::temporaryPath(std::string_view name) {
     if (!directory) {
         return directory;
     }
-    auto folder = freshDirectory(*directory, "XXXXXX");
+    auto folder = freshDirectory(*directory, "");
     if (!folder) {
         return folder;
     }

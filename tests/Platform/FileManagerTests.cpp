@@ -101,19 +101,6 @@ TEST(TemporaryDirectory, GoesTooIfItIsMadeWhileTheProcessEnds) {
     fs::remove_all(parent);
 }
 
-TEST(TemporaryDirectory, FallsBackToTmpIfTMPDIRIsOfNoUse) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
-    for (const auto* useless : {"/nonexistent/directory", "relative", "", "/dev/null"}) {
-        EXPECT_EXIT(
-            {
-                setenv("TMPDIR", useless, 1);
-                const auto directory = FileManager::temporaryDirectory();
-                std::exit(directory && directory->native().starts_with("/tmp/zelto-") ? 0 : 1);
-            },
-            testing::ExitedWithCode(0), "");
-    }
-}
-
 // What a child tells of its temporary directory, which it leaves at its end; nothing when it does not end
 // well.
 std::string directoryOfChild() {
@@ -134,6 +121,49 @@ std::string directoryOfChild() {
     close(pipeEnds[0]);
     int status = 0;
     return waitpid(child, &status, 0) == child && status == 0 ? theirs : std::string();
+}
+
+TEST(TemporaryDirectory, OfAKilledProcessIsRemovedByTheNextOneAndThatOfALivingOneIsNot) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto parent = fs::temp_directory_path() / "zelto-file-manager-leftover-tests";
+    EXPECT_EXIT(
+        {
+            // Not before, where the process after this one would do it too.
+            fs::remove_all(parent);
+            fs::create_directories(parent / "zelto-temporary");
+            makeFile(parent / "zelto-temporary-file", "content");
+            setenv("TMPDIR", parent.c_str(), 1);
+            makeFile(freshPath(), "left");
+            std::raise(SIGKILL);
+        },
+        testing::KilledBySignal(SIGKILL), "");
+    EXPECT_EQ(entriesOf(parent), 3);
+    EXPECT_EXIT(
+        {
+            setenv("TMPDIR", parent.c_str(), 1);
+            const auto path = freshPath();
+            makeFile(path, "content");
+            const bool removesLeftover = entriesOf(parent) == 3;
+            const auto child = directoryOfChild();
+            const bool keepsOwn = child.starts_with(parent.native()) && contentOf(path) == "content";
+            std::exit(removesLeftover && keepsOwn ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
+    EXPECT_EQ(entriesOf(parent), 2);
+    fs::remove_all(parent);
+}
+
+TEST(TemporaryDirectory, FallsBackToTmpIfTMPDIRIsOfNoUse) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    for (const auto* useless : {"/nonexistent/directory", "relative", "", "/dev/null"}) {
+        EXPECT_EXIT(
+            {
+                setenv("TMPDIR", useless, 1);
+                const auto directory = FileManager::temporaryDirectory();
+                std::exit(directory && directory->native().starts_with("/tmp/zelto-") ? 0 : 1);
+            },
+            testing::ExitedWithCode(0), "");
+    }
 }
 
 // In a process of its own, since a child that leaves by exit() looks for leaks where other threads are gone.
