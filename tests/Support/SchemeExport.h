@@ -20,7 +20,9 @@ template <class Exporter> class SchemeExport : public ServiceExport<Exporter> {
     using typename ServiceExport<Exporter>::VoidResult;
 
     SchemeExport()
-        : ServiceExport<Exporter>(ServiceAccountConfiguration(ServiceType::Bear, std::nullopt, true)) {}
+        : ServiceExport<Exporter>(ServiceAccountConfiguration(ServiceType::Bear, std::nullopt, true)) {
+        this->configuration.userTitle = "Title";
+    }
 
     // Called when export_ has returned, before the first step runs.
     std::function<void(ExportProgress&)> onStarted = [](ExportProgress&) {};

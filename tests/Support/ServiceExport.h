@@ -22,9 +22,7 @@ template <class Exporter> class ServiceExport {
     using VoidResult = ExporterResult<void>;
     using Done = Completion<void, IntegrationExportError>;
 
-    explicit ServiceExport(ServiceAccountConfiguration ofAccount) : account(std::move(ofAccount)) {
-        configuration.userTitle = "Title";
-    }
+    explicit ServiceExport(ServiceAccountConfiguration ofAccount) : account(std::move(ofAccount)) {}
 
     std::shared_ptr<Exporter> exporter() {
         if (!exporter_) {

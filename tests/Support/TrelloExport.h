@@ -37,13 +37,14 @@ class TrelloService {
 
 using TrelloServer = ServiceServer<TrelloService>;
 
-// Into the list "To Do" of the board "Work".
+// An export of "Title" into the list "To Do" of the board "Work".
 class TrelloExport : public NetworkExport<TrelloExporter> {
   public:
     TrelloExport() : NetworkExport(ServiceType::Trello) {
         configuration.saveTo = TrelloSaveToInfo{
             .board = {.id = "b1", .name = "Work", .lists = {{.id = "l1", .idBoard = "b1", .name = "To Do"}}},
             .list = {.id = "l1", .idBoard = "b1", .name = "To Do"}};
+        configuration.userTitle = "Title";
         configuration.supportedContentTypes = {IntegrationExportContentType::pdf,
                                                IntegrationExportContentType::backLink};
     }
