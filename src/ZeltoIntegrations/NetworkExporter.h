@@ -142,8 +142,11 @@ class NetworkExporter : public ServiceExporter {
                 self->setProgress(nullptr);
                 load(std::move(done));
             });
-        step->setCompletionBlock([step, completion = std::move(completion)]() mutable {
-            completion(step->result().value_or(failure(IntegrationLoadError::connectionError)));
+        // It is there while its block runs; held by it, one that never ends would keep itself.
+        step->setCompletionBlock([&step = *step, completion = std::move(completion)]() mutable {
+            completion(
+                step.result().value_or(failure(step.isCancelled() ? IntegrationLoadError::connectionError
+                                                                  : IntegrationLoadError::internalError)));
         });
         execute({step});
     }

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <future>
 #include <mutex>
+#include <stdexcept>
 
 namespace zelto {
 namespace {
@@ -107,6 +108,52 @@ TEST(LVXAsyncOperation, TheCallbackMayComeAfterQueueAndOwnerAreGone) {
     onComplete = nullptr;
     // The thread of the pool may still be on its way out of the operation.
     EXPECT_TRUE(eventually([&] { return released.expired(); }));
+}
+
+TEST(LVXAsyncOperation, FinishesWhenAnExceptionDropsItsCallbackOnAnotherThread) {
+    LVXOperationQueue queue;
+    queue.setMaxConcurrentOperationCount(1);
+    std::promise<std::function<void()>> handed;
+    std::promise<void> nextBegan;
+    auto next = nextBegan.get_future();
+    queue.addOperation(
+        std::make_shared<Step>([&](auto onComplete) { handed.set_value(std::move(onComplete)); }));
+    queue.addOperation([&] { nextBegan.set_value(); });
+    auto onComplete = handed.get_future().get();
+    EXPECT_THROW(
+        {
+            const auto dropped = std::move(onComplete);
+            throw std::runtime_error("what calls back threw");
+        },
+        std::runtime_error);
+    EXPECT_EQ(next.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+}
+
+TEST(LVXAsyncOperation, FinishesWhenAnExceptionThatItContainsDropsItsCallback) {
+    LVXOperationQueue queue;
+    const auto step = std::make_shared<Step>([](auto onComplete) {
+        EXPECT_THROW(
+            {
+                const auto dropped = std::move(onComplete);
+                throw std::runtime_error("what was called threw");
+            },
+            std::runtime_error);
+    });
+    queue.addOperations({step}, true);
+    EXPECT_TRUE(step->isFinished());
+}
+
+TEST(LVXAsyncOperation, ACallbackThatIsDroppedWithoutAnExceptionLeavesTheQueueWaiting) {
+    LVXOperationQueue queue;
+    std::promise<void> wasDropped;
+    const auto step = std::make_shared<Step>([&](auto onComplete) {
+        onComplete = nullptr;
+        wasDropped.set_value();
+    });
+    queue.addOperation(step);
+    wasDropped.get_future().wait();
+    EXPECT_FALSE(step->isFinished());
+    EXPECT_EQ(queue.operationCount(), 1U);
 }
 
 TEST(LVXAsyncOperation, AHundredWaitingOnesHoldNoThread) {

@@ -1,9 +1,54 @@
 #include <TrovenhalCommon/Operations/LVXAsyncOperation.h>
 
+#include <Platform/Operations/ContainedException.h>
+#include <Platform/Operations/ThreadPool.h>
+
+#include <exception>
+#include <memory>
+#include <utility>
+
 namespace zelto {
 
+// Held by all copies of the callback: once an exception has dropped the last one, nobody is left to call it.
+class LVXAsyncOperation::Ending {
+  public:
+    explicit Ending(std::shared_ptr<LVXAsyncOperation> operation) : operation_(std::move(operation)) {}
+
+    Ending(const Ending&) = delete;
+    Ending& operator=(const Ending&) = delete;
+
+    ~Ending() {
+        if (std::uncaught_exceptions() > 0) {
+            operation_->endDropped();
+        }
+    }
+
+    void come() const { operation_->finish(); }
+
+  private:
+    const std::shared_ptr<LVXAsyncOperation> operation_;
+};
+
 void LVXAsyncOperation::main() {
-    asyncMain([self = std::static_pointer_cast<LVXAsyncOperation>(shared_from_this())] { self->finish(); });
+    mainThread_ = std::this_thread::get_id();
+    auto self = std::static_pointer_cast<LVXAsyncOperation>(shared_from_this());
+    asyncMain([ending = std::make_shared<Ending>(std::move(self))] { ending->come(); });
+    mainThread_ = std::thread::id();
+    if (wasDroppedInMain_) {
+        finish();
+    }
+}
+
+// What is thrown out of main() is told before the operation ends, so nothing ends it while that runs. No code
+// of others runs within the exception.
+void LVXAsyncOperation::endDropped() noexcept {
+    if (mainThread_ == std::this_thread::get_id()) {
+        wasDroppedInMain_ = true;
+        return;
+    }
+    auto self = std::static_pointer_cast<LVXAsyncOperation>(shared_from_this());
+    containingExceptions("The end of an operation",
+                         [&] { ThreadPool::shared().post([self = std::move(self)] { self->finish(); }); });
 }
 
 } // namespace zelto

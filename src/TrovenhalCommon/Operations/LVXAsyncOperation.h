@@ -2,7 +2,9 @@
 
 #include <TrovenhalCommon/Operations/LVXOperation.h>
 
+#include <atomic>
 #include <functional>
+#include <thread>
 
 namespace zelto {
 
@@ -16,11 +18,17 @@ class LVXAsyncOperation : public LVXOperation {
     //
     // The operation counts as finished once `onComplete` was called, on any thread, also before this returns.
     // Again has no effect. It keeps the operation alive; a task that drops it uncalled leaves a queue waiting
-    // that still lives.
+    // that still lives, unless an exception drops it, on whatever thread: the operation finishes then.
     virtual void asyncMain(std::function<void()> onComplete) = 0;
 
   private:
+    class Ending;
+
     void main() final;
+    void endDropped() noexcept;
+
+    std::atomic<std::thread::id> mainThread_; // while main() runs
+    bool wasDroppedInMain_ = false;           // for that thread alone
 };
 
 } // namespace zelto

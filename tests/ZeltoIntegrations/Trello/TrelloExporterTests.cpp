@@ -1,5 +1,6 @@
 #include <ZeltoIntegrations/IntegrationsManager.h>
 
+#include <Support/HostMistakes.h>
 #include <Support/TrelloExport.h>
 
 #include <gtest/gtest.h>
@@ -122,6 +123,15 @@ TEST_F(TrelloExporterTest, EachStatusIsALoadErrorOfItsKind) {
             EXPECT_EQ(one.load(true).error(), error) << status << " " << what;
         }
     }
+}
+
+TEST_F(TrelloExporterTest, AStorageThatThrowsIsAnInternalErrorAndTheNextLoadingRuns) {
+    const ContainedExceptions contained;
+    const DroppedCallbacks dropped;
+    one.storage->onChange = [] { throw std::runtime_error("the storage threw"); };
+    EXPECT_EQ(one.load(true).error(), IntegrationLoadError::internalError);
+    one.storage->onChange = [] {};
+    EXPECT_TRUE(one.load(true));
 }
 
 TEST_F(TrelloExporterTest, ServiceDataAreFetchedByForce) {
