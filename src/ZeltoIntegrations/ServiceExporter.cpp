@@ -92,8 +92,9 @@ std::string ServiceExporter::titleOr(const std::optional<std::string>& userTitle
 }
 
 void ServiceExporter::updateActiveClient(std::shared_ptr<CancellableServiceClient> client) {
+    // The one before goes when the lock is free.
     const std::lock_guard guard(lock_);
-    serviceClient_ = std::move(client);
+    serviceClient_.swap(client);
 }
 
 void ServiceExporter::cancelRequests() {

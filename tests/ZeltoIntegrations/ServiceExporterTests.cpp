@@ -39,6 +39,9 @@ struct StepConfiguration {
 
 struct FakeClient final : CancellableServiceClient {
     std::atomic<int> cancellations = 0;
+    std::function<void()> onRelease = [] {};
+
+    ~FakeClient() { onRelease(); }
 
     void cancelAllOperations() override { ++cancellations; }
 };
@@ -267,6 +270,15 @@ TEST_F(ServiceExporterTest, AnExportKeepsItsExporterAliveUntilItHasCompleted) {
     EXPECT_TRUE(completed.value());
     // The queue drops its last step on a thread of its own.
     EXPECT_TRUE(eventually([&] { return weakly.expired(); }));
+}
+
+TEST_F(ServiceExporterTest, AClientThatIsReplacedMayAskTheExporterAsItGoes) {
+    auto client = std::make_shared<FakeClient>();
+    std::string asked;
+    client->onRelease = [&] { asked = exporter->accountConfiguration().identifier(); };
+    exporter->updateActiveClient(std::move(client));
+    exporter->updateActiveClient(std::make_shared<FakeClient>());
+    EXPECT_EQ(asked, "Asana+alice");
 }
 
 TEST_F(ServiceExporterTest, SettingACachedValueEndsInOneSaveOfTheWholeAccount) {
