@@ -60,14 +60,18 @@ std::shared_ptr<ExportProgress> NetworkExporter::Steps::execute() {
     return run_->progress;
 }
 
-void NetworkExporter::setProgress(std::shared_ptr<ExportProgress> progress) {
+void NetworkExporter::setProgress(const std::shared_ptr<ExportProgress>& progress) {
     const std::lock_guard guard(exportLock_);
-    progress_ = std::move(progress);
+    progress_ = progress;
 }
 
 bool NetworkExporter::isCancelled() const {
-    const std::lock_guard guard(exportLock_);
-    return progress_ && progress_->isCancelled();
+    std::shared_ptr<ExportProgress> progress;
+    {
+        const std::lock_guard guard(exportLock_);
+        progress = progress_.lock();
+    }
+    return progress && progress->isCancelled();
 }
 
 ExportReport NetworkExporter::exportReport() const {

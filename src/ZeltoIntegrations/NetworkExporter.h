@@ -125,10 +125,11 @@ class NetworkExporter : public ServiceExporter {
         if (!credentials || isCancelled()) {
             return nullptr;
         }
-        isRequesting_ = true;
         auto client = std::make_shared<Client>(std::make_shared<Authoriser>(*credentials), JSONDecoder());
         updateActiveClient(client);
-        return client;
+        isRequesting_ = true;
+        // The key chain was asked meanwhile, which takes its time. Cancelling reaches the client from now on.
+        return isCancelled() ? nullptr : client;
     }
 
     // Runs the loading of data as a step of its own, behind those that are there. One that is cancelled
@@ -162,12 +163,13 @@ class NetworkExporter : public ServiceExporter {
 
     // Of the export whose step begins; nothing for loading. One step runs at a time, also one that a
     // cancelled export did not wait for.
-    void setProgress(std::shared_ptr<ExportProgress> progress);
+    void setProgress(const std::shared_ptr<ExportProgress>& progress);
     bool isCancelled() const;
 
     std::atomic<bool> isRequesting_ = false; // the step that runs has a client
     mutable std::mutex exportLock_;          // guards what follows
-    std::shared_ptr<ExportProgress> progress_;
+    // Its handler may hold the exporter.
+    std::weak_ptr<ExportProgress> progress_;
     ExportReport report_;
 };
 

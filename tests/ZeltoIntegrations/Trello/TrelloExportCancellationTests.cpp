@@ -1,5 +1,6 @@
 #include <Support/CancelledExport.h>
 #include <Support/Eventually.h>
+#include <Support/MemoryKeyChain.h>
 #include <Support/TrelloExport.h>
 
 #include <gtest/gtest.h>
@@ -16,6 +17,23 @@ namespace {
 using Texts = std::vector<std::string>;
 using Error = IntegrationExportError;
 using Loaded = LoadResult<TrelloFullData>;
+
+// Tells when it is read, and answers when it is let.
+class SlowKeyChain final : public LVXKeyChainStore {
+  public:
+    Result<std::optional<Data>, KeyChainError> read(const std::string&) override {
+        asked.set_value();
+        answer.get_future().wait();
+        return dataOf(R"({"accessToken":"token"})");
+    }
+
+    Result<void, KeyChainError> write(const std::string&, const Data&) override { return {}; }
+
+    Result<bool, KeyChainError> erase(const std::string&) override { return true; }
+
+    std::promise<void> asked;
+    std::promise<void> answer;
+};
 
 std::ptrdiff_t entriesIn(const char* folder) {
     return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
@@ -60,6 +78,23 @@ TEST(TrelloExportCancellation, LeavesNoThreadAndNoSocket) {
         << entriesIn("/proc/self/fd") << " of " << descriptors;
     EXPECT_TRUE(eventually([&] { return entriesIn("/proc/self/task") <= threads; }))
         << entriesIn("/proc/self/task") << " of " << threads;
+}
+
+TEST(TrelloExportCancellation, DoesNotWaitForTheKeyChainAndSendsNothingOnceItIsOpen) {
+    TrelloExport one;
+    TrelloServer service;
+    const auto keyChain = std::make_shared<SlowKeyChain>();
+    const InstalledKeyChain installed(keyChain);
+    Completed<ExporterResult<void>> completed;
+    const auto progress = one.start(completed.callback<TrelloExport::Done>());
+    keyChain->asked.get_future().wait();
+    progress->cancel();
+    EXPECT_EQ(completed.value().error(), Error::canceled);
+    keyChain->answer.set_value();
+    const std::weak_ptr<TrelloExporter> exporter = one.exporter();
+    one.releaseExporter();
+    EXPECT_TRUE(eventually([&] { return exporter.expired(); }));
+    EXPECT_EQ(service.lines(), Texts{});
 }
 
 TEST(TrelloExportCancellation, CutsOffARequestThatIsNeverAnswered) {

@@ -2,11 +2,14 @@
 
 #include <Platform/URLComponents.h>
 
+#include <Support/Eventually.h>
 #include <Support/HostMistakes.h>
 #include <Support/LogCapture.h>
 #include <Support/TrelloExport.h>
 
 #include <gtest/gtest.h>
+
+#include <future>
 
 namespace zelto {
 
@@ -293,6 +296,20 @@ TEST_F(TrelloExportTest, ARefusedTokenIsNotTriedAgain) {
     EXPECT_EQ(one.run().error(), Error::createTaskError);
     EXPECT_EQ(service.made(), Texts{"card"});
     EXPECT_EQ(log.messages(LogLevel::warn), Texts{"Trello creation card error: oauthError"});
+}
+
+TEST_F(TrelloExportTest, AProgressHandlerMayHoldItsExporter) {
+    one.configuration.saveAs = Type::backLink;
+    Completed<ExporterResult<void>> completed;
+    std::promise<void> start;
+    one.data->onAsked = [started = start.get_future().share()](const std::string&) { started.wait(); };
+    one.start(completed.callback<TrelloExport::Done>())
+        ->setProgressHandler([exporter = one.exporter()](float) {});
+    start.set_value();
+    EXPECT_TRUE(completed.value());
+    const std::weak_ptr<TrelloExporter> exporter = one.exporter();
+    one.releaseExporter();
+    EXPECT_TRUE(eventually([&] { return exporter.expired(); }));
 }
 
 TEST_F(TrelloExportTest, AHostThatThrowsEndsItsStepAlone) {
