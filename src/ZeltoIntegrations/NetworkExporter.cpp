@@ -2,6 +2,7 @@
 
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 
+#include <ranges>
 #include <utility>
 
 namespace zelto {
@@ -19,6 +20,7 @@ NetworkExporter::Steps::Steps(std::shared_ptr<NetworkExporter> exporter, std::si
 
 // A step whose request was cut off stops the export itself, and has told of the request by then.
 void NetworkExporter::Steps::Run::cancel() {
+    cancelledOperations();
     exporter->cancelRequests();
     if (!exporter->isRequesting_) {
         OperationQueue().addOperation([self = shared_from_this()] { self->stopIfCancelled(); });
@@ -30,19 +32,32 @@ bool NetworkExporter::Steps::Run::update() {
     return !stopIfCancelled();
 }
 
-// Stops once: a step that ends after the export must not cancel what came into the queue since.
+// Stops once, and what was in the queue when the export was cancelled: what has come since goes on.
 bool NetworkExporter::Steps::Run::stopIfCancelled() {
     if (!progress->isCancelled()) {
         return false;
     }
     if (!hasStopped_.exchange(true)) {
-        exporter->stopIfCancelled(*progress, finish);
+        for (const auto& each : cancelledOperations() | std::views::reverse) {
+            if (const auto operation = each.lock()) {
+                operation->cancel();
+            }
+        }
+        finish(failure(IntegrationExportError::canceled));
     }
     return true;
 }
 
+NetworkExporter::Steps::Run::Operations NetworkExporter::Steps::Run::cancelledOperations() {
+    std::call_once(isCancelling_, [this] {
+        const auto queued = exporter->queuedTasks();
+        cancelledOperations_.assign(queued.begin(), queued.end());
+    });
+    return cancelledOperations_;
+}
+
 std::shared_ptr<ExportProgress> NetworkExporter::Steps::execute() {
-    operations_.push_back(
+    const auto last =
         run_->exporter->createSyncTask([finish = run_->finish, outcomes = std::move(outcomes_)] {
             for (const auto& outcome : outcomes) {
                 if (const auto result = outcome(); !result) {
@@ -50,7 +65,10 @@ std::shared_ptr<ExportProgress> NetworkExporter::Steps::execute() {
                 }
             }
             finish({});
-        }));
+        });
+    // Who cancels the queue, for another export too, ends this one.
+    last->setCompletionBlock([finish = run_->finish] { finish(failure(IntegrationExportError::canceled)); });
+    operations_.push_back(last);
     run_->progress->setCancellationHandler([weakly = std::weak_ptr(run_)] {
         if (const auto run = weakly.lock()) {
             run->cancel();

@@ -80,6 +80,8 @@ class NetworkExporter : public ServiceExporter {
                 : exporter(std::move(theExporter)), progress(std::move(theProgress)),
                   finish(std::move(theFinish)) {}
 
+            using Operations = std::vector<std::weak_ptr<Operation>>;
+
             void cancel();
 
             bool update();
@@ -90,7 +92,11 @@ class NetworkExporter : public ServiceExporter {
             ResultMediator<void> finish;
 
           private:
+            Operations cancelledOperations();
+
             std::atomic<bool> hasStopped_ = false;
+            std::once_flag isCancelling_;
+            Operations cancelledOperations_;
         };
 
         std::shared_ptr<Run> run_;

@@ -173,6 +173,9 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     // The user's title, or the one that the message suggests.
     std::string titleOr(const std::optional<std::string>& userTitle) const;
 
+    // The steps that have not ended, in their order.
+    std::vector<std::shared_ptr<Operation>> queuedTasks() const { return taskQueue_.operations(); }
+
     // Ends the requests that are under way; steps and all else go on.
     void cancelRequests();
     void cancelTasks();

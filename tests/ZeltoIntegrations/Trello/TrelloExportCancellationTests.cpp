@@ -161,6 +161,39 @@ TEST(TrelloExportCancellation, OfAnExportLeavesLoadingAndTheNextExportAlone) {
     EXPECT_TRUE(one.run());
 }
 
+TEST(TrelloExportCancellation, LeavesAnExportAloneThatIsBegunBehindIt) {
+    TrelloServer service;
+    for (int round = 0; round < 50; ++round) {
+        TrelloExport one;
+        one.configuration.saveAs = IntegrationExportContentType::backLink;
+        std::promise<void> start;
+        one.data->onAsked = [started = start.get_future().share()](const std::string&) { started.wait(); };
+        Completed<ExporterResult<void>> first;
+        Completed<ExporterResult<void>> second;
+        one.start(first.callback<TrelloExport::Done>())->cancel();
+        one.start(second.callback<TrelloExport::Done>());
+        start.set_value();
+        ASSERT_EQ(first.value().error(), Error::canceled);
+        ASSERT_TRUE(second.value());
+    }
+}
+
+TEST(TrelloExportCancellation, EndsTheExportsThatWaitBehindIt) {
+    TrelloExport one;
+    TrelloServer service;
+    std::promise<void> start;
+    one.data->onAsked = [started = start.get_future().share()](const std::string&) { started.wait(); };
+    Completed<ExporterResult<void>> first;
+    Completed<ExporterResult<void>> second;
+    const auto progress = one.start(first.callback<TrelloExport::Done>());
+    one.start(second.callback<TrelloExport::Done>());
+    progress->cancel();
+    start.set_value();
+    EXPECT_EQ(first.value().error(), Error::canceled);
+    EXPECT_EQ(second.value().error(), Error::canceled);
+    EXPECT_EQ(service.lines(), Texts{});
+}
+
 TEST(TrelloExportCancellation, EndsLoadingThatWaitsBehindTheExport) {
     TrelloExport one;
     TrelloServer service;
