@@ -24,6 +24,8 @@ namespace zelto {
 // the later steps that were given it; a failure does not stop the others, and the first one in the order of
 // the steps is what the export ends with. Cancelling the progress ends the request under way and the export
 // with it, without waiting for what the host was asked for; no step begins and no request is made after that.
+// It ends the exports and loadings too that wait behind it then, and so does a step that lets go of its
+// callback uncalled: an export with `canceled`, its own included.
 class NetworkExporter : public ServiceExporter {
   public:
     using ServiceExporter::ServiceExporter;

@@ -35,8 +35,8 @@ namespace zelto {
 //
 // Steps run on queue threads, never on the caller's, and so do completions, except that of an export which
 // ends before its first step (`unsupportedFormat`): it comes before `export_` returns. An export in progress
-// keeps its exporter alive; one whose step let go of its callback uncalled never completes, and keeps
-// nothing. Nothing that was done on the service is rolled back after a failure.
+// keeps its exporter alive; one whose step let go of its callback uncalled keeps nothing, and need not
+// complete. Nothing that was done on the service is rolled back after a failure.
 class ServiceExporter : public LoggerClient, public std::enable_shared_from_this<ServiceExporter> {
   public:
     ServiceExporter(ServiceAccountConfiguration configuration,

@@ -312,6 +312,19 @@ TEST_F(TrelloExportTest, AProgressHandlerMayHoldItsExporter) {
     EXPECT_TRUE(eventually([&] { return exporter.expired(); }));
 }
 
+TEST_F(TrelloExportTest, ACallbackThatTheHostDropsUncalledEndsTheExportAsCanceled) {
+    const DroppedCallbacks dropped;
+    one.interactor->makePdf = [](const auto&, const auto&, Callback<bool> done) {
+        const auto letGo = std::move(done);
+    };
+    EXPECT_EQ(one.run().error(), Error::canceled);
+    EXPECT_EQ(service.made(), Texts{"card"});
+    EXPECT_EQ(lastEventError(), "canceled");
+    const std::weak_ptr<TrelloExporter> exporter = one.exporter();
+    one.releaseExporter();
+    EXPECT_TRUE(eventually([&] { return exporter.expired(); }));
+}
+
 TEST_F(TrelloExportTest, AHostThatThrowsEndsItsStepAlone) {
     const ContainedExceptions contained;
     const DroppedCallbacks dropped;
