@@ -51,7 +51,7 @@ class Case(unittest.TestCase):
         for tab in self.browser.tabs:
             self.assertEqual(tab.said, [])
             self.assertEqual(tab.run("typeof window.zeltoCanary"), "undefined")
-            hosts = [urllib.parse.urlsplit(url).hostname for url in tab.requests.values()]
+            hosts = [urllib.parse.urlsplit(url).hostname for url in list(tab.requests.values())]
             self.assertNotIn(OUTSIDE, hosts)
         self.assertNoCalls()
 

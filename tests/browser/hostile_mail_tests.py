@@ -40,8 +40,8 @@ class HostileMail(Case):
         self.wait_for_text("A second card")
         shown = self.tab.run(OPENED)
         self.assertTrue("***" in shown)
-        received = [shown, *self.tab.stream, *map(str, self.tab.requests.values())]
-        received += [json.dumps(answer["headers"]) for answer in self.tab.answers.values()]
+        received = [shown, *self.tab.stream, *map(str, list(self.tab.requests.values()))]
+        received += [json.dumps(answer["headers"]) for answer in list(self.tab.answers.values())]
         received += [body.decode("latin-1") for body in self.tab.bodies().values()]
         self.assertTrue(any('"requests"' in text for text in received))
         for secret in secrets:
