@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Support/Eventually.h"
+
 #include <Platform/Completion.h>
 
 #include <gtest/gtest.h>
@@ -8,6 +10,7 @@
 #include <future>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 
 namespace zelto {
 
@@ -20,9 +23,9 @@ template <class T> class Completed {
 
     bool hasCome() const { return future_.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }
 
-    // Throws when nothing came within a minute.
+    // Throws when nothing came within longestWait.
     T value() {
-        if (future_.wait_for(std::chrono::minutes(1)) != std::future_status::ready) {
+        if (future_.wait_for(longestWait) != std::future_status::ready) {
             ADD_FAILURE() << "the completion did not come";
             throw std::runtime_error("the completion did not come");
         }

@@ -1,13 +1,17 @@
 #pragma once
 
 #include <chrono>
+#include <memory>
 #include <thread>
 
 namespace zelto {
 
-// Whether the condition comes true within a minute, for what ends on other threads without telling.
-template <class F> bool eventually(F&& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+// How long a test waits for what comes at once on an idle machine.
+constexpr std::chrono::minutes longestWait{2};
+
+// Whether the condition comes true within that time, for what ends on other threads without telling.
+template <class F> [[nodiscard]] bool eventually(F&& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + longestWait;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;
@@ -15,6 +19,11 @@ template <class F> bool eventually(F&& condition) {
         std::this_thread::yield();
     }
     return true;
+}
+
+// Whether nobody holds the object any more, soon.
+template <class T> [[nodiscard]] bool isGone(const std::weak_ptr<T>& object) {
+    return eventually([&] { return object.expired(); });
 }
 
 } // namespace zelto

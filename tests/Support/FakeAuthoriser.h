@@ -1,10 +1,10 @@
 #pragma once
 
+#include <Support/Eventually.h>
 #include <ZeltoIntegrations/ServiceAuthoriser.h>
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <optional>
@@ -85,7 +85,7 @@ class FakeAuthoriser : public ServiceAuthoriser {
     // Until so many requests have asked whether the token is stale.
     void waitForChecks(int count) {
         std::unique_lock lock(lock_);
-        if (!checked_.wait_for(lock, std::chrono::minutes(1), [&] { return checks_ >= count; })) {
+        if (!checked_.wait_for(lock, longestWait, [&] { return checks_ >= count; })) {
             ADD_FAILURE() << checks_ << " of " << count << " requests have asked";
         }
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <Support/Eventually.h>
+#include "Support/Eventually.h"
 
 #include <Platform/Completion.h>
 #include <Platform/Operations/ContainedException.h>
@@ -39,7 +39,7 @@ class ContainedExceptions {
 
     int count() const { return count_; }
 
-    // False if not so many have come within a minute.
+    // Whether so many come, soon.
     bool haveCome(int count) const {
         return eventually([&] { return count_ >= count; });
     }

@@ -1,17 +1,15 @@
 #pragma once
 
+#include "Support/Event.h"
+#include "Support/Eventually.h"
+
 #include <Platform/Operations/BlockOperation.h>
 #include <Platform/Operations/OperationQueue.h>
-
-#include <Support/Eventually.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
-#include <cstdlib>
 #include <functional>
-#include <future>
 #include <memory>
 #include <mutex>
 #include <thread>
@@ -52,34 +50,6 @@ class ObedientOperation : public WaitingOperation {
         finish();
     }
 };
-
-// Opens once; whoever waits too long fails. It may be destroyed as soon as a wait has returned.
-class Event {
-  public:
-    void set() {
-        const auto promise = promise_;
-        promise->set_value();
-    }
-
-    void wait() const {
-        if (future_.wait_for(std::chrono::seconds(60)) != std::future_status::ready) {
-            ADD_FAILURE() << "what was waited for did not come";
-            std::abort();
-        }
-    }
-
-  private:
-    std::shared_ptr<std::promise<void>> promise_ = std::make_shared<std::promise<void>>();
-    std::shared_future<void> future_ = promise_->get_future();
-};
-
-// The condition becomes true on another thread, and soon.
-inline void expectSoon(const std::function<bool()>& condition) {
-    if (!eventually(condition)) {
-        ADD_FAILURE() << "what was waited for did not come";
-        std::abort();
-    }
-}
 
 // What happened, in order.
 class Journal {

@@ -15,11 +15,11 @@ TEST(OperationLifetime, AFinishedOperationIsOwnedByNobody) {
     const std::weak_ptr<Operation> watchedSecond = second;
     queue.addOperations({first, second}, false);
     second = nullptr;
-    expectSoon([&] { return first->isExecuting(); });
+    ASSERT_TRUE(eventually([&] { return first->isExecuting(); }));
     first->finish();
     first = nullptr;
     queue.waitUntilAllOperationsAreFinished();
-    expectSoon([&] { return watchedFirst.expired() && watchedSecond.expired(); });
+    ASSERT_TRUE(eventually([&] { return watchedFirst.expired() && watchedSecond.expired(); }));
 }
 
 TEST(OperationLifetime, WhatIsPendingRunsAlthoughItsQueueIsReleased) {
@@ -32,11 +32,11 @@ TEST(OperationLifetime, WhatIsPendingRunsAlthoughItsQueueIsReleased) {
         for (int index = 0; index < 100; ++index) {
             queue.addOperation([&] { ++ran; });
         }
-        expectSoon([&] { return first->isExecuting(); });
+        ASSERT_TRUE(eventually([&] { return first->isExecuting(); }));
     }
     EXPECT_EQ(ran, 0);
     first->finish();
-    expectSoon([&] { return ran == 100; });
+    ASSERT_TRUE(eventually([&] { return ran == 100; }));
 }
 
 TEST(OperationLifetime, WhatWaitsForAnotherQueueRunsAlthoughItsOwnIsReleased) {
@@ -100,7 +100,7 @@ TEST(OperationLifetime, AnAsynchronousOneLivesByItsCallbackWhenItsQueueIsRelease
     EXPECT_FALSE(watched.expired());
     callback();
     callback = nullptr;
-    expectSoon([&] { return watched.expired(); });
+    ASSERT_TRUE(eventually([&] { return watched.expired(); }));
 }
 
 TEST(OperationLifetime, OneWhoseCallbackNeverComesIsReleasedWithItsQueueAndHoldsNobodyBack) {
@@ -119,14 +119,14 @@ TEST(OperationLifetime, OneWhoseCallbackNeverComesIsReleasedWithItsQueueAndHolds
         watchedNext = next;
         queue.addOperations({operation, next, dependant}, false);
         operation->callbackIsSet.wait();
-        expectSoon([&] { return operation.use_count() <= 3; });
+        ASSERT_TRUE(eventually([&] { return operation.use_count() <= 3; }));
         operation = nullptr;
         callback = nullptr;
         EXPECT_FALSE(watched.expired());
     }
     nextRan.wait();
     dependantRan.wait();
-    expectSoon([&] { return watched.expired() && watchedNext.expired(); });
+    ASSERT_TRUE(eventually([&] { return watched.expired() && watchedNext.expired(); }));
 }
 
 TEST(OperationLifetime, AQueueMayBeReleasedByItsOwnOperation) {
@@ -171,7 +171,7 @@ TEST(OperationLifetime, AThousandQueuesAreReleasedAtRandomMoments) {
         }
         queue = std::nullopt;
     }
-    expectSoon([&] { return left == 0; });
+    ASSERT_TRUE(eventually([&] { return left == 0; }));
 }
 
 } // namespace

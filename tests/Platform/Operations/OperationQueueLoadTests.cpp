@@ -13,8 +13,8 @@ TEST(OperationQueueLoad, AThousandThatWaitHoldNoThread) {
         queue.addOperation(all.back());
     }
     queue.addOperations({makeBlock()}, true);
-    expectSoon(
-        [&] { return std::ranges::all_of(all, [](const auto& each) { return each->isExecuting(); }); });
+    ASSERT_TRUE(eventually(
+        [&] { return std::ranges::all_of(all, [](const auto& each) { return each->isExecuting(); }); }));
     OperationQueue().addOperations({makeBlock()}, true);
     EXPECT_EQ(queue.operationCount(), 1000U);
     for (const auto& each : all) {
@@ -164,6 +164,7 @@ TEST(OperationQueueLoad, ManyBecomeReadyInTheOppositeOrder) {
     for (int index = 1; index < 20'000; index += 2) {
         all[static_cast<std::size_t>(index)]->cancel();
     }
+    ASSERT_TRUE(eventually([&] { return blocker->isExecuting(); }));
     blocker->finish();
     queue.waitUntilAllOperationsAreFinished();
     std::erase_if(expected, [](int each) { return each % 2 == 1; });

@@ -90,11 +90,11 @@ TEST(OperationQueue, AnAsynchronousOneHoldsItsPlaceInASerialQueue) {
     const auto first = std::make_shared<WaitingOperation>();
     const auto second = std::make_shared<WaitingOperation>();
     queue.addOperations({first, second}, false);
-    expectSoon([&] { return first->isExecuting(); });
+    ASSERT_TRUE(eventually([&] { return first->isExecuting(); }));
     OperationQueue().addOperations({makeBlock()}, true);
     EXPECT_FALSE(second->isExecuting());
     first->finish();
-    expectSoon([&] { return second->isExecuting(); });
+    ASSERT_TRUE(eventually([&] { return second->isExecuting(); }));
     second->finish();
     queue.waitUntilAllOperationsAreFinished();
 }
@@ -113,7 +113,8 @@ TEST(OperationQueue, NeverRunsMoreThanItsMaximumAndReachesIt) {
             return std::ranges::count_if(all, [](const auto& each) { return each->isExecuting(); });
         };
         for (std::size_t index = 0; index < all.size(); ++index) {
-            expectSoon([&] { return executing() == std::min<long>(limit, 50 - static_cast<long>(index)); });
+            ASSERT_TRUE(eventually(
+                [&] { return executing() == std::min<long>(limit, 50 - static_cast<long>(index)); }));
             all[index]->finish();
         }
         queue.waitUntilAllOperationsAreFinished();
@@ -133,14 +134,14 @@ TEST(OperationQueue, TheMaximumMayChangeAtAnyTime) {
     };
     EXPECT_EQ(executing(), 0);
     queue.setMaxConcurrentOperationCount(3);
-    expectSoon([&] { return executing() == 3; });
+    ASSERT_TRUE(eventually([&] { return executing() == 3; }));
     queue.setMaxConcurrentOperationCount(1);
     all[0]->finish();
     all[1]->finish();
     EXPECT_EQ(executing(), 1);
     queue.setMaxConcurrentOperationCount(-5);
     EXPECT_EQ(queue.maxConcurrentOperationCount(), OperationQueue::defaultMaxConcurrentOperationCount);
-    expectSoon([&] { return executing() == 8; });
+    ASSERT_TRUE(eventually([&] { return executing() == 8; }));
     for (const auto& each : all) {
         each->finish();
     }
@@ -157,7 +158,7 @@ TEST(OperationQueue, NothingBeginsWhileItIsSuspended) {
     queue.addOperations({cancelled, operation}, false);
     cancelled->cancel();
     cancelled->waitUntilFinished();
-    expectSoon([&] { return queue.operationCount() == 1; });
+    ASSERT_TRUE(eventually([&] { return queue.operationCount() == 1; }));
     EXPECT_FALSE(ran);
     queue.setSuspended(false);
     operation->waitUntilFinished();
@@ -171,7 +172,7 @@ TEST(OperationQueue, RefusesAnOperationThatBelongsToAQueueOrHasRun) {
     EXPECT_TRUE(queue.addOperation(operation));
     EXPECT_FALSE(queue.addOperation(operation));
     EXPECT_FALSE(other.addOperation(operation));
-    expectSoon([&] { return operation->isExecuting(); });
+    ASSERT_TRUE(eventually([&] { return operation->isExecuting(); }));
     operation->start();
     operation->finish();
     queue.waitUntilAllOperationsAreFinished();
@@ -202,7 +203,7 @@ TEST(OperationQueue, DependenciesReachAcrossQueues) {
     queue.addOperation(third);
     other.addOperation(second);
     queue.addOperation(first);
-    expectSoon([&] { return journal.notes() == std::vector{1}; });
+    ASSERT_TRUE(eventually([&] { return journal.notes() == std::vector{1}; }));
     first->finish();
     third->waitUntilFinished();
     EXPECT_EQ(journal.notes(), (std::vector{1, 2, 3}));
@@ -229,7 +230,7 @@ TEST(OperationQueue, ADependencyAddedBeforeTheOnlyOneFinishesHoldsTheOperationBa
         requests.addOperation(request);
         request->waitUntilFinished();
         EXPECT_FALSE(step->isFinished());
-        expectSoon([&] { return journal.notes() == std::vector{1, 2}; });
+        ASSERT_TRUE(eventually([&] { return journal.notes() == std::vector{1, 2}; }));
         repetition->finish();
         step->waitUntilFinished();
         EXPECT_EQ(journal.notes(), (std::vector{1, 2, 3}));
@@ -246,7 +247,7 @@ TEST(OperationQueue, AReadyOperationThatGetsADependencyDoesNotBegin) {
     const auto late = std::make_shared<WaitingOperation>();
     const auto last = makeBlock();
     queue.addOperations({blocker, operation, last}, false);
-    expectSoon([&] { return blocker->isExecuting(); });
+    ASSERT_TRUE(eventually([&] { return blocker->isExecuting(); }));
     EXPECT_TRUE(operation->isReady());
     EXPECT_TRUE(operation->addDependency(late));
     blocker->finish();
@@ -267,7 +268,7 @@ TEST(OperationQueue, CancellingAllEndsWhatHasNotBegunAndFlagsWhatRuns) {
         pending.push_back(std::make_shared<WaitingOperation>([] { FAIL() << "it ran"; }));
         queue.addOperation(pending.back());
     }
-    expectSoon([&] { return running->isExecuting(); });
+    ASSERT_TRUE(eventually([&] { return running->isExecuting(); }));
     queue.cancelAllOperations();
     for (const auto& each : pending) {
         each->waitUntilFinished();
@@ -288,7 +289,7 @@ TEST(OperationQueue, CancellingAllBeginsNothingWhenTheRunningOneEndsAtOnce) {
         for (int index = 0; index < 10; ++index) {
             queue.addOperation([] { FAIL() << "it ran"; });
         }
-        expectSoon([&] { return running->isExecuting(); });
+        ASSERT_TRUE(eventually([&] { return running->isExecuting(); }));
         queue.cancelAllOperations();
         queue.waitUntilAllOperationsAreFinished();
     }

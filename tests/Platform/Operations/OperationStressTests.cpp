@@ -29,7 +29,7 @@ class Stress {
         for (auto& each : queues_) {
             each.waitUntilAllOperationsAreFinished();
         }
-        expectSoon([this] { return completed_ == made_; });
+        ASSERT_TRUE(eventually([this] { return completed_ == made_; }));
         EXPECT_EQ(ran_ + ended_, made_);
         for (const auto& each : all_) {
             EXPECT_TRUE(each->isFinished());
@@ -168,7 +168,7 @@ TEST(OperationStress, DependenciesThatFinishWhileTheyAreAddedAreAllWaitedFor) {
             target->addDependency(each);
         }
         other.join();
-        expectSoon([&] { return gate->isExecuting(); });
+        ASSERT_TRUE(eventually([&] { return gate->isExecuting(); }));
         gate->finish();
         queue.waitUntilAllOperationsAreFinished();
         EXPECT_EQ(ran, 40);

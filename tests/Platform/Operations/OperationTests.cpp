@@ -169,7 +169,7 @@ TEST(Operation, CancellingARunningOneOnlySetsTheFlag) {
     const auto operation = std::make_shared<WaitingOperation>();
     OperationQueue queue;
     queue.addOperation(operation);
-    expectSoon([&] { return operation->isExecuting(); });
+    ASSERT_TRUE(eventually([&] { return operation->isExecuting(); }));
     operation->cancel();
     EXPECT_TRUE(operation->isCancelled());
     EXPECT_TRUE(operation->isExecuting());
