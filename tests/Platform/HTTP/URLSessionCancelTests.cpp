@@ -1,6 +1,6 @@
 #include <Platform/HTTP/URLSession.h>
 
-#include "Support/Eventually.h"
+#include "Support/Event.h"
 #include "Support/RecordingDelegate.h"
 #include "Support/ScriptedServer.h"
 #include "Support/SessionTasks.h"
@@ -10,34 +10,32 @@
 
 #include <atomic>
 #include <random>
-#include <semaphore>
 
 namespace zelto {
 namespace {
 
 constexpr std::string_view head = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n";
 
-// Cancels a task when its server has come to the place where the script releases the semaphore, and waits for
+// Cancels a task when its server has come to the place where the script sets the event, and waits for
 // both ends.
-void expectCancelledAt(URLRequest request,
-                       const std::function<void(Conversation&, std::binary_semaphore&)>& script) {
-    std::binary_semaphore isThere(0);
-    std::binary_semaphore serverIsDone(0);
+void expectCancelledAt(URLRequest request, const std::function<void(Conversation&, Event&)>& script) {
+    Event isThere;
+    Event serverIsDone;
     ScriptedServer server([&](Conversation& conversation) {
         script(conversation, isThere);
         conversation.waitForEnd();
-        serverIsDone.release();
+        serverIsDone.set();
     });
     request.url = server.url();
     URLSession session(URLSessionConfiguration::ephemeral());
     Completed<TaskEnd> end;
     const auto task = session.dataTask(std::move(request), TaskEnd::into(end));
     task->resume();
-    isThere.acquire();
+    isThere.wait();
     task->cancel();
     task->cancel();
     EXPECT_EQ(end.value().code(), URLErrorCode::cancelled);
-    serverIsDone.acquire();
+    serverIsDone.wait();
 }
 
 const URL anyURL = *URL::parse("http://127.0.0.1/");
@@ -45,7 +43,7 @@ const URL anyURL = *URL::parse("http://127.0.0.1/");
 TEST(URLSessionCancel, BeforeTheHeadEndsTheConnection) {
     expectCancelledAt(URLRequest(anyURL), [](Conversation& conversation, auto& isThere) {
         conversation.readHead();
-        isThere.release();
+        isThere.set();
     });
 }
 
@@ -53,7 +51,7 @@ TEST(URLSessionCancel, WithinTheHeadEndsTheConnection) {
     expectCancelledAt(URLRequest(anyURL), [](Conversation& conversation, auto& isThere) {
         conversation.readHead();
         conversation.send(head.substr(0, 20));
-        isThere.release();
+        isThere.set();
     });
 }
 
@@ -61,7 +59,7 @@ TEST(URLSessionCancel, WithinALongBodyEndsTheConnection) {
     expectCancelledAt(URLRequest(anyURL), [](Conversation& conversation, auto& isThere) {
         conversation.readHead();
         conversation.send("HTTP/1.1 200 OK\r\nContent-Length: 1000000\r\n\r\nhello");
-        isThere.release();
+        isThere.set();
     });
 }
 
@@ -69,8 +67,10 @@ TEST(URLSessionCancel, WithinAnEndlessBodyEndsTheConnection) {
     expectCancelledAt(URLRequest(anyURL), [](Conversation& conversation, auto& isThere) {
         conversation.readHead();
         conversation.send("HTTP/1.1 200 OK\r\n\r\nhello");
-        isThere.release();
-        while (conversation.send(std::string(10'000, 'x'))) {
+        isThere.set();
+        // What is larger than a session takes would end by itself.
+        const std::string piece(10'000, 'x');
+        for (int sent = 0; sent < 10'000 && conversation.send(piece); ++sent) {
         }
     });
 }
@@ -81,7 +81,7 @@ TEST(URLSessionCancel, WithinAnUploadEndsTheConnection) {
     expectCancelledAt(std::move(request), [](Conversation& conversation, auto& isThere) {
         conversation.readHead();
         conversation.read(100'000);
-        isThere.release();
+        isThere.set();
     });
 }
 
@@ -89,17 +89,17 @@ TEST(URLSessionCancel, OfAStreamThatIsSilentEndsTheConnection) {
     expectCancelledAt(URLRequest(anyURL), [](Conversation& conversation, auto& isThere) {
         conversation.readHead();
         conversation.send("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n");
-        isThere.release();
+        isThere.set();
     });
 }
 
 TEST(URLSessionCancel, OfATaskThatWaitsForItsTurnSendsNothing) {
-    std::binary_semaphore answers(0);
+    Event answers;
     std::atomic<int> received = 0;
     ScriptedServer server([&](Conversation& conversation) {
         while (!conversation.readHead().empty()) {
             if (++received == 1) {
-                answers.acquire();
+                answers.wait();
             }
             conversation.send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
         }
@@ -117,7 +117,7 @@ TEST(URLSessionCancel, OfATaskThatWaitsForItsTurnSendsNothing) {
         tasks[cancelled]->cancel();
         EXPECT_EQ(ends[cancelled].value().code(), URLErrorCode::cancelled);
     }
-    answers.release();
+    answers.set();
     for (const int finished : {0, 2, 4}) {
         EXPECT_EQ(ends[finished].value().text(), "ok");
     }
@@ -136,20 +136,23 @@ TEST(URLSessionCancel, AfterTheEndHasNoEffect) {
     task->resume();
 }
 
-// The rest of the answer comes when the task has been cancelled, and a later request goes over its
-// connection.
-void expectConnectionKept(std::string_view first, std::string_view rest) {
-    std::binary_semaphore isCancelled(0);
+// The rest of the answer comes when the task has been cancelled. Whether a later request goes over its
+// connection, rather than that the connection is closed.
+bool keepsConnection(std::string_view first, std::string_view rest) {
+    Event isCancelled;
+    std::atomic<bool> isClosed = false;
     ScriptedServer server([&](Conversation& conversation) {
         if (conversation.number() == 0) {
             conversation.readHead();
             conversation.send(first);
-            isCancelled.acquire();
+            isCancelled.wait();
             conversation.send(rest);
         }
         if (!conversation.readHead().empty()) {
             conversation.send("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n" +
                               std::to_string(conversation.number()));
+        } else if (conversation.number() == 0) {
+            isClosed = true;
         }
     });
     const auto delegate = std::make_shared<RecordingDelegate>();
@@ -157,17 +160,33 @@ void expectConnectionKept(std::string_view first, std::string_view rest) {
     delegate->onData = [](URLSessionDataTask& task, auto) { task.cancel(); };
     session.dataTask(URLRequest(server.url()))->resume();
     EXPECT_EQ(delegate->eventsAfter(1).back(), "1 end cancelled");
-    isCancelled.release();
+    isCancelled.set();
     // Until the rest has been read, requests take new connections.
-    EXPECT_TRUE(eventually([&] { return TaskEnd::of(session, URLRequest(server.url())).text() == "0"; }));
+    bool isKept = false;
+    EXPECT_TRUE(eventually([&] {
+        isKept = TaskEnd::of(session, URLRequest(server.url())).text() == "0";
+        return isKept || isClosed;
+    }));
+    return isKept;
+}
+
+// The rest is waited for a second only, which a busy machine may let pass.
+bool keepsConnectionInTime(std::string_view first, std::string_view rest) {
+    for (int attempt = 0; attempt < 5; ++attempt) {
+        if (keepsConnection(first, rest)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 TEST(URLSessionCancel, WhenLittleIsLeftKeepsTheConnection) {
-    expectConnectionKept("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nhello", "world");
+    EXPECT_TRUE(keepsConnectionInTime("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nhello", "world"));
 }
 
 TEST(URLSessionCancel, WhenOnlyTheLastChunkIsLeftKeepsTheConnection) {
-    expectConnectionKept("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n", "0\r\n\r\n");
+    EXPECT_TRUE(keepsConnectionInTime("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n",
+                                      "0\r\n\r\n"));
 }
 
 TEST(URLSessionCancel, AtAnyMomentTellsEachTaskItsEndOnce) {
@@ -178,7 +197,7 @@ TEST(URLSessionCancel, AtAnyMomentTellsEachTaskItsEndOnce) {
     configuration.simultaneousTransfers = 8;
     constexpr int count = 500;
     std::atomic<int> ends = 0;
-    std::counting_semaphore<> isOver(0);
+    Event isOver;
     {
         URLSession session(configuration);
         std::minstd_rand random(1);
@@ -189,8 +208,9 @@ TEST(URLSessionCancel, AtAnyMomentTellsEachTaskItsEndOnce) {
             tasks.push_back(session.dataTask(std::move(request), [&](auto data, auto, auto error) {
                 EXPECT_NE(data.has_value(), error.has_value());
                 EXPECT_TRUE(!error || error->code == URLErrorCode::cancelled) << error->message;
-                ++ends;
-                isOver.release();
+                if (++ends == count) {
+                    isOver.set();
+                }
             }));
             tasks.back()->resume();
             if (random() % 2 == 0) {
@@ -203,9 +223,7 @@ TEST(URLSessionCancel, AtAnyMomentTellsEachTaskItsEndOnce) {
             }
         }
     }
-    for (int number = 0; number < count; ++number) {
-        isOver.acquire();
-    }
+    isOver.wait();
     EXPECT_EQ(ends, count);
 }
 

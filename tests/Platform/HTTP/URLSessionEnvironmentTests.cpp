@@ -1,6 +1,7 @@
 #include <Platform/HTTP/URLSession.h>
 #include <Platform/Lasting.h>
 
+#include "Support/Eventually.h"
 #include "Support/Sanitizers.h"
 #include "Support/ScriptedServer.h"
 #include "Support/SessionTasks.h"
@@ -170,10 +171,7 @@ TEST_F(URLSessionProcessDeathTest, AProcessEndsAtOnceWithTransfersUnderWay) {
             request.body = HTTPBody(std::string(10'000, 'x'));
             session.dataTask(request, [](auto, auto, auto) {})->resume();
         }
-        while (server.connectionCount() < 10) {
-            std::this_thread::yield();
-        }
-        std::exit(0);
+        std::exit(eventually([] { return server.connectionCount() >= 10; }) ? 0 : 1);
     };
     EXPECT_EXIT(leaves(), testing::ExitedWithCode(0), "");
 }
@@ -193,10 +191,7 @@ TEST_F(URLSessionProcessDeathTest, AProcessEndsAtOnceWhileTransfersBeginAndEnd) 
         for (int number = 0; number < 500; ++number) {
             begin();
         }
-        while (ended < 1000) {
-            std::this_thread::yield();
-        }
-        std::exit(0);
+        std::exit(eventually([] { return ended >= 1000; }) ? 0 : 1);
     };
     EXPECT_EXIT(leaves(), testing::ExitedWithCode(0), "");
 }
@@ -257,7 +252,7 @@ TEST_F(URLSessionProcessDeathTest, AForkedProcessEndsAtOnce) {
         }
         const auto child = ::fork();
         if (child == 0) {
-            ::alarm(20);
+            ::alarm(60);
             std::exit(0);
         }
         int status = 0;

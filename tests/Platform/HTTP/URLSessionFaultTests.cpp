@@ -1,5 +1,6 @@
 #include <Platform/HTTP/URLSession.h>
 
+#include "Support/Event.h"
 #include "Support/KillingProxy.h"
 #include "Support/ScriptedServer.h"
 #include "Support/SessionTasks.h"
@@ -8,7 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <semaphore>
 
 // Servers that lie, break off or never end.
 
@@ -135,18 +135,18 @@ TEST(URLSessionFault, AnAnswerWithoutEndIsCutAtTheLimit) {
         while (piece.size() < 10'000) {
             piece += repeated;
         }
-        std::binary_semaphore isCut(0);
+        Event isCut;
         ScriptedServer server([&](Conversation& conversation) {
             conversation.readHead();
             conversation.send(start);
             while (conversation.send(piece)) {
             }
-            isCut.release();
+            isCut.set();
         });
         const auto end = TaskEnd::of(session, URLRequest(server.url()));
         EXPECT_EQ(end.code(), URLErrorCode::answerTooLarge) << start << repeated << describe(end);
         EXPECT_EQ(end.data, std::nullopt);
-        isCut.acquire();
+        isCut.wait();
     }
 }
 
