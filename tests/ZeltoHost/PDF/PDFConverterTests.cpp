@@ -1,12 +1,12 @@
 #include <ZeltoHost/PDF/PDFConverter.h>
 
 #include "Output.h"
+#include <Support/Completed.h>
+#include <Support/Event.h>
 #include <Support/LoopbackServer.h>
 #include <Support/TemporaryFolder.h>
 
 #include <gtest/gtest.h>
-
-#include <future>
 
 namespace zelto {
 namespace {
@@ -23,15 +23,14 @@ class PDFConverterTest : public testing::Test {
     }
 
     Result<void, PDFError> convert(PDFConverter& converter, const std::string& html) {
-        std::promise<Result<void, PDFError>> promise;
-        auto future = promise.get_future();
-        converter.convert(html, target(),
-                          [&](Result<void, PDFError> result) { promise.set_value(std::move(result)); });
-        if (future.wait_for(120s) != std::future_status::ready) {
-            ADD_FAILURE() << "the conversion never ended";
-            std::abort();
-        }
-        return future.get();
+        return convert(converter, html, target());
+    }
+
+    static Result<void, PDFError> convert(PDFConverter& converter, const std::string& html,
+                                          const std::filesystem::path& target) {
+        Completed<Result<void, PDFError>> converted;
+        converter.convert(html, target, converted.callback<Completion<void, PDFError>>());
+        return converted.value();
     }
 
     // Runs it as a shell script that is told the input and the output.
@@ -210,10 +209,8 @@ TEST_F(PDFConverterTest, AMissingConverterIsTold) {
 
 TEST_F(PDFConverterTest, ATargetThatCannotBeWrittenIsTold) {
     PDFConverter converter(script("printf '%%PDF-1.4' > \"$2\""));
-    std::promise<PDFErrorCode> promise;
-    converter.convert("x", folder_ / "absent" / "out.pdf",
-                      [&](const Result<void, PDFError>& result) { promise.set_value(result.error().code); });
-    EXPECT_EQ(promise.get_future().get(), PDFErrorCode::cannotWrite);
+    EXPECT_EQ(convert(converter, "x", folder_ / "absent" / "out.pdf").error().code,
+              PDFErrorCode::cannotWrite);
 }
 
 TEST_F(PDFConverterTest, ConversionsThatRunOrWaitAreCanceledWhenTheConverterGoes) {
@@ -233,15 +230,15 @@ TEST_F(PDFConverterTest, ConversionsThatRunOrWaitAreCanceledWhenTheConverterGoes
 
 TEST_F(PDFConverterTest, TheConverterMayEndInItsOwnCompletion) {
     auto converter = std::make_unique<PDFConverter>(script("printf '%%PDF-1.4' > \"$2\""));
-    std::promise<void> done;
+    Event done;
     auto& told = *converter;
     told.convert("x", target(),
                  [owner = std::move(converter), &done](const Result<void, PDFError>& result) mutable {
                      EXPECT_TRUE(result);
                      owner.reset();
-                     done.set_value();
+                     done.set();
                  });
-    EXPECT_EQ(done.get_future().wait_for(60s), std::future_status::ready);
+    done.wait();
 }
 
 TEST_F(PDFConverterTest, EveryErrorHasASentence) {

@@ -1,5 +1,6 @@
 #include <ZeltoHost/Platform/URLOpener.h>
 
+#include <Support/Completed.h>
 #include <Support/Eventually.h>
 #include <Support/TemporaryFolder.h>
 
@@ -7,7 +8,6 @@
 
 #include <atomic>
 #include <cstdlib>
-#include <future>
 #include <optional>
 
 namespace zelto {
@@ -48,14 +48,9 @@ Outcome open(URLOpener& opener, const std::string& text) {
     if (!url) {
         return failure(OpenError{OpenErrorCode::failed, "test", "no URL: " + text});
     }
-    std::promise<Outcome> promise;
-    auto future = promise.get_future();
-    opener.open(*url, [&](Outcome outcome) { promise.set_value(std::move(outcome)); });
-    if (future.wait_for(100s) != std::future_status::ready) {
-        ADD_FAILURE() << "no completion came";
-        std::abort(); // the promise must not go while somebody holds it
-    }
-    return future.get();
+    Completed<Outcome> opened;
+    opener.open(*url, opened.callback<Completion<void, OpenError>>());
+    return opened.value();
 }
 
 OpenError errorOf(const Outcome& outcome) {

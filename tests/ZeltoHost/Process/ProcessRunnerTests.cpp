@@ -2,17 +2,17 @@
 
 #include "Support/HostMistakes.h"
 
+#include <Support/Completed.h>
+#include <Support/Event.h>
+
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <future>
 #include <stdexcept>
 
 namespace zelto {
 
 namespace {
-
-using namespace std::chrono_literals;
 
 ProcessRequest shell(const std::string& script) {
     return {.arguments = {"/bin/sh", "-c", script}};
@@ -22,32 +22,26 @@ ProcessRequest shell(const std::string& script) {
 
 TEST(ProcessRunner, TheCompletionComesWithTheResult) {
     ProcessRunner runner;
-    std::promise<ProcessResult> promise;
-    auto future = promise.get_future();
-    runner.start(shell("echo out; exit 4"), [&](const ProcessResult& result) { promise.set_value(result); });
-    ASSERT_EQ(future.wait_for(60s), std::future_status::ready);
-    const auto result = future.get();
+    Completed<ProcessResult> ended;
+    runner.start(shell("echo out; exit 4"), ended.callback<Callback<ProcessResult>>());
+    const auto result = ended.value();
     EXPECT_EQ(result.end, ProcessEnd(ProcessExited{4}));
     EXPECT_EQ(result.output, "out\n");
 }
 
 TEST(ProcessRunner, ARequestThatCannotStartCompletesToo) {
-    std::promise<ProcessResult> promise;
-    auto future = promise.get_future();
+    Completed<ProcessResult> ended;
     ProcessRunner runner;
-    runner.start({.arguments = {"relative"}},
-                 [&](const ProcessResult& result) { promise.set_value(result); });
-    ASSERT_EQ(future.wait_for(60s), std::future_status::ready);
-    EXPECT_TRUE(std::holds_alternative<ProcessFailedToStart>(future.get().end));
+    runner.start({.arguments = {"relative"}}, ended.callback<Callback<ProcessResult>>());
+    EXPECT_TRUE(std::holds_alternative<ProcessFailedToStart>(ended.value().end));
 }
 
 TEST(ProcessRunner, ProgramsDoNotWaitForEachOther) {
+    Event done;
     ProcessRunner runner;
-    std::promise<void> done;
-    auto future = done.get_future();
     runner.start(shell("sleep 1000"), [](const ProcessResult&) {});
-    runner.start(shell("true"), [&](const ProcessResult&) { done.set_value(); });
-    EXPECT_EQ(future.wait_for(60s), std::future_status::ready);
+    runner.start(shell("true"), [&](const ProcessResult&) { done.set(); });
+    done.wait();
 }
 
 TEST(ProcessRunner, ItsEndStopsProgramsAndWaitsForTheirCompletions) {
@@ -71,15 +65,14 @@ TEST(ProcessRunner, WhatACompletionThrowsIsContained) {
 }
 
 TEST(ProcessRunner, ACompletionMayReleaseTheRunner) {
-    std::promise<void> done;
-    auto future = done.get_future();
+    Event done;
     auto runner = std::make_shared<ProcessRunner>();
     auto& running = *runner;
     running.start(shell("true"), [owner = std::move(runner), &done](const ProcessResult&) mutable {
         owner.reset();
-        done.set_value();
+        done.set();
     });
-    EXPECT_EQ(future.wait_for(60s), std::future_status::ready);
+    done.wait();
 }
 
 } // namespace zelto

@@ -155,12 +155,20 @@ TEST(Process, ItEndsWithTheProgramThoughOthersHoldItsOutput) {
 
 TEST(Process, TheWallTimeEndsTheWholeGroup) {
     auto request = shell("sleep 1000 & echo $!; trap '' TERM; wait");
-    request.limits.wallTime = 300ms;
-    const auto result = runProcess(request);
-    EXPECT_EQ(result.end, ProcessEnd(ProcessTimedOut{}));
-    EXPECT_EQ(describe(result.end), "did not end in time and was stopped");
-    ASSERT_FALSE(result.output.empty());
-    EXPECT_TRUE(endsSoon(std::stoi(result.output)));
+    std::string child;
+    // A busy machine may take long to begin the program.
+    for (const auto wallTime : {300ms, 3'000ms, 30'000ms}) {
+        request.limits.wallTime = wallTime;
+        const auto result = runProcess(request);
+        EXPECT_EQ(result.end, ProcessEnd(ProcessTimedOut{}));
+        EXPECT_EQ(describe(result.end), "did not end in time and was stopped");
+        child = result.output;
+        if (!child.empty()) {
+            break;
+        }
+    }
+    ASSERT_FALSE(child.empty());
+    EXPECT_TRUE(endsSoon(std::stoi(child)));
 }
 
 TEST(Process, AProgramThatWritesWithoutEndIsStoppedInTime) {

@@ -201,7 +201,7 @@ TEST(SignInListener, IsNotHeldUpByConnectionsThatSayNothing) {
 }
 
 TEST(SignInListener, EndsAConnectionThatTakesTooLong) {
-    Serving serving(false, {.request = std::chrono::seconds(1)});
+    Serving serving(false, {.request = std::chrono::seconds(3)});
     const RawClient slow(serving.port());
     slow.send("GET ");
     EXPECT_EQ(slow.receiveAll(), "");

@@ -218,7 +218,7 @@ TEST(SignIn, EndsWhenItsTimeHasRunOut) {
 }
 
 TEST(SignIn, TellsWhatCameInsteadOfTheAnswer) {
-    const auto signIn = begun(ServiceType::Asana, {.limit = std::chrono::seconds(3)});
+    const auto signIn = begun(ServiceType::Asana, {.limit = std::chrono::seconds(5)});
     EXPECT_EQ(
         complaint(outcome(*signIn,
                           [&] {

@@ -1,3 +1,4 @@
+#include <ZeltoHost/Process/ProcessRunner.h>
 #include <ZeltoHost/Storage/AccountLock.h>
 
 #include <TrovenhalCommon/KeyChain/FileKeyChainStore.h>
@@ -5,6 +6,8 @@
 #include <ZeltoIntegrations/ServiceCredentialsManager.h>
 #include <ZeltoIntegrations/Zoom/ZoomAuthoriser.h>
 
+#include <Support/Completed.h>
+#include <Support/Event.h>
 #include <Support/MemoryKeyChain.h>
 #include <Support/ServiceRoute.h>
 #include <Support/TemporaryFolder.h>
@@ -17,10 +20,7 @@
 #include <mutex>
 #include <thread>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace zelto {
 
@@ -65,11 +65,10 @@ class ZoomTestClient final : public ServiceClient {
     using ServiceClient::ServiceClient;
 
     bool call() {
-        std::promise<bool> worked;
-        auto future = worked.get_future();
+        Completed<ServiceResult<Empty>> worked;
         perform<Empty>(jsonRequest("https://api.zoom.us", "/v2/users/me", "GET"), nullptr,
-                       [&](const ServiceResult<Empty>& result) { worked.set_value(result.has_value()); });
-        return future.get();
+                       worked.callback<ServiceCompletion<Empty>>());
+        return worked.value().has_value();
     }
 };
 
@@ -89,24 +88,12 @@ bool worksAsUser(const char* directory) {
     return useAccount(directory);
 }
 
-// Runs the test below in a process of its own, where it is one of the eight.
-pid_t startUser(const std::filesystem::path& directory, const URL& service) {
-    const auto pid = ::fork();
-    if (pid == 0) {
-        ::setenv(directoryVariable, directory.c_str(), 1);
-        ::setenv(serviceVariable, service.absoluteString().c_str(), 1);
-        ::dup2(::open("/dev/null", O_WRONLY | O_CLOEXEC), STDOUT_FILENO);
-        ::execl("/proc/self/exe", "ZeltoHostTests",
-                "--gtest_filter=AccountLock.LetsEightProcessesRefreshOnceInSum", nullptr);
-        ::_exit(127);
-    }
-    return pid;
-}
-
-int statusOf(pid_t pid) {
-    int status = 0;
-    EXPECT_EQ(::waitpid(pid, &status, 0), pid);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+// The test below in a process of its own, where it is one of the eight.
+ProcessRequest asUser(const std::filesystem::path& directory, const URL& service) {
+    return {.arguments = {"/usr/bin/env", std::string(directoryVariable) + "=" + directory.string(),
+                          std::string(serviceVariable) + "=" + service.absoluteString(),
+                          std::filesystem::read_symlink("/proc/self/exe").string(),
+                          "--gtest_filter=AccountLock.LetsEightProcessesRefreshOnceInSum"}};
 }
 
 void storeStaleAccount(const std::filesystem::path& directory, const RotatingService& service) {
@@ -140,11 +127,11 @@ TEST(AccountLock, IsWaitedForAndThatIsTold) {
     const TemporaryFolder folder;
     const auto directory = std::filesystem::path(folder / "data");
     auto first = std::make_optional(AccountLock::take(directory, identifier, mustNotWait));
-    std::promise<void> waits;
+    Event waits;
     auto second = std::async(std::launch::async, [&] {
-        return AccountLock::take(directory, identifier, [&] { waits.set_value(); }).has_value();
+        return AccountLock::take(directory, identifier, [&] { waits.set(); }).has_value();
     });
-    waits.get_future().wait();
+    waits.wait();
     EXPECT_EQ(second.wait_for(std::chrono::seconds(0)), std::future_status::timeout);
     first.reset();
     EXPECT_TRUE(second.get());
@@ -198,12 +185,14 @@ TEST(AccountLock, LetsEightProcessesRefreshOnceInSum) {
     constexpr int rounds = 5;
     for (int round = 1; round <= rounds; ++round) {
         storeStaleAccount(directory, service);
-        std::vector<pid_t> users;
-        for (int i = 0; i < 8; ++i) {
-            users.push_back(startUser(directory, server.url()));
+        ProcessRunner runner;
+        std::vector<Completed<ProcessResult>> users(8);
+        for (auto& user : users) {
+            runner.start(asUser(directory, server.url()), user.callback<Callback<ProcessResult>>());
         }
-        for (const auto user : users) {
-            EXPECT_EQ(statusOf(user), 0);
+        for (auto& user : users) {
+            const auto result = user.value();
+            EXPECT_TRUE(result.succeeded()) << result.output << result.errorOutput;
         }
         EXPECT_EQ(service.refreshes, round);
         EXPECT_EQ(service.refusals, 0);
