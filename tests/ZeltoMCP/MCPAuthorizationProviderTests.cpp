@@ -1,6 +1,6 @@
 #include "MCPCalls.h"
 
-#include <Support/Eventually.h>
+#include <Support/Event.h>
 #include <Support/HostMistakes.h>
 #include <Support/Sanitizers.h>
 
@@ -8,7 +8,6 @@
 
 #include <atomic>
 #include <functional>
-#include <future>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -243,9 +242,9 @@ TEST(MCPAuthorizationProvider, AnsweringTwiceSendsAndCompletesOnce) {
 }
 
 TEST(MCPAuthorizationProvider, CancellingWhileItAnswersEndsTheCall) {
-    std::promise<void> goOn;
-    TestHTTPServer server([gate = goOn.get_future().share()](const ReceivedRequest& request) {
-        gate.wait();
+    Event goOn;
+    TestHTTPServer server([&](const ReceivedRequest& request) {
+        goOn.wait();
         return jsonAnswer(request, "1");
     });
     constexpr int rounds = 300;
@@ -271,7 +270,7 @@ TEST(MCPAuthorizationProvider, CancellingWhileItAnswersEndsTheCall) {
         }
         EXPECT_EQ(connectionError(end.value()), URLErrorCode::cancelled);
     }
-    goOn.set_value();
+    goOn.set();
 }
 
 } // namespace

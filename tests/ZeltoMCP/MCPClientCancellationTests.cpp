@@ -1,12 +1,12 @@
 #include "MCPCalls.h"
 
+#include <Support/Event.h>
 #include <Support/HostMistakes.h>
 
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <functional>
-#include <future>
 #include <memory>
 #include <optional>
 #include <string>
@@ -96,11 +96,10 @@ const PlayedTransport::Answer longListing = [](const std::string&, std::size_t c
 };
 
 TEST(MCPClientCancellation, EndsWhatIsUnderWayAndKeepsTheSession) {
-    std::promise<void> goOn;
-    auto gate = goOn.get_future().share();
+    Event goOn;
     MCPServer server([&](const ReceivedRequest& request) {
         if (methodOf(request) == "tools/call") {
-            gate.wait();
+            goOn.wait();
         }
         return jsonAnswer(request, R"({"content":[]})");
     });
@@ -110,7 +109,7 @@ TEST(MCPClientCancellation, EndsWhatIsUnderWayAndKeepsTheSession) {
     client.callTool("t", {}, end.callback<MCPCompletion<MCPToolCallResult>>());
     client.cancelAll();
     EXPECT_EQ(connectionError(end.value()), URLErrorCode::cancelled);
-    goOn.set_value();
+    goOn.set();
     EXPECT_TRUE(ping(client));
     EXPECT_EQ(server.log().back(), "ping session-1");
 }

@@ -2,12 +2,12 @@
 
 #include "MCPCalls.h"
 
+#include <Support/Event.h>
+
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
 #include <functional>
-#include <future>
 #include <string>
 
 namespace zelto {
@@ -40,16 +40,16 @@ TEST(MCPHTTPStream, PassesOverWhatIsNoAnswerToTheRequest) {
 }
 
 TEST(MCPHTTPStream, TheAnswerEndsItWithoutTheRest) {
-    std::promise<void> isOver;
+    Event isOver;
     const auto result = outcomeOf([&](const Sender& send) {
         send(eventOf(notification));
         send(eventOf(theAnswer));
         while (send(eventOf(notification))) {
         }
-        isOver.set_value();
+        isOver.set();
     });
     EXPECT_TRUE(result);
-    EXPECT_EQ(isOver.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
+    isOver.wait();
 }
 
 TEST(MCPHTTPStream, EndingWithoutTheAnswerSaysSo) {
@@ -143,22 +143,22 @@ TEST(MCPHTTPStream, AMillionForeignEventsAreReadInPassing) {
 }
 
 TEST(MCPHTTPStream, OneThatStallsEndsByCancelling) {
-    std::promise<void> hasBegun;
-    std::promise<void> goOn;
+    Event hasBegun;
+    Event goOn;
     TestHTTPServer server({eventStream([&](const Sender& send) {
         send(": wait\n");
-        hasBegun.set_value();
-        goOn.get_future().wait();
+        hasBegun.set();
+        goOn.wait();
         send(eventOf(theAnswer));
     })});
     auto transport = transportTo(server);
     Completed<MCPResult<MCPResponse>> end;
     transport.send(MCPRequest{MCPRequestID::string("1"), "m", {}},
                    end.callback<MCPCompletion<MCPResponse>>());
-    hasBegun.get_future().wait();
+    hasBegun.wait();
     transport.cancelAll();
     EXPECT_EQ(connectionError(end.value()), URLErrorCode::cancelled);
-    goOn.set_value();
+    goOn.set();
 }
 
 TEST(MCPHTTPStream, CancellingWhileAnswersComeCompletesEachCallOnce) {
@@ -170,18 +170,18 @@ TEST(MCPHTTPStream, CancellingWhileAnswersComeCompletesEachCallOnce) {
         auto transport = transportTo(server);
         constexpr int calls = 8;
         std::atomic<int> left = calls;
-        std::promise<void> all;
+        Event all;
         for (int index = 0; index < calls; ++index) {
             transport.send(MCPRequest{MCPRequestID::int_(index), "m", {}},
                            [&](MCPResult<MCPResponse> result) {
                                EXPECT_TRUE(result || connectionError(result) == URLErrorCode::cancelled);
                                if (--left == 0) {
-                                   all.set_value();
+                                   all.set();
                                }
                            });
         }
         transport.cancelAll();
-        ASSERT_EQ(all.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
+        all.wait();
     }
 }
 

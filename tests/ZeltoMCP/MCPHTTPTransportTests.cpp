@@ -1,12 +1,10 @@
 #include "MCPTransportCalls.h"
 
-#include <Support/Eventually.h>
+#include <Support/Event.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
-#include <future>
 #include <thread>
 
 namespace zelto {
@@ -112,28 +110,28 @@ TEST(MCPHTTPTransport, SeveralChallengeFieldsAreReadAsOne) {
 }
 
 TEST(MCPHTTPTransport, ANotificationAnsweredAcceptedCompletesAtOnce) {
-    std::promise<void> isOver;
+    Event isOver;
     TestHTTPServer server([&](const ReceivedRequest&) {
         return PlayedAnswer{.closes = true,
                             .raw = "HTTP/1.1 202 Accepted\r\nContent-Length: 100000000\r\n\r\n",
                             .stream = [&](const Sender& send) {
                                 while (send(std::string(1 << 16, 'x'))) {
                                 }
-                                isOver.set_value();
+                                isOver.set();
                             }};
     });
     auto transport = transportTo(server);
     EXPECT_TRUE(notify(transport));
-    EXPECT_EQ(isOver.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
+    isOver.wait();
 }
 
 TEST(MCPHTTPTransport, ANotificationAnsweredOtherwiseCompletesWhenTheBodyHasCome) {
-    std::promise<void> goOn;
+    Event goOn;
     std::atomic<bool> bodyCame = false;
     TestHTTPServer server([&](const ReceivedRequest&) {
         return PlayedAnswer{.raw = "HTTP/1.1 200 OK\r\nMcp-Session-Id: s\r\nContent-Length: 5\r\n\r\nab",
                             .stream = [&](const Sender& send) {
-                                goOn.get_future().wait();
+                                goOn.wait();
                                 bodyCame = true;
                                 send("cde");
                             }};
@@ -142,7 +140,7 @@ TEST(MCPHTTPTransport, ANotificationAnsweredOtherwiseCompletesWhenTheBodyHasCome
     Completed<MCPResult<void>> sent;
     transport.send(MCPNotification{"n", {}}, sent.callback<MCPCompletion<void>>());
     EXPECT_FALSE(sent.hasCome());
-    goOn.set_value();
+    goOn.set();
     EXPECT_TRUE(sent.value());
     EXPECT_TRUE(bodyCame);
     EXPECT_EQ(transport.activeSessionID(), "s");
@@ -195,18 +193,18 @@ TEST(MCPHTTPTransport, CompletesOnItsSerialQueueWhereARequestWasMade) {
     std::atomic<bool> overlapped = false;
     constexpr int calls = 50;
     std::atomic<int> left = calls;
-    std::promise<void> all;
+    Event all;
     for (int index = 0; index < calls; ++index) {
         transport.send(MCPRequest{MCPRequestID::int_(index), "m", {}}, [&](MCPResult<MCPResponse> result) {
             overlapped = overlapped || running++ > 0 || !result;
             std::this_thread::yield();
             --running;
             if (--left == 0) {
-                all.set_value();
+                all.set();
             }
         });
     }
-    ASSERT_EQ(all.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
+    all.wait();
     EXPECT_FALSE(overlapped);
 }
 
@@ -214,13 +212,13 @@ TEST(MCPHTTPTransport, ACompletionHoldsUpItsOwnTransportAlone) {
     TestHTTPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "1"); });
     auto transport = transportTo(server);
     auto other = transportTo(server);
-    std::promise<void> hasBegun;
-    std::promise<void> goOn;
+    Event hasBegun;
+    Event goOn;
     transport.send(MCPRequest{MCPRequestID::int_(1), "m", {}}, [&](MCPResult<MCPResponse>) {
-        hasBegun.set_value();
-        goOn.get_future().wait();
+        hasBegun.set();
+        goOn.wait();
     });
-    ASSERT_EQ(hasBegun.get_future().wait_for(std::chrono::minutes(1)), std::future_status::ready);
+    hasBegun.wait();
     Completed<MCPResult<MCPResponse>> next;
     transport.send(MCPRequest{MCPRequestID::int_(2), "second", {}},
                    next.callback<MCPCompletion<MCPResponse>>());
@@ -229,14 +227,14 @@ TEST(MCPHTTPTransport, ACompletionHoldsUpItsOwnTransportAlone) {
         EXPECT_TRUE(send(other));
     }
     EXPECT_FALSE(next.hasCome());
-    goOn.set_value();
+    goOn.set();
     EXPECT_TRUE(next.value());
 }
 
 TEST(MCPHTTPTransport, WhatIsUnderWayEndsAlsoWhenTheTransportIsReleased) {
-    std::promise<void> goOn;
+    Event goOn;
     TestHTTPServer server([&](const ReceivedRequest& request) {
-        goOn.get_future().wait();
+        goOn.wait();
         return jsonAnswer(request, "1");
     });
     Completed<MCPResult<MCPResponse>> end;
@@ -245,7 +243,7 @@ TEST(MCPHTTPTransport, WhatIsUnderWayEndsAlsoWhenTheTransportIsReleased) {
         transport.send(MCPRequest{MCPRequestID::int_(1), "m", {}},
                        end.callback<MCPCompletion<MCPResponse>>());
     }
-    goOn.set_value();
+    goOn.set();
     EXPECT_TRUE(end.value());
 }
 
