@@ -34,14 +34,19 @@ TEST(SandboxHTTP, ListensOnBothLoopbackAddressesAndTellsWhenAPortIsTaken) {
                   "a free one.");
 }
 
-TEST(SandboxHTTP, TakesAPortAgainAtOnce) {
+bool takesAPortAgain() {
     SandboxOptions options;
     {
         const SandboxCaller caller;
         options.port = caller.server->port();
         EXPECT_EQ(answered(caller, simple).status, 404);
     }
-    EXPECT_TRUE(SandboxServer::start(options));
+    return SandboxServer::start(options).has_value();
+}
+
+TEST(SandboxHTTP, TakesAPortAgainAtOnce) {
+    // The system may give the port to a connection of another program meanwhile.
+    EXPECT_TRUE(takesAPortAgain() || takesAPortAgain() || takesAPortAgain());
 }
 
 TEST(SandboxHTTP, AnswersForTheServicesHostsAndItsOwnNamesAlone) {

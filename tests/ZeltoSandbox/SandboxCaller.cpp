@@ -2,6 +2,8 @@
 
 #include <Platform/PercentEncoding.h>
 
+#include <Support/Eventually.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -47,9 +49,9 @@ void CallerConnection::send(std::string_view bytes) {
 }
 
 bool CallerConnection::fill() {
-    constexpr int patience = 10'000;
+    constexpr auto patience = std::chrono::milliseconds(longestWait);
     pollfd waiting{socket_.get(), POLLIN, 0};
-    if (::poll(&waiting, 1, patience) <= 0) {
+    if (::poll(&waiting, 1, static_cast<int>(patience.count())) <= 0) {
         ADD_FAILURE() << "the sandbox neither answered nor ended the connection";
         return false;
     }

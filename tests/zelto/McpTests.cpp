@@ -3,6 +3,7 @@
 
 #include <McpSession.h>
 
+#include <Support/Event.h>
 #include <Support/LogCapture.h>
 
 #include <gtest/gtest.h>
@@ -10,7 +11,6 @@
 #include <atomic>
 #include <chrono>
 #include <fstream>
-#include <future>
 #include <mutex>
 #include <sys/stat.h>
 #include <thread>
@@ -131,21 +131,20 @@ PlayedAnswer slowEnd() {
 }
 
 TEST(Mcp, GivesUpAfterTheTimeoutAndEndsTheSession) {
-    std::promise<void> goOn;
-    auto gate = goOn.get_future().share();
+    Event goOn;
     MCPServer server([&](const ReceivedRequest& request) {
         if (request.method == "DELETE") {
             return slowEnd();
         }
-        return eventStream([gate](const Sender& send) {
+        return eventStream([&](const Sender& send) {
             send(": wait\n\n");
-            gate.wait();
+            goOn.wait();
         });
     });
     const ZeltoProgram zelto;
     const auto outcome =
-        zelto.run({"mcp", "ping", server.url().absoluteString(), "--timeout", "0.3", "--json"});
-    goOn.set_value();
+        zelto.run({"mcp", "ping", server.url().absoluteString(), "--timeout", "3", "--json"});
+    goOn.set();
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.text("error"), "timedOut");
     EXPECT_EQ(outcome.errorOutput, "");

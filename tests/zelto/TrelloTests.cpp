@@ -1,6 +1,7 @@
 #include "TrelloAccount.h"
 #include "ZeltoProgram.h"
 
+#include <Support/Event.h>
 #include <Support/TrelloExport.h>
 
 #include <gtest/gtest.h>
@@ -196,20 +197,20 @@ TEST_F(TrelloCommands, AnExportOfATypeThatIsNotTakenDoesNotSpoilTheNext) {
 
 TEST_F(TrelloCommands, CtrlCCancelsAnExportAndTellsWhatExists) {
     const auto reached = zelto.home / "reached";
-    std::promise<void> release;
+    Event release;
     std::atomic<int> requests = 0;
     service.onRequest =
-        [&, released = release.get_future().share()](const ReceivedRequest&) -> std::optional<PlayedAnswer> {
+        [&](const ReceivedRequest&) -> std::optional<PlayedAnswer> {
         if (++requests == 2) {
             zelto.home.write("reached", "");
-            released.wait();
+            release.wait();
         }
         return std::nullopt;
     };
     const auto outcome = zelto.runShell(
         "zelto export " + mail + " --to trello --as backLink --title Title --attach all & until [ -e " +
         reached.string() + " ]; do :; done; kill -INT $!; wait $!");
-    release.set_value();
+    release.set();
     EXPECT_EQ(outcome.status, 130);
     EXPECT_EQ(outcome.output, "");
     EXPECT_TRUE(
