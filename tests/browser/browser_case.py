@@ -9,7 +9,7 @@ import unittest
 import urllib.parse
 
 from attacks import OUTSIDE
-from chromium import Chromium
+from chromium import Chromium, Failed
 from sandbox import Sandbox
 
 # Chromium calls its maker now and then, whatever page it shows.
@@ -37,6 +37,16 @@ class Case(unittest.TestCase):
     def start(self, port=0):
         folder = tempfile.mkdtemp(dir=self.scratch.name)
         return Sandbox(os.environ["ZELTO"], folder, port)
+
+    def start_on_lasting_port(self):
+        """On a port that the system gives to no connection while the sandbox is away."""
+        first = 20_000 + os.getpid() % 10_000
+        for port in range(first, first + 100):
+            try:
+                return self.start(port)
+            except Failed:
+                continue
+        raise Failed(f"no port from {first} on is free")
 
     def show(self):
         self.tab.open(f"{self.sandbox.url}/")

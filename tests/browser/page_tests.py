@@ -120,6 +120,8 @@ class Page(Case):
         self.assertIn("number=last", self.tab.run("document.querySelector('.request').innerText"))
 
     def test_the_end_of_the_sandbox_is_told_and_its_return_too(self):
+        self.sandbox.close()
+        self.sandbox = self.start_on_lasting_port()
         self.sandbox.add_card(self.sandbox.token(), "Before the end")
         self.show()
         self.wait_for_text("Before the end")
