@@ -17,7 +17,7 @@ constexpr std::size_t mostUnderWay = 256;
 constexpr std::size_t mostIdleHandles = 64;
 constexpr long mostConnections = 256;
 
-constexpr std::chrono::seconds patienceAtExit{2};
+constexpr std::chrono::seconds patienceAtExit{10};
 constexpr std::chrono::hours longestWait{1};
 
 CURLSH* newShare() {

@@ -38,7 +38,7 @@ bool limit(__rlimit_resource resource, const std::optional<std::uint64_t>& wante
 }
 
 bool takeLimits(const ProcessLimits& limits) noexcept {
-    return limit(RLIMIT_CORE, 0, 0) && limit(RLIMIT_CPU, limits.cpuSeconds, 1) &&
+    return limit(RLIMIT_CORE, 0, 0) && limit(RLIMIT_CPU, limits.cpuSeconds, 10) &&
            limit(RLIMIT_AS, limits.addressSpace, 0) && limit(RLIMIT_FSIZE, limits.fileSize, 0);
 }
 

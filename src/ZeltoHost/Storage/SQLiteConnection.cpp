@@ -13,6 +13,9 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds longestWait{5000};
 
+// Time in which this process was not run does not count as waiting.
+constexpr int fewestLooks = 1000;
+
 StorageErrorCode codeOf(int result) {
     switch (result & 0xff) {
     case SQLITE_BUSY:
@@ -94,7 +97,7 @@ int SQLiteConnection::waitForOthers(void* connection, int calls) {
     if (calls == 0) {
         self.waitingSince_ = now;
     }
-    if (now - self.waitingSince_ >= longestWait) {
+    if (now - self.waitingSince_ >= longestWait && calls >= fewestLooks) {
         return 0;
     }
     thread_local std::minstd_rand random(std::random_device{}());
