@@ -113,11 +113,11 @@ TEST(URLSessionLoad, ManySessionsAtOnceShareTheThreadAndTheBoundOfTheProcess) {
 
 // Cancelled ones keep their places until the rest of their answers has been read or given up.
 TEST(URLSessionLoad, OneThatWaitsForAPlaceGetsThatOfACancelledOne) {
-    std::counting_semaphore<> goOn(0);
+    Event goOn;
     ScriptedServer server([&](Conversation& conversation) {
         conversation.readHead();
         conversation.send("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\nhello");
-        goOn.acquire();
+        goOn.wait();
         conversation.send("world");
         conversation.waitForEnd();
     });
@@ -141,7 +141,7 @@ TEST(URLSessionLoad, OneThatWaitsForAPlaceGetsThatOfACancelledOne) {
     for (const auto& task : tasks) {
         task->cancel();
     }
-    goOn.release(mostUnderWay);
+    goOn.set();
     EXPECT_EQ(end.value().text(), "ok");
 }
 
