@@ -1,34 +1,16 @@
 #pragma once
 
 #include <Support/Completed.h>
+#include <Support/Event.h>
 #include <Support/FakeAuthoriser.h>
 #include <Support/ServiceRoute.h>
 #include <ZeltoIntegrations/ServiceClient.h>
 
-#include <atomic>
-#include <future>
 #include <memory>
 #include <string>
 #include <vector>
 
 namespace zelto {
-
-// Lets all callers of wait() through once it is open.
-class Gate {
-  public:
-    void open() {
-        if (!isOpen_.exchange(true)) {
-            promise_.set_value();
-        }
-    }
-
-    void wait() const { future_.wait(); }
-
-  private:
-    std::atomic<bool> isOpen_ = false;
-    std::promise<void> promise_;
-    std::shared_future<void> future_ = promise_.get_future().share();
-};
 
 using Answers = std::vector<PlayedAnswer>;
 

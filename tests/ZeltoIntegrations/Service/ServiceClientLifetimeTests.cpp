@@ -5,10 +5,9 @@
 
 #include <Platform/Operations/OperationQueue.h>
 
-#include <Support/Eventually.h>
-
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <random>
 #include <thread>
 
@@ -29,16 +28,12 @@ class CancellingAuthoriser : public FakeAuthoriser {
     ServiceClient* client = nullptr;
 };
 
-bool isGone(const std::weak_ptr<FakeAuthoriser>& authoriser) {
-    return eventually([&] { return authoriser.expired(); });
-}
-
 // Holds every answer back until it is let go.
 class HeldServer {
   public:
-    ~HeldServer() { gate_.open(); }
+    ~HeldServer() { gate_.set(); }
 
-    Gate& gate() { return gate_; }
+    Event& gate() { return gate_; }
 
     const TestHTTPServer& http() const { return server_; }
 
@@ -54,7 +49,7 @@ class HeldServer {
         return isRefresh(request) ? freshToken() : PlayedAnswer{.body = "ok"};
     }
 
-    Gate gate_;
+    Event gate_;
     std::atomic<bool> hasArrived_ = false;
     Completed<bool> arrival_;
     Callback<bool> arrived_ = arrival_.callback<Callback<bool>>();
@@ -99,7 +94,7 @@ TEST(ServiceClientLifetime, CancellingLosesNoTokenOfARefreshUnderWay) {
     EXPECT_TRUE(requests.allEndWith(failure(E::connectionError)));
     EXPECT_TRUE(authoriser->updates().empty());
     Requests later(client, 10);
-    server.gate().open();
+    server.gate().set();
     EXPECT_TRUE(later.allEndWith("ok"));
     EXPECT_EQ(authoriser->updates(),
               (std::vector<ServiceResult<OAuthToken>>{OAuthToken{"new-token", std::nullopt, 3600}}));
@@ -120,7 +115,7 @@ TEST(ServiceClientLifetime, ARefreshThatOutlivesItsCancelledClientEndsAndLeavesN
     }
     EXPECT_TRUE(requests->allEndWith(failure(E::connectionError)));
     EXPECT_FALSE(weakly.expired());
-    server.gate().open();
+    server.gate().set();
     EXPECT_TRUE(isGone(weakly));
 }
 
@@ -137,7 +132,7 @@ TEST(ServiceClientLifetime, CancellingOneRequestLeavesTheOthers) {
     operation->cancel();
     operation->cancel();
     EXPECT_EQ(one.value(), failure(E::connectionError));
-    server.gate().open();
+    server.gate().set();
     EXPECT_EQ(other.value(), "ok");
 }
 
@@ -190,7 +185,7 @@ TEST(ServiceClientLifetime, ReleasingTheClientLosesNoCallback) {
         ServiceClient client(std::move(authoriser), {});
         requests.emplace(client, 10);
     }
-    server.gate().open();
+    server.gate().set();
     EXPECT_TRUE(requests->allEndWith("ok"));
     EXPECT_TRUE(isGone(weakly));
 }
@@ -250,7 +245,7 @@ TEST(ServiceOperation, HasItsTaskOnceItRuns) {
     server.waitForRequest();
     ASSERT_NE(operation->task(), nullptr);
     EXPECT_EQ(operation->task()->taskIdentifier(), 1);
-    server.gate().open();
+    server.gate().set();
     EXPECT_EQ(end.value()->body, dataOf("ok"));
 }
 

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+
 namespace zelto {
 
 namespace {
@@ -164,7 +166,7 @@ TEST(ServiceClient, LogsWhatTheServiceSaidWithoutTheToken) {
 }
 
 TEST(ServiceClient, TheTargetOperationWaitsForTheResult) {
-    Gate answering;
+    Event answering;
     const TestHTTPServer server([&](const ReceivedRequest&) {
         answering.wait();
         return PlayedAnswer{};
@@ -180,7 +182,7 @@ TEST(ServiceClient, TheTargetOperationWaitsForTheResult) {
     OperationQueue queue;
     queue.addOperation(target);
     EXPECT_FALSE(target->isReady());
-    answering.open();
+    answering.set();
     EXPECT_TRUE(begun.value());
 }
 
@@ -204,10 +206,10 @@ TEST(ServiceClient, RunsItsRequestsInParallel) {
     // Each answer waits for the requests of all.
     constexpr int count = 20;
     std::atomic<int> arrived = 0;
-    Gate allArrived;
+    Event allArrived;
     const TestHTTPServer server([&](const ReceivedRequest&) {
         if (++arrived == count) {
-            allArrived.open();
+            allArrived.set();
         }
         allArrived.wait();
         return PlayedAnswer{};
