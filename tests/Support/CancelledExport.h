@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Support/Completed.h>
-#include <Support/Eventually.h>
+#include <Support/Event.h>
 
 #include <ZeltoIntegrations/ExportProgress.h>
 #include <ZeltoIntegrations/ExportReport.h>
@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <future>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -70,7 +69,7 @@ template <class Export, class Server> class CancelledExport {
         });
         progress_->setProgressHandler([this](float) { happens("progress"); });
         happens("started");
-        start_.set_value();
+        started_.set();
         outcome_.result = completed.value();
         happens("ended");
         outcome_.report = one_.exporter()->exportReport();
@@ -105,7 +104,7 @@ template <class Export, class Server> class CancelledExport {
         const std::weak_ptr progress = progress_;
         one_.releaseExporter();
         progress_ = nullptr;
-        EXPECT_TRUE(eventually([&] { return exporter.expired() && progress.expired(); }));
+        EXPECT_TRUE(isGone(exporter) && isGone(progress));
         EXPECT_TRUE(eventually([&] {
             return one_.data.use_count() == 1 && one_.interactor.use_count() == 1 &&
                    one_.storage.use_count() == 1;
@@ -118,8 +117,7 @@ template <class Export, class Server> class CancelledExport {
     const std::ptrdiff_t madeBefore_;
     std::mutex lock_;
     Cancelled outcome_;
-    std::promise<void> start_;
-    std::shared_future<void> started_ = start_.get_future().share();
+    Event started_;
     std::shared_ptr<ExportProgress> progress_;
     Export one_;
 };

@@ -6,10 +6,11 @@
 #include <ZeltoIntegrations/Things/ThingsExporter.h>
 #include <ZeltoIntegrations/TwoDo/TwoDoExporter.h>
 
+#include <Support/Event.h>
 #include <Support/ServiceExport.h>
 
 #include <functional>
-#include <future>
+#include <memory>
 #include <string>
 
 namespace zelto {
@@ -30,16 +31,15 @@ template <class Exporter> class SchemeExport : public ServiceExport<Exporter> {
     VoidResult run() {
         Completed<VoidResult> completed;
         // Holds the first text back until the caller of export_ has its progress.
-        std::promise<void> started;
+        const auto started = std::make_shared<Event>();
         const auto asked = this->data->onAsked;
-        this->data->onAsked = [asked,
-                               hasStarted = started.get_future().share()](const std::string& operation) {
-            hasStarted.wait();
+        this->data->onAsked = [asked, started](const std::string& operation) {
+            started->wait();
             asked(operation);
         };
         this->progress = this->start(completed.template callback<Completion<void, IntegrationExportError>>());
         onStarted(*this->progress);
-        started.set_value();
+        started->set();
         const auto result = completed.value();
         this->data->onAsked = asked;
         return result;

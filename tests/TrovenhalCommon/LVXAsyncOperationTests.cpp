@@ -3,18 +3,33 @@
 
 #include <Platform/Operations/BlockOperation.h>
 
-#include <Support/Eventually.h>
+#include <Support/Event.h>
 
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <chrono>
-#include <future>
+#include <functional>
 #include <mutex>
 #include <stdexcept>
 
 namespace zelto {
 namespace {
+
+// Keeps what a step is handed until somebody calls it.
+struct Handed {
+    std::function<void()> take() {
+        hasCome.wait();
+        return std::move(onComplete);
+    }
+
+    void operator()(std::function<void()> given) {
+        onComplete = std::move(given);
+        hasCome.set();
+    }
+
+    std::function<void()> onComplete;
+    Event hasCome;
+};
 
 class Step : public LVXAsyncOperation {
   public:
@@ -30,10 +45,10 @@ class Step : public LVXAsyncOperation {
 
 TEST(LVXAsyncOperation, StaysExecutingUntilItsCallbackIsCalled) {
     LVXOperationQueue queue;
-    std::promise<std::function<void()>> handed;
-    const auto step = std::make_shared<Step>([&](auto onComplete) { handed.set_value(onComplete); });
+    Handed handed;
+    const auto step = std::make_shared<Step>([&](auto onComplete) { handed(onComplete); });
     queue.addOperation(step);
-    const auto onComplete = handed.get_future().get();
+    const auto onComplete = handed.take();
     EXPECT_TRUE(step->isExecuting());
     EXPECT_FALSE(step->isFinished());
     onComplete();
@@ -78,15 +93,15 @@ TEST(LVXAsyncOperation, CancelledBeforeItBeganItsFunctionIsNotRun) {
 TEST(LVXAsyncOperation, TheNextOneOfASerialQueueWaitsForTheCallback) {
     LVXOperationQueue queue;
     queue.setMaxConcurrentOperationCount(1);
-    std::promise<std::function<void()>> handed;
+    Handed handed;
     std::atomic<bool> secondBegan = false;
-    queue.addOperation(std::make_shared<Step>([&](auto onComplete) { handed.set_value(onComplete); }));
+    queue.addOperation(std::make_shared<Step>([&](auto onComplete) { handed(onComplete); }));
     const auto second = std::make_shared<Step>([&](const auto& onComplete) {
         secondBegan = true;
         onComplete();
     });
     queue.addOperation(second);
-    const auto onComplete = handed.get_future().get();
+    const auto onComplete = handed.take();
     EXPECT_FALSE(secondBegan);
     onComplete();
     second->waitUntilFinished();
@@ -94,39 +109,37 @@ TEST(LVXAsyncOperation, TheNextOneOfASerialQueueWaitsForTheCallback) {
 }
 
 TEST(LVXAsyncOperation, TheCallbackMayComeAfterQueueAndOwnerAreGone) {
-    std::promise<std::function<void()>> handed;
+    Handed handed;
     std::weak_ptr<Step> released;
     {
         LVXOperationQueue queue;
-        auto step = std::make_shared<Step>([&](auto onComplete) { handed.set_value(std::move(onComplete)); });
+        auto step = std::make_shared<Step>([&](auto onComplete) { handed(std::move(onComplete)); });
         released = step;
         queue.addOperation(std::move(step));
     }
-    auto onComplete = handed.get_future().get();
+    auto onComplete = handed.take();
     onComplete();
     onComplete();
     onComplete = nullptr;
     // The thread of the pool may still be on its way out of the operation.
-    EXPECT_TRUE(eventually([&] { return released.expired(); }));
+    EXPECT_TRUE(isGone(released));
 }
 
 TEST(LVXAsyncOperation, FinishesWhenAnExceptionDropsItsCallbackOnAnotherThread) {
     LVXOperationQueue queue;
     queue.setMaxConcurrentOperationCount(1);
-    std::promise<std::function<void()>> handed;
-    std::promise<void> nextBegan;
-    auto next = nextBegan.get_future();
-    queue.addOperation(
-        std::make_shared<Step>([&](auto onComplete) { handed.set_value(std::move(onComplete)); }));
-    queue.addOperation([&] { nextBegan.set_value(); });
-    auto onComplete = handed.get_future().get();
+    Handed handed;
+    Event nextBegan;
+    queue.addOperation(std::make_shared<Step>([&](auto onComplete) { handed(std::move(onComplete)); }));
+    queue.addOperation([&] { nextBegan.set(); });
+    auto onComplete = handed.take();
     EXPECT_THROW(
         {
             const auto dropped = std::move(onComplete);
             throw std::runtime_error("what calls back threw");
         },
         std::runtime_error);
-    EXPECT_EQ(next.wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    nextBegan.wait();
 }
 
 TEST(LVXAsyncOperation, FinishesWhenAnExceptionThatItContainsDropsItsCallback) {
@@ -145,13 +158,13 @@ TEST(LVXAsyncOperation, FinishesWhenAnExceptionThatItContainsDropsItsCallback) {
 
 TEST(LVXAsyncOperation, ACallbackThatIsDroppedWithoutAnExceptionLeavesTheQueueWaiting) {
     LVXOperationQueue queue;
-    std::promise<void> wasDropped;
+    Event wasDropped;
     const auto step = std::make_shared<Step>([&](auto onComplete) {
         onComplete = nullptr;
-        wasDropped.set_value();
+        wasDropped.set();
     });
     queue.addOperation(step);
-    wasDropped.get_future().wait();
+    wasDropped.wait();
     EXPECT_FALSE(step->isFinished());
     EXPECT_EQ(queue.operationCount(), 1U);
 }
@@ -160,17 +173,17 @@ TEST(LVXAsyncOperation, AHundredWaitingOnesHoldNoThread) {
     LVXOperationQueue queue;
     std::mutex lock;
     std::vector<std::function<void()>> callbacks;
-    std::promise<void> allBegan;
+    Event allBegan;
     for (int index = 0; index < 100; ++index) {
         queue.addOperation(std::make_shared<Step>([&](auto onComplete) {
             const std::lock_guard guard(lock);
             callbacks.push_back(std::move(onComplete));
             if (callbacks.size() == 100) {
-                allBegan.set_value();
+                allBegan.set();
             }
         }));
     }
-    ASSERT_EQ(allBegan.get_future().wait_for(std::chrono::seconds(20)), std::future_status::ready);
+    allBegan.wait();
     const std::lock_guard guard(lock);
     for (const auto& callback : callbacks) {
         callback();

@@ -3,9 +3,12 @@
 #include <Platform/Operations/BlockOperation.h>
 #include <Platform/Operations/OperationQueue.h>
 
+#include <Support/Event.h>
+
 #include <gtest/gtest.h>
 
-#include <future>
+#include <atomic>
+#include <optional>
 
 namespace zelto {
 
@@ -32,14 +35,17 @@ TEST(ExporterAsyncOperation, KeepsWhatItsCallbackWasCalledWith) {
 TEST(ExporterAsyncOperation, EndsWithItsCallbackAndHoldsTheStepsBehindItUntilThen) {
     OperationQueue queue;
     queue.setMaxConcurrentOperationCount(1);
-    std::promise<Callback<int>> given;
-    auto callback = given.get_future();
+    Callback<int> done;
+    Event isGiven;
     std::atomic<bool> secondRan = false;
-    const auto first = std::make_shared<Step>([&](Callback<int> done) { given.set_value(std::move(done)); });
+    const auto first = std::make_shared<Step>([&](Callback<int> given) {
+        done = std::move(given);
+        isGiven.set();
+    });
     const auto second = std::make_shared<BlockOperation>([&] { secondRan = true; });
     queue.addOperations({first, second}, false);
 
-    auto done = callback.get();
+    isGiven.wait();
     EXPECT_FALSE(first->isFinished());
     EXPECT_FALSE(secondRan);
     done(1);

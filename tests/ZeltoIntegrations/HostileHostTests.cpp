@@ -1,4 +1,4 @@
-#include <Support/Eventually.h>
+#include <Support/Event.h>
 #include <Support/HostMistakes.h>
 #include <Support/SchemeExport.h>
 
@@ -31,7 +31,7 @@ class HostileHost : public testing::Test {
         const std::weak_ptr<TwoDoExporter> weakly = exporter;
         exporter->export_(one.configuration, std::move(completion));
         exporter.reset();
-        return eventually([&] { return weakly.expired(); });
+        return isGone(weakly);
     }
 };
 
@@ -121,19 +121,23 @@ TEST_F(HostileHost, ACallbackThatIsDroppedUncalledReleasesTheExporterWithoutComp
 }
 
 TEST_F(HostileHost, ACallbackThatComesLateOnAnotherThreadEndsTheExport) {
-    std::promise<Callback<bool>> asked;
-    one.interactor->openURL = [&](const URL&, Callback<bool> done) { asked.set_value(std::move(done)); };
+    Callback<bool> done;
+    Event isAsked;
+    one.interactor->openURL = [&](const URL&, Callback<bool> given) {
+        done = std::move(given);
+        isAsked.set();
+    };
     Completed<ExporterResult<void>> completed;
     auto exporter = one.exporterFor(one.data);
     const std::weak_ptr<TwoDoExporter> weakly = exporter;
     exporter->export_(one.configuration, completed.callback<Completion<void, Error>>());
     exporter.reset();
-    auto done = asked.get_future().get();
+    isAsked.wait();
     EXPECT_FALSE(completed.hasCome());
     EXPECT_FALSE(weakly.expired());
     std::thread([&] { done(true); }).join();
     EXPECT_TRUE(completed.value());
-    EXPECT_TRUE(eventually([&] { return weakly.expired(); }));
+    EXPECT_TRUE(isGone(weakly));
 }
 
 TEST_F(HostileHost, AnExportCanBeStartedFromTheCompletionOfAnother) {

@@ -134,7 +134,7 @@ TYPED_TEST(SchemeExporterURLTest, AnExportWithTheStubNeverCompletesAndKeepsNothi
     const auto progress =
         exporter->export_(this->one.configuration, [&completed](ExporterResult<void>) { completed = true; });
     exporter.reset();
-    EXPECT_TRUE(eventually([&] { return weakly.expired(); }));
+    EXPECT_TRUE(isGone(weakly));
     EXPECT_FALSE(completed);
     EXPECT_EQ(progress->completedUnitCount(), 0);
 }

@@ -1,7 +1,7 @@
 #include <ZeltoIntegrations/ServiceExporter.h>
 
 #include <Support/Completed.h>
-#include <Support/Eventually.h>
+#include <Support/Event.h>
 #include <Support/FakeDataInteractor.h>
 #include <Support/FakePlatformInteractor.h>
 #include <Support/FakeStorage.h>
@@ -176,11 +176,11 @@ TEST_F(ServiceExporterTest, StepsRunOneAfterTheOtherInTheirOrderOffTheCallersThr
 
 TEST_F(ServiceExporterTest, ProgressAdvancesByOneStepAtATime) {
     std::vector<float> fractions;
-    std::promise<void> handlerSet;
-    exporter->beforeStep = [&, ready = handlerSet.get_future().share()](int) { ready.wait(); };
+    const auto handlerSet = std::make_shared<Event>();
+    exporter->beforeStep = [handlerSet](int) { handlerSet->wait(); };
     const auto progress = start({}, 4);
     progress->setProgressHandler([&](float fraction) { fractions.push_back(fraction); });
-    handlerSet.set_value();
+    handlerSet->set();
     EXPECT_TRUE(completed.value());
     EXPECT_EQ(fractions, (std::vector<float>{0.25f, 0.5f, 0.75f, 1.0f}));
 }
@@ -188,11 +188,11 @@ TEST_F(ServiceExporterTest, ProgressAdvancesByOneStepAtATime) {
 TEST_F(ServiceExporterTest, ACancelledProgressStopsTheStepsAndCompletesOnceWithCanceled) {
     const auto client = std::make_shared<FakeClient>();
     exporter->updateActiveClient(client);
-    std::promise<void> cancelled;
-    exporter->beforeStep = [&, done = cancelled.get_future().share()](int) { done.wait(); };
+    const auto cancelled = std::make_shared<Event>();
+    exporter->beforeStep = [cancelled](int) { cancelled->wait(); };
     const auto progress = start({.name = "mine"}, 3);
     progress->cancel();
-    cancelled.set_value();
+    cancelled->set();
     EXPECT_EQ(completed.value().error(), IntegrationExportError::canceled);
     EXPECT_EQ(exporter->stepsRun, 1);
     EXPECT_EQ(client->cancellations, 1);
@@ -260,16 +260,16 @@ TEST_F(ServiceExporterTest, WithoutAnOfferedConfigurationNothingCountsAsChanged)
 }
 
 TEST_F(ServiceExporterTest, AnExportKeepsItsExporterAliveUntilItHasCompleted) {
-    std::promise<void> released;
-    exporter->beforeStep = [done = released.get_future().share()](int) { done.wait(); };
+    const auto released = std::make_shared<Event>();
+    exporter->beforeStep = [released](int) { released->wait(); };
     const std::weak_ptr<StepExporter> weakly = exporter;
     start({}, 2);
     exporter.reset();
     EXPECT_FALSE(weakly.expired());
-    released.set_value();
+    released->set();
     EXPECT_TRUE(completed.value());
     // The queue drops its last step on a thread of its own.
-    EXPECT_TRUE(eventually([&] { return weakly.expired(); }));
+    EXPECT_TRUE(isGone(weakly));
 }
 
 TEST_F(ServiceExporterTest, AClientThatIsReplacedMayAskTheExporterAsItGoes) {

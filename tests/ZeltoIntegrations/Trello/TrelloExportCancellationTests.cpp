@@ -1,5 +1,5 @@
 #include <Support/CancelledExport.h>
-#include <Support/Eventually.h>
+#include <Support/Event.h>
 #include <Support/MemoryKeyChain.h>
 #include <Support/TrelloExport.h>
 
@@ -7,7 +7,6 @@
 
 #include <atomic>
 #include <filesystem>
-#include <future>
 #include <iterator>
 
 namespace zelto {
@@ -22,8 +21,8 @@ using Loaded = LoadResult<TrelloFullData>;
 class SlowKeyChain final : public LVXKeyChainStore {
   public:
     Result<std::optional<Data>, KeyChainError> read(const std::string&) override {
-        asked.set_value();
-        answer.get_future().wait();
+        asked.set();
+        answer.wait();
         return dataOf(R"({"accessToken":"token"})");
     }
 
@@ -31,8 +30,8 @@ class SlowKeyChain final : public LVXKeyChainStore {
 
     Result<bool, KeyChainError> erase(const std::string&) override { return true; }
 
-    std::promise<void> asked;
-    std::promise<void> answer;
+    Event asked;
+    Event answer;
 };
 
 std::ptrdiff_t entriesIn(const char* folder) {
@@ -87,43 +86,43 @@ TEST(TrelloExportCancellation, DoesNotWaitForTheKeyChainAndSendsNothingOnceItIsO
     const InstalledKeyChain installed(keyChain);
     Completed<ExporterResult<void>> completed;
     const auto progress = one.start(completed.callback<TrelloExport::Done>());
-    keyChain->asked.get_future().wait();
+    keyChain->asked.wait();
     progress->cancel();
     EXPECT_EQ(completed.value().error(), Error::canceled);
-    keyChain->answer.set_value();
+    keyChain->answer.set();
     const std::weak_ptr<TrelloExporter> exporter = one.exporter();
     one.releaseExporter();
-    EXPECT_TRUE(eventually([&] { return exporter.expired(); }));
+    EXPECT_TRUE(isGone(exporter));
     EXPECT_EQ(service.lines(), Texts{});
 }
 
 TEST(TrelloExportCancellation, CutsOffARequestThatIsNeverAnswered) {
     TrelloExport one;
-    std::promise<void> release;
+    Event release;
+    Event received;
     TrelloServer service;
     std::shared_ptr<ExportProgress> progress;
-    std::promise<void> received;
-    service.onRequest = [&, released = release.get_future().share()](const ReceivedRequest&) {
-        received.set_value();
-        released.wait();
+    service.onRequest = [&](const ReceivedRequest&) {
+        received.set();
+        release.wait();
         return std::nullopt;
     };
     Completed<TrelloExport::VoidResult> completed;
     progress = one.start(completed.callback<TrelloExport::Done>());
-    received.get_future().wait();
+    received.wait();
     progress->cancel();
     EXPECT_EQ(completed.value().error(), Error::canceled);
-    release.set_value();
+    release.set();
 }
 
 TEST(TrelloExportCancellation, DoesNotWaitForAHostThatNeverAnswers) {
     TrelloExport one;
     TrelloServer service;
     Callback<bool> kept;
-    std::promise<void> asked;
+    Event asked;
     one.interactor->makePdf = [&](const auto&, const auto&, Callback<bool> done) {
         kept = std::move(done);
-        asked.set_value();
+        asked.set();
     };
     std::atomic<int> completions = 0;
     Completed<TrelloExport::VoidResult> completed;
@@ -132,7 +131,7 @@ TEST(TrelloExportCancellation, DoesNotWaitForAHostThatNeverAnswers) {
             ++completions;
             callback(result);
         });
-    asked.get_future().wait();
+    asked.wait();
     progress->cancel();
     EXPECT_EQ(completed.value().error(), Error::canceled);
     EXPECT_EQ(one.exporter()->exportReport().made.size(), 1U);
@@ -141,7 +140,7 @@ TEST(TrelloExportCancellation, DoesNotWaitForAHostThatNeverAnswers) {
     kept(true);
     const std::weak_ptr<TrelloExporter> exporter = one.exporter();
     one.releaseExporter();
-    EXPECT_TRUE(eventually([&] { return exporter.expired(); }));
+    EXPECT_TRUE(isGone(exporter));
     EXPECT_EQ(completions, 1);
     EXPECT_EQ(service.made(), Texts{"card"});
 }
@@ -150,11 +149,11 @@ TEST(TrelloExportCancellation, OfAnExportLeavesLoadingAndTheNextExportAlone) {
     TrelloExport one;
     TrelloServer service;
     Completed<TrelloExport::VoidResult> completed;
-    std::promise<void> start;
-    one.data->onAsked = [started = start.get_future().share()](const std::string&) { started.wait(); };
+    const auto start = std::make_shared<Event>();
+    one.data->onAsked = [start](const std::string&) { start->wait(); };
     const auto progress = one.start(completed.callback<TrelloExport::Done>());
     progress->cancel();
-    start.set_value();
+    start->set();
     EXPECT_EQ(completed.value().error(), Error::canceled);
     EXPECT_EQ(service.lines(), Texts{});
     EXPECT_TRUE(one.load(true));
@@ -166,13 +165,13 @@ TEST(TrelloExportCancellation, LeavesAnExportAloneThatIsBegunBehindIt) {
     for (int round = 0; round < 50; ++round) {
         TrelloExport one;
         one.configuration.saveAs = IntegrationExportContentType::backLink;
-        std::promise<void> start;
-        one.data->onAsked = [started = start.get_future().share()](const std::string&) { started.wait(); };
+        const auto start = std::make_shared<Event>();
+        one.data->onAsked = [start](const std::string&) { start->wait(); };
         Completed<ExporterResult<void>> first;
         Completed<ExporterResult<void>> second;
         one.start(first.callback<TrelloExport::Done>())->cancel();
         one.start(second.callback<TrelloExport::Done>());
-        start.set_value();
+        start->set();
         ASSERT_EQ(first.value().error(), Error::canceled);
         ASSERT_TRUE(second.value());
     }
@@ -181,16 +180,16 @@ TEST(TrelloExportCancellation, LeavesAnExportAloneThatIsBegunBehindIt) {
 TEST(TrelloExportCancellation, EndsTheExportsThatWaitBehindIt) {
     TrelloExport one;
     TrelloServer service;
-    std::promise<void> start;
-    one.data->onAsked = [started = start.get_future().share()](const std::string&) { started.wait(); };
+    const auto start = std::make_shared<Event>();
+    one.data->onAsked = [start](const std::string&) { start->wait(); };
     Completed<ExporterResult<void>> first;
     Completed<ExporterResult<void>> second;
     const auto progress = one.start(first.callback<TrelloExport::Done>());
     one.start(second.callback<TrelloExport::Done>());
     progress->cancel();
-    start.set_value();
     EXPECT_EQ(first.value().error(), Error::canceled);
     EXPECT_EQ(second.value().error(), Error::canceled);
+    start->set();
     EXPECT_EQ(service.lines(), Texts{});
 }
 
@@ -199,14 +198,14 @@ TEST(TrelloExportCancellation, EndsLoadingThatWaitsBehindTheExport) {
     TrelloServer service;
     Completed<TrelloExport::VoidResult> completed;
     Completed<Loaded> loaded;
-    std::promise<void> start;
-    one.data->onAsked = [started = start.get_future().share()](const std::string&) { started.wait(); };
+    const auto start = std::make_shared<Event>();
+    one.data->onAsked = [start](const std::string&) { start->wait(); };
     const auto progress = one.start(completed.callback<TrelloExport::Done>());
     one.exporter()->loadData(true, loaded.callback<Callback<Loaded>>());
     progress->cancel();
-    start.set_value();
     EXPECT_EQ(completed.value().error(), Error::canceled);
     EXPECT_EQ(loaded.value().error(), IntegrationLoadError::connectionError);
+    start->set();
 }
 
 } // namespace zelto

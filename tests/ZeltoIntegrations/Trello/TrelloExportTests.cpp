@@ -2,14 +2,12 @@
 
 #include <Platform/URLComponents.h>
 
-#include <Support/Eventually.h>
+#include <Support/Event.h>
 #include <Support/HostMistakes.h>
 #include <Support/LogCapture.h>
 #include <Support/TrelloExport.h>
 
 #include <gtest/gtest.h>
-
-#include <future>
 
 namespace zelto {
 
@@ -301,15 +299,15 @@ TEST_F(TrelloExportTest, ARefusedTokenIsNotTriedAgain) {
 TEST_F(TrelloExportTest, AProgressHandlerMayHoldItsExporter) {
     one.configuration.saveAs = Type::backLink;
     Completed<ExporterResult<void>> completed;
-    std::promise<void> start;
-    one.data->onAsked = [started = start.get_future().share()](const std::string&) { started.wait(); };
+    const auto start = std::make_shared<Event>();
+    one.data->onAsked = [start](const std::string&) { start->wait(); };
     one.start(completed.callback<TrelloExport::Done>())
         ->setProgressHandler([exporter = one.exporter()](float) {});
-    start.set_value();
+    start->set();
     EXPECT_TRUE(completed.value());
     const std::weak_ptr<TrelloExporter> exporter = one.exporter();
     one.releaseExporter();
-    EXPECT_TRUE(eventually([&] { return exporter.expired(); }));
+    EXPECT_TRUE(isGone(exporter));
 }
 
 TEST_F(TrelloExportTest, ACallbackThatTheHostDropsUncalledEndsTheExportAsCanceled) {
