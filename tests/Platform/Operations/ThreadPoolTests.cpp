@@ -65,11 +65,11 @@ TEST(ThreadPool, BlocksTheSameSignalsOnAllThreadsWhoeverPosts) {
                     pthread_sigmask(SIG_SETMASK, nullptr, &mask);
                     open += sigismember(&mask, SIGTERM) == 0 ? 1 : 0;
                     ++inside;
-                    expectSoon([&] { return inside == 4; });
+                    EXPECT_TRUE(eventually([&] { return inside == 4; }));
                 });
             }
         }).join();
-        expectSoon([&] { return inside == 4; });
+        EXPECT_TRUE(eventually([&] { return inside == 4; }));
         return open == 4;
     });
 }
