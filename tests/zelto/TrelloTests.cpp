@@ -199,8 +199,7 @@ TEST_F(TrelloCommands, CtrlCCancelsAnExportAndTellsWhatExists) {
     const auto reached = zelto.home / "reached";
     Event release;
     std::atomic<int> requests = 0;
-    service.onRequest =
-        [&](const ReceivedRequest&) -> std::optional<PlayedAnswer> {
+    service.onRequest = [&](const ReceivedRequest&) -> std::optional<PlayedAnswer> {
         if (++requests == 2) {
             zelto.home.write("reached", "");
             release.wait();
