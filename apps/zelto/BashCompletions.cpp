@@ -3,7 +3,10 @@
 #include "KnownValues.h"
 #include "ShellText.h"
 
+#include <Platform/Joined.h>
+
 #include <map>
+#include <ranges>
 
 namespace zelto::cli {
 
@@ -79,7 +82,7 @@ complete -F _zelto zelto
 )sh";
 
 std::string action(ValueKind kind, const std::vector<std::string_view>& choices) {
-    const auto offered = "_zelto_offer " + joinedWords(knownValues(kind, choices));
+    const auto offered = "_zelto_offer " + joined(knownValues(kind, choices), " ");
     switch (kind) {
     case ValueKind::text:
         return choices.empty() ? ":" : offered;
@@ -119,13 +122,11 @@ std::string values() {
     for (const auto& option : globalOptions()) {
         add(option);
     }
-    std::string names;
     std::string text = "_zelto_value() {\n    case $1 in\n";
     for (const auto& [name, completion] : actions) {
-        names += (names.empty() ? "" : " | ") + std::string(name);
         text += "    " + std::string(name) + ") " + completion + " ;;\n";
     }
-    return "_zelto_takes_value() {\n    case $1 in\n    " + names +
+    return "_zelto_takes_value() {\n    case $1 in\n    " + joined(std::views::keys(actions), " | ") +
            ") return 0 ;;\n    esac\n    return 1\n}\n\n" + text +
            "    *) return 1 ;;\n    esac\n    return 0\n}\n";
 }

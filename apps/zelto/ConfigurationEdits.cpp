@@ -3,6 +3,7 @@
 #include <Platform/FileManager.h>
 #include <Platform/ISO8601.h>
 #include <Platform/JSON/JSONValue.h>
+#include <Platform/Joined.h>
 #include <Platform/Text.h>
 
 #include <algorithm>
@@ -99,10 +100,8 @@ Outcome<IntegrationExportContentType> contentTypeNamed(const std::string& name) 
     if (type) {
         return *type;
     }
-    std::string known;
-    for (const auto& each : casesOf<IntegrationExportContentType>()) {
-        known += (known.empty() ? "" : ", ") + std::string(each.name);
-    }
+    const auto known =
+        joined(casesOf<IntegrationExportContentType>(), ", ", [](const auto& each) { return each.name; });
     return wrongUsage("--as takes one of " + known + "; not \"" + name + "\".");
 }
 

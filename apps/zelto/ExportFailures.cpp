@@ -3,6 +3,9 @@
 #include "ShellText.h"
 #include "Targets.h"
 
+#include <Platform/Joined.h>
+
+#include <ranges>
 #include <utility>
 
 namespace zelto::cli {
@@ -108,12 +111,11 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
 
 // A request that was cut off may have worked all the same.
 std::string unknownOutcome(const ExportCircumstances& about) {
-    std::string names;
-    for (const auto& each : about.report.refused) {
-        if (each.reason == ServiceClientError::connectionError) {
-            names += (names.empty() ? "" : ", ") + named(each.kind, each.name);
-        }
-    }
+    const auto isUnknown = [](const ExportReport::Refused& each) {
+        return each.reason == ServiceClientError::connectionError;
+    };
+    const auto names = joined(about.report.refused | std::views::filter(isUnknown), ", ",
+                              [](const ExportReport::Refused& each) { return named(each.kind, each.name); });
     return names.empty()
                ? ""
                : " Whether " + about.service + " has this is not known, since no answer came: " + names + ".";
@@ -150,11 +152,7 @@ Failure loadFailure(IntegrationLoadError error, const std::string& service, cons
 }
 
 std::string listOf(const std::vector<ExportReport::Made>& made) {
-    std::string text;
-    for (const auto& each : made) {
-        text += (text.empty() ? "" : ", ") + named(each.kind, each.name);
-    }
-    return text;
+    return joined(made, ", ", [](const ExportReport::Made& each) { return named(each.kind, each.name); });
 }
 
 JSONValue described(const std::vector<ExportReport::Made>& made) {

@@ -12,6 +12,8 @@
 #include <ZeltoIntegrations/Trello/TrelloExporter.h>
 #include <ZeltoIntegrations/TwoDo/TwoDoExporter.h>
 
+#include <Platform/Joined.h>
+
 #include <algorithm>
 #include <iterator>
 #include <type_traits>
@@ -69,11 +71,8 @@ template <class Exporter> class TypedSession final : public ExportSession {
     }
 
     std::string takenTypes() override {
-        std::string names;
-        for (const auto type : exporter_->contentTypes(exporter_->exportTarget()).supported) {
-            names += (names.empty() ? "" : ", ") + std::string(nameOf(type));
-        }
-        return names;
+        return joined(exporter_->contentTypes(exporter_->exportTarget()).supported, ", ",
+                      [](IntegrationExportContentType type) { return nameOf(type); });
     }
 
     Outcome<std::optional<IntegrationExportPreview>>

@@ -1,7 +1,8 @@
 #include "CommandTable.h"
 #include "Completions.h"
 #include "KnownValues.h"
-#include "ShellText.h"
+
+#include <Platform/Joined.h>
 
 namespace zelto::cli {
 
@@ -34,7 +35,7 @@ std::string quoted(std::string_view text) {
 
 // The end of a "complete" line: what is offered for a value.
 std::string action(ValueKind kind, const std::vector<std::string_view>& choices) {
-    const auto offered = joinedWords(knownValues(kind, choices));
+    const auto offered = joined(knownValues(kind, choices), " ");
     switch (kind) {
     case ValueKind::text:
         return choices.empty() ? " -x" : " -x -a " + quoted(offered);

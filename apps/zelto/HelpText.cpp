@@ -4,6 +4,8 @@
 #include "KnownValues.h"
 #include "ServiceNames.h"
 
+#include <Platform/Joined.h>
+
 #include <algorithm>
 
 namespace zelto::cli {
@@ -51,12 +53,8 @@ std::string optionLabel(const OptionSpec& option) {
 }
 
 std::string withValues(std::string_view help, ValueKind kind, const std::vector<std::string_view>& choices) {
-    std::string text(help);
     const auto values = knownValues(kind, choices);
-    for (const auto& value : values) {
-        text += (&value == &values.front() ? ": " : ", ") + value;
-    }
-    return text;
+    return std::string(help) + (values.empty() ? "" : ": ") + joined(values, ", ");
 }
 
 std::string optionHelp(const OptionSpec& option) {

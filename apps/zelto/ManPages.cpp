@@ -87,7 +87,7 @@ std::string entry(const std::string& label, const std::string& text) {
 
 std::string described(std::string_view help, ValueKind kind, const std::vector<std::string_view>& choices) {
     const auto values = knownValues(kind, choices);
-    return plain(help) + "." + (values.empty() ? "" : " Known values: " + plain(joinedWords(values)) + ".");
+    return plain(help) + "." + (values.empty() ? "" : " Known values: " + plain(joined(values, " ")) + ".");
 }
 
 std::string optionEntries(std::span<const OptionSpec> options) {

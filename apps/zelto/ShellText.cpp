@@ -17,12 +17,4 @@ std::string shellWord(std::string_view text) {
     return isPlain ? std::string(text) : shellQuoted(text);
 }
 
-std::string joinedWords(const std::vector<std::string>& words) {
-    std::string text;
-    for (const auto& word : words) {
-        text += (text.empty() ? "" : " ") + word;
-    }
-    return text;
-}
-
 } // namespace zelto::cli

@@ -2,7 +2,6 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace zelto::cli {
 
@@ -13,8 +12,5 @@ std::string shellQuoted(std::string_view text);
 
 // The same, in quotes only where it needs them: for commands that people are told to try.
 std::string shellWord(std::string_view text);
-
-// The words with a blank between them.
-std::string joinedWords(const std::vector<std::string>& words);
 
 } // namespace zelto::cli

@@ -2,10 +2,12 @@
 
 #include "ShellText.h"
 
+#include <Platform/Joined.h>
 #include <Platform/Text.h>
 
 #include <algorithm>
 #include <functional>
+#include <ranges>
 
 namespace zelto::cli {
 
@@ -93,10 +95,7 @@ class Search {
 };
 
 std::string listed(std::size_t count, const std::function<std::string(std::size_t)>& name) {
-    std::string text;
-    for (std::size_t index = 0; index < std::min(count, listedAtMost); ++index) {
-        text.append(text.empty() ? "" : ", ").append(name(index));
-    }
+    auto text = joined(std::views::iota(std::size_t{0}, std::min(count, listedAtMost)), ", ", name);
     if (count > listedAtMost) {
         text += " and " + std::to_string(count - listedAtMost) + " more";
     }

@@ -7,6 +7,7 @@
 #include "Terminal.h"
 
 #include <Platform/FileManager.h>
+#include <Platform/Joined.h>
 #include <Platform/Text.h>
 
 #include <algorithm>
@@ -16,11 +17,7 @@ namespace zelto::cli {
 namespace {
 
 std::string identifiersOf(const std::vector<ServiceAccountConfiguration>& accounts) {
-    std::string text;
-    for (const auto& account : accounts) {
-        text += (text.empty() ? "" : ", ") + account.identifier();
-    }
-    return text;
+    return joined(accounts, ", ", &ServiceAccountConfiguration::identifier);
 }
 
 } // namespace

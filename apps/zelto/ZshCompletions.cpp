@@ -3,6 +3,8 @@
 #include "KnownValues.h"
 #include "ShellText.h"
 
+#include <Platform/Joined.h>
+
 namespace zelto::cli {
 
 namespace {
@@ -40,7 +42,7 @@ std::string escaped(std::string_view text) {
 }
 
 std::string action(ValueKind kind, const std::vector<std::string_view>& choices) {
-    const auto offered = "(" + joinedWords(knownValues(kind, choices)) + ")";
+    const auto offered = "(" + joined(knownValues(kind, choices), " ") + ")";
     switch (kind) {
     case ValueKind::text:
         return choices.empty() ? " " : offered;
@@ -58,7 +60,7 @@ std::string action(ValueKind kind, const std::vector<std::string_view>& choices)
     case ValueKind::account:
         return "_zelto_accounts";
     case ValueKind::accountOrService:
-        return "{compadd " + joinedWords(knownValues(kind, choices)) + "; _zelto_accounts}";
+        return "{compadd " + joined(knownValues(kind, choices), " ") + "; _zelto_accounts}";
     case ValueKind::mail:
         return R"sh(_files -g "*.(eml|json)")sh";
     }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace zelto::sandbox {
 
@@ -177,25 +178,24 @@ Result<SandboxFault, std::string> readFault(const JSONValue& json) {
 }
 
 std::string describe(const SandboxFault& fault) {
-    std::string text;
-    const auto add = [&](const std::string& piece) { text += (text.empty() ? "" : ", ") + piece; };
+    std::vector<std::string> pieces;
     if (fault.expireTokens) {
-        add("the access tokens expired");
+        pieces.emplace_back("the access tokens expired");
     }
     if (fault.status) {
-        add("answered with " + std::to_string(*fault.status));
+        pieces.push_back("answered with " + std::to_string(*fault.status));
     }
     if (fault.delay) {
         const auto milliseconds = static_cast<std::int64_t>(std::llround(fault.delay->count() * 1000));
-        add(std::to_string(milliseconds) + " ms late");
+        pieces.push_back(std::to_string(milliseconds) + " ms late");
     }
     if (fault.slowBody) {
-        add(std::to_string(*fault.slowBody) + " bytes a second");
+        pieces.push_back(std::to_string(*fault.slowBody) + " bytes a second");
     }
     if (fault.reset) {
-        add("the connection was reset");
+        pieces.emplace_back("the connection was reset");
     }
-    return text;
+    return joined(pieces, ", ");
 }
 
 } // namespace zelto::sandbox

@@ -1,9 +1,11 @@
 #include <Platform/HTTP/HTTPExchangeInternal.h>
 
+#include <Platform/Joined.h>
 #include <Platform/Lasting.h>
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
 #include <openssl/ssl.h>
 
@@ -29,16 +31,16 @@ long milliseconds(HTTPExchange::Clock::duration duration) {
 // As libcurl itself writes it for all that it can decode.
 std::string decodableEncodings() {
     const auto features = curl_version_info(CURLVERSION_NOW)->features;
-    std::string names;
+    std::vector<std::string_view> names;
     const auto add = [&](int feature, std::string_view name) {
         if ((features & feature) != 0) {
-            names.append(names.empty() ? "" : ", ").append(name);
+            names.push_back(name);
         }
     };
     add(CURL_VERSION_LIBZ, "deflate, gzip");
     add(CURL_VERSION_BROTLI, "br");
     add(CURL_VERSION_ZSTD, "zstd");
-    return names;
+    return joined(names, ", ");
 }
 
 // A host may have set libcurl up before, with the key log that the environment asks for.

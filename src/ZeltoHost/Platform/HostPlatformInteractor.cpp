@@ -2,19 +2,9 @@
 
 #include <ZeltoHost/Platform/HostDateFormatter.h>
 
+#include <Platform/Joined.h>
+
 namespace zelto {
-
-namespace {
-
-std::string joined(const std::vector<std::string>& names) {
-    std::string text;
-    for (const auto& name : names) {
-        text += (text.empty() ? "" : ",") + name;
-    }
-    return text;
-}
-
-} // namespace
 
 HostPlatformInteractor::HostPlatformInteractor(URLHandler openURL, PDFConverterOptions pdfOptions)
     : openURL_(std::move(openURL)), dateFormatter_(std::make_shared<HostDateFormatter>()),
@@ -55,7 +45,7 @@ void HostPlatformInteractor::postExportEvent(ServiceType service, IntegrationExp
                                              const std::optional<std::string>& actionSource,
                                              const std::optional<std::string>& exportError) {
     logger().trace("Export: service " + std::string(nameOf(service)) + ", type " +
-                       std::string(nameOf(exportType)) + ", modified " + joined(modifiedFields) +
+                       std::string(nameOf(exportType)) + ", modified " + joined(modifiedFields, ",") +
                        ", source " + actionSource.value_or("none") + ", error " +
                        exportError.value_or("none"),
                    "postExportEvent");

@@ -3,6 +3,7 @@
 #include <Platform/Base64.h>
 #include <Platform/Crypto/Digest.h>
 #include <Platform/Crypto/RandomBytes.h>
+#include <Platform/Joined.h>
 #include <Platform/PercentEncoding.h>
 
 #include <algorithm>
@@ -43,11 +44,7 @@ std::string normalized(const std::vector<URLQueryItem>& items) {
         pairs.emplace_back(encoded(item.name), encoded(item.value.value_or("")));
     }
     std::ranges::sort(pairs);
-    std::string text;
-    for (const auto& [name, value] : pairs) {
-        text += (text.empty() ? "" : "&") + name + "=" + value;
-    }
-    return text;
+    return joined(pairs, "&", [](const auto& pair) { return pair.first + "=" + pair.second; });
 }
 
 } // namespace

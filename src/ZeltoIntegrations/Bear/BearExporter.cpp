@@ -2,19 +2,13 @@
 
 #include <ZeltoIntegrations/Helpers/SchemeURL.h>
 
+#include <Platform/Joined.h>
+
 namespace zelto {
 
 namespace {
 
 constexpr auto lastExportTagsKey = "lastExportTags";
-
-std::string joined(const std::vector<std::string>& tags) {
-    std::string text;
-    for (const auto& tag : tags) {
-        text.append(&tag == &tags.front() ? "" : ",").append(tag);
-    }
-    return text;
-}
 
 } // namespace
 
@@ -37,7 +31,7 @@ std::shared_ptr<ExportProgress> BearExporter::export_(BearExportConfiguration co
         url.encoded("?title=", content.title).encoded("&text=", content.text);
         if (!configuration.tags.empty()) {
             // The joined tags are not encoded: a tag with a blank makes no URL.
-            url.plain("&tags=", joined(configuration.tags));
+            url.plain("&tags=", joined(configuration.tags, ","));
         }
         return url.text();
     };

@@ -1,6 +1,7 @@
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 
 #include <Platform/JSON/JSONValue.h>
+#include <Platform/Joined.h>
 #include <Platform/PercentEncoding.h>
 
 #include <utility>
@@ -129,11 +130,8 @@ std::string ExportServiceHelper::urlEncodedString(const Parameters& parameters) 
     const auto encode = [](std::string_view text) {
         return percentEncodeBytes(text, AllowedCharacters::alphanumerics);
     };
-    std::string encoded;
-    for (const auto& [key, value] : parameters) {
-        encoded += (encoded.empty() ? "" : "&") + encode(key) + "=" + encode(value);
-    }
-    return encoded;
+    return joined(parameters, "&",
+                  [&](const auto& each) { return encode(each.first) + "=" + encode(each.second); });
 }
 
 std::optional<URLRequest> ExportServiceHelper::urlEncodedRequest(std::string_view url,

@@ -1,6 +1,7 @@
 #include <ZeltoIntegrations/Trello/TrelloRecords.h>
 
 #include <Platform/JSON/JSONRecordDescription.h>
+#include <Platform/Joined.h>
 
 #include <string_view>
 
@@ -29,10 +30,7 @@ void TrelloBoard::removeClosedLists() {
 std::string TrelloBoard::description() const {
     std::string text = "< TrelloBoard - ID:\"" + id + "\" N:\"" + name.value_or("") + "\" Closed:";
     text.append(textOf(closed)).append(" Pinned:").append(textOf(pinned)).append(" Lists:[");
-    for (const auto& list : lists) {
-        text.append(&list == &lists.front() ? "" : ", ").append(list.description());
-    }
-    return text.append("] >");
+    return text.append(joined(lists, ", ", &TrelloList::description)).append("] >");
 }
 
 } // namespace zelto

@@ -19,12 +19,10 @@ constexpr double largestClockError = 300; // seconds
 constexpr std::size_t largestNonceCount = 20'000;
 
 std::string formOf(const std::vector<URLQueryItem>& items) {
-    std::string form;
-    for (const auto& item : items) {
-        form += (form.empty() ? "" : "&") + item.name + '=' +
-                percentEncodeBytes(item.value.value_or(""), AllowedCharacters::alphanumerics);
-    }
-    return form;
+    return joined(items, "&", [](const URLQueryItem& item) {
+        return item.name + '=' +
+               percentEncodeBytes(item.value.value_or(""), AllowedCharacters::alphanumerics);
+    });
 }
 
 SandboxAnswer refused(int status, std::string text) {

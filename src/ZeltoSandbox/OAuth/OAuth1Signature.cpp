@@ -2,7 +2,7 @@
 
 #include <Platform/Base64.h>
 #include <Platform/Crypto/Digest.h>
-#include <Platform/HTTP/HTTPHeaders.h>
+#include <Platform/Joined.h>
 #include <Platform/PercentEncoding.h>
 
 #include <algorithm>
@@ -70,11 +70,8 @@ std::string oauth1Signature(std::string_view method, std::string_view url,
         }
     }
     std::ranges::sort(sorted);
-    std::string joined;
-    for (const auto& [name, value] : sorted) {
-        joined += (joined.empty() ? "" : "&") + name + '=' + value;
-    }
-    const auto base = encoded(method) + '&' + encoded(url) + '&' + encoded(joined);
+    const auto form = joined(sorted, "&", [](const auto& each) { return each.first + '=' + each.second; });
+    const auto base = encoded(method) + '&' + encoded(url) + '&' + encoded(form);
     return base64Encoded(viewOf(hmacSHA1(encoded(clientSecret) + '&' + encoded(tokenSecret), base)));
 }
 

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace zelto {
+
+// The texts of a range's elements in one, with the separator between each two. `textOf` gives that of an
+// element where it is not the element itself.
+template <class Range, class TextOf = std::identity>
+std::string joined(Range&& range, std::string_view separator, TextOf textOf = {}) {
+    std::string all;
+    bool isFirst = true;
+    for (const auto& each : range) {
+        all.append(std::exchange(isFirst, false) ? std::string_view() : separator);
+        all.append(std::invoke(textOf, each));
+    }
+    return all;
+}
+
+} // namespace zelto
