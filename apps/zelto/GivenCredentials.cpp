@@ -7,9 +7,9 @@
 #include <ZeltoHost/SignIn/SignInToken.h>
 #include <ZeltoIntegrations/LiveSecrets.h>
 
+#include <Platform/Numbers.h>
 #include <Platform/Text.h>
 
-#include <charconv>
 #include <cmath>
 
 namespace zelto::cli {
@@ -73,13 +73,11 @@ Outcome<std::optional<Date>> expiryOf(const Invocation& invocation) {
     if (!text) {
         return std::nullopt;
     }
-    double seconds = 0;
-    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), seconds);
-    if (error != std::errc() || end != text->data() + text->size() || !std::isfinite(seconds) ||
-        seconds <= 0) {
+    const auto seconds = numberIn<double>(*text);
+    if (!seconds || !std::isfinite(*seconds) || *seconds <= 0) {
         return wrong(invocation, "--expires-in takes seconds, like 3600.");
     }
-    return Date::now() + TimeInterval(seconds);
+    return Date::now() + TimeInterval(*seconds);
 }
 
 Given passwordGiven(const Invocation& invocation, Credentials credentials, const std::string& service) {

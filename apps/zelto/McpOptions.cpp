@@ -4,9 +4,9 @@
 
 #include <Platform/FileManager.h>
 #include <Platform/HTTP/HTTPHeaders.h>
+#include <Platform/Numbers.h>
 #include <Platform/Text.h>
 
-#include <charconv>
 #include <sstream>
 
 namespace zelto::cli {
@@ -15,13 +15,6 @@ namespace {
 
 constexpr std::uint64_t largestInput = std::uint64_t{1} << 20;
 constexpr std::uint64_t largestArguments = std::uint64_t{256} << 20;
-
-template <class Number> std::optional<Number> numberIn(const std::string& text) {
-    Number number{};
-    const auto* const end = text.data() + text.size();
-    const auto [read, error] = std::from_chars(text.data(), end, number);
-    return error == std::errc() && read == end ? std::optional(number) : std::nullopt;
-}
 
 // The field is not shown: it may hold a secret.
 Outcome<void> addHeader(std::map<std::string, std::string>& headers, std::string_view line,

@@ -5,7 +5,8 @@
 #include <ZeltoIntegrations/Secrets.h>
 #include <ZeltoSandbox/SandboxServer.h>
 
-#include <charconv>
+#include <Platform/Numbers.h>
+
 #include <condition_variable>
 #include <mutex>
 #include <stop_token>
@@ -21,13 +22,12 @@ Outcome<std::uint16_t> portOf(const Invocation& invocation) {
     if (!text) {
         return standardPort;
     }
-    std::uint16_t port = 0;
-    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), port);
-    if (error != std::errc() || end != text->data() + text->size()) {
+    const auto port = numberIn<std::uint16_t>(*text);
+    if (!port) {
         return wrongUsage("--port is a number from 0 to 65535, not \"" + *text + "\".",
                           helpCommand(invocation.command));
     }
-    return port;
+    return *port;
 }
 
 SandboxConsent consentOf(const Invocation& invocation) {

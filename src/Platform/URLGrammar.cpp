@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <arpa/inet.h>
 #include <array>
-#include <charconv>
 #include <string>
 
 namespace zelto {
@@ -155,10 +154,7 @@ URLAuthority splitURLAuthority(std::string_view text) {
 }
 
 std::optional<std::uint16_t> portNumberOf(std::string_view digits) {
-    std::uint16_t number = 0;
-    const auto end = digits.data() + digits.size();
-    const auto [rest, error] = std::from_chars(digits.data(), end, number);
-    return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+    return numberIn<std::uint16_t>(digits);
 }
 
 bool isAbsoluteURL(std::string_view text) {

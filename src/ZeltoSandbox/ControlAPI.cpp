@@ -2,7 +2,7 @@
 
 #include <ZeltoSandbox/FaultList.h>
 
-#include <charconv>
+#include <Platform/Numbers.h>
 
 namespace zelto::sandbox {
 

@@ -1,11 +1,11 @@
 #include <ZeltoSandbox/FileShelf.h>
 
 #include <Platform/FileNames.h>
+#include <Platform/Numbers.h>
 #include <Platform/PercentEncoding.h>
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 
 namespace zelto::sandbox {
 
@@ -49,10 +49,9 @@ std::string FileShelf::add(SpoolRange content, std::string name, std::string con
 }
 
 SandboxAnswer FileShelf::answer(std::string_view path) const {
-    std::uint64_t number = 0;
-    const auto [end, error] = std::from_chars(path.data(), path.data() + path.size(), number);
-    const auto found = files_.find(number);
-    if (error != std::errc() || end != path.data() + path.size() || found == files_.end()) {
+    const auto number = numberIn<std::uint64_t>(path);
+    const auto found = number ? files_.find(*number) : files_.end();
+    if (found == files_.end()) {
         return SandboxAnswer::text("There is no such file.\n", 404);
     }
     const auto& file = found->second;

@@ -155,6 +155,16 @@ TEST_F(ControlAPITest, TellsTheRequestsAfterANumber) {
     EXPECT_EQ(caller.server->requests().front().number, 1U);
 }
 
+TEST_F(ControlAPITest, RefusesToTellTheRequestsAfterWhatIsNoNumber) {
+    member();
+    for (const auto* after : {"12x", "x", "", "-1", "1%20", "%zz"}) {
+        const auto answer = caller.get(caller.ownHost(), std::string("/control/requests?after=") + after);
+        EXPECT_EQ(answer.status, 400) << after;
+        EXPECT_EQ(*answer.json().find("error")->asString(), "\"after\" has to be a number.") << after;
+    }
+    EXPECT_EQ(caller.get(caller.ownHost(), "/control/requests?after=0").status, 200);
+}
+
 TEST_F(ControlAPITest, TellsOfChangesAsTheyCome) {
     CallerConnection events(caller.server->port());
     events.send("GET /control/events HTTP/1.1\r\nHost: " + caller.ownHost() + "\r\n\r\n");

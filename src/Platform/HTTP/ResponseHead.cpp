@@ -1,5 +1,6 @@
 #include <Platform/HTTP/ResponseHeadInternal.h>
 
+#include <Platform/Numbers.h>
 #include <Platform/UTF8.h>
 
 #include <charconv>
@@ -78,12 +79,7 @@ ResponseHead::Progress ResponseHead::takeField(std::string_view line) {
 
 std::optional<std::uint64_t> ResponseHead::contentLength() const {
     const auto text = headers_.value("Content-Length");
-    std::uint64_t length = 0;
-    if (!text || headers_.contains("Transfer-Encoding")) {
-        return std::nullopt;
-    }
-    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), length);
-    return error == std::errc() && end == text->data() + text->size() ? std::optional(length) : std::nullopt;
+    return text && !headers_.contains("Transfer-Encoding") ? numberIn<std::uint64_t>(*text) : std::nullopt;
 }
 
 } // namespace zelto

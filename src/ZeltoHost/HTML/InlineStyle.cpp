@@ -1,10 +1,9 @@
 #include <ZeltoHost/HTML/InlineStyle.h>
 
 #include <Platform/ASCII.h>
+#include <Platform/Numbers.h>
 
 #include <ZeltoHost/HTML/HTMLSpace.h>
-
-#include <charconv>
 
 namespace zelto {
 
@@ -17,12 +16,8 @@ std::optional<bool> isBoldWeight(std::string_view value) {
     if (value == "normal" || value == "lighter") {
         return false;
     }
-    int weight = 0;
-    const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), weight);
-    if (error != std::errc() || end != value.data() + value.size()) {
-        return std::nullopt;
-    }
-    return weight >= 600;
+    const auto weight = numberIn<int>(value);
+    return weight ? std::optional(*weight >= 600) : std::nullopt;
 }
 
 bool isZeroLength(std::string_view value) {

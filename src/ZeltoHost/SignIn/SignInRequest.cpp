@@ -1,9 +1,9 @@
 #include <ZeltoHost/SignIn/SignInRequest.h>
 
 #include <Platform/HTTP/HTTPHeaders.h>
+#include <Platform/Numbers.h>
 
 #include <algorithm>
-#include <charconv>
 
 namespace zelto {
 
@@ -86,14 +86,11 @@ std::optional<Head> readHead(std::string_view text) {
 
 std::optional<std::size_t> bodyLength(const Head& head) {
     const auto text = head.onlyField("Content-Length");
-    std::size_t length = 0;
-    if (!text || text->empty() || head.has("Transfer-Encoding")) {
+    if (!text || head.has("Transfer-Encoding")) {
         return std::nullopt;
     }
-    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), length);
-    return error == std::errc() && end == text->data() + text->size() && length <= longestSignInBody
-               ? std::optional(length)
-               : std::nullopt;
+    const auto length = numberIn<std::size_t>(*text);
+    return length && *length <= longestSignInBody ? length : std::nullopt;
 }
 
 SignInRequest answerIn(std::string_view form) {

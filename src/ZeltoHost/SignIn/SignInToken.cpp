@@ -1,9 +1,8 @@
 #include <ZeltoHost/SignIn/SignInToken.h>
 
 #include <Platform/JSON/JSONValue.h>
+#include <Platform/Numbers.h>
 
-#include <algorithm>
-#include <charconv>
 #include <cmath>
 
 namespace zelto {
@@ -14,12 +13,6 @@ std::optional<std::string> textMember(const JSONValue& object, std::string_view 
     const auto* member = object.find(key);
     const auto* text = member ? member->asString() : nullptr;
     return text && !text->empty() ? std::optional(*text) : std::nullopt;
-}
-
-std::optional<double> secondsOf(std::string_view text) {
-    double seconds = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
-    return error == std::errc() && end == text.data() + text.size() ? std::optional(seconds) : std::nullopt;
 }
 
 // A lifetime that is none is as good as not told.
@@ -33,7 +26,7 @@ std::optional<double> lifetimeMember(const JSONValue& object) {
         return std::nullopt;
     }
     if (const auto* text = member->asString()) {
-        return lifetime(secondsOf(*text));
+        return lifetime(numberIn<double>(*text));
     }
     return lifetime(member->asDouble());
 }
@@ -87,7 +80,7 @@ bool isUsableToken(std::string_view text) {
 SignInToken signInTokenOf(const FormItems& items) {
     const auto expiresIn = onlyValue(items, "expires_in");
     return {.accessToken = onlyValue(items, "access_token").value_or(""),
-            .expiresIn = expiresIn ? lifetime(secondsOf(*expiresIn)) : std::nullopt};
+            .expiresIn = expiresIn ? lifetime(numberIn<double>(*expiresIn)) : std::nullopt};
 }
 
 } // namespace zelto

@@ -2,11 +2,11 @@
 
 #include <Platform/ASCII.h>
 #include <Platform/Growth.h>
+#include <Platform/Numbers.h>
 #include <Platform/Text.h>
 #include <Platform/UTF8.h>
 
 #include <algorithm>
-#include <charconv>
 #include <utility>
 
 namespace zelto {
@@ -24,10 +24,7 @@ std::optional<std::int64_t> decimalInteger(std::string_view text) {
             return std::nullopt;
         }
     }
-    std::int64_t value = 0;
-    const auto* const end = text.data() + text.size();
-    const auto [read, error] = std::from_chars(text.data(), end, value);
-    return error == std::errc() && read == end ? std::optional(value) : std::nullopt;
+    return numberIn<std::int64_t>(text);
 }
 
 bool beginsWithBlank(std::string_view value) {

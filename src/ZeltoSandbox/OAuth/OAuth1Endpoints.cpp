@@ -4,10 +4,11 @@
 #include <ZeltoSandbox/OAuth/OAuth1Signature.h>
 
 #include <Platform/Crypto/Digest.h>
+#include <Platform/Joined.h>
+#include <Platform/Numbers.h>
 #include <Platform/PercentEncoding.h>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 
 namespace zelto::sandbox {
@@ -139,11 +140,9 @@ Result<OAuth1Endpoints::Signed, SandboxAnswer> OAuth1Endpoints::checked(const OA
 
 bool OAuth1Endpoints::isFresh(const std::string& clientID, const std::string& timestamp,
                               const std::string& nonce) {
-    double seconds = 0;
-    const auto [end, error] = std::from_chars(timestamp.data(), timestamp.data() + timestamp.size(), seconds);
+    const auto seconds = numberIn<double>(timestamp);
     const auto now = Date::now();
-    if (error != std::errc() || end != timestamp.data() + timestamp.size() ||
-        !(std::abs(seconds - now.unixSeconds()) <= largestClockError)) {
+    if (!seconds || !(std::abs(*seconds - now.unixSeconds()) <= largestClockError)) {
         return false;
     }
     if (nonces_.size() >= largestNonceCount) {

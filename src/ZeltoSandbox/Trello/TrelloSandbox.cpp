@@ -1,13 +1,13 @@
 #include <ZeltoSandbox/Trello/TrelloSandbox.h>
 
 #include <Platform/MediaTypes.h>
+#include <Platform/Numbers.h>
 #include <Platform/PercentEncoding.h>
 #include <Platform/Result.h>
 #include <Platform/Text.h>
 #include <Platform/URL.h>
 
 #include <algorithm>
-#include <charconv>
 #include <span>
 
 namespace zelto::sandbox {
@@ -63,12 +63,11 @@ Result<Cards, std::string> pageOf(const SandboxRequest& request, std::vector<Tre
     }
     auto count = first < last ? static_cast<std::size_t>(last - first) : 0;
     if (const auto limit = request.queryValue("limit")) {
-        std::size_t most = 0;
-        const auto [end, error] = std::from_chars(limit->data(), limit->data() + limit->size(), most);
-        if (error != std::errc() || end != limit->data() + limit->size() || most > largestPage) {
+        const auto most = numberIn<std::size_t>(*limit);
+        if (!most || *most > largestPage) {
             return failure(std::string("invalid value for limit"));
         }
-        count = std::min(count, most);
+        count = std::min(count, *most);
     }
     return Cards(last - static_cast<std::ptrdiff_t>(count), last);
 }
