@@ -44,7 +44,7 @@ void checkRequest(std::string_view bytes, bool takesFragment) {
 }
 
 void checkAnswer(std::string_view form) {
-    const auto items = decodedForm(form);
+    const auto items = parseFormItems(form);
     if (!items) {
         return;
     }

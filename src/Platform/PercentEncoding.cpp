@@ -39,6 +39,7 @@ constexpr Table tableAllowing(std::string_view others) {
 }
 
 constexpr Table alphanumerics = tableAllowing("");
+constexpr Table unreserved = tableAllowing("-._~");
 constexpr Table pathSegment = tableAllowing("-._~!$&'()*+,=:@");
 constexpr Table path = tableAllowing("-._~!$&'()*+,=:@/");
 constexpr Table queryItem = tableAllowing("-._~!$'()*,:@/?");
@@ -48,6 +49,8 @@ const Table& tableOf(AllowedCharacters allowed) {
     switch (allowed) {
     case AllowedCharacters::alphanumerics:
         return alphanumerics;
+    case AllowedCharacters::unreserved:
+        return unreserved;
     case AllowedCharacters::pathSegment:
         return pathSegment;
     case AllowedCharacters::path:

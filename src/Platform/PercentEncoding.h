@@ -10,6 +10,7 @@ namespace zelto {
 // Letters and digits are those of ASCII.
 enum class AllowedCharacters {
     alphanumerics, // letters and digits alone: values of URL schemes and of form bodies
+    unreserved,    // unreserved of RFC 3986: the values that OAuth 1 signs
     pathSegment,   // pchar of RFC 3986 without ";", which some servers split at; no "/"
     path,          // the same and "/"
     queryItem,     // name or value of a query item: no "&", "=", "+", ";", "#"

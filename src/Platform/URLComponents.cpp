@@ -31,6 +31,12 @@ std::vector<URLQueryItem> itemsOf(std::string_view query) {
     }
 }
 
+std::optional<std::string> decodedWord(std::string_view word) {
+    std::string text(word);
+    std::ranges::replace(text, '+', ' ');
+    return percentDecode(text);
+}
+
 void appendQuery(std::string& text, const std::vector<URLQueryItem>& items) {
     char separator = '?';
     for (const auto& item : items) {
@@ -61,6 +67,25 @@ bool partsKeepToThemselves(const URLComponents& parts) {
 }
 
 } // namespace
+
+std::optional<std::vector<URLQueryItem>> parseFormItems(std::string_view text) {
+    std::vector<URLQueryItem> items;
+    while (!text.empty()) {
+        const auto item = text.substr(0, text.find('&'));
+        text.remove_prefix(std::min(text.size(), item.size() + 1));
+        if (item.empty()) {
+            continue;
+        }
+        const auto equals = item.find('=');
+        auto name = decodedWord(item.substr(0, equals));
+        auto value = equals == npos ? std::nullopt : decodedWord(item.substr(equals + 1));
+        if (!name || (equals != npos && !value)) {
+            return std::nullopt;
+        }
+        items.push_back({*std::move(name), std::move(value)});
+    }
+    return items;
+}
 
 std::optional<URLComponents> URLComponents::parse(std::string_view text) {
     const auto url = URL::parse(text);

@@ -2,6 +2,9 @@
 
 #include <Platform/URL.h>
 
+#include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace zelto {
@@ -14,6 +17,11 @@ struct URLQueryItem {
 
     bool operator==(const URLQueryItem&) const = default;
 };
+
+// The items of a form (application/x-www-form-urlencoded), as bodies, queries and fragments hold one:
+// decoded,
+// "+" is a blank, an item without "=" has no value. Nothing for a broken escape, and for what is not UTF-8.
+std::optional<std::vector<URLQueryItem>> parseFormItems(std::string_view text);
 
 // The parts of a URL, to be changed and put together again. A URL that is parsed and put together unchanged
 // means the same, and the query items keep their order; only the escapes of the query, the case of scheme and

@@ -63,7 +63,7 @@ void readBody(SandboxRequest& request) {
             request.bodyProblem = parts.error();
         }
     } else if (request.contentType == "application/x-www-form-urlencoded") {
-        auto form = whole.size <= largestForm ? parseForm(whole.text(largestForm)) : std::nullopt;
+        auto form = whole.size <= largestForm ? parseFormItems(whole.text(largestForm)) : std::nullopt;
         if (form) {
             request.form = std::move(*form);
         } else {
@@ -123,7 +123,7 @@ Result<SandboxRequest, std::string> requestOf(RequestHead head, RequestAddress a
         }
     }
     auto segments = segmentsOf(address.path);
-    auto query = parseForm(address.query);
+    auto query = parseFormItems(address.query);
     if (!segments || !query) {
         return failure(std::string("the address has a broken escape"));
     }

@@ -20,10 +20,10 @@ SandboxAnswer done() {
     return {.status = 204};
 }
 
-std::uint64_t numberOf(std::string_view text) {
-    std::uint64_t number = 0;
-    std::from_chars(text.data(), text.data() + text.size(), number);
-    return number;
+// The number behind which the requests are asked for; nothing if what stands there is none.
+std::optional<std::uint64_t> startOf(std::string_view query) {
+    const auto items = parseFormItems(query);
+    return items ? numberIn<std::uint64_t>(valueOf(*items, "after").value_or("0")) : std::nullopt;
 }
 
 std::string textMember(const JSONValue& json, std::string_view key) {
@@ -99,8 +99,8 @@ SandboxAnswer ControlAPI::read(std::string_view path, std::string_view query) co
         return SandboxAnswer::json(state());
     }
     if (path == "requests") {
-        const auto items = parseForm(query);
-        return SandboxAnswer::json(log_.json(numberOf(items ? valueOf(*items, "after").value_or("0") : "0")));
+        const auto start = startOf(query);
+        return start ? SandboxAnswer::json(log_.json(*start)) : refused(400, "\"after\" has to be a number.");
     }
     if (path == "faults") {
         return SandboxAnswer::json(JSONObject{{"faults", desk_.faults()}});

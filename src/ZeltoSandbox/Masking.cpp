@@ -73,7 +73,7 @@ std::string maskedForm(std::string_view form) {
         const auto end = std::min(form.find('&'), form.size());
         const auto item = form.substr(0, end);
         const auto equals = std::min(item.find('='), item.size());
-        const auto name = parseForm(item.substr(0, equals));
+        const auto name = parseFormItems(item.substr(0, equals));
         const bool isSecret = !name || name->empty() || isSecretName(name->front().name);
         result += withoutOwnEscapedSecrets(item.substr(0, equals));
         if (equals < item.size()) {

@@ -44,6 +44,9 @@ TEST(PercentEncoding, EncodedThriceMultipliesThePercentSigns) {
 
 TEST(PercentEncoding, KnowsWhatEachPartOfAURLHolds) {
     const std::string all = "aZ9-._~!$&'()*+,;=:@/?#[]% \"<>\\^`{|}\u00e9";
+    EXPECT_EQ(percentEncode(all, AllowedCharacters::unreserved),
+              "aZ9-._~%21%24%26%27%28%29%2A%2B%2C%3B%3D%3A%40%2F%3F%23%5B%5D%25%20%22%3C%3E%5C%5E%60%7B%7C%7D"
+              "%C3%A9");
     EXPECT_EQ(percentEncode(all, AllowedCharacters::pathSegment),
               "aZ9-._~!$&'()*+,%3B=:@%2F%3F%23%5B%5D%25%20%22%3C%3E%5C%5E%60%7B%7C%7D%C3%A9");
     EXPECT_EQ(percentEncode(all, AllowedCharacters::path),
@@ -60,8 +63,8 @@ TEST(PercentEncoding, IsUndoneByDecoding) {
         text += static_cast<char>(byte);
     }
     for (const auto allowed :
-         {AllowedCharacters::alphanumerics, AllowedCharacters::pathSegment, AllowedCharacters::path,
-          AllowedCharacters::queryItem, AllowedCharacters::fragment}) {
+         {AllowedCharacters::alphanumerics, AllowedCharacters::unreserved, AllowedCharacters::pathSegment,
+          AllowedCharacters::path, AllowedCharacters::queryItem, AllowedCharacters::fragment}) {
         EXPECT_EQ(percentDecodeBytes(percentEncodeBytes(text, allowed)), text);
     }
 }

@@ -102,3 +102,23 @@ TEST(URLComponents, AreNoneOfWhatIsNoURL) {
     EXPECT_EQ(URLComponents::parse("a b"), std::nullopt);
     EXPECT_EQ(URLComponents::parse("/a?b=c"), std::nullopt);
 }
+
+TEST(FormItems, AreDecodedInTheirOrder) {
+    EXPECT_EQ(parseFormItems("a=1&b=%26&c=&d&&e=x+y&f+%2b=z%20&a=2&"),
+              (std::vector<URLQueryItem>{{"a", "1"},
+                                         {"b", "&"},
+                                         {"c", ""},
+                                         {"d", std::nullopt},
+                                         {"e", "x y"},
+                                         {"f +", "z "},
+                                         {"a", "2"}}));
+    EXPECT_EQ(parseFormItems("=a=b"), (std::vector<URLQueryItem>{{"", "a=b"}}));
+    EXPECT_EQ(parseFormItems(""), std::vector<URLQueryItem>());
+    EXPECT_EQ(parseFormItems("&&"), std::vector<URLQueryItem>());
+}
+
+TEST(FormItems, AreNoneOfABrokenEscapeOrWhatIsNotUTF8) {
+    for (const auto* form : {"%", "a=%", "a=1&b=%2", "%zz=1", "a=%ff", "%ff", "a=\xff"}) {
+        EXPECT_EQ(parseFormItems(form), std::nullopt) << form;
+    }
+}

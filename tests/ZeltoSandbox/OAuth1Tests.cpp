@@ -55,7 +55,7 @@ CallerAnswer send(const SandboxCaller& caller, const Call& call) {
 }
 
 Items formOf(const CallerAnswer& answer) {
-    return sandbox::parseForm(answer.body).value_or(Items());
+    return parseFormItems(answer.body).value_or(Items());
 }
 
 std::string valueIn(const CallerAnswer& answer, std::string_view name) {

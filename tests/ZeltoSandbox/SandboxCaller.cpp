@@ -35,8 +35,7 @@ std::string CallerAnswer::text(std::string_view key) const {
 std::optional<std::string> CallerAnswer::redirectItem(std::string_view name) const {
     const auto location = field("Location");
     const auto start = location.find_first_of("?#");
-    const auto items =
-        start == std::string::npos ? std::nullopt : sandbox::parseForm(location.substr(start + 1));
+    const auto items = start == std::string::npos ? std::nullopt : parseFormItems(location.substr(start + 1));
     return items ? sandbox::valueOf(*items, name) : std::nullopt;
 }
 

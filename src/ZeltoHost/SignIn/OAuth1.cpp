@@ -13,16 +13,9 @@ namespace zelto {
 
 namespace {
 
-// Section 3.6: all but letters, digits, "-", ".", "_" and "~" is escaped.
+// Section 3.6.
 std::string encoded(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        constexpr std::string_view plainMarks = "-._~";
-        result += plainMarks.find(c) == std::string_view::npos
-                      ? percentEncodeBytes({&c, 1}, AllowedCharacters::alphanumerics)
-                      : std::string(1, c);
-    }
-    return result;
+    return percentEncodeBytes(text, AllowedCharacters::unreserved);
 }
 
 // Section 3.4.1.2: without query and fragment, and without a port that goes without saying.
@@ -58,7 +51,7 @@ OAuth1Moment OAuth1Moment::now() {
 
 std::string oauth1BaseString(const URLRequest& request, const std::vector<URLQueryItem>& protocolParameters,
                              const FormItems& bodyItems) {
-    auto items = decodedForm(request.url.query().value_or("")).value_or(FormItems());
+    auto items = parseFormItems(request.url.query().value_or("")).value_or(FormItems());
     items.insert(items.end(), protocolParameters.begin(), protocolParameters.end());
     items.insert(items.end(), bodyItems.begin(), bodyItems.end());
     return encoded(request.method) + "&" + encoded(baseURL(request.url)) + "&" + encoded(normalized(items));
@@ -88,7 +81,7 @@ void signOAuth1(URLRequest& request, const OAuth1Credentials& credentials,
 }
 
 std::optional<OAuth1Token> readOAuth1Token(std::string_view form) {
-    const auto items = decodedForm(form);
+    const auto items = parseFormItems(form);
     const auto token = items ? onlyValue(*items, "oauth_token") : std::nullopt;
     const auto secret = items ? onlyValue(*items, "oauth_token_secret") : std::nullopt;
     if (!token || token->empty() || !secret) {

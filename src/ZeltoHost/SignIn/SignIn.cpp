@@ -105,7 +105,7 @@ class SignIn::Work {
         }
         const bool isImplicit = service_.flow == SignInFlow::implicit;
         const auto form = isImplicit && url->fragment() ? url->fragment() : url->query();
-        const auto items = decodedForm(form.value_or(""));
+        const auto items = parseFormItems(form.value_or(""));
         return items && inbox_->offer(*items) ? PasteOutcome::taken : PasteOutcome::otherAnswer;
     }
 

@@ -94,7 +94,7 @@ std::optional<std::size_t> bodyLength(const Head& head) {
 }
 
 SignInRequest answerIn(std::string_view form) {
-    auto items = decodedForm(form);
+    auto items = parseFormItems(form);
     return items ? SignInRequest{SignInRequestKind::answer, *std::move(items)} : SignInRequest();
 }
 

@@ -1,7 +1,6 @@
 #include <ZeltoSandbox/HTTP/SandboxRequest.h>
 
 #include <Platform/ASCII.h>
-#include <Platform/PercentEncoding.h>
 
 #include <algorithm>
 
@@ -92,26 +91,6 @@ std::optional<std::string> SandboxRequest::parameter(std::string_view name, std:
     const auto part = std::ranges::find_if(
         parts, [&](const FormPart& each) { return each.name == name && !each.fileName; });
     return part == parts.end() ? std::nullopt : std::optional(part->content.text(longest));
-}
-
-std::optional<std::vector<URLQueryItem>> parseForm(std::string_view text) {
-    std::vector<URLQueryItem> items;
-    while (!text.empty()) {
-        const auto end = std::min(text.find('&'), text.size());
-        const auto item = text.substr(0, end);
-        text.remove_prefix(std::min(end + 1, text.size()));
-        if (item.empty()) {
-            continue;
-        }
-        const auto equals = item.find('=');
-        auto name = decoded(item.substr(0, equals));
-        auto value = equals == std::string_view::npos ? std::nullopt : decoded(item.substr(equals + 1));
-        if (!name || (equals != std::string_view::npos && !value)) {
-            return std::nullopt;
-        }
-        items.push_back({std::move(*name), std::move(value)});
-    }
-    return items;
 }
 
 std::optional<std::string> headerParameter(std::string_view value, std::string_view name) {

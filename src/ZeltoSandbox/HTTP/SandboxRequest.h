@@ -62,9 +62,6 @@ struct SandboxRequest {
 
 std::optional<std::string> valueOf(const std::vector<URLQueryItem>& items, std::string_view name);
 
-// "a=1&b=%20+": nothing for a broken escape and for what is not UTF-8.
-std::optional<std::vector<URLQueryItem>> parseForm(std::string_view text);
-
 // "multipart/form-data; boundary=x": the parameter; nothing if there is none.
 std::optional<std::string> headerParameter(std::string_view value, std::string_view name);
 

@@ -12,7 +12,6 @@ namespace zelto::sandbox {
 
 namespace {
 
-// All but the unreserved characters of RFC 3986.
 std::string encoded(std::string_view text) {
     std::string result;
     for (const char c : text) {

@@ -11,7 +11,7 @@ constexpr auto mark = "the-mark";
 // What an answer at the service comes to: "value X", the error's text, or "ignored".
 std::string outcome(ServiceType type, std::string_view form) {
     const SignInExpectation expectation(signInServiceFor(type).value(), mark);
-    const auto items = decodedForm(form);
+    const auto items = parseFormItems(form);
     const auto answer = items ? expectation.read(*items) : std::nullopt;
     if (!answer) {
         return "ignored";

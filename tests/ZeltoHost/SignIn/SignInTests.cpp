@@ -29,7 +29,7 @@ std::unique_ptr<SignIn> begun(ServiceType type, SignInOptions options = {}) {
 
 // An item of the page's query.
 std::string itemOf(const SignIn& signIn, std::string_view name) {
-    return onlyValue(decodedForm(signIn.address().query().value()).value(), name).value_or("");
+    return onlyValue(parseFormItems(signIn.address().query().value()).value(), name).value_or("");
 }
 
 // A browser that comes back with an answer in the query; gives the status line.
@@ -82,7 +82,7 @@ TEST(SignIn, GetsTheTokenOfEveryServiceWithACode) {
         const auto request = server.requests().at(0);
         EXPECT_EQ(request.headers.value("Host"), service->tokenURL.host());
         EXPECT_EQ(request.target, service->tokenURL.percentEncodedPath());
-        const auto items = decodedForm(request.body).value();
+        const auto items = parseFormItems(request.body).value();
         EXPECT_EQ(onlyValue(items, "code"), "canary-code");
         EXPECT_EQ(onlyValue(items, "redirect_uri"), signIn->redirect().absoluteString());
         EXPECT_EQ(onlyValue(items, "code_verifier").has_value(), service->takesPKCE);
@@ -319,7 +319,7 @@ TEST(SignIn, LogsNothingOfItsSecrets) {
     const auto token = outcome(*signIn, [&] { comeBack(*signIn, goodAnswer(*signIn)); });
     ASSERT_TRUE(token);
     const auto verifier =
-        onlyValue(decodedForm(server.requests().at(0).body).value(), "code_verifier").value();
+        onlyValue(parseFormItems(server.requests().at(0).body).value(), "code_verifier").value();
     for (const auto& message : log.messages()) {
         EXPECT_EQ(message.find("canary"), std::string::npos) << message;
         EXPECT_EQ(message.find(verifier), std::string::npos) << message;

@@ -82,9 +82,9 @@ TEST(SignInToken, ReplacesAllThatTheAccountHadBefore) {
 }
 
 TEST(SignInToken, OfTheImplicitFlowIsReadFromTheAnswerItself) {
-    EXPECT_EQ(signInTokenOf(decodedForm("access_token=a&expires_in=7200&state=s").value()),
+    EXPECT_EQ(signInTokenOf(parseFormItems("access_token=a&expires_in=7200&state=s").value()),
               (SignInToken{.accessToken = "a", .expiresIn = 7200}));
-    EXPECT_EQ(signInTokenOf(decodedForm("access_token=a&expires_in=x").value()),
+    EXPECT_EQ(signInTokenOf(parseFormItems("access_token=a&expires_in=x").value()),
               (SignInToken{.accessToken = "a"}));
 }
 
