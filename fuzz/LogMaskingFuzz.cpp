@@ -1,5 +1,6 @@
 #include <Platform/PercentEncoding.h>
 #include <Platform/Text.h>
+#include <Platform/UTF8.h>
 #include <TrovenhalCommon/Regexp/LVXRegexpManager.h>
 #include <ZeltoCommonLogger/LogLine.h>
 #include <ZeltoCommonLogger/LogMasking.h>

@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/ServiceOutcome.h>
 
 #include <Platform/JSON/JSONRecordDescription.h>
+#include <Platform/UTF8.h>
 
 #include <cstdint>
 #include <cstdlib>

@@ -4,6 +4,7 @@
 #include <ZeltoHost/SignIn/SignInToken.h>
 
 #include <Platform/Text.h>
+#include <Platform/UTF8.h>
 
 #include <cstdint>
 #include <cstdlib>

@@ -2,6 +2,7 @@
 #include <Platform/PercentEncoding.h>
 #include <Platform/Text.h>
 #include <Platform/URLComponents.h>
+#include <Platform/UTF8.h>
 
 #include <cstdint>
 #include <cstdlib>

@@ -10,6 +10,7 @@
 #include <ZeltoIntegrations/RegisterIntegrationsTypes.h>
 
 #include <Platform/Text.h>
+#include <Platform/UTF8.h>
 
 #include <algorithm>
 #include <csignal>

@@ -2,7 +2,9 @@
 
 #include "HelpText.h"
 #include "KnownValues.h"
-#include "ShellText.h"
+
+#include <Platform/ASCII.h>
+#include <Platform/Joined.h>
 
 #include <algorithm>
 
@@ -143,7 +145,7 @@ std::string manPage() {
 
 std::string manPage(const CommandSpec& command) {
     std::string summary(command.summary);
-    summary.front() = static_cast<char>(summary.front() - 'A' + 'a');
+    summary.front() = toASCIILower(summary.front());
     auto text = title(manPageName(command)) + "# NAME\n\n" + manPageName(command) + " - " + plain(summary) +
                 "\n\n# SYNOPSIS\n\n" + plain(usageLine(command)) + "\n\n# DESCRIPTION\n\n" +
                 plain(command.description) + "\n\n";

@@ -24,8 +24,17 @@ constexpr bool isASCIIAlphanumeric(char c) {
     return isASCIILetter(c) || isASCIIDigit(c);
 }
 
+// No blank and no control character.
+constexpr bool isVisibleASCII(char c) {
+    return c > ' ' && c <= '~';
+}
+
 constexpr char toASCIILower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+constexpr char toASCIIUpper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
 inline std::string toASCIILower(std::string_view text) {
@@ -36,8 +45,33 @@ inline std::string toASCIILower(std::string_view text) {
     return lower;
 }
 
+inline std::string toASCIIUpper(std::string_view text) {
+    std::string upper(text);
+    for (char& each : upper) {
+        each = toASCIIUpper(each);
+    }
+    return upper;
+}
+
 constexpr bool equalIgnoringASCIICase(std::string_view left, std::string_view right) {
     return std::ranges::equal(left, right, [](char a, char b) { return toASCIILower(a) == toASCIILower(b); });
+}
+
+// What a hexadecimal digit of either case stands for; -1 for any other character.
+constexpr int hexDigitValue(char c) {
+    if (isASCIIDigit(c)) {
+        return c - '0';
+    }
+    const char lower = toASCIILower(c);
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+// Without the blanks and tabs at both ends, as fields of headers are read.
+constexpr std::string_view trimmedBlanks(std::string_view text) {
+    constexpr std::string_view blanks = " \t";
+    const auto first = text.find_first_not_of(blanks);
+    return first == std::string_view::npos ? std::string_view()
+                                           : text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
 } // namespace zelto

@@ -1,6 +1,7 @@
 #include <Platform/FileNames.h>
 
 #include <Platform/Text.h>
+#include <Platform/UTF8.h>
 
 #include <algorithm>
 #include <array>

@@ -1,5 +1,6 @@
 #include <Platform/PercentEncoding.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/UTF8.h>
 
 #include <array>
@@ -20,16 +21,12 @@ struct Replacement {
 
 using Table = std::array<Replacement, 256>;
 
-constexpr bool isAlphanumeric(unsigned char byte) {
-    return (byte >= '0' && byte <= '9') || (byte >= 'A' && byte <= 'Z') || (byte >= 'a' && byte <= 'z');
-}
-
 constexpr Table tableAllowing(std::string_view others) {
     Table table{};
     for (unsigned index = 0; index < table.size(); ++index) {
         const auto byte = static_cast<unsigned char>(index);
         const auto character = static_cast<char>(byte);
-        if (isAlphanumeric(byte) || others.find(character) != std::string_view::npos) {
+        if (isASCIIAlphanumeric(character) || others.find(character) != std::string_view::npos) {
             table[index] = {{character, 0, 0}, 1};
         } else {
             table[index] = {{'%', upperDigits[byte >> 4], upperDigits[byte & 15]}, 3};
@@ -61,14 +58,6 @@ const Table& tableOf(AllowedCharacters allowed) {
         return fragment;
     }
     return alphanumerics;
-}
-
-int hexValue(char digit) {
-    if (digit >= '0' && digit <= '9') {
-        return digit - '0';
-    }
-    const char lower = static_cast<char>(digit | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
 } // namespace
@@ -109,8 +98,8 @@ std::optional<std::string> percentDecodeBytes(std::string_view text) {
             return decoded;
         }
         text.remove_prefix(escape);
-        const int high = text.size() > 2 ? hexValue(text[1]) : -1;
-        const int low = text.size() > 2 ? hexValue(text[2]) : -1;
+        const int high = text.size() > 2 ? hexDigitValue(text[1]) : -1;
+        const int low = text.size() > 2 ? hexDigitValue(text[2]) : -1;
         if (high < 0 || low < 0) {
             return std::nullopt;
         }

@@ -1,6 +1,7 @@
 #include <Platform/Text.h>
 
 #include <Platform/ASCII.h>
+#include <Platform/UTF8.h>
 
 #include <unicode/brkiter.h>
 #include <unicode/utext.h>

@@ -1,8 +1,9 @@
 #pragma once
 
-#include <Platform/UTF8.h>
-
+#include <cstddef>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 namespace zelto {

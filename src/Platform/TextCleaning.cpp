@@ -1,4 +1,5 @@
 #include <Platform/Text.h>
+#include <Platform/UTF8.h>
 
 #include <algorithm>
 #include <array>

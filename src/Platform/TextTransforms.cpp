@@ -1,5 +1,8 @@
 #include <Platform/Text.h>
 
+#include <Platform/ASCII.h>
+#include <Platform/UTF8.h>
+
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
 #include <unicode/normalizer2.h>
@@ -21,8 +24,8 @@ namespace {
 // ICU counts in 32 bits, and a transform may make the text longer.
 constexpr std::size_t longestText = std::numeric_limits<std::int32_t>::max() / 8;
 
-bool isASCII(std::string_view text) {
-    return std::ranges::none_of(text, [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; });
+bool isAllASCII(std::string_view text) {
+    return std::ranges::all_of(text, isASCII);
 }
 
 std::optional<icu::UnicodeString> unitsOf(std::string_view text) {
@@ -82,7 +85,7 @@ icu::UnicodeString withoutNonspacingMarks(const icu::UnicodeString& units) {
 } // namespace
 
 std::optional<std::string> toLatin(std::string_view text) {
-    if (isASCII(text)) {
+    if (isAllASCII(text)) {
         return std::string(text);
     }
     static auto& transform = *new LatinTransform;
@@ -91,7 +94,7 @@ std::optional<std::string> toLatin(std::string_view text) {
 }
 
 std::optional<std::string> strippingDiacritics(std::string_view text) {
-    if (isASCII(text)) {
+    if (isAllASCII(text)) {
         return std::string(text);
     }
     const auto units = unitsOf(text);

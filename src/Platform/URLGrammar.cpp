@@ -1,5 +1,8 @@
 #include <Platform/URLGrammarInternal.h>
 
+#include <Platform/ASCII.h>
+#include <Platform/Numbers.h>
+
 #include <algorithm>
 #include <arpa/inet.h>
 #include <array>
@@ -41,18 +44,14 @@ constexpr unsigned char nameClasses = plain;
 constexpr unsigned char pathClasses = plain | colon | at | slash;
 constexpr unsigned char queryClasses = pathClasses | questionMark;
 
-bool isHexDigit(char each) {
-    return (each >= '0' && each <= '9') || ((each | 0x20) >= 'a' && (each | 0x20) <= 'f');
-}
-
 // Whether there are characters of these classes and whole escapes alone.
 bool consistsOf(std::string_view text, unsigned char allowed) {
     for (std::size_t index = 0; index < text.size(); ++index) {
         if ((classes[static_cast<unsigned char>(text[index])] & allowed) != 0) {
             continue;
         }
-        if (text[index] != '%' || text.size() - index < 3 || !isHexDigit(text[index + 1]) ||
-            !isHexDigit(text[index + 2])) {
+        if (text[index] != '%' || text.size() - index < 3 || hexDigitValue(text[index + 1]) < 0 ||
+            hexDigitValue(text[index + 2]) < 0) {
             return false;
         }
         index += 2;
@@ -61,17 +60,13 @@ bool consistsOf(std::string_view text, unsigned char allowed) {
 }
 
 bool isSchemeName(std::string_view text) {
-    const auto isLetter = [](char each) { return (each | 0x20) >= 'a' && (each | 0x20) <= 'z'; };
-    return !text.empty() && isLetter(text.front()) && std::ranges::all_of(text, [&](char each) {
-        return isLetter(each) || (each >= '0' && each <= '9') || each == '+' || each == '-' || each == '.';
+    return !text.empty() && isASCIILetter(text.front()) && std::ranges::all_of(text, [](char each) {
+        return isASCIIAlphanumeric(each) || each == '+' || each == '-' || each == '.';
     });
 }
 
 bool isWeb(std::string_view scheme) {
-    constexpr std::string_view https = "https";
-    return (scheme.size() == 4 || scheme.size() == 5) &&
-           std::ranges::equal(scheme, https.substr(0, scheme.size()), {},
-                              [](char each) { return each | 0x20; });
+    return equalIgnoringASCIICase(scheme, "https") || equalIgnoringASCIICase(scheme, "http");
 }
 
 bool isIPv6Address(std::string_view text) {

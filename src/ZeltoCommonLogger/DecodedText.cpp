@@ -1,5 +1,6 @@
 #include <ZeltoCommonLogger/DecodedTextInternal.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/UTF8.h>
 
 #include <cstdint>
@@ -9,21 +10,13 @@ namespace zelto {
 
 namespace {
 
-int hexValue(char c) {
-    if (c >= '0' && c <= '9') {
-        return c - '0';
-    }
-    const char lower = static_cast<char>(c | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
 std::optional<std::uint32_t> hexNumber(std::string_view text, std::size_t at, std::size_t digits) {
     if (at + digits > text.size()) {
         return std::nullopt;
     }
     std::uint32_t number = 0;
     for (std::size_t index = at; index < at + digits; ++index) {
-        const int value = hexValue(text[index]);
+        const int value = hexDigitValue(text[index]);
         if (value < 0) {
             return std::nullopt;
         }

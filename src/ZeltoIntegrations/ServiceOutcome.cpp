@@ -2,6 +2,8 @@
 
 #include <ZeltoCommonLogger/Logger.h>
 
+#include <Platform/UTF8.h>
+
 #include <string_view>
 #include <utility>
 

@@ -1,5 +1,8 @@
 #include <ZeltoSandbox/FaultList.h>
 
+#include <Platform/ASCII.h>
+#include <Platform/Joined.h>
+
 #include <algorithm>
 #include <cmath>
 #include <vector>

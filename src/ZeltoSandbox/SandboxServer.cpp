@@ -6,6 +6,8 @@
 #include <ZeltoSandbox/ServiceDesk.h>
 #include <ZeltoSandbox/page/PageFiles.h>
 
+#include <Platform/ASCII.h>
+
 #include <algorithm>
 #include <atomic>
 

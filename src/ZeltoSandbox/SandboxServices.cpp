@@ -3,7 +3,7 @@
 #include <ZeltoSandbox/PlainService.h>
 #include <ZeltoSandbox/Trello/TrelloSandbox.h>
 
-#include <Platform/HTTP/HTTPHeaders.h>
+#include <Platform/ASCII.h>
 #include <Platform/Lasting.h>
 
 #include <algorithm>

@@ -2,6 +2,8 @@
 
 #include "LoopbackServer.h"
 
+#include <Platform/ASCII.h>
+
 #include <gtest/gtest.h>
 
 #include <sys/socket.h>

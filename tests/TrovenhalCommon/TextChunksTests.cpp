@@ -1,6 +1,7 @@
 #include <TrovenhalCommon/TextChunks.h>
 
 #include <Platform/Text.h>
+#include <Platform/UTF8.h>
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,6 @@
 #include "SandboxCaller.h"
 
+#include <Platform/ASCII.h>
 #include <Platform/PercentEncoding.h>
 
 #include <Support/Eventually.h>

@@ -1,5 +1,7 @@
 #include <Platform/HTTP/HTTPHeaders.h>
 
+#include <Platform/ASCII.h>
+
 #include <algorithm>
 #include <array>
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <Platform/ASCII.h>
-
 #include <optional>
 #include <string>
 #include <string_view>

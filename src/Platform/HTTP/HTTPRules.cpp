@@ -156,7 +156,7 @@ bool isLoopbackHost(std::string_view host) {
         const auto digits = host.substr(0, dot);
         const bool isNumber = !digits.empty() && digits.size() <= 3 &&
                               !(digits.size() > 1 && digits[0] == '0') &&
-                              std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; });
+                              std::ranges::all_of(digits, isASCIIDigit);
         if (!isNumber) {
             return false;
         }

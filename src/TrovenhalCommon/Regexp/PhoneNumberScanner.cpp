@@ -1,5 +1,7 @@
 #include <TrovenhalCommon/Regexp/TextScannersInternal.h>
 
+#include <Platform/ASCII.h>
+
 #include <algorithm>
 #include <array>
 
@@ -81,8 +83,7 @@ std::size_t extensionEnd(std::string_view text, std::size_t at) {
     auto position = std::min(text.find_first_not_of(" ,;", at), text.size());
     const auto rest = text.substr(position, 10);
     const auto begins = [&](std::string_view mark) {
-        return std::ranges::equal(rest.substr(0, mark.size()), mark,
-                                  [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a | 0x20 : a) == b; });
+        return equalIgnoringASCIICase(rest.substr(0, mark.size()), mark);
     };
     constexpr std::array<std::string_view, 6> marks = {"extension", "ext.", "ext=", "ext", "x", "#"};
     const auto mark = std::ranges::find_if(marks, begins);

@@ -1,5 +1,7 @@
 #include <ZeltoHost/HTML/SafeLink.h>
 
+#include <Platform/ASCII.h>
+
 #include <algorithm>
 #include <array>
 
@@ -14,14 +16,11 @@ constexpr std::size_t lengthLimit = 65536;
 
 bool needsEncoding(char c) {
     constexpr std::string_view forbidden = "\"<>\\^`{|}";
-    const auto byte = static_cast<unsigned char>(c);
-    return byte <= 0x20 || byte >= 0x7F || forbidden.find(c) != std::string_view::npos;
+    return !isVisibleASCII(c) || forbidden.find(c) != std::string_view::npos;
 }
 
 bool isEscape(std::string_view text) {
-    constexpr std::string_view digits = "0123456789abcdefABCDEF";
-    return text.size() >= 3 && digits.find(text[1]) != std::string_view::npos &&
-           digits.find(text[2]) != std::string_view::npos;
+    return text.size() >= 3 && hexDigitValue(text[1]) >= 0 && hexDigitValue(text[2]) >= 0;
 }
 
 std::string encoded(std::string_view href) {

@@ -2,6 +2,7 @@
 
 #include <Platform/ASCII.h>
 #include <Platform/Text.h>
+#include <Platform/UTF8.h>
 
 #include <algorithm>
 #include <string>

@@ -1,5 +1,6 @@
 #include <ZeltoHost/SignIn/SignInRequest.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/HTTP/HTTPHeaders.h>
 #include <Platform/Numbers.h>
 
@@ -37,17 +38,6 @@ struct Head {
     }
 };
 
-bool isVisible(char c) {
-    return c > ' ' && c < 0x7F;
-}
-
-std::string_view trimmedBlanks(std::string_view text) {
-    constexpr std::string_view blanks = " \t";
-    const auto begin = text.find_first_not_of(blanks);
-    return begin == std::string_view::npos ? std::string_view()
-                                           : text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
-}
-
 bool readRequestLine(std::string_view line, Head& head) {
     const auto methodEnd = line.find(' ');
     const auto targetEnd = line.rfind(' ');
@@ -57,7 +47,7 @@ bool readRequestLine(std::string_view line, Head& head) {
     head.method = line.substr(0, methodEnd);
     head.target = line.substr(methodEnd + 1, targetEnd - methodEnd - 1);
     const auto version = line.substr(targetEnd + 1);
-    return head.target.starts_with('/') && std::ranges::all_of(head.target, isVisible) &&
+    return head.target.starts_with('/') && std::ranges::all_of(head.target, isVisibleASCII) &&
            (version == "HTTP/1.1" || version == "HTTP/1.0");
 }
 

@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/MCP/MCPDecodingInternal.h>
 #include <ZeltoIntegrations/MCP/MCPHTTPTransport.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/UUID.h>
 
 #include <TrovenhalCommon/OnceGate.h>
@@ -19,10 +20,7 @@ namespace zelto {
 namespace {
 
 MCPRequestID freshID() {
-    auto text = uuid();
-    std::ranges::transform(text, text.begin(),
-                           [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c & ~0x20) : c; });
-    return MCPRequestID::string(std::move(text));
+    return MCPRequestID::string(toASCIIUpper(uuid()));
 }
 
 template <class T> MCPResult<JSONValue> makeParams(const T& params) {

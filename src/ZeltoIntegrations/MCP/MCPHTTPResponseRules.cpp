@@ -2,6 +2,8 @@
 
 #include <ZeltoIntegrations/MCP/MCPWWWAuthenticateBearerParser.h>
 
+#include <Platform/ASCII.h>
+
 #include <algorithm>
 
 namespace zelto {
@@ -53,7 +55,7 @@ void captureSessionID(const HTTPURLResponse& response, const MCPHTTPSessionIDRef
 }
 
 bool isSendableSessionID(std::string_view sessionID) {
-    return std::ranges::all_of(sessionID, [](char c) { return c > ' ' && c <= '~'; });
+    return std::ranges::all_of(sessionID, isVisibleASCII);
 }
 
 } // namespace zelto

@@ -1,5 +1,6 @@
 #include <ZeltoSandbox/HTTP/SandboxRequest.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/UTF8.h>
 
 #include <algorithm>

@@ -1,5 +1,7 @@
 #include <ZeltoSandbox/HTTP/RequestParser.h>
 
+#include <Platform/ASCII.h>
+
 #include <boost/asio/buffer.hpp>
 #include <boost/beast/http/basic_parser.hpp>
 #include <boost/beast/http/error.hpp>

@@ -8,23 +8,6 @@ namespace zelto::sandbox {
 
 namespace {
 
-std::string_view withoutBlanks(std::string_view text) {
-    const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
-    while (!text.empty() && isBlank(text.front())) {
-        text.remove_prefix(1);
-    }
-    while (!text.empty() && isBlank(text.back())) {
-        text.remove_suffix(1);
-    }
-    return text;
-}
-
-std::optional<std::string> decoded(std::string_view text) {
-    std::string blanks(text);
-    std::ranges::replace(blanks, '+', ' ');
-    return percentDecode(blanks);
-}
-
 // The end of a parameter: the next ";" that stands in no quotes.
 std::size_t parameterEnd(std::string_view text) {
     bool quoted = false;
@@ -97,7 +80,7 @@ std::optional<std::string> headerParameter(std::string_view value, std::string_v
     value.remove_prefix(parameterEnd(value));
     while (!value.empty()) {
         value.remove_prefix(1);
-        const auto parameter = withoutBlanks(value.substr(0, parameterEnd(value)));
+        const auto parameter = trimmedBlanks(value.substr(0, parameterEnd(value)));
         value.remove_prefix(parameterEnd(value));
         const auto equals = parameter.find('=');
         if (equals != std::string_view::npos && equalIgnoringASCIICase(parameter.substr(0, equals), name)) {
@@ -108,7 +91,7 @@ std::optional<std::string> headerParameter(std::string_view value, std::string_v
 }
 
 std::string mediaTypeOf(std::string_view contentType) {
-    return toASCIILower(withoutBlanks(contentType.substr(0, contentType.find(';'))));
+    return toASCIILower(trimmedBlanks(contentType.substr(0, contentType.find(';'))));
 }
 
 } // namespace zelto::sandbox

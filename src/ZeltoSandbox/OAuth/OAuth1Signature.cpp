@@ -1,5 +1,6 @@
 #include <ZeltoSandbox/OAuth/OAuth1Signature.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/Base64.h>
 #include <Platform/Crypto/Digest.h>
 #include <Platform/Joined.h>
@@ -13,21 +14,7 @@ namespace zelto::sandbox {
 namespace {
 
 std::string encoded(std::string_view text) {
-    std::string result;
-    for (const char c : text) {
-        if (c == '-' || c == '.' || c == '_' || c == '~') {
-            result.push_back(c);
-        } else {
-            result += percentEncodeBytes({&c, 1}, AllowedCharacters::alphanumerics);
-        }
-    }
-    return result;
-}
-
-std::string_view trimmedBlanks(std::string_view text) {
-    const auto first = text.find_first_not_of(" \t");
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(" \t") - first + 1);
+    return percentEncodeBytes(text, AllowedCharacters::unreserved);
 }
 
 } // namespace

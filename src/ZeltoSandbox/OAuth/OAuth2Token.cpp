@@ -1,8 +1,8 @@
 #include <ZeltoSandbox/OAuth/OAuth2Endpoints.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/Base64.h>
 #include <Platform/Crypto/Digest.h>
-#include <Platform/PercentEncoding.h>
 
 #include <algorithm>
 

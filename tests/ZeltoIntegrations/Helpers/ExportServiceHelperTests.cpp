@@ -2,6 +2,7 @@
 
 #include <Platform/FileManager.h>
 #include <Platform/Text.h>
+#include <Platform/UTF8.h>
 
 #include <gtest/gtest.h>
 
