@@ -4,6 +4,7 @@
 #include <ZeltoIntegrations/LiveSecrets.h>
 #include <ZeltoIntegrations/ServiceCredentialsManager.h>
 
+#include <Platform/ASCII.h>
 #include <Platform/Base64.h>
 
 #include <algorithm>
@@ -16,15 +17,17 @@ namespace {
 // Servers refuse headers long before this, and what is longer is no token.
 constexpr std::size_t longestToken = 32 * 1024;
 
-// Without the line end that pasting leaves; nothing for what holds a character below the lowest, or none of
-// ASCII.
-std::optional<std::string> tokenWithin(const std::optional<std::string>& token, char lowest) {
+bool isVisibleOrBlank(char c) {
+    return c == ' ' || isVisibleASCII(c);
+}
+
+// Without the line end that pasting leaves; nothing for what holds a character that is not taken.
+std::optional<std::string> tokenWithin(const std::optional<std::string>& token, bool (*isTaken)(char)) {
     if (!token) {
         return std::nullopt;
     }
     const auto end = token->find_last_not_of("\r\n");
     const auto sent = std::string_view(*token).substr(0, end == std::string::npos ? 0 : end + 1);
-    const auto isTaken = [lowest](char c) { return c >= lowest && c <= '~'; };
     if (sent.size() > longestToken || !std::ranges::all_of(sent, isTaken)) {
         return std::nullopt;
     }
@@ -96,7 +99,7 @@ std::optional<URLRequest> AccountAuthoriser::createRefreshTokenRequest() {
         return std::nullopt;
     }
     // In a form a token may hold blanks (RFC 6749, appendix A.17).
-    const auto refreshToken = tokenWithin(accountCredentials().refreshToken, ' ');
+    const auto refreshToken = tokenWithin(accountCredentials().refreshToken, isVisibleOrBlank);
     if (!refreshToken) {
         return std::nullopt;
     }
@@ -123,7 +126,7 @@ void AccountAuthoriser::updateToken(const ServiceResult<OAuthToken>& result) {
 }
 
 std::optional<std::string> AccountAuthoriser::sentToken(const std::optional<std::string>& token) {
-    return tokenWithin(token, '!');
+    return tokenWithin(token, isVisibleASCII);
 }
 
 void AccountAuthoriser::takeIn(const OAuthToken& token, const AuthorisationRules::Refresh& rules) {

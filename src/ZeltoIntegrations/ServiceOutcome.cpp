@@ -62,7 +62,7 @@ ServiceResult<ServiceAnswer> serviceOutcome(URL url, std::optional<Data> data,
     }
     const auto* http = dynamic_cast<const HTTPURLResponse*>(response.get());
     const int status = http ? http->statusCode() : 0;
-    if (status < 200 || status > 299) {
+    if (!isSuccess(status)) {
         const auto text = isValidUTF8(viewOf(*data)) ? viewOf(*data) : std::string_view();
         tell(LogLevel::error, [&] {
             return "API call error for request: " + url.absoluteString() +

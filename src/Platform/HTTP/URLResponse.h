@@ -10,6 +10,11 @@
 
 namespace zelto {
 
+// Whether a status is one of 200 to 299.
+constexpr bool isSuccess(int status) {
+    return status >= 200 && status < 300;
+}
+
 // The head of an answer: whence it came. Shared and never changed.
 class URLResponse {
   public:

@@ -8,6 +8,7 @@
 
 #include <ZeltoCommonLogger/SecretRegistry.h>
 
+#include <Platform/HTTP/URLResponse.h>
 #include <Platform/Text.h>
 
 #include <thread>
@@ -17,16 +18,6 @@ namespace zelto {
 namespace {
 
 using TokenResult = Result<SignInToken, SignInError>;
-
-SignInError badAnswer(const SignInService& service) {
-    return {SignInErrorCode::badAnswer, service.name + " answered without a token."};
-}
-
-bool isGood(int status) {
-    constexpr int firstGood = 200;
-    constexpr int firstOther = 300;
-    return status >= firstGood && status < firstOther;
-}
 
 // OAuth 1 has no codes for what went wrong: 401 means the client or its signature.
 SignInError refusal(const SignInService& service, int status) {
@@ -45,12 +36,12 @@ Result<OAuth1Token, SignInError> oauth1Token(const SignInService& service, const
     if (!reply) {
         return failure(reply.error());
     }
-    if (!isGood(reply->status)) {
+    if (!isSuccess(reply->status)) {
         return failure(refusal(service, reply->status));
     }
     auto token = readOAuth1Token(reply->body);
     if (!token) {
-        return failure(badAnswer(service));
+        return failure(answerWithoutToken(service.name));
     }
     return *std::move(token);
 }
@@ -132,7 +123,7 @@ class SignIn::Work {
         }
         auto token = tokenFor(**answer, stop);
         if (token && !isUsableToken(token->accessToken)) {
-            return failure(badAnswer(service_));
+            return failure(answerWithoutToken(service_.name));
         }
         return token;
     }
@@ -161,7 +152,7 @@ class SignIn::Work {
         }
         // Before 1.0a whoever began a sign-in could have another finish it.
         if (!token->callbackIsConfirmed) {
-            return failure(badAnswer(service_));
+            return failure(answerWithoutToken(service_.name));
         }
         requestToken_ = *std::move(token);
         mask(requestToken_.secret);
@@ -169,7 +160,7 @@ class SignIn::Work {
         page.setQueryItem("oauth_token", requestToken_.token);
         auto address = page.url();
         if (!address) {
-            return failure(badAnswer(service_));
+            return failure(answerWithoutToken(service_.name));
         }
         address_ = *std::move(address);
         inbox_.emplace(SignInExpectation(service_, requestToken_.token));
@@ -186,7 +177,7 @@ class SignIn::Work {
         case SignInFlow::authorizationCode:
             return tokenForCode(answer.value, stop);
         }
-        return failure(badAnswer(service_));
+        return failure(answerWithoutToken(service_.name));
     }
 
     TokenResult tokenForCode(const std::string& code, const std::stop_token& stop) {

@@ -59,4 +59,8 @@ std::string refusalText(const std::string& service, std::string_view code) {
     return service + " refused the sign-in" + (isPlainWord(code) ? " (" + std::string(code) + ")." : ".");
 }
 
+SignInError answerWithoutToken(const std::string& service) {
+    return {SignInErrorCode::badAnswer, service + " answered without a token."};
+}
+
 } // namespace zelto

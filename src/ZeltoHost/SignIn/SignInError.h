@@ -30,4 +30,7 @@ struct SignInError {
 // it is a plain word, and not at all otherwise.
 std::string refusalText(const std::string& service, std::string_view code);
 
+// The service answered well, but with no token that can be used.
+SignInError answerWithoutToken(const std::string& service);
+
 } // namespace zelto

@@ -1,5 +1,8 @@
 #include <ZeltoHost/SignIn/SignInToken.h>
 
+#include <ZeltoIntegrations/AccountAuthoriser.h>
+
+#include <Platform/HTTP/URLResponse.h>
 #include <Platform/JSON/JSONValue.h>
 #include <Platform/Numbers.h>
 
@@ -55,16 +58,14 @@ Result<SignInToken, SignInError> readSignInToken(const SignInService& service, i
                                                  std::string_view body) {
     const auto parsed = JSONValue::parse(body);
     const auto answer = parsed ? *parsed : JSONValue();
-    constexpr int firstGood = 200;
-    constexpr int firstOther = 300;
     // Slack says no with a good status.
-    if (status < firstGood || status >= firstOther || textMember(answer, "error")) {
+    if (!isSuccess(status) || textMember(answer, "error")) {
         return failure(refusal(service, status, answer));
     }
     const auto* holder = service.tokenObject.empty() ? &answer : answer.find(service.tokenObject);
     const auto token = holder ? textMember(*holder, "access_token") : std::nullopt;
     if (!token) {
-        return failure(SignInError{SignInErrorCode::badAnswer, service.name + " answered without a token."});
+        return failure(answerWithoutToken(service.name));
     }
     return SignInToken{.accessToken = *token,
                        .refreshToken = textMember(*holder, "refresh_token"),
@@ -72,9 +73,7 @@ Result<SignInToken, SignInError> readSignInToken(const SignInService& service, i
 }
 
 bool isUsableToken(std::string_view text) {
-    constexpr std::size_t longest = 32 * 1024;
-    return !text.empty() && text.size() <= longest &&
-           std::ranges::all_of(text, [](char c) { return c > ' ' && c < 0x7F; });
+    return !text.empty() && AccountAuthoriser::sentToken(std::string(text)) == text;
 }
 
 SignInToken signInTokenOf(const FormItems& items) {

@@ -31,7 +31,7 @@ struct SignInToken {
 Result<SignInToken, SignInError> readSignInToken(const SignInService& service, int status,
                                                  std::string_view body);
 
-// Whether a text can be sent as a token: some visible ASCII, and not of a length that no service gives.
+// Whether a text can be sent as a token, and as it stands.
 bool isUsableToken(std::string_view text);
 
 // The token within the answer of the implicit flow.

@@ -35,7 +35,7 @@ std::optional<MCPClientError> failureOf(const HTTPURLResponse& response,
     constexpr int unauthorized = 401;
     constexpr int notFound = 404;
     const int status = response.statusCode();
-    if (status >= 200 && status < 300) {
+    if (isSuccess(status)) {
         return std::nullopt;
     }
     if (status == unauthorized) {
