@@ -48,18 +48,6 @@ class Temporary {
     path path_;
 };
 
-// Not every file system can bring a directory to the disk.
-Result<void, FileError> syncDirectory(const path& directory) {
-    const auto opened = FileManager::openFile(directory, O_RDONLY | O_DIRECTORY);
-    if (!opened) {
-        return failure(opened.error());
-    }
-    if (fsync(opened->number()) != 0 && errno != EINVAL && errno != ENOTSUP) {
-        return systemFailure(directory);
-    }
-    return {};
-}
-
 // As much as is known to be there, so that a file is read in one piece.
 std::size_t expectedSize(const struct stat& status, std::uint64_t limit) {
     return static_cast<std::size_t>(
@@ -82,13 +70,14 @@ path homeDirectory() {
 
 Result<Data, FileError> FileManager::readFile(const path& where, std::uint64_t limit) {
     const auto file = openFile(where, O_RDONLY);
-    if (!file) {
-        return failure(file.error());
-    }
+    return file ? readAll(*file, where, limit) : failure(file.error());
+}
 
+Result<Data, FileError> FileManager::readAll(const FileDescriptor& file, const path& where,
+                                             std::uint64_t limit) {
     struct stat status {};
 
-    if (fstat(file->number(), &status) != 0) {
+    if (fstat(file.number(), &status) != 0) {
         return systemFailure(where);
     }
     if (S_ISDIR(status.st_mode)) {
@@ -102,7 +91,7 @@ Result<Data, FileError> FileManager::readFile(const path& where, std::uint64_t l
     // One byte more than expected, so that the end shows without another growth.
     bytes.resize(expectedSize(status, limit) + 1);
     for (;;) {
-        const auto count = read(file->number(), bytes.data() + filled, bytes.size() - filled);
+        const auto count = read(file.number(), bytes.data() + filled, bytes.size() - filled);
         if (count < 0 && errno == EINTR) {
             continue;
         }
@@ -183,6 +172,18 @@ Result<void, FileError> FileManager::writeAll(const FileDescriptor& file, std::s
         } else if (errno != EINTR) {
             return systemFailure(where);
         }
+    }
+    return {};
+}
+
+Result<void, FileError> FileManager::syncDirectory(const path& directory) {
+    const auto opened = openFile(directory, O_RDONLY | O_DIRECTORY);
+    if (!opened) {
+        return failure(opened.error());
+    }
+    // Not every file system can.
+    if (fsync(opened->number()) != 0 && errno != EINVAL && errno != ENOTSUP) {
+        return systemFailure(directory);
     }
     return {};
 }

@@ -21,14 +21,17 @@ struct FileManager {
 
     // A path for a file of that name in a fresh, empty folder of the temporary directory. Its last component
     // is the name as told, but "/" and NUL become "_" in it, "." and ".." become "_" and "__", an empty name
-    // becomes
-    // "_", and one too long for the file system loses characters before its extension.
+    // becomes "_", and one too long for the file system loses characters before its extension.
     static Result<std::filesystem::path, FileError> temporaryPath(std::string_view name);
 
     static constexpr std::uint64_t noLimit = std::numeric_limits<std::uint64_t>::max();
 
     // The whole of a file or pipe; tooLarge if there is more than the limit in it.
     static Result<Data, FileError> readFile(const std::filesystem::path& path, std::uint64_t limit = noLimit);
+
+    // The same of a file that is open, at its beginning.
+    static Result<Data, FileError> readAll(const FileDescriptor& file, const std::filesystem::path& path,
+                                           std::uint64_t limit = noLimit);
 
     // Where the user's programs keep data: $XDG_DATA_HOME where it is an absolute path, else the place that
     // it stands for, ~/.local/share.
@@ -54,6 +57,9 @@ struct FileManager {
     // Writes all of it, going on after interruptions and partial writes.
     static Result<void, FileError> writeAll(const FileDescriptor& file, std::string_view bytes,
                                             const std::filesystem::path& path);
+
+    // Brings to the disk what was made, renamed and removed in a directory, where its file system can.
+    static Result<void, FileError> syncDirectory(const std::filesystem::path& directory);
 };
 
 } // namespace zelto

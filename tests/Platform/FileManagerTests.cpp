@@ -397,6 +397,26 @@ TEST(FileManager, MakesANewFileOnlyWhereNoneIs) {
     EXPECT_FALSE(fs::exists(target));
 }
 
+TEST(FileManager, ReadsAllOfAnOpenFile) {
+    const auto path = freshPath();
+    makeFile(path, "12345");
+    const auto file = FileManager::openFile(path, O_RDONLY);
+    ASSERT_TRUE(file);
+    EXPECT_EQ(FileManager::readAll(*file, path, 4).error().code, FileErrorCode::tooLarge);
+    const auto bytes = FileManager::readAll(*file, path, 5);
+    ASSERT_TRUE(bytes) << bytes.error().message();
+    EXPECT_EQ(viewOf(*bytes), "12345");
+}
+
+TEST(FileManager, BringsADirectoryToTheDisk) {
+    const auto path = freshPath();
+    EXPECT_TRUE(FileManager::syncDirectory(path.parent_path()));
+    EXPECT_TRUE(FileManager::syncDirectory("/proc")); // of a file system that has none
+    EXPECT_EQ(FileManager::syncDirectory(path).error().code, FileErrorCode::notFound);
+    makeFile(path, "x");
+    EXPECT_EQ(FileManager::syncDirectory(path).error().code, FileErrorCode::notDirectory);
+}
+
 TEST(FileManager, FollowsNoLinkIfToldSo) {
     const auto link = freshPath("link");
     fs::create_symlink("/etc/passwd", link);

@@ -48,38 +48,6 @@ Result<FileDescriptor, FileError> openNoFollow(const path& where, int flags) {
     return FileManager::openFile(where, flags | O_NOFOLLOW | O_NONBLOCK);
 }
 
-Result<Data, KeyChainError> readAll(const FileDescriptor& file, std::size_t size, const path& where) {
-    Data bytes(size);
-    std::size_t filled = 0;
-    while (filled < size) {
-        const auto count = read(file.number(), bytes.data() + filled, size - filled);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            return systemFailure(where);
-        }
-        if (count == 0) {
-            break;
-        }
-        filled += static_cast<std::size_t>(count);
-    }
-    bytes.resize(filled);
-    return bytes;
-}
-
-Result<void, KeyChainError> syncDirectory(const path& directory) {
-    const auto opened = FileManager::openFile(directory, O_RDONLY | O_DIRECTORY);
-    if (!opened) {
-        return failure(errorOf(opened.error()));
-    }
-    // Not every file system can bring a directory to the disk.
-    if (fsync(opened->number()) != 0 && errno != EINVAL && errno != ENOTSUP) {
-        return systemFailure(directory);
-    }
-    return {};
-}
-
 Result<void, KeyChainError> writeNewFile(const path& where, std::span<const std::uint8_t> bytes) {
     const auto file = FileManager::createFile(where, 0600);
     if (!file) {
@@ -119,10 +87,11 @@ Result<std::optional<Data>, KeyChainError> readPrivateFile(const path& where, st
     if (const auto checked = checkFile(where, status); !checked) {
         return failure(checked.error());
     }
-    if (static_cast<std::uint64_t>(status.st_size) > limit) {
-        return failure(errorOf(FileError{FileErrorCode::tooLarge, 0, where}));
+    auto bytes = FileManager::readAll(*file, where, limit);
+    if (!bytes) {
+        return failure(errorOf(bytes.error()));
     }
-    return readAll(*file, static_cast<std::size_t>(status.st_size), where);
+    return *std::move(bytes);
 }
 
 Result<void, KeyChainError> replacePrivateFile(const path& where, std::span<const std::uint8_t> bytes) {
@@ -138,7 +107,10 @@ Result<void, KeyChainError> replacePrivateFile(const path& where, std::span<cons
         unlink(fresh.c_str());
         return error;
     }
-    return syncDirectory(directoryOf(where));
+    if (const auto synced = FileManager::syncDirectory(directoryOf(where)); !synced) {
+        return failure(errorOf(synced.error()));
+    }
+    return {};
 }
 
 Result<void, KeyChainError> preparePrivateDirectory(const path& directory) {
