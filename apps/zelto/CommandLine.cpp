@@ -7,7 +7,6 @@
 #include <CLI/Formatter.hpp>
 
 #include <algorithm>
-#include <memory>
 
 namespace zelto::cli {
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <numeric>
-#include <string>
 
 namespace zelto::cli {
 

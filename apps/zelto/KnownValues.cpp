@@ -5,8 +5,6 @@
 #include "ExportSession.h"
 #include "ServiceNames.h"
 
-#include <algorithm>
-
 namespace zelto::cli {
 
 namespace {

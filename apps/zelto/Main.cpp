@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <csignal>
-#include <cstdio>
 #include <optional>
 #include <string>
 #include <sys/prctl.h>

@@ -1,7 +1,5 @@
 #include <Platform/HTTP/HTTPExchangeInternal.h>
 
-#include <cstdio>
-
 namespace zelto {
 
 // Nothing may be thrown through libcurl, and what is thrown here is that there is no memory left.

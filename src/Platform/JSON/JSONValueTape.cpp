@@ -2,7 +2,6 @@
 
 #include <Platform/UTF8.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <new>

@@ -5,8 +5,6 @@
 #include <Platform/ASCII.h>
 #include <Platform/Lasting.h>
 
-#include <algorithm>
-
 namespace zelto {
 
 namespace {

@@ -3,8 +3,6 @@
 #include <ZeltoHost/Mail/GMimeInternal.h>
 #include <ZeltoHost/Mail/MailHeaderText.h>
 
-#include <algorithm>
-
 namespace zelto {
 
 namespace {

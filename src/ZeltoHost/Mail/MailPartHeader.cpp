@@ -6,8 +6,6 @@
 
 #include <Platform/ASCII.h>
 
-#include <algorithm>
-
 namespace zelto {
 
 namespace {

@@ -1,6 +1,5 @@
 #include <ZeltoHost/SignIn/SignInListener.h>
 
-#include <ZeltoHost/SignIn/SignInPagesInternal.h>
 #include <ZeltoHost/SignIn/SignInServingInternal.h>
 #include <ZeltoHost/SignIn/SignInSocketsInternal.h>
 

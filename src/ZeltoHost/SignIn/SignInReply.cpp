@@ -2,7 +2,6 @@
 
 #include <Platform/HTTP/URLSession.h>
 
-#include <functional>
 #include <future>
 
 namespace zelto {

@@ -4,7 +4,6 @@
 #include <Platform/HTTP/HTTPHeaders.h>
 #include <Platform/Text.h>
 
-#include <algorithm>
 #include <span>
 
 namespace zelto {

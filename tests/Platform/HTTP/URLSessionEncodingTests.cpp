@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-
 // Answers that are compressed, and the size that counts.
 
 namespace zelto {
