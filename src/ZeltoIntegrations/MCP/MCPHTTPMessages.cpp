@@ -8,7 +8,6 @@ namespace zelto {
 
 URLRequest mcpHTTPRequest(const URL& endpoint, const MCPHTTPState& state, std::optional<std::string> body) {
     URLRequest request(endpoint, body ? "POST" : "DELETE");
-    request.timeout = TimeInterval{60};
     request.headers.set("Accept", "application/json, text/event-stream");
     if (body) {
         request.headers.set("Content-Type", "application/json");
