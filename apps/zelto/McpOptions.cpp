@@ -28,6 +28,9 @@ Outcome<void> addHeader(std::map<std::string, std::string>& headers, std::string
     if (!isValidHeaderName(name) || !isValidHeaderValue(value)) {
         return wrongUsage(source + " has a name or a value that no header field may have.");
     }
+    if (isTransportHeader(name) || equalIgnoringASCIICase(name, "Content-Length")) {
+        return wrongUsage(source + " gives " + name + ", which is not for a request to set.");
+    }
     headers.insert_or_assign(name, value);
     return {};
 }
@@ -87,13 +90,13 @@ Outcome<McpOptions> McpOptions::from(const Invocation& invocation) {
     }
     McpOptions options{.server = *std::move(server)};
     const auto seconds = numberIn<double>(invocation.value("--timeout").value_or("300"));
-    if (!seconds || !(*seconds > 0) || *seconds > longestTimeout) {
-        return wrongUsage("--timeout is a number of seconds above 0.");
+    if (!seconds || !(*seconds >= 0.001) || *seconds > longestTimeout) {
+        return wrongUsage("--timeout is a number of seconds from 0.001 to 604800.");
     }
     options.timeout = std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(*seconds));
     const auto repeat = numberIn<int>(invocation.value("--repeat").value_or("1"));
     if (!repeat || *repeat < 1 || *repeat > mostCalls) {
-        return wrongUsage("--repeat is a whole number above 0.");
+        return wrongUsage("--repeat is a whole number from 1 to 1000000000.");
     }
     options.repeat = *repeat;
     options.tellsRate = invocation.has("--repeat");
@@ -117,6 +120,9 @@ Outcome<std::optional<JSONValue>> toolArguments(const Invocation& invocation) {
     auto arguments = JSONValue::parse(*text);
     if (!arguments) {
         return wrongUsage("The arguments are " + arguments.error().message() + ".");
+    }
+    if (!arguments->asObject()) {
+        return wrongUsage("The arguments of a tool are a JSON object, like {\"message\":\"hello\"}.");
     }
     return *std::move(arguments);
 }

@@ -33,13 +33,20 @@ std::vector<SecretRegistry::Registration> registered(const std::map<std::string,
     return secrets;
 }
 
+// A tool may be silent for as long as the command may take, whose end comes first and has its own words.
+URLSessionConfiguration patient(TimeInterval timeout) {
+    auto configuration = URLSessionConfiguration::ephemeral();
+    configuration.timeout = timeout + TimeInterval{1};
+    return configuration;
+}
+
 } // namespace
 
 McpSession::McpSession(const McpOptions& options)
     : options_(options), secrets_(registered(options.headers)),
       transport_(std::make_shared<MCPHTTPTransport>(options.server,
                                                     std::make_shared<GivenHeaders>(options.headers),
-                                                    std::nullopt, URLSessionConfiguration::ephemeral())),
+                                                    std::nullopt, patient(options.timeout))),
       client_(transport_), deadline_(Clock::now() + options.timeout) {}
 
 McpSession::~McpSession() {

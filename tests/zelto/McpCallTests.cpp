@@ -187,9 +187,11 @@ TEST(McpCall, ArgumentsComeFromTheLineOrAFileAndAreCheckedBeforeAnythingIsSent) 
     EXPECT_EQ(zelto.run({"mcp", "call", url, "t", "--args", "@args.json"}).output, "filed\n");
     EXPECT_EQ(zelto.run({"mcp", "call", url, "t"}).output, "done\n");
     const auto before = server.log().size();
-    const auto broken = zelto.run({"mcp", "call", url, "t", "--args", "{\"a\":", "--json"});
-    EXPECT_EQ(broken.status, 2);
-    EXPECT_EQ(broken.text("error"), "wrongUsage");
+    for (const std::string wrong : {"{\"a\":", "[1]", "null"}) {
+        const auto refused = zelto.run({"mcp", "call", url, "t", "--args", wrong, "--json"});
+        EXPECT_EQ(refused.status, 2) << wrong;
+        EXPECT_EQ(refused.text("error"), "wrongUsage") << wrong;
+    }
     EXPECT_EQ(zelto.run({"mcp", "call", url, "t", "--args", "@none.json", "--json"}).text("error"),
               "notFound");
     EXPECT_EQ(server.log().size(), before);

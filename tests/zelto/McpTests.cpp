@@ -73,7 +73,8 @@ TEST(Mcp, HeadersComeFromTheLineOrStandardInput) {
         EXPECT_EQ(request.headers.value("X-Two"), "a: b");
         EXPECT_EQ(request.headers.value("Authorization"), "Bearer canary-token");
     }
-    for (const std::string header : {"no colon", ": value", "na me: v", "Name: a\nEvil: b"}) {
+    for (const std::string header :
+         {"no colon", ": value", "na me: v", "Name: a\nEvil: b", "Host: x", "content-length: 5"}) {
         const auto refused = zelto.run({"mcp", "ping", url, "--header", header, "--json"});
         EXPECT_EQ(refused.status, 2) << header;
         EXPECT_EQ(refused.text("error"), "wrongUsage");

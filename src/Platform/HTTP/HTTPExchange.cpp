@@ -39,8 +39,9 @@ bool HTTPExchange::begin(std::shared_ptr<URLTransfer> transfer, std::unique_ptr<
     transfer_ = std::move(transfer);
     plan_ = std::move(plan);
     redirects_ = 0;
-    patience_ = bounded(plan_->request.timeout);
-    giveUpAt_ = rounds_.now + bounded(transfer_->session().configuration.longestTransfer);
+    const auto& configuration = transfer_->session().configuration;
+    patience_ = bounded(configuration.timeout.value_or(plan_->request.timeout));
+    giveUpAt_ = rounds_.now + bounded(configuration.longestTransfer);
     if (easy_ && url_ && prepareHop()) {
         return true;
     }

@@ -77,6 +77,13 @@ const HTTPHeaderField* HTTPHeaders::firstInvalid() const {
     return found == fields_.end() ? nullptr : &*found;
 }
 
+bool isTransportHeader(std::string_view name) {
+    constexpr std::array<std::string_view, 9> names = {"Host",    "Connection", "Transfer-Encoding",
+                                                       "TE",      "Trailer",    "Expect",
+                                                       "Upgrade", "Keep-Alive", "Proxy-Connection"};
+    return std::ranges::any_of(names, [&](auto each) { return equalIgnoringASCIICase(each, name); });
+}
+
 bool isValidHeaderValue(std::string_view value) {
     return std::ranges::none_of(value, [](char c) { return c == '\r' || c == '\n' || c == '\0'; });
 }

@@ -50,4 +50,8 @@ class HTTPHeaders {
 bool isValidHeaderValue(std::string_view value);
 bool isValidHeaderName(std::string_view name);
 
+// Of a field that frames a message or names its receiver, which is the transport's to say: a request that
+// sets one is refused.
+bool isTransportHeader(std::string_view name);
+
 } // namespace zelto

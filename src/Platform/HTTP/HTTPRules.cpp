@@ -9,11 +9,6 @@
 namespace zelto {
 namespace {
 
-// They frame the message or name its receiver, which is the transport's to say.
-constexpr std::array<std::string_view, 9> ownFields = {"Host",    "Connection", "Transfer-Encoding",
-                                                       "TE",      "Trailer",    "Expect",
-                                                       "Upgrade", "Keep-Alive", "Proxy-Connection"};
-
 constexpr std::size_t commonSizeOfFields = 256;
 
 std::unexpected<URLError> refusal(std::string message) {
@@ -65,8 +60,7 @@ std::optional<std::string> problemOf(const HTTPHeaders& headers) {
                    : "A header field has a name with characters that no name can hold.";
     }
     for (const auto& field : headers.fields()) {
-        const auto isField = [&](std::string_view name) { return equalIgnoringASCIICase(name, field.name); };
-        if (std::ranges::any_of(ownFields, isField)) {
+        if (isTransportHeader(field.name)) {
             return "The header field " + field.name + " is not for a request to set.";
         }
     }

@@ -36,6 +36,9 @@ struct URLSessionConfiguration {
     std::uint64_t largestHeader = 300'000;                  // bytes of all fields of one answer
     TimeInterval longestTransfer{7 * 24 * 3600.0};
 
+    // How long nothing may move, instead of each request's own time-out.
+    std::optional<TimeInterval> timeout;
+
     // Further tasks wait, in order of resuming. Far above 64 a transfer costs several times as much.
     int simultaneousTransfers = 64;
 };

@@ -127,6 +127,25 @@ TEST(URLSessionTimeout, LeavesAnUploadAloneThatMovesSlowly) {
     EXPECT_EQ(TaskEnd::of(session, request).text(), "hello");
 }
 
+TEST(URLSessionTimeout, OfASessionStandsForThoseOfItsRequests) {
+    std::binary_semaphore tick(0);
+    ScriptedServer server([&](Conversation& conversation) {
+        conversation.readHead();
+        if (conversation.number() > 0) {
+            return conversation.waitForEnd();
+        }
+        static_cast<void>(tick.try_acquire_for(3 * patience)); // never released
+        conversation.send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello");
+    });
+    auto configuration = URLSessionConfiguration::ephemeral();
+    configuration.timeout = TimeInterval{60};
+    URLSession patient(configuration);
+    EXPECT_EQ(TaskEnd::of(patient, impatient(server.url())).text(), "hello");
+    configuration.timeout = patience;
+    URLSession hasty(configuration);
+    EXPECT_EQ(TaskEnd::of(hasty, URLRequest(server.url())).code(), URLErrorCode::timedOut);
+}
+
 TEST(URLSessionTimeout, OfOneTaskLeavesTheOthersAlone) {
     Event goOn;
     ScriptedServer server([&](Conversation& conversation) {
