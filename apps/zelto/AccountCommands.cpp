@@ -1,6 +1,10 @@
 #include "AccountConnection.h"
 #include "AccountDescription.h"
 #include "Commands.h"
+#include "KeyChainCheck.h"
+#include "Terminal.h"
+
+#include <Platform/Text.h>
 
 namespace zelto::cli {
 
@@ -69,7 +73,12 @@ Outcome<Report> runAccountsRemove(const Invocation& invocation, const Terminal& 
     if (!lock) {
         return failure(lock.error());
     }
+    const auto readable = (*account)->credentials ? checkReadable(*(*account)->credentials) : Outcome<void>();
     managerOf(*workspace).removeServiceConfiguration(**account);
+    if (!readable) {
+        writeError("zelto: warning: the account's secrets may still be in the key chain. " +
+                   escapeControlCharacters(readable.error().message) + "\n");
+    }
     if (const auto stored = workspace->storageOutcome(); !stored) {
         return failure(stored.error());
     }

@@ -35,8 +35,8 @@ Failure connectFailure(const IntegrationAccountCreationError& error, const Accou
                 "zelto services"};
     }
     return {std::string(error.name()),
-            service + " was reached with these credentials, but did not tell whose account it is, so nothing "
-                      "was kept.",
+            service + " did not tell whose account this is, so nothing was kept: it could not be reached, or "
+                      "does not accept these credentials.",
             command + " --verbose"};
 }
 

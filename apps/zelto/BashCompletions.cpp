@@ -150,7 +150,8 @@ std::string commandFunctions() {
         std::string offered;
         for (const auto& other : commands()) {
             if (other.name.starts_with(std::string(command.name) + " ")) {
-                offered += "_zelto_offer " + std::string(other.name.substr(command.name.size() + 1));
+                offered += (offered.empty() ? "_zelto_offer " : " ") +
+                           std::string(other.name.substr(command.name.size() + 1));
             }
         }
         for (const auto& argument : command.arguments) {

@@ -4,6 +4,7 @@
 #include "Targets.h"
 
 #include <Platform/Joined.h>
+#include <Platform/Text.h>
 
 #include <ranges>
 #include <utility>
@@ -14,8 +15,11 @@ namespace {
 
 using Refused = ExportReport::Refused;
 
+// A title may have thousands of characters.
 std::string named(const std::string& kind, const std::string& name) {
-    return kind + " \"" + name + "\"";
+    constexpr std::size_t longest = 100;
+    const auto shown = prefixUTF16Units(name, longest);
+    return kind + " \"" + std::string(shown) + (shown.size() < name.size() ? "…" : "") + "\"";
 }
 
 std::string reconnectCommand(const std::string& account) {
@@ -44,7 +48,10 @@ Advice reasonOf(ServiceClientError error, const ExportCircumstances& about) {
     case ServiceClientError::serviceInternalError:
         return {"it had an error of its own; try again later", ""};
     case ServiceClientError::apiCallError:
-        return {"it refused the request", lookCloser};
+        return about.report.made.empty()
+                   ? Advice{"it refused the request, and may not have what it was to go into any more",
+                            refreshCommand(about.account)}
+                   : Advice{"it refused the request", lookCloser};
     case ServiceClientError::dataParseError:
         return {"its answer makes no sense", lookCloser};
     case ServiceClientError::internalError:

@@ -46,6 +46,22 @@ template <class Configuration> std::vector<std::string> attachmentNames(const Co
     return names;
 }
 
+// "all" selects what can be selected; the rest must not go unsaid.
+template <class Configuration>
+std::vector<std::string> namesLeftOut(const Configuration& configuration,
+                                      const std::vector<std::string>& asked) {
+    std::vector<std::string> names;
+    if constexpr (requires { configuration.attachments.list; }) {
+        for (const auto& attachment : configuration.attachments.list) {
+            if (attachment.state == IntegrationAttachmentState::restricted &&
+                std::ranges::find(asked, "all") != asked.end()) {
+                names.push_back(attachment.name);
+            }
+        }
+    }
+    return names;
+}
+
 template <class Exporter> class TypedSession final : public ExportSession {
     using Configuration = typename Exporter::Configuration;
 
@@ -135,6 +151,8 @@ template <class Exporter> class TypedSession final : public ExportSession {
 
     const std::string& target() const override { return target_; }
 
+    const std::vector<std::string>& leftOut() const override { return leftOut_; }
+
   private:
     Outcome<Configuration> offered() {
         auto result = waitFor<Result<Configuration, IntegrationLoadError>>(
@@ -171,6 +189,7 @@ template <class Exporter> class TypedSession final : public ExportSession {
             return failure(configuration.error());
         }
         const auto applied = apply(edits, *configuration, service_);
+        leftOut_ = namesLeftOut(*configuration, edits.attach);
         if (const auto outcome = applied ? choose(*configuration) : applied; !outcome) {
             return failure(outcome.error());
         }
@@ -212,6 +231,7 @@ template <class Exporter> class TypedSession final : public ExportSession {
     std::string service_;
     std::string account_;
     std::string target_;
+    std::vector<std::string> leftOut_;
 };
 
 struct SessionRow {

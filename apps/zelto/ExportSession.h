@@ -63,6 +63,9 @@ class ExportSession {
     // What the last export did on its service, and where.
     virtual ExportReport report() const = 0;
     virtual const std::string& target() const = 0;
+
+    // The attachments that `--attach all` meant and the service does not take, of the last plan() or run().
+    virtual const std::vector<std::string>& leftOut() const = 0;
 };
 
 // The services that the program can export to, and a session that does.

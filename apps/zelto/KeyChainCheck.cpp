@@ -42,6 +42,11 @@ Outcome<void> probeKeyChain() {
     return {};
 }
 
+Outcome<void> checkReadable(const ServiceAccountCredentials& credentials) {
+    const auto read = LVXKeyChainStoreFactory::keyChainStore()->read(credentials.serviceCredentialsKey);
+    return read ? Outcome<void>() : failure(failureOf(read.error()));
+}
+
 Outcome<void> checkStored(const ServiceAccountCredentials& credentials) {
     ServiceAccountCredentials stored;
     stored.serviceCredentialsKey = credentials.serviceCredentialsKey;

@@ -10,6 +10,10 @@ namespace zelto::cli {
 // would be lost otherwise.
 Outcome<void> probeKeyChain();
 
+// Whether the key chain can be read where the account's secrets are, be they there or not. What cannot be
+// read would look like a sign-in that the service has ended.
+Outcome<void> checkReadable(const ServiceAccountCredentials& credentials);
+
 // Whether the key chain holds just these secrets now.
 Outcome<void> checkStored(const ServiceAccountCredentials& credentials);
 

@@ -1,9 +1,12 @@
 #include "KnownValues.h"
 
-#include <Platform/ASCII.h>
-
 #include "ExportSession.h"
+#include "GivenCredentials.h"
 #include "ServiceNames.h"
+
+#include <Platform/ASCII.h>
+#include <ZeltoHost/SignIn/SignInService.h>
+#include <ZeltoIntegrations/IntegrationsManager.h>
 
 namespace zelto::cli {
 
@@ -16,6 +19,12 @@ std::string typedName(ServiceType type) {
     return name;
 }
 
+// A service that this program signs in at, and keeps the account of without asking whose it is.
+bool isKeptUnasked(ServiceType type) {
+    return (takesPassword(type) || signInServiceFor(type)) &&
+           IntegrationsManager::accountCheck(type) == AccountCheck::none;
+}
+
 } // namespace
 
 std::vector<std::string> knownValues(ValueKind kind, const std::vector<std::string_view>& choices) {
@@ -24,7 +33,7 @@ std::vector<std::string> knownValues(ValueKind kind, const std::vector<std::stri
     case ValueKind::service:
     case ValueKind::accountOrService:
         for (const auto& each : casesOf<ServiceType>()) {
-            if (canExport(each.value)) {
+            if (canExport(each.value) || (kind == ValueKind::service && isKeptUnasked(each.value))) {
                 values.push_back(typedName(each.value));
             }
         }

@@ -13,6 +13,7 @@
 #include <Platform/UTF8.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 #include <optional>
 #include <string>
@@ -53,11 +54,14 @@ std::string sentence(std::string_view text) {
     return clean;
 }
 
-int finish(std::string_view output, ExitStatus status) {
+// `done`: what has happened, which must not go unsaid. A reader that has gone has had enough.
+int finish(std::string_view output, ExitStatus status, const std::string& done = {}) {
     if (writeOutput(output)) {
         return static_cast<int>(status);
     }
-    writeError("zelto: standard output cannot be written.\n");
+    if (errno != EPIPE || !done.empty()) {
+        writeError("zelto: standard output cannot be written.\n" + done);
+    }
     return static_cast<int>(ExitStatus::failed);
 }
 
@@ -82,14 +86,15 @@ int report(const Report& report, bool asJSON, bool isQuiet) {
     if (report.isTold) {
         return static_cast<int>(ExitStatus::success);
     }
+    const auto done = report.isNotice ? report.text : std::string();
     if (!asJSON) {
-        return finish(report.isNotice && isQuiet ? std::string() : report.text, ExitStatus::success);
+        return finish(report.isNotice && isQuiet ? std::string() : report.text, ExitStatus::success, done);
     }
     JSONObject document{{"result", "success"}};
     for (const auto& [key, value] : report.members) {
         document.set(key, value);
     }
-    return finish(jsonLine(std::move(document)), ExitStatus::success);
+    return finish(jsonLine(std::move(document)), ExitStatus::success, done);
 }
 
 Outcome<Report> reportOf(const Invocation& invocation, const Terminal& terminal) {

@@ -2,6 +2,7 @@
 
 #include "FileFailure.h"
 
+#include <Platform/ASCII.h>
 #include <Platform/FileManager.h>
 #include <Platform/HTTP/HTTPHeaders.h>
 #include <Platform/Numbers.h>

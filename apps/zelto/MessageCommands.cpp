@@ -3,6 +3,7 @@
 #include "ExportFailures.h"
 #include "ExportSession.h"
 #include "Interruption.h"
+#include "KeyChainCheck.h"
 #include "MessageFile.h"
 #include "ProgressReporter.h"
 #include "ServiceNames.h"
@@ -10,6 +11,7 @@
 #include "UnchangedStorage.h"
 #include "Workspace.h"
 
+#include <Platform/Text.h>
 #include <ZeltoHost/Platform/EmailValidator.h>
 #include <ZeltoHost/Platform/HostPlatformInteractor.h>
 #include <ZeltoHost/Process/CommandWords.h>
@@ -89,6 +91,11 @@ Outcome<MessageWork> open(const Invocation& invocation, bool leavesNoTrace) {
     auto lock = workspace->lockForUse(*account);
     if (!lock) {
         return failure(lock.error());
+    }
+    if (account->credentials && !leavesNoTrace) {
+        if (const auto readable = checkReadable(*account->credentials); !readable) {
+            return failure(readable.error());
+        }
     }
     auto session = openExportSession(*manager, *account, *std::move(message));
     if (!session) {
@@ -264,6 +271,21 @@ void tellWhatWasMade(Report& report, const MessageWork& work, const Terminal& te
     report.members.set("made", cli::described(made));
 }
 
+// A file that is thought to be there and is not is lost with its mail.
+void tellWhatWasLeftOut(Report& report, const MessageWork& work) {
+    const auto& names = work.session->leftOut();
+    if (names.empty()) {
+        return;
+    }
+    JSONValue::Array leftOut;
+    for (const auto& name : names) {
+        leftOut.emplace_back(name);
+        writeError("zelto: warning: the attachment \"" + escapeControlCharacters(name) + "\" is left out: " +
+                   displayName(work.account.serviceType()) + " takes none that is so large, or so many.\n");
+    }
+    report.members.set("leftOut", std::move(leftOut));
+}
+
 } // namespace
 
 Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal) {
@@ -275,7 +297,12 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
     }
     if (isDryRun && work->session->isOverNetwork()) {
         const auto plan = work->session->plan(*edits);
-        return plan ? Outcome<Report>(reportOfPlan(*plan, *work, terminal)) : failure(plan.error());
+        if (!plan) {
+            return failure(plan.error());
+        }
+        auto report = reportOfPlan(*plan, *work, terminal);
+        tellWhatWasLeftOut(report, *work);
+        return report;
     }
     const auto result = exportWithProgress(invocation, terminal, *edits, *work);
     if (!result) {
@@ -300,6 +327,7 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
     } else {
         tellWhatWasMade(report, *work, terminal);
     }
+    tellWhatWasLeftOut(report, *work);
     return report;
 }
 

@@ -1,6 +1,7 @@
 #include "AccountConnection.h"
 #include "Commands.h"
 #include "ExportSession.h"
+#include "KeyChainCheck.h"
 #include "ServiceNames.h"
 
 #include <ZeltoIntegrations/IntegrationsDataInteractorStub.h>
@@ -24,6 +25,11 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
     const auto lock = workspace->lockForUse(*account);
     if (!lock) {
         return failure(lock.error());
+    }
+    if (account->credentials) {
+        if (const auto readable = checkReadable(*account->credentials); !readable) {
+            return failure(readable.error());
+        }
     }
     const auto session =
         openExportSession(manager, *account, std::make_shared<IntegrationsDataInteractorStub>());

@@ -96,6 +96,12 @@ TEST(Completions, OfBashOfferCommands) {
     EXPECT_EQ(offered(zelto, "zelto con"), (Words{"connect", "config"}));
     EXPECT_EQ(offered(zelto, "zelto --json --data-dir x exp"), Words{"export"});
     EXPECT_EQ(offered(zelto, "zelto accounts ''"), Words{"remove"});
+    EXPECT_EQ(offered(zelto, "zelto mcp ''"), (Words{"ping", "tools", "call"}));
+    const auto connectable = offered(zelto, "zelto connect ''");
+    for (const auto* each : {"trello", "bear", "zoom", "goto", "instapaper"}) {
+        EXPECT_NE(std::ranges::find(connectable, each), connectable.end()) << each;
+    }
+    EXPECT_EQ(std::ranges::find(connectable, "asana"), connectable.end());
     EXPECT_EQ(offered(zelto, "zelto completion ''"), (Words{"bash", "zsh", "fish"}));
 }
 

@@ -179,6 +179,59 @@ TEST_F(TrelloCommands, AFailedUploadTellsWhatExistsAlready) {
     EXPECT_NE(outcome.json().find("made"), nullptr);
 }
 
+TEST_F(TrelloCommands, AnAttachmentThatTheAccountDoesNotTakeIsNamed) {
+    const auto big =
+        zelto.home.write("big.eml", "Subject: T\r\nContent-Type: multipart/mixed; boundary=x\r\n\r\n"
+                                    "--x\r\nContent-Disposition: attachment; filename=big.bin\r\n\r\n" +
+                                        std::string(11 << 20, 'a') + "\r\n--x--\r\n");
+    for (const bool isDryRun : {true, false}) {
+        ZeltoProgram::Arguments arguments = {"export",   big,   "--to",       "trello", "--as",  "plainText",
+                                             "--attach", "all", "--progress", "none",   "--json"};
+        if (isDryRun) {
+            arguments.emplace_back("--dry-run");
+        }
+        const auto outcome = zelto.run(arguments);
+        EXPECT_EQ(outcome.status, 0) << outcome.output;
+        EXPECT_EQ(outcome.errorOutput,
+                  "zelto: warning: the attachment \"big.bin\" is left out: Trello takes none "
+                  "that is so large, or so many.\n");
+        EXPECT_EQ(outcome.json().find("leftOut")->text().value(), R"(["big.bin"])");
+    }
+}
+
+TEST_F(TrelloCommands, AKeyChainThatCannotBeReadIsNotTakenForASignInThatHasEnded) {
+    std::ofstream(zelto.dataDirectory() / "keychain") << "garbage";
+    for (const ZeltoProgram::Arguments& arguments :
+         {ZeltoProgram::Arguments{"export", mail, "--to", "trello", "--as", "backLink", "--json"},
+          ZeltoProgram::Arguments{"targets", "trello", "--refresh", "--json"}}) {
+        const auto outcome = zelto.run(arguments);
+        EXPECT_EQ(outcome.status, 1);
+        EXPECT_EQ(outcome.text("error"), "keyChainError") << outcome.output;
+    }
+    EXPECT_EQ(service.lines(), Texts{});
+    const auto removed = zelto.run({"accounts", "remove", trelloAccount});
+    EXPECT_EQ(removed.status, 0);
+    EXPECT_TRUE(removed.errorOutput.starts_with(
+        "zelto: warning: the account's secrets may still be in the key chain. "))
+        << removed.errorOutput;
+}
+
+TEST_F(TrelloCommands, WhatWasMadeIsToldThoughStandardOutputCannotBeWritten) {
+    const auto outcome =
+        zelto.runShell("zelto export project-kickoff.eml --to trello --as backLink --title Title "
+                       "--progress none > /dev/full");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errorOutput,
+              "zelto: standard output cannot be written.\nOn Trello, Work/To Do: card \"Title\".\n");
+}
+
+TEST_F(TrelloCommands, AVeryLongTitleIsCutInMessages) {
+    refuse("/1/cards?", 400);
+    EXPECT_EQ(exportLink({"--title", std::string(5000, 'a'), "--json"}).text("message"),
+              "Trello did not make the card \"" + std::string(100, 'a') +
+                  "…\": it refused the request, and may not have what it was to go into any more.");
+}
+
 TEST_F(TrelloCommands, AListThatHasGoneIsToldSo) {
     service.refuse("/1/cards?", 404);
     const auto outcome = exportLink({"--json"});

@@ -42,6 +42,7 @@ def convert():
         img { max-width: 100% }
         pre { white-space: pre-wrap }
         body { overflow-wrap: anywhere }
+        td, th { overflow-wrap: break-word }
     """)
     document = weasyprint.HTML(string=html, url_fetcher=fetch)
     document.write_pdf(sys.argv[1], stylesheets=[page], presentational_hints=True)

@@ -53,11 +53,23 @@ class PDFConverterTest : public testing::Test {
     TemporaryFolder folder_;
 };
 
+// Cells whose words may break anywhere are measured letter by letter.
+TEST_F(PDFConverterTest, TextInTablesWithinTablesIsLaidOutWithinTheLimits) {
+    std::string paragraphs;
+    while (paragraphs.size() < 25'000) {
+        paragraphs += "<p>The quick brown fox jumps over the lazy dog, and then goes home to its den.</p>";
+    }
+    EXPECT_TRUE(convert("<table width=600><tr><td><table><tr><td>" + paragraphs + "</table></table>"));
+}
+
 TEST_F(PDFConverterTest, TextOfAllScriptsComesOut) {
-    ASSERT_TRUE(convert("<p>Grüße, Привет мир</p><table bgcolor=red><tr><td>cell</table>"));
+    ASSERT_TRUE(convert("<p>Grüße, Привет мир</p><p>会議のお知らせ</p><p>สวัสดี</p><p>회의</p>"
+                        "<table bgcolor=red><tr><td>cell</table>"));
     EXPECT_TRUE(TemporaryFolder::read(target()).starts_with("%PDF-"));
     const auto text = outputOf("pdftotext '" + target().string() + "' -");
-    EXPECT_NE(text.find("Grüße, Привет мир"), std::string::npos) << text;
+    for (const auto* each : {"Grüße, Привет мир", "会議のお知らせ", "สวัสดี", "회의"}) {
+        EXPECT_NE(text.find(each), std::string::npos) << text;
+    }
     EXPECT_NE(text.find("cell"), std::string::npos) << text;
 }
 
