@@ -226,7 +226,7 @@ TEST_F(TrelloCommands, WhatWasMadeIsToldThoughStandardOutputCannotBeWritten) {
 }
 
 TEST_F(TrelloCommands, AVeryLongTitleIsCutInMessages) {
-    refuse("/1/cards?", 400);
+    service.refuse("/1/cards?", 400);
     EXPECT_EQ(exportLink({"--title", std::string(5000, 'a'), "--json"}).text("message"),
               "Trello did not make the card \"" + std::string(100, 'a') +
                   "…\": it refused the request, and may not have what it was to go into any more.");

@@ -62,6 +62,9 @@ class HTTPExchange {
     // Says when to look at it again, or gives how it ends because it no longer moves.
     std::optional<CURLcode> overdue();
 
+    // Whether what it runs on may be shared with others.
+    bool mayBeHTTP2() const { return profile_ && !profile_->isPlain; }
+
     // Ready for another one.
     void reset();
 

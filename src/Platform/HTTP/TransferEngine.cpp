@@ -20,6 +20,10 @@ constexpr long mostConnections = 256;
 constexpr std::chrono::seconds patienceAtExit{10};
 constexpr std::chrono::hours longestWait{1};
 
+// libcurl 7.88 may leave a request or an answer of HTTP/2 lying until its next round, when there is nothing
+// in any socket that would wake it.
+constexpr std::chrono::milliseconds longestWaitOverHTTP2{50};
+
 CURLSH* newShare() {
     CURLSH* share = curl_share_init();
     curl_share_setopt(share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
@@ -142,7 +146,10 @@ void TransferEngine::wait() {
         }
         isWaiting_ = true;
     }
-    const auto left = std::min<Clock::duration>(rounds_.nextLook - rounds_.now, longestWait);
+    const bool mayBeHTTP2 =
+        std::ranges::any_of(running_, [](const auto& exchange) { return exchange->mayBeHTTP2(); });
+    const auto most = mayBeHTTP2 ? longestWaitOverHTTP2 : Clock::duration(longestWait);
+    const auto left = std::min<Clock::duration>(rounds_.nextLook - rounds_.now, most);
     const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(left).count();
     curl_waitfd wakeUp{wakeUp_.number(), CURL_WAIT_POLLIN, 0};
     curl_multi_poll(multi_, &wakeUp, 1, static_cast<int>(std::max<std::int64_t>(milliseconds, 0)), nullptr);
