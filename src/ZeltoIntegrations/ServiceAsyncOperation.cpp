@@ -34,9 +34,7 @@ ServiceAsyncOperation::ServiceAsyncOperation(std::shared_ptr<URLSession> urlSess
       authoriser_(std::move(authoriser)), completion_(std::move(completion)) {}
 
 void ServiceAsyncOperation::asyncMain(std::function<void()> onComplete) {
-    std::optional error = ServiceClientError::internalError;
-    containingExceptions("An authoriser", [&] { error = preflight(); });
-    if (error) {
+    if (const auto error = containedPreflight()) {
         complete(failure(*error));
         return onComplete();
     }
@@ -50,6 +48,15 @@ void ServiceAsyncOperation::asyncMain(std::function<void()> onComplete) {
 
 void ServiceAsyncOperation::endBeforeStart() {
     complete(failure(ServiceClientError::connectionError));
+}
+
+std::optional<ServiceClientError> ServiceAsyncOperation::containedPreflight() {
+    try {
+        return preflight();
+    } catch (...) {
+        reportContainedException("An authoriser");
+        return ServiceClientError::internalError;
+    }
 }
 
 std::optional<ServiceClientError> ServiceAsyncOperation::preflight() {

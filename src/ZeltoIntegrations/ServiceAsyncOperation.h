@@ -24,6 +24,7 @@ class ServiceAsyncOperation final : public ServiceOperation {
 
   private:
     // The error that keeps the request from being sent; without one it is signed.
+    std::optional<ServiceClientError> containedPreflight();
     std::optional<ServiceClientError> preflight();
     void complete(ServiceResult<ServiceAnswer> result);
 

@@ -185,7 +185,7 @@ TEST_F(TrelloCommands, AnAttachmentThatTheAccountDoesNotTakeIsNamed) {
                                     "--x\r\nContent-Disposition: attachment; filename=big.bin\r\n\r\n" +
                                         std::string(11 << 20, 'a') + "\r\n--x--\r\n");
     for (const bool isDryRun : {true, false}) {
-        ZeltoProgram::Arguments arguments = {"export",   big,   "--to",       "trello", "--as",  "plainText",
+        ZeltoProgram::Arguments arguments = {"export",   big,   "--to",       "trello", "--as",  "backLink",
                                              "--attach", "all", "--progress", "none",   "--json"};
         if (isDryRun) {
             arguments.emplace_back("--dry-run");
@@ -217,9 +217,8 @@ TEST_F(TrelloCommands, AKeyChainThatCannotBeReadIsNotTakenForASignInThatHasEnded
 }
 
 TEST_F(TrelloCommands, WhatWasMadeIsToldThoughStandardOutputCannotBeWritten) {
-    const auto outcome =
-        zelto.runShell("zelto export project-kickoff.eml --to trello --as backLink --title Title "
-                       "--progress none > /dev/full");
+    const auto outcome = zelto.runShell(
+        "zelto export '" + mail + "' --to trello --as backLink --title Title --progress none > /dev/full");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.errorOutput,
               "zelto: standard output cannot be written.\nOn Trello, Work/To Do: card \"Title\".\n");
@@ -227,7 +226,9 @@ TEST_F(TrelloCommands, WhatWasMadeIsToldThoughStandardOutputCannotBeWritten) {
 
 TEST_F(TrelloCommands, AVeryLongTitleIsCutInMessages) {
     service.refuse("/1/cards?", 400);
-    EXPECT_EQ(exportLink({"--title", std::string(5000, 'a'), "--json"}).text("message"),
+    const auto outcome = zelto.run(
+        {"export", mail, "--to", "trello", "--as", "backLink", "--title", std::string(5000, 'a'), "--json"});
+    EXPECT_EQ(outcome.text("message"),
               "Trello did not make the card \"" + std::string(100, 'a') +
                   "…\": it refused the request, and may not have what it was to go into any more.");
 }
