@@ -39,16 +39,16 @@ class KillingProxy::State {
     }
 
     void serve(const LoopbackSocket& client, Limits limits) {
-        const auto server = LoopbackSocket::connect(serverPort_);
-        pollfd both[] = {{client.get(), POLLIN, 0}, {server.get(), POLLIN, 0}};
-        bool goesOn = static_cast<bool>(server);
+        const auto upstream = LoopbackSocket::connect(serverPort_);
+        pollfd both[] = {{client.get(), POLLIN, 0}, {upstream.get(), POLLIN, 0}};
+        bool goesOn = static_cast<bool>(upstream);
         while (goesOn && ::poll(both, 2, -1) > 0) {
-            goesOn = (!both[0].revents || pass(client.get(), server.get(), limits.toServer)) &&
-                     (!both[1].revents || pass(server.get(), client.get(), limits.toClient));
+            goesOn = (!both[0].revents || pass(client.get(), upstream.get(), limits.toServer)) &&
+                     (!both[1].revents || pass(upstream.get(), client.get(), limits.toClient));
             if (limits.toServer == 0 || limits.toClient == 0) {
                 ++killedCount;
                 client.resetWhenClosed();
-                server.resetWhenClosed();
+                upstream.resetWhenClosed();
                 return;
             }
         }

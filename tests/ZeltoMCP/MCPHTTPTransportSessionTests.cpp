@@ -1,7 +1,11 @@
 #include "MCPTransportCalls.h"
 
+#include <Support/Completed.h>
+#include <Support/Event.h>
+
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <optional>
 #include <string>
 #include <thread>
@@ -117,6 +121,33 @@ TEST(MCPHTTPTransportSession, ASessionIDIsTakenFromTwoHundredsAlone) {
     EXPECT_EQ(transport.activeSessionID(), "one");
     EXPECT_FALSE(send(transport));
     EXPECT_EQ(transport.activeSessionID(), "two");
+}
+
+TEST(MCPHTTPTransportSession, ALateAnswerOfASessionThatIsOverLeavesTheNewOneAlone) {
+    for (const auto& late : {status(404), status(202, {{"Mcp-Session-Id", "one"}})}) {
+        Event hasArrived;
+        Event goOn;
+        std::atomic<int> begun = 0;
+        TestHTTPServer server([&](const ReceivedRequest& request) {
+            if (request.body.find("late") == std::string::npos) {
+                return status(202, {{"Mcp-Session-Id", ++begun == 1 ? "one" : "two"}});
+            }
+            hasArrived.set();
+            goOn.wait();
+            return late;
+        });
+        auto transport = transportTo(server);
+        EXPECT_TRUE(notify(transport));
+        Completed<MCPResult<void>> ended;
+        transport.send(MCPNotification{"late", {}}, ended.callback<MCPCompletion<void>>());
+        hasArrived.wait();
+        transport.clearSession();
+        EXPECT_TRUE(notify(transport));
+        goOn.set();
+        EXPECT_EQ(ended.value(), late.status == 404 ? failure(MCPError(MCPClientError::sessionExpired()))
+                                                    : MCPResult<void>());
+        EXPECT_EQ(transport.activeSessionID(), "two");
+    }
 }
 
 TEST(MCPHTTPTransportSession, ASessionIDThatIsNotVisibleASCIIIsNotSentBack) {

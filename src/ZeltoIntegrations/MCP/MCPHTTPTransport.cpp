@@ -26,10 +26,16 @@ std::shared_ptr<OperationQueue> makeDelegateQueue() {
     return queue;
 }
 
-MCPHTTPSessionIDReference referenceTo(const SharedState& state) {
-    return {[state] { return state->read([](const MCPHTTPState& each) { return each.sessionID; }); },
-            [state](std::optional<std::string> sessionID) {
-                state->modify([&](MCPHTTPState& each) { each.sessionID.swap(sessionID); });
+// The session as a message knows it, by what it carried. A late answer takes no session away that has begun
+// since, and puts none back.
+MCPHTTPSessionIDReference referenceTo(const SharedState& state, const std::optional<std::string>& carried) {
+    return {[carried] { return carried; },
+            [state, carried](std::optional<std::string> sessionID) {
+                state->modify([&](MCPHTTPState& each) {
+                    if (each.sessionID == carried) {
+                        each.sessionID.swap(sessionID);
+                    }
+                });
             }};
 }
 
@@ -41,12 +47,13 @@ class MCPHTTPTransport::Link {
   public:
     Link(std::optional<MCPProtocolVersion> protocolVersion, URLSessionConfiguration sessionConfiguration)
         : session_(std::move(sessionConfiguration), sessionDelegate_, makeDelegateQueue()),
-          state_(std::make_shared<Protected<MCPHTTPState>>(MCPHTTPState{protocolVersion, std::nullopt})),
-          sessionIDReference_(referenceTo(state_)) {}
+          state_(std::make_shared<Protected<MCPHTTPState>>(MCPHTTPState{protocolVersion, std::nullopt})) {}
 
     Protected<MCPHTTPState>& state() { return *state_; }
 
-    const MCPHTTPSessionIDReference& sessionIDReference() const { return sessionIDReference_; }
+    MCPHTTPSessionIDReference sessionIDReference(const MCPHTTPState& carried) const {
+        return referenceTo(state_, carried.sessionID);
+    }
 
     void startDataTask(URLRequest request, const Handler& handler) {
         const auto task = session_.dataTask(std::move(request));
@@ -94,7 +101,6 @@ class MCPHTTPTransport::Link {
         std::make_shared<MCPHTTPURLSessionDelegate>();
     URLSession session_; // finishes its tasks when it is released
     SharedState state_;
-    MCPHTTPSessionIDReference sessionIDReference_;
     Protected<std::vector<Handler>> unauthorized_;
 };
 
@@ -161,7 +167,7 @@ void MCPHTTPTransport::perform(URLRequest request, const Handler& handler) {
 }
 
 std::optional<std::string> MCPHTTPTransport::activeSessionID() const {
-    return link_->sessionIDReference().readValue();
+    return link_->state().value().sessionID;
 }
 
 void MCPHTTPTransport::setProtocolVersion(std::optional<MCPProtocolVersion> version) {
@@ -169,7 +175,7 @@ void MCPHTTPTransport::setProtocolVersion(std::optional<MCPProtocolVersion> vers
 }
 
 void MCPHTTPTransport::clearSession() {
-    link_->sessionIDReference().writeValue(std::nullopt);
+    link_->state().modify([](MCPHTTPState& state) { state.sessionID = std::nullopt; });
 }
 
 void MCPHTTPTransport::send(MCPRequest request, MCPCompletion<MCPResponse> completion) {
@@ -177,8 +183,9 @@ void MCPHTTPTransport::send(MCPRequest request, MCPCompletion<MCPResponse> compl
     if (!body) {
         return completion(failure(MCPError(std::move(body.error()))));
     }
-    perform(mcpHTTPRequest(endpointURL_, link_->state().value(), *std::move(body)),
-            std::make_shared<MCPHTTPRequestHandler>(std::move(request.id), link_->sessionIDReference(),
+    const auto state = link_->state().value();
+    perform(mcpHTTPRequest(endpointURL_, state, *std::move(body)),
+            std::make_shared<MCPHTTPRequestHandler>(std::move(request.id), link_->sessionIDReference(state),
                                                     std::move(completion)));
 }
 
@@ -187,8 +194,10 @@ void MCPHTTPTransport::send(MCPNotification notification, MCPCompletion<void> co
     if (!body) {
         return completion(failure(MCPError(std::move(body.error()))));
     }
-    perform(mcpHTTPRequest(endpointURL_, link_->state().value(), *std::move(body)),
-            std::make_shared<MCPHTTPNotificationHandler>(link_->sessionIDReference(), std::move(completion)));
+    const auto state = link_->state().value();
+    perform(mcpHTTPRequest(endpointURL_, state, *std::move(body)),
+            std::make_shared<MCPHTTPNotificationHandler>(link_->sessionIDReference(state),
+                                                         std::move(completion)));
 }
 
 void MCPHTTPTransport::disconnect(MCPCompletion<void> completion) {
@@ -196,8 +205,9 @@ void MCPHTTPTransport::disconnect(MCPCompletion<void> completion) {
     if (!state.sessionID) {
         return completion({});
     }
-    perform(mcpHTTPRequest(endpointURL_, state, std::nullopt),
-            std::make_shared<MCPHTTPDisconnectHandler>(link_->sessionIDReference(), std::move(completion)));
+    perform(
+        mcpHTTPRequest(endpointURL_, state, std::nullopt),
+        std::make_shared<MCPHTTPDisconnectHandler>(link_->sessionIDReference(state), std::move(completion)));
 }
 
 void MCPHTTPTransport::cancelAll() {
