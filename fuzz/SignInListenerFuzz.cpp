@@ -36,7 +36,7 @@ void checkRequest(std::string_view bytes, bool takesFragment) {
         require(bytes.starts_with(takesFragment ? "POST " : "GET "));
     }
     for (const auto& item : request.items) {
-        require(isValidUTF8(item.name) && item.value && isValidUTF8(*item.value));
+        require(isValidUTF8(item.name) && (!item.value || isValidUTF8(*item.value)));
     }
     // What a request has come to once, more bytes do not undo.
     if (request.kind == SignInRequestKind::refused && !bytes.empty()) {
