@@ -73,7 +73,7 @@ Outcome<Report> runAccountsRemove(const Invocation& invocation, const Terminal& 
     if (!lock) {
         return failure(lock.error());
     }
-    const auto readable = (*account)->credentials ? checkReadable(*(*account)->credentials) : Outcome<void>();
+    const auto readable = checkReadable((*account)->credentials);
     managerOf(*workspace).removeServiceConfiguration(**account);
     if (!readable) {
         writeError("zelto: warning: the account's secrets may still be in the key chain. " +

@@ -21,10 +21,6 @@ Failure cannotSignIn(ServiceType type) {
             "zelto services"};
 }
 
-bool canSignIn(ServiceType type) {
-    return takesPassword(type) || signInServiceFor(type).has_value();
-}
-
 // What is wrong is told before anything is asked of the user.
 Outcome<void> checkBeforehand(const Invocation& invocation, ServiceType type) {
     if (!canSignIn(type)) {

@@ -4,6 +4,7 @@
 #include "SecretInputs.h"
 #include "ServiceNames.h"
 
+#include <ZeltoHost/SignIn/SignInService.h>
 #include <ZeltoHost/SignIn/SignInToken.h>
 #include <ZeltoIntegrations/LiveSecrets.h>
 
@@ -134,6 +135,10 @@ Given tokensGiven(const Invocation& invocation, Credentials credentials) {
 
 bool takesPassword(ServiceType type) {
     return type == ServiceType::Instapaper;
+}
+
+bool canSignIn(ServiceType type) {
+    return takesPassword(type) || signInServiceFor(type).has_value();
 }
 
 Given givenCredentials(const Invocation& invocation, ServiceType type, const std::string& accountIdentifier) {

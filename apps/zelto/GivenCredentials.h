@@ -13,6 +13,9 @@ namespace zelto::cli {
 // Whether the service is signed in to with a user name and a password.
 bool takesPassword(ServiceType type);
 
+// Whether there is a way to sign in at the service: by a password, or in the browser.
+bool canSignIn(ServiceType type);
+
 // The credentials that the command line, standard input or $ZELTO_TOKEN give, as a record under the given
 // key. Nothing if none are given, which means a sign-in in the browser.
 Outcome<std::optional<ServiceAccountCredentials>>

@@ -42,8 +42,11 @@ Outcome<void> probeKeyChain() {
     return {};
 }
 
-Outcome<void> checkReadable(const ServiceAccountCredentials& credentials) {
-    const auto read = LVXKeyChainStoreFactory::keyChainStore()->read(credentials.serviceCredentialsKey);
+Outcome<void> checkReadable(const std::optional<ServiceAccountCredentials>& credentials) {
+    if (!credentials) {
+        return {};
+    }
+    const auto read = LVXKeyChainStoreFactory::keyChainStore()->read(credentials->serviceCredentialsKey);
     return read ? Outcome<void>() : failure(failureOf(read.error()));
 }
 

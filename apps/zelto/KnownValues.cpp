@@ -5,7 +5,6 @@
 #include "ServiceNames.h"
 
 #include <Platform/ASCII.h>
-#include <ZeltoHost/SignIn/SignInService.h>
 #include <ZeltoIntegrations/IntegrationsManager.h>
 
 namespace zelto::cli {
@@ -21,8 +20,7 @@ std::string typedName(ServiceType type) {
 
 // A service that this program signs in at, and keeps the account of without asking whose it is.
 bool isKeptUnasked(ServiceType type) {
-    return (takesPassword(type) || signInServiceFor(type)) &&
-           IntegrationsManager::accountCheck(type) == AccountCheck::none;
+    return canSignIn(type) && IntegrationsManager::accountCheck(type) == AccountCheck::none;
 }
 
 } // namespace

@@ -92,8 +92,8 @@ Outcome<MessageWork> open(const Invocation& invocation, bool leavesNoTrace) {
     if (!lock) {
         return failure(lock.error());
     }
-    if (account->credentials && !leavesNoTrace) {
-        if (const auto readable = checkReadable(*account->credentials); !readable) {
+    if (!leavesNoTrace) {
+        if (const auto readable = checkReadable(account->credentials); !readable) {
             return failure(readable.error());
         }
     }

@@ -26,10 +26,8 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
     if (!lock) {
         return failure(lock.error());
     }
-    if (account->credentials) {
-        if (const auto readable = checkReadable(*account->credentials); !readable) {
-            return failure(readable.error());
-        }
+    if (const auto readable = checkReadable(account->credentials); !readable) {
+        return failure(readable.error());
     }
     const auto session =
         openExportSession(manager, *account, std::make_shared<IntegrationsDataInteractorStub>());
