@@ -68,7 +68,7 @@ TEST(ServiceClientLifetime, CancellingEndsRunningRequestsAsConnectionErrors) {
     EXPECT_TRUE(requests.allEndWith(failure(E::connectionError)));
 }
 
-TEST(ServiceClientLifetime, CancellingEndsRequestsThatWaitForARefresh) {
+TEST(ServiceClientLifetime, CancellingEndsRequestsThatWaitForARefreshAndLosesNoToken) {
     HeldServer server;
     const ServiceRoute route(server.http());
     const auto authoriser = FakeAuthoriser::stale();
@@ -80,18 +80,6 @@ TEST(ServiceClientLifetime, CancellingEndsRequestsThatWaitForARefresh) {
     EXPECT_TRUE(requests.allEndWith(failure(E::connectionError)));
     EXPECT_EQ(server.http().requests().size(), 1u);
     EXPECT_EQ(authoriser->authorizations(), 0);
-}
-
-TEST(ServiceClientLifetime, CancellingLosesNoTokenOfARefreshUnderWay) {
-    HeldServer server;
-    const ServiceRoute route(server.http());
-    const auto authoriser = FakeAuthoriser::stale();
-    ServiceClient client(authoriser, {});
-    Requests requests(client, 10);
-    authoriser->waitForChecks(10);
-    server.waitForRequest();
-    client.cancelAllOperations();
-    EXPECT_TRUE(requests.allEndWith(failure(E::connectionError)));
     EXPECT_TRUE(authoriser->updates().empty());
     Requests later(client, 10);
     server.gate().set();
