@@ -52,7 +52,7 @@ std::string idIn(std::string_view request) {
     return std::string(text.substr(0, text.find('"', 1) + 1));
 }
 
-std::string answerTo(const std::string& request, Form form, const std::string& text) {
+std::string respondTo(const std::string& request, Form form, const std::string& text) {
     const auto id = idIn(request);
     if (id.empty()) {
         return "HTTP/1.1 202 Accepted\r\nContent-Length: 0\r\n\r\n";
@@ -87,7 +87,7 @@ void serve(int connection, Form form, const std::string& text) {
         const auto length = request.find("Content-Length: ");
         if (head != request.npos && length != request.npos &&
             request.size() >= head + 4 + std::strtoul(request.c_str() + length + 16, nullptr, 10)) {
-            if (!sendAll(connection, answerTo(request, form, text))) {
+            if (!sendAll(connection, respondTo(request, form, text))) {
                 return;
             }
             request.clear();

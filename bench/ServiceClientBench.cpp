@@ -1,7 +1,7 @@
 #include <TrovenhalCommon/KeyChain/LVXKeyChainStoreFactory.h>
 #include <TrovenhalCommon/KeyChain/MemoryKeyChainStore.h>
-#include <ZeltoIntegrations/AccountAuthoriser.h>
-#include <ZeltoIntegrations/ServiceClient.h>
+#include <ZeltoIntegrations/Client/AccountAuthoriser.h>
+#include <ZeltoIntegrations/Client/ServiceClient.h>
 
 #include <Platform/JSON/JSONRecordDescription.h>
 

@@ -1,7 +1,7 @@
 #include <Platform/HTTP/URLSessionConfiguration.h>
 #include <TrovenhalCommon/KeyChain/LVXKeyChainStoreFactory.h>
 #include <TrovenhalCommon/KeyChain/MemoryKeyChainStore.h>
-#include <ZeltoIntegrations/ServiceCredentialsManager.h>
+#include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
 #include <ZeltoIntegrations/Trello/TrelloExporter.h>
 
 #include <Support/FakeDataInteractor.h>

@@ -74,19 +74,24 @@ function(zelto_library name)
   target_precompile_headers(${name} REUSE_FROM zelto_headers)
 endfunction()
 
-# zelto_tests(FOLDER libs...): the program <FOLDER>Tests of all sources below tests/<FOLDER>.
-function(zelto_tests folder)
-  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${folder}/*.cpp")
+# zelto_tests(NAME FOLDER tests-folder [EXCLUDE regex] LIBRARIES libs...): the program <NAME>Tests of all sources below
+# a folder of tests/.
+function(zelto_tests name)
+  cmake_parse_arguments(ARG "" "FOLDER;EXCLUDE" "LIBRARIES" ${ARGN})
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/tests/${ARG_FOLDER}/*.cpp")
+  if(ARG_EXCLUDE)
+    list(FILTER sources EXCLUDE REGEX "${ARG_EXCLUDE}")
+  endif()
   if(NOT sources)
     return()
   endif()
-  add_executable(${folder}Tests ${sources})
-  target_include_directories(${folder}Tests PRIVATE "${PROJECT_SOURCE_DIR}/tests")
-  target_link_libraries(${folder}Tests PRIVATE zelto_options zelto_test_main ${ARGN})
+  add_executable(${name}Tests ${sources})
+  target_include_directories(${name}Tests PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+  target_link_libraries(${name}Tests PRIVATE zelto_options zelto_test_main ${ARG_LIBRARIES})
   # What a test itself does costs less time than to optimise it.
-  target_compile_options(${folder}Tests PRIVATE -O0)
-  target_precompile_headers(${folder}Tests REUSE_FROM zelto_test_main)
-  add_test(NAME ${folder} COMMAND ${folder}Tests)
+  target_compile_options(${name}Tests PRIVATE -O0)
+  target_precompile_headers(${name}Tests REUSE_FROM zelto_test_main)
+  add_test(NAME ${name} COMMAND ${name}Tests)
 endfunction()
 
 # zelto_programs(FOLDER libs...): one program a source file of bench/ or fuzz/, named after the file.

@@ -5,7 +5,7 @@ find_program(ZELTO_PYTHON NAMES /usr/bin/python3 python3 REQUIRED)
 
 function(zelto_registration target)
   set(folder "${CMAKE_BINARY_DIR}/generated")
-  set(header "${folder}/${target}/RegistrationInternal.h")
+  set(header "${folder}/${target}/Accounts/RegistrationInternal.h")
   add_custom_command(OUTPUT "${header}"
                      COMMAND "${ZELTO_PYTHON}" "${PROJECT_SOURCE_DIR}/cmake/make-registration" "${header}"
                              ${ZELTO_CLIENTS_FILE}

@@ -1,6 +1,6 @@
 // A foreign answer becomes a value or one typed error, by its status and its body; nothing else happens.
 
-#include <ZeltoIntegrations/ServiceOutcome.h>
+#include <ZeltoIntegrations/Client/ServiceOutcome.h>
 
 #include <Platform/JSON/JSONRecordDescription.h>
 #include <Platform/UTF8.h>
@@ -45,7 +45,7 @@ void require(bool holds) {
     }
 }
 
-template <class T> void checkRecord(const ServiceAnswer& answer, const JSONDecoder& decoder) {
+template <class T> void checkRecord(const ServiceResponse& answer, const JSONDecoder& decoder) {
     const auto value = serviceValue<T>(answer, decoder);
     if (!value) {
         require(value.error() == ServiceClientError::dataParseError);
@@ -58,7 +58,7 @@ template <class T> void checkRecord(const ServiceAnswer& answer, const JSONDecod
     require(decoder.decode<T>(*text).has_value());
 }
 
-void checkValues(const ServiceAnswer& answer) {
+void checkValues(const ServiceResponse& answer) {
     require(serviceValue<Data>(answer, {}) == answer.body);
     const auto text = serviceValue<std::string>(answer, {});
     require(text.has_value() == isValidUTF8(viewOf(answer.body)));

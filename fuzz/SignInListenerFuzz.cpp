@@ -1,6 +1,6 @@
 #include <ZeltoHost/SignIn/OAuth1.h>
-#include <ZeltoHost/SignIn/SignInAnswer.h>
 #include <ZeltoHost/SignIn/SignInRequest.h>
+#include <ZeltoHost/SignIn/SignInResponse.h>
 #include <ZeltoHost/SignIn/SignInToken.h>
 
 #include <Platform/Text.h>

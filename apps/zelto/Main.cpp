@@ -1,10 +1,10 @@
-#include "Commands.h"
-#include "HelpText.h"
-#include "InvocationCheck.h"
-#include "RegisteredClients.h"
-#include "SandboxRoute.h"
-#include "SecretInputs.h"
-#include "Workspace.h"
+#include "accounts/RegisteredClients.h"
+#include "accounts/SecretInputs.h"
+#include "accounts/Workspace.h"
+#include "commandline/Commands.h"
+#include "commandline/HelpText.h"
+#include "commandline/InvocationCheck.h"
+#include "sandbox/SandboxRoute.h"
 
 #include <ZeltoCommonLogger/StandardErrorLog.h>
 #include <ZeltoIntegrations/RegisterIntegrationsTypes.h>

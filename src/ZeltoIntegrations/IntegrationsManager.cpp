@@ -1,9 +1,9 @@
 #include <ZeltoIntegrations/IntegrationsManager.h>
 
+#include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
+#include <ZeltoIntegrations/Client/IntegrationsServiceDataFetcher.h>
+#include <ZeltoIntegrations/Content/IntegrationsDataInteractorStub.h>
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
-#include <ZeltoIntegrations/IntegrationsDataInteractorStub.h>
-#include <ZeltoIntegrations/IntegrationsServiceDataFetcher.h>
-#include <ZeltoIntegrations/ServiceCredentialsManager.h>
 
 #include <algorithm>
 

@@ -1,13 +1,13 @@
 #pragma once
 
-#include <ZeltoIntegrations/IntegrationAccountCreationError.h>
-#include <ZeltoIntegrations/IntegrationError.h>
-#include <ZeltoIntegrations/IntegrationsDataInteractorProtocol.h>
-#include <ZeltoIntegrations/IntegrationsPlatformInteractorProtocol.h>
-#include <ZeltoIntegrations/MeetingCreator.h>
-#include <ZeltoIntegrations/ServiceConfigurationsStorage.h>
-#include <ZeltoIntegrations/ServiceExporter.h>
-#include <ZeltoIntegrations/ServiceImporter.h>
+#include <ZeltoIntegrations/Accounts/IntegrationAccountCreationError.h>
+#include <ZeltoIntegrations/Accounts/ServiceConfigurationsStorage.h>
+#include <ZeltoIntegrations/Client/MeetingCreator.h>
+#include <ZeltoIntegrations/Content/IntegrationError.h>
+#include <ZeltoIntegrations/Content/IntegrationsDataInteractorProtocol.h>
+#include <ZeltoIntegrations/Export/IntegrationsPlatformInteractorProtocol.h>
+#include <ZeltoIntegrations/Export/ServiceExporter.h>
+#include <ZeltoIntegrations/Export/ServiceImporter.h>
 
 #include <Platform/Completion.h>
 

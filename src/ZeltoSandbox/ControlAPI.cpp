@@ -12,11 +12,11 @@ constexpr std::size_t largestBody = std::size_t{1} << 20;
 constexpr TimeInterval eventPause{0.25};
 constexpr int pausesBetweenSigns = 60;
 
-SandboxAnswer refused(int status, std::string text) {
-    return SandboxAnswer::json(JSONObject{{"error", std::move(text)}}, status);
+SandboxResponse refused(int status, std::string text) {
+    return SandboxResponse::json(JSONObject{{"error", std::move(text)}}, status);
 }
 
-SandboxAnswer done() {
+SandboxResponse done() {
     return {.status = 204};
 }
 
@@ -59,8 +59,8 @@ std::optional<std::string> readSetting(SandboxSettings& settings, const std::str
 
 } // namespace
 
-SandboxAnswer ControlAPI::answer(const RequestHead& head, std::string_view path, std::string_view query,
-                                 const SpooledBytes& body) const {
+SandboxResponse ControlAPI::answer(const RequestHead& head, std::string_view path, std::string_view query,
+                                   const SpooledBytes& body) const {
     if (head.method == "GET" || head.method == "HEAD") {
         return read(path, query);
     }
@@ -94,16 +94,17 @@ SandboxAnswer ControlAPI::answer(const RequestHead& head, std::string_view path,
     return answer;
 }
 
-SandboxAnswer ControlAPI::read(std::string_view path, std::string_view query) const {
+SandboxResponse ControlAPI::read(std::string_view path, std::string_view query) const {
     if (path == "state") {
-        return SandboxAnswer::json(state());
+        return SandboxResponse::json(state());
     }
     if (path == "requests") {
         const auto start = startOf(query);
-        return start ? SandboxAnswer::json(log_.json(*start)) : refused(400, "\"after\" has to be a number.");
+        return start ? SandboxResponse::json(log_.json(*start))
+                     : refused(400, "\"after\" has to be a number.");
     }
     if (path == "faults") {
-        return SandboxAnswer::json(JSONObject{{"faults", desk_.faults()}});
+        return SandboxResponse::json(JSONObject{{"faults", desk_.faults()}});
     }
     if (path == "events") {
         return events();
@@ -111,7 +112,7 @@ SandboxAnswer ControlAPI::read(std::string_view path, std::string_view query) co
     return refused(404, "There is nothing here.");
 }
 
-SandboxAnswer ControlAPI::change(std::string_view path, const JSONValue& json) const {
+SandboxResponse ControlAPI::change(std::string_view path, const JSONValue& json) const {
     if (path == "faults") {
         auto fault = readFault(json);
         if (!fault) {
@@ -139,7 +140,7 @@ SandboxAnswer ControlAPI::change(std::string_view path, const JSONValue& json) c
     return refused(404, "There is nothing here.");
 }
 
-SandboxAnswer ControlAPI::changeSettings(const JSONValue& json) const {
+SandboxResponse ControlAPI::changeSettings(const JSONValue& json) const {
     std::string problem;
     desk_.changeSettings([&](SandboxSettings& settings) {
         auto changed = settings;
@@ -154,7 +155,7 @@ SandboxAnswer ControlAPI::changeSettings(const JSONValue& json) const {
     return problem.empty() ? done() : refused(400, std::move(problem));
 }
 
-SandboxAnswer ControlAPI::issueTokens(const JSONValue& json) const {
+SandboxResponse ControlAPI::issueTokens(const JSONValue& json) const {
     const auto tokens = desk_.issueTokens(textMember(json, "service"));
     if (!tokens) {
         return refused(400, "\"service\" has to name a service that has a sign-in.");
@@ -166,7 +167,7 @@ SandboxAnswer ControlAPI::issueTokens(const JSONValue& json) const {
     if (tokens->lifetime) {
         answer.set("expiresIn", tokens->lifetime->count());
     }
-    return SandboxAnswer::json(std::move(answer));
+    return SandboxResponse::json(std::move(answer));
 }
 
 JSONValue ControlAPI::state() const {
@@ -183,7 +184,7 @@ JSONValue ControlAPI::state() const {
 }
 
 // Tells at once how many requests there are, and whenever something has changed since.
-SandboxAnswer ControlAPI::events() const {
+SandboxResponse ControlAPI::events() const {
     auto stream = [this, seen = std::uint64_t{0}, pauses = 0]() mutable -> std::string {
         const auto revision = seen == 0 ? log_.revision() : log_.waitForChange(seen, eventPause);
         if (revision != seen) {

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <ZeltoSandbox/Addressing.h>
-#include <ZeltoSandbox/HTTP/SandboxAnswer.h>
+#include <ZeltoSandbox/HTTP/SandboxResponse.h>
 #include <ZeltoSandbox/RequestLog.h>
-#include <ZeltoSandbox/ServiceDesk.h>
+#include <ZeltoSandbox/ServiceDispatcher.h>
 
 #include <functional>
 
@@ -13,23 +13,23 @@ namespace zelto::sandbox {
 class ControlAPI {
   public:
     // `addFigures` adds to the state what the desk does not know.
-    ControlAPI(ServiceDesk& desk, RequestLog& log, std::function<void(JSONObject&)> addFigures)
+    ControlAPI(ServiceDispatcher& desk, RequestLog& log, std::function<void(JSONObject&)> addFigures)
         : desk_(desk), log_(log), addFigures_(std::move(addFigures)) {}
 
     // The path behind "/control/".
-    SandboxAnswer answer(const RequestHead& head, std::string_view path, std::string_view query,
-                         const SpooledBytes& body) const;
+    SandboxResponse answer(const RequestHead& head, std::string_view path, std::string_view query,
+                           const SpooledBytes& body) const;
 
     JSONValue state() const;
 
   private:
-    SandboxAnswer read(std::string_view path, std::string_view query) const;
-    SandboxAnswer change(std::string_view path, const JSONValue& json) const;
-    SandboxAnswer changeSettings(const JSONValue& json) const;
-    SandboxAnswer issueTokens(const JSONValue& json) const;
-    SandboxAnswer events() const;
+    SandboxResponse read(std::string_view path, std::string_view query) const;
+    SandboxResponse change(std::string_view path, const JSONValue& json) const;
+    SandboxResponse changeSettings(const JSONValue& json) const;
+    SandboxResponse issueTokens(const JSONValue& json) const;
+    SandboxResponse events() const;
 
-    ServiceDesk& desk_;
+    ServiceDispatcher& desk_;
     RequestLog& log_;
     std::function<void(JSONObject&)> addFigures_;
 };

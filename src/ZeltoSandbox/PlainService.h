@@ -10,23 +10,23 @@ namespace zelto::sandbox {
 // else that it is not there.
 class PlainService final : public SandboxService {
   public:
-    static std::unique_ptr<SandboxService> make(SandboxWorld& world, const SandboxServiceRow& row) {
-        return std::make_unique<PlainService>(world, std::string(row.name));
+    static std::unique_ptr<SandboxService> make(SandboxContext& context, const SandboxServiceRow& row) {
+        return std::make_unique<PlainService>(context, std::string(row.name));
     }
 
-    PlainService(SandboxWorld& world, std::string name) : world_(world), name_(std::move(name)) {}
+    PlainService(SandboxContext& context, std::string name) : context_(context), name_(std::move(name)) {}
 
-    SandboxAnswer answer(const SandboxRequest& request) override {
-        if (const auto problem = bearerProblem(request, world_.tokens, name_); !problem.empty()) {
+    SandboxResponse answer(const SandboxRequest& request) override {
+        if (const auto problem = bearerProblem(request, context_.tokens, name_); !problem.empty()) {
             return failure(401).because(std::string(problem));
         }
-        return SandboxAnswer::text(
+        return SandboxResponse::text(
                    "The sandbox has no " + request.method + " " + request.path + " of " + name_ + ".\n", 501)
             .because("the sandbox does not have it");
     }
 
-    SandboxAnswer failure(int status) const override {
-        return SandboxAnswer::json(
+    SandboxResponse failure(int status) const override {
+        return SandboxResponse::json(
             JSONObject{{"error", status == 401 ? "invalid_token" : std::string(reasonPhrase(status))}},
             status);
     }
@@ -36,7 +36,7 @@ class PlainService final : public SandboxService {
     void reset() override {}
 
   private:
-    SandboxWorld& world_;
+    SandboxContext& context_;
     std::string name_;
 };
 

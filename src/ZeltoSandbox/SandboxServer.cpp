@@ -3,7 +3,7 @@
 #include <ZeltoSandbox/Addressing.h>
 #include <ZeltoSandbox/ControlAPI.h>
 #include <ZeltoSandbox/HTTP/HTTPServer.h>
-#include <ZeltoSandbox/ServiceDesk.h>
+#include <ZeltoSandbox/ServiceDispatcher.h>
 #include <ZeltoSandbox/page/PageFiles.h>
 
 #include <Platform/ASCII.h>
@@ -32,7 +32,7 @@ bool isFromElsewhere(const RequestHead& head, std::uint16_t port) {
     return origin && host && (*origin != "http://" + *host || !addressOf(*host, "/", port));
 }
 
-void addWebFields(SandboxAnswer& answer) {
+void addWebFields(SandboxResponse& answer) {
     const auto add = [&](std::string name, std::string value) {
         const auto isThere = std::ranges::any_of(answer.fields, [&](const HTTPHeaderField& field) {
             return equalIgnoringASCIICase(field.name, name);
@@ -50,15 +50,15 @@ void addWebFields(SandboxAnswer& answer) {
     add("Content-Security-Policy", "default-src 'none'; frame-ancestors 'none'; sandbox");
 }
 
-std::optional<SandboxAnswer> pageFile(std::string_view path) {
+std::optional<SandboxResponse> pageFile(std::string_view path) {
     const auto files = sandboxPageFiles();
     const auto found = std::ranges::find(files, path, &PageFile::path);
     if (found == files.end()) {
         return std::nullopt;
     }
-    return SandboxAnswer{.fields = {{"Content-Type", std::string(found->mediaType)},
-                                    {"Content-Security-Policy", std::string(sandboxPagePolicy)}},
-                         .body = std::string(found->content)};
+    return SandboxResponse{.fields = {{"Content-Type", std::string(found->mediaType)},
+                                      {"Content-Security-Policy", std::string(sandboxPagePolicy)}},
+                           .body = std::string(found->content)};
 }
 
 } // namespace
@@ -91,7 +91,7 @@ class SandboxServer::State {
 
   public:
     RequestLog log;
-    ServiceDesk desk;
+    ServiceDispatcher desk;
     ControlAPI control;
     std::atomic<std::uint16_t> port = 0;
     std::unique_ptr<HTTPServer> server; // last: its threads use all above
@@ -122,19 +122,19 @@ class SandboxServer::State {
         return std::nullopt;
     }
 
-    PlannedAnswer answer(RequestHead head, std::shared_ptr<const SpooledBytes> body,
-                         std::uint64_t connection) {
+    PlannedResponse answer(RequestHead head, std::shared_ptr<const SpooledBytes> body,
+                           std::uint64_t connection) {
         auto address = *addressOf(*head.field("Host"), head.target, port);
         if (address.isOwn()) {
-            PlannedAnswer planned{.answer = ownAnswer(head, address, *body)};
+            PlannedResponse planned{.answer = ownAnswer(head, address, *body)};
             addWebFields(planned.answer);
             return planned;
         }
         const bool isWeb = !address.webPrefix.empty();
         auto request = requestOf(std::move(head), std::move(address), std::move(body));
         if (!request) {
-            PlannedAnswer planned{.answer =
-                                      SandboxAnswer::text("Bad Request: " + request.error() + "\n", 400)};
+            PlannedResponse planned{.answer =
+                                        SandboxResponse::text("Bad Request: " + request.error() + "\n", 400)};
             return planned;
         }
         request->connection = connection;
@@ -145,19 +145,19 @@ class SandboxServer::State {
         return planned;
     }
 
-    SandboxAnswer ownAnswer(const RequestHead& head, const RequestAddress& address,
-                            const SpooledBytes& body) {
+    SandboxResponse ownAnswer(const RequestHead& head, const RequestAddress& address,
+                              const SpooledBytes& body) {
         const std::string_view path = address.path;
         if (path.starts_with(controlFolder)) {
             return control.answer(head, path.substr(controlFolder.size()), address.query, body);
         }
         if (head.method != "GET" && head.method != "HEAD") {
-            return SandboxAnswer::text("Method Not Allowed\n", 405);
+            return SandboxResponse::text("Method Not Allowed\n", 405);
         }
         if (path.starts_with(filesFolder)) {
             return desk.file(path.substr(filesFolder.size()));
         }
-        return pageFile(path).value_or(SandboxAnswer::text("There is nothing here.\n", 404));
+        return pageFile(path).value_or(SandboxResponse::text("There is nothing here.\n", 404));
     }
 };
 

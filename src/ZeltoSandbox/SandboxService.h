@@ -1,9 +1,9 @@
 #pragma once
 
 #include <Platform/JSON/JSONValue.h>
-#include <ZeltoSandbox/FileShelf.h>
-#include <ZeltoSandbox/HTTP/SandboxAnswer.h>
+#include <ZeltoSandbox/FileStore.h>
 #include <ZeltoSandbox/HTTP/SandboxRequest.h>
+#include <ZeltoSandbox/HTTP/SandboxResponse.h>
 #include <ZeltoSandbox/OAuth/TokenStore.h>
 #include <ZeltoSandbox/SandboxOptions.h>
 
@@ -26,9 +26,9 @@ struct SandboxSettings {
 };
 
 // What the handlers of all services share; it outlives them.
-struct SandboxWorld {
+struct SandboxContext {
     TokenStore tokens;
-    FileShelf files;
+    FileStore files;
     SandboxSettings settings;
 };
 
@@ -38,10 +38,10 @@ class SandboxService {
     virtual ~SandboxService() = default;
 
     // What the real service would answer. A refusal says why in `problem`.
-    virtual SandboxAnswer answer(const SandboxRequest& request) = 0;
+    virtual SandboxResponse answer(const SandboxRequest& request) = 0;
 
     // The service's own answer of that status, for a fault.
-    virtual SandboxAnswer failure(int status) const;
+    virtual SandboxResponse failure(int status) const;
 
     // What the service holds, for the page and the control API: an object, which stands in the state under
     // the service's name in lower case. Files are named by the paths of the shelf.
@@ -54,7 +54,7 @@ class SandboxService {
 struct SandboxServiceRow {
     std::string_view name;               // as in its constants: "Trello"
     std::vector<std::string_view> hosts; // of its API
-    std::unique_ptr<SandboxService> (*make)(SandboxWorld& world, const SandboxServiceRow& row);
+    std::unique_ptr<SandboxService> (*make)(SandboxContext& context, const SandboxServiceRow& row);
 };
 
 std::span<const SandboxServiceRow> sandboxServices();
@@ -63,7 +63,7 @@ std::span<const SandboxServiceRow> sandboxServices();
 template <class Service> struct SandboxEndpoint {
     std::string_view method;
     std::string_view path; // "1/cards/*/attachments"
-    SandboxAnswer (Service::*answer)(const SandboxRequest& request);
+    SandboxResponse (Service::*answer)(const SandboxRequest& request);
     std::string_view scope = {}; // that the token must have, where the service tells scopes apart
 };
 

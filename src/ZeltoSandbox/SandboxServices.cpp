@@ -4,7 +4,7 @@
 #include <ZeltoSandbox/Trello/TrelloSandbox.h>
 
 #include <Platform/ASCII.h>
-#include <Platform/Lasting.h>
+#include <Platform/NeverDestroyed.h>
 
 #include <algorithm>
 
@@ -13,7 +13,7 @@ namespace zelto::sandbox {
 namespace {
 
 // A service without a class of its own stands here by its hosts, with PlainService.
-const auto& rows = lasting(std::vector<SandboxServiceRow>{
+const auto& rows = neverDestroyed(std::vector<SandboxServiceRow>{
     {"Trello", {"api.trello.com"}, TrelloSandbox::make},
     {"Asana", {"app.asana.com"}, PlainService::make},
     {"Todoist", {"api.todoist.com"}, PlainService::make},
@@ -37,8 +37,8 @@ std::span<const SandboxServiceRow> sandboxServices() {
     return rows;
 }
 
-SandboxAnswer SandboxService::failure(int status) const {
-    return SandboxAnswer::text(std::string(reasonPhrase(status)), status);
+SandboxResponse SandboxService::failure(int status) const {
+    return SandboxResponse::text(std::string(reasonPhrase(status)), status);
 }
 
 bool pathFits(std::string_view pattern, const std::vector<std::string>& segments) {

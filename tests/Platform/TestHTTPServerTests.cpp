@@ -24,7 +24,7 @@ std::string talk(const TestHTTPServer& server, std::string_view text) {
 }
 
 TEST(TestHTTPServer, RecordsWholeRequestsOfOneConnectionAndPlaysItsAnswers) {
-    TestHTTPServer server({PlayedAnswer::json("{}", 201), {.status = 204, .closes = true}});
+    TestHTTPServer server({PlayedResponse::json("{}", 201), {.status = 204, .closes = true}});
     EXPECT_EQ(talk(server, "POST /a?b=c HTTP/1.1\r\nHost: x\r\nX-One: 1\r\nContent-Length: 3\r\n\r\n"
                            "d\r\nDELETE /e HTTP/1.1\r\n\r\n"),
               "HTTP/1.1 201 Played\r\nContent-Type: application/json; charset=utf-8\r\nContent-Length: "
@@ -35,12 +35,12 @@ TEST(TestHTTPServer, RecordsWholeRequestsOfOneConnectionAndPlaysItsAnswers) {
 }
 
 TEST(TestHTTPServer, SendsBytesAsTheyStandAndEndsTheConnection) {
-    TestHTTPServer server({PlayedAnswer::bytes("no HTTP")});
+    TestHTTPServer server({PlayedResponse::bytes("no HTTP")});
     EXPECT_EQ(talk(server, "GET / HTTP/1.1\r\n\r\n"), "no HTTP");
 }
 
 TEST(TestHTTPServer, AResetEndsTheConnectionWithoutAnAnswer) {
-    TestHTTPServer server({PlayedAnswer::reset()});
+    TestHTTPServer server({PlayedResponse::reset()});
     EXPECT_EQ(talk(server, "GET / HTTP/1.1\r\n\r\n"), "");
 }
 

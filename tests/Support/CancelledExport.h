@@ -3,9 +3,9 @@
 #include <Support/Completed.h>
 #include <Support/Event.h>
 
-#include <ZeltoIntegrations/ExportProgress.h>
-#include <ZeltoIntegrations/ExportReport.h>
-#include <ZeltoIntegrations/IntegrationError.h>
+#include <ZeltoIntegrations/Content/IntegrationError.h>
+#include <ZeltoIntegrations/Export/ExportProgress.h>
+#include <ZeltoIntegrations/Export/ExportReport.h>
 
 #include <gtest/gtest.h>
 

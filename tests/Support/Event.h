@@ -30,7 +30,7 @@ class Event {
     // A wait that is too long fails the test and ends the program: what hangs would hang its end too.
     void wait(std::source_location place = std::source_location::current()) const {
         const auto state = state_;
-        if (state->future.wait_for(longestWait) != std::future_status::ready) {
+        if (state->future.wait_for(maximumWait) != std::future_status::ready) {
             ADD_FAILURE_AT(place.file_name(), static_cast<int>(place.line())) << "it did not come";
             std::abort();
         }

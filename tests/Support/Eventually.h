@@ -7,11 +7,11 @@
 namespace zelto {
 
 // How long a test waits for what comes at once on an idle machine.
-constexpr std::chrono::minutes longestWait{2};
+constexpr std::chrono::minutes maximumWait{2};
 
 // Whether the condition comes true within that time, for what ends on other threads without telling.
 template <class F> [[nodiscard]] bool eventually(F&& condition) {
-    const auto deadline = std::chrono::steady_clock::now() + longestWait;
+    const auto deadline = std::chrono::steady_clock::now() + maximumWait;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > deadline) {
             return false;

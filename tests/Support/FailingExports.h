@@ -1,10 +1,10 @@
 #pragma once
 
-#include <Support/FailingAnswers.h>
+#include <Support/FailingResponses.h>
 #include <Support/LogCapture.h>
 
-#include <ZeltoIntegrations/ExportReport.h>
-#include <ZeltoIntegrations/IntegrationError.h>
+#include <ZeltoIntegrations/Content/IntegrationError.h>
+#include <ZeltoIntegrations/Export/ExportReport.h>
 
 #include <gtest/gtest.h>
 
@@ -28,7 +28,7 @@ struct FailingStep {
 // Exports once for each step and answer: the failure is logged, reported and told to the host once. An export
 // is made ready by the function.
 template <class Export, class Server>
-void expectFailuresAt(std::span<const FailingStep> steps, std::span<const FailingAnswer> answers,
+void expectFailuresAt(std::span<const FailingStep> steps, std::span<const FailingResponse> answers,
                       const std::function<void(Export&)>& prepare) {
     for (const auto& step : steps) {
         for (const auto& failing : answers) {
@@ -36,7 +36,7 @@ void expectFailuresAt(std::span<const FailingStep> steps, std::span<const Failin
             Export one;
             prepare(one);
             Server service;
-            service.answerTo(step.part, failing.answer);
+            service.respondTo(step.part, failing.answer);
             const LogCapture log;
             const auto result = one.run();
             ASSERT_FALSE(result);

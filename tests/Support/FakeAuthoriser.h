@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Support/Eventually.h>
-#include <ZeltoIntegrations/ServiceAuthoriser.h>
+#include <ZeltoIntegrations/Client/ServiceAuthoriser.h>
 
 #include <gtest/gtest.h>
 
@@ -85,7 +85,7 @@ class FakeAuthoriser : public ServiceAuthoriser {
     // Until so many requests have asked whether the token is stale.
     void waitForChecks(int count) {
         std::unique_lock lock(lock_);
-        if (!checked_.wait_for(lock, longestWait, [&] { return checks_ >= count; })) {
+        if (!checked_.wait_for(lock, maximumWait, [&] { return checks_ >= count; })) {
             ADD_FAILURE() << checks_ << " of " << count << " requests have asked";
         }
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/IntegrationsDataInteractorProtocol.h>
+#include <ZeltoIntegrations/Content/IntegrationsDataInteractorProtocol.h>
 
 #include <functional>
 #include <mutex>

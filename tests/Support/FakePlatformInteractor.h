@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/IntegrationsPlatformInteractorProtocol.h>
+#include <ZeltoIntegrations/Export/IntegrationsPlatformInteractorProtocol.h>
 
 #include <Platform/DateFormatter.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/ServiceConfigurationsStorage.h>
+#include <ZeltoIntegrations/Accounts/ServiceConfigurationsStorage.h>
 
 #include <algorithm>
 #include <functional>

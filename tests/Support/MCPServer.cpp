@@ -23,7 +23,7 @@ std::string chunk(std::string_view bytes) {
 
 } // namespace
 
-std::string answerTo(std::string_view id, std::string_view result) {
+std::string respondTo(std::string_view id, std::string_view result) {
     return R"({"jsonrpc":"2.0","id":)" + std::string(id) + R"(,"result":)" + std::string(result) + "}";
 }
 
@@ -37,22 +37,22 @@ std::string methodOf(const ReceivedRequest& request) {
     return method ? *method->asString() : request.method;
 }
 
-PlayedAnswer status(int code, std::vector<HTTPHeaderField> fields) {
+PlayedResponse status(int code, std::vector<HTTPHeaderField> fields) {
     return {.status = code, .fields = std::move(fields)};
 }
 
-PlayedAnswer jsonAnswer(const ReceivedRequest& request, std::string_view result,
-                        std::vector<HTTPHeaderField> fields) {
-    auto answer = PlayedAnswer::json(answerTo(idOf(request), result));
+PlayedResponse jsonAnswer(const ReceivedRequest& request, std::string_view result,
+                          std::vector<HTTPHeaderField> fields) {
+    auto answer = PlayedResponse::json(respondTo(idOf(request), result));
     answer.fields.insert(answer.fields.end(), fields.begin(), fields.end());
     return answer;
 }
 
-PlayedAnswer eventStream(std::string text) {
+PlayedResponse eventStream(std::string text) {
     return {.body = std::move(text), .fields = {{"Content-Type", "text/event-stream"}}};
 }
 
-PlayedAnswer eventStream(std::function<void(const Sender&)> play) {
+PlayedResponse eventStream(std::function<void(const Sender&)> play) {
     return {.raw = "HTTP/1.1 200 OK\r\nContent-Type: text/event-stream\r\nTransfer-Encoding: chunked\r\n\r\n",
             .stream = [play = std::move(play)](const Sender& send) {
                 play([&](std::string_view bytes) { return bytes.empty() || send(chunk(bytes)); });
@@ -67,9 +67,9 @@ std::string eventOf(std::string_view data) {
 MCPServer::MCPServer(Answer answer, bool hasSessions)
     : answer_(std::move(answer)), hasSessions_(hasSessions),
       server_(std::make_unique<TestHTTPServer>(
-          [this](const ReceivedRequest& request) { return answerTo(request); })) {}
+          [this](const ReceivedRequest& request) { return respondTo(request); })) {}
 
-PlayedAnswer MCPServer::answerTo(const ReceivedRequest& request) {
+PlayedResponse MCPServer::respondTo(const ReceivedRequest& request) {
     const auto method = methodOf(request);
     if (method == "initialize") {
         std::vector<HTTPHeaderField> fields;

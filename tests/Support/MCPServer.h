@@ -16,27 +16,27 @@ namespace zelto {
 using Sender = std::function<bool(std::string_view)>;
 
 // {"jsonrpc":"2.0","id":<id>,"result":<result>}
-std::string answerTo(std::string_view id, std::string_view result);
+std::string respondTo(std::string_view id, std::string_view result);
 
 // The "id" of a request's body, as JSON.
 std::string idOf(const ReceivedRequest& request);
 std::string methodOf(const ReceivedRequest& request);
 
-PlayedAnswer status(int code, std::vector<HTTPHeaderField> fields = {});
-PlayedAnswer jsonAnswer(const ReceivedRequest& request, std::string_view result,
-                        std::vector<HTTPHeaderField> fields = {});
+PlayedResponse status(int code, std::vector<HTTPHeaderField> fields = {});
+PlayedResponse jsonAnswer(const ReceivedRequest& request, std::string_view result,
+                          std::vector<HTTPHeaderField> fields = {});
 
 // An event stream of that text, whole.
-PlayedAnswer eventStream(std::string text);
+PlayedResponse eventStream(std::string text);
 // One whose chunks a function sends; it ends when the function returns.
-PlayedAnswer eventStream(std::function<void(const Sender&)> play);
+PlayedResponse eventStream(std::function<void(const Sender&)> play);
 std::string eventOf(std::string_view data);
 
 // A server that does what the protocol asks for: it knows the handshake, and answers anything else with the
 // function. The session's identifier is "session-1", then "session-2"...
 class MCPServer {
   public:
-    using Answer = std::function<PlayedAnswer(const ReceivedRequest&)>;
+    using Answer = std::function<PlayedResponse(const ReceivedRequest&)>;
 
     explicit MCPServer(Answer answer, bool hasSessions = true);
 
@@ -50,7 +50,7 @@ class MCPServer {
     std::string protocolVersion = "2025-11-25"; // what it agrees to
 
   private:
-    PlayedAnswer answerTo(const ReceivedRequest& request);
+    PlayedResponse respondTo(const ReceivedRequest& request);
 
     Answer answer_;
     bool hasSessions_;

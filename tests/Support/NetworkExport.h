@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ZeltoIntegrations/NetworkExporter.h>
-#include <ZeltoIntegrations/ServiceCredentialsManager.h>
+#include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
+#include <ZeltoIntegrations/Export/NetworkExporter.h>
 
 #include <Support/MemoryKeyChain.h>
 #include <Support/ServiceExport.h>

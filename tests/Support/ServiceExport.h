@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ZeltoIntegrations/IntegrationExportContentType.h>
-#include <ZeltoIntegrations/ServiceExporter.h>
+#include <ZeltoIntegrations/Content/IntegrationExportContentType.h>
+#include <ZeltoIntegrations/Export/ServiceExporter.h>
 
 #include <Support/Completed.h>
 #include <Support/FakeDataInteractor.h>

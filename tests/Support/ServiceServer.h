@@ -22,7 +22,7 @@ std::string withoutBoundary(const std::string& text);
 // request makes; nothing for one that makes nothing. Uploads by a form are told without it.
 template <class T>
 concept PlayedService = requires(const T& service, const ReceivedRequest& request) {
-    { service.usualAnswer(request) } -> std::same_as<PlayedAnswer>;
+    { service.usualResponse(request) } -> std::same_as<PlayedResponse>;
     { service.madeBy(request) } -> std::same_as<std::optional<std::string>>;
 };
 
@@ -31,12 +31,12 @@ concept PlayedService = requires(const T& service, const ReceivedRequest& reques
 template <PlayedService Service> class ServiceServer : public Service {
   public:
     // Nothing for the answer that the service would give.
-    using Handler = std::function<std::optional<PlayedAnswer>(const ReceivedRequest&)>;
+    using Handler = std::function<std::optional<PlayedResponse>(const ReceivedRequest&)>;
 
     Replaceable<Handler> onRequest;
 
     // Requests whose line or body has the part get this answer, in place of what onRequest was before.
-    void answerTo(const std::string& part, const PlayedAnswer& answer) {
+    void respondTo(const std::string& part, const PlayedResponse& answer) {
         onRequest = [part, answer](const ReceivedRequest& request) {
             const bool isMeant = request.target.find(part) != std::string::npos ||
                                  request.body.find(part) != std::string::npos;
@@ -44,7 +44,7 @@ template <PlayedService Service> class ServiceServer : public Service {
         };
     }
 
-    void refuse(const std::string& part, int status) { answerTo(part, PlayedAnswer::json("no", status)); }
+    void refuse(const std::string& part, int status) { respondTo(part, PlayedResponse::json("no", status)); }
 
     // "POST /1/cards?…", in order.
     std::vector<std::string> lines() const {
@@ -77,13 +77,13 @@ template <PlayedService Service> class ServiceServer : public Service {
     }
 
   private:
-    PlayedAnswer answer(const ReceivedRequest& request) const {
+    PlayedResponse answer(const ReceivedRequest& request) const {
         if (const auto handler = onRequest.get(); *handler) {
             if (auto own = (*handler)(request)) {
                 return *std::move(own);
             }
         }
-        return this->usualAnswer(request);
+        return this->usualResponse(request);
     }
 
   public:

@@ -100,7 +100,7 @@ std::optional<ReceivedRequest> parseHead(std::string_view head) {
     return request;
 }
 
-std::string answerText(const PlayedAnswer& answer) {
+std::string answerText(const PlayedResponse& answer) {
     if (answer.raw || answer.resets) {
         return answer.raw.value_or("");
     }
@@ -129,17 +129,17 @@ std::string ReceivedRequest::text() const {
     return text + "\n" + body;
 }
 
-PlayedAnswer PlayedAnswer::json(std::string body, int status) {
+PlayedResponse PlayedResponse::json(std::string body, int status) {
     return {.status = status,
             .body = std::move(body),
             .fields = {{"Content-Type", "application/json; charset=utf-8"}}};
 }
 
-PlayedAnswer PlayedAnswer::bytes(std::string raw) {
+PlayedResponse PlayedResponse::bytes(std::string raw) {
     return {.closes = true, .raw = std::move(raw)};
 }
 
-PlayedAnswer PlayedAnswer::reset() {
+PlayedResponse PlayedResponse::reset() {
     return {.closes = true, .resets = true};
 }
 
@@ -211,11 +211,11 @@ namespace {
 // Plays answers in their order.
 class Playlist {
   public:
-    explicit Playlist(std::vector<PlayedAnswer> answers) : answers_(std::move(answers)) {}
+    explicit Playlist(std::vector<PlayedResponse> answers) : answers_(std::move(answers)) {}
 
     ~Playlist() { EXPECT_EQ(next_, answers_.size()) << "answers that nobody asked for"; }
 
-    PlayedAnswer next(const ReceivedRequest& request) {
+    PlayedResponse next(const ReceivedRequest& request) {
         const std::lock_guard guard(lock_);
         if (next_ == answers_.size()) {
             ADD_FAILURE() << "a request too many: " << request.method << " " << request.target;
@@ -225,7 +225,7 @@ class Playlist {
     }
 
   private:
-    const std::vector<PlayedAnswer> answers_;
+    const std::vector<PlayedResponse> answers_;
     std::mutex lock_;
     std::size_t next_ = 0;
 };
@@ -235,7 +235,7 @@ class Playlist {
 TestHTTPServer::TestHTTPServer(Handler handler, std::uint64_t largestKeptBody)
     : state_(std::make_unique<State>(std::move(handler), largestKeptBody)) {}
 
-TestHTTPServer::TestHTTPServer(std::vector<PlayedAnswer> answers)
+TestHTTPServer::TestHTTPServer(std::vector<PlayedResponse> answers)
     : TestHTTPServer([playlist = std::make_shared<Playlist>(std::move(answers))](
                          const ReceivedRequest& request) { return playlist->next(request); }) {}
 

@@ -29,7 +29,7 @@ struct ReceivedRequest {
 };
 
 // What the server answers with.
-struct PlayedAnswer {
+struct PlayedResponse {
     int status = 200;
     std::string body = {};
     std::vector<HTTPHeaderField> fields = {}; // beside Content-Length
@@ -39,22 +39,22 @@ struct PlayedAnswer {
     // Sends more behind all above, with a function that is false when the connection has ended.
     std::function<void(const std::function<bool(std::string_view)>&)> stream = {};
 
-    static PlayedAnswer json(std::string body, int status = 200);
-    static PlayedAnswer bytes(std::string raw);
-    static PlayedAnswer reset();
+    static PlayedResponse json(std::string body, int status = 200);
+    static PlayedResponse bytes(std::string raw);
+    static PlayedResponse reset();
 };
 
 // A server on 127.0.0.1 that records whole requests and answers by a function. Each connection has a thread
 // of its own, on which the function is called, several at once. HTTP/1.1 with connections kept.
 class TestHTTPServer {
   public:
-    using Handler = std::function<PlayedAnswer(const ReceivedRequest&)>;
+    using Handler = std::function<PlayedResponse(const ReceivedRequest&)>;
 
     explicit TestHTTPServer(Handler handler, std::uint64_t largestKeptBody = std::uint64_t{64} << 20);
 
     // Answers one request after the other with these. A request beyond them, and an answer left over at the
     // end, fail the test.
-    explicit TestHTTPServer(std::vector<PlayedAnswer> answers);
+    explicit TestHTTPServer(std::vector<PlayedResponse> answers);
 
     // Ends all connections; waits for functions that are being called.
     ~TestHTTPServer();

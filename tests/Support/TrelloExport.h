@@ -19,15 +19,15 @@ class TrelloService {
         R"([{"id":"b1","name":"Work","closed":false,"pinned":true,)"
         R"("lists":[{"id":"l1","idBoard":"b1","name":"To Do","closed":false}]}])"};
 
-    PlayedAnswer usualAnswer(const ReceivedRequest& request) const {
+    PlayedResponse usualResponse(const ReceivedRequest& request) const {
         if (request.target.starts_with("/1/members/me?")) {
-            return PlayedAnswer::json(*user.get());
+            return PlayedResponse::json(*user.get());
         }
         if (request.target.starts_with("/1/members/me/boards?")) {
-            return PlayedAnswer::json(*boards.get());
+            return PlayedResponse::json(*boards.get());
         }
-        return PlayedAnswer::json(request.target.starts_with("/1/cards?") ? R"({"id":"c1"})"
-                                                                          : R"({"id":"a1"})");
+        return PlayedResponse::json(request.target.starts_with("/1/cards?") ? R"({"id":"c1"})"
+                                                                            : R"({"id":"a1"})");
     }
 
     std::optional<std::string> madeBy(const ReceivedRequest& request) const {

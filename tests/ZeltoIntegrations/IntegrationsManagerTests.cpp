@@ -1,11 +1,11 @@
 #include <ZeltoIntegrations/IntegrationsManager.h>
 
+#include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
 #include <ZeltoIntegrations/Agenda/AgendaExporter.h>
 #include <ZeltoIntegrations/Bear/BearExporter.h>
-#include <ZeltoIntegrations/IntegrationsDataInteractorStub.h>
-#include <ZeltoIntegrations/IntegrationsServiceDataFetcher.h>
+#include <ZeltoIntegrations/Client/IntegrationsServiceDataFetcher.h>
+#include <ZeltoIntegrations/Content/IntegrationsDataInteractorStub.h>
 #include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
-#include <ZeltoIntegrations/ServiceCredentialsManager.h>
 #include <ZeltoIntegrations/Things/ThingsExporter.h>
 #include <ZeltoIntegrations/TwoDo/TwoDoExporter.h>
 

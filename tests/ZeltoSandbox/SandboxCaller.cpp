@@ -49,7 +49,7 @@ void CallerConnection::send(std::string_view bytes) {
 }
 
 bool CallerConnection::fill() {
-    constexpr auto patience = std::chrono::milliseconds(longestWait);
+    constexpr auto patience = std::chrono::milliseconds(maximumWait);
     pollfd waiting{socket_.get(), POLLIN, 0};
     if (::poll(&waiting, 1, static_cast<int>(patience.count())) <= 0) {
         ADD_FAILURE() << "the sandbox neither answered nor ended the connection";

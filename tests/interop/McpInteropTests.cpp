@@ -1,7 +1,7 @@
 // The MCP client against servers that others wrote. They are started by tests/scripts/mcp-interop-test, which
 // tells in the environment where they listen.
 
-#include <ZeltoMCP/MCPCalls.h>
+#include <ZeltoIntegrations/MCP/MCPCalls.h>
 
 #include <Support/SessionTasks.h>
 

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "ZeltoProgram.h"
+#include <zelto/ZeltoProgram.h>
 
 #include <TrovenhalCommon/KeyChain/FileKeyChainStore.h>
-#include <ZeltoIntegrations/ServiceCredentialsManager.h>
+#include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
 #include <ZeltoSandbox/SandboxServer.h>
 
 #include <Support/MemoryKeyChain.h>

@@ -1,4 +1,4 @@
-#include "EchoingServer.h"
+#include <zelto/EchoingServer.h>
 
 #include <Platform/JSON/JSONValue.h>
 
@@ -21,8 +21,8 @@ MCPServer::Answer echoing() {
             const auto* arguments = body.find("params")->find("arguments");
             const auto* result = arguments ? arguments->find("result") : nullptr;
             return eventStream(
-                eventOf(answerTo(idOf(request), result ? result->text().value()
-                                                       : R"({"content":[{"type":"text","text":"done"}]})")));
+                eventOf(respondTo(idOf(request), result ? result->text().value()
+                                                        : R"({"content":[{"type":"text","text":"done"}]})")));
         }
         return jsonAnswer(request, "{}");
     };

@@ -1,8 +1,8 @@
-#include "StoredAccount.h"
+#include <zelto/StoredAccount.h>
 
 #include <TrovenhalCommon/KeyChain/FileKeyChainStore.h>
 #include <ZeltoHost/Storage/SQLiteAccountStorage.h>
-#include <ZeltoIntegrations/ServiceCredentialsManager.h>
+#include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
 
 #include <Support/MemoryKeyChain.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ZeltoProgram.h"
+#include <zelto/ZeltoProgram.h>
 
-#include <ZeltoIntegrations/ServiceAccountConfiguration.h>
+#include <ZeltoIntegrations/Accounts/ServiceAccountConfiguration.h>
 
 namespace zelto {
 

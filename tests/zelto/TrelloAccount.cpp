@@ -1,6 +1,6 @@
-#include "TrelloAccount.h"
+#include <zelto/TrelloAccount.h>
 
-#include "StoredAccount.h"
+#include <zelto/StoredAccount.h>
 
 #include <ZeltoIntegrations/Trello/TrelloRecords.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ZeltoProgram.h"
+#include <zelto/ZeltoProgram.h>
 
 #include <string>
 

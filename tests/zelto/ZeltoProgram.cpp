@@ -1,4 +1,4 @@
-#include "ZeltoProgram.h"
+#include <zelto/ZeltoProgram.h>
 
 #include <Support/Folders.h>
 

@@ -66,16 +66,16 @@ URLErrorCode codeOf(CURLcode code, bool wasSent, std::string_view detail) {
     case CURLE_HTTP2:
         return URLErrorCode::badAnswer;
     case CURLE_FILESIZE_EXCEEDED:
-        return URLErrorCode::answerTooLarge;
+        return URLErrorCode::responseTooLarge;
     case CURLE_OUT_OF_MEMORY:
         // libcurl's own bounds for a header line, and for what is decoded while a transfer is held back.
-        return URLErrorCode::answerTooLarge;
+        return URLErrorCode::responseTooLarge;
     case CURLE_RECV_ERROR:
         if (detail.contains("chunk")) {
             return URLErrorCode::badAnswer;
         }
         if (detail.contains("Too large")) {
-            return URLErrorCode::answerTooLarge;
+            return URLErrorCode::responseTooLarge;
         }
         [[fallthrough]];
     default:
@@ -104,7 +104,7 @@ std::string_view sentenceOf(URLErrorCode code) {
         return "The file to be sent can no longer be read";
     case URLErrorCode::badAnswer:
         return "The server's answer is broken";
-    case URLErrorCode::answerTooLarge:
+    case URLErrorCode::responseTooLarge:
         return "The server's answer is too large";
     }
     return {};

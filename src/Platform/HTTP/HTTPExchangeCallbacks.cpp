@@ -7,7 +7,7 @@ template <class F> std::size_t HTTPExchange::takenOr(std::size_t refusal, F&& ta
     try {
         return take();
     } catch (...) {
-        failure_ = URLErrorCode::answerTooLarge;
+        failure_ = URLErrorCode::responseTooLarge;
         return refusal;
     }
 }
@@ -25,7 +25,7 @@ bool HTTPExchange::takeHeadLine(std::string_view line) {
     const auto largest = transfer_ ? transfer_->session().configuration.largestHeader : headSize_;
     const auto progress = head_.take(line);
     if (headSize_ > largest || progress == ResponseHead::Progress::tooManyFields) {
-        failure_ = URLErrorCode::answerTooLarge;
+        failure_ = URLErrorCode::responseTooLarge;
         return false;
     }
     if (progress == ResponseHead::Progress::complete && transfer_) {
@@ -66,7 +66,7 @@ std::size_t HTTPExchange::takeBody(std::span<const std::uint8_t> data) {
         return data.size(); // the engine is about to hear of it
     }
     if (data.size() > transfer_->session().configuration.largestAnswer - received_) {
-        failure_ = URLErrorCode::answerTooLarge;
+        failure_ = URLErrorCode::responseTooLarge;
         return CURL_WRITEFUNC_ERROR;
     }
     if (!transfer_->receiveData(data)) {

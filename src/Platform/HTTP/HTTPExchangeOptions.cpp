@@ -1,7 +1,7 @@
 #include <Platform/HTTP/HTTPExchangeInternal.h>
 
 #include <Platform/Joined.h>
-#include <Platform/Lasting.h>
+#include <Platform/NeverDestroyed.h>
 
 #include <algorithm>
 #include <limits>
@@ -122,7 +122,7 @@ void HTTPExchange::setConnection() {
 // Out of the option libcurl would write the field twice for each request, character by character; what stands
 // among the header lines it writes once. The option still says that it decodes.
 void HTTPExchange::setEncodings() {
-    static const auto& decodable = lasting(decodableEncodings());
+    static const auto& decodable = neverDestroyed(decodableEncodings());
     const auto& own = profile_->acceptedEncodings;
     const auto& encodings = own && !own->empty() ? *own : decodable;
     set(CURLOPT_ACCEPT_ENCODING, encodings.c_str());

@@ -18,7 +18,7 @@ constexpr std::size_t mostIdleHandles = 64;
 constexpr long mostConnections = 256;
 
 constexpr std::chrono::seconds patienceAtExit{10};
-constexpr std::chrono::hours longestWait{1};
+constexpr std::chrono::hours maximumWait{1};
 
 // libcurl 7.88 may leave a request or an answer of HTTP/2 lying until its next round, when there is nothing
 // in any socket that would wake it.
@@ -148,7 +148,7 @@ void TransferEngine::wait() {
     }
     const bool mayBeHTTP2 =
         std::ranges::any_of(running_, [](const auto& exchange) { return exchange->mayBeHTTP2(); });
-    const auto most = mayBeHTTP2 ? longestWaitOverHTTP2 : Clock::duration(longestWait);
+    const auto most = mayBeHTTP2 ? longestWaitOverHTTP2 : Clock::duration(maximumWait);
     const auto left = std::min<Clock::duration>(rounds_.nextLook - rounds_.now, most);
     const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(left).count();
     curl_waitfd wakeUp{wakeUp_.number(), CURL_WAIT_POLLIN, 0};

@@ -17,7 +17,7 @@ enum class URLErrorCode : int {
     timedOut,         // nothing moved for the request's time-out
     bodyUnreadable,   // a file of the request's body has gone or shrunk
     badAnswer,        // no HTTP, a broken encoding, a wrong length
-    answerTooLarge,   // past a limit of the session's configuration
+    responseTooLarge, // past a limit of the session's configuration
 };
 ZELTO_ENUM(URLErrorCode);
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/FormattedBodyComponent.h>
+#include <ZeltoIntegrations/Content/FormattedBodyComponent.h>
 
 #include <string_view>
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/IntegrationsInteractorTypes.h>
+#include <ZeltoIntegrations/Content/IntegrationsInteractorTypes.h>
 
 #include <functional>
 #include <optional>

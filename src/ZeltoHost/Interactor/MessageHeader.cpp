@@ -3,7 +3,7 @@
 #include <ZeltoHost/Interactor/MessageHeader.h>
 
 #include <Platform/ASCII.h>
-#include <Platform/Lasting.h>
+#include <Platform/NeverDestroyed.h>
 
 namespace zelto {
 
@@ -62,7 +62,7 @@ std::string headerDate(std::optional<Date> date, const std::optional<std::string
     if (timeZone) {
         return DateFormatter(pattern, "en_US", timeZone).string(*date);
     }
-    static const auto& local = lasting(DateFormatter(pattern, "en_US")); // making one is slow
+    static const auto& local = neverDestroyed(DateFormatter(pattern, "en_US")); // making one is slow
     return local.string(*date);
 }
 

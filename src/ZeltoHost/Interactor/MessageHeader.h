@@ -1,8 +1,8 @@
 #pragma once
 
 #include <Platform/Date.h>
-#include <ZeltoIntegrations/IntegrationHeaderComponents.h>
-#include <ZeltoIntegrations/IntegrationsInteractorTypes.h>
+#include <ZeltoIntegrations/Content/IntegrationHeaderComponents.h>
+#include <ZeltoIntegrations/Content/IntegrationsInteractorTypes.h>
 
 #include <optional>
 #include <string>

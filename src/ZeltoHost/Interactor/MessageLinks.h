@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/IntegrationLink.h>
+#include <ZeltoIntegrations/Content/IntegrationLink.h>
 
 #include <optional>
 #include <string>

@@ -5,7 +5,7 @@
 #include <ZeltoHost/Interactor/MessageLinks.h>
 #include <ZeltoHost/Mail/MailError.h>
 #include <ZeltoHost/Mail/MailMessage.h>
-#include <ZeltoIntegrations/IntegrationsDataInteractorProtocol.h>
+#include <ZeltoIntegrations/Content/IntegrationsDataInteractorProtocol.h>
 
 #include <Platform/Result.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <Platform/Date.h>
-#include <ZeltoIntegrations/IntegrationsInteractorTypes.h>
+#include <ZeltoIntegrations/Content/IntegrationsInteractorTypes.h>
 
 #include <optional>
 #include <string>

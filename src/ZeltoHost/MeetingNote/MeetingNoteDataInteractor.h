@@ -3,7 +3,7 @@
 #include <ZeltoHost/Interactor/InteractorOptions.h>
 #include <ZeltoHost/Interactor/MessageLinks.h>
 #include <ZeltoHost/MeetingNote/MeetingNote.h>
-#include <ZeltoIntegrations/IntegrationsDataInteractorProtocol.h>
+#include <ZeltoIntegrations/Content/IntegrationsDataInteractorProtocol.h>
 
 namespace zelto {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/IntegrationsDateFormatter.h>
+#include <ZeltoIntegrations/Content/IntegrationsDateFormatter.h>
 
 namespace zelto {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <ZeltoHost/PDF/PDFConverter.h>
-#include <ZeltoIntegrations/IntegrationsPlatformInteractorProtocol.h>
+#include <ZeltoIntegrations/Export/IntegrationsPlatformInteractorProtocol.h>
 
 #include <TrovenhalCommon/Protected.h>
 #include <ZeltoCommonLogger/LoggerClient.h>

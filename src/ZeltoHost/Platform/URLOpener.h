@@ -19,12 +19,12 @@ namespace zelto {
 // the latest while this is destroyed.
 class URLOpener {
   public:
-    static constexpr std::chrono::seconds longestWait{30};
+    static constexpr std::chrono::seconds maximumWait{30};
 
     // By xdg-open, or by a command: the program's name or path, and arguments that go before the URL.
     URLOpener() : URLOpener(std::vector<std::string>{"xdg-open"}) {}
 
-    explicit URLOpener(std::vector<std::string> command, std::chrono::milliseconds limit = longestWait);
+    explicit URLOpener(std::vector<std::string> command, std::chrono::milliseconds limit = maximumWait);
 
     // The applications' schemes, https, and http to this machine.
     static bool isAllowed(const URL& url);

@@ -167,7 +167,7 @@ class SignIn::Work {
         return {};
     }
 
-    TokenResult tokenFor(const SignInAnswer& answer, const std::stop_token& stop) {
+    TokenResult tokenFor(const SignInResponse& answer, const std::stop_token& stop) {
         mask(answer.value);
         switch (service_.flow) {
         case SignInFlow::implicit:

@@ -2,7 +2,7 @@
 
 // For sources only.
 
-#include <ZeltoHost/SignIn/SignInAnswer.h>
+#include <ZeltoHost/SignIn/SignInResponse.h>
 
 #include <chrono>
 #include <condition_variable>
@@ -14,7 +14,7 @@ namespace zelto {
 // Where the listener and the user's pasting lay what they get; the first answer that is ours counts.
 class SignInInbox {
   public:
-    using Answer = Result<SignInAnswer, SignInError>;
+    using Answer = Result<SignInResponse, SignInError>;
 
     explicit SignInInbox(SignInExpectation expectation) : expectation_(std::move(expectation)) {}
 

@@ -2,7 +2,7 @@
 
 #include <Platform/Base64.h>
 #include <Platform/Crypto/Digest.h>
-#include <Platform/Lasting.h>
+#include <Platform/NeverDestroyed.h>
 
 #include <string_view>
 
@@ -56,17 +56,17 @@ std::string answer(std::string_view status, const std::string& allowedContent, c
 } // namespace
 
 const std::string& takenAnswer() {
-    static const auto& whole = lasting(answer("200 OK", "", page(paragraph(takenText))));
+    static const auto& whole = neverDestroyed(answer("200 OK", "", page(paragraph(takenText))));
     return whole;
 }
 
 const std::string& refusedAnswer() {
-    static const auto& whole = lasting(answer("400 Bad Request", "", page(paragraph(refusedText))));
+    static const auto& whole = neverDestroyed(answer("400 Bad Request", "", page(paragraph(refusedText))));
     return whole;
 }
 
 const std::string& fragmentAnswer() {
-    static const auto& whole = lasting(answer(
+    static const auto& whole = neverDestroyed(answer(
         "200 OK", "script-src 'sha256-" + base64Encoded(viewOf(sha256(script))) + "'; connect-src 'self'; ",
         page(hiddenParagraph("taken", takenText) + hiddenParagraph("refused", refusedText) + "<noscript>" +
              paragraph("Without scripts this page cannot hand on its answer. Paste this page's whole "

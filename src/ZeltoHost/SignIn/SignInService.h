@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/ServiceType.h>
+#include <ZeltoIntegrations/Accounts/ServiceType.h>
 
 #include <Platform/URL.h>
 #include <Platform/URLComponents.h>

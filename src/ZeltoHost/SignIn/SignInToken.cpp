@@ -1,6 +1,6 @@
 #include <ZeltoHost/SignIn/SignInToken.h>
 
-#include <ZeltoIntegrations/AccountAuthoriser.h>
+#include <ZeltoIntegrations/Client/AccountAuthoriser.h>
 
 #include <Platform/HTTP/URLResponse.h>
 #include <Platform/JSON/JSONValue.h>

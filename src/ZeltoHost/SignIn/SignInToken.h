@@ -3,7 +3,7 @@
 #include <ZeltoHost/SignIn/FormItems.h>
 #include <ZeltoHost/SignIn/SignInError.h>
 #include <ZeltoHost/SignIn/SignInService.h>
-#include <ZeltoIntegrations/ServiceAccountCredentials.h>
+#include <ZeltoIntegrations/Accounts/ServiceAccountCredentials.h>
 
 #include <Platform/Data.h>
 #include <Platform/Result.h>

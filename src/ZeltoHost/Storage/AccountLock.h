@@ -1,7 +1,7 @@
 #pragma once
 
 #include <ZeltoHost/Storage/StorageError.h>
-#include <ZeltoIntegrations/ServiceType.h>
+#include <ZeltoIntegrations/Accounts/ServiceType.h>
 
 #include <Platform/FileDescriptor.h>
 #include <Platform/Result.h>

@@ -4,7 +4,7 @@
 
 #include <ZeltoHost/Storage/SQLiteConnectionInternal.h>
 
-#include <ZeltoIntegrations/ServiceAccountConfiguration.h>
+#include <ZeltoIntegrations/Accounts/ServiceAccountConfiguration.h>
 
 #include <vector>
 

@@ -3,7 +3,7 @@
 #include <ZeltoHost/Storage/StorageError.h>
 
 #include <ZeltoCommonLogger/LoggerClient.h>
-#include <ZeltoIntegrations/ServiceConfigurationsStorage.h>
+#include <ZeltoIntegrations/Accounts/ServiceConfigurationsStorage.h>
 
 #include <Platform/Result.h>
 

@@ -11,7 +11,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds longestWait{5000};
+constexpr milliseconds maximumWait{5000};
 
 // Time in which this process was not run does not count as waiting.
 constexpr int fewestLooks = 1000;
@@ -97,7 +97,7 @@ int SQLiteConnection::waitForOthers(void* connection, int calls) {
     if (calls == 0) {
         self.waitingSince_ = now;
     }
-    if (now - self.waitingSince_ >= longestWait && calls >= fewestLooks) {
+    if (now - self.waitingSince_ >= maximumWait && calls >= fewestLooks) {
         return 0;
     }
     thread_local std::minstd_rand random(std::random_device{}());

@@ -1,7 +1,7 @@
 #include <ZeltoIntegrations/Agenda/AgendaConfiguration.h>
 
 #include <ZeltoIntegrations/Agenda/AgendaExporter.h>
-#include <ZeltoIntegrations/Helpers/ConfigurationDiff.h>
+#include <ZeltoIntegrations/Export/ConfigurationDiff.h>
 
 #include <Platform/JSON/JSONRecordDescription.h>
 

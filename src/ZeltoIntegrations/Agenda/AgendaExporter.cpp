@@ -1,6 +1,6 @@
 #include <ZeltoIntegrations/Agenda/AgendaExporter.h>
 
-#include <ZeltoIntegrations/Helpers/SchemeURL.h>
+#include <ZeltoIntegrations/Export/SchemeURL.h>
 
 namespace zelto {
 

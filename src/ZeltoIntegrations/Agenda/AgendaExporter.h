@@ -1,7 +1,7 @@
 #pragma once
 
 #include <ZeltoIntegrations/Agenda/AgendaConfiguration.h>
-#include <ZeltoIntegrations/SchemeExporter.h>
+#include <ZeltoIntegrations/Export/SchemeExporter.h>
 
 namespace zelto {
 

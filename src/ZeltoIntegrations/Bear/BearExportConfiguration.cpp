@@ -1,7 +1,7 @@
 #include <ZeltoIntegrations/Bear/BearExportConfiguration.h>
 
 #include <ZeltoIntegrations/Bear/BearExporter.h>
-#include <ZeltoIntegrations/Helpers/ConfigurationDiff.h>
+#include <ZeltoIntegrations/Export/ConfigurationDiff.h>
 
 #include <Platform/JSON/JSONRecordDescription.h>
 

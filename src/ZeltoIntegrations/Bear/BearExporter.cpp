@@ -1,6 +1,6 @@
 #include <ZeltoIntegrations/Bear/BearExporter.h>
 
-#include <ZeltoIntegrations/Helpers/SchemeURL.h>
+#include <ZeltoIntegrations/Export/SchemeURL.h>
 
 #include <Platform/Joined.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <ZeltoIntegrations/Bear/BearExportConfiguration.h>
-#include <ZeltoIntegrations/SchemeExporter.h>
+#include <ZeltoIntegrations/Export/SchemeExporter.h>
 
 namespace zelto {
 

@@ -52,80 +52,12 @@ std::string_view escapeInJSON(char character) {
 } // namespace
 
 std::optional<std::string> ExportServiceHelper::getServiceProductNameFor(ServiceType type) {
-    switch (type) {
-    case ServiceType::Reminders:
-        return "Reminders";
-    case ServiceType::Calendar:
-        return std::nullopt;
-    case ServiceType::OmniFocus:
-        return "OmniFocus";
-    case ServiceType::Type2Do:
-        return "2Do";
-    case ServiceType::Things:
-        return "Things";
-    case ServiceType::TodoIst:
-        return "Todoist";
-    case ServiceType::Asana:
-        return "Asana";
-    case ServiceType::OneNote:
-        return "OneNote";
-    case ServiceType::Evernote:
-        return "Evernote";
-    case ServiceType::Trello:
-        return "Trello";
-    case ServiceType::Bear:
-        return "Bear";
-    case ServiceType::MeisterTask:
-        return "MeisterTask";
-    case ServiceType::TickTick:
-        return "TickTick";
-    case ServiceType::Agenda:
-        return "Agenda";
-    case ServiceType::Slack:
-        return "Slack";
-    case ServiceType::Hubspot:
-        return "Hubspot";
-    case ServiceType::Notion:
-        return "Notion";
-    case ServiceType::GoogleDrive:
-        return "GoogleDrive";
-    case ServiceType::OneDrive:
-        return "OneDrive";
-    case ServiceType::Box:
-        return "Box";
-    case ServiceType::Dropbox:
-        return "Dropbox";
-    case ServiceType::iCloudDrive:
-        return "iCloudDrive";
-    case ServiceType::Instapaper:
-        return "Instapaper";
-    case ServiceType::OneDriveBusiness:
-        return "OneDriveBusiness";
-    case ServiceType::iOSShare:
-        return "iOSShare";
-    case ServiceType::Albums:
-        return "Albums";
-    case ServiceType::Zelto:
-        return "Zelto";
-    case ServiceType::iOSSharePDF:
-        return "iOSSharePDF";
-    case ServiceType::G2Meeting:
-        return "GoTo";
-    case ServiceType::ZoomMeeting:
-        return "Zoom";
-    case ServiceType::MicrosoftTeams:
-        return "Microsoft Teams";
-    }
-    return std::nullopt;
+    return productName(type);
 }
 
 std::string ExportServiceHelper::getServiceIdentifierFor(ServiceType type,
                                                          const std::optional<std::string>& username) {
-    auto productName = getServiceProductNameFor(type);
-    if (!productName) {
-        return uuid();
-    }
-    return username ? *productName + "+" + *username : *productName;
+    return serviceIdentifier(type, username);
 }
 
 std::string ExportServiceHelper::mimeType(const std::filesystem::path& path) {

@@ -3,9 +3,9 @@
 #include <Platform/FileError.h>
 #include <Platform/HTTP/URLRequest.h>
 #include <Platform/Result.h>
+#include <ZeltoIntegrations/Accounts/ServiceType.h>
+#include <ZeltoIntegrations/Content/IntegrationExportContentType.h>
 #include <ZeltoIntegrations/Helpers/ExporterHelperMultipartData.h>
-#include <ZeltoIntegrations/IntegrationExportContentType.h>
-#include <ZeltoIntegrations/ServiceType.h>
 
 #include <filesystem>
 #include <map>

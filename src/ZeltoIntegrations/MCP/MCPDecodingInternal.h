@@ -12,7 +12,7 @@
 namespace zelto {
 
 inline MCPError tooLargeForMemory() {
-    return URLError{URLErrorCode::answerTooLarge, "There is not enough memory for the answer."};
+    return URLError{URLErrorCode::responseTooLarge, "There is not enough memory for the answer."};
 }
 
 // What a decoding gives, also where memory does not last for it: a call must come to its end. The records of

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/AccountAuthoriser.h>
+#include <ZeltoIntegrations/Client/AccountAuthoriser.h>
 
 namespace zelto {
 

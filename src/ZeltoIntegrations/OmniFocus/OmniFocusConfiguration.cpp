@@ -1,6 +1,6 @@
 #include <ZeltoIntegrations/OmniFocus/OmniFocusConfiguration.h>
 
-#include <ZeltoIntegrations/Helpers/ConfigurationDiff.h>
+#include <ZeltoIntegrations/Export/ConfigurationDiff.h>
 #include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
 
 #include <Platform/JSON/JSONRecordDescription.h>

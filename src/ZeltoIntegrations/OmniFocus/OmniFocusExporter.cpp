@@ -1,6 +1,6 @@
 #include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
 
-#include <ZeltoIntegrations/Helpers/SchemeURL.h>
+#include <ZeltoIntegrations/Export/SchemeURL.h>
 
 namespace zelto {
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include <ZeltoIntegrations/Export/SchemeExporter.h>
 #include <ZeltoIntegrations/OmniFocus/OmniFocusConfiguration.h>
-#include <ZeltoIntegrations/SchemeExporter.h>
 
 namespace zelto {
 

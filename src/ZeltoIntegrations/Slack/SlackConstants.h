@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/Secrets.h>
+#include <ZeltoIntegrations/Accounts/Secrets.h>
 
 #include <string>
 #include <string_view>

@@ -1,6 +1,6 @@
 #include <ZeltoIntegrations/Things/ThingsConfiguration.h>
 
-#include <ZeltoIntegrations/Helpers/ConfigurationDiff.h>
+#include <ZeltoIntegrations/Export/ConfigurationDiff.h>
 #include <ZeltoIntegrations/Things/ThingsExporter.h>
 
 #include <Platform/JSON/JSONRecordDescription.h>

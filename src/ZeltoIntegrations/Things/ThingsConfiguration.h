@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/IntegrationExportContentType.h>
+#include <ZeltoIntegrations/Content/IntegrationExportContentType.h>
 
 #include <Platform/Date.h>
 #include <Platform/JSON/JSONCoding.h>

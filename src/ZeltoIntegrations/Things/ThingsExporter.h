@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/SchemeExporter.h>
+#include <ZeltoIntegrations/Export/SchemeExporter.h>
 #include <ZeltoIntegrations/Things/ThingsConfiguration.h>
 
 namespace zelto {

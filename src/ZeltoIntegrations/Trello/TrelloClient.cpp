@@ -1,9 +1,9 @@
 #include <ZeltoIntegrations/Trello/TrelloClient.h>
 
-#include <ZeltoIntegrations/Helpers/MappedRequest.h>
+#include <ZeltoIntegrations/Client/MappedRequest.h>
 #include <ZeltoIntegrations/Trello/TrelloResponses.h>
 
-#include <Platform/Lasting.h>
+#include <Platform/NeverDestroyed.h>
 #include <Platform/PercentEncoding.h>
 
 #include <utility>
@@ -19,9 +19,9 @@ constexpr auto boardsPath = "members/me/boards";
 constexpr auto cardsPath = "cards";
 
 const auto& userFields =
-    lasting(Parameters{{"fields", "idEnterprise,idPremOrgsAdmin,products,email,fullName,avatarUrl"}});
+    neverDestroyed(Parameters{{"fields", "idEnterprise,idPremOrgsAdmin,products,email,fullName,avatarUrl"}});
 
-const auto& boardFields = lasting(Parameters{
+const auto& boardFields = neverDestroyed(Parameters{
     {"fields", "id,name,closed,pinned"}, {"lists", "open"}, {"list_fields", "id,name,closed,idBoard"}});
 
 Parameters cardFields(const std::optional<std::string>& name, const std::optional<std::string>& description,

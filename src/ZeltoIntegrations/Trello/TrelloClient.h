@@ -1,7 +1,7 @@
 #pragma once
 
+#include <ZeltoIntegrations/Client/ServiceClient.h>
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
-#include <ZeltoIntegrations/ServiceClient.h>
 #include <ZeltoIntegrations/Trello/TrelloRecords.h>
 
 #include <filesystem>

@@ -1,6 +1,6 @@
 #include <ZeltoIntegrations/Trello/TrelloExportConfiguration.h>
 
-#include <ZeltoIntegrations/Helpers/ConfigurationDiff.h>
+#include <ZeltoIntegrations/Export/ConfigurationDiff.h>
 #include <ZeltoIntegrations/Trello/TrelloExporter.h>
 
 #include <Platform/JSON/JSONRecordDescription.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ZeltoIntegrations/IntegrationAttachments.h>
-#include <ZeltoIntegrations/IntegrationExportContentType.h>
+#include <ZeltoIntegrations/Content/IntegrationAttachments.h>
+#include <ZeltoIntegrations/Content/IntegrationExportContentType.h>
 #include <ZeltoIntegrations/Trello/TrelloRecords.h>
 
 #include <Platform/JSON/JSONCoding.h>

@@ -1,6 +1,6 @@
 #include <ZeltoIntegrations/Trello/TrelloExporter.h>
 
-#include <ZeltoIntegrations/AttachmentsValidation.h>
+#include <ZeltoIntegrations/Content/AttachmentsValidation.h>
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 #include <ZeltoIntegrations/Trello/TrelloAuthoriser.h>
 #include <ZeltoIntegrations/Trello/TrelloClient.h>

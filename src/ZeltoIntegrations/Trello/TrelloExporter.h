@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/NetworkExporter.h>
+#include <ZeltoIntegrations/Export/NetworkExporter.h>
 #include <ZeltoIntegrations/Trello/TrelloExportConfiguration.h>
 #include <ZeltoIntegrations/Trello/TrelloRecords.h>
 

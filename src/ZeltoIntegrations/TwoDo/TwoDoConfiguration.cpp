@@ -1,6 +1,6 @@
 #include <ZeltoIntegrations/TwoDo/TwoDoConfiguration.h>
 
-#include <ZeltoIntegrations/Helpers/ConfigurationDiff.h>
+#include <ZeltoIntegrations/Export/ConfigurationDiff.h>
 #include <ZeltoIntegrations/TwoDo/TwoDoExporter.h>
 
 #include <Platform/JSON/JSONRecordDescription.h>

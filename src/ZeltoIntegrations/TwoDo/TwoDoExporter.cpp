@@ -1,6 +1,6 @@
 #include <ZeltoIntegrations/TwoDo/TwoDoExporter.h>
 
-#include <ZeltoIntegrations/Helpers/SchemeURL.h>
+#include <ZeltoIntegrations/Export/SchemeURL.h>
 
 namespace zelto {
 

@@ -115,14 +115,14 @@ class Connection {
 
     // Always false: the connection ends.
     bool refuse(const RequestProblem& problem) {
-        auto answer = SandboxAnswer::text(problem.text + "\n", problem.status);
+        auto answer = SandboxResponse::text(problem.text + "\n", problem.status);
         if (sendAll(socket_, answerHead(answer, false) + answer.body, shared_.options.bodyTimeout)) {
             closeGently(socket_);
         }
         return false;
     }
 
-    bool send(const PlannedAnswer& planned, bool keepsAlive, bool hasNoBody) {
+    bool send(const PlannedResponse& planned, bool keepsAlive, bool hasNoBody) {
         if (planned.delay && !shared_.stop.waitFor(*planned.delay)) {
             return false;
         }
@@ -144,7 +144,7 @@ class Connection {
     }
 
     // Always false: the connection ends with it.
-    bool sendStream(const SandboxAnswer& answer) {
+    bool sendStream(const SandboxResponse& answer) {
         auto bytes = answerHead(answer, false);
         while (sendBytes(bytes) && !shared_.stop.isRequested() && !isClosedByPeer(socket_)) {
             bytes = answer.stream();

@@ -106,7 +106,7 @@ class HTTPServer::State {
         removeEnded();
         ++count_;
         if (connections_.size() >= shared_.options.largestConnectionCount) {
-            const auto head = answerHead(SandboxAnswer::text("", 503), false);
+            const auto head = answerHead(SandboxResponse::text("", 503), false);
             [[maybe_unused]] const auto sent =
                 ::send(socket.number(), head.data(), head.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
             return;

@@ -2,7 +2,7 @@
 
 #include <Platform/Result.h>
 #include <ZeltoSandbox/HTTP/RequestParser.h>
-#include <ZeltoSandbox/HTTP/SandboxAnswer.h>
+#include <ZeltoSandbox/HTTP/SandboxResponse.h>
 #include <ZeltoSandbox/SandboxOptions.h>
 
 #include <cstdint>
@@ -14,8 +14,8 @@
 namespace zelto::sandbox {
 
 // An answer and how it goes out.
-struct PlannedAnswer {
-    SandboxAnswer answer;
+struct PlannedResponse {
+    SandboxResponse answer;
     std::optional<TimeInterval> delay = {};
     bool resets = false;
     std::optional<std::uint32_t> slowBody = {}; // bytes a second
@@ -28,8 +28,8 @@ class HTTPServer {
     struct Functions {
         // Called with a whole head, before its body is read: why it is not taken.
         std::function<std::optional<RequestProblem>(const RequestHead&)> refusal;
-        std::function<PlannedAnswer(RequestHead, std::shared_ptr<const SpooledBytes>,
-                                    std::uint64_t connection)>
+        std::function<PlannedResponse(RequestHead, std::shared_ptr<const SpooledBytes>,
+                                      std::uint64_t connection)>
             answer;
         // Called once with the port, before the first of the others.
         std::function<void(std::uint16_t port)> isReady;

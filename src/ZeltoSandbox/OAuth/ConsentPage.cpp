@@ -50,8 +50,8 @@ std::string formTarget(const std::string& redirect) {
     return " " + url->scheme() + "://" + host + (url->port() ? ":" + std::to_string(*url->port()) : "");
 }
 
-SandboxAnswer page(std::string_view service, const std::string& content, int status,
-                   const std::string& formTargets) {
+SandboxResponse page(std::string_view service, const std::string& content, int status,
+                     const std::string& formTargets) {
     const auto name = shown(service);
     auto html = "<!doctype html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
                 "<meta name=\"viewport\" content=\"width=device-width\"><title>" +
@@ -59,7 +59,7 @@ SandboxAnswer page(std::string_view service, const std::string& content, int sta
                 " (sandbox)</title><link rel=\"stylesheet\" href=\"/consent.css\"></head><body><main><p "
                 "class=\"service\">" +
                 name + " <span>sandbox</span></p>" + content + "</main></body></html>\n";
-    return SandboxAnswer::html(std::move(html), status)
+    return SandboxResponse::html(std::move(html), status)
         .with("Content-Security-Policy", "default-src 'none'; style-src 'self'; base-uri 'none'; "
                                          "frame-ancestors 'none'; form-action " +
                                              formTargets);
@@ -67,7 +67,7 @@ SandboxAnswer page(std::string_view service, const std::string& content, int sta
 
 } // namespace
 
-SandboxAnswer consentPage(const ConsentQuestion& question) {
+SandboxResponse consentPage(const ConsentQuestion& question) {
     const auto scope =
         question.scope.empty() ? std::string("what the service grants by default") : question.scope;
     return page(question.service,
@@ -80,12 +80,12 @@ SandboxAnswer consentPage(const ConsentQuestion& question) {
                 200, "'self'" + formTarget(question.redirect));
 }
 
-SandboxAnswer signInProblemPage(std::string_view service, std::string_view problem) {
+SandboxResponse signInProblemPage(std::string_view service, std::string_view problem) {
     return page(service, "<h1>The sign-in cannot go on</h1><p>" + shown(problem) + "</p>", 400, "'none'")
         .because(std::string(problem));
 }
 
-SandboxAnswer verifierPage(std::string_view service, std::string_view verifier) {
+SandboxResponse verifierPage(std::string_view service, std::string_view verifier) {
     return page(service,
                 "<h1>Give this to the program that asked</h1><p><code>" + shown(verifier) + "</code></p>",
                 200, "'none'");

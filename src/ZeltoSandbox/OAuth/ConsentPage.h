@@ -1,7 +1,7 @@
 #pragma once
 
-#include <ZeltoSandbox/HTTP/SandboxAnswer.h>
 #include <ZeltoSandbox/HTTP/SandboxRequest.h>
+#include <ZeltoSandbox/HTTP/SandboxResponse.h>
 #include <ZeltoSandbox/SandboxOptions.h>
 
 #include <optional>
@@ -21,13 +21,13 @@ struct ConsentQuestion {
 };
 
 // Two buttons, no script. Answered by "consent" and "decision", which is "allow" or "deny".
-SandboxAnswer consentPage(const ConsentQuestion& question);
+SandboxResponse consentPage(const ConsentQuestion& question);
 
 // Why a sign-in cannot go on, where the client cannot be sent back.
-SandboxAnswer signInProblemPage(std::string_view service, std::string_view problem);
+SandboxResponse signInProblemPage(std::string_view service, std::string_view problem);
 
 // For a client that cannot be sent back: shows what it has to be given.
-SandboxAnswer verifierPage(std::string_view service, std::string_view verifier);
+SandboxResponse verifierPage(std::string_view service, std::string_view verifier);
 
 // The decision that is made without asking: by the header "Zelto-Sandbox-Consent", the query item
 // "sandbox_consent", or the setting.

@@ -26,11 +26,11 @@ std::string formOf(const std::vector<URLQueryItem>& items) {
     });
 }
 
-SandboxAnswer refused(int status, std::string text) {
-    return SandboxAnswer::text(text, status).because(std::move(text));
+SandboxResponse refused(int status, std::string text) {
+    return SandboxResponse::text(text, status).because(std::move(text));
 }
 
-SandboxAnswer formAnswer(const std::vector<URLQueryItem>& items) {
+SandboxResponse formAnswer(const std::vector<URLQueryItem>& items) {
     return {.fields = {{"Content-Type", "application/x-www-form-urlencoded"}, {"Cache-Control", "no-store"}},
             .body = formOf(items)};
 }
@@ -64,7 +64,7 @@ const OAuth1Service* OAuth1Endpoints::serviceAt(const SandboxRequest& request) {
     return found == rows.end() ? nullptr : &*found;
 }
 
-SandboxAnswer OAuth1Endpoints::answer(const OAuth1Service& service, const SandboxRequest& request) {
+SandboxResponse OAuth1Endpoints::answer(const OAuth1Service& service, const SandboxRequest& request) {
     if (request.path == service.authorizePath) {
         return request.method == "POST" ? decideByForm(service, request) : authorize(service, request);
     }
@@ -79,8 +79,8 @@ SandboxAnswer OAuth1Endpoints::answer(const OAuth1Service& service, const Sandbo
                                 : giveRequestToken(service, *signedRequest);
 }
 
-Result<OAuth1Endpoints::Signed, SandboxAnswer> OAuth1Endpoints::checked(const OAuth1Service& service,
-                                                                        const SandboxRequest& request) {
+Result<OAuth1Endpoints::Signed, SandboxResponse> OAuth1Endpoints::checked(const OAuth1Service& service,
+                                                                          const SandboxRequest& request) {
     Signed result;
     result.parameters = request.query;
     result.parameters.insert(result.parameters.end(), request.form.begin(), request.form.end());
@@ -154,7 +154,7 @@ bool OAuth1Endpoints::isFresh(const std::string& clientID, const std::string& ti
            nonces_.emplace(clientID + '\n' + timestamp + '\n' + nonce, now).second;
 }
 
-SandboxAnswer OAuth1Endpoints::giveRequestToken(const OAuth1Service& service, const Signed& request) {
+SandboxResponse OAuth1Endpoints::giveRequestToken(const OAuth1Service& service, const Signed& request) {
     const auto callback = valueOf(request.parameters, "oauth_callback").value_or("");
     if (callback.empty()) {
         return refused(400, "missing oauth_callback");
@@ -171,7 +171,7 @@ SandboxAnswer OAuth1Endpoints::giveRequestToken(const OAuth1Service& service, co
         {{"oauth_token", token}, {"oauth_token_secret", secret}, {"oauth_callback_confirmed", "true"}});
 }
 
-SandboxAnswer OAuth1Endpoints::authorize(const OAuth1Service& service, const SandboxRequest& request) {
+SandboxResponse OAuth1Endpoints::authorize(const OAuth1Service& service, const SandboxRequest& request) {
     if (request.method != "GET" && request.method != "HEAD") {
         return refused(405, "method not allowed");
     }
@@ -186,7 +186,7 @@ SandboxAnswer OAuth1Endpoints::authorize(const OAuth1Service& service, const San
     }
     token->lifetime = *lifetime;
     token->scope = request.queryValue("scope").value_or("read");
-    if (const auto decision = automaticDecision(request, world_.settings.consent)) {
+    if (const auto decision = automaticDecision(request, context_.settings.consent)) {
         return finish(service, text, *token, *decision);
     }
     return consentPage({.service = service.name,
@@ -197,7 +197,7 @@ SandboxAnswer OAuth1Endpoints::authorize(const OAuth1Service& service, const San
                         .redirect = token->callback});
 }
 
-SandboxAnswer OAuth1Endpoints::decideByForm(const OAuth1Service& service, const SandboxRequest& request) {
+SandboxResponse OAuth1Endpoints::decideByForm(const OAuth1Service& service, const SandboxRequest& request) {
     const auto question = request.formValue("consent").value_or("");
     const auto* text = questions_.find(question);
     const auto decision = postedDecision(request);
@@ -210,8 +210,8 @@ SandboxAnswer OAuth1Endpoints::decideByForm(const OAuth1Service& service, const 
     return finish(service, tokenText, *token, *decision);
 }
 
-SandboxAnswer OAuth1Endpoints::finish(const OAuth1Service& service, const std::string& tokenText,
-                                      RequestToken& token, bool allowed) {
+SandboxResponse OAuth1Endpoints::finish(const OAuth1Service& service, const std::string& tokenText,
+                                        RequestToken& token, bool allowed) {
     token.isDecided = true;
     std::vector<URLQueryItem> items{{"oauth_token", tokenText}};
     if (allowed) {
@@ -221,19 +221,19 @@ SandboxAnswer OAuth1Endpoints::finish(const OAuth1Service& service, const std::s
     if (token.callback == "oob") {
         return verifierPage(service.name, allowed ? token.verifier : "Nothing: access was denied.");
     }
-    return SandboxAnswer::redirect(withItems(token.callback, items));
+    return SandboxResponse::redirect(withItems(token.callback, items));
 }
 
-SandboxAnswer OAuth1Endpoints::giveAccessToken(const OAuth1Service& service, const Signed& request) {
+SandboxResponse OAuth1Endpoints::giveAccessToken(const OAuth1Service& service, const Signed& request) {
     const auto verifier = valueOf(request.parameters, "oauth_verifier").value_or("");
     const auto& token = *request.token;
     if (token.verifier.empty() || !equalInConstantTime(token.verifier, verifier)) {
         return refused(401, "invalid oauth_verifier");
     }
-    const TokenGrant grant{std::string(service.name), token.clientID, token.scope, world_.tokens.newFlow()};
+    const TokenGrant grant{std::string(service.name), token.clientID, token.scope, context_.tokens.newFlow()};
     constexpr double year = 365 * 24 * 3600.0;
     const bool isEvernote = service.name == "Evernote";
-    const auto access = world_.tokens.issueAccess(grant, isEvernote ? TimeInterval(year) : token.lifetime);
+    const auto access = context_.tokens.issueAccess(grant, isEvernote ? TimeInterval(year) : token.lifetime);
     tokens_.erase(request.tokenText);
     if (!isEvernote) {
         return formAnswer({{"oauth_token", access}, {"oauth_token_secret", newSecret()}});

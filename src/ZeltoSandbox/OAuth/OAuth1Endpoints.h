@@ -13,12 +13,13 @@ namespace zelto::sandbox {
 // The request-token, authorization and access-token addresses of the services with OAuth 1.0a (RFC 5849).
 class OAuth1Endpoints {
   public:
-    OAuth1Endpoints(SandboxWorld& world, const ClientRegister& clients) : world_(world), clients_(clients) {}
+    OAuth1Endpoints(SandboxContext& context, const ClientRegister& clients)
+        : context_(context), clients_(clients) {}
 
     // Null for all other requests.
     static const OAuth1Service* serviceAt(const SandboxRequest& request);
 
-    SandboxAnswer answer(const OAuth1Service& service, const SandboxRequest& request);
+    SandboxResponse answer(const OAuth1Service& service, const SandboxRequest& request);
 
     void reset();
 
@@ -42,17 +43,17 @@ class OAuth1Endpoints {
         std::string tokenText;
     };
 
-    Result<Signed, SandboxAnswer> checked(const OAuth1Service& service, const SandboxRequest& request);
+    Result<Signed, SandboxResponse> checked(const OAuth1Service& service, const SandboxRequest& request);
     bool isFresh(const std::string& clientID, const std::string& timestamp, const std::string& nonce);
 
-    SandboxAnswer giveRequestToken(const OAuth1Service& service, const Signed& request);
-    SandboxAnswer giveAccessToken(const OAuth1Service& service, const Signed& request);
-    SandboxAnswer authorize(const OAuth1Service& service, const SandboxRequest& request);
-    SandboxAnswer decideByForm(const OAuth1Service& service, const SandboxRequest& request);
-    SandboxAnswer finish(const OAuth1Service& service, const std::string& tokenText, RequestToken& token,
-                         bool allowed);
+    SandboxResponse giveRequestToken(const OAuth1Service& service, const Signed& request);
+    SandboxResponse giveAccessToken(const OAuth1Service& service, const Signed& request);
+    SandboxResponse authorize(const OAuth1Service& service, const SandboxRequest& request);
+    SandboxResponse decideByForm(const OAuth1Service& service, const SandboxRequest& request);
+    SandboxResponse finish(const OAuth1Service& service, const std::string& tokenText, RequestToken& token,
+                           bool allowed);
 
-    SandboxWorld& world_;
+    SandboxContext& context_;
     const ClientRegister& clients_;
     SecretTable<RequestToken> tokens_{1000};
     SecretTable<std::string> questions_{1000}; // to the request token

@@ -94,7 +94,7 @@ const OAuthService* OAuth2Endpoints::serviceAt(const SandboxRequest& request) {
     return found == rows.end() ? nullptr : &*found;
 }
 
-SandboxAnswer OAuth2Endpoints::answer(const OAuthService& service, const SandboxRequest& request) {
+SandboxResponse OAuth2Endpoints::answer(const OAuthService& service, const SandboxRequest& request) {
     if (service.authorizeHost != request.host || service.authorizePath != request.path) {
         return token(service, request);
     }
@@ -102,12 +102,12 @@ SandboxAnswer OAuth2Endpoints::answer(const OAuthService& service, const Sandbox
         return decideByForm(service, request);
     }
     if (request.method != "GET" && request.method != "HEAD") {
-        return SandboxAnswer::text("Method not allowed\n", 405).because("an authorization page takes GET");
+        return SandboxResponse::text("Method not allowed\n", 405).because("an authorization page takes GET");
     }
     return authorize(service, request);
 }
 
-SandboxAnswer OAuth2Endpoints::authorize(const OAuthService& service, const SandboxRequest& request) {
+SandboxResponse OAuth2Endpoints::authorize(const OAuthService& service, const SandboxRequest& request) {
     const auto clientID = request.queryValue("client_id").value_or("");
     const auto redirect = request.queryValue("redirect_uri").value_or("");
     if (clientID.empty()) {
@@ -123,7 +123,7 @@ SandboxAnswer OAuth2Endpoints::authorize(const OAuthService& service, const Sand
         if (state) {
             items.push_back({"state", state});
         }
-        return SandboxAnswer::redirect(addressWith(redirect, items, service.flow == OAuthFlow::implicit))
+        return SandboxResponse::redirect(addressWith(redirect, items, service.flow == OAuthFlow::implicit))
             .because(error->error + ": " + error->description);
     }
     SignIn signIn{.service = &service,
@@ -134,7 +134,7 @@ SandboxAnswer OAuth2Endpoints::authorize(const OAuthService& service, const Sand
                   .state = state,
                   .challenge = request.queryValue("code_challenge").value_or(""),
                   .wantsRefresh = asksForRefresh(service, request)};
-    if (const auto decision = automaticDecision(request, world_.settings.consent)) {
+    if (const auto decision = automaticDecision(request, context_.settings.consent)) {
         return finish(std::move(signIn), *decision);
     }
     const auto scope = signIn.userScope.empty() ? signIn.scope : signIn.scope + " " + signIn.userScope;
@@ -147,7 +147,7 @@ SandboxAnswer OAuth2Endpoints::authorize(const OAuthService& service, const Sand
                         .redirect = redirect});
 }
 
-SandboxAnswer OAuth2Endpoints::decideByForm(const OAuthService& service, const SandboxRequest& request) {
+SandboxResponse OAuth2Endpoints::decideByForm(const OAuthService& service, const SandboxRequest& request) {
     const auto question = request.formValue("consent").value_or("");
     const auto* found = questions_.find(question);
     const auto decision = postedDecision(request);
@@ -159,7 +159,7 @@ SandboxAnswer OAuth2Endpoints::decideByForm(const OAuthService& service, const S
     return finish(std::move(signIn), *decision);
 }
 
-SandboxAnswer OAuth2Endpoints::finish(SignIn signIn, bool allowed) {
+SandboxResponse OAuth2Endpoints::finish(SignIn signIn, bool allowed) {
     const auto redirect = signIn.redirect;
     const auto state = signIn.state;
     const bool isImplicit = signIn.service->flow == OAuthFlow::implicit;
@@ -168,22 +168,22 @@ SandboxAnswer OAuth2Endpoints::finish(SignIn signIn, bool allowed) {
         items = {{"error", "access_denied"}, {"error_description", "The user denied access"}};
     } else if (isImplicit) {
         const TokenGrant grant{std::string(signIn.service->name), signIn.clientID, signIn.scope,
-                               world_.tokens.newFlow()};
+                               context_.tokens.newFlow()};
         items = {{"access_token", issueAccess(*signIn.service, grant)}, {"token_type", "bearer"}};
     } else {
-        signIn.flow = world_.tokens.newFlow();
+        signIn.flow = context_.tokens.newFlow();
         items = {{"code", codes_.add(std::move(signIn), codeLifetime)}};
     }
     if (state) {
         items.push_back({"state", state});
     }
-    return SandboxAnswer::redirect(addressWith(redirect, items, isImplicit));
+    return SandboxResponse::redirect(addressWith(redirect, items, isImplicit));
 }
 
 std::string OAuth2Endpoints::issueAccess(const OAuthService& service, TokenGrant grant) {
-    return world_.tokens.issueAccess(std::move(grant), service.lifetime > 0
-                                                           ? std::optional(TimeInterval(service.lifetime))
-                                                           : std::nullopt);
+    return context_.tokens.issueAccess(std::move(grant), service.lifetime > 0
+                                                             ? std::optional(TimeInterval(service.lifetime))
+                                                             : std::nullopt);
 }
 
 void OAuth2Endpoints::reset() {

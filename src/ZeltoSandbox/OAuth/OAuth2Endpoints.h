@@ -14,12 +14,13 @@ namespace zelto::sandbox {
 // The authorization pages and token endpoints of all services with OAuth 2.0 (RFC 6749, 7636, 9700).
 class OAuth2Endpoints {
   public:
-    OAuth2Endpoints(SandboxWorld& world, const ClientRegister& clients) : world_(world), clients_(clients) {}
+    OAuth2Endpoints(SandboxContext& context, const ClientRegister& clients)
+        : context_(context), clients_(clients) {}
 
     // The service of an authorization page or token endpoint; null for all other requests.
     static const OAuthService* serviceAt(const SandboxRequest& request);
 
-    SandboxAnswer answer(const OAuthService& service, const SandboxRequest& request);
+    SandboxResponse answer(const OAuthService& service, const SandboxRequest& request);
 
     // What a sign-in that has just been finished leaves.
     std::string issueAccess(const OAuthService& service, TokenGrant grant);
@@ -48,11 +49,11 @@ class OAuth2Endpoints {
         std::string description;
     };
 
-    SandboxAnswer authorize(const OAuthService& service, const SandboxRequest& request);
-    SandboxAnswer decideByForm(const OAuthService& service, const SandboxRequest& request);
-    SandboxAnswer finish(SignIn signIn, bool allowed);
+    SandboxResponse authorize(const OAuthService& service, const SandboxRequest& request);
+    SandboxResponse decideByForm(const OAuthService& service, const SandboxRequest& request);
+    SandboxResponse finish(SignIn signIn, bool allowed);
 
-    SandboxAnswer token(const OAuthService& service, const SandboxRequest& request);
+    SandboxResponse token(const OAuthService& service, const SandboxRequest& request);
     Result<JSONObject, Refusal> tokenAnswer(const OAuthService& service, const SandboxRequest& request);
     Result<std::string, Refusal> authenticatedClient(const OAuthService& service,
                                                      const SandboxRequest& request,
@@ -64,7 +65,7 @@ class OAuth2Endpoints {
     JSONObject grantAnswer(const OAuthService& service, const TokenGrant& grant,
                            const std::optional<std::string>& refreshToken, const std::string& userScope);
 
-    SandboxWorld& world_;
+    SandboxContext& context_;
     const ClientRegister& clients_;
     SecretTable<SignIn> questions_{1000};
     SecretTable<SignIn> codes_{10'000};

@@ -87,29 +87,29 @@ bool isVerifier(std::string_view text) {
 }
 
 // Slack tells of every failure with status 200.
-SandboxAnswer refusedBySlack(const std::string& error) {
+SandboxResponse refusedBySlack(const std::string& error) {
     const auto name = error == "invalid_grant" ? "invalid_code" : error;
-    return SandboxAnswer::json(JSONObject{{"ok", false}, {"error", name}});
+    return SandboxResponse::json(JSONObject{{"ok", false}, {"error", name}});
 }
 
 } // namespace
 
-SandboxAnswer OAuth2Endpoints::token(const OAuthService& service, const SandboxRequest& request) {
+SandboxResponse OAuth2Endpoints::token(const OAuthService& service, const SandboxRequest& request) {
     if (request.method != "POST") {
-        return SandboxAnswer::text("Method not allowed\n", 405)
+        return SandboxResponse::text("Method not allowed\n", 405)
             .with("Allow", "POST")
             .because("a token endpoint takes POST");
     }
     auto answered = tokenAnswer(service, request);
     if (answered) {
-        return SandboxAnswer::json(std::move(*answered)).with("Cache-Control", "no-store");
+        return SandboxResponse::json(std::move(*answered)).with("Cache-Control", "no-store");
     }
     const auto& refusal = answered.error();
     const auto reason = refusal.error + ": " + refusal.description;
     if (service.name == "Slack") {
         return refusedBySlack(refusal.error).because(reason);
     }
-    auto answer = SandboxAnswer::json(
+    auto answer = SandboxResponse::json(
         JSONObject{{"error", refusal.error}, {"error_description", refusal.description}}, refusal.status);
     if (refusal.status == 401) {
         answer.fields.push_back({"WWW-Authenticate", "Basic realm=\"" + std::string(service.name) + "\""});
@@ -190,7 +190,7 @@ OAuth2Endpoints::fromCode(const OAuthService& service, const std::string& client
         return refused("the code is unknown or too old");
     }
     if (signIn->isUsed) {
-        world_.tokens.revokeFlow(signIn->flow);
+        context_.tokens.revokeFlow(signIn->flow);
         return refused("the code has been used before; what it gave is revoked");
     }
     // One attempt: whoever has the code without the rest does not get to guess.
@@ -210,7 +210,7 @@ OAuth2Endpoints::fromCode(const OAuthService& service, const std::string& client
     }
     const TokenGrant grant{std::string(service.name), clientID, signIn->scope, signIn->flow};
     const auto refresh =
-        signIn->wantsRefresh ? std::optional(world_.tokens.issueRefresh(grant)) : std::nullopt;
+        signIn->wantsRefresh ? std::optional(context_.tokens.issueRefresh(grant)) : std::nullopt;
     return grantAnswer(service, grant, refresh, signIn->userScope);
 }
 
@@ -221,7 +221,7 @@ OAuth2Endpoints::fromRefresh(const OAuthService& service, const std::string& cli
         return failure(Refusal{400, "invalid_grant", std::move(why)});
     };
     const auto token = valueOf(items, "refresh_token").value_or("");
-    const auto* found = world_.tokens.refresh(token);
+    const auto* found = context_.tokens.refresh(token);
     if (!found || found->service != service.name) {
         return refused("the refresh token is unknown or has been used");
     }
@@ -241,8 +241,8 @@ OAuth2Endpoints::fromRefresh(const OAuthService& service, const std::string& cli
         next = token;
         break;
     case NextRefreshToken::rotated:
-        world_.tokens.spendRefresh(token);
-        next = world_.tokens.issueRefresh(grant);
+        context_.tokens.spendRefresh(token);
+        next = context_.tokens.issueRefresh(grant);
         break;
     }
     return grantAnswer(service, grant, next, {});
@@ -252,7 +252,7 @@ JSONObject OAuth2Endpoints::grantAnswer(const OAuthService& service, const Token
                                         const std::optional<std::string>& refreshToken,
                                         const std::string& userScope) {
     JSONObject answer;
-    OAuthAnswer facts{grant.clientID, grant.scope, userScope, {}};
+    OAuthResponseFacts facts{grant.clientID, grant.scope, userScope, {}};
     const bool hasOwnToken = userScope.empty() || !grant.scope.empty();
     if (hasOwnToken) {
         answer.set("access_token", issueAccess(service, grant));

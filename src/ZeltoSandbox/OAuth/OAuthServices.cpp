@@ -10,23 +10,23 @@ namespace {
 
 using enum ClientAuthentication;
 
-void describeAsana(JSONObject& answer, const OAuthAnswer&) {
+void describeAsana(JSONObject& answer, const OAuthResponseFacts&) {
     answer.set("data", JSONObject{{"id", "1200000000000001"},
                                   {"gid", "1200000000000001"},
                                   {"name", "Robin Sandbox"},
                                   {"email", "robin@sandbox.example"}});
 }
 
-void describeDropbox(JSONObject& answer, const OAuthAnswer&) {
+void describeDropbox(JSONObject& answer, const OAuthResponseFacts&) {
     answer.set("uid", "100001");
     answer.set("account_id", "dbid:AAH4f99T0taONIb-OurWxbNQ6ywGRopQngc");
 }
 
-void describeMicrosoft(JSONObject& answer, const OAuthAnswer&) {
+void describeMicrosoft(JSONObject& answer, const OAuthResponseFacts&) {
     answer.set("ext_expires_in", 3599);
 }
 
-void describeNotion(JSONObject& answer, const OAuthAnswer&) {
+void describeNotion(JSONObject& answer, const OAuthResponseFacts&) {
     answer.set("bot_id", "b3414d65-1224-5ffe-a9f1-1b4d6ed2f1a4");
     answer.set("workspace_id", "5d1c6ac7-8d44-4ad4-9d73-6c0a1bd7ab11");
     answer.set("workspace_name", "Sandbox");
@@ -41,7 +41,7 @@ void describeNotion(JSONObject& answer, const OAuthAnswer&) {
                                               {"person", JSONObject{{"email", "robin@sandbox.example"}}}}}});
 }
 
-void describeSlack(JSONObject& answer, const OAuthAnswer& facts) {
+void describeSlack(JSONObject& answer, const OAuthResponseFacts& facts) {
     JSONObject whole{{"ok", true}, {"app_id", "A0SANDBOX01"}};
     JSONObject user{{"id", "U0SANDBOX01"}};
     if (!facts.userAccessToken.empty()) {
@@ -59,7 +59,7 @@ void describeSlack(JSONObject& answer, const OAuthAnswer& facts) {
     answer = std::move(whole);
 }
 
-void describeZoom(JSONObject& answer, const OAuthAnswer&) {
+void describeZoom(JSONObject& answer, const OAuthResponseFacts&) {
     answer.set("api_url", "https://api.zoom.us");
 }
 

@@ -21,7 +21,7 @@ enum class FirstRefreshToken { never, always, whenAskedFor };
 enum class NextRefreshToken { absent, repeated, rotated };
 
 // What a token is given for, as far as an answer tells of it.
-struct OAuthAnswer {
+struct OAuthResponseFacts {
     std::string clientID;
     std::string scope;
     std::string userScope;       // Slack's
@@ -49,7 +49,7 @@ struct OAuthService {
     std::string_view itemName = {};
     std::string_view itemValue = {};
     // Adds what the service's answer has beside the standard members.
-    void (*describe)(JSONObject& answer, const OAuthAnswer& facts) = nullptr;
+    void (*describe)(JSONObject& answer, const OAuthResponseFacts& facts) = nullptr;
 };
 
 std::span<const OAuthService> oauthServices();

@@ -20,8 +20,8 @@ constexpr std::uint64_t freeAttachment = 10 * mebibyte;
 constexpr std::uint64_t paidAttachment = 250 * mebibyte;
 constexpr std::size_t largestAttachmentCount = 1000; // of a card
 
-SandboxAnswer refused(int status, std::string text) {
-    return SandboxAnswer::text(text, status).because(std::move(text));
+SandboxResponse refused(int status, std::string text) {
+    return SandboxResponse::text(text, status).because(std::move(text));
 }
 
 bool hasScope(std::string_view scopes, std::string_view wanted) {
@@ -83,11 +83,11 @@ const SandboxEndpoint<TrelloSandbox> TrelloSandbox::endpoints[] = {
     {"POST", "1/cards/*/attachments", &TrelloSandbox::addAttachment, "write"},
 };
 
-std::unique_ptr<SandboxService> TrelloSandbox::make(SandboxWorld& world, const SandboxServiceRow&) {
-    return std::make_unique<TrelloSandbox>(world);
+std::unique_ptr<SandboxService> TrelloSandbox::make(SandboxContext& context, const SandboxServiceRow&) {
+    return std::make_unique<TrelloSandbox>(context);
 }
 
-SandboxAnswer TrelloSandbox::answer(const SandboxRequest& request) {
+SandboxResponse TrelloSandbox::answer(const SandboxRequest& request) {
     if (const auto* endpoint = endpointFor<TrelloSandbox>(request, endpoints)) {
         auto refusal = refusalOf(request, endpoint->scope);
         return refusal ? *std::move(refusal) : (this->*endpoint->answer)(request);
@@ -95,20 +95,21 @@ SandboxAnswer TrelloSandbox::answer(const SandboxRequest& request) {
     return refused(404, "Cannot " + request.method + " " + request.path);
 }
 
-std::optional<SandboxAnswer> TrelloSandbox::refusalOf(const SandboxRequest& request, std::string_view scope) {
+std::optional<SandboxResponse> TrelloSandbox::refusalOf(const SandboxRequest& request,
+                                                        std::string_view scope) {
     const auto key = request.parameter("key").value_or("");
     const auto token = request.parameter("token").value_or("");
     if (key.empty()) {
         return refused(401, "invalid key");
     }
-    const auto* grant = world_.tokens.anyAccess(token);
+    const auto* grant = context_.tokens.anyAccess(token);
     if (!grant || grant->service != "Trello") {
         return refused(401, "invalid token");
     }
     if (!grant->clientID.empty() && grant->clientID != key) {
         return refused(401, "invalid key");
     }
-    if (!world_.tokens.access(token)) {
+    if (!context_.tokens.access(token)) {
         return refused(401, "expired token");
     }
     if (!hasScope(grant->scope, scope)) {
@@ -120,25 +121,25 @@ std::optional<SandboxAnswer> TrelloSandbox::refusalOf(const SandboxRequest& requ
     return std::nullopt;
 }
 
-SandboxAnswer TrelloSandbox::failure(int status) const {
+SandboxResponse TrelloSandbox::failure(int status) const {
     if (status == 429) {
-        return SandboxAnswer::json(
+        return SandboxResponse::json(
             JSONObject{{"error", "API_TOKEN_LIMIT_EXCEEDED"}, {"message", "Rate limit exceeded"}}, status);
     }
     if (status == 401) {
-        return SandboxAnswer::text("invalid token", status);
+        return SandboxResponse::text("invalid token", status);
     }
     return SandboxService::failure(status);
 }
 
-SandboxAnswer TrelloSandbox::member(const SandboxRequest& request) {
-    const auto* grant = world_.tokens.access(request.parameter("token").value_or(""));
-    const auto whole = trelloMemberJSON(world_.settings.paidPlan, hasScope(grant->scope, "account"));
+SandboxResponse TrelloSandbox::member(const SandboxRequest& request) {
+    const auto* grant = context_.tokens.access(request.parameter("token").value_or(""));
+    const auto whole = trelloMemberJSON(context_.settings.paidPlan, hasScope(grant->scope, "account"));
     auto chosen = withTrelloFields(whole, request.queryValue("fields").value_or(""));
-    return chosen ? SandboxAnswer::json(std::move(*chosen)) : refused(400, "invalid value for fields");
+    return chosen ? SandboxResponse::json(std::move(*chosen)) : refused(400, "invalid value for fields");
 }
 
-SandboxAnswer TrelloSandbox::memberBoards(const SandboxRequest& request) {
+SandboxResponse TrelloSandbox::memberBoards(const SandboxRequest& request) {
     const auto filter = request.queryValue("filter").value_or("all");
     const auto lists = request.queryValue("lists").value_or("none");
     const auto fields = request.queryValue("fields").value_or("");
@@ -173,10 +174,10 @@ SandboxAnswer TrelloSandbox::memberBoards(const SandboxRequest& request) {
         }
         boards.push_back(std::move(*chosen));
     }
-    return SandboxAnswer::json(std::move(boards));
+    return SandboxResponse::json(std::move(boards));
 }
 
-SandboxAnswer TrelloSandbox::listCards(const SandboxRequest& request) {
+SandboxResponse TrelloSandbox::listCards(const SandboxRequest& request) {
     if (!isTrelloID(request.segments[2])) {
         return refused(400, "invalid id");
     }
@@ -193,19 +194,19 @@ SandboxAnswer TrelloSandbox::listCards(const SandboxRequest& request) {
         place.card = &card;
         cards.push_back(trelloCardJSON(place));
     }
-    return SandboxAnswer::json(std::move(cards));
+    return SandboxResponse::json(std::move(cards));
 }
 
-SandboxAnswer TrelloSandbox::card(const SandboxRequest& request) {
+SandboxResponse TrelloSandbox::card(const SandboxRequest& request) {
     if (!isTrelloID(request.segments[2])) {
         return refused(400, "invalid id");
     }
     const auto place = store_.findCard(request.segments[2]);
-    return place.card ? SandboxAnswer::json(trelloCardJSON(place))
+    return place.card ? SandboxResponse::json(trelloCardJSON(place))
                       : refused(404, "The requested resource was not found.");
 }
 
-SandboxAnswer TrelloSandbox::addCard(const SandboxRequest& request) {
+SandboxResponse TrelloSandbox::addCard(const SandboxRequest& request) {
     const auto listID = request.parameter("idList").value_or("");
     if (!isTrelloID(listID)) {
         return refused(400, "invalid value for idList");
@@ -226,10 +227,10 @@ SandboxAnswer TrelloSandbox::addCard(const SandboxRequest& request) {
         return refused(403, "There are as many cards as the sandbox keeps; reset it.");
     }
     place.card = &store_.addCard(place, std::move(name), std::move(desc));
-    return SandboxAnswer::json(trelloCardJSON(place));
+    return SandboxResponse::json(trelloCardJSON(place));
 }
 
-SandboxAnswer TrelloSandbox::addAttachment(const SandboxRequest& request) {
+SandboxResponse TrelloSandbox::addAttachment(const SandboxRequest& request) {
     if (!isTrelloID(request.segments[2])) {
         return refused(400, "invalid id");
     }
@@ -257,11 +258,11 @@ SandboxAnswer TrelloSandbox::addAttachment(const SandboxRequest& request) {
         .date = Date::now(),
         .url = *url,
     });
-    return SandboxAnswer::json(trelloAttachmentJSON(added));
+    return SandboxResponse::json(trelloAttachmentJSON(added));
 }
 
-SandboxAnswer TrelloSandbox::addFile(const SandboxRequest& request, const TrelloPlace& place,
-                                     const FormPart& file) {
+SandboxResponse TrelloSandbox::addFile(const SandboxRequest& request, const TrelloPlace& place,
+                                       const FormPart& file) {
     if (!file.fileName || file.fileName->empty()) {
         return refused(400, "invalid value for file");
     }
@@ -285,18 +286,18 @@ SandboxAnswer TrelloSandbox::addFile(const SandboxRequest& request, const Trello
         .date = Date::now(),
         .url = "https://trello.com/1/cards/" + place.card->id + "/attachments/" + id + "/download/" +
                percentEncodeBytes(name, AllowedCharacters::pathSegment),
-        .path = world_.files.add(file.content, name, type),
+        .path = context_.files.add(file.content, name, type),
     });
-    return SandboxAnswer::json(trelloAttachmentJSON(added));
+    return SandboxResponse::json(trelloAttachmentJSON(added));
 }
 
 std::uint64_t TrelloSandbox::attachmentLimit() const {
-    return world_.settings.attachmentLimit.value_or(world_.settings.paidPlan ? paidAttachment
-                                                                             : freeAttachment);
+    return context_.settings.attachmentLimit.value_or(context_.settings.paidPlan ? paidAttachment
+                                                                                 : freeAttachment);
 }
 
 JSONObject TrelloSandbox::state() const {
-    return {{"user", trelloMemberJSON(world_.settings.paidPlan, true)},
+    return {{"user", trelloMemberJSON(context_.settings.paidPlan, true)},
             {"boards", trelloState(store_.boards())}};
 }
 

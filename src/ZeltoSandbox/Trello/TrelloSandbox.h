@@ -10,31 +10,31 @@ namespace zelto::sandbox {
 // Trello's REST API, version 1, as far as cards are made by it.
 class TrelloSandbox final : public SandboxService {
   public:
-    static std::unique_ptr<SandboxService> make(SandboxWorld& world, const SandboxServiceRow& row);
+    static std::unique_ptr<SandboxService> make(SandboxContext& context, const SandboxServiceRow& row);
 
-    explicit TrelloSandbox(SandboxWorld& world) : world_(world) {}
+    explicit TrelloSandbox(SandboxContext& context) : context_(context) {}
 
-    SandboxAnswer answer(const SandboxRequest& request) override;
-    SandboxAnswer failure(int status) const override;
+    SandboxResponse answer(const SandboxRequest& request) override;
+    SandboxResponse failure(int status) const override;
     JSONObject state() const override;
     void reset() override;
 
   private:
     static const SandboxEndpoint<TrelloSandbox> endpoints[];
 
-    std::optional<SandboxAnswer> refusalOf(const SandboxRequest& request, std::string_view scope);
+    std::optional<SandboxResponse> refusalOf(const SandboxRequest& request, std::string_view scope);
 
-    SandboxAnswer member(const SandboxRequest& request);
-    SandboxAnswer memberBoards(const SandboxRequest& request);
-    SandboxAnswer listCards(const SandboxRequest& request);
-    SandboxAnswer card(const SandboxRequest& request);
-    SandboxAnswer addCard(const SandboxRequest& request);
-    SandboxAnswer addAttachment(const SandboxRequest& request);
-    SandboxAnswer addFile(const SandboxRequest& request, const TrelloPlace& place, const FormPart& file);
+    SandboxResponse member(const SandboxRequest& request);
+    SandboxResponse memberBoards(const SandboxRequest& request);
+    SandboxResponse listCards(const SandboxRequest& request);
+    SandboxResponse card(const SandboxRequest& request);
+    SandboxResponse addCard(const SandboxRequest& request);
+    SandboxResponse addAttachment(const SandboxRequest& request);
+    SandboxResponse addFile(const SandboxRequest& request, const TrelloPlace& place, const FormPart& file);
 
     std::uint64_t attachmentLimit() const;
 
-    SandboxWorld& world_;
+    SandboxContext& context_;
     TrelloStore store_;
 };
 

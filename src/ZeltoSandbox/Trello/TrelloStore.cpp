@@ -2,7 +2,7 @@
 
 #include <Platform/Crypto/Digest.h>
 #include <Platform/ISO8601.h>
-#include <Platform/Lasting.h>
+#include <Platform/NeverDestroyed.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -53,7 +53,7 @@ std::string dateText(Date date) {
 
 } // namespace
 
-const std::string& trelloMemberID = lasting(demoID("member"));
+const std::string& trelloMemberID = neverDestroyed(demoID("member"));
 
 TrelloStore::TrelloStore() {
     boards_.push_back(demoBoard("Mail", {open("To do"), open("Doing"), open("Done"), archived("Last year")}));

@@ -2,7 +2,7 @@
 
 #include <Platform/Date.h>
 #include <Platform/JSON/JSONValue.h>
-#include <ZeltoSandbox/FileShelf.h>
+#include <ZeltoSandbox/FileStore.h>
 
 #include <cstdint>
 #include <optional>

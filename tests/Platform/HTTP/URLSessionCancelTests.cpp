@@ -191,7 +191,7 @@ TEST(URLSessionCancel, WhenOnlyTheLastChunkIsLeftKeepsTheConnection) {
 
 TEST(URLSessionCancel, AtAnyMomentTellsEachTaskItsEndOnce) {
     TestHTTPServer server([](const ReceivedRequest& request) {
-        return PlayedAnswer{.body = std::string(request.target.size() * 1000, 'x')};
+        return PlayedResponse{.body = std::string(request.target.size() * 1000, 'x')};
     });
     auto configuration = URLSessionConfiguration::ephemeral();
     configuration.simultaneousTransfers = 8;

@@ -28,7 +28,7 @@ void waitOneTimeout(TimeInterval timeout) {
 
 TEST(URLSessionDelegate, HearsOfManyTasksOneCallAtATimeAndOfEachInOrder) {
     TestHTTPServer server(
-        [](const ReceivedRequest& request) { return PlayedAnswer{.body = request.target}; });
+        [](const ReceivedRequest& request) { return PlayedResponse{.body = request.target}; });
     const auto delegate = std::make_shared<RecordingDelegate>();
     std::atomic<int> inCall = 0;
     const auto noteCall = [&](auto&&...) {
@@ -124,7 +124,7 @@ TEST(URLSessionDelegate, CancelsATaskByItsDisposition) {
 
 TEST(URLSessionDelegate, ThatCancelsWithinACallHearsOnlyTheEndAfterIt) {
     TestHTTPServer server(
-        [](const ReceivedRequest&) { return PlayedAnswer{.body = std::string(5'000'000, 'x')}; });
+        [](const ReceivedRequest&) { return PlayedResponse{.body = std::string(5'000'000, 'x')}; });
     const auto delegate = std::make_shared<RecordingDelegate>();
     delegate->keepsData = false;
     delegate->onData = [](URLSessionDataTask& task, auto) {
@@ -245,7 +245,7 @@ TEST(URLSessionDelegate, IsHeldUntilTheLastTaskOfAReleasedOrInvalidatedSessionHa
         Event answers;
         TestHTTPServer server([&](const ReceivedRequest&) {
             answers.wait();
-            return PlayedAnswer{.body = "ok"};
+            return PlayedResponse{.body = "ok"};
         });
         auto delegate = std::make_shared<RecordingDelegate>();
         const std::weak_ptr<RecordingDelegate> watched = delegate;

@@ -65,7 +65,7 @@ std::string bomb(std::size_t size) {
     return packed;
 }
 
-PlayedAnswer encoded(std::string body, const std::string& encodings) {
+PlayedResponse encoded(std::string body, const std::string& encodings) {
     return {.body = std::move(body), .fields = {{"Content-Encoding", encodings}}};
 }
 
@@ -88,7 +88,7 @@ TEST(URLSessionEncoding, AnAnswerThatUnpacksWithoutEndIsCutAtTheLimit) {
     URLSession session(configuration);
     for (int round = 0; round < 2; ++round) {
         const auto end = TaskEnd::of(session, URLRequest(server.url()));
-        EXPECT_EQ(end.code(), URLErrorCode::answerTooLarge);
+        EXPECT_EQ(end.code(), URLErrorCode::responseTooLarge);
         EXPECT_EQ(end.status(), 200);
         EXPECT_EQ(end.data, std::nullopt);
     }

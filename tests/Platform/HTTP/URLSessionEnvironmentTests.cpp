@@ -1,5 +1,5 @@
 #include <Platform/HTTP/URLSession.h>
-#include <Platform/Lasting.h>
+#include <Platform/NeverDestroyed.h>
 
 #include "Support/Eventually.h"
 #include "Support/Sanitizers.h"
@@ -104,7 +104,7 @@ TEST(URLSessionEnvironment, WhatIsOnThisMachineGoesThroughNoProxy) {
     const Variable https("https_proxy", proxy.address());
     const Variable http("http_proxy", proxy.address());
     const Variable all("ALL_PROXY", proxy.address());
-    TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "here"}; });
+    TestHTTPServer server([](const ReceivedRequest&) { return PlayedResponse{.body = "here"}; });
     auto configuration = URLSessionConfiguration::ephemeral();
     for (const bool configured : {false, true}) {
         configuration.proxy = configured ? std::optional(proxy.address()) : std::nullopt;
@@ -179,7 +179,7 @@ TEST_F(URLSessionProcessDeathTest, AProcessEndsAtOnceWithTransfersUnderWay) {
 TEST_F(URLSessionProcessDeathTest, AProcessEndsAtOnceWhileTransfersBeginAndEnd) {
     const auto leaves = [] {
         static auto& session = *new URLSession(URLSessionConfiguration::ephemeral());
-        static const auto& nobody = lasting(*URL::parse("http://127.0.0.1:1/"));
+        static const auto& nobody = neverDestroyed(*URL::parse("http://127.0.0.1:1/"));
         static std::atomic<int> ended = 0;
         static void (*const begin)() = [] {
             const auto task = session.dataTask(URLRequest(nobody), [](auto, auto, auto) {
@@ -234,7 +234,7 @@ TEST_F(URLSessionProcessDeathTest, AnAnswerThatMemoryDoesNotHoldIsAnError) {
         ::setrlimit(RLIMIT_AS, &limit);
         const auto large = TaskEnd::of(session, URLRequest(server.url("/large")));
         const bool isWell = TaskEnd::of(session, small).text() == "ok";
-        std::_Exit(wasWell && isWell && large.code() == URLErrorCode::answerTooLarge ? 0 : 1);
+        std::_Exit(wasWell && isWell && large.code() == URLErrorCode::responseTooLarge ? 0 : 1);
     };
     EXPECT_EXIT(runsOut(), testing::ExitedWithCode(0), "");
 }
@@ -245,7 +245,7 @@ TEST_F(URLSessionProcessDeathTest, AnAnswerThatMemoryDoesNotHoldIsAnError) {
 #ifndef ZELTO_ADDRESS_SANITIZER
 TEST_F(URLSessionProcessDeathTest, AForkedProcessEndsAtOnce) {
     const auto forks = [] {
-        TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "ok"}; });
+        TestHTTPServer server([](const ReceivedRequest&) { return PlayedResponse{.body = "ok"}; });
         URLSession session(URLSessionConfiguration::ephemeral());
         if (TaskEnd::of(session, URLRequest(server.url())).text() != "ok") {
             std::_Exit(1);

@@ -106,7 +106,7 @@ TEST(URLSessionFault, HeaderFieldsComeJoinedFoldedAndReadable) {
 TEST(URLSessionFault, CookiesAreNotKept) {
     TestHTTPServer server([](const ReceivedRequest& request) {
         EXPECT_EQ(request.headers.value("Cookie"), std::nullopt);
-        return PlayedAnswer{.fields = {{"Set-Cookie", "a=b; Path=/"}}};
+        return PlayedResponse{.fields = {{"Set-Cookie", "a=b; Path=/"}}};
     });
     URLSession session(URLSessionConfiguration::ephemeral());
     for (int round = 0; round < 3; ++round) {
@@ -144,7 +144,7 @@ TEST(URLSessionFault, AnAnswerWithoutEndIsCutAtTheLimit) {
             isCut.set();
         });
         const auto end = TaskEnd::of(session, URLRequest(server.url()));
-        EXPECT_EQ(end.code(), URLErrorCode::answerTooLarge) << start << repeated << describe(end);
+        EXPECT_EQ(end.code(), URLErrorCode::responseTooLarge) << start << repeated << describe(end);
         EXPECT_EQ(end.data, std::nullopt);
         isCut.wait();
     }
@@ -156,7 +156,7 @@ TEST(URLSessionFault, AnAnswerOfExactlyTheLimitIsWhole) {
     URLSession session(configuration);
     TestHTTPServer server({{.body = std::string(100'000, 'x')}, {.body = std::string(100'001, 'x')}});
     EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).text().size(), 100'000u);
-    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::answerTooLarge);
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::responseTooLarge);
 }
 
 TEST(URLSessionFault, AnAnswerThatComesBeforeTheWholeUploadIsTheAnswer) {
@@ -190,7 +190,7 @@ TEST(URLSessionFault, AnUploadThatTheServerResetsIsALostConnection) {
 
 TEST(URLSessionFault, AnExchangeThatIsResetAtAnyByteEndsWithOneError) {
     TestHTTPServer server([](const ReceivedRequest& request) {
-        return PlayedAnswer{.body = std::string(40, 'x'), .fields = {{"X-Method", request.method}}};
+        return PlayedResponse{.body = std::string(40, 'x'), .fields = {{"X-Method", request.method}}};
     });
     for (const auto* method : {"GET", "POST", "PUT"}) {
         std::atomic<std::uint64_t> toServer = UINT64_MAX;

@@ -34,7 +34,7 @@ TEST(URLSessionLoad, AThousandRequestsAtOnceEndEachWithItsOwnAnswer) {
         noteMost(most, ++atOnce);
         std::this_thread::yield();
         --atOnce;
-        return PlayedAnswer{.body = request.target + request.body};
+        return PlayedResponse{.body = request.target + request.body};
     });
     URLSession session(URLSessionConfiguration::ephemeral());
     constexpr int count = 1000;
@@ -61,7 +61,7 @@ TEST(URLSessionLoad, NoMoreAreUnderWayThanTheConfigurationSaysAndTheOrderIsKept)
             noteMost(most, ++atOnce);
             std::this_thread::yield();
             --atOnce;
-            return PlayedAnswer{};
+            return PlayedResponse{};
         });
         auto configuration = URLSessionConfiguration::ephemeral();
         configuration.simultaneousTransfers = limit;
@@ -95,7 +95,7 @@ TEST(URLSessionLoad, ManySessionsAtOnceShareTheThreadAndTheBoundOfTheProcess) {
             goOn.wait();
         }
         --atOnce;
-        return PlayedAnswer{.body = "ok"};
+        return PlayedResponse{.body = "ok"};
     });
     constexpr int count = 400;
     std::vector<Completed<TaskEnd>> ends(count);
@@ -121,7 +121,7 @@ TEST(URLSessionLoad, OneThatWaitsForAPlaceGetsThatOfACancelledOne) {
         conversation.send("world");
         conversation.waitForEnd();
     });
-    TestHTTPServer other([](const ReceivedRequest&) { return PlayedAnswer{.body = "ok"}; });
+    TestHTTPServer other([](const ReceivedRequest&) { return PlayedResponse{.body = "ok"}; });
     constexpr int mostUnderWay = 256;
     auto configuration = URLSessionConfiguration::ephemeral();
     configuration.simultaneousTransfers = mostUnderWay;
@@ -149,11 +149,11 @@ TEST(URLSessionLoad, NothingIsLeftOfThousandsOfRequestsHoweverTheyEnd) {
     const auto delegate = std::make_shared<RecordingDelegate>();
     const auto run = [&](int count) {
         TestHTTPServer server([](const ReceivedRequest& request) {
-            return request.target == "/reset" ? PlayedAnswer::reset()
+            return request.target == "/reset" ? PlayedResponse::reset()
                    : request.target == "/cut"
-                       ? PlayedAnswer::bytes("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nx")
-                   : request.target == "/close" ? PlayedAnswer{.body = "ok", .closes = true}
-                                                : PlayedAnswer{.body = std::string(20'000, 'x')};
+                       ? PlayedResponse::bytes("HTTP/1.1 200 OK\r\nContent-Length: 9\r\n\r\nx")
+                   : request.target == "/close" ? PlayedResponse{.body = "ok", .closes = true}
+                                                : PlayedResponse{.body = std::string(20'000, 'x')};
         });
         auto configuration = URLSessionConfiguration::ephemeral();
         configuration.simultaneousTransfers = 8;

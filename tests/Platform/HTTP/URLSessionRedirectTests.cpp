@@ -27,7 +27,7 @@ bool isFollowed(const std::string& method, int status) {
 const std::vector<std::string> methods = {"GET", "HEAD", "POST", "PUT", "PATCH", "DELETE"};
 const std::vector<int> statuses = {300, 301, 302, 303, 304, 305, 307, 308};
 
-PlayedAnswer redirect(int status, const std::string& location) {
+PlayedResponse redirect(int status, const std::string& location) {
     return {.status = status, .body = status == 304 ? "" : "moved", .fields = {{"Location", location}}};
 }
 
@@ -35,7 +35,7 @@ TEST(URLSessionRedirect, ToTheSameOriginIsFollowedByMethodAndStatus) {
     for (const auto& method : methods) {
         for (const int status : statuses) {
             TestHTTPServer server([&](const ReceivedRequest& request) {
-                return request.target == "/there?a=b" ? PlayedAnswer{} : redirect(status, "/there?a=b#c");
+                return request.target == "/there?a=b" ? PlayedResponse{} : redirect(status, "/there?a=b#c");
             });
             URLSession session(URLSessionConfiguration::ephemeral());
             const auto end = TaskEnd::of(session, requestWithSecrets(server.url("/here?q=secret"), method));
@@ -58,7 +58,7 @@ TEST(URLSessionRedirect, ToTheSameOriginIsFollowedByMethodAndStatus) {
 }
 
 TEST(URLSessionRedirect, ToAnotherOriginIsTheAnswerAndNothingGoesThere) {
-    TestHTTPServer other([](const ReceivedRequest&) { return PlayedAnswer{.body = "stolen"}; });
+    TestHTTPServer other([](const ReceivedRequest&) { return PlayedResponse{.body = "stolen"}; });
     for (const auto& method : methods) {
         for (const int status : statuses) {
             std::string location;
@@ -157,10 +157,10 @@ TEST(URLSessionRedirect, ARoutedRequestKeepsToTheOriginThatItNames) {
 
 TEST(URLSessionRedirect, WithAnEndlessBodyIsFollowedAllTheSame) {
     TestHTTPServer server([](const ReceivedRequest& request) {
-        return request.target == "/there" ? PlayedAnswer{.body = "arrived"}
-                                          : PlayedAnswer{.status = 302,
-                                                         .body = std::string(1'000'000, 'x'),
-                                                         .fields = {{"Location", "/there"}}};
+        return request.target == "/there" ? PlayedResponse{.body = "arrived"}
+                                          : PlayedResponse{.status = 302,
+                                                           .body = std::string(1'000'000, 'x'),
+                                                           .fields = {{"Location", "/there"}}};
     });
     URLSession session(URLSessionConfiguration::ephemeral());
     EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url("/here"))).text(), "arrived");

@@ -27,7 +27,7 @@ std::string refusalOf(const std::string& url) {
 
 class Refusal : public testing::Test {
   protected:
-    TestHTTPServer server{std::vector<PlayedAnswer>{}};
+    TestHTTPServer server{std::vector<PlayedResponse>{}};
 
     void TearDown() override { EXPECT_EQ(server.connectionCount(), 0); }
 };
@@ -107,7 +107,7 @@ TEST_F(Refusal, OfARouteToAnythingButAPortOfThisMachine) {
 }
 
 TEST(URLSession, ARouteTakesARequestToThisMachineWithItsHost) {
-    TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "routed"}; });
+    TestHTTPServer server([](const ReceivedRequest&) { return PlayedResponse{.body = "routed"}; });
     auto configuration = URLSessionConfiguration::ephemeral();
     configuration.route = server.url();
     URLSession session(configuration);
@@ -130,7 +130,7 @@ TEST(URLSession, ARouteTakesARequestToThisMachineWithItsHost) {
 }
 
 TEST(URLSession, PlainHTTPGoesToEveryNameOfThisMachine) {
-    TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "here"}; });
+    TestHTTPServer server([](const ReceivedRequest&) { return PlayedResponse{.body = "here"}; });
     URLSession session(URLSessionConfiguration::ephemeral());
     const auto port = std::to_string(server.port());
     for (const auto* host : {"localhost", "LOCALHOST", "127.0.0.1", "127.1.2.3"}) {

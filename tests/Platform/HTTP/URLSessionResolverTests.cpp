@@ -25,7 +25,7 @@ extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo
     static const auto system = reinterpret_cast<decltype(&getaddrinfo)>(::dlsym(RTLD_NEXT, "getaddrinfo"));
     if (node && std::strcmp(node, "slow.invalid") == 0) {
         ++waitingLookUps;
-        EXPECT_TRUE(lookUps.try_acquire_for(zelto::longestWait));
+        EXPECT_TRUE(lookUps.try_acquire_for(zelto::maximumWait));
         --waitingLookUps;
         return EAI_NONAME;
     }
@@ -42,7 +42,7 @@ bool areLookedUp(int count) {
 }
 
 TEST(URLSessionResolver, ANameThatIsLookedUpHoldsNobodyUp) {
-    TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "ok"}; });
+    TestHTTPServer server([](const ReceivedRequest&) { return PlayedResponse{.body = "ok"}; });
     URLSession session(URLSessionConfiguration::ephemeral());
     Completed<TaskEnd> cancelled;
     Completed<TaskEnd> notFound;

@@ -22,7 +22,7 @@ namespace {
 constexpr auto shortAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
 
 TEST(URLSessionReuse, OneConnectionServesRequestAfterRequestOfAllSessions) {
-    TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "ok"}; });
+    TestHTTPServer server([](const ReceivedRequest&) { return PlayedResponse{.body = "ok"}; });
     for (int round = 0; round < 20; ++round) {
         URLSession session(URLSessionConfiguration::ephemeral());
         URLRequest request(server.url(), round % 2 == 0 ? "GET" : "POST");
@@ -34,7 +34,7 @@ TEST(URLSessionReuse, OneConnectionServesRequestAfterRequestOfAllSessions) {
 
 TEST(URLSessionReuse, EachRequestAsksForItsOwnURL) {
     TestHTTPServer server(
-        [](const ReceivedRequest& request) { return PlayedAnswer{.body = request.target}; });
+        [](const ReceivedRequest& request) { return PlayedResponse{.body = request.target}; });
     URLSession session(URLSessionConfiguration::ephemeral());
     for (const auto* target : {"/one?x=1", "/one?x=1", "/two", "/one", "/one?x=1", "/one?x=2"}) {
         EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url(target))).text(), target);
@@ -160,7 +160,7 @@ TEST(URLSessionReuse, APostWhoseServerHasGoneMeanwhileDoesNotClaimThatItWasNever
 
 TEST(URLSessionReuse, ANewConnectionIsMadeWhenTheServerSaysClose) {
     TestHTTPServer server([](const ReceivedRequest&) {
-        return PlayedAnswer{.body = "ok", .fields = {{"Connection", "close"}}, .closes = true};
+        return PlayedResponse{.body = "ok", .fields = {{"Connection", "close"}}, .closes = true};
     });
     URLSession session(URLSessionConfiguration::ephemeral());
     for (int round = 0; round < 5; ++round) {
@@ -192,7 +192,8 @@ bool isOpenForClients(std::uint16_t port) {
 }
 
 TEST(URLSessionReuse, AConnectionThatTheServerHasClosedMeanwhileCostsNoPost) {
-    TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "ok", .closes = true}; });
+    TestHTTPServer server(
+        [](const ReceivedRequest&) { return PlayedResponse{.body = "ok", .closes = true}; });
     URLSession session(URLSessionConfiguration::ephemeral());
     for (int round = 0; round < 50; ++round) {
         EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url(), "POST")).text(), "ok") << round;

@@ -23,7 +23,7 @@ TEST(URLSession, AGetBringsTheWholeAnswer) {
 }
 
 TEST(URLSession, EachMethodGoesOutWithItsBodyAsItIs) {
-    TestHTTPServer server([](const ReceivedRequest&) { return PlayedAnswer{.body = "ok"}; });
+    TestHTTPServer server([](const ReceivedRequest&) { return PlayedResponse{.body = "ok"}; });
     URLSession session(URLSessionConfiguration::ephemeral());
     for (const auto* method : {"POST", "PUT", "PATCH", "DELETE", "GET", "REPORT"}) {
         URLRequest request(server.url("/x"), method);
@@ -66,7 +66,7 @@ TEST(URLSession, TheDelegateHearsOfResponseDataAndEndInThisOrder) {
 }
 
 TEST(URLSession, ATaskThatIsCancelledBeforeItBeginsSendsNothing) {
-    TestHTTPServer server(std::vector<PlayedAnswer>{});
+    TestHTTPServer server(std::vector<PlayedResponse>{});
     URLSession session(URLSessionConfiguration::ephemeral());
     Completed<TaskEnd> end;
     const auto task = session.dataTask(URLRequest(server.url()), TaskEnd::into(end));

@@ -70,7 +70,7 @@ TEST(SignIn, GetsTheTokenOfEveryServiceWithACode) {
         const std::string body = service->tokenObject.empty()
                                      ? tokenAnswer
                                      : R"({"ok":true,"authed_user":)" + std::string(tokenAnswer) + "}";
-        const TestHTTPServer server({PlayedAnswer::json(body)});
+        const TestHTTPServer server({PlayedResponse::json(body)});
         const ServiceRoute route(server);
         const auto signIn = begun(each.value);
         const auto token =
@@ -93,10 +93,10 @@ TEST(SignIn, GetsTheTokenOfOAuth1) {
     for (const auto type : {ServiceType::Trello, ServiceType::Evernote}) {
         const auto service = signInServiceFor(type).value();
         const TestHTTPServer server(
-            {PlayedAnswer{.body =
-                              "oauth_token=request&oauth_token_secret=canary-secret&oauth_callback_confirmed="
-                              "true"},
-             PlayedAnswer{.body = "oauth_token=canary-access&oauth_token_secret=canary-token-secret"}});
+            {PlayedResponse{
+                 .body = "oauth_token=request&oauth_token_secret=canary-secret&oauth_callback_confirmed="
+                         "true"},
+             PlayedResponse{.body = "oauth_token=canary-access&oauth_token_secret=canary-token-secret"}});
         const ServiceRoute route(server);
         const auto signIn = begun(type);
         const auto page = service.authorizationURL.absoluteString();
@@ -143,7 +143,7 @@ TEST(SignIn, GetsTheTokenOfTheImplicitFlow) {
 }
 
 TEST(SignIn, TellsADenialAndAsksForNoToken) {
-    const TestHTTPServer server(std::vector<PlayedAnswer>{});
+    const TestHTTPServer server(std::vector<PlayedResponse>{});
     const ServiceRoute route(server);
     const auto signIn = begun(ServiceType::Asana);
     EXPECT_EQ(complaint(outcome(*signIn,
@@ -157,19 +157,19 @@ TEST(SignIn, TellsADenialAndAsksForNoToken) {
 
 TEST(SignIn, TellsWhatTheTokenEndpointSays) {
     struct Row {
-        PlayedAnswer answer;
+        PlayedResponse answer;
         std::string complaint;
     };
 
     const Row rows[] = {
-        {PlayedAnswer::json(R"({"error":"invalid_grant"})", 400),
+        {PlayedResponse::json(R"({"error":"invalid_grant"})", 400),
          "refused: Asana does not take the code of its own page; it is spent or too old. Sign in again "
          "(invalid_grant)."},
-        {PlayedAnswer::json("", 500),
+        {PlayedResponse::json("", 500),
          "refused: Asana has trouble of its own; try again later (server_error)."},
-        {PlayedAnswer::json("{}"), "badAnswer: Asana answered without a token."},
-        {PlayedAnswer::json(R"({"access_token":"a\r\nb"})"), "badAnswer: Asana answered without a token."},
-        {PlayedAnswer{.status = 302, .fields = {{"Location", "https://elsewhere.example/"}}},
+        {PlayedResponse::json("{}"), "badAnswer: Asana answered without a token."},
+        {PlayedResponse::json(R"({"access_token":"a\r\nb"})"), "badAnswer: Asana answered without a token."},
+        {PlayedResponse{.status = 302, .fields = {{"Location", "https://elsewhere.example/"}}},
          "refused: Asana refused the sign-in."},
     };
     for (const auto& row : rows) {
@@ -179,7 +179,7 @@ TEST(SignIn, TellsWhatTheTokenEndpointSays) {
         EXPECT_EQ(complaint(outcome(*signIn, [&] { comeBack(*signIn, goodAnswer(*signIn)); })),
                   row.complaint);
     }
-    const TestHTTPServer server({PlayedAnswer::reset()});
+    const TestHTTPServer server({PlayedResponse::reset()});
     const ServiceRoute route(server);
     const auto signIn = begun(ServiceType::Asana);
     const auto lost = outcome(*signIn, [&] { comeBack(*signIn, goodAnswer(*signIn)); });
@@ -190,19 +190,19 @@ TEST(SignIn, TellsWhatTheTokenEndpointSays) {
 
 TEST(SignIn, DoesNotBeginWithoutARequestToken) {
     struct Row {
-        PlayedAnswer answer;
+        PlayedResponse answer;
         SignInErrorCode code;
     };
 
     const Row rows[] = {
-        {PlayedAnswer{.status = 401, .body = "invalid key"}, SignInErrorCode::refused},
-        {PlayedAnswer{.status = 503}, SignInErrorCode::refused},
-        {PlayedAnswer{.body = "hello"}, SignInErrorCode::badAnswer},
-        {PlayedAnswer{.body = "oauth_token=a&oauth_token_secret=b"}, SignInErrorCode::badAnswer},
-        {PlayedAnswer{.body = "oauth_token=a&oauth_token_secret=b&"
-                              "oauth_callback_confirmed=false"},
+        {PlayedResponse{.status = 401, .body = "invalid key"}, SignInErrorCode::refused},
+        {PlayedResponse{.status = 503}, SignInErrorCode::refused},
+        {PlayedResponse{.body = "hello"}, SignInErrorCode::badAnswer},
+        {PlayedResponse{.body = "oauth_token=a&oauth_token_secret=b"}, SignInErrorCode::badAnswer},
+        {PlayedResponse{.body = "oauth_token=a&oauth_token_secret=b&"
+                                "oauth_callback_confirmed=false"},
          SignInErrorCode::badAnswer},
-        {PlayedAnswer::reset(), SignInErrorCode::connectionError}};
+        {PlayedResponse::reset(), SignInErrorCode::connectionError}};
     for (const auto& row : rows) {
         const TestHTTPServer server({row.answer});
         const ServiceRoute route(server);
@@ -243,7 +243,7 @@ TEST(SignIn, EndsAtAStopWhileTheTokenIsFetched) {
     std::stop_source stop;
     const TestHTTPServer server([&](const ReceivedRequest&) {
         stop.request_stop();
-        return PlayedAnswer::reset();
+        return PlayedResponse::reset();
     });
     const ServiceRoute route(server);
     const auto signIn = begun(ServiceType::Asana);
@@ -253,7 +253,7 @@ TEST(SignIn, EndsAtAStopWhileTheTokenIsFetched) {
 }
 
 TEST(SignIn, TakesAPastedAddress) {
-    const TestHTTPServer server({PlayedAnswer::json(tokenAnswer)});
+    const TestHTTPServer server({PlayedResponse::json(tokenAnswer)});
     const ServiceRoute route(server);
     const auto signIn = begun(ServiceType::Asana);
     const auto redirect = signIn->redirect().absoluteString();
@@ -282,7 +282,7 @@ TEST(SignIn, TakesAPastedAddressWithAFragment) {
 }
 
 TEST(SignIn, AtAnAddressElsewhereTakesWhatIsPastedAlone) {
-    const TestHTTPServer server({PlayedAnswer::json(tokenAnswer)});
+    const TestHTTPServer server({PlayedResponse::json(tokenAnswer)});
     const ServiceRoute route(server);
     for (const auto* address : {"https://example.org/oauth-redirect/asana", "com.example.app://auth/asana"}) {
         const auto signIn = begun(ServiceType::Asana, {.redirect = URL::parse(address)});
@@ -297,7 +297,7 @@ TEST(SignIn, AtAnAddressElsewhereTakesWhatIsPastedAlone) {
 }
 
 TEST(SignIn, TakesNoAnswerOfAnotherServicesSignIn) {
-    const TestHTTPServer server({PlayedAnswer::json(tokenAnswer)});
+    const TestHTTPServer server({PlayedResponse::json(tokenAnswer)});
     const ServiceRoute route(server);
     const auto asana = begun(ServiceType::Asana);
     const auto zoom = begun(ServiceType::ZoomMeeting);
@@ -313,7 +313,7 @@ TEST(SignIn, TakesNoAnswerOfAnotherServicesSignIn) {
 
 TEST(SignIn, LogsNothingOfItsSecrets) {
     const LogCapture log;
-    const TestHTTPServer server({PlayedAnswer::json(tokenAnswer)});
+    const TestHTTPServer server({PlayedResponse::json(tokenAnswer)});
     const ServiceRoute route(server);
     const auto signIn = begun(ServiceType::Asana);
     const auto token = outcome(*signIn, [&] { comeBack(*signIn, goodAnswer(*signIn)); });

@@ -2,8 +2,8 @@
 #include <ZeltoHost/Storage/AccountLock.h>
 
 #include <TrovenhalCommon/KeyChain/FileKeyChainStore.h>
-#include <ZeltoIntegrations/ServiceClient.h>
-#include <ZeltoIntegrations/ServiceCredentialsManager.h>
+#include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
+#include <ZeltoIntegrations/Client/ServiceClient.h>
 #include <ZeltoIntegrations/Zoom/ZoomAuthoriser.h>
 
 #include <Support/Completed.h>
@@ -34,20 +34,20 @@ constexpr auto mustNotWait = [] { ADD_FAILURE() << "nobody has the lock"; };
 // Zoom's token endpoint and API: each refresh token is good for one use, a spent one ends the grant.
 class RotatingService {
   public:
-    PlayedAnswer answer(const ReceivedRequest& request) {
+    PlayedResponse answer(const ReceivedRequest& request) {
         const std::lock_guard guard(lock_);
         if (request.target != "/oauth/token") {
             const bool isGood = request.headers.value("Authorization") == "Bearer access-" + number();
-            return PlayedAnswer::json("{}", isGood ? 200 : 401);
+            return PlayedResponse::json("{}", isGood ? 200 : 401);
         }
         if (request.body.find("refresh%2D" + number()) == std::string::npos) {
             ++refusals;
-            return PlayedAnswer::json(R"({"error":"invalid_grant"})", 400);
+            return PlayedResponse::json(R"({"error":"invalid_grant"})", 400);
         }
         ++generation_;
         ++refreshes;
-        return PlayedAnswer::json(R"({"access_token":"access-)" + number() +
-                                  R"(","refresh_token":"refresh-)" + number() + R"(","expires_in":3600})");
+        return PlayedResponse::json(R"({"access_token":"access-)" + number() +
+                                    R"(","refresh_token":"refresh-)" + number() + R"(","expires_in":3600})");
     }
 
     std::string number() const { return std::to_string(generation_); }

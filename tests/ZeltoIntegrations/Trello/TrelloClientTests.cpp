@@ -129,7 +129,7 @@ TEST_F(TrelloClientTest, WithoutATokenNothingIsSent) {
 }
 
 TEST_F(TrelloClientTest, AnAnswerWithoutTheIdIsNone) {
-    service.onRequest = [](const auto&) { return PlayedAnswer::json("{}"); };
+    service.onRequest = [](const auto&) { return PlayedResponse::json("{}"); };
     EXPECT_EQ(addCard("n", "d", "l1").error(), Error::dataParseError);
     EXPECT_EQ(addAttachment(folder.write("a", "x"), "c1").error(), Error::dataParseError);
 }

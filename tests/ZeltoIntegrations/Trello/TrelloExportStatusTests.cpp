@@ -30,11 +30,11 @@ void attachOne(TrelloExport& one) {
 } // namespace
 
 TEST(TrelloExportStatus, IsMappedAtEveryStepAndToldOnce) {
-    expectFailuresAt<TrelloExport, TrelloServer>(steps, failingAnswers(), attachOne);
+    expectFailuresAt<TrelloExport, TrelloServer>(steps, failingResponses(), attachOne);
 }
 
 TEST(TrelloExportStatus, OfSuccessIsNoneWithoutARecord) {
-    expectFailuresAt<TrelloExport, TrelloServer>(steps, unreadableAnswers(), attachOne);
+    expectFailuresAt<TrelloExport, TrelloServer>(steps, unreadableResponses(), attachOne);
 }
 
 } // namespace zelto

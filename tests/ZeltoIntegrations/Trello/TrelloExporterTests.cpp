@@ -92,7 +92,7 @@ TEST_F(TrelloExporterTest, DataWithoutCredentialsAreAnOauthError) {
 }
 
 TEST_F(TrelloExporterTest, BoardsAreLoadedAlsoWhenTheUserIsNot) {
-    service.answerTo(ofUser, PlayedAnswer::json("{}", 500));
+    service.respondTo(ofUser, PlayedResponse::json("{}", 500));
     EXPECT_EQ(one.load(true).error(), IntegrationLoadError::internalError);
     EXPECT_EQ(service.lines().size(), 2U);
     EXPECT_EQ(one.exporter()->allBoards(), std::vector{board});
@@ -103,11 +103,11 @@ TEST_F(TrelloExporterTest, BoardsAreLoadedAlsoWhenTheUserIsNot) {
 
 TEST_F(TrelloExporterTest, TheErrorOfTheBoardsReplacesThatOfTheUser) {
     service.onRequest = [](const ReceivedRequest& request) {
-        return request.target.starts_with(ofUser) ? PlayedAnswer::json("{}", 500)
-                                                  : PlayedAnswer::json("{}", 401);
+        return request.target.starts_with(ofUser) ? PlayedResponse::json("{}", 500)
+                                                  : PlayedResponse::json("{}", 401);
     };
     EXPECT_EQ(one.load(true).error(), IntegrationLoadError::oauthError);
-    service.answerTo(ofBoards, PlayedAnswer::reset());
+    service.respondTo(ofBoards, PlayedResponse::reset());
     EXPECT_EQ(one.load(true).error(), IntegrationLoadError::connectionError);
     EXPECT_EQ(one.exporter()->user(), user);
 }
@@ -119,7 +119,7 @@ TEST_F(TrelloExporterTest, EachStatusIsALoadErrorOfItsKind) {
         {429, internalError}, {500, internalError}, {503, internalError}};
     for (const auto& [status, error] : rows) {
         for (const auto* what : {ofUser, ofBoards}) {
-            service.answerTo(what, PlayedAnswer::json("invalid", status));
+            service.respondTo(what, PlayedResponse::json("invalid", status));
             EXPECT_EQ(one.load(true).error(), error) << status << " " << what;
         }
     }
@@ -138,7 +138,7 @@ TEST_F(TrelloExporterTest, ServiceDataAreFetchedByForce) {
     EXPECT_EQ(one.exporter()->loadUserEmail(), std::nullopt);
     EXPECT_TRUE(one.fetch());
     EXPECT_EQ(one.exporter()->loadUserEmail(), "me@example.org");
-    service.answerTo(ofUser, PlayedAnswer::json("{}", 401));
+    service.respondTo(ofUser, PlayedResponse::json("{}", 401));
     EXPECT_EQ(one.fetch().error(), IntegrationLoadError::oauthError);
 }
 

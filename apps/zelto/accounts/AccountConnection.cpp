@@ -1,0 +1,138 @@
+#include "accounts/AccountConnection.h"
+
+#include "accounts/KeyChainCheck.h"
+#include "accounts/ServiceNames.h"
+#include "base/Waiting.h"
+
+#include <ZeltoHost/Platform/EmailValidator.h>
+#include <ZeltoHost/Platform/HostPlatformInteractor.h>
+#include <ZeltoIntegrations/Content/IntegrationsDataInteractorStub.h>
+
+namespace zelto::cli {
+
+namespace {
+
+using AccountResult = Result<ServiceAccountConfiguration, IntegrationAccountCreationError>;
+using Account = ServiceAccountConfiguration;
+
+// A process that was killed while it connected has left it.
+void removeTemporary(const Workspace& workspace, IntegrationsManager& manager, ServiceType type) {
+    const auto left = workspace.storage().tryLoad(manager.temporaryIdentifier(type));
+    if (left && *left) {
+        manager.removeServiceConfiguration(**left);
+    }
+}
+
+Failure connectFailure(const IntegrationAccountCreationError& error, const Account& account,
+                       const std::string& command, Verification verification) {
+    if (!std::holds_alternative<IntegrationAccountCreationError::DataLoadingError>(error.value)) {
+        return failureOf(error);
+    }
+    const auto service = displayName(account.serviceType());
+    if (verification == Verification::impossible) {
+        return {std::string(error.name()),
+                "This version cannot ask " + service + " whose account it is, so nothing was kept.",
+                "zelto services"};
+    }
+    return {std::string(error.name()),
+            service + " did not tell whose account this is, so nothing was kept: it could not be reached, or "
+                      "does not accept these credentials.",
+            command + " --verbose"};
+}
+
+// What was stored must be there, or a later command would find the account without its secrets.
+Outcome<Account> checked(const Workspace& workspace, const Account& account) {
+    if (const auto stored = workspace.storageOutcome(); !stored) {
+        return failure(stored.error());
+    }
+    if (account.credentials) {
+        if (const auto kept = checkStored(*account.credentials); !kept) {
+            return failure(kept.error());
+        }
+    }
+    return account;
+}
+
+} // namespace
+
+IntegrationsManager managerOf(const Workspace& workspace) {
+    auto interactor =
+        std::make_shared<HostPlatformInteractor>([](const URL&, Callback<bool> done) { done(false); });
+    return IntegrationsManager(workspace.sharedStorage(), std::move(interactor), isEmailAddress, {});
+}
+
+Verification verificationOf(const Account& account, IntegrationsManager& manager) {
+    const auto askedBy = [](const auto& client) {
+        return client ? Verification::asked : Verification::impossible;
+    };
+    switch (IntegrationsManager::accountCheck(account.serviceType())) {
+    case AccountCheck::none:
+        return Verification::notAsked;
+    case AccountCheck::byExporter:
+        return askedBy(
+            manager.createServiceExporter(account, std::make_shared<IntegrationsDataInteractorStub>()));
+    case AccountCheck::byMeetingCreator:
+        return askedBy(manager.createMeetingCreator(account));
+    }
+    return Verification::notAsked;
+}
+
+std::string noticeOf(Verification verification, ServiceType type) {
+    const auto service = displayName(type);
+    switch (verification) {
+    case Verification::asked:
+        return {};
+    case Verification::notAsked:
+        return service + " was not asked whether these credentials are good, nor whose they are.";
+    case Verification::impossible:
+        return "This version has no client for " + service +
+               " yet: the sign-in is tried, and nothing is kept.";
+    }
+    return {};
+}
+
+Outcome<Account> connectAccount(const Workspace& workspace, const Account& account) {
+    auto manager = managerOf(workspace);
+    const auto type = account.serviceType();
+    // Two of one service would meet under the temporary identifier.
+    const auto lock = workspace.lock(manager.temporaryIdentifier(type));
+    if (!lock) {
+        return failure(lock.error());
+    }
+    removeTemporary(workspace, manager, type);
+    const auto verification = verificationOf(account, manager);
+    const auto connected = waitFor<AccountResult>(
+        [&](auto done) { manager.trySaveServiceConfiguration(account, std::move(done)); });
+    if (!connected) {
+        return failure(connectFailure(connected.error(), account,
+                                      "zelto connect " + std::string(nameOf(type)), verification));
+    }
+    auto kept = checked(workspace, *connected);
+    if (!kept) {
+        manager.removeServiceConfiguration(*connected);
+    }
+    return kept;
+}
+
+Outcome<Account> reconnectAccount(const Workspace& workspace, const Account& withNew,
+                                  const Account& fromOld) {
+    auto manager = managerOf(workspace);
+    const auto type = fromOld.serviceType();
+    const auto temporaryLock = workspace.lock(manager.temporaryIdentifier(type));
+    const auto lock = temporaryLock ? workspace.lock(fromOld.identifier()) : failure(temporaryLock.error());
+    if (!lock) {
+        return failure(lock.error());
+    }
+    removeTemporary(workspace, manager, type);
+    const auto verification = verificationOf(withNew, manager);
+    const auto updated = waitFor<AccountResult>(
+        [&](auto done) { manager.tryUpdateServiceConfiguration(withNew, fromOld, std::move(done)); });
+    if (!updated) {
+        return failure(connectFailure(updated.error(), fromOld, reconnectCommand(fromOld), verification));
+    }
+    // The secrets are in place; the record takes what was loaded on the way.
+    manager.storeServiceConfiguration(*updated);
+    return checked(workspace, *updated);
+}
+
+} // namespace zelto::cli

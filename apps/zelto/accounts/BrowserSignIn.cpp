@@ -1,0 +1,207 @@
+#include "accounts/BrowserSignIn.h"
+
+#include "accounts/PastedAddresses.h"
+#include "base/Terminal.h"
+#include "commandline/InvocationCheck.h"
+#include "sandbox/SandboxPages.h"
+
+#include <ZeltoHost/Platform/URLOpener.h>
+#include <ZeltoHost/Process/CommandWords.h>
+
+#include <Platform/HTTP/URLSessionConfiguration.h>
+#include <Platform/Text.h>
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <unistd.h>
+
+namespace zelto::cli {
+
+namespace {
+
+std::unexpected<Failure> wrong(const Invocation& invocation, std::string message) {
+    return wrongUsage(std::move(message), helpCommand(invocation.command));
+}
+
+Failure failureOf(const SignInError& error, const Invocation& invocation) {
+    const auto command = "zelto " + std::string(invocation.command->name) + " ";
+    const auto subject = invocation.value("SERVICE").value_or(invocation.value("ID").value_or(""));
+    switch (error.code) {
+    case SignInErrorCode::cannotListen:
+    case SignInErrorCode::timedOut:
+        return {std::string(nameOf(error.code)), error.message, command + subject + " --no-browser"};
+    case SignInErrorCode::canceled:
+        return {std::string(nameOf(error.code)), error.message, command + subject, ExitStatus::interrupted};
+    case SignInErrorCode::notOffered:
+    case SignInErrorCode::denied:
+    case SignInErrorCode::refused:
+    case SignInErrorCode::connectionError:
+    case SignInErrorCode::badAnswer:
+        break;
+    }
+    return {std::string(nameOf(error.code)), error.message, command + subject};
+}
+
+// All requests to services go there, if there is one.
+std::optional<URL> sandbox() {
+    return URLSessionConfiguration::ephemeral().route;
+}
+
+Outcome<SignInOptions> signInOptions(const Invocation& invocation) {
+    SignInOptions options;
+    if (const auto text = invocation.value("--redirect")) {
+        options.redirect = URL::parse(*text);
+        if (!options.redirect || options.redirect->query() || options.redirect->fragment()) {
+            return wrong(invocation, "--redirect takes the registered address, without a query.");
+        }
+    }
+    return options;
+}
+
+std::string hostName() {
+    std::string name(256, '\0');
+    return ::gethostname(name.data(), name.size() - 1) == 0 ? name.substr(0, name.find('\0')) : "HOST";
+}
+
+std::string howToAnswer(const SignIn& signIn) {
+    const auto redirect = signIn.redirect();
+    if (!signIn.listens()) {
+        return "Then paste the address that the browser ends at here; it begins with\n" +
+               redirect.absoluteString() + "\n\n";
+    }
+    const auto port = std::to_string(redirect.port().value_or(80));
+    return "The browser comes back to port " + port +
+           " of this machine. If it runs on another one, run this there first:\n\n  ssh -L " + port +
+           ":127.0.0.1:" + port + " " + hostName() +
+           "\n\nor paste the address that the browser ends at here; it begins with\n" +
+           redirect.absoluteString() + "\n\n";
+}
+
+void tellAddress(const SignIn& signIn, const URL& page) {
+    writeError("Open this address in a browser:\n\n  " + page.absoluteString() + "\n\n" +
+               howToAnswer(signIn));
+}
+
+// The words of --opener, or of what opens addresses on this system.
+Outcome<std::vector<std::string>> openerWords(const Invocation& invocation) {
+    auto words = commandWords(invocation.value("--opener").value_or("xdg-open"));
+    if (!words) {
+        return wrong(invocation, "--opener " + std::string(words.error().text) + ".");
+    }
+    return *std::move(words);
+}
+
+// How the start of the browser has gone, once that is known.
+class Opening {
+  public:
+    void end(std::optional<std::string> trouble) {
+        const std::lock_guard guard(lock_);
+        outcome_ = std::move(trouble);
+        changed_.notify_all();
+    }
+
+    // Nothing if it went well, or a stop is asked for before it is known.
+    std::optional<std::string> trouble(const std::stop_token& stop) {
+        std::unique_lock guard(lock_);
+        return changed_.wait(guard, stop, [this] { return outcome_.has_value(); }) ? *outcome_ : std::nullopt;
+    }
+
+  private:
+    std::mutex lock_;
+    std::condition_variable_any changed_;
+    std::optional<std::optional<std::string>> outcome_;
+};
+
+// An opener may run for as long as the browser does.
+std::shared_ptr<Opening> openBrowser(std::vector<std::string> words, const URL& page) {
+    constexpr std::chrono::hours longest{24};
+    // Never ended: the user's browser would end with it.
+    static URLOpener* opener = nullptr;
+    opener = new URLOpener(std::move(words), longest);
+    auto opening = std::make_shared<Opening>();
+    opener->open(page, [opening](const Result<void, OpenError>& opened) {
+        opening->end(opened ? std::nullopt : std::optional(opened.error().message()));
+    });
+    return opening;
+}
+
+// Shows the page to the user by whatever way was chosen. The function tells whether the answer may be pasted.
+Outcome<std::function<bool(const std::stop_token&)>> show(const Invocation& invocation, const SignIn& signIn,
+                                                          const URL& page, const std::string& service) {
+    if (invocation.has("--no-browser") || invocation.value("--opener") == "-" || !signIn.listens()) {
+        tellAddress(signIn, page);
+        return [](const std::stop_token&) { return true; };
+    }
+    auto words = openerWords(invocation);
+    if (!words) {
+        return failure(words.error());
+    }
+    if (!invocation.has("--quiet")) {
+        writeError("The page of " + service + " opens in the browser; its answer is waited for.\n");
+    }
+    return [opening = openBrowser(*std::move(words), page), page, &signIn](const std::stop_token& stop) {
+        const auto trouble = opening->trouble(stop);
+        if (trouble) {
+            writeError("zelto: " + escapeControlCharacters(*trouble) + ".\n");
+            tellAddress(signIn, page);
+        }
+        return trouble.has_value();
+    };
+}
+
+} // namespace
+
+Outcome<void> checkSignInOptions(const Invocation& invocation) {
+    if (invocation.has("--follow") && !sandbox()) {
+        return wrong(invocation, "--follow is for the sandbox alone; give --sandbox too.");
+    }
+    if (const auto words = openerWords(invocation); !words) {
+        return failure(words.error());
+    }
+    const auto options = signInOptions(invocation);
+    return options ? Outcome<void>() : failure(options.error());
+}
+
+Outcome<SignInToken> signInByBrowser(const Invocation& invocation, const SignInService& service,
+                                     const std::stop_token& stop) {
+    const auto options = signInOptions(invocation);
+    if (!options) {
+        return failure(options.error());
+    }
+    const auto signIn = SignIn::begin(service, *options, stop);
+    if (!signIn) {
+        return failure(failureOf(signIn.error(), invocation));
+    }
+    auto page = (*signIn)->address();
+    if (const auto address = sandbox()) {
+        page = sandboxPage(address->absoluteString(), page);
+    }
+    std::stop_source ending;
+    const std::stop_callback passingOn(stop, [&ending] { ending.request_stop(); });
+    std::optional<PastedAddresses> pasted;
+    std::optional<FollowedPages> followed;
+    if (invocation.has("--follow")) {
+        followed.emplace(page, (*signIn)->redirect(), ending);
+    } else {
+        auto mayPaste = show(invocation, **signIn, page, service.name);
+        if (!mayPaste) {
+            return failure(mayPaste.error());
+        }
+        pasted.emplace(**signIn, ending, *std::move(mayPaste));
+    }
+    const auto token = (*signIn)->finish(ending.get_token());
+    if (token) {
+        return *token;
+    }
+    if (const auto trouble = followed ? followed->trouble() : std::nullopt;
+        trouble && !stop.stop_requested()) {
+        return failure(failureOf(*trouble, invocation));
+    }
+    if (pasted && pasted->endedWithoutAnswer() && !stop.stop_requested()) {
+        return failure(Failure{"canceled", "Standard input ended before the address was pasted.", ""});
+    }
+    return failure(failureOf(token.error(), invocation));
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,143 @@
+#include "accounts/AccountConnection.h"
+#include "accounts/AccountDescription.h"
+#include "accounts/BrowserSignIn.h"
+#include "accounts/GivenCredentials.h"
+#include "accounts/KeyChainCheck.h"
+#include "accounts/ServiceNames.h"
+#include "base/Interruption.h"
+#include "commandline/Commands.h"
+#include "commandline/InvocationCheck.h"
+
+#include <ZeltoIntegrations/Accounts/LiveSecrets.h>
+
+namespace zelto::cli {
+
+namespace {
+
+using Account = ServiceAccountConfiguration;
+
+Failure cannotSignIn(ServiceType type) {
+    return {"unsupportedService", "This version knows no sign-in for " + displayName(type) + ".",
+            "zelto services"};
+}
+
+// What is wrong is told before anything is asked of the user.
+Outcome<void> checkBeforehand(const Invocation& invocation, ServiceType type) {
+    if (!canSignIn(type)) {
+        return failure(cannotSignIn(type));
+    }
+    return checkSignInOptions(invocation);
+}
+
+// The account with what was given, or with what the sign-in in the browser gives.
+Outcome<Account> signedIn(const Invocation& invocation, const Workspace& workspace, Account account) {
+    const auto type = account.serviceType();
+    auto given = givenCredentials(invocation, type, account.identifier());
+    if (!given) {
+        return failure(given.error());
+    }
+    if (const auto kept = probeKeyChain(); !kept) {
+        return failure(kept.error());
+    }
+    if (*given) {
+        account.credentials = *std::move(given);
+        return account;
+    }
+    account.credentials = ServiceAccountCredentials::forIdentifier(account.identifier());
+    auto manager = managerOf(workspace);
+    const auto verification = verificationOf(account, manager);
+    if (verification == Verification::impossible) {
+        writeError("zelto: " + noticeOf(verification, type) + "\n");
+    }
+    const Interruption interruption;
+    const auto token = signInByBrowser(invocation, *signInServiceFor(type), interruption.stop());
+    if (!token) {
+        return failure(token.error());
+    }
+    token->fill(*account.credentials);
+    maskInLog(*account.credentials);
+    return account;
+}
+
+Report reportOf(const Account& account, const std::string& verb, const Workspace& workspace,
+                const Terminal& terminal) {
+    Report report;
+    report.members.set("account", described(account, false));
+    report.text = verb + " " + terminal.shown(account.identifier()) + ".\n";
+    report.isNotice = true;
+    if (serviceAuthFlow(account.serviceType()) == ServiceAuthFlow::oauth) {
+        auto manager = managerOf(workspace);
+        const auto verification = verificationOf(account, manager);
+        report.members.set("verified", verification == Verification::asked);
+        const auto notice = noticeOf(verification, account.serviceType());
+        report.text += notice + (notice.empty() ? "" : "\n");
+    }
+    return report;
+}
+
+// The name that the account starts with; most services tell their own.
+std::optional<std::string> startingName(const Invocation& invocation, ServiceType type) {
+    return takesPassword(type) ? invocation.value("--login") : invocation.value("--name");
+}
+
+} // namespace
+
+Outcome<Report> runConnect(const Invocation& invocation, const Terminal& terminal) {
+    const auto name = invocation.value("SERVICE").value();
+    const auto type = serviceNamed(name);
+    if (!type) {
+        return wrongUsage("There is no service \"" + name + "\".", "zelto services");
+    }
+    const bool isApplication = serviceAuthFlow(*type) == ServiceAuthFlow::installedApp;
+    if (!isApplication) {
+        if (const auto possible = checkBeforehand(invocation, *type); !possible) {
+            return failure(possible.error());
+        }
+    }
+    const auto workspace = Workspace::open(invocation);
+    if (!workspace) {
+        return failure(workspace.error());
+    }
+    auto account = Outcome<Account>(Account(*type, startingName(invocation, *type), true));
+    if (!isApplication) {
+        account = signedIn(invocation, *workspace, *std::move(account));
+    }
+    const auto connected = account ? connectAccount(*workspace, *account) : failure(account.error());
+    if (!connected) {
+        return failure(connected.error());
+    }
+    return reportOf(*connected, "Connected", *workspace, terminal);
+}
+
+Outcome<Report> runReconnect(const Invocation& invocation, const Terminal& terminal) {
+    const auto identifier = invocation.value("ID").value();
+    const auto workspace = Workspace::open(invocation);
+    if (!workspace) {
+        return failure(workspace.error());
+    }
+    const auto stored = workspace->storage().tryLoad(identifier);
+    if (!stored) {
+        return failure(failureOf(stored.error()));
+    }
+    if (!*stored) {
+        return failure(
+            Failure{"unknownAccount", "There is no account \"" + identifier + "\".", "zelto accounts"});
+    }
+    const auto type = (*stored)->serviceType();
+    if (serviceAuthFlow(type) == ServiceAuthFlow::installedApp) {
+        return wrongUsage(displayName(type) + " is an application on this machine, which needs no sign-in.",
+                          "zelto accounts");
+    }
+    if (const auto possible = checkBeforehand(invocation, type); !possible) {
+        return failure(possible.error());
+    }
+    const auto account = signedIn(invocation, *workspace, **stored);
+    const auto updated =
+        account ? reconnectAccount(*workspace, *account, **stored) : failure(account.error());
+    if (!updated) {
+        return failure(updated.error());
+    }
+    return reportOf(*updated, "Reconnected", *workspace, terminal);
+}
+
+} // namespace zelto::cli

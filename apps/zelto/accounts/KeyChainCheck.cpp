@@ -1,0 +1,63 @@
+#include "accounts/KeyChainCheck.h"
+
+#include <TrovenhalCommon/KeyChain/LVXKeyChainStoreFactory.h>
+#include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
+
+#include <Platform/Crypto/RandomBytes.h>
+#include <Platform/UUID.h>
+
+namespace zelto::cli {
+
+namespace {
+
+Failure failureOf(const KeyChainError& error) {
+    return {"keyChainError", error.message, "zelto connect --keychain file"};
+}
+
+Failure doesNotKeep() {
+    return {"keyChainError", "The key chain does not give back what is stored in it.",
+            "zelto connect --keychain file"};
+}
+
+} // namespace
+
+Outcome<void> probeKeyChain() {
+    const auto store = LVXKeyChainStoreFactory::keyChainStore();
+    const auto key = "Zelto probe - " + uuid();
+    const auto value = dataOf(randomToken());
+    if (const auto written = store->write(key, value); !written) {
+        return failure(failureOf(written.error()));
+    }
+    const auto read = store->read(key);
+    const auto erased = store->erase(key);
+    if (!read) {
+        return failure(failureOf(read.error()));
+    }
+    if (*read != value) {
+        return failure(doesNotKeep());
+    }
+    if (!erased) {
+        return failure(failureOf(erased.error()));
+    }
+    return {};
+}
+
+Outcome<void> checkReadable(const std::optional<ServiceAccountCredentials>& credentials) {
+    if (!credentials) {
+        return {};
+    }
+    const auto read = LVXKeyChainStoreFactory::keyChainStore()->read(credentials->serviceCredentialsKey);
+    return read ? Outcome<void>() : failure(failureOf(read.error()));
+}
+
+Outcome<void> checkStored(const ServiceAccountCredentials& credentials) {
+    ServiceAccountCredentials stored;
+    stored.serviceCredentialsKey = credentials.serviceCredentialsKey;
+    ServiceCredentialsManager::load(stored);
+    if (stored != credentials) {
+        return failure(doesNotKeep());
+    }
+    return {};
+}
+
+} // namespace zelto::cli

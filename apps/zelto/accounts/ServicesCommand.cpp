@@ -1,0 +1,57 @@
+#include "accounts/ServiceNames.h"
+#include "commandline/Commands.h"
+#include "export/ExportSession.h"
+
+#include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
+
+namespace zelto::cli {
+
+namespace {
+
+std::string_view wayOfConnecting(ServiceAuthFlow flow) {
+    switch (flow) {
+    case ServiceAuthFlow::oauth:
+        return "sign-in";
+    case ServiceAuthFlow::installedApp:
+        return "application";
+    case ServiceAuthFlow::systemPermission:
+        return "permission";
+    }
+    return {};
+}
+
+std::string padded(std::string_view text, std::size_t width) {
+    std::string cell(text);
+    cell.append(cell.size() < width ? width - cell.size() : 1, ' ');
+    return cell;
+}
+
+JSONValue described(ServiceType type) {
+    JSONObject service;
+    service.set("service", std::string(nameOf(type)));
+    service.set("rawValue", static_cast<std::int64_t>(rawValue(type)));
+    if (const auto product = ExportServiceHelper::getServiceProductNameFor(type)) {
+        service.set("productName", *product);
+    }
+    service.set("authFlow", std::string(nameOf(serviceAuthFlow(type))));
+    service.set("canExport", canExport(type));
+    return service;
+}
+
+} // namespace
+
+Outcome<Report> runServices(const Invocation&, const Terminal&) {
+    Report report;
+    JSONValue::Array services;
+    report.text = padded("SERVICE", 18) + padded("NAME", 18) + padded("CONNECTED BY", 14) + "EXPORT\n";
+    for (const auto& each : casesOf<ServiceType>()) {
+        services.push_back(described(each.value));
+        report.text += padded(each.name, 18) + padded(displayName(each.value), 18) +
+                       padded(wayOfConnecting(serviceAuthFlow(each.value)), 14) +
+                       (canExport(each.value) ? "yes" : "not yet") + "\n";
+    }
+    report.members.set("services", std::move(services));
+    return report;
+}
+
+} // namespace zelto::cli

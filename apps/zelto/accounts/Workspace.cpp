@@ -1,0 +1,177 @@
+#include "accounts/Workspace.h"
+
+#include "accounts/DeferredKeyChain.h"
+#include "accounts/ServiceNames.h"
+#include "base/FileFailure.h"
+#include "base/ShellText.h"
+#include "base/Terminal.h"
+
+#include <Platform/FileManager.h>
+#include <Platform/Joined.h>
+#include <Platform/Text.h>
+
+#include <algorithm>
+
+namespace zelto::cli {
+
+namespace {
+
+std::string identifiersOf(const std::vector<ServiceAccountConfiguration>& accounts) {
+    return joined(accounts, ", ", &ServiceAccountConfiguration::identifier);
+}
+
+} // namespace
+
+std::filesystem::path dataDirectory(const Invocation& invocation) {
+    const auto given = invocation.value("--data-dir");
+    return given ? std::filesystem::path(*given) : FileManager::userDataDirectory() / "zelto";
+}
+
+void installKeyChain(const Invocation& invocation) {
+    LVXKeyChainStoreFactory::setStore(std::make_shared<DeferredKeyChain>(
+        invocation.value("--keychain"), dataDirectory(invocation) / "keychain"));
+}
+
+std::string reconnectCommand(const ServiceAccountConfiguration& account) {
+    return "zelto reconnect " + shellWord(account.identifier());
+}
+
+Failure failureOf(const StorageError& error) {
+    return {std::string(nameOf(error.code)), error.message(), "zelto accounts --data-dir DIR"};
+}
+
+Failure failureOf(const IntegrationAccountCreationError& error) {
+    struct Sentence {
+        Failure operator()(const IntegrationAccountCreationError::AccountAlreadyExist& error) const {
+            const bool isApplication =
+                serviceAuthFlow(error.account.serviceType()) == ServiceAuthFlow::installedApp;
+            return {"accountAlreadyExist",
+                    "The account " + error.account.identifier() + " is connected already.",
+                    isApplication ? "zelto accounts" : reconnectCommand(error.account)};
+        }
+
+        Failure operator()(const IntegrationAccountCreationError::AccountMismatch& error) const {
+            return {"accountMismatch",
+                    "The sign-in was that of " + error.actualAccount.identifier() + ", not of " +
+                        error.requiredAccount.identifier() + ", so nothing was changed.",
+                    reconnectCommand(error.requiredAccount)};
+        }
+
+        Failure operator()(const IntegrationAccountCreationError::DataLoadingError&) const {
+            return {"dataLoadingError", "The service did not tell what the account is.", "zelto services"};
+        }
+    };
+
+    return std::visit(Sentence(), error.value);
+}
+
+Outcome<Workspace> Workspace::open(const Invocation& invocation, bool readOnly) {
+    auto directory = dataDirectory(invocation);
+    std::error_code error;
+    if (readOnly && !std::filesystem::exists(directory, error) && !error) {
+        auto empty = FileManager::temporaryPath("accounts");
+        if (!empty) {
+            return failure(failureOf(empty.error()));
+        }
+        directory = *std::move(empty);
+    }
+    auto storage = SQLiteAccountStorage::open(directory);
+    if (!storage) {
+        return failure(failureOf(storage.error()));
+    }
+    return Workspace(*std::move(storage), std::move(directory));
+}
+
+Outcome<void> Workspace::storageOutcome() const {
+    const auto error = storage_->lastError();
+    if (error && error->code != StorageErrorCode::recordDamaged) {
+        return failure(failureOf(*error));
+    }
+    return {};
+}
+
+Outcome<AccountLock> Workspace::lock(const std::string& identifier) const {
+    auto lock = AccountLock::take(directory_, identifier, [&] {
+        writeError("zelto: waiting for another zelto that uses " + escapeControlCharacters(identifier) +
+                   ".\n");
+    });
+    if (!lock) {
+        return failure(failureOf(lock.error()));
+    }
+    return *std::move(lock);
+}
+
+Outcome<std::optional<AccountLock>> Workspace::lockForUse(ServiceAccountConfiguration& account) const {
+    if (!account.credentials || !AccountLock::isNeededFor(account.serviceType())) {
+        return std::nullopt;
+    }
+    auto taken = lock(account.identifier());
+    if (!taken) {
+        return failure(taken.error());
+    }
+    auto present = storage_->tryLoad(account.identifier());
+    if (!present) {
+        return failure(failureOf(present.error()));
+    }
+    if (!*present) {
+        return failure(Failure{"unknownAccount",
+                               "The account \"" + account.identifier() + "\" was removed meanwhile.",
+                               "zelto accounts"});
+    }
+    account = **std::move(present);
+    return *std::move(taken);
+}
+
+Outcome<ServiceAccountConfiguration> Workspace::account(const std::string& idOrService,
+                                                        IntegrationsManager& manager, bool mayConnect) const {
+    const auto stored = storage_->tryLoadConfigurations();
+    if (!stored) {
+        return failure(failureOf(stored.error()));
+    }
+    const auto isWanted = [&](const auto& account) { return account.identifier() == idOrService; };
+    if (const auto found = std::ranges::find_if(*stored, isWanted); found != stored->end()) {
+        return *found;
+    }
+    const auto type = serviceNamed(idOrService);
+    if (!type) {
+        return failure(Failure{"unknownAccount",
+                               "There is no account and no service \"" + idOrService + "\".",
+                               "zelto accounts"});
+    }
+    if (auto last = manager.lastUsedConfiguration(*type); last && last->enabled) {
+        return *std::move(last);
+    }
+    const auto isOfType = [&](const auto& account) { return account.serviceType() == *type; };
+    std::vector<ServiceAccountConfiguration> enabled;
+    std::ranges::copy_if(*stored, std::back_inserter(enabled),
+                         [&](const auto& account) { return isOfType(account) && account.enabled; });
+    if (enabled.size() == 1) {
+        return enabled.front();
+    }
+    if (enabled.empty() && std::ranges::any_of(*stored, isOfType)) {
+        return failure(Failure{"disabledAccount", "Every account of " + displayName(*type) + " is disabled.",
+                               "zelto accounts"});
+    }
+    if (!enabled.empty()) {
+        return failure(Failure{"ambiguousAccount",
+                               displayName(*type) + " has several accounts: " + identifiersOf(enabled) + ".",
+                               "zelto accounts"});
+    }
+    if (serviceAuthFlow(*type) != ServiceAuthFlow::installedApp) {
+        return failure(Failure{"unknownAccount", "No account of " + displayName(*type) + " is connected.",
+                               "zelto connect " + std::string(nameOf(*type))});
+    }
+    ServiceAccountConfiguration account(*type, std::nullopt, true);
+    if (!mayConnect) {
+        return account;
+    }
+    Outcome<ServiceAccountConfiguration> connected = account;
+    manager.trySaveServiceConfiguration(account, [&](const auto& result) {
+        if (!result) {
+            connected = failure(failureOf(result.error()));
+        }
+    });
+    return connected;
+}
+
+} // namespace zelto::cli

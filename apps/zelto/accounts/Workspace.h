@@ -1,0 +1,62 @@
+#pragma once
+
+#include "base/Outcome.h"
+#include "commandline/CommandLine.h"
+
+#include <ZeltoHost/Storage/AccountLock.h>
+#include <ZeltoHost/Storage/SQLiteAccountStorage.h>
+#include <ZeltoIntegrations/IntegrationsManager.h>
+
+#include <filesystem>
+#include <memory>
+#include <string>
+
+namespace zelto::cli {
+
+// Where this call keeps accounts: --data-dir, else the user's data directory.
+std::filesystem::path dataDirectory(const Invocation& invocation);
+
+// Puts the key chain of --keychain in force; it is opened when it is first needed.
+void installKeyChain(const Invocation& invocation);
+
+// The accounts of a data directory.
+class Workspace {
+  public:
+    // `readOnly`: nothing will be stored, so a directory that is not there is not made either.
+    static Outcome<Workspace> open(const Invocation& invocation, bool readOnly = false);
+
+    SQLiteAccountStorage& storage() const { return *storage_; }
+
+    std::shared_ptr<ServiceConfigurationsStorage> sharedStorage() const { return storage_; }
+
+    // The failure of anything that was stored since the last look, which interfaces cannot report.
+    Outcome<void> storageOutcome() const;
+
+    // The account of an identifier, or the account of a service: the one used last, or its only one. An
+    // application without an account gets one, unless nothing may be changed.
+    Outcome<ServiceAccountConfiguration> account(const std::string& idOrService, IntegrationsManager& manager,
+                                                 bool mayConnect) const;
+
+    // Takes the account's lock; that this waits for another process is told on standard error.
+    Outcome<AccountLock> lock(const std::string& identifier) const;
+
+    // The lock of an account whose token may be refreshed, taken before its secrets are loaded; nothing for
+    // all others. The account becomes what it is once nobody else has it.
+    Outcome<std::optional<AccountLock>> lockForUse(ServiceAccountConfiguration& account) const;
+
+  private:
+    Workspace(std::shared_ptr<SQLiteAccountStorage> storage, std::filesystem::path directory)
+        : storage_(std::move(storage)), directory_(std::move(directory)) {}
+
+    std::shared_ptr<SQLiteAccountStorage> storage_;
+    std::filesystem::path directory_;
+};
+
+// What to do when the service does not take an account's sign-in any more.
+std::string reconnectCommand(const ServiceAccountConfiguration& account);
+
+// The failure of a flow that connects an account.
+Failure failureOf(const IntegrationAccountCreationError& error);
+Failure failureOf(const StorageError& error);
+
+} // namespace zelto::cli

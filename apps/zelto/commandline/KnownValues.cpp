@@ -1,0 +1,56 @@
+#include "commandline/KnownValues.h"
+
+#include "accounts/GivenCredentials.h"
+#include "accounts/ServiceNames.h"
+#include "export/ExportSession.h"
+
+#include <Platform/ASCII.h>
+#include <ZeltoIntegrations/IntegrationsManager.h>
+
+namespace zelto::cli {
+
+namespace {
+
+// As people type them: "2do" rather than "Type2Do".
+std::string typedName(ServiceType type) {
+    auto name = toASCIILower(displayName(type));
+    std::erase(name, ' ');
+    return name;
+}
+
+// A service that this program signs in at, and keeps the account of without asking whose it is.
+bool isKeptUnasked(ServiceType type) {
+    return canSignIn(type) && IntegrationsManager::accountCheck(type) == AccountCheck::none;
+}
+
+} // namespace
+
+std::vector<std::string> knownValues(ValueKind kind, const std::vector<std::string_view>& choices) {
+    std::vector<std::string> values(choices.begin(), choices.end());
+    switch (kind) {
+    case ValueKind::service:
+    case ValueKind::accountOrService:
+        for (const auto& each : casesOf<ServiceType>()) {
+            if (canExport(each.value) || (kind == ValueKind::service && isKeptUnasked(each.value))) {
+                values.push_back(typedName(each.value));
+            }
+        }
+        return values;
+    case ValueKind::contentType:
+        for (const auto& each : casesOf<IntegrationExportContentType>()) {
+            values.emplace_back(each.name);
+        }
+        return values;
+    case ValueKind::account:
+    case ValueKind::text:
+    case ValueKind::secret:
+    case ValueKind::file:
+    case ValueKind::directory:
+    case ValueKind::command:
+    case ValueKind::mail:
+        return values;
+    }
+    return values;
+}
+
+} // namespace zelto::cli

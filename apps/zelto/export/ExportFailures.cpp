@@ -1,0 +1,177 @@
+#include "export/ExportFailures.h"
+
+#include "base/ShellText.h"
+#include "export/Targets.h"
+
+#include <Platform/Joined.h>
+#include <Platform/Text.h>
+
+#include <ranges>
+#include <utility>
+
+namespace zelto::cli {
+
+namespace {
+
+using Refused = ExportReport::Refused;
+
+// A title may have thousands of characters.
+std::string named(const std::string& kind, const std::string& name) {
+    constexpr std::size_t longest = 100;
+    const auto shown = prefixUTF16Units(name, longest);
+    return kind + " \"" + std::string(shown) + (shown.size() < name.size() ? "…" : "") + "\"";
+}
+
+std::string reconnectCommand(const std::string& account) {
+    return "zelto reconnect " + shellWord(account);
+}
+
+// A message and the command to try next.
+using Advice = std::pair<std::string, std::string>;
+
+Advice reasonOf(ServiceClientError error, const ExportCircumstances& about) {
+    constexpr auto lookCloser = "zelto export --verbose";
+    switch (error) {
+    case ServiceClientError::connectionError:
+        return {about.service + " could not be reached", ""};
+    case ServiceClientError::authorizationError:
+    case ServiceClientError::oauthError:
+        return {"it does not accept the account's sign-in any more", reconnectCommand(about.account)};
+    case ServiceClientError::forbidden:
+        return {"the account may not do that there", refreshCommand(about.account)};
+    case ServiceClientError::itemNotFound:
+        return {"what it was to go into is not there any more", refreshCommand(about.account)};
+    case ServiceClientError::toManyRequests:
+        return {"it had too many requests; wait some minutes", ""};
+    case ServiceClientError::invalidAccount:
+        return {"the account is not valid there", reconnectCommand(about.account)};
+    case ServiceClientError::serviceInternalError:
+        return {"it had an error of its own; try again later", ""};
+    case ServiceClientError::apiCallError:
+        return about.report.made.empty()
+                   ? Advice{"it refused the request, and may not have what it was to go into any more",
+                            refreshCommand(about.account)}
+                   : Advice{"it refused the request", lookCloser};
+    case ServiceClientError::dataParseError:
+        return {"its answer makes no sense", lookCloser};
+    case ServiceClientError::internalError:
+        return {"the request could not be made", lookCloser};
+    }
+    return {};
+}
+
+Advice refusal(const ExportCircumstances& about, const std::string& verb, const Advice& otherwise) {
+    if (about.report.refused.empty()) {
+        return otherwise;
+    }
+    const auto& first = about.report.refused.front();
+    auto [reason, next] = reasonOf(first.reason, about);
+    return {about.service + " did not " + verb + " the " + named(first.kind, first.name) + ": " + reason +
+                ".",
+            std::move(next)};
+}
+
+Advice noPDF(const std::optional<PDFError>& error) {
+    if (!error) {
+        return {"The message could not be turned into a PDF.", "zelto export --verbose"};
+    }
+    const bool isMissing = error->code == PDFErrorCode::converterMissing;
+    return {"The message could not be turned into a PDF. " + error->message() + ".",
+            isMissing ? "zelto export --pdf-converter" : "zelto export --as"};
+}
+
+Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) {
+    switch (error) {
+    case IntegrationExportError::canceled:
+        return {"The export was canceled.", ""};
+    case IntegrationExportError::internalError:
+        return {"The export to " + about.service + " met an error of its own.", "zelto export --verbose"};
+    case IntegrationExportError::createBodyError:
+        return {"The message has no text or no link of that kind.", "zelto preview --help"};
+    case IntegrationExportError::convertError:
+        return noPDF(about.pdfError);
+    case IntegrationExportError::unsupportedFormat:
+        return {about.service + " does not take that type; it takes " + about.takenTypes + ".",
+                "zelto export --help"};
+    case IntegrationExportError::fileAlreadyExists:
+        return {"A file of that name exists already.", "zelto export --title"};
+    case IntegrationExportError::oauthError:
+        return {about.service + " does not accept the account's sign-in any more.",
+                reconnectCommand(about.account)};
+    case IntegrationExportError::connectionError:
+        return {about.service + " could not be reached.", ""};
+    case IntegrationExportError::createTaskError:
+        return refusal(about, "make", {about.service + " did not make the task.", ""});
+    case IntegrationExportError::uploadAttachmentError:
+        return refusal(about, "take",
+                       {"An attachment could not be read from the message.", "zelto export --attach none"});
+    case IntegrationExportError::urlEncodeError:
+        return {"The title or the text is not UTF-8.", "zelto export --title"};
+    case IntegrationExportError::createUrlError:
+        return {"The title, the text and the tags make no URL; a tag with a blank is the usual reason.",
+                "zelto export --tags"};
+    case IntegrationExportError::xUrlCallbackError:
+        return {about.openerFailure, "zelto export --opener -"};
+    }
+    return {};
+}
+
+// A request that was cut off may have worked all the same.
+std::string unknownOutcome(const ExportCircumstances& about) {
+    const auto isUnknown = [](const ExportReport::Refused& each) {
+        return each.reason == ServiceClientError::connectionError;
+    };
+    const auto names = joined(about.report.refused | std::views::filter(isUnknown), ", ",
+                              [](const ExportReport::Refused& each) { return named(each.kind, each.name); });
+    return names.empty()
+               ? ""
+               : " Whether " + about.service + " has this is not known, since no answer came: " + names + ".";
+}
+
+} // namespace
+
+Failure exportFailure(IntegrationExportError error, const ExportCircumstances& about) {
+    auto [message, next] = adviceOn(error, about);
+    JSONObject members;
+    if (!about.report.made.empty()) {
+        message += " On " + about.service +
+                   " already, and made again by another export: " + listOf(about.report.made) + ".";
+        members.set("made", described(about.report.made));
+    }
+    message += unknownOutcome(about);
+    const auto status =
+        error == IntegrationExportError::canceled ? ExitStatus::interrupted : ExitStatus::failed;
+    return {std::string(nameOf(error)), std::move(message), std::move(next), status, std::move(members)};
+}
+
+Failure loadFailure(IntegrationLoadError error, const std::string& service, const std::string& account) {
+    switch (error) {
+    case IntegrationLoadError::oauthError:
+        return {"oauthError", service + " does not accept the account's sign-in any more.",
+                reconnectCommand(account)};
+    case IntegrationLoadError::connectionError:
+        return {"connectionError", service + " could not be reached.", refreshCommand(account)};
+    case IntegrationLoadError::internalError:
+        return {"internalError", "The data of " + service + " could not be loaded.",
+                refreshCommand(account) + " --verbose"};
+    }
+    return {};
+}
+
+std::string listOf(const std::vector<ExportReport::Made>& made) {
+    return joined(made, ", ", [](const ExportReport::Made& each) { return named(each.kind, each.name); });
+}
+
+JSONValue described(const std::vector<ExportReport::Made>& made) {
+    JSONValue::Array all;
+    for (const auto& each : made) {
+        JSONObject object{{"kind", each.kind}, {"name", each.name}};
+        if (each.identifier) {
+            object.set("identifier", *each.identifier);
+        }
+        all.emplace_back(std::move(object));
+    }
+    return all;
+}
+
+} // namespace zelto::cli

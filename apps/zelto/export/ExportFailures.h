@@ -1,0 +1,36 @@
+#pragma once
+
+#include "base/Outcome.h"
+
+#include <ZeltoHost/PDF/PDFError.h>
+#include <ZeltoIntegrations/Content/IntegrationError.h>
+#include <ZeltoIntegrations/Export/ExportReport.h>
+
+#include <optional>
+#include <string>
+
+namespace zelto::cli {
+
+// What the sentences about an export are made of.
+struct ExportCircumstances {
+    std::string service;    // as the program shows it
+    std::string account;    // its identifier
+    std::string takenTypes; // what an export to it may be
+    std::string openerFailure;
+    std::optional<PDFError> pdfError;
+    ExportReport report;
+};
+
+// Why an export failed, what is on the service already, and what to do.
+Failure exportFailure(IntegrationExportError error, const ExportCircumstances& circumstances);
+
+// Why the data of an account could not be loaded.
+Failure loadFailure(IntegrationLoadError error, const std::string& service, const std::string& account);
+
+// `card "Title", file "a.pdf"`; empty for none.
+std::string listOf(const std::vector<ExportReport::Made>& made);
+
+// "made" of a JSON document.
+JSONValue described(const std::vector<ExportReport::Made>& made);
+
+} // namespace zelto::cli

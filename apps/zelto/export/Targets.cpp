@@ -1,0 +1,236 @@
+#include "export/Targets.h"
+
+#include "base/ShellText.h"
+
+#include <Platform/Joined.h>
+#include <Platform/Text.h>
+
+#include <algorithm>
+#include <functional>
+#include <ranges>
+
+namespace zelto::cli {
+
+namespace {
+
+constexpr std::size_t listedAtMost = 10;
+
+const std::string& label(const TargetNode& node) {
+    return node.name.empty() ? node.id : node.name;
+}
+
+const TargetNode& nodeAt(const TargetTree& tree, std::span<const std::size_t> path) {
+    const auto* node = &tree.nodes.at(path.front());
+    for (const auto index : path.subspan(1)) {
+        node = &node->children.at(index);
+    }
+    return *node;
+}
+
+using TextForm = std::string (*)(std::string_view);
+
+std::string asWritten(std::string_view text) {
+    return std::string(text);
+}
+
+// Everything in a tree that a text names, when both are compared in a form.
+class Search {
+  public:
+    Search(const TargetTree& tree, TextForm form, const std::string& text)
+        : tree_(tree), form_(form), text_(form(text)) {
+        visit(tree.nodes, text_);
+    }
+
+    bool foundAny() const { return !targets.empty() || !holders.empty(); }
+
+    std::vector<TargetPath> targets;
+    std::vector<TargetPath> holders; // named alone, without anything in them
+    TargetPath lastHolder;           // named with something that is not in it
+
+  private:
+    // `text` is what the names above have left of it; nothing where they do not fit.
+    void visit(const std::vector<TargetNode>& nodes, std::optional<std::string_view> text) {
+        const bool holdTargets = path_.size() + 1 == tree_.levels.size();
+        for (std::size_t index = 0; index < nodes.size(); ++index) {
+            const auto& node = nodes[index];
+            const auto rest = text ? restBehind(node, *text) : std::nullopt;
+            const bool isNamed = rest && rest->empty();
+            path_.push_back(index);
+            if (holdTargets) {
+                if (isNamed || form_(node.id) == text_) {
+                    targets.push_back(path_);
+                }
+            } else if (isNamed) {
+                holders.push_back(path_);
+            } else {
+                const auto before = targets.size();
+                visit(node.children, rest ? std::optional(rest->substr(1)) : std::nullopt);
+                if (rest && targets.size() == before) {
+                    lastHolder = path_;
+                }
+            }
+            path_.pop_back();
+        }
+    }
+
+    // What stands behind the node's name or identifier: nothing at all, or "/" and more.
+    std::optional<std::string_view> restBehind(const TargetNode& node, std::string_view text) const {
+        for (const auto* each : {&node.name, &node.id}) {
+            const auto written = form_(*each);
+            if (written.empty() || !text.starts_with(written)) {
+                continue;
+            }
+            const auto rest = text.substr(written.size());
+            if (rest.empty() || rest.front() == '/') {
+                return rest;
+            }
+        }
+        return std::nullopt;
+    }
+
+    const TargetTree& tree_;
+    const TextForm form_;
+    const std::string text_;
+    TargetPath path_;
+};
+
+std::string listed(std::size_t count, const std::function<std::string(std::size_t)>& name) {
+    auto text = joined(std::views::iota(std::size_t{0}, std::min(count, listedAtMost)), ", ", name);
+    if (count > listedAtMost) {
+        text += " and " + std::to_string(count - listedAtMost) + " more";
+    }
+    return text;
+}
+
+std::string listed(const std::vector<TargetNode>& nodes) {
+    return listed(nodes.size(), [&](std::size_t index) { return label(nodes[index]); });
+}
+
+std::string quoted(const std::string& text) {
+    return "\"" + text + "\"";
+}
+
+std::string ambiguous(const TargetTree& tree, const std::vector<TargetPath>& targets,
+                      const std::string& text) {
+    return quoted(text) + " means several: " +
+           listed(targets.size(),
+                  [&](std::size_t index) {
+                      return targetName(tree, targets[index]) + " (" + nodeAt(tree, targets[index]).id + ")";
+                  }) +
+           "; give the identifier";
+}
+
+std::string onlyHolder(const TargetTree& tree, const TargetPath& holder, const std::string& text) {
+    const auto& children = nodeAt(tree, holder).children;
+    return quoted(text) + " is a " + std::string(tree.levels[holder.size() - 1]) + "; add one of its " +
+           std::string(tree.levels[holder.size()]) + "s: " +
+           listed(children.size(), [&](std::size_t index) { return text + "/" + label(children[index]); });
+}
+
+std::string unknownBelow(const TargetTree& tree, const TargetPath& holder, const std::string& text) {
+    const auto& node = nodeAt(tree, holder);
+    return "there is no " + std::string(tree.levels[holder.size()]) + " " + quoted(text) + "; the " +
+           std::string(tree.levels[holder.size() - 1]) + " " + quoted(label(node)) + " has " +
+           listed(node.children);
+}
+
+// The targets of that name, when what holds them was left out.
+std::vector<TargetPath> targetsNamed(const TargetTree& tree, const std::string& text) {
+    const auto wanted = foldedCase(text);
+    std::vector<TargetPath> found;
+    TargetPath path;
+    const std::function<void(const std::vector<TargetNode>&)> visit = [&](const auto& nodes) {
+        for (std::size_t index = 0; index < nodes.size(); ++index) {
+            path.push_back(index);
+            if (path.size() < tree.levels.size()) {
+                visit(nodes[index].children);
+            } else if (foldedCase(nodes[index].name) == wanted) {
+                found.push_back(path);
+            }
+            path.pop_back();
+        }
+    };
+    visit(tree.nodes);
+    return found;
+}
+
+std::string unknown(const TargetTree& tree, const std::string& text) {
+    const std::string top(tree.levels.front());
+    if (const auto meant = targetsNamed(tree, text); !text.empty() && !meant.empty()) {
+        return quoted(text) + " is a " + std::string(tree.levels.back()) + "; name its " + top + " too: " +
+               listed(meant.size(), [&](std::size_t index) { return targetName(tree, meant[index]); });
+    }
+    return "there is no " + top + " " + quoted(text) + "; there are " + listed(tree.nodes);
+}
+
+Outcome<TargetPath> decided(const TargetTree& tree, const Search& search, const std::string& text,
+                            const std::string& account) {
+    if (search.targets.size() == 1) {
+        return search.targets.front();
+    }
+    const auto problem = [&] {
+        if (!search.targets.empty()) {
+            return ambiguous(tree, search.targets, text);
+        }
+        if (!search.holders.empty()) {
+            return onlyHolder(tree, search.holders.front(), text);
+        }
+        return search.lastHolder.empty() ? unknown(tree, text) : unknownBelow(tree, search.lastHolder, text);
+    }();
+    return wrongUsage("--target: " + problem + ".", refreshCommand(account));
+}
+
+void appendLines(std::string& text, const std::vector<TargetNode>& nodes, std::size_t depth,
+                 const Terminal& terminal) {
+    constexpr std::size_t indent = 2;
+    for (const auto& node : nodes) {
+        text.append(depth * indent, ' ');
+        text += node.name.empty() ? terminal.shown(node.id)
+                                  : terminal.shown(node.name) + "  (" + terminal.shown(node.id) + ")";
+        text += '\n';
+        appendLines(text, node.children, depth + 1, terminal);
+    }
+}
+
+} // namespace
+
+Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, const std::string& account) {
+    const Search exact(tree, asWritten, text);
+    if (exact.foundAny()) {
+        return decided(tree, exact, text, account);
+    }
+    const Search folded(tree, foldedCase, text);
+    const bool namesHolder = !folded.foundAny() && !exact.lastHolder.empty();
+    return decided(tree, namesHolder ? exact : folded, text, account);
+}
+
+std::string targetName(const TargetTree& tree, const TargetPath& path) {
+    std::string name;
+    for (std::size_t depth = 1; depth <= path.size(); ++depth) {
+        name.append(depth == 1 ? "" : "/").append(label(nodeAt(tree, std::span(path).first(depth))));
+    }
+    return name;
+}
+
+std::string linesOf(const TargetTree& tree, const Terminal& terminal) {
+    std::string text;
+    appendLines(text, tree.nodes, 0, terminal);
+    return text;
+}
+
+Failure noTarget(const TargetTree& tree, const std::string& service, const std::string& account) {
+    std::string missing;
+    for (const auto level : tree.levels) {
+        missing.append(missing.empty() ? "no " : " with a ").append(level);
+    }
+    return {"noTarget",
+            tree.nodes.empty() ? service + " shows " + missing + " to put it into; make one there first."
+                               : "No target is chosen.",
+            refreshCommand(account)};
+}
+
+std::string refreshCommand(const std::string& account) {
+    return "zelto targets " + shellWord(account) + " --refresh";
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "base/Outcome.h"
+#include "base/Terminal.h"
+
+#include <cstddef>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zelto::cli {
+
+// Something on a service that an export can be put into, or that holds such things.
+struct TargetNode {
+    std::string id;
+    std::string name; // as people know it; may be empty
+    std::vector<TargetNode> children = {};
+};
+
+// All that an account's exports can be put into, as a service's own data say it. What stands on the last
+// level is a target.
+struct TargetTree {
+    std::vector<std::string_view> levels; // the service's word for each: "board", "list"
+    std::vector<TargetNode> nodes;
+};
+
+// Which node on each level, from the top.
+using TargetPath = std::vector<std::size_t>;
+
+// What --target names: the names or the identifiers of all levels, joined by "/", or the target's identifier
+// alone. Names may hold "/"; without regard to case where nothing fits exactly. A failure lists what there
+// is.
+Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, const std::string& account);
+
+// "Board/List", by identifier where there is no name.
+std::string targetName(const TargetTree& tree, const TargetPath& path);
+
+// Each node on a line of its own with its identifier, below what holds it.
+std::string linesOf(const TargetTree& tree, const Terminal& terminal);
+
+// There is nothing to put an export into.
+Failure noTarget(const TargetTree& tree, const std::string& service, const std::string& account);
+
+// "zelto targets ID --refresh"
+std::string refreshCommand(const std::string& account);
+
+} // namespace zelto::cli

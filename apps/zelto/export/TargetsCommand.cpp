@@ -1,0 +1,54 @@
+#include "accounts/AccountConnection.h"
+#include "accounts/KeyChainCheck.h"
+#include "accounts/ServiceNames.h"
+#include "commandline/Commands.h"
+#include "export/ExportSession.h"
+
+#include <ZeltoIntegrations/Content/IntegrationsDataInteractorStub.h>
+
+namespace zelto::cli {
+
+Outcome<Report> runTargets(const Invocation& invocation, const Terminal& terminal) {
+    const auto named = invocation.value("ID").value();
+    if (const auto type = serviceNamed(named); type && !canExport(*type)) {
+        return failure(cannotExport(*type));
+    }
+    const auto workspace = Workspace::open(invocation, true);
+    if (!workspace) {
+        return failure(workspace.error());
+    }
+    auto manager = managerOf(*workspace);
+    auto account = workspace->account(named, manager, false);
+    if (!account) {
+        return failure(account.error());
+    }
+    const auto lock = workspace->lockForUse(*account);
+    if (!lock) {
+        return failure(lock.error());
+    }
+    if (const auto readable = checkReadable(account->credentials); !readable) {
+        return failure(readable.error());
+    }
+    const auto session =
+        openExportSession(manager, *account, std::make_shared<IntegrationsDataInteractorStub>());
+    if (!session) {
+        return failure(session.error());
+    }
+    const auto targets = (*session)->targets(invocation.has("--refresh"));
+    if (!targets) {
+        return failure(targets.error());
+    }
+    if (const auto stored = workspace->storageOutcome(); !stored) {
+        return failure(stored.error());
+    }
+    Report report{targets->data, linesOf(targets->tree, terminal)};
+    if (targets->tree.nodes.empty()) {
+        report.text =
+            noTarget(targets->tree, displayName(account->serviceType()), account->identifier()).message +
+            "\n";
+        report.isNotice = true;
+    }
+    return report;
+}
+
+} // namespace zelto::cli

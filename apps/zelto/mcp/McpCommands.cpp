@@ -1,0 +1,162 @@
+#include "commandline/Commands.h"
+#include "mcp/McpContent.h"
+#include "mcp/McpSession.h"
+
+#include <Platform/Text.h>
+
+namespace zelto::cli {
+
+namespace {
+
+// The first line of what a server says of something.
+std::string_view firstLine(std::string_view text) {
+    return text.substr(0, text.find('\n'));
+}
+
+std::string lineOf(const MCPTool& tool) {
+    const auto about = tool.description ? firstLine(*tool.description)
+                       : tool.title     ? firstLine(*tool.title)
+                                        : std::string_view();
+    return escapeControlCharacters(tool.name) + (about.empty() ? "" : "  " + escapeControlCharacters(about)) +
+           "\n";
+}
+
+JSONObject membersOfCall(const MCPToolCallResult& result, bool savesFiles, McpContent& content) {
+    auto members = membersOf(result);
+    if (savesFiles) {
+        members.set("saved", std::move(content.saved));
+    }
+    return members;
+}
+
+// A tool that fails says why in content of any kind.
+Failure toolFailure(Failure told, const MCPToolCallResult& result, const Invocation& invocation) {
+    const auto folder = invocation.value("--out");
+    auto content = contentOf(result, folder);
+    told.members = membersOfCall(result, folder.has_value(), content);
+    if (!content.text.empty() && !invocation.has("--json")) {
+        told.message = "The tool failed";
+        told.details = std::move(content.text);
+    }
+    return told;
+}
+
+// Some of what the call gave cannot be saved; all else is told.
+Failure savingFailure(Report report, const std::vector<Failure>& unsaved) {
+    auto told = unsaved.front();
+    if (unsaved.size() > 1) {
+        told.message = std::to_string(unsaved.size()) + " files cannot be saved; the first: " + told.message;
+    }
+    told.members = std::move(report.members);
+    told.output = std::move(report.text);
+    return told;
+}
+
+} // namespace
+
+Outcome<Report> runMcp(const Invocation&, const Terminal&) {
+    Report report;
+    JSONValue::Array names;
+    for (const auto& command : commands()) {
+        if (command.name.starts_with("mcp ")) {
+            names.emplace_back(command.name);
+            report.text += "zelto " + std::string(command.name) + "  " + std::string(command.summary) + "\n";
+        }
+    }
+    report.members.set("commands", std::move(names));
+    return report;
+}
+
+Outcome<Report> runMcpPing(const Invocation& invocation, const Terminal&) {
+    const auto options = McpOptions::from(invocation);
+    if (!options) {
+        return failure(options.error());
+    }
+    McpSession session(*options);
+    const auto server = session.connect();
+    if (!server) {
+        return failure(server.error());
+    }
+    const auto answered = session.repeat<void>(
+        [](MCPClient& client, MCPCompletion<void> done) { client.ping(std::move(done)); });
+    if (!answered) {
+        return failure(session.failureOfEnd(answered.error()));
+    }
+    Report report;
+    report.members = membersOf(*server);
+    report.text = escapeControlCharacters(server->serverInfo.name) + " " +
+                  escapeControlCharacters(server->serverInfo.version) + " answers; it speaks version " +
+                  std::string(rawValue(server->protocolVersion)) + ".\n";
+    session.addRate(report);
+    return report;
+}
+
+Outcome<Report> runMcpTools(const Invocation& invocation, const Terminal&) {
+    const auto options = McpOptions::from(invocation);
+    if (!options) {
+        return failure(options.error());
+    }
+    McpSession session(*options);
+    if (const auto server = session.connect(); !server) {
+        return failure(server.error());
+    }
+    const auto tools =
+        session.repeat<std::vector<MCPTool>>([](MCPClient& client, MCPCompletion<std::vector<MCPTool>> done) {
+            client.listTools(std::move(done));
+        });
+    if (!tools) {
+        return failure(session.failureOfEnd(tools.error()));
+    }
+    Report report;
+    for (const auto& tool : *tools) {
+        report.text += lineOf(tool);
+    }
+    if (tools->empty()) {
+        report.text = "The server has no tools.\n";
+        report.isNotice = !options->tellsRate;
+    }
+    report.members = membersOf(MCPToolListResult{.tools = *tools});
+    session.addRate(report);
+    return report;
+}
+
+Outcome<Report> runMcpCall(const Invocation& invocation, const Terminal&) {
+    const auto arguments = toolArguments(invocation);
+    if (!arguments) {
+        return failure(arguments.error());
+    }
+    const auto options = McpOptions::from(invocation);
+    if (!options) {
+        return failure(options.error());
+    }
+    const auto folder = invocation.value("--out");
+    if (folder) {
+        if (auto prepared = prepareFolder(*folder); !prepared) {
+            return failure(std::move(prepared.error()));
+        }
+    }
+    McpSession session(*options);
+    if (const auto server = session.connect(); !server) {
+        return failure(server.error());
+    }
+    const auto tool = invocation.value("TOOL").value();
+    const auto result =
+        session.repeat<MCPToolCallResult>([&](MCPClient& client, MCPCompletion<MCPToolCallResult> done) {
+            client.callTool(tool, *arguments, std::move(done));
+        });
+    if (!result) {
+        auto told = session.failureOfEnd(result.error());
+        const auto* error = result.error().clientError();
+        const auto* failed = error ? error->as<MCPClientError::ToolCallFailed>() : nullptr;
+        return failure(failed ? toolFailure(std::move(told), failed->result, invocation) : std::move(told));
+    }
+    auto content = contentOf(*result, folder);
+    Report report{membersOfCall(*result, folder.has_value(), content), std::move(content.text)};
+    session.addRate(report);
+    if (!content.unsaved.empty()) {
+        return failure(savingFailure(std::move(report), content.unsaved));
+    }
+    return report;
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,131 @@
+#include "mcp/McpOptions.h"
+
+#include "base/FileFailure.h"
+
+#include <Platform/ASCII.h>
+#include <Platform/FileManager.h>
+#include <Platform/HTTP/HTTPHeaders.h>
+#include <Platform/Numbers.h>
+#include <Platform/Text.h>
+
+#include <sstream>
+
+namespace zelto::cli {
+
+namespace {
+
+constexpr std::uint64_t largestInput = std::uint64_t{1} << 20;
+constexpr std::uint64_t largestArguments = std::uint64_t{256} << 20;
+
+// The field is not shown: it may hold a secret.
+Outcome<void> addHeader(std::map<std::string, std::string>& headers, std::string_view line,
+                        const std::string& source) {
+    const auto colon = line.find(':');
+    if (colon == std::string_view::npos) {
+        return wrongUsage(source + " needs a name and a value, like 'Name: value'.");
+    }
+    const std::string name(trimmed(line.substr(0, colon)));
+    const std::string value(trimmed(line.substr(colon + 1)));
+    if (!isValidHeaderName(name) || !isValidHeaderValue(value)) {
+        return wrongUsage(source + " has a name or a value that no header field may have.");
+    }
+    if (isTransportHeader(name) || equalIgnoringASCIICase(name, "Content-Length")) {
+        return wrongUsage(source + " gives " + name + ", which is not for a request to set.");
+    }
+    headers.insert_or_assign(name, value);
+    return {};
+}
+
+Outcome<void> addHeadersOfInput(std::map<std::string, std::string>& headers) {
+    const auto input = FileManager::readFile("/dev/stdin", largestInput);
+    if (!input) {
+        return failure(failureOf(input.error()));
+    }
+    std::istringstream lines{std::string(viewOf(*input))};
+    for (std::string line; std::getline(lines, line);) {
+        if (isBlank(line)) {
+            continue;
+        }
+        if (auto added = addHeader(headers, line, "A line of --header-stdin"); !added) {
+            return added;
+        }
+    }
+    return {};
+}
+
+Outcome<std::map<std::string, std::string>> headersOf(const Invocation& invocation) {
+    std::map<std::string, std::string> headers;
+    for (const auto& line : invocation.values("--header")) {
+        if (auto added = addHeader(headers, line, "--header"); !added) {
+            return failure(std::move(added.error()));
+        }
+    }
+    if (invocation.has("--header-stdin")) {
+        if (auto added = addHeadersOfInput(headers); !added) {
+            return failure(std::move(added.error()));
+        }
+    }
+    return headers;
+}
+
+Outcome<std::string> argumentsText(const std::string& given) {
+    if (!given.starts_with('@')) {
+        return given;
+    }
+    const auto file = FileManager::readFile(given.substr(1), largestArguments);
+    if (!file) {
+        return failure(failureOf(file.error()));
+    }
+    return std::string(viewOf(*file));
+}
+
+} // namespace
+
+Outcome<McpOptions> McpOptions::from(const Invocation& invocation) {
+    constexpr double longestTimeout = 7 * 24 * 3600.0;
+    constexpr int mostCalls = 1'000'000'000;
+    const auto address = invocation.value("URL").value();
+    auto server = URL::parse(address);
+    if (!server || (server->scheme() != "https" && server->scheme() != "http")) {
+        return wrongUsage("\"" + address + "\" is no address of a server, like https://mcp.example/mcp.");
+    }
+    McpOptions options{.server = *std::move(server)};
+    const auto seconds = numberIn<double>(invocation.value("--timeout").value_or("300"));
+    if (!seconds || !(*seconds >= 0.001) || *seconds > longestTimeout) {
+        return wrongUsage("--timeout is a number of seconds from 0.001 to 604800.");
+    }
+    options.timeout = std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(*seconds));
+    const auto repeat = numberIn<int>(invocation.value("--repeat").value_or("1"));
+    if (!repeat || *repeat < 1 || *repeat > mostCalls) {
+        return wrongUsage("--repeat is a whole number from 1 to 1000000000.");
+    }
+    options.repeat = *repeat;
+    options.tellsRate = invocation.has("--repeat");
+    auto headers = headersOf(invocation);
+    if (!headers) {
+        return failure(std::move(headers.error()));
+    }
+    options.headers = *std::move(headers);
+    return options;
+}
+
+Outcome<std::optional<JSONValue>> toolArguments(const Invocation& invocation) {
+    const auto given = invocation.value("--args");
+    if (!given) {
+        return std::nullopt;
+    }
+    const auto text = argumentsText(*given);
+    if (!text) {
+        return failure(text.error());
+    }
+    auto arguments = JSONValue::parse(*text);
+    if (!arguments) {
+        return wrongUsage("The arguments are " + arguments.error().message() + ".");
+    }
+    if (!arguments->asObject()) {
+        return wrongUsage("The arguments of a tool are a JSON object, like {\"message\":\"hello\"}.");
+    }
+    return *std::move(arguments);
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,70 @@
+#include <ZeltoHost/SignIn/SignInResponse.h>
+
+#include <Platform/Crypto/Digest.h>
+
+namespace zelto {
+
+namespace {
+
+std::string_view markName(SignInFlow flow) {
+    return flow == SignInFlow::oauth1 ? "oauth_token" : "state";
+}
+
+std::string_view valueName(SignInFlow flow) {
+    switch (flow) {
+    case SignInFlow::authorizationCode:
+        return "code";
+    case SignInFlow::implicit:
+        return "access_token";
+    case SignInFlow::oauth1:
+        return "oauth_verifier";
+    }
+    return {};
+}
+
+bool haveSameOrigin(const URL& left, const URL& right) {
+    return left.scheme() == right.scheme() && left.host() == right.host() && left.port() == right.port();
+}
+
+SignInError denied(const std::string& service) {
+    return {SignInErrorCode::denied, "The access was denied on the page of " + service + "."};
+}
+
+} // namespace
+
+SignInExpectation::SignInExpectation(const SignInService& service, std::string mark)
+    : serviceName_(service.name), flow_(service.flow), issuer_(service.authorizationURL),
+      mark_(std::move(mark)) {}
+
+bool SignInExpectation::isOurs(const FormItems& items) const {
+    const auto mark = onlyValue(items, markName(flow_));
+    if (!mark || !equalInConstantTime(*mark, mark_) || repeatsName(items)) {
+        return false;
+    }
+    const auto issuer = onlyValue(items, "iss");
+    if (!issuer) {
+        return true;
+    }
+    const auto url = URL::parse(*issuer);
+    return url && haveSameOrigin(*url, issuer_);
+}
+
+std::optional<Result<SignInResponse, SignInError>> SignInExpectation::read(const FormItems& items) const {
+    if (!isOurs(items)) {
+        return std::nullopt;
+    }
+    if (const auto error = onlyValue(items, "error")) {
+        return failure(*error == "access_denied"
+                           ? denied(serviceName_)
+                           : SignInError{SignInErrorCode::refused, refusalText(serviceName_, *error)});
+    }
+    if (const auto value = onlyValue(items, valueName(flow_)); value && !value->empty()) {
+        return SignInResponse{*value, items};
+    }
+    // OAuth 1 has no word for it: the verifier is left out.
+    return flow_ == SignInFlow::oauth1
+               ? std::optional(Result<SignInResponse, SignInError>(failure(denied(serviceName_))))
+               : std::nullopt;
+}
+
+} // namespace zelto

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <ZeltoIntegrations/Accounts/ServiceAccountCredentials.h>
+#include <ZeltoIntegrations/Client/ServiceAuthoriser.h>
+
+#include <mutex>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace zelto {
+
+// What sets one service's authoriser apart from the others.
+struct AuthorisationRules {
+    struct Header {
+        std::string_view name;
+        std::string_view value;
+    };
+
+    enum class Client {
+        inBasicHeader,
+        inForm,
+        inFormWithRedirectAndScope,
+    };
+
+    enum class RefreshToken {
+        overwritten, // also by none
+        replacedIfGiven,
+        kept,
+    };
+
+    // How a new token is asked for, and taken in.
+    struct Refresh {
+        std::string_view accessTokenURL;
+        const std::string& (*clientID)();
+        const std::string& (*clientSecret)();
+        Client client = Client::inForm;
+        RefreshToken refreshToken = RefreshToken::overwritten;
+        bool setsExpiration = true;
+        std::string (*redirectURL)() = nullptr; // these two for the form that has them
+        std::string_view scope = {};
+    };
+
+    static constexpr TimeInterval standardMargin{300};
+
+    std::span<const Header> headers = {}; // beside "Authorization"
+    // A token with no more than this left is stale; without a margin none ever is.
+    std::optional<TimeInterval> margin = {};
+    bool neverStaleWithoutRefreshToken = false;
+    std::optional<Refresh> refresh = {};
+};
+
+// What the authorisers of all services share: an OAuth 2 bearer token, its expiry and its refresh (RFC 6749,
+// section 6). A token that ends in a line end, as a pasted one may, is sent without it; one that no header
+// field can hold counts as absent.
+class AccountAuthoriser : public ServiceAuthoriser {
+  public:
+    // Fills what the credentials lack from the key chain. The rules live as long as the process; without any
+    // there is the token and nothing else.
+    explicit AccountAuthoriser(ServiceAccountCredentials accountCredentials,
+                               const AuthorisationRules& rules = tokenAlone);
+
+    ServiceAccountCredentials accountCredentials() const;
+    void setAccountCredentials(ServiceAccountCredentials accountCredentials);
+
+    bool authorize(URLRequest& request) override;
+    bool shouldRefreshToken() override;
+    std::optional<URLRequest> createRefreshTokenRequest() override;
+    void updateToken(const ServiceResult<OAuthToken>& result) override;
+
+    // The token as it is sent; nothing when it is absent, or holds anything but visible ASCII, or too much.
+    static std::optional<std::string> sentToken(const std::optional<std::string>& token);
+
+  private:
+    static const AuthorisationRules tokenAlone;
+
+    void takeIn(const OAuthToken& token, const AuthorisationRules::Refresh& rules);
+    void forgetTokens();
+
+    const AuthorisationRules& rules_;
+    mutable std::mutex lock_;
+    ServiceAccountCredentials accountCredentials_;
+};
+
+} // namespace zelto

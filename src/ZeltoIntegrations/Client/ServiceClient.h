@@ -1,0 +1,74 @@
+#pragma once
+
+#include <Platform/HTTP/URLRequest.h>
+#include <Platform/JSON/JSONDecoder.h>
+#include <Platform/JSON/JSONEncoder.h>
+#include <Platform/Operations/Operation.h>
+#include <ZeltoIntegrations/Client/CancellableServiceClient.h>
+#include <ZeltoIntegrations/Client/ServiceAuthoriser.h>
+#include <ZeltoIntegrations/Client/ServiceOutcome.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace zelto {
+
+// The base of every client of a service: sends requests, signed by the account's authoriser, all at once. A
+// token that is known to be stale, or that the service refuses with 401, is refreshed, once for however many
+// requests wait, and the request is repeated once; nothing else is. Each client has its own queue and
+// session.
+//
+// Any thread. Completions are called on the thread on which the session delivers, or on which a request was
+// refused. Releasing the client stops nothing: each completion still comes.
+class ServiceClient : public CancellableServiceClient {
+  public:
+    ServiceClient(std::shared_ptr<ServiceAuthoriser> authoriser, JSONDecoder decoder);
+    ~ServiceClient() override;
+    ServiceClient(const ServiceClient&) = delete;
+    ServiceClient& operator=(const ServiceClient&) = delete;
+
+    // Sends the request and completes with the answer as T: std::string for the body as text, Data for its
+    // bytes, Empty, or any type with JSON. POST, GET, DELETE, PUT and PATCH are sent. `targetOperation`,
+    // which must not have begun, will not begin before the result was told. Gives the operation that was
+    // queued; cancelling it cancels the request, which then ends with `connectionError`.
+    template <class T>
+    std::shared_ptr<Operation> perform(URLRequest request, std::shared_ptr<Operation> targetOperation,
+                                       ServiceCompletion<T> completion) {
+        return enqueueRequest(
+            std::move(request), std::move(targetOperation),
+            [decoder = jsonDecoder_,
+             completion = std::move(completion)](ServiceResult<ServiceResponse> result) mutable {
+                completion(result ? serviceValue<T>(std::move(*result), decoder) : failure(result.error()));
+            });
+    }
+
+    // Every request that has not ended ends with `connectionError`, and none of them is repeated. A refresh
+    // under way goes on without them, and its token is taken in.
+    void cancelAllOperations() override;
+
+  protected:
+    // A request as most services take it: to the base and the path, joined as texts, with "Content-Type" and
+    // "Accept" of JSON. The process stops when that is no URL: what comes from outside is percent-encoded
+    // before it goes into a path.
+    static URLRequest jsonRequest(std::string_view apiBaseURL, std::string_view path, std::string httpMethod);
+
+    // Leaves the request without a body when the value has no JSON.
+    template <class T> static void setJSONBody(URLRequest& request, const T& value) {
+        if (auto text = JSONEncoder().encode(value)) {
+            request.body = HTTPBody(std::move(*text));
+        }
+    }
+
+  private:
+    class Core;
+
+    std::shared_ptr<Operation> enqueueRequest(URLRequest request, std::shared_ptr<Operation> targetOperation,
+                                              ServiceCompletion<ServiceResponse> completion);
+
+    const JSONDecoder jsonDecoder_;
+    const std::shared_ptr<Core> core_; // also held by the requests that may be repeated
+};
+
+} // namespace zelto

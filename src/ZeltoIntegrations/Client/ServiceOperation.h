@@ -1,0 +1,42 @@
+#pragma once
+
+#include <Platform/HTTP/URLSession.h>
+#include <Platform/JSON/JSONDecoder.h>
+#include <TrovenhalCommon/Operations/LVXAsyncOperation.h>
+#include <ZeltoIntegrations/Client/ServiceOutcome.h>
+
+#include <functional>
+#include <memory>
+#include <mutex>
+
+namespace zelto {
+
+// An operation that sends one request.
+class ServiceOperation : public LVXAsyncOperation {
+  public:
+    ServiceOperation() = delete;
+
+    // The task that runs, and with it the request, ends as a connection error.
+    void cancel() override;
+
+    // The task that was sent; nothing before.
+    std::shared_ptr<URLSessionDataTask> task() const;
+
+  protected:
+    using ResultCallback = Callback<ServiceResult<ServiceResponse>>;
+
+    ServiceOperation(std::shared_ptr<URLSession> urlSession, JSONDecoder decoder);
+
+    // Sends the request as it is. Once for an operation.
+    void perform(URLRequest request, ResultCallback resultCallback);
+
+    const std::shared_ptr<URLSession> urlSession_;
+    const JSONDecoder decoder_;
+    mutable std::mutex lock_;
+
+  private:
+    std::shared_ptr<URLSessionDataTask> task_;
+    ResultCallback resultCallback_;
+};
+
+} // namespace zelto

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <Platform/Data.h>
+#include <Platform/HTTP/URLError.h>
+#include <Platform/HTTP/URLResponse.h>
+#include <Platform/JSON/JSONDecoder.h>
+#include <Platform/URL.h>
+#include <Platform/UTF8.h>
+#include <ZeltoIntegrations/Client/OAuthToken.h>
+#include <ZeltoIntegrations/Client/ServiceClientError.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <type_traits>
+#include <utility>
+
+namespace zelto {
+
+// An answer with a status of success.
+struct ServiceResponse {
+    URL url; // that was asked for
+    int status = 0;
+    Data body;
+};
+
+// What the end of a data task means: the answer, or the error that its status and body stand for. Logs both.
+ServiceResult<ServiceResponse> serviceOutcome(URL url, std::optional<Data> data,
+                                              const std::shared_ptr<const URLResponse>& response,
+                                              const std::optional<URLError>& error);
+
+// The value that a service answered with: the body itself for a text or bytes, else its JSON.
+template <class T> ServiceResult<T> serviceValue(ServiceResponse answer, const JSONDecoder& decoder);
+
+ServiceClientError dataParseError(const ServiceResponse& answer, const DecodingError& error);
+
+template <class T> ServiceResult<T> serviceValue(ServiceResponse answer, const JSONDecoder& decoder) {
+    if constexpr (std::is_same_v<T, Data>) {
+        return std::move(answer.body);
+    } else {
+        if constexpr (std::is_same_v<T, std::string>) {
+            if (isValidUTF8(viewOf(answer.body))) {
+                return std::string(viewOf(answer.body));
+            }
+        } else if constexpr (std::is_same_v<T, Empty>) {
+            if (answer.status == 204) {
+                return Empty{};
+            }
+        }
+        auto value = decoder.decode<T>(viewOf(answer.body));
+        if (!value) {
+            return failure(dataParseError(answer, value.error()));
+        }
+        return std::move(*value);
+    }
+}
+
+} // namespace zelto

@@ -1,0 +1,70 @@
+#include <ZeltoSandbox/FileStore.h>
+
+#include <Platform/FileNames.h>
+#include <Platform/Numbers.h>
+#include <Platform/PercentEncoding.h>
+
+#include <algorithm>
+#include <array>
+
+namespace zelto::sandbox {
+
+namespace {
+
+// What a browser only draws. SVG is none of these: it may hold scripts.
+constexpr std::array<std::string_view, 5> images = {"image/png", "image/jpeg", "image/gif", "image/webp",
+                                                    "image/bmp"};
+
+bool isText(std::string_view type) {
+    return type.starts_with("text/") || type == "application/json" || type == "message/rfc822";
+}
+
+// How the file may be shown: the type to send, empty for one that is only saved.
+std::string shownType(std::string_view type, const SpoolRange& content) {
+    if (type == "application/pdf" && content.text(5) == "%PDF-") {
+        return "application/pdf";
+    }
+    if (std::ranges::find(images, type) != images.end()) {
+        return std::string(type);
+    }
+    return isText(type) ? "text/plain; charset=utf-8" : "";
+}
+
+// The quoted form holds ASCII alone; what it cannot hold stands in the form of RFC 8187.
+std::string disposition(bool inlined, const std::string& name) {
+    std::string plain;
+    for (const char c : name) {
+        plain.push_back(c >= ' ' && c <= '~' && c != '"' && c != '\\' && c != '%' ? c : '_');
+    }
+    return std::string(inlined ? "inline" : "attachment") + "; filename=\"" + plain +
+           "\"; filename*=UTF-8''" + percentEncodeBytes(name, AllowedCharacters::alphanumerics);
+}
+
+} // namespace
+
+std::string FileStore::add(SpoolRange content, std::string name, std::string contentType) {
+    const auto number = ++last_;
+    files_[number] = {std::move(content), cleanedFileName(name, "file"), std::move(contentType)};
+    return "/files/" + std::to_string(number);
+}
+
+SandboxResponse FileStore::answer(std::string_view path) const {
+    const auto number = numberIn<std::uint64_t>(path);
+    const auto found = number ? files_.find(*number) : files_.end();
+    if (found == files_.end()) {
+        return SandboxResponse::text("There is no such file.\n", 404);
+    }
+    const auto& file = found->second;
+    const auto type = shownType(file.contentType, file.content);
+    SandboxResponse answer{.fields = {{"Content-Type", type.empty() ? "application/octet-stream" : type},
+                                      {"Content-Disposition", disposition(!type.empty(), file.name)}},
+                           .file = file.content};
+    // A sandboxed document would keep the browser's PDF viewer, which runs apart from the page, from opening.
+    answer.fields.push_back(
+        {"Content-Security-Policy", type == "application/pdf"
+                                        ? "default-src 'none'; object-src 'self'; style-src 'unsafe-inline'"
+                                        : "default-src 'none'; sandbox"});
+    return answer;
+}
+
+} // namespace zelto::sandbox

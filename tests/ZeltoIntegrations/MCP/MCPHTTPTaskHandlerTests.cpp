@@ -1,0 +1,160 @@
+// The handlers by themselves, without a network.
+
+#include "MCPCalls.h"
+
+#include <ZeltoIntegrations/MCP/MCPHTTPDisconnectHandler.h>
+#include <ZeltoIntegrations/MCP/MCPHTTPNotificationHandler.h>
+#include <ZeltoIntegrations/MCP/MCPHTTPRequestHandler.h>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelto {
+namespace {
+
+// A handler of each kind for the request with the id "1", in a session, and what it has delivered.
+template <class T> struct Delivered {
+    std::vector<MCPResult<T>> results;
+    std::shared_ptr<std::optional<std::string>> sessionID =
+        std::make_shared<std::optional<std::string>>("held");
+
+    MCPHTTPSessionIDReference reference() const {
+        return {[held = sessionID] { return *held; },
+                [held = sessionID](std::optional<std::string> value) { *held = std::move(value); }};
+    }
+
+    MCPCompletion<T> completion() {
+        return [this](MCPResult<T> result) { results.push_back(std::move(result)); };
+    }
+};
+
+struct Request : Delivered<MCPResponse> {
+    MCPHTTPRequestHandler handler{MCPRequestID::string("1"), reference(), completion()};
+};
+
+struct Notification : Delivered<void> {
+    MCPHTTPNotificationHandler handler{reference(), completion()};
+};
+
+struct Disconnect : Delivered<void> {
+    MCPHTTPDisconnectHandler handler{reference(), completion()};
+};
+
+MCPHTTPTaskEvent head(int status, std::string contentType = "application/json") {
+    HTTPHeaders headers;
+    headers.set("Content-Type", std::move(contentType));
+    return {
+        std::make_shared<const HTTPURLResponse>(URL::parse("http://127.0.0.1/").value(), status, headers)};
+}
+
+MCPHTTPTaskEvent piece(std::string_view bytes) {
+    return {bytes};
+}
+
+bool goesOn(const MCPHTTPTaskDecision& decision) {
+    return !decision.outcome;
+}
+
+bool succeeds(const MCPHTTPTaskDecision& decision) {
+    return decision.outcome && *decision.outcome;
+}
+
+const std::unexpected<MCPError> lost = failure(MCPError(URLError{URLErrorCode::connectionLost, "gone"}));
+const std::unexpected<MCPError> noHead = failed(MCPClientError::invalidHTTPResponse());
+const std::string theAnswer = respondTo("\"1\"", "true");
+
+TEST(MCPHTTPTaskHandler, EndingBeforeTheHeadIsAnAnswerToANotificationAlone) {
+    Request request;
+    request.handler.complete({});
+    EXPECT_EQ(request.results, std::vector<MCPResult<MCPResponse>>{noHead});
+    Notification notification;
+    notification.handler.complete({});
+    EXPECT_EQ(notification.results, std::vector{MCPResult<void>()});
+    Disconnect disconnect;
+    disconnect.handler.complete({});
+    EXPECT_EQ(disconnect.results, std::vector<MCPResult<void>>{noHead});
+    EXPECT_EQ(*disconnect.sessionID, "held");
+}
+
+TEST(MCPHTTPTaskHandler, DataBeforeTheHeadIsPassedOver) {
+    Request request;
+    EXPECT_TRUE(goesOn(request.handler.handle(piece(theAnswer))));
+    request.handler.complete({});
+    EXPECT_EQ(request.results, std::vector<MCPResult<MCPResponse>>{noHead});
+    Notification notification;
+    EXPECT_TRUE(goesOn(notification.handler.handle(piece("x"))));
+    Disconnect disconnect;
+    EXPECT_TRUE(goesOn(disconnect.handler.handle(piece("x"))));
+    EXPECT_TRUE(notification.results.empty() && disconnect.results.empty());
+    notification.handler.complete(lost);
+    disconnect.handler.complete(lost);
+    EXPECT_EQ(notification.results, std::vector<MCPResult<void>>{lost});
+    EXPECT_EQ(disconnect.results, std::vector<MCPResult<void>>{lost});
+}
+
+TEST(MCPHTTPTaskHandler, CompletesOnce) {
+    Request request;
+    Notification notification;
+    Disconnect disconnect;
+    for (int time = 0; time < 2; ++time) {
+        request.handler.complete(lost);
+        notification.handler.complete(lost);
+        disconnect.handler.complete(lost);
+        request.handler.complete({});
+        notification.handler.complete({});
+        disconnect.handler.complete({});
+    }
+    EXPECT_EQ(request.results, std::vector<MCPResult<MCPResponse>>{lost});
+    EXPECT_EQ(notification.results, std::vector<MCPResult<void>>{lost});
+    EXPECT_EQ(disconnect.results, std::vector<MCPResult<void>>{lost});
+}
+
+TEST(MCPHTTPTaskHandler, WhatIsKnownByThenIsDeliveredWhateverTheEnd) {
+    Request request;
+    EXPECT_TRUE(goesOn(request.handler.handle(head(200, "text/event-stream"))));
+    EXPECT_TRUE(goesOn(request.handler.handle(piece(eventOf(respondTo("\"2\"", "0"))))));
+    EXPECT_TRUE(succeeds(request.handler.handle(piece(eventOf(theAnswer)))));
+    request.handler.complete(lost);
+    EXPECT_EQ(request.results, (std::vector<MCPResult<MCPResponse>>{
+                                   MCPResponse{MCPRequestID::string("1"), JSONValue(true), {}}}));
+    Notification notification;
+    EXPECT_TRUE(succeeds(notification.handler.handle(head(202))));
+    notification.handler.complete(lost);
+    EXPECT_EQ(notification.results, std::vector{MCPResult<void>()});
+    for (const int status : {200, 405}) {
+        Disconnect disconnect;
+        EXPECT_TRUE(succeeds(disconnect.handler.handle(head(status))));
+        disconnect.handler.complete(lost);
+        EXPECT_EQ(disconnect.results, std::vector{MCPResult<void>()});
+        EXPECT_EQ(*disconnect.sessionID, std::nullopt);
+    }
+}
+
+TEST(MCPHTTPTaskHandler, ANotificationThatGetsAnotherTwoHundredWaitsForTheEnd) {
+    for (const int status : {200, 204}) {
+        Notification notification;
+        EXPECT_TRUE(goesOn(notification.handler.handle(head(status))));
+        EXPECT_TRUE(goesOn(notification.handler.handle(piece("x"))));
+        EXPECT_TRUE(notification.results.empty());
+        notification.handler.complete({});
+        EXPECT_EQ(notification.results, std::vector{MCPResult<void>()});
+    }
+}
+
+TEST(MCPHTTPTaskHandler, ABodyIsDecodedAtItsEndAlone) {
+    Request request;
+    EXPECT_TRUE(goesOn(request.handler.handle(head(200))));
+    EXPECT_TRUE(goesOn(request.handler.handle(piece(theAnswer.substr(0, 10)))));
+    EXPECT_TRUE(goesOn(request.handler.handle(piece(theAnswer.substr(10)))));
+    EXPECT_TRUE(request.results.empty());
+    request.handler.complete({});
+    ASSERT_EQ(request.results.size(), 1u);
+    EXPECT_EQ(request.results[0]->result, JSONValue(true));
+}
+
+} // namespace
+} // namespace zelto

@@ -1,0 +1,93 @@
+#include <export/Targets.h>
+
+#include <gtest/gtest.h>
+
+namespace zelto::cli {
+
+namespace {
+
+const TargetTree tree{.levels = {"board", "list"},
+                      .nodes = {{"b1", "Work", {{"l1", "To Do"}, {"l2", "Done"}}},
+                                {"b2", "Home", {{"l3", "To Do"}}},
+                                {"b3", "A/B", {{"l4", "C/D"}, {"l5", ""}}},
+                                {"b4", "Twins", {{"l6", "Same"}, {"l7", "Same"}}},
+                                {"b5", "work", {{"l8", "Done"}}},
+                                {"b6", "", {{"l9", "Ärger"}}}}};
+
+std::string found(const std::string& text) {
+    const auto path = findTarget(tree, text, "Trello+me");
+    return path ? targetName(tree, *path) : path.error().message;
+}
+
+} // namespace
+
+TEST(Targets, AreNamedByNamesOrIdentifiersInAnyMixture) {
+    for (const auto* text : {"Work/To Do", "b1/To Do", "Work/l1", "b1/l1", "l1"}) {
+        EXPECT_EQ(found(text), "Work/To Do") << text;
+    }
+    EXPECT_EQ(found("A/B/C/D"), "A/B/C/D");
+    EXPECT_EQ(found("A/B/l5"), "A/B/l5");
+    EXPECT_EQ(found("b6/Ärger"), "b6/Ärger");
+}
+
+TEST(Targets, AreFoundWithoutRegardToCaseWhereNothingFitsExactly) {
+    EXPECT_EQ(found("home/TO DO"), "Home/To Do");
+    EXPECT_EQ(found("b6/ÄRGER"), "b6/Ärger");
+    EXPECT_EQ(found("work/Done"), "work/Done");
+    EXPECT_EQ(found("Work/Done"), "Work/Done");
+    EXPECT_EQ(found("WORK/Done"),
+              "--target: \"WORK/Done\" means several: Work/Done (l2), work/Done (l8); give the identifier.");
+}
+
+TEST(Targets, ThatAreNamedTwiceNeedTheIdentifier) {
+    EXPECT_EQ(
+        found("Twins/Same"),
+        "--target: \"Twins/Same\" means several: Twins/Same (l6), Twins/Same (l7); give the identifier.");
+    EXPECT_EQ(found("Twins/l7"), "Twins/Same");
+}
+
+TEST(Targets, ThatAreMissingAreAnsweredWithWhatThereIs) {
+    EXPECT_EQ(found("Work"), "--target: \"Work\" is a board; add one of its lists: Work/To Do, Work/Done.");
+    EXPECT_EQ(found("Work/Doing"),
+              "--target: there is no list \"Work/Doing\"; the board \"Work\" has To Do, Done.");
+    EXPECT_EQ(found("To Do"), "--target: \"To Do\" is a list; name its board too: Work/To Do, Home/To Do.");
+    EXPECT_EQ(found("Elsewhere/To Do"),
+              "--target: there is no board \"Elsewhere/To Do\"; there are Work, Home, A/B, Twins, work, b6.");
+    EXPECT_EQ(found(""), "--target: there is no board \"\"; there are Work, Home, A/B, Twins, work, b6.");
+    const auto failed = findTarget(tree, "x", "Trello+me and you");
+    EXPECT_EQ(failed.error().next, "zelto targets 'Trello+me and you' --refresh");
+    EXPECT_EQ(failed.error().status, ExitStatus::wrongUsage);
+}
+
+TEST(Targets, OfOneLevelAreNamedAlone) {
+    const TargetTree projects{.levels = {"project"}, .nodes = {{"p1", "Inbox"}, {"p2", "A/B"}}};
+    EXPECT_EQ(findTarget(projects, "inbox", "a"), TargetPath{0});
+    EXPECT_EQ(findTarget(projects, "A/B", "a"), TargetPath{1});
+    EXPECT_EQ(findTarget(projects, "p2", "a"), TargetPath{1});
+    EXPECT_EQ(findTarget(projects, "x", "a").error().message,
+              "--target: there is no project \"x\"; there are Inbox, A/B.");
+}
+
+TEST(Targets, AHundredThousandAreSearchedAndListedAtMostTen) {
+    TargetTree large{.levels = {"board", "list"}, .nodes = {}};
+    constexpr auto count = 100'000;
+    for (int i = 0; i < count; ++i) {
+        const auto id = std::to_string(i);
+        large.nodes.push_back({"b" + id, "Board " + id, {{"l" + id, "To Do"}}});
+    }
+    EXPECT_EQ(findTarget(large, "Board 99999/To Do", "a"), (TargetPath{99'999, 0}));
+    EXPECT_EQ(findTarget(large, "l77777", "a"), (TargetPath{77'777, 0}));
+    const auto message = findTarget(large, "none", "a").error().message;
+    EXPECT_TRUE(message.ends_with("Board 8, Board 9 and 99990 more.")) << message;
+}
+
+TEST(Targets, AreShownAsATreeWithNothingThatATerminalObeys) {
+    Terminal terminal;
+    terminal.outputIsTerminal = true;
+    EXPECT_EQ(linesOf({.levels = {"board", "list"},
+                       .nodes = {{"b\x1b", "W\x1b]52;c;x\x07", {{"l1", "a\nb"}, {"l2", ""}}}}},
+                      terminal),
+              "W\\u{1B}]52;c;x\\u{7}  (b\\u{1B})\n  a\\nb  (l1)\n  l2\n");
+}
+
+} // namespace zelto::cli
