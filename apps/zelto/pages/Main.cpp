@@ -1,5 +1,5 @@
-#include <Completions.h>
-#include <ManPages.h>
+#include <commandline/Completions.h>
+#include <commandline/ManPages.h>
 
 #include <Platform/FileManager.h>
 
