@@ -30,10 +30,12 @@ CallbackGuard::Abandonment::~Abandonment() {
     --abandonments;
 }
 
-void CallbackGuard::dropped() noexcept {
-    if (abandonments == 0) {
-        droppedHandler.load()();
+bool CallbackGuard::dropped() noexcept {
+    if (abandonments > 0) {
+        return false;
     }
+    droppedHandler.load()();
+    return true;
 }
 
 void CallbackGuard::calledTwice() noexcept {

@@ -1,21 +1,25 @@
 #pragma once
 
+#include <Platform/Operations/ContainedException.h>
 #include <Platform/Result.h>
 
+#include <concepts>
 #include <functional>
+#include <optional>
+#include <type_traits>
 #include <utility>
 
 namespace zelto {
 
 // What Callback does about the two mistakes with it. A debug build stops on a second call; a callback that is
-// dropped uncalled is told to a handler, which writes to standard error unless a test has set its own.
+// dropped uncalled is reported to a handler, which writes to standard error unless a test has set its own.
 class CallbackGuard {
   public:
     using DroppedHandler = void (*)();
     // Gives the handler before. Any thread.
     static DroppedHandler setDroppedHandler(DroppedHandler handler) noexcept;
 
-    // What is dropped on this thread while one lives is not told.
+    // What is dropped on this thread while one lives is neither reported nor called.
     class Abandonment {
       public:
         Abandonment() noexcept;
@@ -24,13 +28,42 @@ class CallbackGuard {
         Abandonment& operator=(const Abandonment&) = delete;
     };
 
-    static void dropped() noexcept;
+    // Reports it; false within an Abandonment.
+    static bool dropped() noexcept;
     [[noreturn]] static void calledTwice() noexcept;
+};
+
+// What a callback is called with when it was dropped uncalled: the error type's `internalError`, no value, or
+// false. A type that has none of these is not called.
+template <class T> struct DroppedValue {};
+
+template <class T> struct DroppedValue<std::optional<T>> {
+    static std::optional<T> value() { return std::nullopt; }
+};
+
+template <> struct DroppedValue<bool> {
+    static bool value() { return false; }
+};
+
+template <class T, class E>
+
+requires requires {
+    E::internalError;
+}
+
+struct DroppedValue<Result<T, E>> {
+    static Result<T, E> value() { return failure(E::internalError); }
+};
+
+template <class T>
+concept HasDroppedValue = requires {
+    DroppedValue<T>::value();
 };
 
 // A function that is called exactly once, on every path. Move-only and passed by value; calling it gives it
 // up. It may be called on any thread, and before the operation that took it returns, unless that operation
-// says other.
+// says other. One that is dropped uncalled is called with its DroppedValue by whoever drops it, so that
+// nobody waits for it forever; what it throws then is contained.
 template <class... Args> class Callback {
   public:
     Callback() = default;
@@ -45,13 +78,13 @@ template <class... Args> class Callback {
 
     Callback& operator=(Callback&& other) noexcept {
         if (this != &other) {
-            tellIfDropped();
+            callIfDropped();
             function_ = std::exchange(other.function_, nullptr);
         }
         return *this;
     }
 
-    ~Callback() { tellIfDropped(); }
+    ~Callback() { callIfDropped(); }
 
     explicit operator bool() const noexcept { return static_cast<bool>(function_); }
 
@@ -74,9 +107,14 @@ template <class... Args> class Callback {
     }
 
   private:
-    void tellIfDropped() const noexcept {
-        if (function_) {
-            CallbackGuard::dropped();
+    void callIfDropped() noexcept {
+        if (!function_ || !CallbackGuard::dropped()) {
+            return;
+        }
+        if constexpr ((HasDroppedValue<std::decay_t<Args>> && ...)) {
+            auto function = std::exchange(function_, nullptr);
+            containingExceptions("A callback that was dropped",
+                                 [&] { function(DroppedValue<std::decay_t<Args>>::value()...); });
         }
     }
 

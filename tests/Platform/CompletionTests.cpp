@@ -33,7 +33,7 @@ TEST(Completion, MovedAwayIsNotTakenForDropped) {
     EXPECT_EQ(dropped.count(), 0);
 }
 
-TEST(Completion, DroppedUncalledIsTold) {
+TEST(Completion, DroppedUncalledIsReported) {
     const DroppedCallbacks dropped;
     {
         Callback<int> uncalled = [](int) {};
@@ -44,7 +44,7 @@ TEST(Completion, DroppedUncalledIsTold) {
     EXPECT_EQ(dropped.count(), 2);
 }
 
-TEST(Completion, AbandonedOnPurposeIsNotTold) {
+TEST(Completion, AbandonedOnPurposeIsNotReported) {
     const DroppedCallbacks dropped;
     {
         Callback<int> callback = [](int) {};
@@ -60,6 +60,63 @@ TEST(Completion, WhatAnAbandonedOneHoldsIsAbandonedToo) {
         outer.abandon();
     }
     EXPECT_EQ(dropped.count(), 0);
+}
+
+namespace {
+
+enum class Trouble { internalError, other };
+
+} // namespace
+
+TEST(Completion, DroppedUncalledIsCalledWithInternalErrorWhereItsErrorHasThat) {
+    const DroppedCallbacks dropped;
+    std::optional<Result<int, Trouble>> result;
+    {
+        Completion<int, Trouble> uncalled = [&](Result<int, Trouble> given) { result = given; };
+    }
+    ASSERT_TRUE(result);
+    EXPECT_EQ(result->error(), Trouble::internalError);
+    EXPECT_EQ(dropped.count(), 1);
+}
+
+TEST(Completion, DroppedUncalledIsCalledWithoutAValueOrWithFalse) {
+    const DroppedCallbacks dropped;
+    std::optional<bool> hadValue;
+    std::optional<bool> flag;
+    int calls = 0;
+    {
+        Callback<std::optional<int>> optional = [&](std::optional<int> given) {
+            hadValue = given.has_value();
+        };
+        Callback<bool> boolean = [&](bool given) { flag = given; };
+        Callback<> plain = [&] { ++calls; };
+    }
+    EXPECT_EQ(hadValue, false);
+    EXPECT_EQ(flag, false);
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(Completion, DroppedWithinAnotherOneIsCalledOnceAndReportedOnce) {
+    const DroppedCallbacks dropped;
+    int calls = 0;
+    {
+        Callback<bool> inner = [&](bool) { ++calls; };
+        Callback<bool> outer = [inner = std::move(inner)](bool given) mutable { inner(given); };
+    }
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(dropped.count(), 1);
+}
+
+TEST(Completion, DroppedByAnExceptionIsCalledWithinItAndWhatItThrowsIsContained) {
+    const DroppedCallbacks dropped;
+    const ContainedExceptions contained;
+    EXPECT_THROW(
+        {
+            const Callback<bool> uncalled = [](bool) { throw std::runtime_error("the callback threw"); };
+            throw std::logic_error("who has it threw");
+        },
+        std::logic_error);
+    EXPECT_EQ(contained.count(), 1);
 }
 
 TEST(Completion, LetsGoOfItsCapturesWhenCalled) {

@@ -3,13 +3,12 @@
 #include <Platform/Operations/ContainedException.h>
 #include <Platform/Operations/ThreadPool.h>
 
-#include <exception>
 #include <memory>
 #include <utility>
 
 namespace zelto {
 
-// Held by all copies of the callback: once an exception has dropped the last one, nobody is left to call it.
+// Held by all copies of the callback: once the last one is dropped, nobody is left to call it.
 class LVXAsyncOperation::Ending {
   public:
     explicit Ending(std::shared_ptr<LVXAsyncOperation> operation) : operation_(std::move(operation)) {}
@@ -18,14 +17,18 @@ class LVXAsyncOperation::Ending {
     Ending& operator=(const Ending&) = delete;
 
     ~Ending() {
-        if (std::uncaught_exceptions() > 0) {
+        if (!hasCome_) {
             operation_->endDropped();
         }
     }
 
-    void come() const { operation_->finish(); }
+    void come() {
+        hasCome_ = true;
+        operation_->finish();
+    }
 
   private:
+    std::atomic<bool> hasCome_ = false;
     const std::shared_ptr<LVXAsyncOperation> operation_;
 };
 
@@ -39,8 +42,8 @@ void LVXAsyncOperation::main() {
     }
 }
 
-// What is thrown out of main() is told before the operation ends, so nothing ends it while that runs. No code
-// of others runs within the exception.
+// What is thrown out of main() is reported before the operation ends, so nothing ends it while that runs. An
+// exception may be on its way, in which no code of others runs.
 void LVXAsyncOperation::endDropped() noexcept {
     if (mainThread_ == std::this_thread::get_id()) {
         wasDroppedInMain_ = true;

@@ -16,9 +16,8 @@ class LVXAsyncOperation : public LVXOperation {
   protected:
     // The work, on a thread of the queue; not called when the operation was cancelled before it began.
     //
-    // The operation counts as finished once `onComplete` was called, on any thread, also before this returns.
-    // Again has no effect. It keeps the operation alive; a task that drops it uncalled leaves a queue waiting
-    // that still lives, unless an exception drops it, on whatever thread: the operation finishes then.
+    // The operation counts as finished once `onComplete` was called, on any thread, also before this returns,
+    // or once its last copy was dropped uncalled. A second call has no effect. It keeps the operation alive.
     virtual void asyncMain(std::function<void()> onComplete) = 0;
 
   private:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ZeltoIntegrations/Client/ServiceClientError.h>
+#include <ZeltoIntegrations/Client/ServiceRefusal.h>
 
 #include <optional>
 #include <string>
@@ -8,24 +9,26 @@
 
 namespace zelto {
 
-// What one export did on its service, for a host to tell when only a part of it worked: nothing that was made
+// What one export did on its service, for a host to show when only a part of it worked: nothing that was made
 // is taken back.
 struct ExportReport {
     // Something that is on the service now.
     struct Made {
         std::string kind; // the service's word for it: "card", "file"
         std::string name;
-        std::optional<std::string> identifier; // the service's own, where it tells one
+        std::optional<std::string> identifier; // the service's own, where it gives one
 
         bool operator==(const Made&) const = default;
     };
 
-    // Something that the service did not take, or that it did not answer for: whether a request that was cut
-    // off has worked is not known.
+    // Something that the service did not take, or did not respond to: whether a request that was cut off has
+    // worked is not known.
     struct Refused {
         std::string kind;
         std::string name;
         ServiceClientError reason;
+        std::string words = {};      // the service's own of why, cleaned and cut; empty where it says nothing
+        bool nothingWasSent = false; // the service could not be reached at all
 
         bool operator==(const Refused&) const = default;
     };

@@ -13,14 +13,20 @@
 namespace zelto {
 
 // A step of an export or import: it ends when its callback is called, and keeps the value that it was called
-// with for the steps behind it. A step whose task never calls back keeps a serial queue waiting.
+// with for the steps behind it. One that is cancelled while it runs ends at once, and what its task still
+// does has no effect on the queue.
 template <class R> class ExporterAsyncOperation : public LVXAsyncOperation {
   public:
     using Task = std::move_only_function<void(Callback<R>)>;
 
     explicit ExporterAsyncOperation(Task task) : task_(std::move(task)) {}
 
-    // Nothing before the callback came, and for a step that was cancelled before it started.
+    void cancel() override {
+        LVXAsyncOperation::cancel();
+        finish();
+    }
+
+    // No value before the callback was called, and for a step that was cancelled before it began.
     std::optional<R> result() const {
         const std::lock_guard guard(lock_);
         return result_;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/Export/ServiceExporter.h>
+#include <ZeltoIntegrations/Export/StepExporter.h>
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 
 #include <functional>
@@ -13,9 +13,9 @@ namespace zelto {
 // What the exporters share that have no service but an application on the same machine: one URL is built from
 // the mail or meeting note and handed to the platform. Success means that the platform opened it; whether the
 // application is installed is not checked.
-class SchemeExporter : public ServiceExporter {
+class SchemeExporter : public StepExporter {
   public:
-    using ServiceExporter::ServiceExporter;
+    using StepExporter::StepExporter;
 
     IntegrationExportContentTypes contentTypes(IntegrationExportTarget target) const;
 
@@ -59,16 +59,10 @@ class SchemeExporter : public ServiceExporter {
                           const std::optional<std::string>& localeName = std::nullopt) const;
 
   private:
-    using TextMaker = void (SchemeExporter::*)(Callback<std::optional<std::string>>);
-
-    // Null for a type that is not supported. The target plays no part.
-    static TextMaker textMakerFor(IntegrationExportContentType type);
-    void plainText(Callback<std::optional<std::string>> completion);
-    void linkText(Callback<std::optional<std::string>> completion);
-    void meetingNoteSummary(Callback<std::optional<std::string>> completion);
-
-    void makeContent(const Request& request, Callback<ExporterResult<Content>> completion);
-    std::shared_ptr<SchemeExporter> self();
+    void makeContent(StepRun& run, const Request& request, StepCompletion<Content> done);
+    void addLink(Content content, StepCompletion<Content> done);
+    void makeURL(StepRun& run, const Step<Content>& content, const URLMaker& maker, StepCompletion<URL> done);
+    void open(StepRun& run, const Step<URL>& url, StepCompletion<void> done);
 };
 
 } // namespace zelto

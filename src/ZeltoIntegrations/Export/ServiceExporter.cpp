@@ -1,6 +1,5 @@
 #include <ZeltoIntegrations/Export/ServiceExporter.h>
 
-#include <exception>
 #include <utility>
 
 namespace zelto {
@@ -20,9 +19,7 @@ ServiceExporter::ServiceExporter(ServiceAccountConfiguration configuration,
     : configurationStorage_(std::move(configurationStorage)),
       platformInteractor_(std::move(platformInteractor)), dataInteractor_(std::move(dataInteractor)),
       accountConfiguration_(std::move(configuration)), actionSource_(std::move(actionSource)),
-      attachmentsAreSelectedByDefault_(attachmentsAreSelectedByDefault) {
-    taskQueue_.setMaxConcurrentOperationCount(1);
-}
+      attachmentsAreSelectedByDefault_(attachmentsAreSelectedByDefault) {}
 
 ServiceExporter::~ServiceExporter() = default;
 
@@ -38,7 +35,7 @@ void ServiceExporter::modifyAccountConfiguration(
     ++accountChanges_;
 }
 
-IntegrationExportTarget ServiceExporter::exportTarget() {
+IntegrationExportTarget ServiceExporter::exportTarget() const {
     return dataInteractor_->exportTarget();
 }
 
@@ -73,14 +70,6 @@ void ServiceExporter::saveConfiguration() {
     } while (saved != accountChanges_);
 }
 
-void ServiceExporter::execute(const std::vector<std::shared_ptr<Operation>>& operations) {
-    taskQueue_.addOperations(operations, false);
-}
-
-std::shared_ptr<BlockOperation> ServiceExporter::createSyncTask(std::move_only_function<void()> block) const {
-    return std::make_shared<BlockOperation>(std::move(block));
-}
-
 std::shared_ptr<ExportProgress> ServiceExporter::refuseFormat(std::size_t unitCount,
                                                               const ResultMediator<void>& finish) {
     finish(failure(IntegrationExportError::unsupportedFormat));
@@ -89,28 +78,6 @@ std::shared_ptr<ExportProgress> ServiceExporter::refuseFormat(std::size_t unitCo
 
 std::string ServiceExporter::titleOr(const std::optional<std::string>& userTitle) const {
     return userTitle ? *userTitle : dataInteractor().title();
-}
-
-void ServiceExporter::updateActiveClient(std::shared_ptr<CancellableServiceClient> client) {
-    // The one before goes when the lock is free.
-    const std::lock_guard guard(lock_);
-    serviceClient_.swap(client);
-}
-
-void ServiceExporter::cancelRequests() {
-    std::shared_ptr<CancellableServiceClient> client;
-    {
-        const std::lock_guard guard(lock_);
-        client = serviceClient_;
-    }
-    if (client) {
-        client->cancelAllOperations();
-    }
-}
-
-void ServiceExporter::cancelTasks() {
-    cancelRequests();
-    taskQueue_.cancelAllOperations();
 }
 
 void ServiceExporter::postExportEvent(IntegrationExportContentType exportType,
@@ -122,13 +89,6 @@ void ServiceExporter::postExportEvent(IntegrationExportContentType exportType,
     }
     platformInteractor_->postExportEvent(accountConfiguration().serviceType(), exportType, modifiedFields,
                                          actionSource_, error);
-}
-
-ServiceExporter::StepCallbackGuard::~StepCallbackGuard() {
-    const auto exporter = exporter_.lock();
-    if (exporter && std::uncaught_exceptions() == 0) {
-        exporter->cancelTasks();
-    }
 }
 
 } // namespace zelto

@@ -9,12 +9,11 @@
 #include <ZeltoIntegrations/Export/ExportProgress.h>
 #include <ZeltoIntegrations/Export/ExporterAsyncOperation.h>
 #include <ZeltoIntegrations/Export/IntegrationsPlatformInteractorProtocol.h>
+#include <ZeltoIntegrations/Export/TaskRunner.h>
 
 #include <ZeltoCommonLogger/LoggerClient.h>
 
-#include <Platform/Operations/BlockOperation.h>
 #include <Platform/Operations/ContainedException.h>
-#include <Platform/Operations/OperationQueue.h>
 
 #include <atomic>
 #include <cstddef>
@@ -35,8 +34,7 @@ namespace zelto {
 //
 // Steps run on queue threads, never on the caller's, and so do completions, except that of an export which
 // ends before its first step (`unsupportedFormat`): it comes before `export_` returns. An export in progress
-// keeps its exporter alive; one whose step let go of its callback uncalled keeps nothing, and need not
-// complete. Nothing that was done on the service is rolled back after a failure.
+// keeps its exporter alive. Nothing that was done on the service is rolled back after a failure.
 class ServiceExporter : public LoggerClient, public std::enable_shared_from_this<ServiceExporter> {
   public:
     ServiceExporter(ServiceAccountConfiguration configuration,
@@ -52,7 +50,7 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     // and the function calls nothing of this exporter.
     void modifyAccountConfiguration(const std::function<void(ServiceAccountConfiguration&)>& change);
 
-    IntegrationExportTarget exportTarget();
+    IntegrationExportTarget exportTarget() const;
 
     // The content type of the last export with this account.
     std::optional<IntegrationExportContentType> lastExportContentType() const;
@@ -87,48 +85,42 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     template <class T> using Step = std::shared_ptr<ExporterAsyncOperation<ExporterResult<T>>>;
 
     // Adds the steps to the queue; they run one after the other in this order.
-    void execute(const std::vector<std::shared_ptr<Operation>>& operations);
+    void execute(const std::vector<std::shared_ptr<Operation>>& operations) { tasks_.execute(operations); }
 
     template <class R>
-    std::shared_ptr<ExporterAsyncOperation<R>>
+    static std::shared_ptr<ExporterAsyncOperation<R>>
     createAsyncTask(typename ExporterAsyncOperation<R>::Task operation) {
-        return std::make_shared<ExporterAsyncOperation<R>>(
-            [weakly = weak_from_this(), operation = std::move(operation)](Callback<R> done) mutable {
-                operation(
-                    [guard = StepCallbackGuard(std::move(weakly)), done = std::move(done)](R value) mutable {
-                        guard.disarm();
-                        done(std::move(value));
-                    });
-            });
+        return TaskRunner::createAsyncTask<R>(std::move(operation));
     }
 
-    std::shared_ptr<BlockOperation> createSyncTask(std::move_only_function<void()> block) const;
+    static std::shared_ptr<BlockOperation> createSyncTask(std::move_only_function<void()> block) {
+        return TaskRunner::createSyncTask(std::move(block));
+    }
+
+    TaskRunner& tasks() { return tasks_; }
 
     // The result of an earlier step; one that never came to its end has none.
     template <class T> static ExporterResult<T> resultOf(const Step<T>& step) {
         return step->result().value_or(failure(IntegrationExportError::internalError));
     }
 
-    // Each step calls this when it ends. True if the export goes on; a cancelled one is stopped, and
-    // `completion` gets `canceled`.
+    // Counts a step that ends. True if the export goes on; a cancelled one is stopped, and `completion` gets
+    // `canceled`.
     template <class T> bool update(ExportProgress& progress, const ResultMediator<T>& completion) {
         progress.setCompletedUnitCount(progress.completedUnitCount() + 1);
-        return !stopIfCancelled(progress, completion);
-    }
-
-    // The same without counting: whether the export was cancelled, and is stopped now.
-    template <class T> bool stopIfCancelled(ExportProgress& progress, const ResultMediator<T>& completion) {
         if (!progress.isCancelled()) {
-            return false;
+            return true;
         }
         cancelTasks();
         if (completion) {
             completion(failure(IntegrationExportError::canceled));
         }
-        return true;
+        return false;
     }
 
-    void updateActiveClient(std::shared_ptr<CancellableServiceClient> client);
+    void updateActiveClient(std::shared_ptr<CancellableServiceClient> client) {
+        tasks_.updateActiveClient(std::move(client));
+    }
 
     // Closes an export: posts the analytics event, has the configuration store its last-export settings (for
     // a failed export too) and calls the completion, in this order.
@@ -173,12 +165,7 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     // The user's title, or the one that the message suggests.
     std::string titleOr(const std::optional<std::string>& userTitle) const;
 
-    // The steps that have not ended, in their order.
-    std::vector<std::shared_ptr<Operation>> queuedTasks() const { return taskQueue_.operations(); }
-
-    // Ends the requests that are under way; steps and all else go on.
-    void cancelRequests();
-    void cancelTasks();
+    void cancelTasks() { tasks_.cancelTasks(); }
 
     IntegrationsPlatformInteractorProtocol& platformInteractor() const { return *platformInteractor_; }
 
@@ -214,32 +201,14 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
         }
     }
 
-    // Travels with the callback of a step. One that is let go of uncalled leaves its step waiting forever,
-    // and the steps behind it hold the exporter, which holds them: they are cancelled. One that an exception
-    // lets go of ends its step.
-    class StepCallbackGuard {
-      public:
-        explicit StepCallbackGuard(std::weak_ptr<ServiceExporter> exporter)
-            : exporter_(std::move(exporter)) {}
-
-        StepCallbackGuard(StepCallbackGuard&&) = default;
-        ~StepCallbackGuard();
-
-        void disarm() { exporter_.reset(); }
-
-      private:
-        std::weak_ptr<ServiceExporter> exporter_;
-    };
-
     void postExportEvent(IntegrationExportContentType exportType,
                          const std::vector<std::string>& modifiedFields, const ExporterResult<void>& result);
 
-    OperationQueue taskQueue_;
-    std::shared_ptr<CancellableServiceClient> serviceClient_;
+    TaskRunner tasks_{1};
     const std::shared_ptr<ServiceConfigurationsStorage> configurationStorage_;
     const std::shared_ptr<IntegrationsPlatformInteractorProtocol> platformInteractor_;
     const std::shared_ptr<IntegrationsDataInteractorProtocol> dataInteractor_;
-    mutable std::mutex lock_; // guards the account and the client
+    mutable std::mutex lock_; // guards the account
     ServiceAccountConfiguration accountConfiguration_;
     std::uint64_t accountChanges_ = 0;
     const std::optional<std::string> actionSource_;

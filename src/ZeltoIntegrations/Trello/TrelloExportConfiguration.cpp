@@ -22,7 +22,7 @@ std::vector<std::string> TrelloExportConfiguration::diff(const TrelloExportConfi
 
 void TrelloExportConfiguration::storeLastExportInfo(TrelloExporter& exporter) const {
     exporter.setLastExportContentType(saveAs);
-    exporter.setLastExportInfo(saveTo);
+    exporter.lastExportInfo.set(saveTo);
 }
 
 } // namespace zelto

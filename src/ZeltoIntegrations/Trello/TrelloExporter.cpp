@@ -17,58 +17,31 @@ namespace {
 using Type = IntegrationExportContentType;
 using ExportError = IntegrationExportError;
 
-constexpr auto lastExportInfoKey = "lastExportInfo";
-constexpr auto allBoardsKey = "allBoards";
-constexpr auto userKey = "user";
-
 constexpr auto descriptionSeparator = "\n\n";
 
 const auto cardLink = IntegrationLinkType::safeBacklink(IntegrationLinkFormat::markdown);
-const auto previewLink = IntegrationLinkType::backlink(IntegrationLinkFormat::raw);
+constexpr ContentText previews[] = {
+    {Type::backLink, ContentText::Source::link, ContentText::Link::backlink, IntegrationLinkFormat::raw}};
 
 } // namespace
-
-std::optional<TrelloSaveToInfo> TrelloExporter::lastExportInfo() const {
-    return getCachedValue<TrelloSaveToInfo>(lastExportInfoKey);
-}
-
-void TrelloExporter::setLastExportInfo(const std::optional<TrelloSaveToInfo>& info) {
-    setCachedValue(info, lastExportInfoKey);
-}
-
-std::optional<std::vector<TrelloBoard>> TrelloExporter::allBoards() const {
-    return getCachedValue<std::vector<TrelloBoard>>(allBoardsKey);
-}
-
-void TrelloExporter::setAllBoards(const std::optional<std::vector<TrelloBoard>>& boards) {
-    setCachedValue(boards, allBoardsKey);
-}
-
-std::optional<TrelloUser> TrelloExporter::user() const {
-    return getCachedValue<TrelloUser>(userKey);
-}
-
-void TrelloExporter::setUser(const std::optional<TrelloUser>& user) {
-    setCachedValue(user, userKey);
-}
 
 void TrelloExporter::loadConfiguration(
     Completion<TrelloExportConfiguration, IntegrationLoadError> completion) {
     dataInteractor().availableAttachments(
-        [self = self(), completion = std::move(completion)](const IntegrationAttachments& available) mutable {
-            const auto types = self->contentTypes(self->exportTarget());
-            auto saveTo = self->lastExportInfo();
-            if (!saveTo) {
-                saveTo = self->createDefaultSaveToInfo();
-            }
-            completion(TrelloExportConfiguration{
-                .saveTo = std::move(saveTo),
-                .saveAs = self->lastExportContentType().value_or(types.default_),
-                .userTitle = self->dataInteractor().title(),
-                .attachments = self->validated(available),
-                .supportedContentTypes = types.supported,
-            });
-        });
+        [self = shared_from_this(), this, completion = std::move(completion)](
+            const IntegrationAttachments& available) mutable { completion(offered(available)); });
+}
+
+TrelloExportConfiguration TrelloExporter::offered(const IntegrationAttachments& available) const {
+    const auto types = contentTypes(exportTarget());
+    auto saveTo = lastExportInfo();
+    return {
+        .saveTo = saveTo ? std::move(saveTo) : createDefaultSaveToInfo(),
+        .saveAs = lastExportContentType().value_or(types.default_),
+        .userTitle = dataInteractor().title(),
+        .attachments = validated(available),
+        .supportedContentTypes = types.supported,
+    };
 }
 
 std::optional<TrelloSaveToInfo> TrelloExporter::createDefaultSaveToInfo() const {
@@ -100,49 +73,44 @@ void TrelloExporter::loadPreview(IntegrationExportContentType type,
         return completion(
             IntegrationExportPreview::pdf(ExportServiceHelper::pdfName(dataInteractor().title())));
     }
-    if (type != Type::backLink) {
-        return completion(std::nullopt);
-    }
-    dataInteractor().link(previewLink, [completion =
-                                            std::move(completion)](std::optional<std::string> link) mutable {
-        completion(link ? std::optional(IntegrationExportPreview::backLink(*std::move(link))) : std::nullopt);
-    });
+    loadTextPreview(dataInteractor(), type, previews, {}, std::move(completion));
 }
 
 void TrelloExporter::loadData(bool force,
                               Completion<std::optional<TrelloFullData>, IntegrationLoadError> completion) {
-    using Done = Completion<std::optional<TrelloFullData>, IntegrationLoadError>;
-    executeLoading<std::optional<TrelloFullData>>(
-        [self = self(), force](Done done) {
-            if (!force) {
-                return done(self->loadedData());
-            }
-            const auto client = self->createTrelloClient();
-            if (!client) {
-                return done(failure(IntegrationLoadError::oauthError));
-            }
-            client->getUser([self, client, done = std::move(done)](auto user) mutable {
-                std::optional<IntegrationLoadError> error;
-                if (user) {
-                    self->setUser(*user);
-                } else {
-                    error = loadError(user.error());
-                }
-                // The boards are worth having without the user too.
-                client->getAllActiveBoards([self, error, done = std::move(done)](auto boards) mutable {
-                    if (boards) {
-                        self->setAllBoards(*boards);
-                    } else {
-                        error = loadError(boards.error());
-                    }
-                    if (error) {
-                        return done(failure(*error));
-                    }
-                    done(self->loadedData());
-                });
-            });
-        },
-        std::move(completion));
+    StepExporter::load(std::move(completion), &TrelloExporter::load, force);
+}
+
+void TrelloExporter::load(StepRun& run, bool force, LoadCompletion<std::optional<TrelloFullData>> done) {
+    if (!force) {
+        return done(loadedData());
+    }
+    const auto client = createTrelloClient(run);
+    if (!client) {
+        return done(failure(IntegrationLoadError::oauthError));
+    }
+    client->getUser([this, client, done = std::move(done)](auto loaded) mutable {
+        if (loaded) {
+            user.set(*loaded);
+        }
+        // The boards are worth having without the user too.
+        loadBoards(*client, loaded ? std::nullopt : std::optional(loadError(loaded.error())),
+                   std::move(done));
+    });
+}
+
+void TrelloExporter::loadBoards(TrelloClient& client, std::optional<IntegrationLoadError> userError,
+                                LoadCompletion<std::optional<TrelloFullData>> done) {
+    client.getAllActiveBoards([this, userError, done = std::move(done)](auto boards) mutable {
+        if (!boards) {
+            return done(failure(loadError(boards.error())));
+        }
+        allBoards.set(*boards);
+        if (userError) {
+            return done(failure(*userError));
+        }
+        done(loadedData());
+    });
 }
 
 std::optional<TrelloFullData> TrelloExporter::loadedData() const {
@@ -155,9 +123,7 @@ std::optional<TrelloFullData> TrelloExporter::loadedData() const {
 }
 
 void TrelloExporter::fetchServiceData(Completion<void, IntegrationLoadError> withCompletion) {
-    loadData(true, [completion = std::move(withCompletion)](const auto& loaded) mutable {
-        completion(loaded ? Result<void, IntegrationLoadError>() : failure(loaded.error()));
-    });
+    loadData(true, discarding<std::optional<TrelloFullData>>(std::move(withCompletion)));
 }
 
 std::optional<std::string> TrelloExporter::loadUserEmail() {
@@ -174,36 +140,39 @@ std::shared_ptr<ExportProgress> TrelloExporter::export_(TrelloExportConfiguratio
     if (!makesPdf && configuration.saveAs != Type::backLink) {
         return refuseFormat(unitCount, finish);
     }
-    Steps steps(self(), unitCount, std::move(finish));
+    auto steps = exportSteps(FailureRule::goOn, unitCount, std::move(finish));
 
     const auto card = steps.add<CardID>(&TrelloExporter::createTrelloCard, configuration);
     if (makesPdf) {
-        const auto pdf = steps.add<File>(&TrelloExporter::createPdfFile, configuration);
+        const auto pdf = steps.add<File>(&TrelloExporter::makePdf, titleOr(configuration.userTitle));
         steps.add<void>(&TrelloExporter::uploadFileToTrelloCard, card, pdf);
     }
     for (const auto& attachment : selected) {
-        const auto file = steps.add<File>(&TrelloExporter::fetchAttachment, attachment.id);
+        const auto file = steps.add<File>(&TrelloExporter::fetchAttachment, attachment.id,
+                                          ExportError::uploadAttachmentError);
         steps.add<void>(&TrelloExporter::uploadFileToTrelloCard, card, file);
     }
     return steps.execute();
 }
 
-void TrelloExporter::createTrelloCard(const TrelloExportConfiguration& configuration,
-                                      UpdateProgress updateProgress, StepCompletion<CardID> done) {
-    auto name = titleOr(configuration.userTitle);
-    dataInteractor().link(cardLink, [self = self(), configuration, name = std::move(name),
-                                     done = counted(std::move(updateProgress), std::move(done))](
-                                        std::optional<std::string> link) mutable {
-        self->dataInteractor().messagePlainText(
-            cardLink, [self, configuration = std::move(configuration), name = std::move(name), link,
-                       done = std::move(done)](const std::optional<std::string>& text) mutable {
-                warnOfLongDescription(name, link.value_or(""), text.value_or(""));
-                self->addCard(configuration, std::move(name), std::move(link), std::move(done));
-            });
+void TrelloExporter::createTrelloCard(StepRun& run, const TrelloExportConfiguration& configuration,
+                                      StepCompletion<CardID> done) {
+    dataInteractor().link(cardLink, [this, &run, configuration, done = std::move(done)](auto link) mutable {
+        checkDescription(run, configuration, std::move(link), std::move(done));
     });
 }
 
-// Nothing but the warning comes of the description: what travels is the link alone.
+// The description that goes out is the link alone; only the warning is about the link with the text.
+void TrelloExporter::checkDescription(StepRun& run, const TrelloExportConfiguration& configuration,
+                                      std::optional<std::string> link, StepCompletion<CardID> done) {
+    dataInteractor().messagePlainText(
+        cardLink, [this, &run, configuration, link = std::move(link),
+                   done = std::move(done)](const std::optional<std::string>& text) mutable {
+            warnOfLongDescription(titleOr(configuration.userTitle), link.value_or(""), text.value_or(""));
+            addCard(run, configuration, link, std::move(done));
+        });
+}
+
 void TrelloExporter::warnOfLongDescription(const std::string& name, const std::string& link,
                                            const std::string& text) {
     if (text.empty()) {
@@ -218,73 +187,51 @@ void TrelloExporter::warnOfLongDescription(const std::string& name, const std::s
     }
 }
 
-void TrelloExporter::addCard(const TrelloExportConfiguration& configuration, std::string name,
-                             std::optional<std::string> link, StepCompletion<CardID> done) {
-    const auto client = createTrelloClient();
+void TrelloExporter::addCard(StepRun& run, const TrelloExportConfiguration& configuration,
+                             const std::optional<std::string>& link, StepCompletion<CardID> done) {
+    const auto client = createTrelloClient(run);
     if (!client) {
         return done(failure(ExportError::oauthError));
     }
     if (!configuration.saveTo) {
         return done(failure(ExportError::createTaskError));
     }
+    const auto name = titleOr(configuration.userTitle);
     client->addCard(name, link, configuration.saveTo->list.id,
-                    [self = self(), name, done = std::move(done)](auto card) mutable {
-                        if (!card) {
-                            lvxLogWarn("Trello creation card error: " + std::string(nameOf(card.error())),
-                                       "createTrelloCard(configuration:updateProgress:)");
-                            self->reportRefused("card", std::move(name), card.error());
-                            return done(failure(ExportError::createTaskError));
-                        }
-                        self->reportMade("card", std::move(name), *card);
-                        done(*std::move(card));
-                    });
+                    reported(run,
+                             {.kind = "card",
+                              .name = name,
+                              .error = ExportError::createTaskError,
+                              .warning = "Trello creation card error: ",
+                              .function = "createTrelloCard(configuration:updateProgress:)"},
+                             std::move(done)));
 }
 
-void TrelloExporter::createPdfFile(const TrelloExportConfiguration& configuration,
-                                   UpdateProgress updateProgress, StepCompletion<File> done) {
-    makePdf(titleOr(configuration.userTitle), counted(std::move(updateProgress), std::move(done)));
-}
-
-void TrelloExporter::fetchAttachment(std::int64_t attachmentPk, UpdateProgress updateProgress,
-                                     StepCompletion<File> done) {
-    fetchFile(attachmentPk, ExportError::uploadAttachmentError,
-              counted(std::move(updateProgress), std::move(done)));
-}
-
-void TrelloExporter::uploadFileToTrelloCard(const Step<CardID>& createTrelloCardOperation,
+void TrelloExporter::uploadFileToTrelloCard(StepRun& run, const Step<CardID>& createTrelloCardOperation,
                                             const Step<File>& fetchAttachmentOperation,
-                                            UpdateProgress updateProgress, StepCompletion<void> done) {
+                                            StepCompletion<void> done) {
     const auto card = resultOf(createTrelloCardOperation);
     const auto file = resultOf(fetchAttachmentOperation);
     if (!card || !file) {
         return done(failure(ExportError::uploadAttachmentError));
     }
-    const auto client = createTrelloClient();
+    const auto client = createTrelloClient(run);
     if (!client) {
         return done(failure(ExportError::oauthError));
     }
-    client->addAttachment(
-        *file, *card,
-        [self = self(), name = file->filename().native(),
-         done = counted(std::move(updateProgress), std::move(done))](auto added) mutable {
-            if (!added) {
-                lvxLogWarn("Trello creation attachment error: " + std::string(nameOf(added.error())),
-                           "uploadFileToTrelloCard(createTrelloCardOperation:fetchAttachmentOperation:"
-                           "updateProgress:)");
-                self->reportRefused("file", std::move(name), added.error());
-                return done(failure(ExportError::uploadAttachmentError));
-            }
-            self->reportMade("file", std::move(name));
-            done({});
-        });
+    client->addAttachment(*file, *card,
+                          reported(run,
+                                   {.kind = "file",
+                                    .name = file->filename().native(),
+                                    .error = ExportError::uploadAttachmentError,
+                                    .warning = "Trello creation attachment error: ",
+                                    .function = "uploadFileToTrelloCard(createTrelloCardOperation:"
+                                                "fetchAttachmentOperation:updateProgress:)"},
+                                   std::move(done)));
 }
 
-std::shared_ptr<TrelloClient> TrelloExporter::createTrelloClient() {
-    return createClient<TrelloClient, TrelloAuthoriser>();
-}
-
-std::shared_ptr<TrelloExporter> TrelloExporter::self() {
-    return std::static_pointer_cast<TrelloExporter>(shared_from_this());
+std::shared_ptr<TrelloClient> TrelloExporter::createTrelloClient(StepRun& run) {
+    return clientOf<TrelloClient, TrelloAuthoriser>(run);
 }
 
 } // namespace zelto

@@ -1,11 +1,10 @@
 #pragma once
 
+#include <ZeltoIntegrations/Export/CachedValue.h>
 #include <ZeltoIntegrations/Export/NetworkExporter.h>
 #include <ZeltoIntegrations/Trello/TrelloExportConfiguration.h>
 #include <ZeltoIntegrations/Trello/TrelloRecords.h>
 
-#include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -26,12 +25,9 @@ class TrelloExporter final : public NetworkExporter {
     using FullData = TrelloFullData;
 
     // What was loaded last, and where the last card went; kept in the account.
-    std::optional<TrelloSaveToInfo> lastExportInfo() const;
-    void setLastExportInfo(const std::optional<TrelloSaveToInfo>& info);
-    std::optional<std::vector<TrelloBoard>> allBoards() const;
-    void setAllBoards(const std::optional<std::vector<TrelloBoard>>& boards);
-    std::optional<TrelloUser> user() const;
-    void setUser(const std::optional<TrelloUser>& user);
+    CachedValue<TrelloSaveToInfo> lastExportInfo{*this, "lastExportInfo"};
+    CachedValue<std::vector<TrelloBoard>> allBoards{*this, "allBoards"};
+    CachedValue<TrelloUser> user{*this, "user"};
 
     // A stored target is offered as it stands, whether or not its board is still there.
     void loadConfiguration(Completion<TrelloExportConfiguration, IntegrationLoadError> completion);
@@ -59,27 +55,27 @@ class TrelloExporter final : public NetworkExporter {
 
   private:
     using CardID = std::string;
-    using File = std::filesystem::path;
 
     std::optional<TrelloSaveToInfo> createDefaultSaveToInfo() const;
-    std::optional<TrelloFullData> loadedData() const;
+    TrelloExportConfiguration offered(const IntegrationAttachments& available) const;
     IntegrationAttachments validated(const IntegrationAttachments& attachments) const;
 
-    void createTrelloCard(const TrelloExportConfiguration& configuration, UpdateProgress updateProgress,
+    void load(StepRun& run, bool force, LoadCompletion<std::optional<TrelloFullData>> done);
+    void loadBoards(TrelloClient& client, std::optional<IntegrationLoadError> userError,
+                    LoadCompletion<std::optional<TrelloFullData>> done);
+    std::optional<TrelloFullData> loadedData() const;
+
+    void createTrelloCard(StepRun& run, const TrelloExportConfiguration& configuration,
                           StepCompletion<CardID> done);
+    void checkDescription(StepRun& run, const TrelloExportConfiguration& configuration,
+                          std::optional<std::string> link, StepCompletion<CardID> done);
     static void warnOfLongDescription(const std::string& name, const std::string& link,
                                       const std::string& text);
-    void addCard(const TrelloExportConfiguration& configuration, std::string name,
-                 std::optional<std::string> link, StepCompletion<CardID> done);
-    void createPdfFile(const TrelloExportConfiguration& configuration, UpdateProgress updateProgress,
-                       StepCompletion<File> done);
-    void fetchAttachment(std::int64_t attachmentPk, UpdateProgress updateProgress, StepCompletion<File> done);
-    void uploadFileToTrelloCard(const Step<CardID>& createTrelloCardOperation,
-                                const Step<File>& fetchAttachmentOperation, UpdateProgress updateProgress,
-                                StepCompletion<void> done);
-    std::shared_ptr<TrelloClient> createTrelloClient();
-
-    std::shared_ptr<TrelloExporter> self();
+    void addCard(StepRun& run, const TrelloExportConfiguration& configuration,
+                 const std::optional<std::string>& link, StepCompletion<CardID> done);
+    void uploadFileToTrelloCard(StepRun& run, const Step<CardID>& createTrelloCardOperation,
+                                const Step<File>& fetchAttachmentOperation, StepCompletion<void> done);
+    std::shared_ptr<TrelloClient> createTrelloClient(StepRun& run);
 };
 
 } // namespace zelto

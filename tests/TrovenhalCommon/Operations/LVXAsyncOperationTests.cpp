@@ -156,17 +156,26 @@ TEST(LVXAsyncOperation, FinishesWhenAnExceptionThatItContainsDropsItsCallback) {
     EXPECT_TRUE(step->isFinished());
 }
 
-TEST(LVXAsyncOperation, ACallbackThatIsDroppedWithoutAnExceptionLeavesTheQueueWaiting) {
+TEST(LVXAsyncOperation, FinishesWhenItsCallbackIsDroppedUncalled) {
     LVXOperationQueue queue;
-    Event wasDropped;
-    const auto step = std::make_shared<Step>([&](auto onComplete) {
-        onComplete = nullptr;
-        wasDropped.set();
-    });
-    queue.addOperation(step);
-    wasDropped.wait();
-    EXPECT_FALSE(step->isFinished());
-    EXPECT_EQ(queue.operationCount(), 1U);
+    queue.setMaxConcurrentOperationCount(1);
+    Handed handed;
+    Event nextBegan;
+    queue.addOperation(std::make_shared<Step>([&](auto onComplete) { handed(std::move(onComplete)); }));
+    queue.addOperation([&] { nextBegan.set(); });
+    auto onComplete = handed.take();
+    auto copy = onComplete;
+    onComplete = nullptr;
+    EXPECT_EQ(queue.operationCount(), 2U);
+    copy = nullptr;
+    nextBegan.wait();
+}
+
+TEST(LVXAsyncOperation, FinishesWhenItsFunctionDropsTheCallbackUncalled) {
+    LVXOperationQueue queue;
+    const auto step = std::make_shared<Step>([](auto onComplete) { onComplete = nullptr; });
+    queue.addOperations({step}, true);
+    EXPECT_TRUE(step->isFinished());
 }
 
 TEST(LVXAsyncOperation, AHundredWaitingOnesHoldNoThread) {

@@ -167,19 +167,19 @@ TEST_F(TrelloExporterTest, ConfigurationOffersTheFirstListOfTheFirstBoard) {
                                        .attachments = {},
                                        .supportedContentTypes = {Type::pdf, Type::backLink}};
     EXPECT_EQ(one.offered(), expected);
-    one.exporter()->setAllBoards(std::vector<TrelloBoard>{});
+    one.exporter()->allBoards.set(std::vector<TrelloBoard>{});
     EXPECT_EQ(one.offered(), expected);
-    one.exporter()->setAllBoards(std::vector{TrelloBoard{.id = "no lists"}, board});
+    one.exporter()->allBoards.set(std::vector{TrelloBoard{.id = "no lists"}, board});
     EXPECT_EQ(one.offered(), expected);
-    one.exporter()->setAllBoards(std::vector{board, TrelloBoard{.id = "other"}});
+    one.exporter()->allBoards.set(std::vector{board, TrelloBoard{.id = "other"}});
     expected.saveTo = TrelloSaveToInfo{.board = board, .list = board.lists.front()};
     EXPECT_EQ(one.offered(), expected);
 }
 
 TEST_F(TrelloExporterTest, ConfigurationOffersTheLastTargetThoughItsBoardHasGone) {
     const TrelloSaveToInfo gone{.board = {.id = "gone"}, .list = {.id = "too"}};
-    one.exporter()->setLastExportInfo(gone);
-    one.exporter()->setAllBoards(std::vector{board});
+    one.exporter()->lastExportInfo.set(gone);
+    one.exporter()->allBoards.set(std::vector{board});
     EXPECT_EQ(one.offered().saveTo, gone);
 }
 
@@ -195,14 +195,14 @@ TEST_F(TrelloExporterTest, AttachmentsArePassedBelowTheLimitOfTheAccount) {
     constexpr std::int64_t premiumLimit = 262'144'000;
     const std::vector<State> forFree = {State::allowed, State::restricted, State::restricted};
     EXPECT_EQ(statesOf({freeLimit - 1, freeLimit, premiumLimit - 1}), forFree);
-    one.exporter()->setUser(user);
+    one.exporter()->user.set(user);
     EXPECT_EQ(statesOf({freeLimit - 1, freeLimit, premiumLimit - 1}), forFree);
-    one.exporter()->setUser(TrelloUser{.email = "e", .isPremium = true});
+    one.exporter()->user.set(TrelloUser{.email = "e", .isPremium = true});
     EXPECT_EQ(statesOf({premiumLimit - 1, premiumLimit}), (std::vector{State::allowed, State::restricted}));
 }
 
 TEST_F(TrelloExporterTest, AHundredAttachmentsPassAndNoTotalIsTooMuch) {
-    one.exporter()->setUser(TrelloUser{.email = "e", .isPremium = true});
+    one.exporter()->user.set(TrelloUser{.email = "e", .isPremium = true});
     std::vector<State> expected(100, State::allowed);
     expected.push_back(State::restricted);
     EXPECT_EQ(statesOf(std::vector<std::int64_t>(101, 200'000'000)), expected);

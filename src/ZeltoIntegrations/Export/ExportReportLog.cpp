@@ -1,0 +1,51 @@
+#include <ZeltoIntegrations/Export/ExportReportLog.h>
+
+#include <utility>
+
+namespace zelto {
+
+std::size_t ExportReportLog::begin(std::string kind, std::string name) {
+    const std::lock_guard guard(lock_);
+    noted_.reset();
+    entries_.push_back({.kind = std::move(kind), .name = std::move(name)});
+    return entries_.size() - 1;
+}
+
+void ExportReportLog::made(std::size_t place, std::optional<std::string> identifier) {
+    const std::lock_guard guard(lock_);
+    entries_[place].isMade = true;
+    entries_[place].identifier = std::move(identifier);
+}
+
+void ExportReportLog::refused(std::size_t place, ServiceClientError reason) {
+    const std::lock_guard guard(lock_);
+    entries_[place].reason = reason;
+    entries_[place].refusal = std::exchange(noted_, std::nullopt).value_or(ServiceRefusal());
+}
+
+void ExportReportLog::note(ServiceRefusal refusal) {
+    const std::lock_guard guard(lock_);
+    noted_ = std::move(refusal);
+}
+
+void ExportReportLog::close() {
+    const std::lock_guard guard(lock_);
+    isClosed_ = true;
+}
+
+ExportReport ExportReportLog::report() const {
+    const std::lock_guard guard(lock_);
+    ExportReport report;
+    for (const auto& each : entries_) {
+        if (each.isMade) {
+            report.made.push_back({each.kind, each.name, each.identifier});
+        } else if (each.reason || isClosed_) {
+            report.refused.push_back({each.kind, each.name,
+                                      each.reason.value_or(ServiceClientError::connectionError),
+                                      each.refusal.words, each.refusal.nothingWasSent});
+        }
+    }
+    return report;
+}
+
+} // namespace zelto

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <ZeltoIntegrations/Export/ExportReport.h>
+
+#include <cstddef>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+// Writes the report of one run while its requests come and go. Any thread.
+class ExportReportLog {
+  public:
+    // A request begins that makes something; gives its place.
+    std::size_t begin(std::string kind, std::string name);
+    void made(std::size_t place, std::optional<std::string> identifier);
+    void refused(std::size_t place, ServiceClientError reason);
+
+    // What the service says of a refusal in its own words; for the request that begins or ends next.
+    void note(ServiceRefusal refusal);
+
+    // The run has ended: for a request without an end it is not known whether it has worked.
+    void close();
+
+    ExportReport report() const;
+
+  private:
+    struct Entry {
+        std::string kind;
+        std::string name;
+        bool isMade = false;
+        std::optional<std::string> identifier;
+        std::optional<ServiceClientError> reason;
+        ServiceRefusal refusal;
+    };
+
+    mutable std::mutex lock_;
+    std::vector<Entry> entries_;
+    std::optional<ServiceRefusal> noted_;
+    bool isClosed_ = false;
+};
+
+} // namespace zelto

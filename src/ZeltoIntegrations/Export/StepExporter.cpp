@@ -1,0 +1,66 @@
+#include <ZeltoIntegrations/Export/StepExporter.h>
+
+#include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
+
+#include <utility>
+
+namespace zelto {
+
+StepExporter::ExportSteps StepExporter::exportSteps(FailureRule rule, std::size_t unitCount,
+                                                    ResultMediator<void> finish) {
+    auto report = std::make_shared<ExportReportLog>();
+    {
+        const std::lock_guard guard(reportLock_);
+        report_ = report;
+    }
+    auto progress = std::make_shared<ExportProgress>(static_cast<std::int64_t>(unitCount));
+    auto run = std::make_shared<TypedRun<IntegrationExportError>>(progress, std::move(report), rule,
+                                                                  std::move(finish));
+    return ExportSteps(shared_from_this(), tasks(), std::move(run), std::move(progress));
+}
+
+void StepExporter::makePdf(StepRun&, const std::string& title, StepCompletion<File> done) {
+    dataInteractor().html(IntegrationExportHtmlOptions{},
+                          [this, title, done = std::move(done)](std::optional<std::string> html) mutable {
+                              const auto path = ExportServiceHelper::pdfFilePath(title);
+                              if (!html || !path) {
+                                  return done(failure(IntegrationExportError::convertError));
+                              }
+                              convert(*std::move(html), *path, std::move(done));
+                          });
+}
+
+void StepExporter::convert(std::string html, const File& path, StepCompletion<File> done) {
+    platformInteractor().convert(std::move(html), path,
+                                 [path, done = std::move(done)](bool isConverted) mutable {
+                                     if (!isConverted) {
+                                         return done(failure(IntegrationExportError::convertError));
+                                     }
+                                     done(std::move(path));
+                                 });
+}
+
+void StepExporter::fetchAttachment(StepRun&, std::int64_t attachmentPk, IntegrationExportError missing,
+                                   StepCompletion<File> done) {
+    dataInteractor().fetchAttachment(attachmentPk, [missing, done = std::move(done)](auto fetched) mutable {
+        if (!fetched || !*fetched) {
+            return done(failure(missing));
+        }
+        done((*fetched)->filePath());
+    });
+}
+
+void StepExporter::makeText(StepRun&, const ContentText& row, const WebLinkSettings& settings,
+                            StepCompletion<std::string> done) {
+    loadText(dataInteractor(), row, settings, [done = std::move(done)](auto text) mutable {
+        done(text ? ExporterResult<std::string>(*std::move(text))
+                  : failure(IntegrationExportError::createBodyError));
+    });
+}
+
+std::shared_ptr<const ExportReportLog> StepExporter::reportLog() const {
+    const std::lock_guard guard(reportLock_);
+    return report_;
+}
+
+} // namespace zelto

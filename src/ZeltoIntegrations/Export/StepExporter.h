@@ -1,0 +1,86 @@
+#pragma once
+
+#include <ZeltoIntegrations/Export/ContentText.h>
+#include <ZeltoIntegrations/Export/ServiceExporter.h>
+#include <ZeltoIntegrations/Export/StepRun.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace zelto {
+
+// What the exporters share that run their steps by a StepRun, and the steps that many of them have.
+//
+// Cancelling the progress ends the request under way and the export with it, without waiting for what the
+// host was asked for; no step begins and no request is made after that. What runs or waits beside it on the
+// same exporter goes on.
+class StepExporter : public ServiceExporter {
+  public:
+    using ServiceExporter::ServiceExporter;
+
+  protected:
+    using File = std::filesystem::path;
+    using ExportSteps = Steps<ServiceExporter, IntegrationExportError>;
+
+    template <class R> using StepCompletion = Completion<R, IntegrationExportError>;
+    template <class R> using LoadCompletion = Completion<R, IntegrationLoadError>;
+
+    // The steps of one export, whose result `finish` gets.
+    ExportSteps exportSteps(FailureRule rule, std::size_t unitCount, ResultMediator<void> finish);
+
+    // Steps.
+
+    // The message as a PDF file of that title, which stays there. Fails with `convertError`.
+    void makePdf(StepRun& run, const std::string& title, StepCompletion<File> done);
+
+    // An attachment as a local file. Fails with `missing` if the host has none.
+    void fetchAttachment(StepRun& run, std::int64_t attachmentPk, IntegrationExportError missing,
+                         StepCompletion<File> done);
+
+    // The text of a row of the service's table. Fails with `createBodyError` if the host has none.
+    void makeText(StepRun& run, const ContentText& row, const WebLinkSettings& settings,
+                  StepCompletion<std::string> done);
+
+    // Loads data behind what runs: a member function of the exporter, called as a step of its own with these
+    // arguments.
+    template <class T, class Exporter, class... Parameters, class... Arguments>
+    void load(LoadCompletion<T> completion, void (Exporter::*step)(Parameters...), Arguments... arguments) {
+        auto loaded = std::make_shared<StepOf<T, IntegrationLoadError>>();
+        auto finish = [loaded, completion = std::make_shared<LoadCompletion<T>>(std::move(completion))](
+                          Result<void, IntegrationLoadError> result) {
+            const auto value = result ? (*loaded)->result() : std::nullopt;
+            const auto error = result ? IntegrationLoadError::internalError : result.error();
+            (*completion)(value.value_or(failure(error)));
+        };
+        auto run = std::make_shared<TypedRun<IntegrationLoadError>>(
+            nullptr, std::make_shared<ExportReportLog>(), FailureRule::stop, std::move(finish));
+        Steps<ServiceExporter, IntegrationLoadError> steps(shared_from_this(), tasks(), std::move(run));
+        *loaded = steps.add<T>(step, std::move(arguments)...);
+        steps.execute();
+    }
+
+    // For loading whose value does not matter.
+    template <class T>
+    static LoadCompletion<T> discarding(Completion<void, IntegrationLoadError> completion) {
+        return [completion = std::move(completion)](const Result<T, IntegrationLoadError>& loaded) mutable {
+            completion(loaded ? Result<void, IntegrationLoadError>() : failure(loaded.error()));
+        };
+    }
+
+    // Of the last export that was begun; null before.
+    std::shared_ptr<const ExportReportLog> reportLog() const;
+
+  private:
+    void convert(std::string html, const File& path, StepCompletion<File> done);
+
+    mutable std::mutex reportLock_;
+    std::shared_ptr<ExportReportLog> report_;
+};
+
+} // namespace zelto
