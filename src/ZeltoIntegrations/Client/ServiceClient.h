@@ -5,6 +5,7 @@
 #include <Platform/JSON/JSONEncoder.h>
 #include <Platform/Operations/Operation.h>
 #include <ZeltoIntegrations/Client/CancellableServiceClient.h>
+#include <ZeltoIntegrations/Client/RequestMaker.h>
 #include <ZeltoIntegrations/Client/ServiceAuthoriser.h>
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
 
@@ -42,6 +43,18 @@ class ServiceClient : public CancellableServiceClient {
              completion = std::move(completion)](ServiceResult<ServiceResponse> result) mutable {
                 completion(result ? serviceValue<T>(std::move(*result), decoder) : failure(result.error()));
             });
+    }
+
+    // The same for a request that is made when it is sent. Without a request the result is `internalError`.
+    template <class T>
+    std::shared_ptr<Operation> perform(RequestMaker makeRequest, std::shared_ptr<Operation> targetOperation,
+                                       ServiceCompletion<T> completion) {
+        auto request = makeRequest();
+        if (!request) {
+            completion(failure(ServiceClientError::internalError));
+            return nullptr;
+        }
+        return perform<T>(*std::move(request), std::move(targetOperation), std::move(completion));
     }
 
     // Every request that has not ended ends with `connectionError`, and none of them is repeated. A refresh

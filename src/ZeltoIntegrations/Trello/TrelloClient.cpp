@@ -4,7 +4,6 @@
 #include <ZeltoIntegrations/Trello/TrelloResponses.h>
 
 #include <Platform/NeverDestroyed.h>
-#include <Platform/PercentEncoding.h>
 
 #include <utility>
 
@@ -37,7 +36,7 @@ Parameters cardFields(const std::optional<std::string>& name, const std::optiona
 }
 
 std::string attachmentsPath(const std::string& cardID) {
-    return "cards/" + percentEncodeBytes(cardID, AllowedCharacters::pathSegment) + "/attachments";
+    return "cards/" + pathSegment(cardID) + "/attachments";
 }
 
 } // namespace
@@ -66,11 +65,9 @@ void TrelloClient::addAttachment(const std::filesystem::path& filePath, const st
     if (filePath.empty() || toCard.empty()) {
         return completion(failure(ServiceClientError::internalError));
     }
-    auto request = createTrelloRequest(attachmentsPath(toCard), {}, "POST");
-    if (request) {
-        ExportServiceHelper::makeFilesUploadRequest({}, {filePath}, *request);
-    }
-    performDiscarding<AttachmentResponse>(*this, std::move(request), std::move(completion));
+    performDiscarding<AttachmentResponse>(
+        *this, createTrelloRequest(attachmentsPath(toCard), {}, "POST").upload(filePath),
+        std::move(completion));
 }
 
 void TrelloClient::getUser(Completion<TrelloUser, ServiceClientError> completion) {
@@ -78,12 +75,9 @@ void TrelloClient::getUser(Completion<TrelloUser, ServiceClientError> completion
                                    std::move(completion));
 }
 
-std::optional<URLRequest> TrelloClient::createTrelloRequest(const std::string& path,
-                                                            const Parameters& parameters,
-                                                            const std::string& httpMethod) {
-    auto url =
-        URL::parse(std::string(apiBaseURL) + path + "?" + ExportServiceHelper::urlEncodedString(parameters));
-    return url ? std::optional(URLRequest(*std::move(url), httpMethod)) : std::nullopt;
+ServiceRequest TrelloClient::createTrelloRequest(std::string_view path, const Parameters& parameters,
+                                                 std::string httpMethod) {
+    return ServiceRequest(std::move(httpMethod), apiBaseURL, path, parameters);
 }
 
 } // namespace zelto

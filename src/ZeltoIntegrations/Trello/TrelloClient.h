@@ -1,7 +1,7 @@
 #pragma once
 
 #include <ZeltoIntegrations/Client/ServiceClient.h>
-#include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
+#include <ZeltoIntegrations/Client/ServiceRequest.h>
 #include <ZeltoIntegrations/Trello/TrelloRecords.h>
 
 #include <filesystem>
@@ -38,9 +38,9 @@ class TrelloClient final : public ServiceClient {
     static constexpr std::string_view apiBaseURL = "https://api.trello.com/1/";
 
   private:
-    static std::optional<URLRequest> createTrelloRequest(const std::string& path,
-                                                         const ExportServiceHelper::Parameters& parameters,
-                                                         const std::string& httpMethod);
+    static ServiceRequest createTrelloRequest(std::string_view path,
+                                              const ServiceRequest::Parameters& parameters,
+                                              std::string httpMethod);
 };
 
 } // namespace zelto

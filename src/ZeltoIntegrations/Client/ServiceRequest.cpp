@@ -1,0 +1,81 @@
+#include <ZeltoIntegrations/Client/ServiceRequest.h>
+
+#include <ZeltoCommonLogger/Logger.h>
+
+#include <Platform/PercentEncoding.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <system_error>
+#include <utility>
+
+namespace zelto {
+
+namespace {
+
+URL urlOf(std::string_view apiBaseURL, std::string_view path, const ServiceRequest::Parameters& query) {
+    auto text = std::string(apiBaseURL).append(path);
+    if (!query.empty()) {
+        text.append("?").append(ExportServiceHelper::urlEncodedString(query));
+    }
+    auto url = URL::parse(text);
+    if (!url) {
+        std::fputs("zelto: the path of a request makes no URL\n", stderr);
+        std::abort();
+    }
+    return *std::move(url);
+}
+
+} // namespace
+
+ServiceRequest::ServiceRequest(std::string method, std::string_view apiBaseURL, std::string_view path,
+                               const Parameters& query)
+    : request_(urlOf(apiBaseURL, path, query), std::move(method)) {}
+
+ServiceRequest&& ServiceRequest::header(const std::string& name, std::string value) && {
+    request_.headers.set(name, std::move(value));
+    return std::move(*this);
+}
+
+ServiceRequest&& ServiceRequest::jsonHeaders() && {
+    request_.headers.set("Content-Type", "application/json");
+    request_.headers.set("Accept", "application/json");
+    return std::move(*this);
+}
+
+ServiceRequest&& ServiceRequest::form(const Parameters& parameters) && {
+    request_.body = HTTPBody(ExportServiceHelper::urlEncodedString(parameters));
+    request_.headers.set("Content-Type", "application/x-www-form-urlencoded");
+    return std::move(*this);
+}
+
+ServiceRequest&& ServiceRequest::upload(std::filesystem::path file, Parameters parameters,
+                                        std::string fieldName, std::string_view function) && {
+    addBody_ = [file = std::move(file), parameters = std::move(parameters), fieldName = std::move(fieldName),
+                function](URLRequest& request) {
+        std::error_code error;
+        if (!std::filesystem::is_regular_file(file, error)) {
+            Logger::shared().error("Failed to uploadFile - no file on path", function);
+            return false;
+        }
+        ExportServiceHelper::makeFilesUploadRequest(parameters, {file}, request, fieldName);
+        return true;
+    };
+    return std::move(*this);
+}
+
+RequestMaker ServiceRequest::maker() && {
+    return [request = std::move(request_), addBody = std::move(addBody_)] -> std::optional<URLRequest> {
+        auto made = request;
+        if (addBody && !addBody(made)) {
+            return std::nullopt;
+        }
+        return made;
+    };
+}
+
+std::string pathSegment(std::string_view text) {
+    return percentEncodeBytes(text, AllowedCharacters::pathSegment);
+}
+
+} // namespace zelto

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <Platform/HTTP/URLRequest.h>
+#include <Platform/JSON/JSONEncoder.h>
+#include <ZeltoIntegrations/Client/RequestMaker.h>
+#include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace zelto {
+
+// One request to a service, put together as a row of the service's table says it: method, path, query,
+// headers and body. It has no header and no body but those that are asked for.
+class ServiceRequest {
+  public:
+    using Parameters = ExportServiceHelper::Parameters;
+
+    // To the base and the path, joined as texts, with the query form-encoded behind them. The process stops
+    // when that is no URL: what comes from outside goes into a path by `pathSegment` alone.
+    ServiceRequest(std::string method, std::string_view apiBaseURL, std::string_view path,
+                   const Parameters& query = {});
+
+    ServiceRequest&& header(const std::string& name, std::string value) &&;
+
+    // "Content-Type" and "Accept" of JSON.
+    ServiceRequest&& jsonHeaders() &&;
+
+    // A body of JSON, without a header. A value that has no JSON leaves the request without a body.
+    template <class T> ServiceRequest&& json(const T& value, const JSONEncoder& encoder = {}) && {
+        if (auto text = encoder.encode(value)) {
+            request_.body = HTTPBody(*std::move(text));
+        }
+        return std::move(*this);
+    }
+
+    // A form-encoded body with its "Content-Type".
+    ServiceRequest&& form(const Parameters& parameters) &&;
+
+    // A multipart form with the file, which is opened when the request is sent. A file that is not there then
+    // is logged under the function's name, and nothing is sent.
+    ServiceRequest&& upload(std::filesystem::path file, Parameters parameters = {},
+                            std::string fieldName = "file",
+                            std::string_view function = "uploadFile(fromPath:completion:)") &&;
+
+    // What a client sends; called for each try.
+    RequestMaker maker() &&;
+
+  private:
+    URLRequest request_;
+    std::function<bool(URLRequest&)> addBody_; // when the request is sent
+};
+
+// An identifier or a name as one segment of a path.
+std::string pathSegment(std::string_view text);
+
+} // namespace zelto
