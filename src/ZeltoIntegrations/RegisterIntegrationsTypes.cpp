@@ -1,6 +1,6 @@
 #include <ZeltoIntegrations/RegisterIntegrationsTypes.h>
 
-#include <ZeltoIntegrations/Asana/AsanaWorkspace.h>
+#include <ZeltoIntegrations/Asana/AsanaRecords.h>
 #include <ZeltoIntegrations/OneNote/OneNoteNotebook.h>
 #include <ZeltoIntegrations/Todoist/TodoistProject.h>
 

@@ -1,6 +1,7 @@
 // Which class serves which service: the three factories of the manager.
 
 #include <ZeltoIntegrations/Agenda/AgendaExporter.h>
+#include <ZeltoIntegrations/Asana/AsanaExporter.h>
 #include <ZeltoIntegrations/Bear/BearExporter.h>
 #include <ZeltoIntegrations/IntegrationsManager.h>
 #include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
@@ -43,7 +44,7 @@ constexpr ExporterRow exporters[] = {
     {ServiceType::Type2Do, make<TwoDoExporter>},
     {ServiceType::Things, make<ThingsExporter>},
     {ServiceType::TodoIst, nullptr},
-    {ServiceType::Asana, nullptr},
+    {ServiceType::Asana, make<AsanaExporter>},
     {ServiceType::OneNote, nullptr},
     {ServiceType::Evernote, nullptr},
     {ServiceType::Trello, make<TrelloExporter>},

@@ -84,6 +84,7 @@ template <std::derived_from<NetworkExporter> Exporter> class NetworkExport : pub
         account.credentials = ServiceAccountCredentials::forIdentifier(account.identifier());
         auto secrets = *account.credentials;
         secrets.accessToken = "token";
+        secrets.expirationDate = Date::distantFuture();
         ServiceCredentialsManager::store(secrets);
     }
 };

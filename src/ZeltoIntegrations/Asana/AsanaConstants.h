@@ -2,12 +2,13 @@
 
 #include <ZeltoIntegrations/Accounts/Secrets.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace zelto {
 
-// The values of the service's OAuth 2.0 sign-in.
+// The values of the service's OAuth 2.0 sign-in, and its limits.
 struct AsanaConstants {
     AsanaConstants() = delete;
 
@@ -22,6 +23,9 @@ struct AsanaConstants {
     static constexpr std::string_view responseType = "code";
     static constexpr std::string_view scope =
         "projects:read users:read workspaces:read attachments:write tasks:write";
+
+    // Bytes of one attachment, as the service publishes it.
+    static constexpr std::int64_t attachmentSizeLimit = std::int64_t{100} << 20;
 };
 
 } // namespace zelto

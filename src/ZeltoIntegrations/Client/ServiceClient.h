@@ -23,7 +23,7 @@ namespace zelto {
 //
 // Any thread. Completions are called on the thread on which the session delivers, or on which a request was
 // refused. Releasing the client stops nothing: each completion still comes.
-class ServiceClient : public CancellableServiceClient {
+class ServiceClient : public CancellableServiceClient, public std::enable_shared_from_this<ServiceClient> {
   public:
     ServiceClient(std::shared_ptr<ServiceAuthoriser> authoriser, JSONDecoder decoder);
     ~ServiceClient() override;

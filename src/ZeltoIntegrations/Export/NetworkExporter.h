@@ -39,7 +39,16 @@ class NetworkExporter : public StepExporter {
     static Completion<T, ServiceClientError> reported(StepRun& run, Making making, StepCompletion<R> done,
                                                       ResultOf resultOf, IdentifierOf identifierOf);
 
-    // The same for a request whose value is the identifier, or has none.
+    // The same for a request whose value holds the identifier, is it, or has none.
+    template <class T>
+    static Completion<T, ServiceClientError> reported(StepRun& run, Making making, std::string T::*identifier,
+                                                      StepCompletion<std::string> done) {
+        return reported<T, std::string>(
+            run, std::move(making), std::move(done),
+            [identifier](auto value) { return std::move((*value).*identifier); },
+            [identifier](const auto& value) { return std::optional((*value).*identifier); });
+    }
+
     static Completion<std::string, ServiceClientError> reported(StepRun& run, Making making,
                                                                 StepCompletion<std::string> done);
     static Completion<void, ServiceClientError> reported(StepRun& run, Making making,

@@ -6,6 +6,10 @@
 
 namespace zelto {
 
+IntegrationExportPreview StepExporter::pdfPreview() const {
+    return IntegrationExportPreview::pdf(ExportServiceHelper::pdfName(dataInteractor().title()));
+}
+
 StepExporter::ExportSteps StepExporter::exportSteps(FailureRule rule, std::size_t unitCount,
                                                     ResultMediator<void> finish) {
     auto report = std::make_shared<ExportReportLog>();

@@ -31,6 +31,21 @@ class StepExporter : public ServiceExporter {
     template <class R> using StepCompletion = Completion<R, IntegrationExportError>;
     template <class R> using LoadCompletion = Completion<R, IntegrationLoadError>;
 
+    // The preview of an export as a PDF.
+    IntegrationExportPreview pdfPreview() const;
+
+    // Asks the host for the attachments and offers the configuration that the function makes with them, each
+    // marked by the exporter's validator.
+    template <class Exporter, class Configuration>
+    void offer(Exporter& exporter, Configuration (Exporter::*make)(IntegrationAttachments) const,
+               Completion<Configuration, IntegrationLoadError> completion) {
+        dataInteractor().availableAttachments(
+            [self = shared_from_this(), &exporter, make,
+             completion = std::move(completion)](const IntegrationAttachments& available) mutable {
+                completion((exporter.*make)(exporter.createAttachmentsValidator().validate(available)));
+            });
+    }
+
     // The steps of one export, whose result `finish` gets.
     ExportSteps exportSteps(FailureRule rule, std::size_t unitCount, ResultMediator<void> finish);
 

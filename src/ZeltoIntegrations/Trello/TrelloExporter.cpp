@@ -1,7 +1,5 @@
 #include <ZeltoIntegrations/Trello/TrelloExporter.h>
 
-#include <ZeltoIntegrations/Content/AttachmentsValidation.h>
-#include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 #include <ZeltoIntegrations/Trello/TrelloAuthoriser.h>
 #include <ZeltoIntegrations/Trello/TrelloClient.h>
 #include <ZeltoIntegrations/Trello/TrelloConstants.h>
@@ -27,19 +25,17 @@ constexpr ContentText previews[] = {
 
 void TrelloExporter::loadConfiguration(
     Completion<TrelloExportConfiguration, IntegrationLoadError> completion) {
-    dataInteractor().availableAttachments(
-        [self = shared_from_this(), this, completion = std::move(completion)](
-            const IntegrationAttachments& available) mutable { completion(offered(available)); });
+    offer(*this, &TrelloExporter::offered, std::move(completion));
 }
 
-TrelloExportConfiguration TrelloExporter::offered(const IntegrationAttachments& available) const {
+TrelloExportConfiguration TrelloExporter::offered(IntegrationAttachments attachments) const {
     const auto types = contentTypes(exportTarget());
     auto saveTo = lastExportInfo();
     return {
         .saveTo = saveTo ? std::move(saveTo) : createDefaultSaveToInfo(),
         .saveAs = lastExportContentType().value_or(types.default_),
         .userTitle = dataInteractor().title(),
-        .attachments = validated(available),
+        .attachments = std::move(attachments),
         .supportedContentTypes = types.supported,
     };
 }
@@ -54,13 +50,12 @@ std::optional<TrelloSaveToInfo> TrelloExporter::createDefaultSaveToInfo() const 
     return TrelloSaveToInfo{.board = std::move(first), .list = std::move(list)};
 }
 
-IntegrationAttachments TrelloExporter::validated(const IntegrationAttachments& attachments) const {
+ServiceExporterAttachmentsValidator TrelloExporter::createAttachmentsValidator() const {
     const auto known = user();
     const auto sizeLimit = known && known->isPremium ? TrelloConstants::attachmentSizeLimitForPremiumAccount
                                                      : TrelloConstants::attachmentSizeLimitForFreeAccount;
     return ServiceExporterAttachmentsValidator(sizeLimit, TrelloConstants::attachmentsCountLimit,
-                                               std::nullopt)
-        .validate(attachments);
+                                               std::nullopt);
 }
 
 IntegrationExportContentTypes TrelloExporter::contentTypes(IntegrationExportTarget) const {
@@ -70,8 +65,7 @@ IntegrationExportContentTypes TrelloExporter::contentTypes(IntegrationExportTarg
 void TrelloExporter::loadPreview(IntegrationExportContentType type,
                                  Callback<std::optional<IntegrationExportPreview>> completion) {
     if (type == Type::pdf) {
-        return completion(
-            IntegrationExportPreview::pdf(ExportServiceHelper::pdfName(dataInteractor().title())));
+        return completion(pdfPreview());
     }
     loadTextPreview(dataInteractor(), type, previews, {}, std::move(completion));
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ZeltoIntegrations/Content/AttachmentsValidation.h>
 #include <ZeltoIntegrations/Export/CachedValue.h>
 #include <ZeltoIntegrations/Export/NetworkExporter.h>
 #include <ZeltoIntegrations/Trello/TrelloExportConfiguration.h>
@@ -32,6 +33,9 @@ class TrelloExporter final : public NetworkExporter {
     // A stored target is offered as it stands, whether or not its board is still there.
     void loadConfiguration(Completion<TrelloExportConfiguration, IntegrationLoadError> completion);
 
+    // By the plan of the user that was loaded last.
+    ServiceExporterAttachmentsValidator createAttachmentsValidator() const;
+
     // The target plays no part.
     IntegrationExportContentTypes contentTypes(IntegrationExportTarget target) const;
 
@@ -57,8 +61,7 @@ class TrelloExporter final : public NetworkExporter {
     using CardID = std::string;
 
     std::optional<TrelloSaveToInfo> createDefaultSaveToInfo() const;
-    TrelloExportConfiguration offered(const IntegrationAttachments& available) const;
-    IntegrationAttachments validated(const IntegrationAttachments& attachments) const;
+    TrelloExportConfiguration offered(IntegrationAttachments attachments) const;
 
     void load(StepRun& run, bool force, LoadCompletion<std::optional<TrelloFullData>> done);
     void loadBoards(TrelloClient& client, std::optional<IntegrationLoadError> userError,

@@ -67,6 +67,7 @@ TEST_F(HostileHost, ATitleThatThrowsEndsTheExportOnce) {
     one.data->onTitle = throwAnything;
     EXPECT_EQ(one.run().error(), Error::internalError);
     EXPECT_EQ(one.interactor->exportEvents().at(0).exportError, "internalError");
+    EXPECT_TRUE(contained.haveCome(2));
 }
 
 TEST_F(HostileHost, AnOpenerThatThrowsEndsTheExportOnce) {

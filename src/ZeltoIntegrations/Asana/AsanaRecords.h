@@ -19,6 +19,7 @@ struct AsanaProject {
 
 ZELTO_JSON_CODED(AsanaProject);
 
+// The account's own user, or a member of a workspace.
 struct AsanaUser {
     std::string id;
     std::optional<std::string> name;
@@ -40,5 +41,35 @@ struct AsanaWorkspace {
 };
 
 ZELTO_JSON_CODED(AsanaWorkspace);
+
+// What the exporter loads of an account.
+struct AsanaFullData {
+    AsanaUser user;
+    std::vector<AsanaWorkspace> workspaces;
+
+    bool operator==(const AsanaFullData&) const = default;
+};
+
+ZELTO_JSON_CODED(AsanaFullData);
+
+struct AsanaTask {
+    std::string ID; // "gid" of the service
+    std::optional<std::string> name;
+
+    bool operator==(const AsanaTask&) const = default;
+};
+
+ZELTO_JSON_CODED(AsanaTask);
+
+// Where a task goes: the workspace as it was when it was chosen, a project in it, and whose the task is.
+struct AsanaSaveToInfo {
+    AsanaWorkspace workspace;
+    AsanaProject project;
+    AsanaUser user;
+
+    bool operator==(const AsanaSaveToInfo&) const = default;
+};
+
+ZELTO_JSON_CODED(AsanaSaveToInfo);
 
 } // namespace zelto

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <ZeltoIntegrations/Asana/AsanaExportConfiguration.h>
+#include <ZeltoIntegrations/Asana/AsanaRecords.h>
+#include <ZeltoIntegrations/Content/AttachmentsValidation.h>
+#include <ZeltoIntegrations/Export/CachedValue.h>
+#include <ZeltoIntegrations/Export/NetworkExporter.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+class AsanaClient;
+
+// Makes a task in a project of a workspace, with the message as a PDF and attachments. A task that was made
+// stays when something behind it fails; the PDF and the fetched attachments stay where they were written.
+class AsanaExporter final : public NetworkExporter {
+  public:
+    using NetworkExporter::NetworkExporter;
+
+    using Configuration = AsanaExportConfiguration;
+    using FullData = AsanaFullData;
+
+    // What was loaded last, and where the last task went; kept in the account.
+    CachedValue<AsanaSaveToInfo> lastExportInfo{*this, "lastExportInfo"};
+    CachedValue<AsanaUser> myUser{*this, "myUser"};
+    CachedValue<std::vector<AsanaWorkspace>> myWorkspaces{*this, "myWorkspaces"};
+
+    // A stored target is offered as it stands, whether or not its project is still there.
+    void loadConfiguration(Completion<AsanaExportConfiguration, IntegrationLoadError> completion);
+
+    ServiceExporterAttachmentsValidator createAttachmentsValidator() const;
+
+    // The target plays no part.
+    IntegrationExportContentTypes contentTypes(IntegrationExportTarget target) const;
+
+    // No value for a type that is not supported.
+    void loadPreview(IntegrationExportContentType type,
+                     Callback<std::optional<IntegrationExportPreview>> completion);
+
+    // The user and the workspaces: those that were loaded last, or with `force` from the service. No value
+    // where they were never loaded.
+    void loadData(bool force, Completion<std::optional<AsanaFullData>, IntegrationLoadError> completion);
+
+    // Fails with `unsupportedFormat` before it returns; with `convertError` without a PDF, `oauthError`
+    // without credentials, `createTaskError` without a task, `internalError` for an attachment that the host
+    // does not have, `uploadAttachmentError` for a file that the service does not take, and `canceled`.
+    std::shared_ptr<ExportProgress> export_(AsanaExportConfiguration configuration,
+                                            Completion<void, IntegrationExportError> completion);
+
+    // Loads from the service.
+    void fetchServiceData(Completion<void, IntegrationLoadError> withCompletion) override;
+    std::optional<std::string> loadUserEmail() override;
+
+  private:
+    using TaskID = std::string;
+
+    AsanaExportConfiguration offered(IntegrationAttachments attachments) const;
+    std::optional<AsanaSaveToInfo> createDefaultSaveToInfo() const;
+
+    void load(StepRun& run, bool force, LoadCompletion<std::optional<AsanaFullData>> done);
+    std::optional<AsanaFullData> loadedData() const;
+
+    void createAsanaTask(StepRun& run, const AsanaExportConfiguration& configuration,
+                         StepCompletion<TaskID> done);
+    void uploadPdf(StepRun& run, const Step<File>& pdf, const Step<TaskID>& task, StepCompletion<void> done);
+    void uploadAttachment(StepRun& run, std::int64_t withPk, const Step<TaskID>& forTask,
+                          StepCompletion<void> done);
+    void uploadFile(StepRun& run, const File& file, const TaskID& forTaskId, StepCompletion<void> done);
+    std::shared_ptr<AsanaClient> createAsanaClient(StepRun& run);
+};
+
+} // namespace zelto
