@@ -191,14 +191,11 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
             containingExceptions("The completion of an export", [&] { (*closing)(result); });
         };
         // Without an original there is nothing to compare with, so nothing counts as changed.
-        const bool isAsked = containingExceptions("The loading of a configuration", [&] {
+        containingExceptions("The loading of a configuration", [&] {
             originalConfigBlock([conclude, configuration](const Result<C, IntegrationLoadError>& original) {
                 conclude(original ? *original : configuration);
             });
         });
-        if (!isAsked && *closing) {
-            conclude(configuration);
-        }
     }
 
     void postExportEvent(IntegrationExportContentType exportType,

@@ -92,11 +92,11 @@ template <class E> class TypedRun : public StepRun {
         : StepRun(std::move(progress), std::move(report)), rule_(rule), finish_(std::move(finish)) {}
 
     // The error with which a step ends uncalled.
-    std::optional<E> reasonToSkip() const {
+    std::optional<E> reasonToSkip(std::size_t index) const {
         if (isCancelled()) {
             return CancelledError<E>::value;
         }
-        return rule_ == FailureRule::stop ? firstFailure() : std::nullopt;
+        return rule_ == FailureRule::stop ? firstFailure(index) : std::nullopt;
     }
 
     // What becomes of a step's result: a success counts; what ends after cancelling was cancelled.
@@ -107,16 +107,14 @@ template <class E> class TypedRun : public StepRun {
         if (isCancelled()) {
             result = failure(CancelledError<E>::value);
         }
-        if (!result) {
-            const std::lock_guard guard(failuresLock_);
-            failures_.emplace(index, result.error());
-        }
+        const std::lock_guard guard(outcomesLock_);
+        outcomes_.emplace(index, result ? std::nullopt : std::optional(result.error()));
         return result;
     }
 
-    // The last step.
-    void conclude() {
-        const auto error = decisiveFailure();
+    // The last step, behind so many others.
+    void conclude(std::size_t stepCount) {
+        const auto error = decisiveStep_ ? failureOf(*decisiveStep_) : firstFailure(stepCount);
         if (!error) {
             countRemainder();
         }
@@ -130,7 +128,7 @@ template <class E> class TypedRun : public StepRun {
     void end(Result<void, E> result) {
         Finish finish;
         {
-            const std::lock_guard guard(failuresLock_);
+            const std::lock_guard guard(outcomesLock_);
             finish = std::exchange(finish_, nullptr);
         }
         if (finish) {
@@ -143,24 +141,26 @@ template <class E> class TypedRun : public StepRun {
     void endAs(std::size_t index) { decisiveStep_ = index; }
 
   private:
-    std::optional<E> firstFailure() const {
-        const std::lock_guard guard(failuresLock_);
-        return failures_.empty() ? std::nullopt : std::optional(failures_.begin()->second);
+    // A step without an outcome was never called back by a host that drops its callbacks on purpose.
+    std::optional<E> failureOf(std::size_t index) const {
+        const std::lock_guard guard(outcomesLock_);
+        const auto found = outcomes_.find(index);
+        return found == outcomes_.end() ? std::optional(E::internalError) : found->second;
     }
 
-    std::optional<E> decisiveFailure() const {
-        if (!decisiveStep_) {
-            return firstFailure();
+    std::optional<E> firstFailure(std::size_t stepCount) const {
+        for (std::size_t index = 0; index < stepCount; ++index) {
+            if (const auto error = failureOf(index)) {
+                return error;
+            }
         }
-        const std::lock_guard guard(failuresLock_);
-        const auto found = failures_.find(*decisiveStep_);
-        return found == failures_.end() ? std::nullopt : std::optional(found->second);
+        return std::nullopt;
     }
 
     const FailureRule rule_;
     std::optional<std::size_t> decisiveStep_;
-    mutable std::mutex failuresLock_; // guards what follows
-    std::map<std::size_t, E> failures_;
+    mutable std::mutex outcomesLock_; // guards what follows
+    std::map<std::size_t, std::optional<E>> outcomes_;
     Finish finish_;
 };
 
@@ -188,7 +188,7 @@ template <class Owner, class E> class Steps {
             Completion<R, E> end = [run, owner, index, done = std::move(done)](Result<R, E> result) mutable {
                 done(run->ended(index, std::move(result)));
             };
-            if (const auto error = run->reasonToSkip()) {
+            if (const auto error = run->reasonToSkip(index)) {
                 return end(failure(*error));
             }
             (static_cast<Class&>(*owner).*step)(*run, arguments..., std::move(end));
@@ -202,7 +202,8 @@ template <class Owner, class E> class Steps {
 
     // Adds the step that ends the run, and starts.
     std::shared_ptr<ExportProgress> execute() {
-        const auto last = TaskRunner::createSyncTask([run = run_] { run->conclude(); });
+        const auto last = TaskRunner::createSyncTask(
+            [run = run_, stepCount = operations_.size()] { run->conclude(stepCount); });
         last->setCompletionBlock([run = run_] { run->end(failure(CancelledError<E>::value)); });
         operations_.push_back(last);
         run_->begin(operations_);

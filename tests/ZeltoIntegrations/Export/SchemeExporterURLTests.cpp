@@ -125,17 +125,16 @@ TYPED_TEST(SchemeExporterURLTest, AnExportCancelledFromItsProgressHandlerIsCance
     EXPECT_EQ(this->one.interactor->openedURLs().size(), 1u) << "only the last step opens";
 }
 
-TYPED_TEST(SchemeExporterURLTest, AnExportWithTheStubNeverCompletesAndKeepsNothing) {
-    // The steps behind the one that waits are let go of, and the completion with them.
+TYPED_TEST(SchemeExporterURLTest, AnExportWithTheStubEndsWithInternalErrorAndKeepsNothing) {
     const DroppedCallbacks dropped;
-    std::atomic<bool> completed = false;
+    Completed<ExporterResult<void>> completed;
     auto exporter = this->one.exporterFor(std::make_shared<IntegrationsDataInteractorStub>());
     const std::weak_ptr<TypeParam> weakly = exporter;
-    const auto progress =
-        exporter->export_(this->one.configuration, [&completed](ExporterResult<void>) { completed = true; });
+    const auto progress = exporter->export_(
+        this->one.configuration, completed.template callback<Completion<void, IntegrationExportError>>());
     exporter.reset();
+    EXPECT_EQ(completed.value().error(), IntegrationExportError::internalError);
     EXPECT_TRUE(isGone(weakly));
-    EXPECT_FALSE(completed);
     EXPECT_EQ(progress->completedUnitCount(), 0);
 }
 
