@@ -35,7 +35,10 @@ class LVXAsyncOperation::Ending {
 void LVXAsyncOperation::main() {
     mainThread_ = std::this_thread::get_id();
     auto self = std::static_pointer_cast<LVXAsyncOperation>(shared_from_this());
-    asyncMain([ending = std::make_shared<Ending>(std::move(self))] { ending->come(); });
+    auto ending = std::make_shared<Ending>(std::move(self));
+    // Whoever still has the callback when the function throws ends the operation by it.
+    containingExceptions("An operation",
+                         [&] { asyncMain([ending = std::move(ending)] { ending->come(); }); });
     mainThread_ = std::thread::id();
     if (wasDroppedInMain_) {
         finish();
