@@ -1,7 +1,6 @@
 #pragma once
 
-// For MediaTypes alone: the facts, as of 2025, of IANA's registry and of Debian's media-types package, and
-// the types in use for what neither knows.
+// For MediaTypes alone: the two tables that the build makes of MediaTypes.txt.
 
 #include <span>
 #include <string_view>
@@ -18,7 +17,10 @@ struct ExtensionOfMediaType {
     std::string_view extension;
 };
 
+// Sorted by extension.
 std::span<const MediaTypeOfExtension> mediaTypesOfExtensions();
+// Sorted by type, in lower case: the types whose usual extension is not the first one with that type in the
+// other table, and those that no extension has.
 std::span<const ExtensionOfMediaType> preferredExtensions();
 
 } // namespace zelto
