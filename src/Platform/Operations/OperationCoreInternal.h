@@ -20,7 +20,7 @@ namespace zelto {
 
 using OperationList = std::vector<std::shared_ptr<Operation>>;
 
-// Operations that may begin, the one added to the queue first in front. It owns none of them.
+// Operations that may begin, in the order in which they were added to the queue. It owns none of them.
 class ReadyOperations {
   public:
     bool isEmpty() const { return inOrder_.empty() && late_.empty(); }
@@ -43,9 +43,24 @@ class ReadyOperations {
 // The state of an OperationQueue, which outlives it as long as operations are in it. They and the core own
 // each other until each has finished.
 //
-// Threads of the pool run drain(), which takes one ready operation after another. At most one of its jobs
-// waits in the pool at a time: who takes an operation and sees that more could run posts the next. Locks are
-// taken in the order core, operation; never an operation's before the core's.
+// Every request and every step of an export is an operation, so one should cost no more than a function that
+// is posted to a plain thread pool. That is why
+// - the queue is a list whose links are members of the operations, and only operations with dependencies or a
+//   completion block allocate Operation::Links;
+// - what is ready is kept in a deque in the order of addition, with a map only for what becomes ready late;
+// - a job of the pool runs drain(), which takes one ready operation after another, until its time slice is
+// over
+//   and other work waits. At most one of these jobs waits in the pool at a time: a thread that takes an
+//   operation and sees that more could run posts the next;
+// - an operation that drain() ran is removed from the queue under the lock that drain() takes for the next.
+//
+// Measured by bench/OperationQueueBench on two cores: 180 ns for an empty operation, its creation included,
+// while posting an empty function to Boost.Asio's thread_pool takes 360 ns. With a job of the pool for each
+// operation it would be 260 ns, and 350 ns instead of 180 ns in a chain where each depends on the one before.
+//
+// The price: members of Operation that belong to the queue and are guarded by its lock; finishing in two
+// steps, conclude() and the removal from the queue; and a fixed order of locks, first the core's, then an
+// operation's, never the other way round.
 class OperationCore : public std::enable_shared_from_this<OperationCore> {
   public:
     explicit OperationCore(std::string name);
