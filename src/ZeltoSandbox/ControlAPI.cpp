@@ -1,6 +1,7 @@
 #include <ZeltoSandbox/ControlAPI.h>
 
 #include <ZeltoSandbox/FaultList.h>
+#include <ZeltoSandbox/JSONBody.h>
 
 #include <Platform/Numbers.h>
 
@@ -26,10 +27,9 @@ std::optional<std::uint64_t> startOf(std::string_view query) {
     return items ? numberIn<std::uint64_t>(valueOf(*items, "after").value_or("0")) : std::nullopt;
 }
 
-std::string textMember(const JSONValue& json, std::string_view key) {
-    const auto* member = json.find(key);
-    const auto* text = member ? member->asString() : nullptr;
-    return text ? *text : std::string();
+std::string serviceName(const JSONValue& json) {
+    const auto* name = textMember(json, "service");
+    return name ? *name : std::string();
 }
 
 // What is wrong with the member; nothing if it is good.
@@ -129,9 +129,8 @@ SandboxResponse ControlAPI::change(std::string_view path, const JSONValue& json)
         return issueTokens(json);
     }
     if (path == "expire") {
-        return desk_.expireTokens(textMember(json, "service"))
-                   ? done()
-                   : refused(400, "\"service\" has to name a service.");
+        return desk_.expireTokens(serviceName(json)) ? done()
+                                                     : refused(400, "\"service\" has to name a service.");
     }
     if (path == "reset") {
         desk_.reset();
@@ -156,7 +155,7 @@ SandboxResponse ControlAPI::changeSettings(const JSONValue& json) const {
 }
 
 SandboxResponse ControlAPI::issueTokens(const JSONValue& json) const {
-    const auto tokens = desk_.issueTokens(textMember(json, "service"));
+    const auto tokens = desk_.issueTokens(serviceName(json));
     if (!tokens) {
         return refused(400, "\"service\" has to name a service that has a sign-in.");
     }

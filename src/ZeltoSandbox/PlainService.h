@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ZeltoSandbox/BearerAccess.h>
 #include <ZeltoSandbox/SandboxService.h>
 
 #include <string>
@@ -17,8 +18,8 @@ class PlainService final : public SandboxService {
     PlainService(SandboxContext& context, std::string name) : context_(context), name_(std::move(name)) {}
 
     SandboxResponse answer(const SandboxRequest& request) override {
-        if (const auto problem = bearerProblem(request, context_.tokens, name_); !problem.empty()) {
-            return failure(401).because(std::string(problem));
+        if (const auto grant = bearerGrant(request, context_.tokens, name_); !grant) {
+            return failure(401).because(grant.error());
         }
         return SandboxResponse::text(
                    "The sandbox has no " + request.method + " " + request.path + " of " + name_ + ".\n", 501)

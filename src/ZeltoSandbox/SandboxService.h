@@ -32,6 +32,10 @@ struct SandboxContext {
     SandboxSettings settings;
 };
 
+// A number of records a page, where the service takes it from the query: nullopt for what is no number of
+// that range.
+std::optional<std::size_t> pageLimit(std::string_view text, std::size_t least, std::size_t most);
+
 // Stands for one outside service. All calls come one at a time.
 class SandboxService {
   public:
@@ -81,11 +85,5 @@ const SandboxEndpoint<Service>* endpointFor(const SandboxRequest& request,
     }
     return nullptr;
 }
-
-// The token of an "Authorization: Bearer …" header; nothing without one.
-std::optional<std::string> bearerToken(const SandboxRequest& request);
-
-// What is wrong with the request's bearer token for the service; empty if it is good.
-std::string_view bearerProblem(const SandboxRequest& request, TokenStore& tokens, std::string_view service);
 
 } // namespace zelto::sandbox

@@ -2,6 +2,7 @@
 
 #include <Platform/ASCII.h>
 
+#include <ZeltoSandbox/BearerAccess.h>
 #include <ZeltoSandbox/Masking.h>
 
 #include <algorithm>

@@ -23,7 +23,7 @@ class Page(Case):
 
     def test_every_file_of_the_page_comes_with_the_strict_policy(self):
         self.show()
-        for path in ("/", "/page.css", "/page.js", "/text.js", "/trello.js", "/requests.js"):
+        for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/trello.js", "/requests.js"):
             names = ["content-security-policy", "x-content-type-options", "cache-control"]
             fields = self.tab.run(f"fetch('{path}').then((answer) => {names}.map((name) => answer.headers.get(name)))")
             self.assertEqual(fields, [POLICY, "nosniff", "no-store"], path)

@@ -30,18 +30,6 @@ std::string addressWith(const std::string& redirect, const std::vector<URLQueryI
     return address;
 }
 
-// Scopes are separated by blanks, some services take commas.
-bool hasScope(std::string_view scopes, std::string_view wanted) {
-    while (!scopes.empty()) {
-        const auto end = std::min(scopes.find_first_of(" ,"), scopes.size());
-        if (scopes.substr(0, end) == wanted) {
-            return true;
-        }
-        scopes.remove_prefix(std::min(end + 1, scopes.size()));
-    }
-    return false;
-}
-
 bool asksForRefresh(const OAuthService& service, const SandboxRequest& request) {
     switch (service.firstRefresh) {
     case FirstRefreshToken::never:

@@ -2,10 +2,27 @@
 
 #include <Platform/Crypto/RandomBytes.h>
 
+#include <algorithm>
+
 namespace zelto::sandbox {
 
 std::string newSecret() {
     return std::string(secretPrefix) + randomToken();
+}
+
+bool hasScope(std::string_view scopes, std::string_view wanted) {
+    while (!scopes.empty()) {
+        const auto end = std::min(scopes.find_first_of(" ,"), scopes.size());
+        if (scopes.substr(0, end) == wanted) {
+            return true;
+        }
+        scopes.remove_prefix(std::min(end + 1, scopes.size()));
+    }
+    return false;
+}
+
+bool coversScope(const TokenGrant& grant, std::string_view scope) {
+    return grant.scope.empty() || hasScope(grant.scope, scope);
 }
 
 TokenStanding TokenStore::standing(std::string_view service, std::string_view token) {

@@ -20,6 +20,13 @@ struct TokenGrant {
 
 enum class TokenStanding { valid, expired, unknown };
 
+// Whether a list of scopes, separated by blanks or commas, has the wanted one.
+bool hasScope(std::string_view scopes, std::string_view wanted);
+
+// Whether a token of this grant may be used for what needs the scope. A grant without scopes, which is a
+// service's default and what the control API issues, covers all.
+bool coversScope(const TokenGrant& grant, std::string_view scope);
+
 // The tokens that the sandbox has given out.
 class TokenStore {
   public:

@@ -1,7 +1,7 @@
 #include <ZeltoSandbox/Trello/TrelloSandbox.h>
 
-#include <Platform/MediaTypes.h>
-#include <Platform/Numbers.h>
+#include <ZeltoSandbox/UploadedFile.h>
+
 #include <Platform/PercentEncoding.h>
 #include <Platform/Result.h>
 #include <Platform/Text.h>
@@ -24,23 +24,25 @@ SandboxResponse refused(int status, std::string text) {
     return SandboxResponse::text(text, status).because(std::move(text));
 }
 
-bool hasScope(std::string_view scopes, std::string_view wanted) {
-    while (!scopes.empty()) {
-        const auto end = std::min(scopes.find(','), scopes.size());
-        if (scopes.substr(0, end) == wanted) {
-            return true;
-        }
-        scopes.remove_prefix(std::min(end + 1, scopes.size()));
-    }
-    return false;
-}
-
 bool isShownBy(std::string_view filter, bool closed) {
     return filter == "all" || (filter == "open" && !closed) || (filter == "closed" && closed);
 }
 
 bool isFilter(std::string_view text) {
     return text == "all" || text == "open" || text == "closed" || text == "none";
+}
+
+SandboxResponse uploadRefusal(UploadProblem problem) {
+    switch (problem) {
+    case UploadProblem::several:
+        return refused(400, "only one file at a time");
+    case UploadProblem::tooLarge:
+        return refused(413, "File too large");
+    case UploadProblem::missing:
+    case UploadProblem::unnamed:
+        break;
+    }
+    return refused(400, "invalid value for file");
 }
 
 constexpr std::size_t largestPage = 1000;
@@ -63,11 +65,11 @@ Result<Cards, std::string> pageOf(const SandboxRequest& request, std::vector<Tre
     }
     auto count = first < last ? static_cast<std::size_t>(last - first) : 0;
     if (const auto limit = request.queryValue("limit")) {
-        const auto most = numberIn<std::size_t>(*limit);
-        if (!most || *most > largestPage) {
+        const auto wanted = pageLimit(*limit, 0, largestPage);
+        if (!wanted) {
             return failure(std::string("invalid value for limit"));
         }
-        count = std::min(count, *most);
+        count = std::min(count, *wanted);
     }
     return Cards(last - static_cast<std::ptrdiff_t>(count), last);
 }
@@ -241,11 +243,12 @@ SandboxResponse TrelloSandbox::addAttachment(const SandboxRequest& request) {
     if (place.card->attachments.size() >= largestAttachmentCount) {
         return refused(403, "The card has as many attachments as it may.");
     }
-    const auto isFile = [](const FormPart& part) { return part.name == "file"; };
-    const auto file = std::ranges::find_if(request.parts, isFile);
-    if (file != request.parts.end()) {
-        return std::ranges::count_if(request.parts, isFile) > 1 ? refused(400, "only one file at a time")
-                                                                : addFile(request, place, *file);
+    const auto file = filePart(request, "file", attachmentLimit());
+    if (file) {
+        return addFile(request, place, **file);
+    }
+    if (file.error() != UploadProblem::missing) {
+        return uploadRefusal(file.error());
     }
     const auto url = request.parameter("url");
     if (!url || !(url->starts_with("http://") || url->starts_with("https://")) || !URL::parse(*url)) {
@@ -263,30 +266,19 @@ SandboxResponse TrelloSandbox::addAttachment(const SandboxRequest& request) {
 
 SandboxResponse TrelloSandbox::addFile(const SandboxRequest& request, const TrelloPlace& place,
                                        const FormPart& file) {
-    if (!file.fileName || file.fileName->empty()) {
-        return refused(400, "invalid value for file");
-    }
-    if (file.content.size > attachmentLimit()) {
-        return refused(413, "File too large");
-    }
     const auto name = request.parameter("name").value_or(*file.fileName);
-    const auto dot = name.rfind('.');
-    const auto guessed =
-        dot == std::string::npos ? std::nullopt : mediaTypeForExtension(name.substr(dot + 1));
-    const bool isTold = file.contentType != "text/plain" && file.contentType != "application/octet-stream";
-    const auto type =
-        request.parameter("mimeType")
-            .value_or(isTold ? file.contentType : std::string(guessed.value_or(file.contentType)));
+    const auto stored = storedFile(context_.files, file, name,
+                                   request.parameter("mimeType").value_or(mediaTypeOfFile(file, name)));
     const auto id = store_.newID();
     const auto& added = place.card->attachments.emplace_back(TrelloAttachmentRecord{
         .id = id,
         .name = name,
-        .mimeType = type,
-        .bytes = file.content.size,
+        .mimeType = stored.mediaType,
+        .bytes = stored.size,
         .date = Date::now(),
         .url = "https://trello.com/1/cards/" + place.card->id + "/attachments/" + id + "/download/" +
                percentEncodeBytes(name, AllowedCharacters::pathSegment),
-        .path = context_.files.add(file.content, name, type),
+        .path = stored.path,
     });
     return SandboxResponse::json(trelloAttachmentJSON(added));
 }

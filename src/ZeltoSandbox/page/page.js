@@ -1,15 +1,14 @@
 import { addRequests, forgetRequests } from "/requests.js";
-import { element } from "/text.js";
-import { showTrello } from "/trello.js";
-
-// What a service holds is shown by a function, which gets a place and the service's state and gives the number of
-// things that exports made there.
-const services = [{ key: "trello", title: "Trello", show: showTrello }];
+import { element, reconcile } from "/text.js";
 
 const retryTime = 1000;
 const quietTime = 150; // at least, and as long as a look took, so that a thousand requests do not make a thousand looks
 const byId = (id) => document.getElementById(id);
 const pause = (time) => new Promise((resolve) => setTimeout(resolve, time));
+
+// The modules that show what services hold, by the services' keys in the state. Each has its `title`, perhaps a
+// `styleSheet`, and `show`, which gets a place and the service's state and returns how many things exports made there.
+const modules = new Map();
 
 let last = 0; // number of the newest request that is shown
 let round = 0; // counts the starts
@@ -29,12 +28,39 @@ async function get(path) {
   return answer.json();
 }
 
+async function loadModule(key) {
+  const module = await import(`/${key}.js`);
+  if (module.styleSheet) {
+    document.head.append(Object.assign(element("link"), { rel: "stylesheet", href: module.styleSheet }));
+  }
+  modules.set(key, module);
+}
+
+function makeSection({ id, title }) {
+  const section = element("section");
+  const heading = element("h2", "", title);
+  heading.id = `${id}-title`;
+  section.setAttribute("aria-labelledby", heading.id);
+  section.append(heading, element("div"));
+  return section;
+}
+
+// A section for each service that has received something; returns how many things exports made.
+function showServices(keys, state) {
+  const made = byId("made");
+  reconcile(made, keys.map((key) => ({ id: key, title: modules.get(key).title })), makeSection, () => {});
+  const counts = keys.map((key, index) => modules.get(key).show(made.children[index].lastElementChild, state[key]));
+  return counts.reduce((sum, count) => sum + count, 0);
+}
+
 async function look() {
   const begun = round;
   const [state, received] = await Promise.all([get("/control/state"), get(`/control/requests?after=${last}`)]);
+  const keys = state.services.filter((each) => each.requests > 0).map((each) => each.name.toLowerCase())
+    .filter((key) => key in state);
+  await Promise.all(keys.filter((key) => !modules.has(key)).map(loadModule));
   if (begun !== round) return;
-  const made = services.map((each) => each.show(each.place, state[each.key] ?? {}));
-  byId("nothing-made").hidden = made.some((count) => count > 0);
+  byId("nothing-made").hidden = showServices(keys, state) > 0;
   addRequests(received.requests, state);
   last = received.requests.at(-1)?.number ?? last;
   byId("no-requests").hidden = last > 0;
@@ -85,16 +111,5 @@ function connect() {
   });
 }
 
-function makeSection(service) {
-  const section = element("section");
-  const title = element("h2", "", service.title);
-  title.id = `${service.key}-title`;
-  section.setAttribute("aria-labelledby", title.id);
-  service.place = element("div");
-  section.append(title, service.place);
-  return section;
-}
-
-byId("held").append(...services.map(makeSection));
 for (const place of document.getElementsByClassName("origin")) place.textContent = location.origin;
 connect();
