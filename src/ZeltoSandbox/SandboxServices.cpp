@@ -1,5 +1,6 @@
 #include <ZeltoSandbox/SandboxService.h>
 
+#include <ZeltoSandbox/Asana/AsanaSandbox.h>
 #include <ZeltoSandbox/PlainService.h>
 #include <ZeltoSandbox/Trello/TrelloSandbox.h>
 
@@ -12,7 +13,7 @@ namespace {
 // A service without a class of its own stands here by its hosts, with PlainService.
 const auto& rows = neverDestroyed(std::vector<SandboxServiceRow>{
     {"Trello", {"api.trello.com"}, TrelloSandbox::make},
-    {"Asana", {"app.asana.com"}, PlainService::make},
+    {"Asana", {"app.asana.com"}, AsanaSandbox::make},
     {"Todoist", {"api.todoist.com"}, PlainService::make},
     {"TickTick", {"api.ticktick.com"}, PlainService::make},
     {"MeisterTask", {"www.meistertask.com"}, PlainService::make},

@@ -34,6 +34,10 @@ std::string mediaTypeOfFile(const FormPart& part, std::string_view name) {
     return std::string(ofName.value_or(part.contentType));
 }
 
+JSONObject fileState(const UploadedFile& file) {
+    return {{"name", file.name}, {"mediaType", file.mediaType}, {"size", file.size}, {"url", file.path}};
+}
+
 UploadedFile storedFile(FileStore& files, const FormPart& part, std::string name, std::string mediaType) {
     auto path = files.add(part.content, name, mediaType);
     return {std::move(name), std::move(mediaType), part.content.size, std::move(path)};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Platform/JSON/JSONValue.h>
 #include <Platform/Result.h>
 #include <ZeltoSandbox/FileStore.h>
 #include <ZeltoSandbox/HTTP/SandboxRequest.h>
@@ -27,6 +28,9 @@ Result<const FormPart*, UploadProblem> filePart(const SandboxRequest& request, s
 // The media type that the part was sent with; where that says nothing, the one that the name's extension
 // stands for.
 std::string mediaTypeOfFile(const FormPart& part, std::string_view name);
+
+// As the page shows it: {"name", "mediaType", "size", "url"}.
+JSONObject fileState(const UploadedFile& file);
 
 // Stores the part, for the page to open.
 UploadedFile storedFile(FileStore& files, const FormPart& part, std::string name, std::string mediaType);

@@ -16,13 +16,15 @@ namespace zelto::sandbox {
 std::string newSecret();
 inline constexpr std::string_view secretPrefix = "zsb_";
 
-// Values by secrets that cannot be guessed, each for a time. Beyond the limit the oldest goes.
+// Values by texts that cannot be guessed, each for a time. Beyond the limit the oldest goes.
 template <class T> class SecretTable {
   public:
-    explicit SecretTable(std::size_t limit = 20'000) : limit_(limit) {}
+    // `makeText` makes the texts: those of newSecret are masked wherever a request is shown.
+    explicit SecretTable(std::size_t limit = 20'000, std::string (*makeText)() = newSecret)
+        : limit_(limit), makeText_(makeText) {}
 
     std::string add(T value, std::optional<TimeInterval> lifetime) {
-        auto secret = newSecret();
+        auto secret = makeText_();
         const auto end = lifetime ? std::optional(Date::now() + *lifetime) : std::nullopt;
         entries_.emplace(secret, Entry{std::move(value), end});
         order_.push_back(secret);
@@ -90,6 +92,7 @@ template <class T> class SecretTable {
     }
 
     std::size_t limit_;
+    std::string (*makeText_)();
     std::map<std::string, Entry, std::less<>> entries_;
     std::deque<std::string> order_;
 };
