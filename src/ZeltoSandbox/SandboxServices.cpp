@@ -2,6 +2,7 @@
 
 #include <ZeltoSandbox/Asana/AsanaSandbox.h>
 #include <ZeltoSandbox/PlainService.h>
+#include <ZeltoSandbox/Todoist/TodoistSandbox.h>
 #include <ZeltoSandbox/Trello/TrelloSandbox.h>
 
 #include <Platform/NeverDestroyed.h>
@@ -14,7 +15,7 @@ namespace {
 const auto& rows = neverDestroyed(std::vector<SandboxServiceRow>{
     {"Trello", {"api.trello.com"}, TrelloSandbox::make},
     {"Asana", {"app.asana.com"}, AsanaSandbox::make},
-    {"Todoist", {"api.todoist.com"}, PlainService::make},
+    {"Todoist", {"api.todoist.com"}, TodoistSandbox::make},
     {"TickTick", {"api.ticktick.com"}, PlainService::make},
     {"MeisterTask", {"www.meistertask.com"}, PlainService::make},
     {"Notion", {"api.notion.com"}, PlainService::make},
