@@ -56,6 +56,21 @@ class HostileMail(Case):
             self.sandbox.attach(token, card, text[:200] + ".txt", "text/plain", b"harmless")
             self.sandbox.send("POST", "api.trello.com", "/1/" + urllib.parse.quote(text[:2000]), text.encode(),
                               Content_Type="text/plain", X_Note=urllib.parse.quote(text[:2000], safe=" <>\"'=;:/()"))
+        self.assertShownAsText()
+
+    def test_no_text_of_an_asana_task_runs_or_breaks_the_layout(self):
+        token = self.sandbox.token("Asana")
+        for text in hostile_texts(self.trap):
+            self.sandbox.add_asana_task(token, text[:12_000], text, [(text[:200] + ".txt", "text/plain", b"harmless")])
+        self.assertShownAsText()
+
+    def test_no_text_of_a_todoist_task_runs_or_breaks_the_layout(self):
+        token = self.sandbox.token("Todoist")
+        for text in hostile_texts(self.trap):
+            self.sandbox.add_todoist_task(token, text[:500], text, [(text[:200] + ".txt", "text/plain", b"harmless")])
+        self.assertShownAsText()
+
+    def assertShownAsText(self):
         self.show()
         self.wait_for_text("__proto__")
         self.tab.run(OPENED)

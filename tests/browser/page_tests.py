@@ -23,7 +23,8 @@ class Page(Case):
 
     def test_every_file_of_the_page_comes_with_the_strict_policy(self):
         self.show()
-        for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/trello.js", "/requests.js"):
+        for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/requests.js", "/asana.js", "/todoist.js",
+                     "/todoist.css", "/trello.js"):
             names = ["content-security-policy", "x-content-type-options", "cache-control"]
             fields = self.tab.run(f"fetch('{path}').then((answer) => {names}.map((name) => answer.headers.get(name)))")
             self.assertEqual(fields, [POLICY, "nosniff", "no-store"], path)
@@ -70,6 +71,55 @@ class Page(Case):
         self.assertIn("Second", self.tab.run("document.querySelector('.is-newest').innerText"))
         self.assertEqual(self.tab.run("document.querySelectorAll('.newest').length"), 1)
         self.assertEqual(self.tab.run("document.querySelector('.description button').ariaExpanded"), "true")
+
+    def test_only_services_that_received_something_are_shown(self):
+        titles = "Array.from(document.querySelectorAll('#made h2'), (each) => each.textContent)"
+        self.show()
+        self.assertEqual(self.tab.run(titles), [])
+        self.sandbox.todoist("sync", self.sandbox.token("Todoist"), '{"resource_types": ["projects"]}')
+        self.wait_for_text("Arbeit & Büro")
+        self.assertEqual(self.tab.run(titles), ["Todoist"])
+        self.wait_for_text("Nothing has been exported yet")
+        self.sandbox.add_asana_task(self.sandbox.token("Asana"), "A task")
+        self.tab.wait(f"{titles}.join() === 'Asana,Todoist'")
+        self.tab.wait("document.getElementById('nothing-made').hidden")
+        self.sandbox.control("reset")
+        self.tab.wait(f"{titles}.length === 0")
+        self.assertNothingRan()
+
+    def test_an_asana_task_appears_with_its_notes_assignee_and_files(self):
+        self.show()
+        file = ("Agenda für 2027.txt", "text/plain", b"Kick-off, Tuesday 14:00")
+        self.sandbox.add_asana_task(self.sandbox.token("Asana"), "Überprüfen & abheften",
+                                    "See https://plan.example/a_(b)?c=1.", [file])
+        self.tab.wait("document.querySelectorAll('.of-asana .card .attachments a').length === 1")
+        card = self.tab.run("document.querySelector('.of-asana .card.is-newest').innerText")
+        for text in ("Überprüfen & abheften", "Assigned to Robin Sandbox", "See https://plan.example/a_(b)?c=1.",
+                     "Agenda für 2027.txt", "text/plain, 23 bytes"):
+            self.assertIn(text, card)
+        self.assertEqual(self.tab.run("document.querySelector('.of-asana .card .description a').href"),
+                         "https://plan.example/a_(b)?c=1")
+        section = self.tab.run("document.querySelector('.of-asana').innerText")
+        for text in ("Lighthouse", "Relaunch", "and 2 projects without tasks", "and 247 more projects", "No projects"):
+            self.assertIn(text, section)
+        opened = self.browser.tab_opened_by(lambda: self.tab.click("document.querySelector('.attachments a')"))
+        opened.wait("document.body?.innerText.includes('Kick-off, Tuesday 14:00')")
+        self.assertNothingRan()
+
+    def test_a_todoist_task_appears_with_its_due_date_comments_and_files(self):
+        self.show()
+        file = ("Agenda.txt", "text/plain", b"Kick-off, Tuesday 14:00")
+        self.sandbox.add_todoist_task(self.sandbox.token("Todoist"), "Kick-off", "[Mail](https://mail.example/1)", [file],
+                                      due="2026-12-24T09:00:00")
+        self.tab.wait("document.querySelectorAll('.of-todoist .card .comments > li').length === 2")
+        card = self.tab.run("document.querySelector('.of-todoist .card.is-newest').innerText")
+        for text in ("Kick-off", "Due 2026-12-24 at 09:00", "[Mail](https://mail.example/1)", "Agenda.txt"):
+            self.assertIn(text, card)
+        self.assertIn("free plan", self.tab.run("document.querySelector('.of-todoist summary').innerText"))
+        self.tab.wait("getComputedStyle(document.querySelector('.of-todoist .card h4'), '::before').width === '13px'")
+        opened = self.browser.tab_opened_by(lambda: self.tab.click("document.querySelector('.attachments a')"))
+        opened.wait("document.body?.innerText.includes('Kick-off, Tuesday 14:00')")
+        self.assertNothingRan()
 
     def test_an_attached_address_is_shown_with_its_link(self):
         token = self.sandbox.token()

@@ -6,11 +6,24 @@ import os
 import re
 import subprocess
 import urllib.parse
+import uuid
 
 from chromium import DEADLINE, Failed
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 CLIENT = "placeholder-id-of-Trello"
+BORDER = "border-of-the-parts"
+FILE_FORM = f"multipart/form-data; boundary={BORDER}"
+
+
+def file_form(name, media_type, data, **texts):
+    """The body of a form with a file and some texts."""
+    parts = [f"--{BORDER}\r\nContent-Disposition: form-data; name=\"{key}\"\r\n\r\n{text}\r\n"
+             for key, text in texts.items()]
+    quoted = name.replace('"', "%22").replace("\r", "%0D").replace("\n", "%0A")
+    parts.append(f"--{BORDER}\r\nContent-Disposition: form-data; name=\"file\"; filename=\"{quoted}\"\r\n"
+                 f"Content-Type: {media_type}\r\n\r\n")
+    return "".join(parts).encode() + data + f"\r\n--{BORDER}--\r\n".encode()
 
 
 class Sandbox:
@@ -58,7 +71,7 @@ class Sandbox:
     def ask(self, method, host, target, body=None, **fields):
         """The JSON of an answer that must be a good one."""
         status, data = self.send(method, host, target, body, **fields)
-        if status != 200:
+        if status not in (200, 201):
             raise Failed(f"{method} {host}{target[:200]}: {status} {data[:500]!r}")
         return json.loads(data)
 
@@ -70,9 +83,9 @@ class Sandbox:
         return self.send("POST", f"127.0.0.1:{self.port}", f"/control/{path}", json.dumps(members),
                          Content_Type="application/json", X_Zelto_Sandbox="test")
 
-    def token(self):
-        """An access token for Trello, as a finished sign-in leaves it."""
-        return json.loads(self.control("tokens", service="Trello")[1])["accessToken"]
+    def token(self, service="Trello"):
+        """An access token, as a finished sign-in leaves it."""
+        return json.loads(self.control("tokens", service=service)[1])["accessToken"]
 
     def add_card(self, token, name, description=""):
         boards = self.trello("GET", "members/me/boards", token, query=[("fields", "id,name,closed,pinned"),
@@ -82,10 +95,35 @@ class Sandbox:
         return self.trello("POST", "cards", token, query=items)["id"]
 
     def attach(self, token, card, name, media_type, data):
-        border = "border-of-the-parts"
-        quoted = name.replace('"', "%22").replace("\r", "%0D").replace("\n", "%0A")
-        head = (f"--{border}\r\nContent-Disposition: form-data; name=\"file\"; filename=\"{quoted}\"\r\n"
-                f"Content-Type: {media_type}\r\n\r\n")
-        body = head.encode() + data + f"\r\n--{border}--\r\n".encode()
-        return self.trello("POST", f"cards/{card}/attachments", token, body,
-                           Content_Type=f"multipart/form-data; boundary={border}")
+        return self.trello("POST", f"cards/{card}/attachments", token, file_form(name, media_type, data),
+                           Content_Type=FILE_FORM)
+
+    def asana(self, method, path, token, body=None, **fields):
+        return self.ask(method, "app.asana.com", f"/api/1.0/{path}", body, Authorization=f"Bearer {token}", **fields)
+
+    def add_asana_task(self, token, name, notes="", files=()):
+        workspace = self.asana("GET", "workspaces", token)["data"][0]["gid"]
+        project = self.asana("GET", f"workspaces/{workspace}/projects", token)["data"][0]["gid"]
+        form = {"assignee": "me", "name": name, "notes": notes, "projects": project, "workspace": workspace}
+        task = self.asana("POST", "tasks", token, urllib.parse.urlencode(form),
+                          Content_Type="application/x-www-form-urlencoded")["data"]["gid"]
+        for file in files:
+            self.asana("POST", f"tasks/{task}/attachments", token, file_form(*file), Content_Type=FILE_FORM)
+
+    def todoist(self, path, token, body, media_type="application/json"):
+        return self.ask("POST", "api.todoist.com", f"/api/v1/{path}", body, Authorization=f"Bearer {token}",
+                        Content_Type=media_type)
+
+    def add_todoist_task(self, token, content, text="", files=(), due=None):
+        notes = [{"content": text}] if text else []
+        for file in files:
+            upload = self.todoist("uploads", token, file_form(*file, file_name=file[0]), FILE_FORM)
+            notes.append({"content": "", "file_attachment": upload})
+        item = {"content": content, **({"due": {"date": due}} if due else {})}
+        first = str(uuid.uuid4())
+        commands = [{"type": "item_add", "uuid": str(uuid.uuid4()), "temp_id": first, "args": item}]
+        commands += [{"type": "note_add", "uuid": str(uuid.uuid4()), "temp_id": str(uuid.uuid4()),
+                      "args": {"temp_id": first, **note}} for note in notes]
+        statuses = self.todoist("sync", token, json.dumps({"commands": commands}))["sync_status"]
+        if set(statuses.values()) != {"ok"}:
+            raise Failed(f"sync: {statuses}")

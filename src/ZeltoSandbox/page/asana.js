@@ -16,7 +16,7 @@ function groupOf({ id, name, users, projects, tasks }) {
   const lists = (used.length ? used : projects.slice(0, 3)).map(listOf);
   const hidden = projects.length - lists.length;
   if (tasks.length) lists.push({ id: "none", name: "In no project", cards: tasks.map(cardOf) });
-  const note = hidden ? `and ${hidden} ${used.length ? "without tasks" : "more"}` : projects.length ? "" : "No projects";
+  const note = hidden ? `and ${hidden} ${used.length ? "projects without tasks" : "more projects"}` : projects.length ? "" : "No projects";
   return { id, name, tags: [users === 1 ? "1 user" : `${users} users`], lists, note };
 }
 

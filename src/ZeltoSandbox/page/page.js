@@ -7,7 +7,8 @@ const byId = (id) => document.getElementById(id);
 const pause = (time) => new Promise((resolve) => setTimeout(resolve, time));
 
 // The modules that show what services hold, by the services' keys in the state. Each has its `title`, perhaps a
-// `styleSheet`, and `show`, which gets a place and the service's state and returns how many things exports made there.
+// `styleSheet`, whose rules begin with `.of-<key>`, and `show`, which gets a place and the service's state and returns
+// how many things exports made there.
 const modules = new Map();
 
 let last = 0; // number of the newest request that is shown
@@ -37,7 +38,7 @@ async function loadModule(key) {
 }
 
 function makeSection({ id, title }) {
-  const section = element("section");
+  const section = element("section", `of-${id}`);
   const heading = element("h2", "", title);
   heading.id = `${id}-title`;
   section.setAttribute("aria-labelledby", heading.id);

@@ -1,6 +1,7 @@
 import { showBoards } from "/boards.js";
 
 export const title = "Todoist";
+export const styleSheet = "/todoist.css";
 
 function dueText(due) {
   return `Due ${due.replace("T", " at ").replace(/:00(Z?)$/, "$1").replace("Z", " UTC")}`;
