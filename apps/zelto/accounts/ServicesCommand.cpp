@@ -1,6 +1,6 @@
 #include "accounts/ServiceNames.h"
 #include "commandline/Commands.h"
-#include "export/ExportSession.h"
+#include "export/ServiceTable.h"
 
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 

@@ -103,11 +103,9 @@ const std::vector<CommandSpec> table = {
      {"zelto accounts remove Bear", "zelto accounts remove Things+work"}},
     {"targets",
      "Show what exports can go into",
-     "Lists what an account's exports can be put into, with identifiers: of Trello the boards and their "
-     "lists. "
-     "They are remembered from when the account was connected; --refresh asks the service again. `zelto "
-     "export "
-     "--target` takes their names or identifiers.",
+     "Lists what an account's exports can be put into, with identifiers: boards and their lists, projects, "
+     "folders or what else the service has. They are remembered from when the account was connected; --refresh asks the service again. "
+     "`zelto export --target` takes their names or identifiers.",
      {{"ID", "The account's identifier, or its service", ValueKind::accountOrService}},
      {{"--refresh", "", "Ask the service, whatever is remembered"}},
      {"zelto targets trello", "zelto targets Trello+me@example.org --json"}},
@@ -144,6 +142,17 @@ const std::vector<CommandSpec> table = {
       {"--tags", "A,B", "Tags, separated by commas"},
       {"--due", "ISO8601", "The due date, like 2026-03-05T14:00; without a zone (Z, +02:00) in local time"},
       {"--deadline", "ISO8601", "The deadline, like 2026-03-05"},
+      {"--visibility",
+       "WHO",
+       "Who may open the web link, for the forms that link to the message on the web",
+       ValueKind::text,
+       {"onlyMe", "anyone", "team"}},
+      {"--team", "ID", "The number of the team that may open the web link, with --visibility team"},
+      {"--policy",
+       "POLICY",
+       "What becomes of files that the service has under the same names; without it the export fails then",
+       ValueKind::text,
+       {"keepBoth", "overrideExisting"}},
       {"--attach", "all|none|NAME", "Which attachments go along", ValueKind::text, {}, true},
       {"--config", "FILE", "The whole configuration, as `zelto config` prints it", ValueKind::file},
       webLink,
@@ -152,8 +161,8 @@ const std::vector<CommandSpec> table = {
       {"--pdf-converter", "COMMAND", "Makes PDF files of mails: run as COMMAND IN.html OUT.pdf",
        ValueKind::command},
       {"--dry-run", "",
-       "Do all but the last step: nothing is opened, sent or remembered; the URL, or what would be sent, is "
-       "printed"},
+       "Do all but the last step: nothing is opened, sent or remembered. The URL is printed, or each request "
+       "to a service on the web, without secrets, and each limit of the service that it would pass"},
       {"--progress",
        "KIND",
        "How progress is shown on standard error; a bar is shown on a terminal only",
@@ -165,10 +174,9 @@ const std::vector<CommandSpec> table = {
       "zelto export - --to agenda --as backLink --opener - < examples/mails/plain-note.eml"}},
     {"sandbox",
      "Stand in for the services on this machine",
-     "Listens on this machine alone and answers like the outside services do, so that everything can be "
-     "tried "
-     "without an account anywhere: sign-ins of all services, and what Trello takes. Commands reach it by "
-     "--sandbox. Its address shows in a browser what each service received. Nothing is kept: it ends, with "
+     "Listens on this machine alone and responds like the outside services do, so that everything can be "
+     "tried without an account anywhere: the sign-ins of all services, and what exports send to those that "
+     "`zelto services` lists as ready. Commands reach it by --sandbox. Its address shows in a browser what each service received. Nothing is kept: it ends, with "
      "all that it holds, by Ctrl-C.",
      {},
      {{"--port", "N", "The port to listen at; 0 takes a free one [8377]"},

@@ -2,7 +2,7 @@
 
 #include "accounts/ServiceNames.h"
 #include "commandline/KnownValues.h"
-#include "export/ExportSession.h"
+#include "export/ServiceTable.h"
 
 #include <Platform/Joined.h>
 

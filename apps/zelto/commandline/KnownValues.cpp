@@ -2,7 +2,7 @@
 
 #include "accounts/GivenCredentials.h"
 #include "accounts/ServiceNames.h"
-#include "export/ExportSession.h"
+#include "export/ServiceTable.h"
 
 #include <Platform/ASCII.h>
 #include <ZeltoIntegrations/IntegrationsManager.h>

@@ -4,9 +4,11 @@
 #include <Platform/ISO8601.h>
 #include <Platform/JSON/JSONValue.h>
 #include <Platform/Joined.h>
+#include <Platform/Numbers.h>
 #include <Platform/Text.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace zelto::cli {
 
@@ -88,7 +90,86 @@ Outcome<std::optional<std::string>> wholeConfiguration(const Invocation& invocat
     return *std::move(text);
 }
 
+Outcome<std::optional<std::uint64_t>> teamOption(const Invocation& invocation) {
+    const auto text = invocation.value("--team");
+    if (!text) {
+        return std::nullopt;
+    }
+    const auto team = numberIn<std::uint64_t>(*text);
+    if (!team) {
+        return wrongUsage("--team takes the number of a team, not \"" + *text + "\".");
+    }
+    return team;
+}
+
+// The command table has checked that it is one of the names.
+template <class E> std::optional<E> caseOption(const Invocation& invocation, const std::string& name) {
+    const auto text = invocation.value(name);
+    return text ? fromName<E>(*text) : std::nullopt;
+}
+
+template <class T, class Field>
+Outcome<void> set(const std::optional<T>& value, Field* field, const std::string& service,
+                  const std::string& what, const std::string& option) {
+    if (!value) {
+        return {};
+    }
+    if (!field) {
+        return notTaken(service, what, option);
+    }
+    *field = *value;
+    return {};
+}
+
+Outcome<void> setAttachments(const std::vector<std::string>& names, IntegrationAttachments* attachments,
+                             const std::string& service) {
+    if (attachments) {
+        return names.empty() ? Outcome<void>() : select(*attachments, names);
+    }
+    return names.empty() || names == std::vector<std::string>{"none"}
+               ? Outcome<void>()
+               : notTaken(service, "attachments", "--attach");
+}
+
 } // namespace
+
+Outcome<void> apply(const ConfigurationEdits& edits, const EditableFields& fields,
+                    const std::string& service) {
+    const Outcome<void> outcomes[] = {
+        set(edits.saveAs, fields.saveAs, service, "form", "--as"),
+        set(edits.title, fields.title, service, "title", "--title"),
+        set(edits.note, fields.note, service, "note", "--note"),
+        set(edits.tags, fields.tags, service, "tags", "--tags"),
+        set(edits.due, fields.due, service, "due date", "--due"),
+        set(edits.deadline, fields.deadline, service, "deadline", "--deadline"),
+        set(edits.visibility, fields.visibility, service, "visibility of a web link", "--visibility"),
+        set(edits.team, fields.team, service, "team", "--team"),
+        setAttachments(edits.attach, fields.attachments, service),
+    };
+    const auto failed =
+        std::ranges::find_if(outcomes, [](const Outcome<void>& each) { return !each.has_value(); });
+    return failed == std::end(outcomes) ? Outcome<void>() : *failed;
+}
+
+std::vector<std::string> selectedNames(const EditableFields& fields) {
+    std::vector<std::string> names;
+    if (fields.attachments) {
+        for (const auto& attachment : fields.attachments->selected()) {
+            names.push_back(attachment.name);
+        }
+    }
+    return names;
+}
+
+std::vector<std::string> namesLeftOut(const ConfigurationEdits& edits, const EditableFields& fields) {
+    std::vector<std::string> names;
+    if (fields.attachments && std::ranges::find(edits.attach, "all") != edits.attach.end()) {
+        for (const auto& attachment : fields.attachments->restricted()) {
+            names.push_back(attachment.name);
+        }
+    }
+    return names;
+}
 
 Failure configurationFailure(const DecodingError& error) {
     return {"wrongUsage", "The configuration does not fit: " + error.message() + ".", "zelto config --help",
@@ -144,6 +225,8 @@ Outcome<ConfigurationEdits> ConfigurationEdits::from(const Invocation& invocatio
     edits.note = invocation.value("--note");
     edits.target = invocation.value("--target");
     edits.attach = invocation.values("--attach");
+    edits.visibility = caseOption<IntegrationWebLinkVisibility>(invocation, "--visibility");
+    edits.policy = caseOption<ExportFilePolicy>(invocation, "--policy");
     if (const auto tags = invocation.value("--tags")) {
         edits.tags = splitTags(*tags);
     }
@@ -156,12 +239,14 @@ Outcome<ConfigurationEdits> ConfigurationEdits::from(const Invocation& invocatio
     }
     const auto due = dateOption(invocation, "--due");
     const auto deadline = due ? dateOption(invocation, "--deadline") : due;
-    const auto whole = deadline ? wholeConfiguration(invocation) : failure(deadline.error());
+    const auto team = deadline ? teamOption(invocation) : failure(deadline.error());
+    const auto whole = team ? wholeConfiguration(invocation) : failure(team.error());
     if (!whole) {
         return failure(whole.error());
     }
     edits.due = *due;
     edits.deadline = *deadline;
+    edits.team = *team;
     edits.whole = *whole;
     return edits;
 }

@@ -2,13 +2,11 @@
 
 #include "base/Outcome.h"
 #include "commandline/CommandLine.h"
+#include "export/EditableFields.h"
 
-#include <ZeltoIntegrations/Content/IntegrationAttachments.h>
-#include <ZeltoIntegrations/Content/IntegrationExportContentType.h>
-
-#include <Platform/Date.h>
 #include <Platform/JSON/JSONCoding.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,7 +23,11 @@ struct ConfigurationEdits {
     std::optional<Date> due;
     std::optional<Date> deadline;
     std::vector<std::string> attach;
-    std::optional<std::string> target; // applied by the session, which knows what there is
+    std::optional<IntegrationWebLinkVisibility> visibility;
+    std::optional<std::uint64_t> team;
+    // What is no field of the configuration; applied by the session.
+    std::optional<std::string> target;
+    std::optional<ExportFilePolicy> policy;
 
     static Outcome<ConfigurationEdits> from(const Invocation& invocation);
 };
@@ -39,57 +41,14 @@ Outcome<void> select(IntegrationAttachments& attachments, const std::vector<std:
 Failure configurationFailure(const DecodingError& error);
 
 // Changes the fields that are asked for; one that the service's configuration does not have is wrong usage.
-template <class C>
-Outcome<void> apply(const ConfigurationEdits& edits, C& configuration, const std::string& service) {
-    if (edits.whole) {
-        auto decoded = JSONDecoder().decode<C>(*edits.whole);
-        if (!decoded) {
-            return failure(configurationFailure(decoded.error()));
-        }
-        configuration = *std::move(decoded);
-    }
-    if (edits.saveAs) {
-        configuration.saveAs = *edits.saveAs;
-    }
-    if (edits.title) {
-        configuration.userTitle = edits.title;
-    }
-    if (edits.note) {
-        if constexpr (requires { configuration.userNote = edits.note; }) {
-            configuration.userNote = edits.note;
-        } else {
-            return notTaken(service, "note", "--note");
-        }
-    }
-    if (edits.tags) {
-        if constexpr (requires { configuration.tags = *edits.tags; }) {
-            configuration.tags = *edits.tags;
-        } else {
-            return notTaken(service, "tags", "--tags");
-        }
-    }
-    if (edits.due) {
-        if constexpr (requires { configuration.dueDate = edits.due; }) {
-            configuration.dueDate = edits.due;
-        } else {
-            return notTaken(service, "due date", "--due");
-        }
-    }
-    if (edits.deadline) {
-        if constexpr (requires { configuration.deadline = edits.deadline; }) {
-            configuration.deadline = edits.deadline;
-        } else {
-            return notTaken(service, "deadline", "--deadline");
-        }
-    }
-    if (!edits.attach.empty()) {
-        if constexpr (requires { configuration.attachments.list; }) {
-            return select(configuration.attachments, edits.attach);
-        } else if (edits.attach != std::vector<std::string>{"none"}) {
-            return notTaken(service, "attachments", "--attach");
-        }
-    }
-    return {};
-}
+// `whole` must have been decoded into the configuration.
+Outcome<void> apply(const ConfigurationEdits& edits, const EditableFields& fields,
+                    const std::string& service);
+
+// The names of the attachments that would go along.
+std::vector<std::string> selectedNames(const EditableFields& fields);
+
+// The attachments that "all" cannot select, since the service does not take them.
+std::vector<std::string> namesLeftOut(const ConfigurationEdits& edits, const EditableFields& fields);
 
 } // namespace zelto::cli

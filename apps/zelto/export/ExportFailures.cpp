@@ -1,6 +1,7 @@
 #include "export/ExportFailures.h"
 
 #include "base/ShellText.h"
+#include "export/Refusals.h"
 #include "export/Targets.h"
 
 #include <Platform/Joined.h>
@@ -14,6 +15,8 @@ namespace zelto::cli {
 namespace {
 
 using Refused = ExportReport::Refused;
+
+constexpr auto showsLog = "zelto export --verbose";
 
 // A title may have thousands of characters.
 std::string named(const std::string& kind, const std::string& name) {
@@ -30,10 +33,9 @@ std::string reconnectCommand(const std::string& account) {
 using Advice = std::pair<std::string, std::string>;
 
 Advice reasonOf(ServiceClientError error, const ExportCircumstances& about) {
-    constexpr auto lookCloser = "zelto export --verbose";
     switch (error) {
     case ServiceClientError::connectionError:
-        return {about.service + " could not be reached", ""};
+        return {about.service + " could not be reached", showsLog};
     case ServiceClientError::authorizationError:
     case ServiceClientError::oauthError:
         return {"it does not accept the account's sign-in any more", reconnectCommand(about.account)};
@@ -42,20 +44,20 @@ Advice reasonOf(ServiceClientError error, const ExportCircumstances& about) {
     case ServiceClientError::itemNotFound:
         return {"what it was to go into is not there any more", refreshCommand(about.account)};
     case ServiceClientError::toManyRequests:
-        return {"it had too many requests; wait some minutes", ""};
+        return {"it had too many requests; wait some minutes", showsLog};
     case ServiceClientError::invalidAccount:
         return {"the account is not valid there", reconnectCommand(about.account)};
     case ServiceClientError::serviceInternalError:
-        return {"it had an error of its own; try again later", ""};
+        return {"it had an error of its own; try again later", showsLog};
     case ServiceClientError::apiCallError:
         return about.report.made.empty()
                    ? Advice{"it refused the request, and may not have what it was to go into any more",
                             refreshCommand(about.account)}
-                   : Advice{"it refused the request", lookCloser};
+                   : Advice{"it refused the request", showsLog};
     case ServiceClientError::dataParseError:
-        return {"its answer makes no sense", lookCloser};
+        return {"its response cannot be read", showsLog};
     case ServiceClientError::internalError:
-        return {"the request could not be made", lookCloser};
+        return {"the request could not be made", showsLog};
     }
     return {};
 }
@@ -67,13 +69,13 @@ Advice refusal(const ExportCircumstances& about, const std::string& verb, const 
     const auto& first = about.report.refused.front();
     auto [reason, next] = reasonOf(first.reason, about);
     return {about.service + " did not " + verb + " the " + named(first.kind, first.name) + ": " + reason +
-                ".",
+                wordsOf(first) + ".",
             std::move(next)};
 }
 
 Advice noPDF(const std::optional<PDFError>& error) {
     if (!error) {
-        return {"The message could not be turned into a PDF.", "zelto export --verbose"};
+        return {"The message could not be turned into a PDF.", showsLog};
     }
     const bool isMissing = error->code == PDFErrorCode::converterMissing;
     return {"The message could not be turned into a PDF. " + error->message() + ".",
@@ -85,7 +87,8 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
     case IntegrationExportError::canceled:
         return {"The export was canceled.", ""};
     case IntegrationExportError::internalError:
-        return {"The export to " + about.service + " met an error of its own.", "zelto export --verbose"};
+        return refusal(about, "take",
+                       {"The export to " + about.service + " met an internal error.", showsLog});
     case IntegrationExportError::createBodyError:
         return {"The message has no text or no link of that kind.", "zelto preview --help"};
     case IntegrationExportError::convertError:
@@ -94,14 +97,14 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
         return {about.service + " does not take that type; it takes " + about.takenTypes + ".",
                 "zelto export --help"};
     case IntegrationExportError::fileAlreadyExists:
-        return {"A file of that name exists already.", "zelto export --title"};
+        return {"A file of that name exists already.", "zelto export --policy keepBoth"};
     case IntegrationExportError::oauthError:
         return {about.service + " does not accept the account's sign-in any more.",
                 reconnectCommand(about.account)};
     case IntegrationExportError::connectionError:
-        return {about.service + " could not be reached.", ""};
+        return {about.service + " could not be reached.", showsLog};
     case IntegrationExportError::createTaskError:
-        return refusal(about, "make", {about.service + " did not make the task.", ""});
+        return refusal(about, "make", {about.service + " did not make the task.", showsLog});
     case IntegrationExportError::uploadAttachmentError:
         return refusal(about, "take",
                        {"An attachment could not be read from the message.", "zelto export --attach none"});
@@ -116,22 +119,28 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
     return {};
 }
 
+// An export that needs a target ends without one by an error that most services use for other failures too.
+bool isForWantOfTarget(IntegrationExportError error, const ExportCircumstances& about) {
+    const bool mayBe =
+        error == IntegrationExportError::createTaskError || error == IntegrationExportError::internalError;
+    return mayBe && about.missingTarget && about.report.refused.empty();
+}
+
 // A request that was cut off may have worked all the same.
 std::string unknownOutcome(const ExportCircumstances& about) {
-    const auto isUnknown = [](const ExportReport::Refused& each) {
-        return each.reason == ServiceClientError::connectionError;
-    };
-    const auto names = joined(about.report.refused | std::views::filter(isUnknown), ", ",
-                              [](const ExportReport::Refused& each) { return named(each.kind, each.name); });
-    return names.empty()
-               ? ""
-               : " Whether " + about.service + " has this is not known, since no answer came: " + names + ".";
+    const auto names = joined(about.report.refused | std::views::filter(isOutcomeUnknown<Refused>), ", ",
+                              [](const Refused& each) { return named(each.kind, each.name); });
+    return names.empty() ? ""
+                         : " Whether " + about.service +
+                               " has this is not known, since no response came: " + names + ".";
 }
 
 } // namespace
 
 Failure exportFailure(IntegrationExportError error, const ExportCircumstances& about) {
-    auto [message, next] = adviceOn(error, about);
+    auto [message, next] = isForWantOfTarget(error, about)
+                               ? Advice{about.missingTarget->message, about.missingTarget->next}
+                               : adviceOn(error, about);
     JSONObject members;
     if (!about.report.made.empty()) {
         message += " On " + about.service +

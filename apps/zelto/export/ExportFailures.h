@@ -17,6 +17,7 @@ struct ExportCircumstances {
     std::string account;    // its identifier
     std::string takenTypes; // what an export to it may be
     std::string openerFailure;
+    std::optional<Failure> missingTarget; // where the export needs a target and none is chosen
     std::optional<PDFError> pdfError;
     ExportReport report;
 };

@@ -2,11 +2,14 @@
 
 #include "base/Outcome.h"
 #include "export/ConfigurationEdits.h"
+#include "export/PassedLimit.h"
+#include "export/SentRequest.h"
 #include "export/Targets.h"
 
 #include <ZeltoIntegrations/Content/IntegrationError.h>
+#include <ZeltoIntegrations/Content/IntegrationExportContentType.h>
+#include <ZeltoIntegrations/Export/ExportProgress.h>
 #include <ZeltoIntegrations/Export/ExportReport.h>
-#include <ZeltoIntegrations/IntegrationsManager.h>
 
 #include <functional>
 #include <memory>
@@ -26,13 +29,22 @@ struct LoadedTargets {
 struct ExportPlan {
     std::string title;
     IntegrationExportContentType saveAs;
-    std::string target; // "Board/List"; empty for a service without targets
+    std::string target; // "Board/List"; empty where none is chosen, and for a service without targets
     std::vector<std::string> attachments;
+    // The attachments that `--attach all` meant and the service does not take.
+    std::vector<std::string> leftOut;
+    // Why no target is chosen, for an export that needs one.
+    std::optional<Failure> missingTarget;
 };
+
+// Whether the service may be asked for data that were never loaded.
+enum class DataLoading { whereMissing, never };
 
 // One exporter as the command line drives it, whatever its configuration is. Calls block until they are done.
 class ExportSession {
   public:
+    using OnStarted = std::function<void(std::shared_ptr<ExportProgress>)>;
+
     virtual ~ExportSession() = default;
 
     // The configuration that the exporter offers, as JSON; with a target of --target where one is given.
@@ -50,30 +62,21 @@ class ExportSession {
     virtual Outcome<LoadedTargets> targets(bool refresh) = 0;
 
     // Whether an export goes over the network, by requests that each leave something on the service.
-    virtual bool isOverNetwork() const = 0;
+    virtual bool isOnWeb() const = 0;
 
-    // What run() would do.
-    virtual Outcome<ExportPlan> plan(const ConfigurationEdits& edits) = 0;
+    // Makes the offered configuration with its edits that of the next run().
+    virtual Outcome<ExportPlan> prepare(const ConfigurationEdits& edits, DataLoading loading) = 0;
 
-    // Exports the offered configuration with its edits. `onStarted` gets the progress at once.
-    virtual Outcome<ExporterResult<void>>
-    run(const ConfigurationEdits& edits,
-        const std::function<void(std::shared_ptr<ExportProgress>)>& onStarted) = 0;
+    // Exports what was prepared. `onStarted` gets the progress at once; a second one follows where an export
+    // is repeated with a policy.
+    virtual ExporterResult<void> run(const OnStarted& onStarted) = 0;
 
-    // What the last export did on its service, and where.
+    // What the last export did on its service.
     virtual ExportReport report() const = 0;
-    virtual const std::string& target() const = 0;
 
-    // The attachments that `--attach all` meant and the service does not take, of the last plan() or run().
-    virtual const std::vector<std::string>& leftOut() const = 0;
+    // For a dry run: the response to a request of the export, and the limits that the requests would pass.
+    virtual std::string standInResponse(const SentRequest& request) const = 0;
+    virtual std::vector<PassedLimit> passedLimits(const std::vector<SentRequest>& requests) const = 0;
 };
-
-// The services that the program can export to, and a session that does.
-std::vector<ServiceType> exportableServices();
-bool canExport(ServiceType type);
-Failure cannotExport(ServiceType type);
-Outcome<std::unique_ptr<ExportSession>>
-openExportSession(IntegrationsManager& manager, const ServiceAccountConfiguration& account,
-                  std::shared_ptr<IntegrationsDataInteractorProtocol> message);
 
 } // namespace zelto::cli

@@ -13,7 +13,7 @@ namespace zelto::cli {
 
 namespace {
 
-constexpr std::size_t listedAtMost = 10;
+constexpr std::size_t listedCount = 10;
 
 const std::string& label(const TargetNode& node) {
     return node.name.empty() ? node.id : node.name;
@@ -95,9 +95,9 @@ class Search {
 };
 
 std::string listed(std::size_t count, const std::function<std::string(std::size_t)>& name) {
-    auto text = joined(std::views::iota(std::size_t{0}, std::min(count, listedAtMost)), ", ", name);
-    if (count > listedAtMost) {
-        text += " and " + std::to_string(count - listedAtMost) + " more";
+    auto text = joined(std::views::iota(std::size_t{0}, std::min(count, listedCount)), ", ", name);
+    if (count > listedCount) {
+        text += " and " + std::to_string(count - listedCount) + " more";
     }
     return text;
 }
@@ -218,14 +218,22 @@ std::string linesOf(const TargetTree& tree, const Terminal& terminal) {
     return text;
 }
 
+std::string nothingToChoose(const TargetTree& tree, const std::string& service) {
+    return service + " shows no " + joined(tree.levels, " with a ") +
+           " to put it into; make one there first.";
+}
+
 Failure noTarget(const TargetTree& tree, const std::string& service, const std::string& account) {
-    std::string missing;
-    for (const auto level : tree.levels) {
-        missing.append(missing.empty() ? "no " : " with a ").append(level);
+    const bool isKnown = !tree.levels.empty();
+    if (isKnown && !tree.nodes.empty()) {
+        return {"noTarget", "No target is chosen.", "zelto export --target"};
     }
-    return {"noTarget",
-            tree.nodes.empty() ? service + " shows " + missing + " to put it into; make one there first."
-                               : "No target is chosen.",
+    return {"noTarget", "No target is chosen" + (isKnown ? ": " + nothingToChoose(tree, service) : "."),
+            refreshCommand(account)};
+}
+
+Failure targetsUnknown(const std::string& service, const std::string& account) {
+    return {"noTarget", "What --target names is not known: the data of " + service + " were never loaded.",
             refreshCommand(account)};
 }
 

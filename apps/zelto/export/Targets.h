@@ -40,8 +40,14 @@ std::string targetName(const TargetTree& tree, const TargetPath& path);
 // Each node on a line of its own with its identifier, below what holds it.
 std::string linesOf(const TargetTree& tree, const Terminal& terminal);
 
-// There is nothing to put an export into.
+// No target is chosen for an export that needs one; in a tree without nodes there is nothing to choose.
 Failure noTarget(const TargetTree& tree, const std::string& service, const std::string& account);
+
+// What --target names cannot be looked up, since the account's data were never loaded.
+Failure targetsUnknown(const std::string& service, const std::string& account);
+
+// "Trello shows no board with a list to put it into; make one there first."
+std::string nothingToChoose(const TargetTree& tree, const std::string& service);
 
 // "zelto targets ID --refresh"
 std::string refreshCommand(const std::string& account);

@@ -2,7 +2,7 @@
 #include "accounts/KeyChainCheck.h"
 #include "accounts/ServiceNames.h"
 #include "commandline/Commands.h"
-#include "export/ExportSession.h"
+#include "export/ServiceTable.h"
 
 #include <ZeltoIntegrations/Content/IntegrationsDataInteractorStub.h>
 
@@ -43,9 +43,7 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
     }
     Report report{targets->data, linesOf(targets->tree, terminal)};
     if (targets->tree.nodes.empty()) {
-        report.text =
-            noTarget(targets->tree, displayName(account->serviceType()), account->identifier()).message +
-            "\n";
+        report.text = nothingToChoose(targets->tree, displayName(account->serviceType())) + "\n";
         report.isNotice = true;
     }
     return report;

@@ -146,10 +146,11 @@ TEST(ConfigurationEdits, ChangeTheFieldsThatAreAskedFor) {
     BearExportConfiguration bear;
     bear.userTitle = "Old";
     bear.tags = {"old"};
-    ASSERT_TRUE(apply(edits({}), bear, "Bear"));
+    ASSERT_TRUE(apply(edits({}), usualFields(bear), "Bear"));
     EXPECT_EQ(bear.userTitle, "Old");
     EXPECT_EQ(bear.tags, std::vector<std::string>{"old"});
-    ASSERT_TRUE(apply(edits({"--as", "backLink", "--title", "", "--note", "N", "--tags", ""}), bear, "Bear"));
+    ASSERT_TRUE(apply(edits({"--as", "backLink", "--title", "", "--note", "N", "--tags", ""}),
+                      usualFields(bear), "Bear"));
     EXPECT_EQ(bear.saveAs, IntegrationExportContentType::backLink);
     EXPECT_EQ(bear.userTitle, "");
     EXPECT_EQ(bear.userNote, "N");
@@ -158,8 +159,8 @@ TEST(ConfigurationEdits, ChangeTheFieldsThatAreAskedFor) {
 
 TEST(ConfigurationEdits, TakeDatesWithAndWithoutTime) {
     ThingsConfiguration things;
-    ASSERT_TRUE(
-        apply(edits({"--due", "2026-03-05T14:00:00+02:00", "--deadline", "2026-03-06"}), things, "Things"));
+    ASSERT_TRUE(apply(edits({"--due", "2026-03-05T14:00:00+02:00", "--deadline", "2026-03-06"}),
+                      usualFields(things), "Things"));
     EXPECT_EQ(iso8601(*things.dueDate), "2026-03-05T12:00:00Z");
     EXPECT_EQ(things.deadline, parseISO8601("2026-03-06", MissingZone::local));
 }

@@ -4,7 +4,7 @@
 #include <accounts/ServiceNames.h>
 #include <commandline/CommandTable.h>
 #include <commandline/HelpText.h>
-#include <export/ExportSession.h>
+#include <export/ServiceTable.h>
 
 #include <Support/MCPServer.h>
 

@@ -148,6 +148,9 @@ TEST(Export, RefusesAnOptionThatTheServiceHasNoFieldFor) {
         {"omnifocus", "--attach", "Agenda.txt"},
         {"things", "--attach", "all"},
         {"2do", "--attach", "all"},
+        {"bear", "--visibility", "anyone"},
+        {"things", "--team", "7"},
+        {"agenda", "--policy", "keepBoth"},
     };
     for (const auto& row : rows) {
         const auto outcome = zelto.run(

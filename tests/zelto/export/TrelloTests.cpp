@@ -130,12 +130,41 @@ TEST_F(TrelloCommands, TheConfigurationShowsTheTarget) {
     EXPECT_EQ(exportLink({"--config", file}).output, "On Trello, Work/Done: card \"Title\".\n");
 }
 
-TEST_F(TrelloCommands, ADryRunSendsNothing) {
-    const auto outcome = exportLink({"--attach", "all", "--dry-run"});
-    EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
-    EXPECT_TRUE(outcome.output.starts_with("Would go to Trello, Work/To Do: \"Title\" as backLink, "))
-        << outcome.output;
+TEST_F(TrelloCommands, AnExportWithoutATargetIsRefusedByTheExporter) {
+    service.boards = "[]";
+    EXPECT_EQ(zelto.run({"targets", "trello", "--refresh"}).status, 0);
+    const auto outcome = exportLink({"--json"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.text("error"), "createTaskError");
+    EXPECT_EQ(outcome.text("message"),
+              "No target is chosen: Trello shows no board with a list to put it into; "
+              "make one there first.");
+    EXPECT_EQ(outcome.text("next"), "zelto targets Trello+me@example.org --refresh");
+    EXPECT_EQ(service.lines().size(), 2U); // those that load the data
+}
+
+TEST_F(TrelloCommands, AConfigurationWithoutATargetNamesTheOptionThatChoosesOne) {
+    const auto file = zelto.home.write(
+        "config.json",
+        R"({"saveAs":2,"userTitle":"Title","attachments":{"list":[]},"supportedContentTypes":[]})");
+    const auto outcome = zelto.run({"export", mail, "--to", "trello", "--config", file, "--json"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.text("error"), "createTaskError");
+    EXPECT_EQ(outcome.text("message"), "No target is chosen.");
+    EXPECT_EQ(outcome.text("next"), "zelto export --target");
     EXPECT_EQ(service.lines(), Texts{});
+    EXPECT_EQ(zelto.run({"export", mail, "--to", "trello", "--config", file, "--target", "l2"}).output,
+              "On Trello, Work/Done: card \"Title\".\n");
+}
+
+TEST_F(TrelloCommands, TheConfigurationIsShownWithoutATargetToo) {
+    service.boards = "[]";
+    EXPECT_EQ(zelto.run({"targets", "trello", "--refresh"}).status, 0);
+    const auto outcome = zelto.run({"config", mail, "--to", "trello", "--json"});
+    EXPECT_EQ(outcome.status, 0) << outcome.output;
+    const auto document = outcome.json();
+    EXPECT_EQ(document.find("saveTo"), nullptr);
+    EXPECT_EQ(document.find("saveAs")->text().value(), "0");
 }
 
 TEST_F(TrelloCommands, AMailGoesAsAPdfWithItsAttachments) {
@@ -269,7 +298,7 @@ TEST_F(TrelloCommands, CtrlCCancelsAnExportAndTellsWhatExists) {
     EXPECT_TRUE(
         outcome.errorOutput.starts_with("zelto: canceled: The export was canceled. On Trello already, and "
                                         "made again by another export: card \"Title\". Whether Trello has "
-                                        "this is not known, since no answer came: file \""))
+                                        "this is not known, since no response came: file \""))
         << outcome.errorOutput;
     EXPECT_EQ(requests, 2);
 }

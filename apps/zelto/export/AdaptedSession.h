@@ -1,0 +1,210 @@
+#pragma once
+
+#include "base/Waiting.h"
+#include "export/ExportFailures.h"
+#include "export/ExportSession.h"
+#include "export/ServiceAdapter.h"
+
+#include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
+
+#include <Platform/Joined.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+namespace zelto::cli {
+
+// The session of any service, by its adapter.
+template <class Adapter> class AdaptedSession final : public ExportSession {
+    using Exporter = typename Adapter::Exporter;
+    using Configuration = typename Adapter::Configuration;
+
+  public:
+    AdaptedSession(std::shared_ptr<Exporter> exporter, std::string service, std::string account)
+        : exporter_(std::move(exporter)), service_(std::move(service)), account_(std::move(account)) {}
+
+    Outcome<std::string> offeredConfiguration(const std::optional<std::string>& target) override {
+        ConfigurationEdits edits;
+        edits.target = target;
+        if (const auto plan = prepare(edits, DataLoading::whereMissing); !plan) {
+            return failure(plan.error());
+        }
+        constexpr auto indent = 2;
+        auto text = JSONEncoder{.indent = indent}.encode(*prepared_);
+        if (!text) {
+            return failure(
+                Failure{"internalError", "The configuration has no JSON: " + text.error().message(), ""});
+        }
+        return *std::move(text);
+    }
+
+    std::string takenTypes() override {
+        return joined(types().supported, ", ",
+                      [](IntegrationExportContentType type) { return nameOf(type); });
+    }
+
+    Outcome<std::optional<IntegrationExportPreview>>
+    preview(std::optional<IntegrationExportContentType> type) override {
+        auto configuration = offered();
+        if (!configuration) {
+            return failure(configuration.error());
+        }
+        const auto* offeredType = Adapter::fields(*configuration).saveAs;
+        return waitFor<std::optional<IntegrationExportPreview>>([&](auto done) {
+            exporter_->loadPreview(type.value_or(offeredType ? *offeredType : types().default_),
+                                   std::move(done));
+        });
+    }
+
+    Outcome<LoadedTargets> targets(bool refresh) override {
+        if constexpr (HasTargets<Adapter>) {
+            const auto data = refresh ? loaded(true) : loadedWhereMissing();
+            if (!data) {
+                return failure(data.error());
+            }
+            if (!*data) {
+                return failure(loadFailure(IntegrationLoadError::internalError, service_, account_));
+            }
+            const auto json = JSONValue::of(**data);
+            if (!json || !json->asObject()) {
+                return failure(Failure{"internalError", "The data of " + service_ + " have no JSON.", ""});
+            }
+            return LoadedTargets{Adapter::targetTree(**data), *json->asObject()};
+        } else {
+            return wrongUsage("There is nothing to choose for an export to " + service_ + ".",
+                              "zelto export --help");
+        }
+    }
+
+    bool isOnWeb() const override { return Adapter::isOnWeb; }
+
+    Outcome<ExportPlan> prepare(const ConfigurationEdits& edits, DataLoading loading) override {
+        if (edits.policy && !Adapter::takesPolicy) {
+            return notTaken(service_, "policy", "--policy");
+        }
+        policy_ = edits.policy;
+        if constexpr (HasTargets<Adapter>) {
+            // What is offered follows from the data, the default target for one.
+            const auto data = loading == DataLoading::never ? loaded(false) : loadedWhereMissing();
+            if (!data) {
+                return failure(data.error());
+            }
+            auto plan = preparedPlan(edits);
+            const auto chosen = plan ? chooseTarget(*plan, *data, edits.target) : failure(plan.error());
+            return chosen ? plan : failure(chosen.error());
+        } else {
+            return edits.target ? notTaken(service_, "target", "--target") : preparedPlan(edits);
+        }
+    }
+
+    ExporterResult<void> run(const OnStarted& onStarted) override {
+        // Overriding needs what the check of an export without a policy has found.
+        if (policy_ != ExportFilePolicy::overrideExisting) {
+            return runOnce(policy_, onStarted);
+        }
+        const auto result = runOnce(std::nullopt, onStarted);
+        const bool exists = !result && result.error() == IntegrationExportError::fileAlreadyExists;
+        return exists ? runOnce(policy_, onStarted) : result;
+    }
+
+    ExportReport report() const override { return Adapter::report(*exporter_); }
+
+    std::string standInResponse(const SentRequest& request) const override {
+        return Adapter::standInResponse(request);
+    }
+
+    std::vector<PassedLimit> passedLimits(const std::vector<SentRequest>& requests) const override {
+        return Adapter::passedLimits(*exporter_, *prepared_, requests);
+    }
+
+  private:
+    IntegrationExportContentTypes types() const { return exporter_->contentTypes(exporter_->exportTarget()); }
+
+    Outcome<Configuration> offered() {
+        auto result = waitFor<Result<Configuration, IntegrationLoadError>>(
+            [&](auto done) { exporter_->loadConfiguration(std::move(done)); });
+        if (!result) {
+            return failure(loadFailure(result.error(), service_, account_));
+        }
+        // A type that is not taken may have been stored as the last one, by an export that it made fail.
+        if (auto* saveAs = Adapter::fields(*result).saveAs) {
+            *saveAs = ExportServiceHelper::saveAs(*saveAs, types());
+        }
+        return *std::move(result);
+    }
+
+    Outcome<ExportPlan> preparedPlan(const ConfigurationEdits& edits) {
+        auto configuration = edits.whole ? decoded(*edits.whole) : offered();
+        if (!configuration) {
+            return failure(configuration.error());
+        }
+        const auto fields = Adapter::fields(*configuration);
+        if (const auto applied = apply(edits, fields, service_); !applied) {
+            return failure(applied.error());
+        }
+        ExportPlan plan{.title = fields.title ? fields.title->value_or("") : "",
+                        .saveAs = configuration->exportType(),
+                        .target = {},
+                        .attachments = selectedNames(fields),
+                        .leftOut = namesLeftOut(edits, fields),
+                        .missingTarget = {}};
+        prepared_ = *std::move(configuration);
+        return plan;
+    }
+
+    static Outcome<Configuration> decoded(const std::string& json) {
+        auto configuration = JSONDecoder().decode<Configuration>(json);
+        return configuration ? Outcome<Configuration>(*std::move(configuration))
+                             : failure(configurationFailure(configuration.error()));
+    }
+
+    ExporterResult<void> runOnce(std::optional<ExportFilePolicy> policy, const OnStarted& onStarted) {
+        return waitFor<ExporterResult<void>>(
+            [&](auto done) { onStarted(Adapter::export_(*exporter_, *prepared_, policy, std::move(done))); });
+    }
+
+    // Without a target, the exporter is what refuses the export.
+    template <class Data>
+    Outcome<void> chooseTarget(ExportPlan& plan, const std::optional<Data>& data,
+                               const std::optional<std::string>& wanted) {
+        if (wanted && !data) {
+            return failure(targetsUnknown(service_, account_));
+        }
+        const auto tree = data ? Adapter::targetTree(*data) : TargetTree();
+        if (wanted) {
+            const auto path = findTarget(tree, *wanted, account_);
+            if (!path) {
+                return failure(path.error());
+            }
+            Adapter::setTarget(*prepared_, *data, *path);
+        }
+        plan.target = Adapter::targetName(*prepared_);
+        if (plan.target.empty() && Adapter::needsTarget) {
+            plan.missingTarget = noTarget(tree, service_, account_);
+        }
+        return {};
+    }
+
+    auto loaded(bool force) {
+        using Data = std::optional<typename Adapter::TargetData>;
+        auto data = waitFor<Result<Data, IntegrationLoadError>>(
+            [&](auto done) { Adapter::loadTargetData(*exporter_, force, std::move(done)); });
+        return data ? Outcome<Data>(*std::move(data))
+                    : Outcome<Data>(failure(loadFailure(data.error(), service_, account_)));
+    }
+
+    auto loadedWhereMissing() {
+        auto data = loaded(false);
+        return data && !*data ? loaded(true) : data;
+    }
+
+    std::shared_ptr<Exporter> exporter_;
+    std::string service_;
+    std::string account_;
+    std::optional<Configuration> prepared_;
+    std::optional<ExportFilePolicy> policy_;
+};
+
+} // namespace zelto::cli

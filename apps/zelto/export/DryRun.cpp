@@ -1,0 +1,78 @@
+#include "export/DryRun.h"
+
+#include "export/RequestDescription.h"
+#include "export/RequestRecorder.h"
+
+namespace zelto::cli {
+
+namespace {
+
+std::string planLine(const ExportPlan& plan, const MessageWork& work, const Terminal& terminal) {
+    std::string files;
+    for (const auto& name : plan.attachments) {
+        files += ", " + name;
+    }
+    return terminal.shown("Would go to " + work.service() + (plan.target.empty() ? "" : ", " + plan.target) +
+                          ": \"" + plan.title + "\" as " + std::string(nameOf(plan.saveAs)) + files + ".") +
+           "\n";
+}
+
+JSONObject describedPlan(const ExportPlan& plan, const MessageWork& work) {
+    JSONValue::Array attachments;
+    for (const auto& name : plan.attachments) {
+        attachments.emplace_back(name);
+    }
+    return {{"service", std::string(nameOf(work.account.serviceType()))},
+            {"identifier", work.account.identifier()},
+            {"dryRun", true},
+            {"title", plan.title},
+            {"saveAs", std::string(nameOf(plan.saveAs))},
+            {"target", plan.target},
+            {"attachments", std::move(attachments)}};
+}
+
+std::string linesOf(const std::vector<PassedLimit>& limits, const Terminal& terminal) {
+    std::string lines = limits.empty() ? "" : "\n";
+    for (const auto& limit : limits) {
+        lines += terminal.shown(sentenceOf(limit)) + "\n";
+    }
+    return lines;
+}
+
+Failure failureOf(IntegrationExportError error, const MessageWork& work, const ExportPlan& plan,
+                  Report report) {
+    auto circumstances = work.circumstances(plan);
+    // What the stand-in has responded to is on no service.
+    circumstances.report = {};
+    auto failed = exportFailure(error, circumstances);
+    for (const auto& [key, value] : report.members) {
+        failed.members.set(key, value);
+    }
+    failed.output = std::move(report.text);
+    return failed;
+}
+
+} // namespace
+
+Outcome<Report> dryRun(const MessageWork& work, const ExportPlan& plan, const Terminal& terminal,
+                       const std::function<ExporterResult<void>()>& run) {
+    const auto recorder = RequestRecorder::start(
+        [&work](const SentRequest& request) { return work.session->standInResponse(request); });
+    if (!recorder) {
+        return failure(recorder.error());
+    }
+    const auto result = run();
+    const auto requests = (*recorder)->requests();
+    const auto limits = work.session->passedLimits(requests);
+    Report report{.members = describedPlan(plan, work),
+                  .text = planLine(plan, work, terminal) + linesOf(requests, terminal) +
+                          linesOf(limits, terminal)};
+    report.members.set("requests", described(requests));
+    report.members.set("limits", described(limits));
+    if (!result) {
+        return failure(failureOf(result.error(), work, plan, std::move(report)));
+    }
+    return report;
+}
+
+} // namespace zelto::cli

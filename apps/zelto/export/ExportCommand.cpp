@@ -1,0 +1,137 @@
+#include "base/Interruption.h"
+#include "commandline/Commands.h"
+#include "export/DryRun.h"
+#include "export/MessageWork.h"
+#include "export/ProgressReporter.h"
+
+#include <Platform/Text.h>
+
+#include <functional>
+#include <optional>
+#include <stop_token>
+
+namespace zelto::cli {
+
+namespace {
+
+ProgressStyle progressStyle(const Invocation& invocation) {
+    const auto style = invocation.value("--progress");
+    if (style == "json") {
+        return ProgressStyle::json;
+    }
+    return style == "none" || invocation.has("--quiet") ? ProgressStyle::none : ProgressStyle::bar;
+}
+
+// Runs the export that was prepared under a progress bar; the first Ctrl-C cancels it.
+ExporterResult<void> exportWithProgress(const Invocation& invocation, const Terminal& terminal,
+                                        const MessageWork& work) {
+    const ProgressReporter reporter(progressStyle(invocation), terminal);
+    std::optional<Interruption> interruption;
+    std::optional<std::stop_callback<std::function<void()>>> cancelling;
+    auto result = work.session->run([&](const auto& progress) {
+        reporter.follow(progress);
+        cancelling.reset();
+        interruption.reset();
+        interruption.emplace();
+        cancelling.emplace(interruption->stop(), [progress] { progress->cancel(); });
+    });
+    cancelling.reset();
+    interruption.reset();
+    reporter.end();
+    return result;
+}
+
+void addWhatWasMade(Report& report, const MessageWork& work, const ExportPlan& plan,
+                    const Terminal& terminal) {
+    const auto made = work.session->report().made;
+    report.isNotice = true;
+    if (made.empty()) {
+        report.text = "Handed to " + work.service() + ".\n";
+        return;
+    }
+    const auto where = work.service() + (plan.target.empty() ? "" : ", " + plan.target);
+    report.text = terminal.shown("On " + where + ": " + listOf(made) + ".") + "\n";
+    report.members.set("target", plan.target);
+    report.members.set("made", described(made));
+}
+
+// A file that is thought to be there and is not is lost with its mail.
+void addWhatWasLeftOut(JSONObject& members, const MessageWork& work, const ExportPlan& plan) {
+    if (plan.leftOut.empty()) {
+        return;
+    }
+    JSONValue::Array leftOut;
+    for (const auto& name : plan.leftOut) {
+        leftOut.emplace_back(name);
+        writeError("zelto: warning: the attachment \"" + escapeControlCharacters(name) +
+                   "\" is left out: " + work.service() + " takes none that is so large, or so many.\n");
+    }
+    members.set("leftOut", std::move(leftOut));
+}
+
+// The account is what the next export with its service takes.
+Outcome<void> storeLastUsed(const MessageWork& work) {
+    work.manager->setLastUsedConfiguration(work.account.serviceType(), work.account);
+    return work.workspace.storageOutcome();
+}
+
+Report reportOf(const MessageWork& work, const ExportPlan& plan, bool isDryRun, const Terminal& terminal) {
+    Report report;
+    report.members.set("service", std::string(nameOf(work.account.serviceType())));
+    report.members.set("identifier", work.account.identifier());
+    if (isDryRun) {
+        report.members.set("dryRun", true);
+    }
+    if (const auto shownURL = work.delivery->shownURL()) {
+        report.members.set("url", *shownURL);
+        report.text = *shownURL + "\n";
+    } else {
+        addWhatWasMade(report, work, plan, terminal);
+    }
+    addWhatWasLeftOut(report.members, work, plan);
+    return report;
+}
+
+Outcome<Report> shownRequests(const Invocation& invocation, const Terminal& terminal, const MessageWork& work,
+                              const ExportPlan& plan) {
+    auto report =
+        dryRun(work, plan, terminal, [&] { return exportWithProgress(invocation, terminal, work); });
+    if (report) {
+        addWhatWasLeftOut(report->members, work, plan);
+    }
+    return report;
+}
+
+} // namespace
+
+Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal) {
+    const auto edits = ConfigurationEdits::from(invocation);
+    if (!edits) {
+        return failure(edits.error());
+    }
+    const bool isDryRun = invocation.has("--dry-run");
+    const auto work = MessageWork::open(invocation, isDryRun ? Effects::sendsNothing : Effects::all);
+    if (!work) {
+        return failure(work.error());
+    }
+    const auto plan =
+        work->session->prepare(*edits, isDryRun ? DataLoading::never : DataLoading::whereMissing);
+    if (!plan) {
+        return failure(plan.error());
+    }
+    if (isDryRun && work->session->isOnWeb()) {
+        return shownRequests(invocation, terminal, *work, *plan);
+    }
+    const auto result = exportWithProgress(invocation, terminal, *work);
+    if (!result) {
+        return failure(exportFailure(result.error(), work->circumstances(*plan)));
+    }
+    if (!isDryRun) {
+        if (const auto stored = storeLastUsed(*work); !stored) {
+            return failure(stored.error());
+        }
+    }
+    return reportOf(*work, *plan, isDryRun, terminal);
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,114 @@
+#include "export/MessageWork.h"
+
+#include "accounts/KeyChainCheck.h"
+#include "accounts/ServiceNames.h"
+#include "accounts/UnchangedStorage.h"
+#include "export/MessageFile.h"
+#include "export/PlaceholderSecrets.h"
+#include "export/ServiceTable.h"
+
+#include <ZeltoHost/Platform/EmailValidator.h>
+#include <ZeltoHost/Process/CommandWords.h>
+
+namespace zelto::cli {
+
+namespace {
+
+Outcome<PDFConverterOptions> pdfOptions(const Invocation& invocation) {
+    PDFConverterOptions options;
+    if (const auto command = invocation.value("--pdf-converter")) {
+        auto words = commandWords(*command);
+        if (!words) {
+            return wrongUsage("--pdf-converter " + std::string(words.error().text) + ".");
+        }
+        if (!findProgram(words->front())) {
+            return wrongUsage("--pdf-converter names no program that is here: \"" + words->front() + "\".");
+        }
+        options.command = *std::move(words);
+    }
+    return options;
+}
+
+// The account's lock where one is needed, with secrets that can be read.
+Outcome<std::optional<AccountLock>> secretsFor(ServiceAccountConfiguration& account,
+                                               const Workspace& workspace, Effects effects) {
+    if (effects == Effects::sendsNothing) {
+        usePlaceholderSecrets(account);
+        return std::nullopt;
+    }
+    auto lock = workspace.lockForUse(account);
+    if (lock && effects == Effects::all) {
+        if (const auto readable = checkReadable(account.credentials); !readable) {
+            return failure(readable.error());
+        }
+    }
+    return lock;
+}
+
+} // namespace
+
+Outcome<MessageWork> MessageWork::open(const Invocation& invocation, Effects effects) {
+    const auto to = invocation.value("--to");
+    if (!to) {
+        return wrongUsage("--to is missing: name an account or a service.", "zelto accounts");
+    }
+    auto message = openMessage(invocation);
+    if (!message) {
+        return failure(message.error());
+    }
+    auto pdf = pdfOptions(invocation);
+    if (!pdf) {
+        return failure(pdf.error());
+    }
+    auto delivery = URLDelivery::from(invocation);
+    if (!delivery) {
+        return failure(delivery.error());
+    }
+    if (const auto type = serviceNamed(*to); type && !canExport(*type)) {
+        return failure(cannotExport(*type));
+    }
+    const bool stores = effects == Effects::all;
+    auto workspace = Workspace::open(invocation, !stores);
+    if (!workspace) {
+        return failure(workspace.error());
+    }
+    auto storage = workspace->sharedStorage();
+    if (!stores) {
+        storage = std::make_shared<UnchangedStorage>(std::move(storage));
+    }
+    auto platform = std::make_shared<HostPlatformInteractor>(
+        [delivery = *delivery](const URL& url, Callback<bool> done) { delivery->open(url, std::move(done)); },
+        *std::move(pdf));
+    auto manager =
+        std::make_shared<IntegrationsManager>(std::move(storage), platform, isEmailAddress, std::string());
+    auto account = workspace->account(*to, *manager, stores);
+    if (!account) {
+        return failure(account.error());
+    }
+    auto lock = secretsFor(*account, *workspace, effects);
+    if (!lock) {
+        return failure(lock.error());
+    }
+    auto session = openExportSession(*manager, *account, *std::move(message));
+    if (!session) {
+        return failure(session.error());
+    }
+    return MessageWork{*std::move(workspace), *std::move(delivery), std::move(platform), std::move(manager),
+                       *std::move(account),   *std::move(lock),     *std::move(session)};
+}
+
+std::string MessageWork::service() const {
+    return displayName(account.serviceType());
+}
+
+ExportCircumstances MessageWork::circumstances(const ExportPlan& plan) const {
+    return {.service = service(),
+            .account = account.identifier(),
+            .takenTypes = session->takenTypes(),
+            .openerFailure = delivery->failureMessage(),
+            .missingTarget = plan.missingTarget,
+            .pdfError = platform->lastPDFError(),
+            .report = session->report()};
+}
+
+} // namespace zelto::cli

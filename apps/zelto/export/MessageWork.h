@@ -1,0 +1,42 @@
+#pragma once
+
+#include "accounts/Workspace.h"
+#include "base/Outcome.h"
+#include "commandline/CommandLine.h"
+#include "export/ExportFailures.h"
+#include "export/ExportSession.h"
+#include "export/URLDelivery.h"
+
+#include <ZeltoHost/Platform/HostPlatformInteractor.h>
+
+#include <memory>
+#include <optional>
+
+namespace zelto::cli {
+
+// What a command may do.
+enum class Effects {
+    all,
+    storesNothing, // not even the account that an application gets at its first export
+    sendsNothing,  // nor does it open the key chain: the account has placeholders for its secrets
+};
+
+// All that a command about a message and an account works with.
+struct MessageWork {
+    Workspace workspace;
+    std::shared_ptr<URLDelivery> delivery;
+    std::shared_ptr<HostPlatformInteractor> platform;
+    std::shared_ptr<IntegrationsManager> manager;
+    ServiceAccountConfiguration account;
+    std::optional<AccountLock> lock;
+    std::unique_ptr<ExportSession> session;
+
+    static Outcome<MessageWork> open(const Invocation& invocation, Effects effects);
+
+    std::string service() const; // as the program shows it
+
+    // What a failure of the export is told by.
+    ExportCircumstances circumstances(const ExportPlan& plan) const;
+};
+
+} // namespace zelto::cli

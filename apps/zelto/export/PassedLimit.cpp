@@ -1,0 +1,33 @@
+#include "export/PassedLimit.h"
+
+#include <utility>
+
+namespace zelto::cli {
+
+void LimitCheck::check(std::string what, std::uint64_t actual, std::uint64_t limit, std::string unit) {
+    if (actual > limit) {
+        passed_.push_back({std::move(what), limit, actual, std::move(unit)});
+    }
+}
+
+std::string sentenceOf(const PassedLimit& limit) {
+    auto text = limit.what + " would pass the limit of " + std::to_string(limit.limit) + " " + limit.unit +
+                ": it has " + std::to_string(limit.actual) + ".";
+    if (!text.empty() && text.front() >= 'a' && text.front() <= 'z') {
+        text.front() = static_cast<char>(text.front() - 'a' + 'A');
+    }
+    return text;
+}
+
+JSONValue described(const std::vector<PassedLimit>& limits) {
+    JSONValue::Array all;
+    for (const auto& each : limits) {
+        all.emplace_back(JSONObject{{"what", each.what},
+                                    {"limit", static_cast<std::int64_t>(each.limit)},
+                                    {"actual", static_cast<std::int64_t>(each.actual)},
+                                    {"unit", each.unit}});
+    }
+    return all;
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,117 @@
+#include "export/RequestRecorder.h"
+
+#include <ZeltoSandbox/Addressing.h>
+
+#include <Platform/ASCII.h>
+#include <Platform/HTTP/URLSessionConfiguration.h>
+#include <Platform/UTF8.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace zelto::cli {
+
+namespace {
+
+using sandbox::FormPart;
+using sandbox::SandboxRequest;
+
+// All of a text that an export composes; what is longer is shown by its size alone.
+constexpr std::size_t longestText = std::size_t{16} << 20;
+constexpr std::size_t longestPartText = std::size_t{64} << 10;
+constexpr std::size_t largestHeader = std::size_t{8} << 20;
+
+bool isText(std::string_view mediaType) {
+    return mediaType.starts_with("text/") || mediaType == "application/json" ||
+           mediaType.ends_with("+json") || mediaType == "application/x-www-form-urlencoded";
+}
+
+SentPart sent(const FormPart& part) {
+    SentPart sent{.name = part.name,
+                  .fileName = part.fileName,
+                  .contentType = part.contentType,
+                  .size = part.content.size,
+                  .text = {}};
+    if (!part.fileName && isText(part.contentType)) {
+        sent.text = repairedUTF8(part.content.text(longestPartText));
+    }
+    return sent;
+}
+
+SentRequest sent(const SandboxRequest& request) {
+    SentRequest sent{.method = request.method,
+                     .url = "https://" + request.host + request.head.target,
+                     .headers = request.head.fields,
+                     .bodySize = request.body ? request.body->size() : 0,
+                     .text = {},
+                     .parts = {}};
+    std::erase_if(sent.headers,
+                  [](const HTTPHeaderField& field) { return equalIgnoringASCIICase(field.name, "Host"); });
+    std::ranges::transform(request.parts, std::back_inserter(sent.parts),
+                           [](const FormPart& part) { return zelto::cli::sent(part); });
+    if (sent.bodySize > 0 && sent.bodySize <= longestText && isText(request.contentType)) {
+        sent.text = repairedUTF8(sandbox::SpoolRange::all(request.body).text(longestText));
+    }
+    return sent;
+}
+
+Result<SandboxRequest, std::string> taken(sandbox::RequestHead head,
+                                          std::shared_ptr<const sandbox::SpooledBytes> body) {
+    const auto* host = head.field("Host");
+    const auto question = std::min(head.target.find('?'), head.target.size());
+    sandbox::RequestAddress address{.host = host ? *host : "",
+                                    .path = head.target.substr(0, question),
+                                    .query = head.target.substr(std::min(question + 1, head.target.size())),
+                                    .webPrefix = {}};
+    return sandbox::requestOf(std::move(head), std::move(address), std::move(body));
+}
+
+} // namespace
+
+Outcome<std::unique_ptr<RequestRecorder>> RequestRecorder::start(Respond respond) {
+    std::unique_ptr<RequestRecorder> recorder(new RequestRecorder(std::move(respond)));
+    SandboxOptions options;
+    options.largestHeader = largestHeader;
+    auto space = std::make_shared<sandbox::SpoolSpace>(options.largestDiskUse);
+    auto started = sandbox::HTTPServer::start(
+        options, std::move(space),
+        {.refusal = [](const sandbox::RequestHead&) { return std::nullopt; },
+         .answer =
+             [self = recorder.get()](sandbox::RequestHead head, auto body, std::uint64_t) {
+                 sandbox::SandboxResponse response{.body =
+                                                       self->responseTo(std::move(head), std::move(body))};
+                 return sandbox::PlannedResponse{
+                     std::move(response).with("Content-Type", "application/json")};
+             },
+         .isReady = [](std::uint16_t) {}});
+    if (!started) {
+        return failure(Failure{"dryRunError",
+                               "No stand-in of the service could be started: " + started.error(),
+                               "zelto export --verbose"});
+    }
+    recorder->server_ = *std::move(started);
+    auto defaults = URLSessionConfiguration::ephemeral();
+    defaults.route = URL::parse("http://127.0.0.1:" + std::to_string(recorder->server_->port()));
+    URLSessionConfiguration::setDefaults(std::move(defaults));
+    return recorder;
+}
+
+std::vector<SentRequest> RequestRecorder::requests() const {
+    const std::lock_guard guard(lock_);
+    return requests_;
+}
+
+std::string RequestRecorder::responseTo(sandbox::RequestHead head,
+                                        std::shared_ptr<const sandbox::SpooledBytes> body) {
+    const auto request = taken(std::move(head), std::move(body));
+    if (!request) {
+        return {};
+    }
+    auto recorded = sent(*request);
+    auto response = respond_(recorded);
+    const std::lock_guard guard(lock_);
+    requests_.push_back(std::move(recorded));
+    return response;
+}
+
+} // namespace zelto::cli

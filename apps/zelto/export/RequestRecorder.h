@@ -1,0 +1,39 @@
+#pragma once
+
+#include "base/Outcome.h"
+#include "export/SentRequest.h"
+
+#include <ZeltoSandbox/HTTP/HTTPServer.h>
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace zelto::cli {
+
+// Receives on a loopback address what this process would send to services, in a dry run.
+class RequestRecorder {
+  public:
+    // The JSON that a request is responded to with. Called on any thread.
+    using Respond = std::function<std::string(const SentRequest&)>;
+
+    // Every new session of this process sends its requests to the recorder from then on.
+    static Outcome<std::unique_ptr<RequestRecorder>> start(Respond respond);
+
+    // In the order of their arrival.
+    std::vector<SentRequest> requests() const;
+
+  private:
+    explicit RequestRecorder(Respond respond) : respond_(std::move(respond)) {}
+
+    std::string responseTo(sandbox::RequestHead head, std::shared_ptr<const sandbox::SpooledBytes> body);
+
+    const Respond respond_;
+    mutable std::mutex lock_;
+    std::vector<SentRequest> requests_;
+    std::unique_ptr<sandbox::HTTPServer> server_; // last: it ends before what it uses
+};
+
+} // namespace zelto::cli

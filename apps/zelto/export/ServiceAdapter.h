@@ -1,0 +1,95 @@
+#pragma once
+
+#include "export/EditableFields.h"
+#include "export/PassedLimit.h"
+#include "export/SentRequest.h"
+#include "export/Targets.h"
+
+#include <ZeltoIntegrations/Content/IntegrationError.h>
+#include <ZeltoIntegrations/Export/ExportProgress.h>
+#include <ZeltoIntegrations/Export/ExportReport.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+// What the command line has to know of a service beside its exporter. The adapter of a service derives from
+// ApplicationAdapter or WebAdapter, declares again what its service has otherwise, and stands in one row of
+// ServiceTable.cpp. All members are static.
+//
+// An adapter whose service has targets also gives:
+//
+//     using TargetData = …;                             what the targets are chosen from, with JSON
+//     static TargetTree targetTree(const TargetData&);
+//     static void setTarget(Configuration&, const TargetData&, const TargetPath&);
+//     static std::string targetName(const Configuration&);    empty while none is chosen
+//
+// and, where an export without a target is complete (it goes into the root folder, for one),
+//
+//     static constexpr bool needsTarget = false;
+
+namespace zelto::cli {
+
+template <class E> struct ServiceAdapter {
+    using Exporter = E;
+    using Configuration = typename E::Configuration;
+
+    static EditableFields fields(Configuration& configuration) { return usualFields(configuration); }
+
+    static constexpr bool needsTarget = true;
+
+    // The data that the targets are chosen from: as they were loaded last, or with `force` from the service.
+    template <class Done> static void loadTargetData(Exporter& exporter, bool force, Done done) {
+        exporter.loadData(force, std::move(done));
+    }
+
+    // Whether export_ takes a policy for files that exist already.
+    static constexpr bool takesPolicy = false;
+
+    static std::shared_ptr<ExportProgress> export_(Exporter& exporter, Configuration configuration,
+                                                   std::optional<ExportFilePolicy> /*policy*/,
+                                                   Completion<void, IntegrationExportError> completion) {
+        return exporter.export_(std::move(configuration), std::move(completion));
+    }
+};
+
+// An application on this machine, which is handed one URL.
+template <class E> struct ApplicationAdapter : ServiceAdapter<E> {
+    static constexpr bool isOnWeb = false;
+
+    static ExportReport report(const E& /*exporter*/) { return {}; }
+
+    static std::string standInResponse(const SentRequest& /*request*/) { return {}; }
+
+    static std::vector<PassedLimit> passedLimits(const E& /*exporter*/,
+                                                 const typename E::Configuration& /*configuration*/,
+                                                 const std::vector<SentRequest>& /*requests*/) {
+        return {};
+    }
+};
+
+// A service that is reached by requests.
+template <class E> struct WebAdapter : ServiceAdapter<E> {
+    static constexpr bool isOnWeb = true;
+
+    static ExportReport report(const E& exporter) { return exporter.exportReport(); }
+
+    // In a dry run: the JSON that a request is responded to with, as if the service had done what was asked.
+    static std::string standInResponse(const SentRequest& /*request*/) { return "{}"; }
+
+    // In a dry run: what the export would pass of the limits that the service publishes.
+    static std::vector<PassedLimit> passedLimits(const E& /*exporter*/,
+                                                 const typename E::Configuration& /*configuration*/,
+                                                 const std::vector<SentRequest>& /*requests*/) {
+        return {};
+    }
+};
+
+template <class Adapter>
+concept HasTargets = requires {
+    typename Adapter::TargetData;
+};
+
+} // namespace zelto::cli

@@ -1,0 +1,66 @@
+#include "export/ServiceTable.h"
+
+#include "accounts/ServiceNames.h"
+#include "export/AdaptedSession.h"
+#include "export/services/ApplicationAdapters.h"
+#include "export/services/TrelloAdapter.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace zelto::cli {
+
+namespace {
+
+struct ServiceRow {
+    ServiceType type;
+    std::unique_ptr<ExportSession> (*open)(IntegrationsManager& manager,
+                                           const ServiceAccountConfiguration& account,
+                                           std::shared_ptr<IntegrationsDataInteractorProtocol> message);
+};
+
+template <class Adapter>
+std::unique_ptr<ExportSession> open(IntegrationsManager& manager, const ServiceAccountConfiguration& account,
+                                    std::shared_ptr<IntegrationsDataInteractorProtocol> message) {
+    constexpr auto actionSource = "zelto";
+    auto exporter = manager.createServiceExporter<typename Adapter::Exporter>(account, std::move(message),
+                                                                              actionSource, false);
+    return std::make_unique<AdaptedSession<Adapter>>(std::move(exporter), displayName(account.serviceType()),
+                                                     account.identifier());
+}
+
+// Every service that the program can export to. Nothing else of the program names one.
+constexpr ServiceRow rows[] = {
+    {ServiceType::Agenda, open<AgendaAdapter>},       {ServiceType::Bear, open<BearAdapter>},
+    {ServiceType::OmniFocus, open<OmniFocusAdapter>}, {ServiceType::Things, open<ThingsAdapter>},
+    {ServiceType::Trello, open<TrelloAdapter>},       {ServiceType::Type2Do, open<TwoDoAdapter>},
+};
+
+} // namespace
+
+std::vector<ServiceType> exportableServices() {
+    std::vector<ServiceType> types;
+    std::ranges::transform(rows, std::back_inserter(types), &ServiceRow::type);
+    return types;
+}
+
+bool canExport(ServiceType type) {
+    return std::ranges::find(rows, type, &ServiceRow::type) != std::end(rows);
+}
+
+Failure cannotExport(ServiceType type) {
+    return {"unsupportedService", "This version cannot export to " + displayName(type) + ".",
+            "zelto services"};
+}
+
+Outcome<std::unique_ptr<ExportSession>>
+openExportSession(IntegrationsManager& manager, const ServiceAccountConfiguration& account,
+                  std::shared_ptr<IntegrationsDataInteractorProtocol> message) {
+    const auto row = std::ranges::find(rows, account.serviceType(), &ServiceRow::type);
+    if (row == std::end(rows)) {
+        return failure(cannotExport(account.serviceType()));
+    }
+    return row->open(manager, account, std::move(message));
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,197 @@
+#include <zelto/StoredAccount.h>
+#include <zelto/TrelloAccount.h>
+#include <zelto/ZeltoProgram.h>
+
+#include <Support/TrelloExport.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <map>
+
+namespace zelto {
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+const auto mail = ZeltoProgram::sample("project-kickoff.eml");
+
+std::string textAt(const JSONValue& object, std::string_view key) {
+    const auto* member = object.find(key);
+    const auto* text = member ? member->asString() : nullptr;
+    return text ? *text : std::string();
+}
+
+std::int64_t numberAt(const JSONValue& object, std::string_view key) {
+    const auto* member = object.find(key);
+    return member ? member->asInt64().value_or(-1) : -1;
+}
+
+JSONValue::Array arrayAt(const JSONValue& object, std::string_view key) {
+    const auto* member = object.find(key);
+    return member && member->asArray() ? *member->asArray() : JSONValue::Array();
+}
+
+std::string replaced(std::string text, std::string_view from, std::string_view to) {
+    for (auto at = text.find(from); at != std::string::npos; at = text.find(from, at + to.size())) {
+        text.replace(at, from.size(), to);
+    }
+    return text;
+}
+
+// An account of Trello, and a service that must receive nothing of a dry run.
+class DryRun : public testing::Test {
+  protected:
+    DryRun() {
+        addTrelloAccount(zelto);
+        zelto.variables["ZELTO_SANDBOX"] = service.server.url().absoluteString();
+    }
+
+    ProgramOutcome run(const ZeltoProgram::Arguments& more) const {
+        ZeltoProgram::Arguments arguments = {"export", mail, "--to", "trello", "--title", "Title"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return zelto.run(arguments);
+    }
+
+    // The target of a request that was sent, as a dry run shows it.
+    static std::string shownTarget(std::string target) {
+        target = replaced(std::move(target), "cards/c1/", "cards/NEW-CARD/");
+        const auto key = target.find("key=");
+        return target.substr(0, key) + "key=***&token=***";
+    }
+
+    ZeltoProgram zelto;
+    TrelloServer service;
+};
+
+} // namespace
+
+TEST_F(DryRun, ShowsEachRequestAsTheExportSendsIt) {
+    const auto shown = run({"--attach", "all", "--dry-run", "--json"});
+    EXPECT_EQ(shown.status, 0) << shown.output;
+    EXPECT_EQ(service.lines(), Texts{});
+    EXPECT_EQ(run({"--attach", "all"}).status, 0);
+    const auto sent = service.server.requests();
+    const auto document = shown.json();
+    const auto requests = arrayAt(document, "requests");
+    ASSERT_EQ(requests.size(), 4U);
+    ASSERT_EQ(sent.size(), requests.size());
+    for (std::size_t i = 0; i < sent.size(); ++i) {
+        EXPECT_EQ(textAt(requests[i], "method"), sent[i].method);
+        EXPECT_EQ(textAt(requests[i], "url"), "https://api.trello.com" + shownTarget(sent[i].target));
+        std::map<std::string, std::string> headers;
+        for (const auto& [name, value] : *requests[i].find("headers")->asObject()) {
+            headers[name] = withoutBoundary(*value.asString());
+        }
+        std::map<std::string, std::string> sentHeaders;
+        for (const auto& [name, value] : sent[i].headers.fields()) {
+            if (name != "Host") {
+                sentHeaders[name] = withoutBoundary(value);
+            }
+        }
+        // The PDF has a time in it, which may make it longer.
+        if (i == 1) {
+            headers.erase("Content-Length");
+            sentHeaders.erase("Content-Length");
+        }
+        EXPECT_EQ(headers, sentHeaders);
+    }
+    const auto pdf = arrayAt(requests[1], "parts");
+    ASSERT_EQ(pdf.size(), 1U);
+    EXPECT_EQ(textAt(pdf[0], "name"), "file");
+    EXPECT_EQ(textAt(pdf[0], "fileName"), "Title.pdf");
+    EXPECT_EQ(textAt(pdf[0], "contentType"), "application/pdf");
+    EXPECT_GT(numberAt(pdf[0], "size"), 1000);
+    const auto note = arrayAt(requests[3], "parts");
+    ASSERT_EQ(note.size(), 1U);
+    EXPECT_EQ(note[0].text().value(),
+              R"({"name":"file","fileName":"Agenda.txt","contentType":"text/plain","size":163})");
+    EXPECT_EQ(numberAt(requests[3], "bodySize"), static_cast<std::int64_t>(sent[3].bodySize));
+    EXPECT_EQ(document.find("limits")->text().value(), "[]");
+    EXPECT_EQ(document.find("attachments")->text().value(), R"(["Relaunch plan.pdf","Agenda.txt"])");
+}
+
+TEST_F(DryRun, IsReadAsText) {
+    const auto outcome = run({"--as", "backLink", "--attach", "Agenda.txt", "--dry-run"});
+    EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
+    EXPECT_EQ(outcome.errorOutput, "");
+    const auto& text = outcome.output;
+    EXPECT_TRUE(text.starts_with("Would go to Trello, Work/To Do: \"Title\" as backLink, Agenda.txt.\n\n"
+                                 "1. POST https://api.trello.com/1/cards?desc="))
+        << text;
+    EXPECT_NE(text.find("&idList=l1&name=Title&key=***&token=***\n    "), std::string::npos) << text;
+    EXPECT_NE(
+        text.find("\n\n2. POST https://api.trello.com/1/cards/NEW-CARD/attachments?key=***&token=***\n"),
+        std::string::npos)
+        << text;
+    EXPECT_TRUE(text.ends_with("    part file: file \"Agenda.txt\", text/plain, 163 bytes\n")) << text;
+    EXPECT_EQ(service.lines(), Texts{});
+}
+
+TEST_F(DryRun, LeavesNoTraceAndOpensNoKeyChain) {
+    std::ofstream(zelto.dataDirectory() / "keychain") << "garbage";
+    const auto before = ZeltoProgram::filesBelow(zelto.home.path());
+    const auto outcome = run({"--attach", "all", "--target", "Home/To Do", "--dry-run", "--verbose"});
+    EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
+    EXPECT_EQ(ZeltoProgram::filesBelow(zelto.home.path()), before);
+    EXPECT_EQ(service.lines(), Texts{});
+}
+
+TEST_F(DryRun, FailsAsTheExportWouldAndShowsWhatWasSentUntilThen) {
+    const auto outcome = run({"--pdf-converter", "false", "--dry-run", "--json"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.text("error"), "convertError");
+    EXPECT_EQ(outcome.text("message"),
+              "The message could not be turned into a PDF. The PDF converter 'false' "
+              "failed with status 1.");
+    const auto document = outcome.json();
+    EXPECT_EQ(document.find("made"), nullptr);
+    ASSERT_EQ(arrayAt(document, "requests").size(), 1U);
+    const auto text = run({"--pdf-converter", "false", "--dry-run"});
+    EXPECT_TRUE(text.output.starts_with("Would go to Trello, Work/To Do: \"Title\" as pdf.\n\n1. POST "))
+        << text.output;
+    EXPECT_EQ(service.lines(), Texts{});
+}
+
+TEST_F(DryRun, NamesEachLimitThatWouldBePassed) {
+    const auto title = std::string(16'385, 'a');
+    const auto outcome =
+        zelto.run({"export", mail, "--to", "trello", "--as", "backLink", "--title", title, "--dry-run"});
+    EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
+    EXPECT_NE(
+        outcome.output.find("\n\nThe card's name would pass the limit of 16384 characters: it has 16385.\n"
+                            "The address of the request that makes the card would pass the limit of 8000 "
+                            "bytes: it has 16"),
+        std::string::npos)
+        << outcome.output;
+    const auto document = zelto
+                              .run({"export", mail, "--to", "trello", "--as", "backLink", "--title", title,
+                                    "--dry-run", "--json"})
+                              .json();
+    const auto limits = arrayAt(document, "limits");
+    ASSERT_EQ(limits.size(), 2U);
+    EXPECT_EQ(limits[0].text().value(),
+              R"({"what":"the card's name","limit":16384,"actual":16385,"unit":"characters"})");
+}
+
+TEST_F(DryRun, OfAnAccountWhoseDataWereNeverLoadedAsksNoService) {
+    const ZeltoProgram other;
+    ServiceAccountConfiguration account(ServiceType::Trello, "new@example.org", true);
+    addAccount(other, std::move(account));
+    const auto named = other.run({"--sandbox", service.server.url().absoluteString(), "export", mail, "--to",
+                                  "trello", "--target", "Work/To Do", "--dry-run", "--json"});
+    EXPECT_EQ(named.status, 1);
+    EXPECT_EQ(named.text("error"), "noTarget");
+    EXPECT_EQ(named.text("message"),
+              "What --target names is not known: the data of Trello were never loaded.");
+    EXPECT_EQ(named.text("next"), "zelto targets Trello+new@example.org --refresh");
+    const auto unnamed = other.run({"--sandbox", service.server.url().absoluteString(), "export", mail,
+                                    "--to", "trello", "--as", "backLink", "--dry-run", "--json"});
+    EXPECT_EQ(unnamed.text("error"), "createTaskError");
+    EXPECT_EQ(unnamed.text("message"), "No target is chosen.");
+    EXPECT_EQ(service.lines(), Texts{});
+}
+
+} // namespace zelto
