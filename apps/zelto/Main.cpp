@@ -83,7 +83,7 @@ int report(const Failure& failure, bool asJSON, const Terminal& terminal) {
 }
 
 int report(const Report& report, bool asJSON, bool isQuiet) {
-    if (report.isTold) {
+    if (report.isPrinted) {
         return static_cast<int>(ExitStatus::success);
     }
     const auto done = report.isNotice ? report.text : std::string();

@@ -11,7 +11,7 @@ namespace {
 // A handler may do little more than write to a descriptor.
 int interrupted = -1;
 
-void tell(int) {
+void notify(int) {
     [[maybe_unused]] const auto done = ::eventfd_write(interrupted, 1);
 }
 
@@ -35,13 +35,13 @@ Interruption::Interruption() {
             source_.request_stop();
         }
     });
-    setHandler(tell);
+    setHandler(notify);
 }
 
 Interruption::~Interruption() {
     setHandler(SIG_DFL);
     watch_.request_stop();
-    tell(0);
+    notify(0);
     watch_.join();
     ::close(interrupted);
 }

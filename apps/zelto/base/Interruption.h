@@ -5,8 +5,8 @@
 
 namespace zelto::cli {
 
-// While one lives, the first Ctrl-C (or SIGTERM) is a request to stop instead of the process's end; a second
-// one ends it as ever. One at a time.
+// While an object exists, the first Ctrl-C (or SIGTERM) is a request to stop; a second one ends the process
+// as usual. One object at a time.
 class Interruption {
   public:
     Interruption();

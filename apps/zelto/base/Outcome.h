@@ -9,24 +9,23 @@ namespace zelto::cli {
 
 enum class ExitStatus : int { success = 0, failed = 1, wrongUsage = 2, interrupted = 130 };
 
-// What a command that worked has to say: members of the JSON document behind "result", and the text without
+// What a command that succeeded prints: members of the JSON document after "result", and the text without
 // --json.
 struct Report {
     JSONObject members;
     std::string text;
-    bool isNotice = false; // the text only tells that it worked: --quiet leaves it out
-    bool isTold = false;   // the command has printed everything itself
+    bool isNotice = false;  // the text only says that it succeeded: --quiet leaves it out
+    bool isPrinted = false; // the command has printed everything itself
 };
 
-// Why a command did not work.
+// Why a command failed.
 struct Failure {
     std::string name;    // the case's name
     std::string message; // one plain sentence
     std::string next;    // the command to try next; if empty, the help of the command
     ExitStatus status = ExitStatus::failed;
-    JSONObject members = {}; // of the JSON document, behind "next"
-    // Without --json: what there is all the same, for standard output, and lines behind the message, as they
-    // are to be shown.
+    JSONObject members = {}; // of the JSON document, after "next"
+    // Without --json: what is printed on standard output all the same, and lines to print after the message.
     std::string output = {};
     std::string details = {};
 };
@@ -37,7 +36,7 @@ inline std::unexpected<Failure> wrongUsage(std::string message, std::string next
 
 template <class T> using Outcome = Result<T, Failure>;
 
-// A coded record as members of a report. None if it has no JSON, which cannot be said of one that was JSON.
+// A coded record as members of a report. A record that was decoded from JSON always has JSON.
 template <class Record> JSONObject membersOf(const Record& record) {
     const auto json = JSONValue::of(record);
     const auto* members = json ? json->asObject() : nullptr;

@@ -10,7 +10,7 @@ namespace zelto::cli {
 // One word, in '...', for bash and zsh.
 std::string shellQuoted(std::string_view text);
 
-// The same, in quotes only where it needs them: for commands that people are told to try.
+// The same, in quotes only where it needs them: for commands that messages suggest.
 std::string shellWord(std::string_view text);
 
 } // namespace zelto::cli

@@ -47,7 +47,7 @@ Codepoint firstCodepoint(std::string_view text) {
     return {lead < 0x80 ? lead : 0, 1};
 }
 
-bool isObeyedByTerminals(std::uint32_t codepoint) {
+bool controlsTerminals(std::uint32_t codepoint) {
     const auto within = [codepoint](std::uint32_t first, std::uint32_t last) {
         return codepoint >= first && codepoint <= last;
     };
@@ -106,7 +106,7 @@ std::string terminalSafeJSON(std::string_view json) {
     safe.reserve(json.size());
     while (!json.empty()) {
         const auto first = firstCodepoint(json);
-        if (isObeyedByTerminals(first.value)) {
+        if (controlsTerminals(first.value)) {
             safe += jsonEscape(first.value);
         } else {
             safe += json.substr(0, first.size);
@@ -117,7 +117,7 @@ std::string terminalSafeJSON(std::string_view json) {
 }
 
 void reserveStandardDescriptors() {
-    // Opened the wrong way round, so that using one still fails.
+    // Opened for the other direction, so that using one still fails.
     constexpr std::array modes{O_WRONLY, O_RDONLY, O_RDONLY};
     for (int descriptor = 0; descriptor < 3; ++descriptor) {
         if (::fcntl(descriptor, F_GETFD) < 0) {
@@ -132,7 +132,7 @@ bool writeOutput(std::string_view text) {
 }
 
 void writeError(std::string_view text) {
-    // There is nowhere left to tell of a failure.
+    // There is no other output that a failure could be reported on.
     (void)writeAll(STDERR_FILENO, text);
 }
 

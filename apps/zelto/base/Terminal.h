@@ -13,8 +13,8 @@ struct Terminal {
 
     static Terminal ofThisProcess();
 
-    // Text that is not ours, as it is to be shown on standard output: on a terminal, control characters and
-    // the like are written as escapes. `shownLines` leaves line ends and tabs alone.
+    // Text from a file or a service as it is printed on standard output: on a terminal, control characters
+    // and the like are written as escapes. `shownLines` keeps line ends and tabs.
     std::string shown(std::string_view text) const;
     std::string shownLines(std::string_view text) const;
 };
@@ -22,8 +22,8 @@ struct Terminal {
 // Text of several lines with control characters and the like as escapes, but for line ends and tabs.
 std::string escapedLines(std::string_view text);
 
-// JSON text in which, behind what JSON itself asks for, no character stands that a terminal obeys: DEL, C1
-// and the marks that turn the direction of writing are escaped.
+// JSON text in which the characters that control a terminal and that JSON allows are escaped too: DEL, C1
+// and the marks that change the direction of writing.
 std::string terminalSafeJSON(std::string_view json);
 
 // Keeps files that are opened later from becoming a standard output that was closed at the start.

@@ -8,25 +8,25 @@
 
 namespace zelto::cli {
 
-// Calls an asynchronous operation and waits for what it completes with. Not by a future: while one waits, a
-// thread sanitizer holds back the signal of a Ctrl-C.
+// Calls an asynchronous operation and waits for its result. Not by a future: while one waits, a thread
+// sanitizer defers the signal of a Ctrl-C.
 template <class T, class F> T waitFor(F operation) {
-    struct Answer {
+    struct Completed {
         std::mutex lock;
-        std::condition_variable came;
+        std::condition_variable isThere;
         std::optional<T> value;
     };
 
-    // Shared, since the caller may go on while the completion's thread is still on its way out of it.
-    const auto answer = std::make_shared<Answer>();
-    operation([answer](T value) {
-        const std::lock_guard guard(answer->lock);
-        answer->value.emplace(std::move(value));
-        answer->came.notify_one();
+    // Shared, since the caller may go on before the completion has returned.
+    const auto completed = std::make_shared<Completed>();
+    operation([completed](T value) {
+        const std::lock_guard guard(completed->lock);
+        completed->value.emplace(std::move(value));
+        completed->isThere.notify_one();
     });
-    std::unique_lock lock(answer->lock);
-    answer->came.wait(lock, [&] { return answer->value.has_value(); });
-    return *std::move(answer->value);
+    std::unique_lock lock(completed->lock);
+    completed->isThere.wait(lock, [&] { return completed->value.has_value(); });
+    return *std::move(completed->value);
 }
 
 } // namespace zelto::cli

@@ -31,6 +31,22 @@ _zelto_accounts() {
     _zelto_offer "${identifiers[@]%%  *}"
 }
 
+# The targets of the account that the line names by --to.
+_zelto_targets() {
+    local index account
+    local -a paths
+    for ((index = 1; index < COMP_CWORD; ++index)); do
+        if [[ ${COMP_WORDS[index]} == --to ]]; then
+            account=${COMP_WORDS[index + 1]}
+            [[ $account == '=' ]] && account=${COMP_WORDS[index + 2]}
+        fi
+    done
+    if [[ $account ]]; then
+        readarray -t paths < <(zelto targets "$account" --paths 2> /dev/null)
+        _zelto_offer "${paths[@]}"
+    fi
+}
+
 # _zelto_files KIND: the files, directories or mails that begin with what is typed.
 _zelto_files() {
     local path
@@ -100,13 +116,15 @@ std::string action(ValueKind kind, const std::vector<std::string_view>& choices)
         return "_zelto_accounts";
     case ValueKind::accountOrService:
         return offered + "; _zelto_accounts";
+    case ValueKind::target:
+        return "_zelto_targets";
     case ValueKind::mail:
         return "_zelto_offer -; _zelto_files mail";
     }
     return {};
 }
 
-// What completes the value of each option; an option means the same wherever it stands.
+// What completes the value of each option; an option means the same in every command.
 std::string values() {
     std::map<std::string_view, std::string> actions;
     const auto add = [&](const OptionSpec& option) {

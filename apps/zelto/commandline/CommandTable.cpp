@@ -23,7 +23,8 @@ const OptionSpec webLink = {"--web-link", "URL",
 
 const OptionSpec target = {"--target", "PATH",
                            "What the export goes into, like \"Board/List\": names or identifiers that `zelto "
-                           "targets` lists"};
+                           "targets` lists",
+                           ValueKind::target};
 
 // The options of a sign-in, behind those that are the command's own.
 std::vector<OptionSpec> withSignInOptions(std::vector<OptionSpec> options) {
@@ -32,7 +33,7 @@ std::vector<OptionSpec> withSignInOptions(std::vector<OptionSpec> options) {
          "Print the page's address, for a browser on any machine, and take the address that it ends at"},
         {"--opener", "COMMAND", "Opens the page, given as its last argument", ValueKind::command},
         {"--redirect", "URL",
-         "The address that your own client is registered with; one of this machine is listened at"},
+         "The address that your own client is registered with; at one of this machine, the program listens"},
         {"--token", "TOKEN", "An access token; - takes it from standard input", ValueKind::secret},
         {"--refresh-token", "TOKEN", "What renews it; - takes the next line of standard input",
          ValueKind::secret},
@@ -53,7 +54,7 @@ std::vector<OptionSpec> withMcpOptions(std::vector<OptionSpec> options) {
         {"--header-stdin", "",
          "Read such fields from standard input, one a line: for secrets, which other users of the machine "
          "see on a command line"},
-        {"--repeat", "N", "Do it N times in one session, and tell the rate"},
+        {"--repeat", "N", "Do it N times in one session, and show the rate"},
         {"--timeout", "SECONDS", "Give up after so long in all, every repeat included [300]"}};
     options.insert(options.end(), shared.begin(), shared.end());
     return options;
@@ -76,7 +77,7 @@ const std::vector<CommandSpec> table = {
      "They are kept in the key chain. An application on this machine needs no sign-in, and need not be "
      "connected before its first export either; --name tells several accounts of one application apart.",
      {{"SERVICE", "The service", ValueKind::service}},
-     withSignInOptions({{"--name", "USER", "The account's name, where the service does not tell it"}}),
+     withSignInOptions({{"--name", "USER", "The account's name, where the service does not say it"}}),
      {"zelto connect bear", "zelto connect things --name work",
       "printf %s my-token | zelto connect zoom --name work --token -"}},
     {"reconnect",
@@ -107,7 +108,8 @@ const std::vector<CommandSpec> table = {
      "folders or what else the service has. They are remembered from when the account was connected; --refresh asks the service again. "
      "`zelto export --target` takes their names or identifiers.",
      {{"ID", "The account's identifier, or its service", ValueKind::accountOrService}},
-     {{"--refresh", "", "Ask the service, whatever is remembered"}},
+     {{"--refresh", "", "Ask the service, whatever is remembered"},
+      {"--paths", "", "Print one path a line, as --target takes it"}},
      {"zelto targets trello", "zelto targets Trello+me@example.org --json"}},
     {"config",
      "Show what an export would start with",
@@ -181,8 +183,8 @@ const std::vector<CommandSpec> table = {
      {},
      {{"--port", "N", "The port to listen at; 0 takes a free one [8377]"},
       {"--consent",
-       "ANSWER",
-       "What its consent pages do: ask a person, or answer at once [ask]",
+       "KIND",
+       "What its consent pages do: ask a person, or agree or refuse at once [ask]",
        ValueKind::text,
        {"ask", "allow", "deny"}}},
      {"zelto sandbox --port 0", "zelto sandbox --port 0 --consent allow --json"}},
@@ -194,8 +196,8 @@ const std::vector<CommandSpec> table = {
      {},
      {"zelto mcp", "zelto mcp call --help"}},
     {"mcp ping",
-     "See whether a server answers",
-     "Connects to a server, pings it and tells what it is.",
+     "See whether a server responds",
+     "Connects to a server, pings it and shows its name and version.",
      {mcpServer},
      withMcpOptions({}),
      {"zelto mcp ping http://127.0.0.1:3001/mcp", "zelto mcp ping http://127.0.0.1:3001/mcp --repeat 100"}},

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-// What the command line offers, said once: parsing, help, completions and man pages are made from it.
+// The commands and their options: parsing, help, completions and man pages are made from this table.
 
 namespace zelto::cli {
 
@@ -20,6 +20,7 @@ enum class ValueKind {
     account,
     accountOrService,
     contentType,
+    target, // of the account that --to names
     mail
 };
 
@@ -55,16 +56,16 @@ std::span<const OptionSpec> globalOptions();
 
 const CommandSpec* findCommand(std::string_view name);
 
-// Edits that turn one text into the other.
+// The number of edits between two texts.
 std::size_t editDistance(std::string_view a, std::string_view b);
 
 // The name that a mistyped one is nearest to, if it is near enough.
 std::optional<std::string_view> nearestName(std::string_view name, const auto& range, auto member) {
-    constexpr std::size_t longestName = 40;
-    constexpr std::size_t largestDistance = 2;
+    constexpr std::size_t maximumLength = 40;
+    constexpr std::size_t maximumDistance = 2;
     std::optional<std::string_view> nearest;
-    auto least = largestDistance + 1;
-    if (name.size() <= longestName) {
+    auto least = maximumDistance + 1;
+    if (name.size() <= maximumLength) {
         for (const auto& each : range) {
             if (const auto distance = editDistance(each.*member, name); distance < least) {
                 least = distance;

@@ -14,6 +14,22 @@ function __zelto_accounts
     zelto accounts --quiet 2> /dev/null | string replace -r '  .*' ''
 end
 
+function __zelto_targets
+    set -l words (commandline -opc)
+    set -l account
+    for index in (seq (count $words))
+        switch $words[$index]
+            case --to
+                set account $words[(math $index + 1)]
+            case '--to=*'
+                set account (string replace -- --to= '' $words[$index])
+        end
+    end
+    if test -n "$account"
+        zelto targets $account --paths 2> /dev/null
+    end
+end
+
 function __zelto_mails
     __fish_complete_suffix .eml
     __fish_complete_suffix .json
@@ -54,6 +70,8 @@ std::string action(ValueKind kind, const std::vector<std::string_view>& choices)
         return " -x -a '(__zelto_accounts)'";
     case ValueKind::accountOrService:
         return " -x -a " + quoted(offered + " (__zelto_accounts)");
+    case ValueKind::target:
+        return " -x -a '(__zelto_targets)'";
     case ValueKind::mail:
         return " -x -a '- (__zelto_mails)'";
     }

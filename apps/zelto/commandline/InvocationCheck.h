@@ -8,7 +8,7 @@
 
 namespace zelto::cli {
 
-// What is wrong with the words of a command line, told as wrong usage. The command is null where none is
+// What is wrong with the words of a command line, reported as wrong usage. The command is null where none is
 // known.
 
 // The command that shows the help for it.

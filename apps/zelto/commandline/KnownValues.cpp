@@ -47,6 +47,7 @@ std::vector<std::string> knownValues(ValueKind kind, const std::vector<std::stri
     case ValueKind::file:
     case ValueKind::directory:
     case ValueKind::command:
+    case ValueKind::target:
     case ValueKind::mail:
         return values;
     }

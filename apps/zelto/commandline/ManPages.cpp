@@ -5,6 +5,7 @@
 
 #include <Platform/ASCII.h>
 #include <Platform/Joined.h>
+#include <ZeltoIntegrations/Accounts/Secrets.h>
 
 #include <algorithm>
 
@@ -12,7 +13,7 @@ namespace zelto::cli {
 
 namespace {
 
-constexpr auto environment = R"(
+constexpr auto environmentStart = R"(
 # ENVIRONMENT
 
 *XDG\_DATA\_HOME*
@@ -24,8 +25,9 @@ constexpr auto environment = R"(
 
 *ZELTO\_SERVICE\_CLIENT\_ID*, *ZELTO\_SERVICE\_CLIENT\_SECRET*
 	A client that you have registered at a service yourself, in place of the one that was built in. SERVICE is
-	one of ASANA, DROPBOX, EVERNOTE, GOOGLEDRIVE, GOTO, HUBSPOT, MEISTERTASK, MICROSOFTTEAMS, NOTION, ONENOTE,
-	SLACK, TICKTICK, TODOIST, TRELLO and ZOOM.
+	one of )";
+
+constexpr auto environmentEnd = R"(.
 
 *NO\_COLOR*
 	If it is set and not empty, nothing is coloured.
@@ -57,6 +59,12 @@ constexpr auto exitStatus = R"(
 With *--json* every outcome is one JSON document on standard output: {"result":"success",...} or
 {"error":"the case's name","message":"...","next":"..."}.
 )";
+
+std::string environment() {
+    return environmentStart +
+           joined(Secrets::serviceNames(), ", ", [](std::string_view name) { return toASCIIUpper(name); }) +
+           environmentEnd;
+}
 
 // Text in which nothing is markup; `words` between backquotes become bold.
 std::string plain(std::string_view text) {
@@ -140,7 +148,7 @@ std::string manPage() {
                       plain(command.summary) + "; see " + bold(manPageName(command)) + "(1).");
     }
     text += "# OPTIONS OF EVERY COMMAND\n\n" + optionEntries(globalOptions());
-    return text + examples(*findCommand("export")) + environment + exitStatus + seeAlso(nullptr);
+    return text + examples(*findCommand("export")) + environment() + exitStatus + seeAlso(nullptr);
 }
 
 std::string manPage(const CommandSpec& command) {

@@ -19,6 +19,14 @@ _zelto_accounts() {
     compadd -a identifiers
 }
 
+_zelto_targets() {
+    local -a paths
+    if [[ -n ${opt_args[--to]} ]]; then
+        paths=(${(f)"$(zelto targets ${(Q)opt_args[--to]} --paths 2> /dev/null)"})
+        compadd -a paths
+    fi
+}
+
 )sh";
 
 constexpr auto end = R"sh(
@@ -61,6 +69,8 @@ std::string action(ValueKind kind, const std::vector<std::string_view>& choices)
         return "_zelto_accounts";
     case ValueKind::accountOrService:
         return "{compadd " + joined(knownValues(kind, choices), " ") + "; _zelto_accounts}";
+    case ValueKind::target:
+        return "_zelto_targets";
     case ValueKind::mail:
         return R"sh(_files -g "*.(eml|json)")sh";
     }

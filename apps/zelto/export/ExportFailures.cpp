@@ -20,8 +20,8 @@ constexpr auto showsLog = "zelto export --verbose";
 
 // A title may have thousands of characters.
 std::string named(const std::string& kind, const std::string& name) {
-    constexpr std::size_t longest = 100;
-    const auto shown = prefixUTF16Units(name, longest);
+    constexpr std::size_t maximumLength = 100;
+    const auto shown = prefixUTF16Units(name, maximumLength);
     return kind + " \"" + std::string(shown) + (shown.size() < name.size() ? "…" : "") + "\"";
 }
 

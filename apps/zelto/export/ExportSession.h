@@ -53,7 +53,7 @@ class ExportSession {
     // The names of the types that an export to the service may have, "emailBacklink, backLink".
     virtual std::string takenTypes() = 0;
 
-    // Nothing for a type that the exporter has no preview of; without a type, the one that it offers.
+    // The preview of a type, without one of the type that the exporter offers; nullopt where it has none.
     virtual Outcome<std::optional<IntegrationExportPreview>>
     preview(std::optional<IntegrationExportContentType> type) = 0;
 

@@ -35,7 +35,7 @@ struct MessageWork {
 
     std::string service() const; // as the program shows it
 
-    // What a failure of the export is told by.
+    // What the sentences about a failure of the export are made of.
     ExportCircumstances circumstances(const ExportPlan& plan) const;
 };
 

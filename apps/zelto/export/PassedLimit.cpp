@@ -1,5 +1,7 @@
 #include "export/PassedLimit.h"
 
+#include <Platform/ASCII.h>
+
 #include <utility>
 
 namespace zelto::cli {
@@ -10,12 +12,20 @@ void LimitCheck::check(std::string what, std::uint64_t actual, std::uint64_t lim
     }
 }
 
+void LimitCheck::checkFiles(const std::vector<SentRequest>& requests, std::uint64_t sizeLimit) {
+    for (const auto& request : requests) {
+        for (const auto& part : request.parts) {
+            if (part.fileName) {
+                check("the file \"" + *part.fileName + "\"", part.size, sizeLimit, "bytes");
+            }
+        }
+    }
+}
+
 std::string sentenceOf(const PassedLimit& limit) {
     auto text = limit.what + " would pass the limit of " + std::to_string(limit.limit) + " " + limit.unit +
                 ": it has " + std::to_string(limit.actual) + ".";
-    if (!text.empty() && text.front() >= 'a' && text.front() <= 'z') {
-        text.front() = static_cast<char>(text.front() - 'a' + 'A');
-    }
+    text.front() = toASCIIUpper(text.front());
     return text;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "export/SentRequest.h"
+
 #include <Platform/JSON/JSONValue.h>
 
 #include <cstdint>
@@ -22,6 +24,9 @@ struct PassedLimit {
 class LimitCheck {
   public:
     void check(std::string what, std::uint64_t actual, std::uint64_t limit, std::string unit);
+
+    // The size of each file that the requests upload as a part of a form.
+    void checkFiles(const std::vector<SentRequest>& requests, std::uint64_t sizeLimit);
 
     const std::vector<PassedLimit>& passed() const { return passed_; }
 

@@ -6,8 +6,8 @@
 
 namespace zelto::cli {
 
-// Stands for each secret of an account in a dry run. As long as a usual token, and not changed by
-// percent-encoding.
+// Replaces each secret of an account in a dry run. Of the length of a usual token, and the same when it is
+// percent-encoded.
 inline constexpr std::string_view placeholderSecret =
     "dry-run-placeholder-of-a-secret-0000000000000000000000000000000000";
 

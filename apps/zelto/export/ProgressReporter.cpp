@@ -27,7 +27,7 @@ std::string bar(float fraction, bool usesColour) {
 
 std::string jsonLine(float fraction) {
     JSONObject line;
-    // Two digits are what the eye can tell apart; a float would show its whole error.
+    // Two digits are enough; more would show the rounding error of the float.
     line.set("progress", std::round(static_cast<double>(fraction) * 100) / 100);
     return JSONValue(std::move(line)).text().value() + "\n";
 }
@@ -38,7 +38,7 @@ void ProgressReporter::follow(const std::shared_ptr<ExportProgress>& progress) c
     if (progress->totalUnitCount() > 0) {
         show(0);
     }
-    // A step that a cancelled export does not wait for may count behind its end.
+    // A step that a cancelled export does not wait for may count after its end.
     progress->setProgressHandler([self = *this](float fraction) { self.show(fraction); });
     if (progress->totalUnitCount() > 0) {
         show(static_cast<float>(progress->fractionCompleted()));

@@ -18,7 +18,7 @@ class ProgressReporter {
   public:
     ProgressReporter(ProgressStyle style, const Terminal& terminal) : style_(style), terminal_(terminal) {}
 
-    // Shows where the progress stands, and each step that follows until the end.
+    // Shows the present progress, and each change until the end.
     void follow(const std::shared_ptr<ExportProgress>& progress) const;
     void end() const;
 
@@ -29,7 +29,7 @@ class ProgressReporter {
         bool hasEnded = false;
     };
 
-    // Steps that have passed already are not shown: the first ones may come while follow is on its way.
+    // A fraction below one that was shown is left out: changes may come while follow runs.
     void show(float fraction) const;
 
     ProgressStyle style_;

@@ -13,7 +13,7 @@ namespace zelto::cli {
 
 namespace {
 
-constexpr std::size_t longestShownText = std::size_t{64} << 10;
+constexpr std::size_t maximumShownText = std::size_t{64} << 10;
 constexpr std::string_view mask = "***";
 
 std::string withoutPlaceholders(std::string text) {
@@ -25,7 +25,7 @@ std::string withoutPlaceholders(std::string text) {
 }
 
 std::string shownText(std::string_view text) {
-    const auto shown = prefixBytes(text, longestShownText);
+    const auto shown = prefixBytes(text, maximumShownText);
     auto masked = withoutPlaceholders(std::string(shown));
     if (shown.size() < text.size()) {
         masked += "… (" + std::to_string(text.size()) + " bytes in all)";

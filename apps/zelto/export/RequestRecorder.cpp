@@ -17,9 +17,9 @@ using sandbox::FormPart;
 using sandbox::SandboxRequest;
 
 // All of a text that an export composes; what is longer is shown by its size alone.
-constexpr std::size_t longestText = std::size_t{16} << 20;
-constexpr std::size_t longestPartText = std::size_t{64} << 10;
-constexpr std::size_t largestHeader = std::size_t{8} << 20;
+constexpr std::size_t maximumText = std::size_t{16} << 20;
+constexpr std::size_t maximumPartText = std::size_t{64} << 10;
+constexpr std::size_t maximumHeader = std::size_t{8} << 20;
 
 bool isText(std::string_view mediaType) {
     return mediaType.starts_with("text/") || mediaType == "application/json" ||
@@ -33,7 +33,7 @@ SentPart sent(const FormPart& part) {
                   .size = part.content.size,
                   .text = {}};
     if (!part.fileName && isText(part.contentType)) {
-        sent.text = repairedUTF8(part.content.text(longestPartText));
+        sent.text = repairedUTF8(part.content.text(maximumPartText));
     }
     return sent;
 }
@@ -49,8 +49,8 @@ SentRequest sent(const SandboxRequest& request) {
                   [](const HTTPHeaderField& field) { return equalIgnoringASCIICase(field.name, "Host"); });
     std::ranges::transform(request.parts, std::back_inserter(sent.parts),
                            [](const FormPart& part) { return zelto::cli::sent(part); });
-    if (sent.bodySize > 0 && sent.bodySize <= longestText && isText(request.contentType)) {
-        sent.text = repairedUTF8(sandbox::SpoolRange::all(request.body).text(longestText));
+    if (sent.bodySize > 0 && sent.bodySize <= maximumText && isText(request.contentType)) {
+        sent.text = repairedUTF8(sandbox::SpoolRange::all(request.body).text(maximumText));
     }
     return sent;
 }
@@ -71,7 +71,7 @@ Result<SandboxRequest, std::string> taken(sandbox::RequestHead head,
 Outcome<std::unique_ptr<RequestRecorder>> RequestRecorder::start(Respond respond) {
     std::unique_ptr<RequestRecorder> recorder(new RequestRecorder(std::move(respond)));
     SandboxOptions options;
-    options.largestHeader = largestHeader;
+    options.largestHeader = maximumHeader;
     auto space = std::make_shared<sandbox::SpoolSpace>(options.largestDiskUse);
     auto started = sandbox::HTTPServer::start(
         options, std::move(space),

@@ -16,7 +16,7 @@
 #include <vector>
 
 // What the command line has to know of a service beside its exporter. The adapter of a service derives from
-// ApplicationAdapter or WebAdapter, declares again what its service has otherwise, and stands in one row of
+// ApplicationAdapter or WebAdapter, redeclares what is different for its service, and has one row in
 // ServiceTable.cpp. All members are static.
 //
 // An adapter whose service has targets also gives:

@@ -48,13 +48,13 @@ class Search {
     TargetPath lastHolder;           // named with something that is not in it
 
   private:
-    // `text` is what the names above have left of it; nothing where they do not fit.
+    // `text` is what follows the names of the levels above; nullopt where those do not fit.
     void visit(const std::vector<TargetNode>& nodes, std::optional<std::string_view> text) {
         const bool holdTargets = path_.size() + 1 == tree_.levels.size();
         for (std::size_t index = 0; index < nodes.size(); ++index) {
             const auto& node = nodes[index];
-            const auto rest = text ? restBehind(node, *text) : std::nullopt;
-            const bool isNamed = rest && rest->empty();
+            const auto remaining = text ? textAfter(node, *text) : std::nullopt;
+            const bool isNamed = remaining && remaining->empty();
             path_.push_back(index);
             if (holdTargets) {
                 if (isNamed || form_(node.id) == text_) {
@@ -64,8 +64,8 @@ class Search {
                 holders.push_back(path_);
             } else {
                 const auto before = targets.size();
-                visit(node.children, rest ? std::optional(rest->substr(1)) : std::nullopt);
-                if (rest && targets.size() == before) {
+                visit(node.children, remaining ? std::optional(remaining->substr(1)) : std::nullopt);
+                if (remaining && targets.size() == before) {
                     lastHolder = path_;
                 }
             }
@@ -73,16 +73,16 @@ class Search {
         }
     }
 
-    // What stands behind the node's name or identifier: nothing at all, or "/" and more.
-    std::optional<std::string_view> restBehind(const TargetNode& node, std::string_view text) const {
+    // What follows the node's name or identifier: an empty text, or "/" and more.
+    std::optional<std::string_view> textAfter(const TargetNode& node, std::string_view text) const {
         for (const auto* each : {&node.name, &node.id}) {
             const auto written = form_(*each);
             if (written.empty() || !text.starts_with(written)) {
                 continue;
             }
-            const auto rest = text.substr(written.size());
-            if (rest.empty() || rest.front() == '/') {
-                return rest;
+            const auto remaining = text.substr(written.size());
+            if (remaining.empty() || remaining.front() == '/') {
+                return remaining;
             }
         }
         return std::nullopt;
@@ -138,6 +138,9 @@ std::string unknownBelow(const TargetTree& tree, const TargetPath& holder, const
 std::vector<TargetPath> targetsNamed(const TargetTree& tree, const std::string& text) {
     const auto wanted = foldedCase(text);
     std::vector<TargetPath> found;
+    if (wanted.empty()) {
+        return found;
+    }
     TargetPath path;
     const std::function<void(const std::vector<TargetNode>&)> visit = [&](const auto& nodes) {
         for (std::size_t index = 0; index < nodes.size(); ++index) {
@@ -156,7 +159,7 @@ std::vector<TargetPath> targetsNamed(const TargetTree& tree, const std::string& 
 
 std::string unknown(const TargetTree& tree, const std::string& text) {
     const std::string top(tree.levels.front());
-    if (const auto meant = targetsNamed(tree, text); !text.empty() && !meant.empty()) {
+    if (const auto meant = targetsNamed(tree, text); !meant.empty()) {
         return quoted(text) + " is a " + std::string(tree.levels.back()) + "; name its " + top + " too: " +
                listed(meant.size(), [&](std::size_t index) { return targetName(tree, meant[index]); });
     }
@@ -200,6 +203,11 @@ Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, 
         return decided(tree, exact, text, account);
     }
     const Search folded(tree, foldedCase, text);
+    if (!folded.foundAny()) {
+        if (const auto named = targetsNamed(tree, text); named.size() == 1) {
+            return named.front();
+        }
+    }
     const bool namesHolder = !folded.foundAny() && !exact.lastHolder.empty();
     return decided(tree, namesHolder ? exact : folded, text, account);
 }
@@ -216,6 +224,25 @@ std::string linesOf(const TargetTree& tree, const Terminal& terminal) {
     std::string text;
     appendLines(text, tree.nodes, 0, terminal);
     return text;
+}
+
+std::string pathLinesOf(const TargetTree& tree) {
+    std::string lines;
+    TargetPath path;
+    const std::function<void(const std::vector<TargetNode>&)> visit = [&](const auto& nodes) {
+        for (std::size_t index = 0; index < nodes.size(); ++index) {
+            path.push_back(index);
+            if (path.size() < tree.levels.size()) {
+                visit(nodes[index].children);
+            } else {
+                const auto name = targetName(tree, path);
+                lines += (name.find_first_of("\r\n") == std::string::npos ? name : nodes[index].id) + "\n";
+            }
+            path.pop_back();
+        }
+    };
+    visit(tree.nodes);
+    return lines;
 }
 
 std::string nothingToChoose(const TargetTree& tree, const std::string& service) {

@@ -19,8 +19,8 @@ struct TargetNode {
     std::vector<TargetNode> children = {};
 };
 
-// All that an account's exports can be put into, as a service's own data say it. What stands on the last
-// level is a target.
+// All that an account's exports can be put into, by the service's own data. The nodes of the last level are
+// the targets.
 struct TargetTree {
     std::vector<std::string_view> levels; // the service's word for each: "board", "list"
     std::vector<TargetNode> nodes;
@@ -30,8 +30,8 @@ struct TargetTree {
 using TargetPath = std::vector<std::size_t>;
 
 // What --target names: the names or the identifiers of all levels, joined by "/", or the target's identifier
-// alone. Names may hold "/"; without regard to case where nothing fits exactly. A failure lists what there
-// is.
+// or its name alone where no other target has it. Names may hold "/"; without regard to case where nothing
+// fits exactly. A failure lists what there is.
 Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, const std::string& account);
 
 // "Board/List", by identifier where there is no name.
@@ -45,6 +45,9 @@ Failure noTarget(const TargetTree& tree, const std::string& service, const std::
 
 // What --target names cannot be looked up, since the account's data were never loaded.
 Failure targetsUnknown(const std::string& service, const std::string& account);
+
+// Each target on a line as --target takes it; by identifiers where a name has more than one line.
+std::string pathLinesOf(const TargetTree& tree);
 
 // "Trello shows no board with a list to put it into; make one there first."
 std::string nothingToChoose(const TargetTree& tree, const std::string& service);

@@ -41,7 +41,8 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
     if (const auto stored = workspace->storageOutcome(); !stored) {
         return failure(stored.error());
     }
-    Report report{targets->data, linesOf(targets->tree, terminal)};
+    Report report{targets->data, invocation.has("--paths") ? terminal.shownLines(pathLinesOf(targets->tree))
+                                                           : linesOf(targets->tree, terminal)};
     if (targets->tree.nodes.empty()) {
         report.text = nothingToChoose(targets->tree, displayName(account->serviceType())) + "\n";
         report.isNotice = true;

@@ -30,26 +30,27 @@ JSONObject membersOfCall(const MCPToolCallResult& result, bool savesFiles, McpCo
 }
 
 // A tool that fails says why in content of any kind.
-Failure toolFailure(Failure told, const MCPToolCallResult& result, const Invocation& invocation) {
+Failure toolFailure(Failure reported, const MCPToolCallResult& result, const Invocation& invocation) {
     const auto folder = invocation.value("--out");
     auto content = contentOf(result, folder);
-    told.members = membersOfCall(result, folder.has_value(), content);
+    reported.members = membersOfCall(result, folder.has_value(), content);
     if (!content.text.empty() && !invocation.has("--json")) {
-        told.message = "The tool failed";
-        told.details = std::move(content.text);
+        reported.message = "The tool failed";
+        reported.details = std::move(content.text);
     }
-    return told;
+    return reported;
 }
 
-// Some of what the call gave cannot be saved; all else is told.
+// Some of what the call gave cannot be saved; all else is reported.
 Failure savingFailure(Report report, const std::vector<Failure>& unsaved) {
-    auto told = unsaved.front();
+    auto reported = unsaved.front();
     if (unsaved.size() > 1) {
-        told.message = std::to_string(unsaved.size()) + " files cannot be saved; the first: " + told.message;
+        reported.message =
+            std::to_string(unsaved.size()) + " files cannot be saved; the first: " + reported.message;
     }
-    told.members = std::move(report.members);
-    told.output = std::move(report.text);
-    return told;
+    reported.members = std::move(report.members);
+    reported.output = std::move(report.text);
+    return reported;
 }
 
 } // namespace
@@ -77,15 +78,15 @@ Outcome<Report> runMcpPing(const Invocation& invocation, const Terminal&) {
     if (!server) {
         return failure(server.error());
     }
-    const auto answered = session.repeat<void>(
+    const auto pinged = session.repeat<void>(
         [](MCPClient& client, MCPCompletion<void> done) { client.ping(std::move(done)); });
-    if (!answered) {
-        return failure(session.failureOfEnd(answered.error()));
+    if (!pinged) {
+        return failure(session.failureOfEnd(pinged.error()));
     }
     Report report;
     report.members = membersOf(*server);
     report.text = escapeControlCharacters(server->serverInfo.name) + " " +
-                  escapeControlCharacters(server->serverInfo.version) + " answers; it speaks version " +
+                  escapeControlCharacters(server->serverInfo.version) + " responds; it speaks version " +
                   std::string(rawValue(server->protocolVersion)) + ".\n";
     session.addRate(report);
     return report;
@@ -113,7 +114,7 @@ Outcome<Report> runMcpTools(const Invocation& invocation, const Terminal&) {
     }
     if (tools->empty()) {
         report.text = "The server has no tools.\n";
-        report.isNotice = !options->tellsRate;
+        report.isNotice = !options->showsRate;
     }
     report.members = membersOf(MCPToolListResult{.tools = *tools});
     session.addRate(report);
@@ -145,10 +146,11 @@ Outcome<Report> runMcpCall(const Invocation& invocation, const Terminal&) {
             client.callTool(tool, *arguments, std::move(done));
         });
     if (!result) {
-        auto told = session.failureOfEnd(result.error());
+        auto reported = session.failureOfEnd(result.error());
         const auto* error = result.error().clientError();
         const auto* failed = error ? error->as<MCPClientError::ToolCallFailed>() : nullptr;
-        return failure(failed ? toolFailure(std::move(told), failed->result, invocation) : std::move(told));
+        return failure(failed ? toolFailure(std::move(reported), failed->result, invocation)
+                              : std::move(reported));
     }
     auto content = contentOf(*result, folder);
     Report report{membersOfCall(*result, folder.has_value(), content), std::move(content.text)};

@@ -35,7 +35,7 @@ struct Description {
 
 struct Describer {
     Description operator()(const Error::InvalidJSONRPCVersion& error) const {
-        return {"The server answers in JSON-RPC " + error.version.value_or("without a version") +
+        return {"The server responds in JSON-RPC " + error.version.value_or("without a version") +
                     ", not in 2.0",
                 {{"version", textOrNull(error.version)}}};
     }
@@ -76,11 +76,12 @@ struct Describer {
     }
 
     Description operator()(const Error::UnexpectedHTTPStatus& error) const {
-        return {"The server answers with status " + std::to_string(error.status), {{"status", error.status}}};
+        return {"The server responds with status " + std::to_string(error.status),
+                {{"status", error.status}}};
     }
 
     Description operator()(const Error::UnsupportedHTTPContentType& error) const {
-        return {"The server answers neither in JSON nor with an event stream; its content type is " +
+        return {"The server responds neither in JSON nor with an event stream; its content type is " +
                     quoted(error.contentType),
                 {{"contentType", textOrNull(error.contentType)}}};
     }
@@ -90,7 +91,7 @@ struct Describer {
     }
 
     Description operator()(const Error::MissingJSONRPCResult&) const {
-        return {"The server's answer has no result"};
+        return {"The server's response has no result"};
     }
 
     Description operator()(const Error::AuthorizationChallengeMissingResourceMetadata&) const {
@@ -103,7 +104,7 @@ struct Describer {
     }
 
     Description operator()(const Error::InvalidHTTPResponse&) const {
-        return {"The server's answer is no HTTP"};
+        return {"The server's response is no HTTP"};
     }
 
     Description operator()(const Error::EndpointNotFound&) const {
@@ -113,7 +114,7 @@ struct Describer {
     Description operator()(const Error::SessionExpired&) const { return {"The server drops every session"}; }
 
     Description operator()(const Error::MissingJSONRPCResponse&) const {
-        return {"The server ended its event stream without an answer"};
+        return {"The server ended its event stream without a response"};
     }
 };
 
@@ -145,7 +146,7 @@ struct Namer {
     }
 
     Failure operator()(const DecodingError& error) const {
-        return {"decodingError", "The server's answer is not what it should be: " + error.message(), ""};
+        return {"decodingError", "The server's response is not what it should be: " + error.message(), ""};
     }
 
     Failure operator()(const EncodingError& error) const {

@@ -82,7 +82,7 @@ Outcome<std::string> argumentsText(const std::string& given) {
 } // namespace
 
 Outcome<McpOptions> McpOptions::from(const Invocation& invocation) {
-    constexpr double longestTimeout = 7 * 24 * 3600.0;
+    constexpr double maximumTimeout = 7 * 24 * 3600.0;
     constexpr int mostCalls = 1'000'000'000;
     const auto address = invocation.value("URL").value();
     auto server = URL::parse(address);
@@ -91,7 +91,7 @@ Outcome<McpOptions> McpOptions::from(const Invocation& invocation) {
     }
     McpOptions options{.server = *std::move(server)};
     const auto seconds = numberIn<double>(invocation.value("--timeout").value_or("300"));
-    if (!seconds || !(*seconds >= 0.001) || *seconds > longestTimeout) {
+    if (!seconds || !(*seconds >= 0.001) || *seconds > maximumTimeout) {
         return wrongUsage("--timeout is a number of seconds from 0.001 to 604800.");
     }
     options.timeout = std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(*seconds));
@@ -100,7 +100,7 @@ Outcome<McpOptions> McpOptions::from(const Invocation& invocation) {
         return wrongUsage("--repeat is a whole number from 1 to 1000000000.");
     }
     options.repeat = *repeat;
-    options.tellsRate = invocation.has("--repeat");
+    options.showsRate = invocation.has("--repeat");
     auto headers = headersOf(invocation);
     if (!headers) {
         return failure(std::move(headers.error()));

@@ -16,14 +16,14 @@ struct McpOptions {
     URL server;
     std::map<std::string, std::string> headers;
     int repeat = 1;
-    bool tellsRate = false;
+    bool showsRate = false;
     std::chrono::milliseconds timeout{0};
 
     // Reads standard input for --header-stdin.
     static Outcome<McpOptions> from(const Invocation& invocation);
 };
 
-// The arguments of --args; nothing where it is not given.
+// The arguments of --args; nullopt where it is not given.
 Outcome<std::optional<JSONValue>> toolArguments(const Invocation& invocation);
 
 } // namespace zelto::cli

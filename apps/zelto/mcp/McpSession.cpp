@@ -53,8 +53,8 @@ McpSession::~McpSession() {
     if (!hasConnected_) {
         return;
     }
-    constexpr std::chrono::seconds longestGoodbye{10};
-    deadline_ = Clock::now() + longestGoodbye;
+    constexpr std::chrono::seconds maximumEnding{10};
+    deadline_ = Clock::now() + maximumEnding;
     hasTimedOut_ = false;
     wasInterrupted_ = interruption_.stop().stop_requested();
     saysGoodbye_ = true;
@@ -111,14 +111,14 @@ Failure McpSession::failureOfEnd(const MCPError& error) const {
     if (interruption_.stop().stop_requested() && !wasInterrupted_) {
         failure.status = ExitStatus::interrupted;
     } else if (hasTimedOut_) {
-        failure = {"timedOut", "The server did not answer in time", ""};
+        failure = {"timedOut", "The server did not respond in time", ""};
         failure.message += saysGoodbye_ ? "" : "; --timeout SECONDS gives it longer";
     }
     return failure;
 }
 
 void McpSession::addRate(Report& report) const {
-    if (!options_.tellsRate) {
+    if (!options_.showsRate) {
         return;
     }
     const double seconds = repeated_.count();

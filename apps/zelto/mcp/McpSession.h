@@ -23,7 +23,7 @@ class McpSession {
   public:
     explicit McpSession(const McpOptions& options);
 
-    // Tells the server that the session ends, if it has begun; a failure of that is a warning.
+    // Ends the session on the server, if it has begun; a failure of that is a warning.
     ~McpSession();
     McpSession(const McpSession&) = delete;
     McpSession& operator=(const McpSession&) = delete;

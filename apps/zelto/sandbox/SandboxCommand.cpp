@@ -35,7 +35,7 @@ SandboxConsent consentOf(const Invocation& invocation) {
 }
 
 std::string greeting(const std::string& url) {
-    return "The sandbox stands for the services at " + url +
+    return "The sandbox stands in for the services at " + url +
            "\n"
            "until Ctrl-C. That address shows what they receive, in a browser.\n\n"
            "Connect an account:  zelto connect trello --sandbox " +
@@ -48,7 +48,7 @@ std::string greeting(const std::string& url) {
            url + "\n";
 }
 
-bool tell(const Invocation& invocation, const std::string& url) {
+bool announce(const Invocation& invocation, const std::string& url) {
     if (invocation.has("--json")) {
         const auto line = JSONValue(JSONObject{{"result", "success"}, {"url", url}}).text();
         return writeOutput(*line + "\n");
@@ -80,11 +80,11 @@ Outcome<Report> runSandbox(const Invocation& invocation, const Terminal&) {
     if (!server) {
         return failure(Failure{"sandboxError", server.error().message, "zelto sandbox --port 0"});
     }
-    if (!tell(invocation, (*server)->url().absoluteString())) {
+    if (!announce(invocation, (*server)->url().absoluteString())) {
         return failure(Failure{"outputError", "Standard output cannot be written", "zelto sandbox"});
     }
     waitFor(interruption.stop());
-    return Report{.members = {}, .text = {}, .isTold = true};
+    return Report{.members = {}, .text = {}, .isPrinted = true};
 }
 
 } // namespace zelto::cli

@@ -8,7 +8,7 @@ namespace {
 
 constexpr auto sandboxName = "The sandbox";
 
-SignInError noAnswer(const std::string& what) {
+SignInError badResponse(const std::string& what) {
     return {SignInErrorCode::badAnswer, std::string(sandboxName) + what};
 }
 
@@ -22,8 +22,8 @@ Result<URL, SignInError> agreedAddress(const URL& page, const std::stop_token& s
     }
     auto target = page.resolving(reply->location);
     if (reply->location.empty() || !target) {
-        return failure(noAnswer("'s page does not send the browser back; it has status " +
-                                std::to_string(reply->status) + "."));
+        return failure(badResponse("'s page does not send the browser back; it has status " +
+                                   std::to_string(reply->status) + "."));
     }
     return *std::move(target);
 }
@@ -47,7 +47,7 @@ std::optional<SignInError> follow(const URL& page, const URL& redirect, const st
         return target.error();
     }
     if (target->host() != redirect.host() || target->port() != redirect.port()) {
-        return noAnswer("'s page sends the browser elsewhere.");
+        return badResponse("'s page sends the browser elsewhere.");
     }
     const auto reply = sendForSignIn(requestAsBrowser(*target, redirect), "The listener", stop);
     if (!reply) {
@@ -55,7 +55,7 @@ std::optional<SignInError> follow(const URL& page, const URL& redirect, const st
     }
     constexpr int taken = 200;
     return reply->status == taken ? std::nullopt
-                                  : std::optional(noAnswer("'s answer is not the one awaited."));
+                                  : std::optional(badResponse("'s response is not the one expected."));
 }
 
 } // namespace

@@ -19,7 +19,7 @@ URL sandboxPage(const std::string& sandbox, const URL& page);
 // Works on a thread of its own while it lives.
 class FollowedPages {
   public:
-    // If it comes to no end, `ending` is asked to stop, and trouble() tells why.
+    // If it fails, `ending` is asked to stop, and trouble() says why.
     FollowedPages(URL page, URL redirect, std::stop_source& ending);
 
     std::optional<SignInError> trouble() const;

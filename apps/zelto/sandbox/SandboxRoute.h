@@ -5,7 +5,7 @@
 
 namespace zelto::cli {
 
-// $ZELTO_SANDBOX stands for --sandbox where that is not given.
+// $ZELTO_SANDBOX is used where --sandbox is not given.
 void takeSandboxOfEnvironment(Invocation& invocation);
 
 // Sends all requests of the process to the sandbox of --sandbox, if there is one. Before the first session is

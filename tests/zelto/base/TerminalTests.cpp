@@ -10,7 +10,7 @@ namespace {
 
 const auto mail = ZeltoProgram::sample("plain-note.eml");
 
-// OSC 52 (the clipboard), OSC 8 (a link), CSI (the screen), C1, DEL, and marks that turn the direction.
+// OSC 52 (the clipboard), OSC 8 (a link), CSI (the screen), C1, DEL, and marks that change the direction.
 constexpr auto hostile = "a\x1b]52;c;ZXZpbA==\x07"
                          "b\x1b]8;;http://x\x1b\\c\x1b[2Jd\xC2\x9B"
                          "e\x7F"
@@ -141,7 +141,7 @@ TEST(Program, LeavesNoCore) {
     EXPECT_EQ(numbers, "00bytes") << line;
 }
 
-TEST(TerminalSafeJSON, EscapesWhatTerminalsObeyAndNothingElse) {
+TEST(TerminalSafeJSON, EscapesWhatControlsTerminalsAndNothingElse) {
     EXPECT_EQ(cli::terminalSafeJSON("\"a\x7F\xC2\x80\xC2\x9F\xC2\xA0\""),
               "\"a\\u007f\\u0080\\u009f\xC2\xA0\"");
     EXPECT_EQ(cli::terminalSafeJSON(

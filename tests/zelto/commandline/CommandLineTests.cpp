@@ -44,7 +44,7 @@ TEST(CommandLine, TakesOptionsBeforeAndBehindTheCommand) {
     EXPECT_EQ(invocation.value("--note"), std::nullopt);
 }
 
-TEST(CommandLine, TellsNestedCommandsApart) {
+TEST(CommandLine, DistinguishesNestedCommands) {
     EXPECT_EQ(parsed({"accounts"}).command->name, "accounts");
     EXPECT_EQ(parsed({"accounts", "remove", "Bear"}).command->name, "accounts remove");
     EXPECT_EQ(parsed({"accounts", "remove", "Bear"}).value("ID"), "Bear");

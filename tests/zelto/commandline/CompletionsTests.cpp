@@ -78,7 +78,7 @@ TEST(Completions, AreScriptsThatTheirShellsAccept) {
     }
 }
 
-TEST(Completions, TreatAnOptionTheSameWhereverItStands) {
+TEST(Completions, TreatAnOptionTheSameInEveryCommand) {
     std::map<std::string_view, ValueKind> kinds;
     for (const auto& command : commands()) {
         for (const auto& option : command.options) {

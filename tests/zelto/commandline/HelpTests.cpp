@@ -21,8 +21,8 @@ namespace {
 
 // A command that goes on until Ctrl-C.
 std::string endedOnceItTells(const std::string& line) {
-    return R"(: > "$HOME/told"; )" + line +
-           R"( > "$HOME/told" & until [[ -s $HOME/told ]] || ! kill -0 $!; do sleep 0.02; done; kill -INT $!; wait $!)";
+    return R"(: > "$HOME/printed"; )" + line +
+           R"( > "$HOME/printed" & until [[ -s $HOME/printed ]] || ! kill -0 $!; do sleep 0.02; done; kill -INT $!; wait $!)";
 }
 
 } // namespace

@@ -160,7 +160,7 @@ TEST(JSONOutcome, IsOneDocumentForEverySuccess) {
     EXPECT_EQ(zelto.run({"accounts", "--verbose", "--json"}).text("result"), "success");
 }
 
-TEST(JSONOutcome, TellsWhatWasDone) {
+TEST(JSONOutcome, ShowsWhatWasDone) {
     const ZeltoProgram zelto;
     EXPECT_EQ(zelto.run({"connect", "bear", "--name", "a", "--json"}).output,
               R"({"result":"success","account":{"identifier":"Bear+a","service":"Bear","userName":"a",)"

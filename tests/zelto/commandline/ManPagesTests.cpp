@@ -30,7 +30,7 @@ std::string bold(std::string_view text) {
 
 void expectOptions(const std::string& page, std::span<const OptionSpec> options, std::string_view command) {
     for (const auto& option : options) {
-        // scdoc writes a dash as it stands.
+        // scdoc writes a dash unchanged.
         const bool isThere = page.find(bold(option.name)) != std::string::npos ||
                              page.find("\\fB" + std::string(option.name) + "\\fR") != std::string::npos;
         EXPECT_TRUE(isThere) << command << ' ' << option.name;

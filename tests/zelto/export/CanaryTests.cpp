@@ -74,7 +74,7 @@ const std::vector<std::string> none;
 
 } // namespace
 
-TEST(Canary, IsFoundInEachFormWhereverItStands) {
+TEST(Canary, IsFoundInEachFormInAnyPlace) {
     for (const auto& secret : secretsOf(canaries("any"))) {
         for (const std::string before : {"", "a", "ab", "abc", "{\"token\":\""}) {
             EXPECT_NE(found(before + secret + "tail"), none);

@@ -39,6 +39,14 @@ TEST(Targets, AreFoundWithoutRegardToCaseWhereNothingFitsExactly) {
               "--target: \"WORK/Done\" means several: Work/Done (l2), work/Done (l8); give the identifier.");
 }
 
+TEST(Targets, AreNamedAloneWhereNoOtherHasTheName) {
+    EXPECT_EQ(found("Ärger"), "b6/Ärger");
+    EXPECT_EQ(found("ärger"), "b6/Ärger");
+    EXPECT_EQ(found("C/D"), "A/B/C/D");
+    EXPECT_EQ(found("Same"), "--target: \"Same\" is a list; name its board too: Twins/Same, Twins/Same.");
+    EXPECT_EQ(found("Done"), "--target: \"Done\" is a list; name its board too: Work/Done, work/Done.");
+}
+
 TEST(Targets, ThatAreNamedTwiceNeedTheIdentifier) {
     EXPECT_EQ(
         found("Twins/Same"),
@@ -46,7 +54,7 @@ TEST(Targets, ThatAreNamedTwiceNeedTheIdentifier) {
     EXPECT_EQ(found("Twins/l7"), "Twins/Same");
 }
 
-TEST(Targets, ThatAreMissingAreAnsweredWithWhatThereIs) {
+TEST(Targets, ThatAreMissingAreReportedWithWhatThereIs) {
     EXPECT_EQ(found("Work"), "--target: \"Work\" is a board; add one of its lists: Work/To Do, Work/Done.");
     EXPECT_EQ(found("Work/Doing"),
               "--target: there is no list \"Work/Doing\"; the board \"Work\" has To Do, Done.");
@@ -81,7 +89,7 @@ TEST(Targets, AHundredThousandAreSearchedAndListedAtMostTen) {
     EXPECT_TRUE(message.ends_with("Board 8, Board 9 and 99990 more.")) << message;
 }
 
-TEST(Targets, AreShownAsATreeWithNothingThatATerminalObeys) {
+TEST(Targets, AreShownAsATreeWithNothingThatControlsATerminal) {
     Terminal terminal;
     terminal.outputIsTerminal = true;
     EXPECT_EQ(linesOf({.levels = {"board", "list"},

@@ -51,6 +51,34 @@ TEST_F(TrelloCommands, TargetsAreShownFromWhatIsRemembered) {
               "\n");
 }
 
+TEST_F(TrelloCommands, TargetsAreListedAsPathsThatTheOptionTakes) {
+    EXPECT_EQ(zelto.run({"targets", "trello", "--paths"}).output, "Work/To Do\nWork/Done\nHome/To Do\n");
+}
+
+TEST_F(TrelloCommands, TargetsOfTheNamedAccountAreCompleted) {
+    const auto offered = [&](const std::string& words) {
+        return zelto
+            .runShell("source <(zelto completion bash)\nCOMP_WORDS=(" + words +
+                      ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_zelto\nprintf '%s\\n' \"${COMPREPLY[@]}\"")
+            .output;
+    };
+    EXPECT_EQ(offered("zelto export a.eml --to trello --target Work"), "Work/To\\ Do\nWork/Done\n");
+    EXPECT_EQ(offered("zelto export a.eml --to = trello --target = Ho"), "Home/To\\ Do\n");
+    EXPECT_EQ(offered("zelto export a.eml --target Work"), "\n");
+    EXPECT_EQ(service.lines(), Texts{});
+}
+
+TEST_F(TrelloCommands, TargetsOfTheNamedAccountAreCompletedByFishToo) {
+    const auto offered = [&](const std::string& line) {
+        return zelto
+            .runShell("fish --no-config -c 'zelto completion fish | source; complete -C \"" + line + "\"'")
+            .output;
+    };
+    EXPECT_EQ(offered("zelto export a.eml --to trello --target Work/D"), "Work/Done\n");
+    EXPECT_EQ(offered("zelto export a.eml --to=trello --target Ho"), "Home/To Do\n");
+    EXPECT_EQ(offered("zelto export a.eml --target Ho"), "");
+}
+
 TEST_F(TrelloCommands, TargetsAreLoadedAnewAndRemembered) {
     service.boards = R"([{"id":"n","name":"New","closed":false,"pinned":false,)"
                      R"("lists":[{"id":"m","name":"List","closed":false}]}])";
@@ -60,7 +88,7 @@ TEST_F(TrelloCommands, TargetsAreLoadedAnewAndRemembered) {
     EXPECT_EQ(service.lines().size(), 2U);
 }
 
-TEST_F(TrelloCommands, AnAccountWithoutAnOpenListIsToldSo) {
+TEST_F(TrelloCommands, OfAnAccountWithoutAnOpenListThereAreNoTargets) {
     service.boards = "[]";
     const auto outcome = zelto.run({"targets", "trello", "--refresh"});
     EXPECT_EQ(outcome.status, 0);
@@ -83,7 +111,7 @@ TEST_F(TrelloCommands, ARefusedTokenNamesTheWayToReconnect) {
     EXPECT_EQ(exported.text("next"), "zelto reconnect Trello+me@example.org");
 }
 
-TEST_F(TrelloCommands, AServiceThatCannotBeReachedIsToldSo) {
+TEST_F(TrelloCommands, AServiceThatCannotBeReachedIsNamed) {
     service.onRequest = [](const auto&) { return PlayedResponse::reset(); };
     const auto targets = zelto.run({"targets", "trello", "--refresh", "--json"});
     EXPECT_EQ(targets.text("error"), "connectionError");
@@ -181,7 +209,7 @@ TEST_F(TrelloCommands, AMailGoesAsAPdfWithItsAttachments) {
     EXPECT_TRUE(outcome.errorOutput.ends_with("{\"progress\":1}\n")) << outcome.errorOutput;
 }
 
-TEST_F(TrelloCommands, AMissingPDFTellsWhyAndWhatIsThere) {
+TEST_F(TrelloCommands, AMissingPDFIsExplainedWithWhatWasMade) {
     const auto outcome = zelto.run(
         {"export", mail, "--to", "trello", "--title", "Title", "--pdf-converter", "false", "--json"});
     EXPECT_EQ(outcome.status, 1);
@@ -193,7 +221,7 @@ TEST_F(TrelloCommands, AMissingPDFTellsWhyAndWhatIsThere) {
     EXPECT_EQ(outcome.text("next"), "zelto export --as");
 }
 
-TEST_F(TrelloCommands, AFailedUploadTellsWhatExistsAlready) {
+TEST_F(TrelloCommands, AFailedUploadNamesWhatWasMade) {
     service.refuse("filename=", 429);
     const auto outcome = exportLink({"--attach", "all", "--json"});
     EXPECT_EQ(outcome.status, 1);
@@ -245,7 +273,7 @@ TEST_F(TrelloCommands, AKeyChainThatCannotBeReadIsNotTakenForASignInThatHasEnded
         << removed.errorOutput;
 }
 
-TEST_F(TrelloCommands, WhatWasMadeIsToldThoughStandardOutputCannotBeWritten) {
+TEST_F(TrelloCommands, WhatWasMadeIsPrintedThoughStandardOutputCannotBeWritten) {
     const auto outcome = zelto.runShell(
         "zelto export '" + mail + "' --to trello --as backLink --title Title --progress none > /dev/full");
     EXPECT_EQ(outcome.status, 1);
@@ -262,7 +290,7 @@ TEST_F(TrelloCommands, AVeryLongTitleIsCutInMessages) {
                   "…\": it refused the request, and may not have what it was to go into any more.");
 }
 
-TEST_F(TrelloCommands, AListThatHasGoneIsToldSo) {
+TEST_F(TrelloCommands, AListThatHasGoneIsNamed) {
     service.refuse("/1/cards?", 404);
     const auto outcome = exportLink({"--json"});
     EXPECT_EQ(outcome.text("message"),
@@ -278,7 +306,7 @@ TEST_F(TrelloCommands, AnExportOfATypeThatIsNotTakenDoesNotSpoilTheNext) {
     EXPECT_EQ(configuration.find("saveAs")->text().value(), "0");
 }
 
-TEST_F(TrelloCommands, CtrlCCancelsAnExportAndTellsWhatExists) {
+TEST_F(TrelloCommands, CtrlCCancelsAnExportAndNamesWhatWasMade) {
     const auto reached = zelto.home / "reached";
     Event release;
     std::atomic<int> requests = 0;

@@ -63,8 +63,8 @@ TEST(McpCall, SavesFilesUnderCleanNamesAndNeverOverOthers) {
     MCPServer server(echoing());
     const ZeltoProgram zelto;
     const auto out = zelto.home / "cwd/out";
-    const auto resource = [](const std::string& uri, const std::string& rest = R"(,"blob":"Yg==")") {
-        return R"({"type":"resource","resource":{"uri":")" + uri + "\"" + rest + "}}";
+    const auto resource = [](const std::string& uri, const std::string& members = R"(,"blob":"Yg==")") {
+        return R"({"type":"resource","resource":{"uri":")" + uri + "\"" + members + "}}";
     };
     const auto items =
         png + "," + R"({"type":"audio","data":"YXVkaW8","mimeType":"audio/mpeg"})" + "," +
@@ -101,7 +101,7 @@ TEST(McpCall, FollowsNoLinkThatIsPlantedWhereItSaves) {
     EXPECT_TRUE(std::filesystem::exists(out / "image-1 (1).png"));
 }
 
-TEST(McpCall, TellsWhereItCannotSave) {
+TEST(McpCall, NamesTheFolderThatItCannotSaveIn) {
     MCPServer server(echoing());
     const ZeltoProgram zelto;
     std::ofstream(zelto.home / "cwd/out") << "a file";

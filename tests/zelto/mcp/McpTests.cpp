@@ -23,7 +23,7 @@ TEST(Mcp, ListsItsCommands) {
     const auto outcome = zelto.run({"mcp"});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output,
-              "zelto mcp ping  See whether a server answers\nzelto mcp tools  List a server's tools\n"
+              "zelto mcp ping  See whether a server responds\nzelto mcp tools  List a server's tools\n"
               "zelto mcp call  Call a tool\n");
 }
 
@@ -32,7 +32,7 @@ TEST(Mcp, PingTellsWhoAnswersAndEndsTheSession) {
     const ZeltoProgram zelto;
     const auto outcome = zelto.run({"mcp", "ping", server.url().absoluteString()});
     EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
-    EXPECT_EQ(outcome.output, "s 1 answers; it speaks version 2025-11-25.\n");
+    EXPECT_EQ(outcome.output, "s 1 responds; it speaks version 2025-11-25.\n");
     EXPECT_EQ(outcome.errorOutput, "");
     EXPECT_EQ(server.log(), (std::vector<std::string>{"initialize -", "notifications/initialized session-1",
                                                       "ping session-1", "DELETE session-1"}));
@@ -173,12 +173,12 @@ TEST(Mcp, IsCancelledByCtrlCHoweverFastTheServerIs) {
     const ZeltoProgram zelto;
     const auto fifo = (zelto.home / "cwd/begun").string();
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
-    std::once_flag told;
+    std::once_flag begun;
     MCPServer server([&](const ReceivedRequest& request) {
         if (request.method == "DELETE") {
             return slowEnd();
         }
-        std::call_once(told, [&] { std::ofstream(fifo) << "begun\n"; });
+        std::call_once(begun, [&] { std::ofstream(fifo) << "begun\n"; });
         return jsonAnswer(request, "{}");
     });
     const auto outcome =
@@ -198,12 +198,12 @@ TEST(Mcp, AFailingEndOfTheSessionIsAWarning) {
     const auto outcome = zelto.run({"mcp", "ping", server.url().absoluteString()});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errorOutput,
-              "zelto: warning: the session was not ended: The server answers with status 500\n");
+              "zelto: warning: the session was not ended: The server responds with status 500\n");
 }
 
-// What `zelto mcp ping` says, as JSON, of a server that answers everything so.
-ProgramOutcome pinged(PlayedResponse answer) {
-    TestHTTPServer server([&](const ReceivedRequest&) { return answer; });
+// What `zelto mcp ping` prints, as JSON, of a server that responds to everything like this.
+ProgramOutcome pinged(PlayedResponse response) {
+    TestHTTPServer server([&](const ReceivedRequest&) { return response; });
     const ZeltoProgram zelto;
     return zelto.run({"mcp", "ping", server.url().absoluteString(), "--json"});
 }
@@ -265,9 +265,9 @@ TEST(Mcp, OtherFailuresHaveNamesOfTheirOwn) {
     MCPServer server([](const ReceivedRequest&) { return status(404); });
     const auto expired = zelto.run({"mcp", "tools", server.url().absoluteString(), "--json"});
     EXPECT_EQ(expired.text("error"), "sessionExpired");
-    MCPServer answering(echoing());
+    MCPServer echo(echoing());
     const auto unsendable =
-        zelto.run({"mcp", "call", answering.url().absoluteString(), "no UTF-8: \xFF", "--json"});
+        zelto.run({"mcp", "call", echo.url().absoluteString(), "no UTF-8: \xFF", "--json"});
     EXPECT_EQ(unsendable.status, 1);
     EXPECT_EQ(unsendable.text("error"), "encodingError");
 }

@@ -64,7 +64,7 @@ TEST(SandboxCommand, PrintsItsAddressAndEndsByCtrlC) {
         << outcome.output << outcome.errorOutput;
 }
 
-TEST(SandboxCommand, TellsWhatIsWrong) {
+TEST(SandboxCommand, SaysWhatIsWrong) {
     const ZeltoProgram zelto;
     const auto sandbox = std::move(*SandboxServer::start());
     const auto taken = zelto.run({"sandbox", "--json", "--port", std::to_string(sandbox->port())});

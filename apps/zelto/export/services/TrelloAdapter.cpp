@@ -11,9 +11,9 @@ namespace zelto::cli {
 
 namespace {
 
-constexpr std::size_t longestCardText = 16'384;
+constexpr std::size_t maximumCardText = 16'384;
 // What all servers are asked to take (RFC 9110, section 4.1): the texts of a card travel in its address.
-constexpr std::size_t longestURL = 8'000;
+constexpr std::size_t maximumURL = 8'000;
 
 void checkCard(LimitCheck& limits, const SentRequest& request) {
     const auto url = URL::parse(request.url);
@@ -23,17 +23,10 @@ void checkCard(LimitCheck& limits, const SentRequest& request) {
     for (const auto& [name, value] : URLComponents::of(*url).queryItems) {
         if (name == "name" || name == "desc") {
             limits.check(name == "name" ? "the card's name" : "the card's description",
-                         characterCount(value.value_or("")), longestCardText, "characters");
+                         characterCount(value.value_or("")), maximumCardText, "characters");
         }
     }
-    limits.check("the address of the request that makes the card", request.url.size(), longestURL, "bytes");
-}
-
-void checkFiles(LimitCheck& limits, const SentRequest& request, std::int64_t sizeLimit) {
-    for (const auto& part : request.parts) {
-        limits.check("the file \"" + part.fileName.value_or(part.name) + "\"", part.size,
-                     static_cast<std::uint64_t>(sizeLimit), "bytes");
-    }
+    limits.check("the address of the request that makes the card", request.url.size(), maximumURL, "bytes");
 }
 
 } // namespace
@@ -77,10 +70,9 @@ std::vector<PassedLimit> TrelloAdapter::passedLimits(const TrelloExporter& expor
     for (const auto& request : requests) {
         if (request.parts.empty()) {
             checkCard(limits, request);
-        } else {
-            checkFiles(limits, request, sizeLimit);
         }
     }
+    limits.checkFiles(requests, static_cast<std::uint64_t>(sizeLimit));
     limits.check("the card's list of attachments", configuration.attachments.selected().size(),
                  static_cast<std::uint64_t>(TrelloConstants::attachmentsCountLimit), "files");
     return limits.passed();
