@@ -1,7 +1,6 @@
 #include "export/ExportFailures.h"
 
 #include "base/ShellText.h"
-#include "export/Refusals.h"
 #include "export/Targets.h"
 
 #include <Platform/Joined.h>
@@ -32,10 +31,12 @@ std::string reconnectCommand(const std::string& account) {
 // A message and the command to try next.
 using Advice = std::pair<std::string, std::string>;
 
-Advice reasonOf(ServiceClientError error, const ExportCircumstances& about) {
-    switch (error) {
+Advice reasonOf(const Refused& refused, const ExportCircumstances& about) {
+    switch (refused.reason) {
     case ServiceClientError::connectionError:
-        return {about.service + " could not be reached", showsLog};
+        return {refused.nothingWasSent ? "it could not be reached"
+                                       : "the connection ended without a response",
+                showsLog};
     case ServiceClientError::authorizationError:
     case ServiceClientError::oauthError:
         return {"it does not accept the account's sign-in any more", reconnectCommand(about.account)};
@@ -62,12 +63,17 @@ Advice reasonOf(ServiceClientError error, const ExportCircumstances& about) {
     return {};
 }
 
+// In quotes, for they are not the program's.
+std::string wordsOf(const Refused& refused) {
+    return refused.words.empty() ? "" : " (\"" + refused.words + "\")";
+}
+
 Advice refusal(const ExportCircumstances& about, const std::string& verb, const Advice& otherwise) {
     if (about.report.refused.empty()) {
         return otherwise;
     }
     const auto& first = about.report.refused.front();
-    auto [reason, next] = reasonOf(first.reason, about);
+    auto [reason, next] = reasonOf(first, about);
     return {about.service + " did not " + verb + " the " + named(first.kind, first.name) + ": " + reason +
                 wordsOf(first) + ".",
             std::move(next)};
@@ -128,7 +134,10 @@ bool isForWantOfTarget(IntegrationExportError error, const ExportCircumstances& 
 
 // A request that was cut off may have worked all the same.
 std::string unknownOutcome(const ExportCircumstances& about) {
-    const auto names = joined(about.report.refused | std::views::filter(isOutcomeUnknown<Refused>), ", ",
+    const auto isUnknown = [](const Refused& each) {
+        return each.reason == ServiceClientError::connectionError && !each.nothingWasSent;
+    };
+    const auto names = joined(about.report.refused | std::views::filter(isUnknown), ", ",
                               [](const Refused& each) { return named(each.kind, each.name); });
     return names.empty() ? ""
                          : " Whether " + about.service +

@@ -68,7 +68,7 @@ TEST_F(TrelloLimits, OfTheAddressCountBytes) {
 TEST_F(TrelloLimits, OfAFileFollowTheAccount) {
     EXPECT_EQ(passed({upload(10 * mebibyte - 1), upload(10 * mebibyte)}), Texts{});
     EXPECT_EQ(passed({upload(10 * mebibyte + 1)}), Texts{"the file \"a.bin\": 10485761 of 10485760 bytes"});
-    fixture.exporter()->setUser(TrelloUser{.email = "me@example.org", .isPremium = true});
+    fixture.exporter()->user.set(TrelloUser{.email = "me@example.org", .isPremium = true});
     EXPECT_EQ(passed({upload(250 * mebibyte)}), Texts{});
     EXPECT_EQ(passed({upload(250 * mebibyte + 1)}),
               Texts{"the file \"a.bin\": 262144001 of 262144000 bytes"});

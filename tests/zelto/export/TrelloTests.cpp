@@ -68,15 +68,22 @@ TEST_F(TrelloCommands, TargetsOfTheNamedAccountAreCompleted) {
     EXPECT_EQ(service.lines(), Texts{});
 }
 
-TEST_F(TrelloCommands, TargetsOfTheNamedAccountAreCompletedByFishToo) {
+TEST_F(TrelloCommands, TargetsOfTheNamedAccountAreCompletedByFishAndZshToo) {
     const auto offered = [&](const std::string& line) {
         return zelto
-            .runShell("fish --no-config -c 'zelto completion fish | source; complete -C \"" + line + "\"'")
+            .runShell("fish --no-config -c 'zelto completion fish | source; complete -C \"" + line +
+                      "\"' | cut -f 1")
             .output;
     };
     EXPECT_EQ(offered("zelto export a.eml --to trello --target Work/D"), "Work/Done\n");
     EXPECT_EQ(offered("zelto export a.eml --to=trello --target Ho"), "Home/To Do\n");
     EXPECT_EQ(offered("zelto export a.eml --target Ho"), "");
+    EXPECT_EQ(zelto
+                  .runShell("zsh -f -c 'compdef() { }; source <(zelto completion zsh)\n"
+                            "compadd() { print -l -- $paths }\n"
+                            "typeset -A opt_args=(--to trello); _zelto_targets'")
+                  .output,
+              "Work/To Do\nWork/Done\nHome/To Do\n");
 }
 
 TEST_F(TrelloCommands, TargetsAreLoadedAnewAndRemembered) {

@@ -1,0 +1,95 @@
+#include <export/ExportFailures.h>
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace zelto::cli {
+
+namespace {
+
+using Error = IntegrationExportError;
+
+ExportCircumstances circumstances() {
+    return {.service = "Trello",
+            .account = "Trello+me",
+            .takenTypes = "pdf, backLink",
+            .openerFailure = "The URL was not opened.",
+            .missingTarget = {},
+            .pdfError = {},
+            .report = {}};
+}
+
+ExportCircumstances refused(ExportReport::Refused refused) {
+    auto about = circumstances();
+    about.report.refused.push_back(std::move(refused));
+    return about;
+}
+
+} // namespace
+
+TEST(ExportFailures, AreEachASentenceOfTheirOwn) {
+    std::set<std::string> sentences;
+    for (const auto& each : casesOf<Error>()) {
+        const auto failure = exportFailure(each.value, circumstances());
+        EXPECT_EQ(failure.name, each.name);
+        EXPECT_TRUE(failure.message.ends_with('.')) << failure.message;
+        EXPECT_TRUE(sentences.insert(failure.message).second) << failure.message;
+        EXPECT_EQ(failure.next.empty(), each.value == Error::canceled) << each.name;
+    }
+    for (const auto& each : casesOf<ServiceClientError>()) {
+        const auto failure = exportFailure(Error::createTaskError,
+                                           refused({.kind = "card", .name = "T", .reason = each.value}));
+        EXPECT_TRUE(failure.message.starts_with("Trello did not make the card \"T\": ")) << failure.message;
+        EXPECT_FALSE(failure.next.empty()) << each.name;
+    }
+    for (const auto& each : casesOf<IntegrationLoadError>()) {
+        const auto failure = loadFailure(each.value, "Trello", "Trello+me");
+        EXPECT_EQ(failure.name, each.name);
+        EXPECT_TRUE(failure.message.ends_with('.')) << failure.message;
+        EXPECT_FALSE(failure.next.empty()) << each.name;
+    }
+}
+
+TEST(ExportFailures, QuoteTheServicesOwnWords) {
+    EXPECT_EQ(exportFailure(Error::createTaskError, refused({.kind = "card",
+                                                             .name = "T",
+                                                             .reason = ServiceClientError::forbidden,
+                                                             .words = "unauthorized"}))
+                  .message,
+              "Trello did not make the card \"T\": the account may not do that there (\"unauthorized\").");
+}
+
+TEST(ExportFailures, DistinguishWhatWasNotSentFromWhatMayHaveArrived) {
+    EXPECT_EQ(exportFailure(Error::createTaskError, refused({.kind = "card",
+                                                             .name = "T",
+                                                             .reason = ServiceClientError::connectionError,
+                                                             .nothingWasSent = true}))
+                  .message,
+              "Trello did not make the card \"T\": it could not be reached.");
+    EXPECT_EQ(
+        exportFailure(Error::createTaskError,
+                      refused({.kind = "card", .name = "T", .reason = ServiceClientError::connectionError}))
+            .message,
+        "Trello did not make the card \"T\": the connection ended without a response. Whether Trello "
+        "has this is not known, since no response came: card \"T\".");
+}
+
+TEST(ExportFailures, OfAMissingTargetNameItUnlessTheServiceRefusedSomething) {
+    auto about = circumstances();
+    about.missingTarget = Failure{"noTarget", "No target is chosen.", "zelto export --target"};
+    for (const auto error : {Error::createTaskError, Error::internalError}) {
+        const auto failure = exportFailure(error, about);
+        EXPECT_EQ(failure.name, nameOf(error));
+        EXPECT_EQ(failure.message, "No target is chosen.");
+        EXPECT_EQ(failure.next, "zelto export --target");
+    }
+    EXPECT_EQ(exportFailure(Error::oauthError, about).message,
+              "Trello does not accept the account's sign-in any more.");
+    about.report.refused.push_back(
+        {.kind = "card", .name = "T", .reason = ServiceClientError::serviceInternalError});
+    EXPECT_EQ(exportFailure(Error::createTaskError, about).message,
+              "Trello did not make the card \"T\": it had an error of its own; try again later.");
+}
+
+} // namespace zelto::cli
