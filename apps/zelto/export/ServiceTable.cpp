@@ -3,6 +3,7 @@
 #include "accounts/ServiceNames.h"
 #include "export/AdaptedSession.h"
 #include "export/services/ApplicationAdapters.h"
+#include "export/services/AsanaAdapter.h"
 #include "export/services/TrelloAdapter.h"
 
 #include <algorithm>
@@ -31,9 +32,10 @@ std::unique_ptr<ExportSession> open(IntegrationsManager& manager, const ServiceA
 
 // Every service that the program can export to. Nothing else of the program names one.
 constexpr ServiceRow rows[] = {
-    {ServiceType::Agenda, open<AgendaAdapter>},       {ServiceType::Bear, open<BearAdapter>},
-    {ServiceType::OmniFocus, open<OmniFocusAdapter>}, {ServiceType::Things, open<ThingsAdapter>},
-    {ServiceType::Trello, open<TrelloAdapter>},       {ServiceType::Type2Do, open<TwoDoAdapter>},
+    {ServiceType::Agenda, open<AgendaAdapter>}, {ServiceType::Asana, open<AsanaAdapter>},
+    {ServiceType::Bear, open<BearAdapter>},     {ServiceType::OmniFocus, open<OmniFocusAdapter>},
+    {ServiceType::Things, open<ThingsAdapter>}, {ServiceType::Trello, open<TrelloAdapter>},
+    {ServiceType::Type2Do, open<TwoDoAdapter>},
 };
 
 } // namespace

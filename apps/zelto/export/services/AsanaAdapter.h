@@ -1,0 +1,24 @@
+#pragma once
+
+#include "export/ServiceAdapter.h"
+
+#include <ZeltoIntegrations/Asana/AsanaExporter.h>
+
+namespace zelto::cli {
+
+// A target is a project; its task is given to the account's own user. Another user is chosen by --config.
+struct AsanaAdapter : WebAdapter<AsanaExporter> {
+    using TargetData = AsanaFullData;
+
+    static TargetTree targetTree(const AsanaFullData& data);
+    static void setTarget(AsanaExportConfiguration& configuration, const AsanaFullData& data,
+                          const TargetPath& path);
+    static std::string targetName(const AsanaExportConfiguration& configuration);
+
+    static std::string standInResponse(const SentRequest& request);
+    static std::vector<PassedLimit> passedLimits(const AsanaExporter& exporter,
+                                                 const AsanaExportConfiguration& configuration,
+                                                 const std::vector<SentRequest>& requests);
+};
+
+} // namespace zelto::cli
