@@ -63,13 +63,11 @@ void AsanaExporter::loadPreview(IntegrationExportContentType type,
 
 void AsanaExporter::loadData(bool force,
                              Completion<std::optional<AsanaFullData>, IntegrationLoadError> completion) {
-    StepExporter::load(std::move(completion), &AsanaExporter::load, force);
+    StepExporter::loadData(force, &AsanaExporter::loadedData, &AsanaExporter::fetchData,
+                           std::move(completion));
 }
 
-void AsanaExporter::load(StepRun& run, bool force, LoadCompletion<std::optional<AsanaFullData>> done) {
-    if (!force) {
-        return done(loadedData());
-    }
+void AsanaExporter::fetchData(StepRun& run, LoadCompletion<std::optional<AsanaFullData>> done) {
     const auto client = createAsanaClient(run);
     if (!client) {
         return done(failure(IntegrationLoadError::oauthError));
@@ -166,11 +164,8 @@ void AsanaExporter::uploadFile(StepRun& run, const File& file, const TaskID& for
     }
     client->uploadFile(file, forTaskId,
                        reported(run,
-                                {.kind = "file",
-                                 .name = file.filename().native(),
-                                 .error = ExportError::uploadAttachmentError,
-                                 .warning = "Asana creation attachment error: ",
-                                 .function = "uploadFile(fromPath:forTaskId:updateProgress:)"},
+                                uploading(file, "Asana creation attachment error: ",
+                                          "uploadFile(fromPath:forTaskId:updateProgress:)"),
                                 std::move(done)));
 }
 

@@ -62,7 +62,7 @@ class AsanaExporter final : public NetworkExporter {
     AsanaExportConfiguration offered(IntegrationAttachments attachments) const;
     std::optional<AsanaSaveToInfo> createDefaultSaveToInfo() const;
 
-    void load(StepRun& run, bool force, LoadCompletion<std::optional<AsanaFullData>> done);
+    void fetchData(StepRun& run, LoadCompletion<std::optional<AsanaFullData>> done);
     std::optional<AsanaFullData> loadedData() const;
 
     void createAsanaTask(StepRun& run, const AsanaExportConfiguration& configuration,

@@ -33,6 +33,15 @@ class NetworkExporter : public StepExporter {
         std::string_view function;    // that logs it
     };
 
+    // The upload of a file, which fails with `uploadAttachmentError`.
+    static Making uploading(const File& file, std::string_view warning, std::string_view function) {
+        return {.kind = "file",
+                .name = file.filename().native(),
+                .error = IntegrationExportError::uploadAttachmentError,
+                .warning = warning,
+                .function = function};
+    }
+
     // The completion of such a request: reports how it ended and logs its failure. The step's result and the
     // identifier for the report are made of the value.
     template <class T, class R, class ResultOf, class IdentifierOf>

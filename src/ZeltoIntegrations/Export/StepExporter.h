@@ -80,6 +80,15 @@ class StepExporter : public ServiceExporter {
         steps.execute();
     }
 
+    // The same for data that the exporter keeps in its account: those that were loaded last, or with `force`
+    // from the service.
+    template <class Data, class Exporter>
+    void loadData(bool force, std::optional<Data> (Exporter::*loaded)() const,
+                  void (Exporter::*fetch)(StepRun&, LoadCompletion<std::optional<Data>>),
+                  LoadCompletion<std::optional<Data>> completion) {
+        load(std::move(completion), &StepExporter::loadDataStep<Data, Exporter>, force, loaded, fetch);
+    }
+
     // For loading whose value does not matter.
     template <class T>
     static LoadCompletion<T> discarding(Completion<void, IntegrationLoadError> completion) {
@@ -92,6 +101,17 @@ class StepExporter : public ServiceExporter {
     std::shared_ptr<const ExportReportLog> reportLog() const;
 
   private:
+    template <class Data, class Exporter>
+    void loadDataStep(StepRun& run, bool force, std::optional<Data> (Exporter::*loaded)() const,
+                      void (Exporter::*fetch)(StepRun&, LoadCompletion<std::optional<Data>>),
+                      LoadCompletion<std::optional<Data>> done) {
+        auto& exporter = static_cast<Exporter&>(*this);
+        if (!force) {
+            return done((exporter.*loaded)());
+        }
+        (exporter.*fetch)(run, std::move(done));
+    }
+
     void convert(std::string html, const File& path, StepCompletion<File> done);
 
     mutable std::mutex reportLock_;

@@ -29,6 +29,10 @@ struct TrelloConstants {
     static constexpr std::int64_t attachmentsCountLimit = 100;
     static constexpr std::int64_t attachmentSizeLimitForFreeAccount = std::int64_t{10} << 20;
     static constexpr std::int64_t attachmentSizeLimitForPremiumAccount = std::int64_t{250} << 20;
+
+    static constexpr std::int64_t attachmentSizeLimit(bool isPremium) {
+        return isPremium ? attachmentSizeLimitForPremiumAccount : attachmentSizeLimitForFreeAccount;
+    }
 };
 
 } // namespace zelto

@@ -16,15 +16,13 @@ using Type = IntegrationExportContentType;
 using ExportError = IntegrationExportError;
 
 constexpr auto descriptionSeparator = "\n\n";
-
 const auto cardLink = IntegrationLinkType::safeBacklink(IntegrationLinkFormat::markdown);
 constexpr ContentText previews[] = {
     {Type::backLink, ContentText::Source::link, ContentText::Link::backlink, IntegrationLinkFormat::raw}};
 
 } // namespace
 
-void TrelloExporter::loadConfiguration(
-    Completion<TrelloExportConfiguration, IntegrationLoadError> completion) {
+void TrelloExporter::loadConfiguration(LoadCompletion<TrelloExportConfiguration> completion) {
     offer(*this, &TrelloExporter::offered, std::move(completion));
 }
 
@@ -41,21 +39,19 @@ TrelloExportConfiguration TrelloExporter::offered(IntegrationAttachments attachm
 }
 
 std::optional<TrelloSaveToInfo> TrelloExporter::createDefaultSaveToInfo() const {
-    auto boards = allBoards();
+    const auto boards = allBoards();
     if (!boards || boards->empty() || boards->front().lists.empty()) {
         return std::nullopt;
     }
-    auto& first = boards->front();
-    auto list = first.lists.front();
-    return TrelloSaveToInfo{.board = std::move(first), .list = std::move(list)};
+    const auto& first = boards->front();
+    return TrelloSaveToInfo{.board = first, .list = first.lists.front()};
 }
 
 ServiceExporterAttachmentsValidator TrelloExporter::createAttachmentsValidator() const {
     const auto known = user();
-    const auto sizeLimit = known && known->isPremium ? TrelloConstants::attachmentSizeLimitForPremiumAccount
-                                                     : TrelloConstants::attachmentSizeLimitForFreeAccount;
-    return ServiceExporterAttachmentsValidator(sizeLimit, TrelloConstants::attachmentsCountLimit,
-                                               std::nullopt);
+    return ServiceExporterAttachmentsValidator(
+        TrelloConstants::attachmentSizeLimit(known && known->isPremium),
+        TrelloConstants::attachmentsCountLimit, std::nullopt);
 }
 
 IntegrationExportContentTypes TrelloExporter::contentTypes(IntegrationExportTarget) const {
@@ -70,15 +66,12 @@ void TrelloExporter::loadPreview(IntegrationExportContentType type,
     loadTextPreview(dataInteractor(), type, previews, {}, std::move(completion));
 }
 
-void TrelloExporter::loadData(bool force,
-                              Completion<std::optional<TrelloFullData>, IntegrationLoadError> completion) {
-    StepExporter::load(std::move(completion), &TrelloExporter::load, force);
+void TrelloExporter::loadData(bool force, LoadCompletion<std::optional<TrelloFullData>> completion) {
+    StepExporter::loadData(force, &TrelloExporter::loadedData, &TrelloExporter::fetchData,
+                           std::move(completion));
 }
 
-void TrelloExporter::load(StepRun& run, bool force, LoadCompletion<std::optional<TrelloFullData>> done) {
-    if (!force) {
-        return done(loadedData());
-    }
+void TrelloExporter::fetchData(StepRun& run, LoadCompletion<std::optional<TrelloFullData>> done) {
     const auto client = createTrelloClient(run);
     if (!client) {
         return done(failure(IntegrationLoadError::oauthError));
@@ -169,16 +162,14 @@ void TrelloExporter::checkDescription(StepRun& run, const TrelloExportConfigurat
 
 void TrelloExporter::warnOfLongDescription(const std::string& name, const std::string& link,
                                            const std::string& text) {
-    if (text.empty()) {
+    const auto length = characterCount(text);
+    const auto composed = characterCount(link + descriptionSeparator) + length;
+    if (length == 0 || composed <= TrelloConstants::symbolsLimit) {
         return;
     }
-    const auto length = characterCount(text);
-    if (characterCount(link) + characterCount(descriptionSeparator) + length >
-        TrelloConstants::symbolsLimit) {
-        lvxLogWarn("Description for export '" + name + "' is too long: " + std::to_string(length) +
-                       ". Leave first " + std::to_string(TrelloConstants::symbolsLimit) + " symbols.",
-                   "createTrelloCard(configuration:updateProgress:)");
-    }
+    lvxLogWarn("Description for export '" + name + "' is too long: " + std::to_string(length) +
+                   ". Leave first " + std::to_string(TrelloConstants::symbolsLimit) + " symbols.",
+               "createTrelloCard(configuration:updateProgress:)");
 }
 
 void TrelloExporter::addCard(StepRun& run, const TrelloExportConfiguration& configuration,
@@ -215,12 +206,9 @@ void TrelloExporter::uploadFileToTrelloCard(StepRun& run, const Step<CardID>& cr
     }
     client->addAttachment(*file, *card,
                           reported(run,
-                                   {.kind = "file",
-                                    .name = file->filename().native(),
-                                    .error = ExportError::uploadAttachmentError,
-                                    .warning = "Trello creation attachment error: ",
-                                    .function = "uploadFileToTrelloCard(createTrelloCardOperation:"
-                                                "fetchAttachmentOperation:updateProgress:)"},
+                                   uploading(*file, "Trello creation attachment error: ",
+                                             "uploadFileToTrelloCard(createTrelloCardOperation:"
+                                             "fetchAttachmentOperation:updateProgress:)"),
                                    std::move(done)));
 }
 

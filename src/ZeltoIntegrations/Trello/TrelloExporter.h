@@ -63,7 +63,7 @@ class TrelloExporter final : public NetworkExporter {
     std::optional<TrelloSaveToInfo> createDefaultSaveToInfo() const;
     TrelloExportConfiguration offered(IntegrationAttachments attachments) const;
 
-    void load(StepRun& run, bool force, LoadCompletion<std::optional<TrelloFullData>> done);
+    void fetchData(StepRun& run, LoadCompletion<std::optional<TrelloFullData>> done);
     void loadBoards(TrelloClient& client, std::optional<IntegrationLoadError> userError,
                     LoadCompletion<std::optional<TrelloFullData>> done);
     std::optional<TrelloFullData> loadedData() const;

@@ -64,8 +64,7 @@ std::vector<PassedLimit> TrelloAdapter::passedLimits(const TrelloExporter& expor
                                                      const TrelloExportConfiguration& configuration,
                                                      const std::vector<SentRequest>& requests) {
     const auto user = exporter.user();
-    const auto sizeLimit = user && user->isPremium ? TrelloConstants::attachmentSizeLimitForPremiumAccount
-                                                   : TrelloConstants::attachmentSizeLimitForFreeAccount;
+    const auto sizeLimit = TrelloConstants::attachmentSizeLimit(user && user->isPremium);
     LimitCheck limits;
     for (const auto& request : requests) {
         if (request.parts.empty()) {
