@@ -13,7 +13,7 @@ namespace zelto::sandbox {
 namespace {
 
 constexpr std::string_view webFolder = "/host/";
-constexpr std::size_t largestForm = std::size_t{1} << 20;
+constexpr std::size_t maximumForm = std::size_t{1} << 20;
 
 std::string withoutUsualPort(const std::string& host) {
     for (const auto* port : {":443", ":80"}) {
@@ -63,7 +63,7 @@ void readBody(SandboxRequest& request) {
             request.bodyProblem = parts.error();
         }
     } else if (request.contentType == "application/x-www-form-urlencoded") {
-        auto form = whole.size <= largestForm ? parseFormItems(whole.text(largestForm)) : std::nullopt;
+        auto form = whole.size <= maximumForm ? parseFormItems(whole.text(maximumForm)) : std::nullopt;
         if (form) {
             request.form = std::move(*form);
         } else {

@@ -22,13 +22,13 @@ struct RequestAddress {
 // Whether a host is one of the services'.
 bool isServiceHost(std::string_view host);
 
-// By the Host header and the target. Nothing for a Host that is neither a service's nor this machine's own
-// name with the sandbox's port: a page of the web that has its name changed to a loopback address (DNS
-// rebinding) gets no further.
+// By the Host header and the target. nullopt for a Host that is neither a service's nor this machine's own
+// name with the sandbox's port, which stops web pages whose name resolves to a loopback address (DNS
+// rebinding).
 std::optional<RequestAddress> addressOf(std::string_view hostHeader, std::string_view target,
                                         std::uint16_t port);
 
-// Takes a request to a service apart; the text of an error says what is wrong.
+// Parses a request to a service. The text of an error says what is wrong.
 Result<SandboxRequest, std::string> requestOf(RequestHead head, RequestAddress address,
                                               std::shared_ptr<const SpooledBytes> body);
 

@@ -20,12 +20,12 @@ Result<const TokenGrant*, std::string> bearerGrant(const SandboxRequest& request
     if (!token) {
         return failure(std::string("there is no bearer token"));
     }
-    switch (tokens.standing(service, *token)) {
-    case TokenStanding::valid:
+    switch (tokens.status(service, *token)) {
+    case TokenStatus::valid:
         return tokens.access(*token);
-    case TokenStanding::expired:
+    case TokenStatus::expired:
         return failure(std::string("the access token has expired"));
-    case TokenStanding::unknown:
+    case TokenStatus::unknown:
         break;
     }
     return failure(std::string("the access token is unknown"));

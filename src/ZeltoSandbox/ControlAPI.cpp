@@ -9,7 +9,7 @@ namespace zelto::sandbox {
 
 namespace {
 
-constexpr std::size_t largestBody = std::size_t{1} << 20;
+constexpr std::size_t maximumBody = std::size_t{1} << 20;
 constexpr TimeInterval eventPause{0.25};
 constexpr int pausesBetweenSigns = 60;
 
@@ -21,7 +21,7 @@ SandboxResponse done() {
     return {.status = 204};
 }
 
-// The number behind which the requests are asked for; nothing if what stands there is none.
+// The request number of "after"; nullopt if it is not a number.
 std::optional<std::uint64_t> startOf(std::string_view query) {
     const auto items = parseFormItems(query);
     return items ? numberIn<std::uint64_t>(valueOf(*items, "after").value_or("0")) : std::nullopt;
@@ -32,7 +32,7 @@ std::string serviceName(const JSONValue& json) {
     return name ? *name : std::string();
 }
 
-// What is wrong with the member; nothing if it is good.
+// What the member has to be; nullopt if it is valid.
 std::optional<std::string> readSetting(SandboxSettings& settings, const std::string& key,
                                        const JSONValue& value) {
     if (key == "consent") {
@@ -59,8 +59,8 @@ std::optional<std::string> readSetting(SandboxSettings& settings, const std::str
 
 } // namespace
 
-SandboxResponse ControlAPI::answer(const RequestHead& head, std::string_view path, std::string_view query,
-                                   const SpooledBytes& body) const {
+SandboxResponse ControlAPI::respond(const RequestHead& head, std::string_view path, std::string_view query,
+                                    const SpooledBytes& body) const {
     if (head.method == "GET" || head.method == "HEAD") {
         return read(path, query);
     }
@@ -68,7 +68,7 @@ SandboxResponse ControlAPI::answer(const RequestHead& head, std::string_view pat
         return refused(403, "What changes the sandbox needs the header " + std::string(controlHeader) + ".");
     }
     if (head.method == "DELETE" && path == "faults") {
-        desk_.clearFaults();
+        dispatcher_.clearFaults();
         log_.touch();
         return done();
     }
@@ -79,7 +79,7 @@ SandboxResponse ControlAPI::answer(const RequestHead& head, std::string_view pat
     if (!type || mediaTypeOf(*type) != "application/json") {
         return refused(415, "The Content-Type has to be application/json.");
     }
-    std::string text(std::min<std::uint64_t>(body.size(), largestBody), '\0');
+    std::string text(std::min<std::uint64_t>(body.size(), maximumBody), '\0');
     text.resize(body.read(0, text));
     auto json = text.empty() ? JSONValue(JSONObject()) : JSONValue();
     if (!text.empty()) {
@@ -89,9 +89,9 @@ SandboxResponse ControlAPI::answer(const RequestHead& head, std::string_view pat
         }
         json = std::move(*parsed);
     }
-    auto answer = change(path, json);
+    auto response = change(path, json);
     log_.touch();
-    return answer;
+    return response;
 }
 
 SandboxResponse ControlAPI::read(std::string_view path, std::string_view query) const {
@@ -104,7 +104,7 @@ SandboxResponse ControlAPI::read(std::string_view path, std::string_view query) 
                      : refused(400, "\"after\" has to be a number.");
     }
     if (path == "faults") {
-        return SandboxResponse::json(JSONObject{{"faults", desk_.faults()}});
+        return SandboxResponse::json(JSONObject{{"faults", dispatcher_.faults()}});
     }
     if (path == "events") {
         return events();
@@ -118,7 +118,7 @@ SandboxResponse ControlAPI::change(std::string_view path, const JSONValue& json)
         if (!fault) {
             return refused(400, fault.error());
         }
-        return desk_.addFault(std::move(*fault))
+        return dispatcher_.addFault(std::move(*fault))
                    ? done()
                    : refused(409, "There are as many faults as the sandbox keeps.");
     }
@@ -129,11 +129,12 @@ SandboxResponse ControlAPI::change(std::string_view path, const JSONValue& json)
         return issueTokens(json);
     }
     if (path == "expire") {
-        return desk_.expireTokens(serviceName(json)) ? done()
-                                                     : refused(400, "\"service\" has to name a service.");
+        return dispatcher_.expireTokens(serviceName(json))
+                   ? done()
+                   : refused(400, "\"service\" has to name a service.");
     }
     if (path == "reset") {
-        desk_.reset();
+        dispatcher_.reset();
         return done();
     }
     return refused(404, "There is nothing here.");
@@ -141,7 +142,7 @@ SandboxResponse ControlAPI::change(std::string_view path, const JSONValue& json)
 
 SandboxResponse ControlAPI::changeSettings(const JSONValue& json) const {
     std::string problem;
-    desk_.changeSettings([&](SandboxSettings& settings) {
+    dispatcher_.changeSettings([&](SandboxSettings& settings) {
         auto changed = settings;
         for (const auto& [key, value] : *json.asObject()) {
             if (const auto wanted = readSetting(changed, key, value)) {
@@ -155,23 +156,23 @@ SandboxResponse ControlAPI::changeSettings(const JSONValue& json) const {
 }
 
 SandboxResponse ControlAPI::issueTokens(const JSONValue& json) const {
-    const auto tokens = desk_.issueTokens(serviceName(json));
+    const auto tokens = dispatcher_.issueTokens(serviceName(json));
     if (!tokens) {
         return refused(400, "\"service\" has to name a service that has a sign-in.");
     }
-    JSONObject answer{{"accessToken", tokens->accessToken}};
+    JSONObject response{{"accessToken", tokens->accessToken}};
     if (!tokens->refreshToken.empty()) {
-        answer.set("refreshToken", tokens->refreshToken);
+        response.set("refreshToken", tokens->refreshToken);
     }
     if (tokens->lifetime) {
-        answer.set("expiresIn", tokens->lifetime->count());
+        response.set("expiresIn", tokens->lifetime->count());
     }
-    return SandboxResponse::json(std::move(answer));
+    return SandboxResponse::json(std::move(response));
 }
 
 JSONValue ControlAPI::state() const {
-    auto state = desk_.state();
-    const auto settings = desk_.settings();
+    auto state = dispatcher_.state();
+    const auto settings = dispatcher_.settings();
     state.set("settings",
               JSONObject{{"consent", nameOf(settings.consent)},
                          {"plan", settings.paidPlan ? "paid" : "free"},
@@ -182,7 +183,7 @@ JSONValue ControlAPI::state() const {
     return state;
 }
 
-// Tells at once how many requests there are, and whenever something has changed since.
+// Sends the number of requests at once, and again whenever something has changed.
 SandboxResponse ControlAPI::events() const {
     auto stream = [this, seen = std::uint64_t{0}, pauses = 0]() mutable -> std::string {
         const auto revision = seen == 0 ? log_.revision() : log_.waitForChange(seen, eventPause);

@@ -9,16 +9,16 @@
 
 namespace zelto::sandbox {
 
-// What is asked of the sandbox itself below "/control/" (docs/sandbox.md). Any thread.
+// The requests to the sandbox itself below "/control/" (docs/sandbox.md). Any thread.
 class ControlAPI {
   public:
-    // `addFigures` adds to the state what the desk does not know.
-    ControlAPI(ServiceDispatcher& desk, RequestLog& log, std::function<void(JSONObject&)> addFigures)
-        : desk_(desk), log_(log), addFigures_(std::move(addFigures)) {}
+    // `addFigures` adds to the state what the dispatcher does not have.
+    ControlAPI(ServiceDispatcher& dispatcher, RequestLog& log, std::function<void(JSONObject&)> addFigures)
+        : dispatcher_(dispatcher), log_(log), addFigures_(std::move(addFigures)) {}
 
     // The path behind "/control/".
-    SandboxResponse answer(const RequestHead& head, std::string_view path, std::string_view query,
-                           const SpooledBytes& body) const;
+    SandboxResponse respond(const RequestHead& head, std::string_view path, std::string_view query,
+                            const SpooledBytes& body) const;
 
     JSONValue state() const;
 
@@ -29,13 +29,13 @@ class ControlAPI {
     SandboxResponse issueTokens(const JSONValue& json) const;
     SandboxResponse events() const;
 
-    ServiceDispatcher& desk_;
+    ServiceDispatcher& dispatcher_;
     RequestLog& log_;
     std::function<void(JSONObject&)> addFigures_;
 };
 
-// The header that a request which changes something needs: a page of another origin cannot send it without
-// asking first, and is not allowed to.
+// The header that a request needs that changes something. A page of another origin could send it only after a
+// preflight request, which is refused.
 inline constexpr std::string_view controlHeader = "X-Zelto-Sandbox";
 
 } // namespace zelto::sandbox

@@ -11,8 +11,8 @@ namespace zelto::sandbox {
 
 namespace {
 
-constexpr double longestDelay = 3600;
-constexpr int largestTimes = 1'000'000;
+constexpr double maximumDelay = 3600;
+constexpr int maximumTimes = 1'000'000;
 
 JSONObject jsonOf(const SandboxFault& fault) {
     JSONObject json{
@@ -59,9 +59,9 @@ bool readFlag(const JSONValue& json, bool& flag) {
     return value.has_value();
 }
 
-std::optional<std::int64_t> readCount(const JSONValue& json, std::int64_t least, std::int64_t most) {
+std::optional<std::int64_t> readCount(const JSONValue& json, std::int64_t minimum, std::int64_t maximum) {
     const auto value = json.asInt64();
-    return value && *value >= least && *value <= most ? value : std::nullopt;
+    return value && *value >= minimum && *value <= maximum ? value : std::nullopt;
 }
 
 bool readFields(const JSONValue& json, std::vector<HTTPHeaderField>& fields) {
@@ -79,7 +79,7 @@ bool readFields(const JSONValue& json, std::vector<HTTPHeaderField>& fields) {
     return true;
 }
 
-// What the member has to be; nothing if it is that.
+// What the member has to be; nullopt if it is valid.
 std::optional<std::string> readMember(SandboxFault& fault, const std::string& key, const JSONValue& value) {
     const auto unless = [](bool isGood, const char* wanted) {
         return isGood ? std::nullopt : std::optional<std::string>(wanted);
@@ -106,7 +106,7 @@ std::optional<std::string> readMember(SandboxFault& fault, const std::string& ke
         return unless(readFlag(value, fault.expireTokens), "true or false");
     }
     if (key == "times") {
-        const auto times = readCount(value, 1, largestTimes);
+        const auto times = readCount(value, 1, maximumTimes);
         fault.times = static_cast<int>(times.value_or(1));
         return unless(times.has_value(), "a number from 1 to 1000000");
     }
@@ -123,7 +123,7 @@ std::optional<std::string> readMember(SandboxFault& fault, const std::string& ke
     if (key == "delay") {
         const auto seconds = value.asDouble().value_or(-1);
         fault.delay = TimeInterval(seconds);
-        return unless(seconds >= 0 && seconds <= longestDelay, "a number of seconds, from 0 to 3600");
+        return unless(seconds >= 0 && seconds <= maximumDelay, "a number of seconds, from 0 to 3600");
     }
     return "left out; there is no such member";
 }
@@ -131,7 +131,7 @@ std::optional<std::string> readMember(SandboxFault& fault, const std::string& ke
 } // namespace
 
 bool FaultList::add(SandboxFault fault) {
-    if (fault.times < 1 || faults_.size() >= largestCount) {
+    if (fault.times < 1 || faults_.size() >= maximumCount) {
         return false;
     }
     faults_.push_back(std::move(fault));
@@ -186,7 +186,7 @@ std::string describe(const SandboxFault& fault) {
         pieces.emplace_back("the access tokens expired");
     }
     if (fault.status) {
-        pieces.push_back("answered with " + std::to_string(*fault.status));
+        pieces.push_back("status " + std::to_string(*fault.status));
     }
     if (fault.delay) {
         const auto milliseconds = static_cast<std::int64_t>(std::llround(fault.delay->count() * 1000));

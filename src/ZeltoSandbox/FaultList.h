@@ -14,12 +14,12 @@ namespace zelto::sandbox {
 // The faults that have not happened yet, in their order.
 class FaultList {
   public:
-    static constexpr std::size_t largestCount = 1000;
+    static constexpr std::size_t maximumCount = 1000;
 
     // False if there are as many as it keeps.
     bool add(SandboxFault fault);
 
-    // The first one that matches the request happens once more.
+    // Takes one occurrence of the first fault that matches the request.
     std::optional<SandboxFault> take(const SandboxRequest& request);
 
     std::size_t count() const { return faults_.size(); }
@@ -35,7 +35,7 @@ class FaultList {
 // {"host": "api.trello.com", "status": 503, "times": 2}; the text of an error says which member is wrong.
 Result<SandboxFault, std::string> readFault(const JSONValue& json);
 
-// "answered with 503, 2 s late"
+// "status 503, 2000 ms late"
 std::string describe(const SandboxFault& fault);
 
 } // namespace zelto::sandbox

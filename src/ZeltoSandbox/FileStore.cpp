@@ -11,7 +11,7 @@ namespace zelto::sandbox {
 
 namespace {
 
-// What a browser only draws. SVG is none of these: it may hold scripts.
+// Types that a browser only draws. SVG is not among them: it may contain scripts.
 constexpr std::array<std::string_view, 5> images = {"image/png", "image/jpeg", "image/gif", "image/webp",
                                                     "image/bmp"};
 
@@ -19,7 +19,7 @@ bool isText(std::string_view type) {
     return type.starts_with("text/") || type == "application/json" || type == "message/rfc822";
 }
 
-// How the file may be shown: the type to send, empty for one that is only saved.
+// The type that the file is served as; empty for one that is only saved.
 std::string shownType(std::string_view type, const SpoolRange& content) {
     if (type == "application/pdf" && content.text(5) == "%PDF-") {
         return "application/pdf";
@@ -30,7 +30,7 @@ std::string shownType(std::string_view type, const SpoolRange& content) {
     return isText(type) ? "text/plain; charset=utf-8" : "";
 }
 
-// The quoted form holds ASCII alone; what it cannot hold stands in the form of RFC 8187.
+// The quoted form has ASCII only; other characters are in the form of RFC 8187.
 std::string disposition(bool inlined, const std::string& name) {
     std::string plain;
     for (const char c : name) {
@@ -48,7 +48,7 @@ std::string FileStore::add(SpoolRange content, std::string name, std::string con
     return "/files/" + std::to_string(number);
 }
 
-SandboxResponse FileStore::answer(std::string_view path) const {
+SandboxResponse FileStore::response(std::string_view path) const {
     const auto number = numberIn<std::uint64_t>(path);
     const auto found = number ? files_.find(*number) : files_.end();
     if (found == files_.end()) {
@@ -56,15 +56,15 @@ SandboxResponse FileStore::answer(std::string_view path) const {
     }
     const auto& file = found->second;
     const auto type = shownType(file.contentType, file.content);
-    SandboxResponse answer{.fields = {{"Content-Type", type.empty() ? "application/octet-stream" : type},
-                                      {"Content-Disposition", disposition(!type.empty(), file.name)}},
-                           .file = file.content};
-    // A sandboxed document would keep the browser's PDF viewer, which runs apart from the page, from opening.
-    answer.fields.push_back(
+    SandboxResponse response{.fields = {{"Content-Type", type.empty() ? "application/octet-stream" : type},
+                                        {"Content-Disposition", disposition(!type.empty(), file.name)}},
+                             .file = file.content};
+    // The browser's PDF viewer, which runs in a process of its own, does not open in a sandboxed document.
+    response.fields.push_back(
         {"Content-Security-Policy", type == "application/pdf"
                                         ? "default-src 'none'; object-src 'self'; style-src 'unsafe-inline'"
                                         : "default-src 'none'; sandbox"});
-    return answer;
+    return response;
 }
 
 } // namespace zelto::sandbox

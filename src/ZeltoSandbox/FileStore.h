@@ -15,9 +15,9 @@ class FileStore {
     // The path at which the file can be opened.
     std::string add(SpoolRange content, std::string name, std::string contentType);
 
-    // "7", as it stands behind "/files/". Nothing that a file holds can act on the page: what a browser
-    // would run is sent as text or to be saved.
-    SandboxResponse answer(std::string_view path) const;
+    // `path` is what follows "/files/": "7". No content can run in the browser: what could is served as text
+    // or as a download.
+    SandboxResponse response(std::string_view path) const;
 
     void clear() { files_.clear(); }
 

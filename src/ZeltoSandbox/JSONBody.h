@@ -19,7 +19,7 @@ struct BodyProblem {
 // The request's body, which has to be one JSON object of `limit` bytes at most, sent as application/json.
 Result<JSONValue, BodyProblem> jsonObject(const SandboxRequest& request, std::uint64_t limit);
 
-// A member that has to be a text; null if it is missing or something else.
+// A member that has to be a text; null if it is missing or of another kind.
 const std::string* textMember(const JSONValue& object, std::string_view key);
 
 } // namespace zelto::sandbox

@@ -15,9 +15,9 @@ namespace zelto::sandbox {
 namespace {
 
 constexpr std::string_view mask = "***";
-constexpr std::size_t longestShownBody = 8192;
-constexpr std::size_t longestShownField = 4096;
-constexpr std::size_t largestReadBody = std::size_t{256} << 10;
+constexpr std::size_t maximumShownBody = 8192;
+constexpr std::size_t maximumShownField = 4096;
+constexpr std::size_t maximumReadBody = std::size_t{256} << 10;
 
 // In lower case, without "_" and "-".
 constexpr std::array<std::string_view, 13> secretNames = {
@@ -42,7 +42,7 @@ bool isTokenCharacter(char c) {
     return isASCIIAlphanumeric(c) || c == '-' || c == '_';
 }
 
-// Without the secrets that the sandbox has given out.
+// Without the secrets that the sandbox has issued.
 std::string withoutOwnSecrets(std::string_view text) {
     std::string result;
     for (;;) {
@@ -59,14 +59,14 @@ std::string withoutOwnSecrets(std::string_view text) {
     }
 }
 
-// The same for text with escapes, in which a secret may be written with some.
+// The same for percent-encoded text, in which a secret may be encoded.
 std::string withoutOwnEscapedSecrets(std::string_view text) {
     auto plain = withoutOwnSecrets(text);
     const auto decoded = percentDecodeBytes(plain);
     return decoded && decoded->find(secretPrefix) != std::string::npos ? std::string(mask) : plain;
 }
 
-// "name=value&…" as it stands, with the values of secret names masked.
+// "name=value&…" with the values of secret names masked.
 std::string maskedForm(std::string_view form) {
     std::string result;
     while (!form.empty()) {
@@ -141,7 +141,7 @@ std::string partsText(const std::vector<FormPart>& parts) {
         }
         text += ": " + part.contentType + ", " + std::to_string(part.content.size) + " bytes";
         if (!part.fileName && part.contentType.starts_with("text/")) {
-            const auto value = part.content.text(longestShownField);
+            const auto value = part.content.text(maximumShownField);
             text += ": ";
             text += isSecretName(part.name) ? std::string(mask) : repairedUTF8(value);
         }
@@ -164,7 +164,7 @@ std::vector<HTTPHeaderField> maskedFields(const std::vector<HTTPHeaderField>& fi
             value = hasScheme ? value.substr(0, blank + 1).append(mask) : std::string(mask);
         }
         masked.push_back(
-            {withoutOwnSecrets(repairedUTF8(field.name)), cut(withoutOwnSecrets(value), longestShownField)});
+            {withoutOwnSecrets(repairedUTF8(field.name)), cut(withoutOwnSecrets(value), maximumShownField)});
     }
     return masked;
 }
@@ -175,7 +175,7 @@ std::string maskedTarget(std::string_view target) {
     if (question < target.size()) {
         masked += '?' + maskedForm(target.substr(question + 1));
     }
-    return cut(repairedUTF8(masked), longestShownBody);
+    return cut(repairedUTF8(masked), maximumShownBody);
 }
 
 std::string shownBody(const SandboxRequest& request) {
@@ -183,23 +183,23 @@ std::string shownBody(const SandboxRequest& request) {
         return {};
     }
     if (!request.parts.empty()) {
-        return cut(repairedUTF8(partsText(request.parts)), longestShownBody);
+        return cut(repairedUTF8(partsText(request.parts)), maximumShownBody);
     }
     const auto& type = request.contentType;
     const bool isJSON = type == "application/json" || type.ends_with("+json");
     if (!isJSON && !type.starts_with("text/") && type != "application/x-www-form-urlencoded") {
         return {};
     }
-    const auto text = SpoolRange::all(request.body).text(largestReadBody);
+    const auto text = SpoolRange::all(request.body).text(maximumReadBody);
     if (type == "application/x-www-form-urlencoded") {
-        return cut(repairedUTF8(maskedForm(text)), longestShownBody);
+        return cut(repairedUTF8(maskedForm(text)), maximumShownBody);
     }
     if (isJSON) {
         const auto json = JSONValue::parse(text);
-        return json ? cut(maskedJSON(*json).text(2).value_or(""), longestShownBody)
+        return json ? cut(maskedJSON(*json).text(2).value_or(""), maximumShownBody)
                     : std::string("(no JSON that could be masked)");
     }
-    return cut(withoutOwnSecrets(repairedUTF8(text)), longestShownBody);
+    return cut(withoutOwnSecrets(repairedUTF8(text)), maximumShownBody);
 }
 
 } // namespace zelto::sandbox

@@ -8,8 +8,8 @@
 
 namespace zelto::sandbox {
 
-// What is shown of a request. Credentials become "***": those that have a telling name, wherever they stand,
-// and whatever the sandbox has given out itself.
+// What is shown of a request. Credentials become "***": the values of fields with a secret's name, and
+// whatever secret the sandbox has issued itself.
 std::vector<HTTPHeaderField> maskedFields(const std::vector<HTTPHeaderField>& fields);
 std::string maskedTarget(std::string_view target);
 

@@ -7,8 +7,8 @@
 
 namespace zelto::sandbox {
 
-// A service of which the sandbox has the sign-in alone: it checks the bearer token, and says of everything
-// else that it is not there.
+// A service whose sign-in the sandbox has, but not its API: it checks the bearer token and refuses everything
+// with 501.
 class PlainService final : public SandboxService {
   public:
     static std::unique_ptr<SandboxService> make(SandboxContext& context, const SandboxServiceRow& row) {
@@ -17,7 +17,7 @@ class PlainService final : public SandboxService {
 
     PlainService(SandboxContext& context, std::string name) : context_(context), name_(std::move(name)) {}
 
-    SandboxResponse answer(const SandboxRequest& request) override {
+    SandboxResponse respond(const SandboxRequest& request) override {
         if (const auto grant = bearerGrant(request, context_.tokens, name_); !grant) {
             return failure(401).because(grant.error());
         }

@@ -14,14 +14,14 @@
 
 namespace zelto::sandbox {
 
-// What the services received, the newest as far as they are kept, and a signal for who watches. Any thread.
+// The newest requests that the services received, and a signal of changes. Any thread.
 class RequestLog {
   public:
     explicit RequestLog(std::size_t limit) : limit_(limit) {}
 
     // Gives the record its number.
     void add(SandboxRecord record);
-    // Something that is shown has changed.
+    // Signals that something else that is shown has changed.
     void touch();
     void clear();
 
@@ -30,11 +30,11 @@ class RequestLog {
     JSONObject json(std::uint64_t after) const;
 
     std::uint64_t lastNumber() const;
-    // Also those that are not kept any more.
+    // Includes those that are no longer kept.
     std::uint64_t countOf(std::string_view service) const;
 
     std::uint64_t revision() const;
-    // Waits for a time at the most; gives the revision.
+    // Waits until there is a newer revision or the time is over; returns the revision.
     std::uint64_t waitForChange(std::uint64_t since, TimeInterval time) const;
 
   private:

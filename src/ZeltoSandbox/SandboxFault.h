@@ -10,8 +10,7 @@
 
 namespace zelto {
 
-// What goes wrong for the next requests that match. Several members work together: a delayed reset, a slow
-// 503.
+// What goes wrong for the next requests that match. Members can be combined: a delayed reset, a slow 503.
 struct SandboxFault {
     // Which requests; an empty text matches all.
     std::string host;   // "api.trello.com"
@@ -20,16 +19,16 @@ struct SandboxFault {
 
     int times = 1; // so many requests, the first ones that match
 
-    // Answers so, and the service never sees the request. Without a body it is the service's own for that
-    // status.
+    // The response has this status, and the service does not see the request. Without a body it is the
+    // service's own for that status.
     std::optional<int> status;
     std::optional<std::string> body;
     std::vector<HTTPHeaderField> fields;
 
-    std::optional<TimeInterval> delay;     // before the answer
-    bool reset = false;                    // the connection ends instead of an answer; the service has acted
-    std::optional<std::uint32_t> slowBody; // bytes of the answer's body a second
-    bool expireTokens = false;             // all access tokens of the host's service, just before it looks
+    std::optional<TimeInterval> delay;     // before the response
+    bool reset = false;                    // the connection ends instead of a response; the service has acted
+    std::optional<std::uint32_t> slowBody; // bytes of the response's body a second
+    bool expireTokens = false;             // all access tokens of the host's service, before it checks them
 
     bool operator==(const SandboxFault&) const = default;
 };

@@ -11,7 +11,7 @@
 
 namespace zelto {
 
-// What a consent page does: shows its two buttons, or answers at once as if one had been pressed.
+// What a consent page does: shows its two buttons, or redirects at once as if one had been pressed.
 enum class SandboxConsent { ask, allow, deny };
 ZELTO_ENUM(SandboxConsent);
 
@@ -22,8 +22,8 @@ struct SandboxClient {
     std::string clientSecret;
 };
 
-// How a sandbox starts, and what it is bounded by. What passes a bound is answered with an error of HTTP that
-// says so, or loses its connection.
+// How a sandbox starts, and its limits. What exceeds a limit gets an HTTP error that says so, or its
+// connection is closed.
 struct SandboxOptions {
     std::uint16_t port = 0; // 0: a free one
 
@@ -34,10 +34,10 @@ struct SandboxOptions {
     // is sent.
     std::vector<SandboxClient> clients;
 
-    std::size_t largestConnectionCount = 256;
-    std::size_t largestHeader = std::size_t{64} << 10;
-    std::uint64_t largestBody = std::uint64_t{4} << 30;
-    std::uint64_t largestDiskUse = std::uint64_t{8} << 30; // of all bodies and files that are kept
+    std::size_t maximumConnectionCount = 256;
+    std::size_t maximumHeader = std::size_t{64} << 10;
+    std::uint64_t maximumBody = std::uint64_t{4} << 30;
+    std::uint64_t maximumDiskUse = std::uint64_t{8} << 30; // of all bodies and files that are kept
     std::size_t keptRequests = 1000;                       // the oldest go first
 
     TimeInterval headerTimeout{15}; // from a request's first byte to its header's end

@@ -14,16 +14,16 @@ struct SandboxRecord {
     std::uint64_t number = 0; // from 1
     Date date;
     std::uint64_t connection = 0; // from 1
-    std::string service;          // "Trello"; empty for a host that is none's
+    std::string service;          // "Trello"; empty for an unknown one
     std::string method;
     std::string host;
     std::string target; // path and query
     std::vector<HTTPHeaderField> fields;
     std::uint64_t bodySize = 0;
     std::string body;    // the beginning of a text, a list of the parts of a form; empty for bytes
-    int status = 0;      // of the answer; 0 if there was none
+    int status = 0;      // of the response; 0 if there was none
     std::string problem; // why the service refused it; empty if it did not
-    std::string fault;   // what was done to it by a fault
+    std::string fault;   // the fault that it met; empty if there was none
     bool isWeb = false;  // a browser's, below /host/
 };
 

@@ -19,9 +19,9 @@ namespace {
 
 constexpr std::string_view controlFolder = "/control/";
 constexpr std::string_view filesFolder = "/files/";
-constexpr std::uint64_t largestOwnBody = std::uint64_t{1} << 20;
+constexpr std::uint64_t maximumOwnBody = std::uint64_t{1} << 20;
 
-// A page of another origin neither sees nor changes anything here.
+// Pages of other origins may neither read nor change anything here.
 bool isFromElsewhere(const RequestHead& head, std::uint16_t port) {
     const auto* site = head.field("Sec-Fetch-Site");
     if (site && *site != "same-origin" && *site != "none") {
@@ -32,13 +32,13 @@ bool isFromElsewhere(const RequestHead& head, std::uint16_t port) {
     return origin && host && (*origin != "http://" + *host || !addressOf(*host, "/", port));
 }
 
-void addWebFields(SandboxResponse& answer) {
+void addWebFields(SandboxResponse& response) {
     const auto add = [&](std::string name, std::string value) {
-        const auto isThere = std::ranges::any_of(answer.fields, [&](const HTTPHeaderField& field) {
+        const auto isThere = std::ranges::any_of(response.fields, [&](const HTTPHeaderField& field) {
             return equalIgnoringASCIICase(field.name, name);
         });
         if (!isThere) {
-            answer.fields.push_back({std::move(name), std::move(value)});
+            response.fields.push_back({std::move(name), std::move(value)});
         }
     };
     add("X-Content-Type-Options", "nosniff");
@@ -66,17 +66,18 @@ std::optional<SandboxResponse> pageFile(std::string_view path) {
 class SandboxServer::State {
   public:
     explicit State(const SandboxOptions& options)
-        : space_(std::make_shared<SpoolSpace>(options.largestDiskUse)), log(options.keptRequests),
-          desk(options, log), control(desk, log, [this](JSONObject& state) { addFigures(state); }) {}
+        : space_(std::make_shared<SpoolSpace>(options.maximumDiskUse)), log(options.keptRequests),
+          dispatcher(options, log),
+          control(dispatcher, log, [this](JSONObject& state) { addFigures(state); }) {}
 
     Result<void, std::string> start(const SandboxOptions& options) {
         auto started =
             HTTPServer::start(options, space_,
                               {.refusal = [this](const RequestHead& head) { return refusal(head); },
-                               .answer =
+                               .respond =
                                    [this](RequestHead head, std::shared_ptr<const SpooledBytes> body,
                                           std::uint64_t connection) {
-                                       return answer(std::move(head), std::move(body), connection);
+                                       return respond(std::move(head), std::move(body), connection);
                                    },
                                .isReady = [this](std::uint16_t ownPort) { port = ownPort; }});
         if (!started) {
@@ -91,7 +92,7 @@ class SandboxServer::State {
 
   public:
     RequestLog log;
-    ServiceDispatcher desk;
+    ServiceDispatcher dispatcher;
     ControlAPI control;
     std::atomic<std::uint16_t> port = 0;
     std::unique_ptr<HTTPServer> server; // last: its threads use all above
@@ -112,50 +113,50 @@ class SandboxServer::State {
         if (isControl && isFromElsewhere(head, port)) {
             return RequestProblem{403, "Pages of other origins are not let in here."};
         }
-        if (address->isOwn() && (!head.contentLength || *head.contentLength > largestOwnBody) &&
+        if (address->isOwn() && (!head.contentLength || *head.contentLength > maximumOwnBody) &&
             head.field("Transfer-Encoding")) {
             return RequestProblem{411, "The body needs a Content-Length."};
         }
-        if (address->isOwn() && head.contentLength.value_or(0) > largestOwnBody) {
+        if (address->isOwn() && head.contentLength.value_or(0) > maximumOwnBody) {
             return RequestProblem{413, "The body is too large."};
         }
         return std::nullopt;
     }
 
-    PlannedResponse answer(RequestHead head, std::shared_ptr<const SpooledBytes> body,
-                           std::uint64_t connection) {
+    PlannedResponse respond(RequestHead head, std::shared_ptr<const SpooledBytes> body,
+                            std::uint64_t connection) {
         auto address = *addressOf(*head.field("Host"), head.target, port);
         if (address.isOwn()) {
-            PlannedResponse planned{.answer = ownAnswer(head, address, *body)};
-            addWebFields(planned.answer);
+            PlannedResponse planned{.response = ownResponse(head, address, *body)};
+            addWebFields(planned.response);
             return planned;
         }
         const bool isWeb = !address.webPrefix.empty();
         auto request = requestOf(std::move(head), std::move(address), std::move(body));
         if (!request) {
-            PlannedResponse planned{.answer =
+            PlannedResponse planned{.response =
                                         SandboxResponse::text("Bad Request: " + request.error() + "\n", 400)};
             return planned;
         }
         request->connection = connection;
-        auto planned = desk.answer(*request);
+        auto planned = dispatcher.respond(*request);
         if (isWeb) {
-            addWebFields(planned.answer);
+            addWebFields(planned.response);
         }
         return planned;
     }
 
-    SandboxResponse ownAnswer(const RequestHead& head, const RequestAddress& address,
-                              const SpooledBytes& body) {
+    SandboxResponse ownResponse(const RequestHead& head, const RequestAddress& address,
+                                const SpooledBytes& body) {
         const std::string_view path = address.path;
         if (path.starts_with(controlFolder)) {
-            return control.answer(head, path.substr(controlFolder.size()), address.query, body);
+            return control.respond(head, path.substr(controlFolder.size()), address.query, body);
         }
         if (head.method != "GET" && head.method != "HEAD") {
             return SandboxResponse::text("Method Not Allowed\n", 405);
         }
         if (path.starts_with(filesFolder)) {
-            return desk.file(path.substr(filesFolder.size()));
+            return dispatcher.file(path.substr(filesFolder.size()));
         }
         return pageFile(path).value_or(SandboxResponse::text("There is nothing here.\n", 404));
     }
@@ -211,31 +212,31 @@ JSONValue SandboxServer::state() const {
 }
 
 void SandboxServer::addFault(SandboxFault fault) {
-    state_->desk.addFault(std::move(fault));
+    state_->dispatcher.addFault(std::move(fault));
 }
 
 std::size_t SandboxServer::faultCount() const {
-    return state_->desk.faultCount();
+    return state_->dispatcher.faultCount();
 }
 
 void SandboxServer::setConsent(SandboxConsent consent) {
-    state_->desk.changeSettings([&](SandboxSettings& settings) { settings.consent = consent; });
+    state_->dispatcher.changeSettings([&](SandboxSettings& settings) { settings.consent = consent; });
 }
 
 void SandboxServer::setAttachmentLimit(std::optional<std::uint64_t> bytes) {
-    state_->desk.changeSettings([&](SandboxSettings& settings) { settings.attachmentLimit = bytes; });
+    state_->dispatcher.changeSettings([&](SandboxSettings& settings) { settings.attachmentLimit = bytes; });
 }
 
 std::optional<SandboxTokens> SandboxServer::issueTokens(std::string_view service) {
-    return state_->desk.issueTokens(service);
+    return state_->dispatcher.issueTokens(service);
 }
 
 void SandboxServer::expireTokens(std::string_view service) {
-    state_->desk.expireTokens(service);
+    state_->dispatcher.expireTokens(service);
 }
 
 void SandboxServer::reset() {
-    state_->desk.reset();
+    state_->dispatcher.reset();
 }
 
 } // namespace zelto

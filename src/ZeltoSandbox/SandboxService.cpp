@@ -6,9 +6,9 @@
 
 namespace zelto::sandbox {
 
-std::optional<std::size_t> pageLimit(std::string_view text, std::size_t least, std::size_t most) {
+std::optional<std::size_t> pageLimit(std::string_view text, std::size_t minimum, std::size_t maximum) {
     const auto limit = numberIn<std::size_t>(text);
-    return limit && *limit >= least && *limit <= most ? limit : std::nullopt;
+    return limit && *limit >= minimum && *limit <= maximum ? limit : std::nullopt;
 }
 
 SandboxResponse SandboxService::failure(int status) const {

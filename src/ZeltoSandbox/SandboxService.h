@@ -21,34 +21,33 @@ namespace zelto::sandbox {
 // What can be changed while the sandbox runs.
 struct SandboxSettings {
     SandboxConsent consent = SandboxConsent::ask;
-    bool paidPlan = false;                        // of the accounts at services that tell plans apart
+    bool paidPlan = false;                        // of the accounts, where a service has plans
     std::optional<std::uint64_t> attachmentLimit; // bytes, instead of the plan's
 };
 
-// What the handlers of all services share; it outlives them.
+// What the services share; it outlives them.
 struct SandboxContext {
     TokenStore tokens;
     FileStore files;
     SandboxSettings settings;
 };
 
-// A number of records a page, where the service takes it from the query: nullopt for what is no number of
-// that range.
-std::optional<std::size_t> pageLimit(std::string_view text, std::size_t least, std::size_t most);
+// The number of records a page, as a query has it; nullopt if it is not a number from `minimum` to `maximum`.
+std::optional<std::size_t> pageLimit(std::string_view text, std::size_t minimum, std::size_t maximum);
 
-// Stands for one outside service. All calls come one at a time.
+// Stands in for one outside service. Calls come one at a time.
 class SandboxService {
   public:
     virtual ~SandboxService() = default;
 
-    // What the real service would answer. A refusal says why in `problem`.
-    virtual SandboxResponse answer(const SandboxRequest& request) = 0;
+    // The response that the real service would give. A refusal says why in `problem`.
+    virtual SandboxResponse respond(const SandboxRequest& request) = 0;
 
-    // The service's own answer of that status, for a fault.
+    // The service's own response with that status, for a fault.
     virtual SandboxResponse failure(int status) const;
 
-    // What the service holds, for the page and the control API: an object, which stands in the state under
-    // the service's name in lower case. Files are named by the paths of the shelf.
+    // What the service holds, for the page and the control API: the state's member with the service's name in
+    // lower case, which is left out while it is empty. Files are named by their paths in the file store.
     virtual JSONObject state() const = 0;
 
     virtual void reset() = 0;
@@ -63,18 +62,18 @@ struct SandboxServiceRow {
 
 std::span<const SandboxServiceRow> sandboxServices();
 
-// Which function answers a request: one row an endpoint. A "*" of the path stands for any one segment.
+// An endpoint and the function that handles it. A "*" in the path matches any one segment.
 template <class Service> struct SandboxEndpoint {
     std::string_view method;
     std::string_view path; // "1/cards/*/attachments"
-    SandboxResponse (Service::*answer)(const SandboxRequest& request);
-    std::string_view scope = {}; // that the token must have, where the service tells scopes apart
+    SandboxResponse (Service::*handler)(const SandboxRequest& request);
+    std::string_view scope = {}; // that the token needs, where the service has scopes
 };
 
-// Whether the decoded segments of a path fit a pattern.
+// Whether the decoded segments of a path match a pattern.
 bool pathFits(std::string_view pattern, const std::vector<std::string>& segments);
 
-// The row that fits; null if there is none.
+// The endpoint that matches; null if there is none.
 template <class Service>
 const SandboxEndpoint<Service>* endpointFor(const SandboxRequest& request,
                                             std::span<const SandboxEndpoint<Service>> endpoints) {

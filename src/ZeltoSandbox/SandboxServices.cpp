@@ -11,7 +11,7 @@ namespace zelto::sandbox {
 
 namespace {
 
-// A service without a class of its own stands here by its hosts, with PlainService.
+// A service without a class of its own has PlainService.
 const auto& rows = neverDestroyed(std::vector<SandboxServiceRow>{
     {"Trello", {"api.trello.com"}, TrelloSandbox::make},
     {"Asana", {"app.asana.com"}, AsanaSandbox::make},

@@ -40,7 +40,7 @@ ServiceDispatcher::Entry* ServiceDispatcher::apiAt(const SandboxRequest& request
     const auto hasHost = [&](const Entry& entry) {
         return std::ranges::find(entry.row->hosts, request.host) != entry.row->hosts.end();
     };
-    // A host of several services: the token tells which.
+    // Several services share a host: the token's service decides.
     if (const auto token = bearerToken(request)) {
         if (const auto* grant = context_.tokens.anyAccess(*token)) {
             const auto found = std::ranges::find_if(services_, [&](const Entry& entry) {
@@ -66,37 +66,37 @@ std::string_view ServiceDispatcher::nameOf(const SandboxRequest& request) {
     return entry ? entry->row->name : std::string_view();
 }
 
-SandboxResponse ServiceDispatcher::serviceAnswer(const SandboxRequest& request) {
+SandboxResponse ServiceDispatcher::serviceResponse(const SandboxRequest& request) {
     if (const auto* service = OAuth2Endpoints::serviceAt(request)) {
-        return oauth2_.answer(*service, request);
+        return oauth2_.respond(*service, request);
     }
     if (const auto* service = OAuth1Endpoints::serviceAt(request)) {
-        return oauth1_.answer(*service, request);
+        return oauth1_.respond(*service, request);
     }
     if (auto* entry = apiAt(request)) {
-        return entry->service->answer(request);
+        return entry->service->respond(request);
     }
     return SandboxResponse::text("Not Found\n", 404).because("the sandbox has nothing at this address");
 }
 
-SandboxResponse ServiceDispatcher::faultAnswer(const SandboxFault& fault, const SandboxRequest& request) {
+SandboxResponse ServiceDispatcher::faultResponse(const SandboxFault& fault, const SandboxRequest& request) {
     const auto* entry = apiAt(request);
-    auto answer = entry ? entry->service->failure(*fault.status)
-                        : SandboxResponse::text(std::string(reasonPhrase(*fault.status)), *fault.status);
+    auto response = entry ? entry->service->failure(*fault.status)
+                          : SandboxResponse::text(std::string(reasonPhrase(*fault.status)), *fault.status);
     if (fault.body) {
-        answer.body = *fault.body;
+        response.body = *fault.body;
     }
-    answer.status = *fault.status;
+    response.status = *fault.status;
     for (const auto& field : fault.fields) {
-        std::erase_if(answer.fields, [&](const HTTPHeaderField& each) {
+        std::erase_if(response.fields, [&](const HTTPHeaderField& each) {
             return equalIgnoringASCIICase(each.name, field.name);
         });
-        answer.fields.push_back(field);
+        response.fields.push_back(field);
     }
-    return answer;
+    return response;
 }
 
-PlannedResponse ServiceDispatcher::answer(const SandboxRequest& request) {
+PlannedResponse ServiceDispatcher::respond(const SandboxRequest& request) {
     SandboxRecord record{.date = Date::now(),
                          .connection = request.connection,
                          .service = {},
@@ -116,21 +116,22 @@ PlannedResponse ServiceDispatcher::answer(const SandboxRequest& request) {
     PlannedResponse planned;
     if (fault) {
         record.fault = describe(*fault);
-        planned = {.answer = {}, .delay = fault->delay, .resets = fault->reset, .slowBody = fault->slowBody};
+        planned = {
+            .response = {}, .delay = fault->delay, .resets = fault->reset, .slowBody = fault->slowBody};
         if (fault->expireTokens) {
             context_.tokens.expire(record.service);
         }
     }
-    planned.answer = fault && fault->status ? faultAnswer(*fault, request) : serviceAnswer(request);
-    record.status = planned.resets ? 0 : planned.answer.status;
-    record.problem = planned.answer.problem;
+    planned.response = fault && fault->status ? faultResponse(*fault, request) : serviceResponse(request);
+    record.status = planned.resets ? 0 : planned.response.status;
+    record.problem = planned.response.problem;
     log_.add(std::move(record));
     return planned;
 }
 
 SandboxResponse ServiceDispatcher::file(std::string_view path) const {
     const std::lock_guard guard(lock_);
-    return context_.files.answer(path);
+    return context_.files.response(path);
 }
 
 JSONObject ServiceDispatcher::state() const {

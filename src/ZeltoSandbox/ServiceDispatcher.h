@@ -17,13 +17,13 @@
 
 namespace zelto::sandbox {
 
-// All services with what they hold. Any thread; the services are called one at a time.
+// All services and their state. Any thread; the services are called one at a time.
 class ServiceDispatcher {
   public:
     ServiceDispatcher(const SandboxOptions& options, RequestLog& log);
 
-    // Answers a request to a service, and records it.
-    PlannedResponse answer(const SandboxRequest& request);
+    // Passes a request to its service and records it.
+    PlannedResponse respond(const SandboxRequest& request);
 
     SandboxResponse file(std::string_view path) const;
 
@@ -39,7 +39,7 @@ class ServiceDispatcher {
     void changeSettings(const std::function<void(SandboxSettings&)>& change);
 
     std::optional<SandboxTokens> issueTokens(std::string_view service);
-    // False for what is no service.
+    // False for an unknown service.
     bool expireTokens(std::string_view service);
     void reset();
 
@@ -51,8 +51,8 @@ class ServiceDispatcher {
 
     Entry* apiAt(const SandboxRequest& request);
     std::string_view nameOf(const SandboxRequest& request);
-    SandboxResponse serviceAnswer(const SandboxRequest& request);
-    SandboxResponse faultAnswer(const SandboxFault& fault, const SandboxRequest& request);
+    SandboxResponse serviceResponse(const SandboxRequest& request);
+    SandboxResponse faultResponse(const SandboxFault& fault, const SandboxRequest& request);
 
     mutable std::mutex lock_;
     RequestLog& log_;

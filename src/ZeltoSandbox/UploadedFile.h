@@ -25,8 +25,7 @@ enum class UploadProblem { missing, several, unnamed, tooLarge };
 Result<const FormPart*, UploadProblem> filePart(const SandboxRequest& request, std::string_view field,
                                                 std::uint64_t limit);
 
-// The media type that the part was sent with; where that says nothing, the one that the name's extension
-// stands for.
+// The media type that the part was sent with; where that is a general one, the type of the name's extension.
 std::string mediaTypeOfFile(const FormPart& part, std::string_view name);
 
 // As the page shows it: {"name", "mediaType", "size", "url"}.

@@ -28,15 +28,15 @@ class AsanaSandboxTest : public testing::Test {
   protected:
     std::string authorization() const { return "Authorization: Bearer " + token + "\r\n"; }
 
-    CallerAnswer get(const std::string& path) const {
+    CallerResponse get(const std::string& path) const {
         return caller.get(host, "/api/1.0/" + path, authorization());
     }
 
-    CallerAnswer post(const Items& items) const {
+    CallerResponse post(const Items& items) const {
         return caller.postForm(host, "/api/1.0/tasks", items, authorization());
     }
 
-    CallerAnswer attach(const std::string& task, const MultipartBody& body) const {
+    CallerResponse attach(const std::string& task, const MultipartBody& body) const {
         return caller.post(host, "/api/1.0/tasks/" + task + "/attachments", body.type(), body.text(),
                            authorization());
     }
@@ -51,13 +51,13 @@ class AsanaSandboxTest : public testing::Test {
 };
 
 // "404 task: Unknown object: 99"
-std::string refusal(const CallerAnswer& answer) {
-    const auto body = answer.json();
+std::string refusal(const CallerResponse& response) {
+    const auto body = response.json();
     const auto* errors = body.find("errors");
     if (!errors || !errors->asArray() || errors->asArray()->size() != 1) {
-        return "no refusal: " + answer.body;
+        return "no refusal: " + response.body;
     }
-    return std::to_string(answer.status) + " " + *errors->asArray()->front().find("message")->asString();
+    return std::to_string(response.status) + " " + *errors->asArray()->front().find("message")->asString();
 }
 
 Texts texts(const JSONValue& body, std::string_view key) {
@@ -259,16 +259,16 @@ TEST_F(AsanaSandboxTest, RefusesUnknownIdentifiersInAPath) {
 }
 
 TEST_F(AsanaSandboxTest, CreatesATask) {
-    const auto answer = post({{"assignee", olga},
-                              {"name", "Überprüfen & abheften"},
-                              {"notes", "Zeile 1\nhttps://example.com/?a=b+c"},
-                              {"projects", relaunch},
-                              {"workspace", lighthouse}});
-    ASSERT_EQ(answer.status, 201) << answer.body;
-    const auto whole = answer.json();
+    const auto response = post({{"assignee", olga},
+                                {"name", "Überprüfen & abheften"},
+                                {"notes", "Zeile 1\nhttps://example.com/?a=b+c"},
+                                {"projects", relaunch},
+                                {"workspace", lighthouse}});
+    ASSERT_EQ(response.status, 201) << response.body;
+    const auto whole = response.json();
     const auto& data = *whole.find("data");
     const auto gid = *data.find("gid")->asString();
-    EXPECT_EQ(answer.field("Location"), "https://app.asana.com/api/1.0/tasks/" + gid);
+    EXPECT_EQ(response.field("Location"), "https://app.asana.com/api/1.0/tasks/" + gid);
     EXPECT_EQ(*data.find("resource_type")->asString(), "task");
     EXPECT_EQ(*data.find("name")->asString(), "Überprüfen & abheften");
     EXPECT_EQ(*data.find("notes")->asString(), "Zeile 1\nhttps://example.com/?a=b+c");
@@ -334,10 +334,10 @@ TEST_F(AsanaSandboxTest, KeepsAnAttachedFileByteForByte) {
     for (int i = 0; i < 300'000; ++i) {
         content.push_back(static_cast<char>(i * 7));
     }
-    const auto answer =
+    const auto response =
         attach(task, MultipartBody().file("file", "Plan für 2027.pdf", "application/pdf", content));
-    ASSERT_EQ(answer.status, 200) << answer.body;
-    const auto body = answer.json();
+    ASSERT_EQ(response.status, 200) << response.body;
+    const auto body = response.json();
     const auto& data = *body.find("data");
     EXPECT_EQ(*data.find("name")->asString(), "Plan für 2027.pdf");
     EXPECT_EQ(*data.find("resource_type")->asString(), "attachment");
@@ -368,8 +368,8 @@ TEST_F(AsanaSandboxTest, TakesFilesOfUpToAHundredMebibytes) {
     const auto task = addedTask();
     std::string content((std::size_t{100} << 20) - 1, 'x');
     for (const int status : {200, 200, 413}) {
-        const auto answer = attach(task, MultipartBody().file("file", "a.bin", "application/zip", content));
-        EXPECT_EQ(answer.status, status) << content.size();
+        const auto response = attach(task, MultipartBody().file("file", "a.bin", "application/zip", content));
+        EXPECT_EQ(response.status, status) << content.size();
         content.push_back('x');
     }
     EXPECT_EQ(caller.server->requests().back().problem, "file: Larger than 100 MB");

@@ -14,7 +14,7 @@ class ControlAPITest : public testing::Test {
   protected:
     std::string target() const { return "/1/members/me?key=k&token=" + token; }
 
-    CallerAnswer member() const { return caller.get(host, target()); }
+    CallerResponse member() const { return caller.get(host, target()); }
 
     SandboxCaller caller;
     std::string token = caller.server->issueTokens("Trello")->accessToken;
@@ -22,7 +22,7 @@ class ControlAPITest : public testing::Test {
 
 } // namespace
 
-TEST_F(ControlAPITest, MakesFaultsThatHappenAsOftenAsTold) {
+TEST_F(ControlAPITest, MakesFaultsThatHappenAsOftenAsRequested) {
     EXPECT_EQ(
         caller.control("faults", R"({"host":"api.trello.com","path":"/1/members","status":503,"times":2})")
             .status,
@@ -34,11 +34,11 @@ TEST_F(ControlAPITest, MakesFaultsThatHappenAsOftenAsTold) {
     EXPECT_EQ(member().status, 200);
     EXPECT_EQ(caller.server->faultCount(), 0U);
     const auto requests = caller.server->requests();
-    EXPECT_EQ(requests[1].fault, "answered with 503");
+    EXPECT_EQ(requests[1].fault, "status 503");
     EXPECT_EQ(requests[3].fault, "");
 }
 
-TEST_F(ControlAPITest, MakesTheServicesOwnAnswersOfAStatus) {
+TEST_F(ControlAPITest, MakesTheServicesOwnResponseOfAStatus) {
     caller.control("faults", R"({"status":429,"headers":{"Retry-After":"7"}})");
     const auto limited = member();
     EXPECT_EQ(limited.body, R"({"error":"API_TOKEN_LIMIT_EXCEEDED","message":"Rate limit exceeded"})");
@@ -62,7 +62,7 @@ TEST_F(ControlAPITest, ResetsTheConnectionAfterTheServiceHasActed) {
     EXPECT_EQ(member().status, 200);
 }
 
-TEST_F(ControlAPITest, DelaysAnswersAndSlowsThemDown) {
+TEST_F(ControlAPITest, DelaysResponsesAndSlowsThemDown) {
     const auto start = std::chrono::steady_clock::now();
     caller.control("faults", R"({"delay":0.2})");
     EXPECT_EQ(member().status, 200);
@@ -71,7 +71,7 @@ TEST_F(ControlAPITest, DelaysAnswersAndSlowsThemDown) {
                    R"({"slowBody":200,"body":"1234567890123456789012345678901234567890","status":200})");
     EXPECT_EQ(member().body.size(), 40U);
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(300));
-    EXPECT_EQ(caller.server->requests().back().fault, "answered with 200, 200 bytes a second");
+    EXPECT_EQ(caller.server->requests().back().fault, "status 200, 200 bytes a second");
 }
 
 TEST_F(ControlAPITest, ExpiresTokens) {
@@ -86,9 +86,9 @@ TEST_F(ControlAPITest, ExpiresTokens) {
 
 TEST_F(ControlAPITest, SaysWhatIsWrongWithAFault) {
     const auto error = [&](const std::string& json) {
-        const auto answer = caller.control("faults", json);
-        EXPECT_EQ(answer.status, 400) << json;
-        return answer.text("error");
+        const auto response = caller.control("faults", json);
+        EXPECT_EQ(response.status, 400) << json;
+        return response.text("error");
     };
     EXPECT_EQ(error("{}"),
               "A fault needs one of \"status\", \"delay\", \"reset\", \"slowBody\" and \"expireTokens\".");
@@ -141,7 +141,7 @@ TEST_F(ControlAPITest, GivesTokensAndState) {
     EXPECT_EQ(caller.get(caller.ownHost(), "/control/nothing").status, 404);
 }
 
-TEST_F(ControlAPITest, TellsTheRequestsAfterANumber) {
+TEST_F(ControlAPITest, GivesTheRequestsAfterANumber) {
     member();
     member();
     const auto all = caller.get(caller.ownHost(), "/control/requests").json();
@@ -155,17 +155,17 @@ TEST_F(ControlAPITest, TellsTheRequestsAfterANumber) {
     EXPECT_EQ(caller.server->requests().front().number, 1U);
 }
 
-TEST_F(ControlAPITest, RefusesToTellTheRequestsAfterWhatIsNoNumber) {
+TEST_F(ControlAPITest, RefusesToGiveTheRequestsAfterWhatIsNoNumber) {
     member();
     for (const auto* after : {"12x", "x", "", "-1", "1%20", "%zz"}) {
-        const auto answer = caller.get(caller.ownHost(), std::string("/control/requests?after=") + after);
-        EXPECT_EQ(answer.status, 400) << after;
-        EXPECT_EQ(*answer.json().find("error")->asString(), "\"after\" has to be a number.") << after;
+        const auto response = caller.get(caller.ownHost(), std::string("/control/requests?after=") + after);
+        EXPECT_EQ(response.status, 400) << after;
+        EXPECT_EQ(*response.json().find("error")->asString(), "\"after\" has to be a number.") << after;
     }
     EXPECT_EQ(caller.get(caller.ownHost(), "/control/requests?after=0").status, 200);
 }
 
-TEST_F(ControlAPITest, TellsOfChangesAsTheyCome) {
+TEST_F(ControlAPITest, SendsChangesAsTheyCome) {
     CallerConnection events(caller.server->port());
     events.send("GET /control/events HTTP/1.1\r\nHost: " + caller.ownHost() + "\r\n\r\n");
     const auto head = events.read(false);

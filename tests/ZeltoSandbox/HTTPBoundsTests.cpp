@@ -14,13 +14,13 @@ namespace {
 
 const std::string simple = "GET /1/nothing HTTP/1.1\r\nHost: api.trello.com\r\n\r\n";
 
-CallerAnswer answered(const SandboxCaller& caller, const std::string& bytes) {
+CallerResponse responseTo(const SandboxCaller& caller, const std::string& bytes) {
     return caller.send(bytes);
 }
 
 } // namespace
 
-TEST(SandboxHTTP, ListensOnBothLoopbackAddressesAndTellsWhenAPortIsTaken) {
+TEST(SandboxHTTP, ListensOnBothLoopbackAddressesAndFailsWhenAPortIsTaken) {
     const SandboxCaller caller;
     EXPECT_EQ(caller.server->url().absoluteString(),
               "http://127.0.0.1:" + std::to_string(caller.server->port()));
@@ -39,7 +39,7 @@ bool takesAPortAgain() {
     {
         const SandboxCaller caller;
         options.port = caller.server->port();
-        EXPECT_EQ(answered(caller, simple).status, 404);
+        EXPECT_EQ(responseTo(caller, simple).status, 404);
     }
     return SandboxServer::start(options).has_value();
 }
@@ -49,7 +49,7 @@ TEST(SandboxHTTP, TakesAPortAgainAtOnce) {
     EXPECT_TRUE(takesAPortAgain() || takesAPortAgain() || takesAPortAgain());
 }
 
-TEST(SandboxHTTP, AnswersForTheServicesHostsAndItsOwnNamesAlone) {
+TEST(SandboxHTTP, RespondsForTheServicesHostsAndItsOwnNamesAlone) {
     const SandboxCaller caller;
     const auto port = std::to_string(caller.server->port());
 
@@ -74,17 +74,17 @@ TEST(SandboxHTTP, AnswersForTheServicesHostsAndItsOwnNamesAlone) {
     for (const auto& row : rows) {
         EXPECT_EQ(caller.get(row.host, "/").status, row.status) << row.host;
     }
-    EXPECT_EQ(answered(caller, "GET / HTTP/1.1\r\n\r\n").status, 400);
-    EXPECT_EQ(answered(caller, "GET / HTTP/1.1\r\nHost: api.zoom.us\r\nHost: api.zoom.us\r\n\r\n").status,
+    EXPECT_EQ(responseTo(caller, "GET / HTTP/1.1\r\n\r\n").status, 400);
+    EXPECT_EQ(responseTo(caller, "GET / HTTP/1.1\r\nHost: api.zoom.us\r\nHost: api.zoom.us\r\n\r\n").status,
               400);
-    EXPECT_EQ(answered(caller, "GET http://zoom.us/ HTTP/1.1\r\nHost: api.zoom.us\r\n\r\n").status, 400);
+    EXPECT_EQ(responseTo(caller, "GET http://zoom.us/ HTTP/1.1\r\nHost: api.zoom.us\r\n\r\n").status, 400);
 }
 
 TEST(SandboxHTTP, TakesABrowserToAServiceBelowHost) {
     const SandboxCaller caller;
-    const auto answer = caller.get(caller.ownHost(), "/host/api.trello.com/1/members/me?key=k");
-    EXPECT_EQ(answer.body, "invalid token");
-    EXPECT_EQ(answer.field("X-Content-Type-Options"), "nosniff");
+    const auto response = caller.get(caller.ownHost(), "/host/api.trello.com/1/members/me?key=k");
+    EXPECT_EQ(response.body, "invalid token");
+    EXPECT_EQ(response.field("X-Content-Type-Options"), "nosniff");
     const auto record = caller.server->requests().back();
     EXPECT_EQ(record.host, "api.trello.com");
     EXPECT_EQ(record.target, "/1/members/me?key=***");
@@ -143,11 +143,11 @@ TEST(SandboxHTTP, ReadsRequestsHoweverTheyAreCut) {
 
 TEST(SandboxHTTP, ReadsChunkedBodies) {
     const SandboxCaller caller;
-    const auto answer =
-        answered(caller, "POST /oauth/token HTTP/1.1\r\nHost: todoist.com\r\nTransfer-Encoding: "
-                         "chunked\r\nContent-Type: application/x-www-form-urlencoded\r\n\r\n"
-                         "4\r\na=b&\r\n3;x=y\r\nc=d\r\n0\r\n\r\n");
-    EXPECT_EQ(answer.status, 404);
+    const auto response =
+        responseTo(caller, "POST /oauth/token HTTP/1.1\r\nHost: todoist.com\r\nTransfer-Encoding: "
+                           "chunked\r\nContent-Type: application/x-www-form-urlencoded\r\n\r\n"
+                           "4\r\na=b&\r\n3;x=y\r\nc=d\r\n0\r\n\r\n");
+    EXPECT_EQ(response.status, 404);
     EXPECT_EQ(caller.server->requests().back().bodySize, 7U);
     EXPECT_EQ(caller.server->requests().back().body, "a=b&c=d");
 }
@@ -161,29 +161,29 @@ TEST(SandboxHTTP, RefusesWhatIsNoHTTP) {
           start + "Content-Length: 1\r\nTransfer-Encoding: chunked\r\n\r\n",
           start + "Content-Length: 1\r\nContent-Length: 2\r\n\r\n", start + "Content-Length: -1\r\n\r\n",
           start + "bad name: x\r\n\r\n", start + "Transfer-Encoding: chunked\r\n\r\nzz\r\n"}) {
-        EXPECT_EQ(answered(caller, bytes).status, 400) << bytes.substr(0, 80);
+        EXPECT_EQ(responseTo(caller, bytes).status, 400) << bytes.substr(0, 80);
     }
     EXPECT_TRUE(caller.server->requests().empty());
 }
 
 TEST(SandboxHTTP, RefusesALargeHeader) {
     SandboxOptions options;
-    options.largestHeader = 4096;
+    options.maximumHeader = 4096;
     const SandboxCaller caller(options);
     EXPECT_EQ(caller.get("api.zoom.us", "/", "X: " + std::string(3000, 'x') + "\r\n").status, 401);
     EXPECT_EQ(caller.get("api.zoom.us", "/", "X: " + std::string(5000, 'x') + "\r\n").status, 431);
-    EXPECT_EQ(answered(caller, "GET /" + std::string(70'000, 'x')).status, 431);
+    EXPECT_EQ(responseTo(caller, "GET /" + std::string(70'000, 'x')).status, 431);
     EXPECT_EQ(
-        answered(caller, "POST / HTTP/1.1\r\nHost: api.zoom.us\r\nTransfer-Encoding: chunked\r\n\r\n1;" +
-                             std::string(70'000, 'x'))
+        responseTo(caller, "POST / HTTP/1.1\r\nHost: api.zoom.us\r\nTransfer-Encoding: chunked\r\n\r\n1;" +
+                               std::string(70'000, 'x'))
             .status,
         431);
 }
 
 TEST(SandboxHTTP, RefusesALargeBodyAndAFullDisk) {
     SandboxOptions options;
-    options.largestBody = 2 << 20;
-    options.largestDiskUse = 1 << 20;
+    options.maximumBody = 2 << 20;
+    options.maximumDiskUse = 1 << 20;
     const SandboxCaller caller(options);
     const auto post = [&](std::size_t size) {
         return caller
@@ -192,12 +192,12 @@ TEST(SandboxHTTP, RefusesALargeBodyAndAFullDisk) {
     };
     EXPECT_EQ(post((2 << 20) + 1), 413);
     EXPECT_EQ(
-        answered(caller,
-                 "POST / HTTP/1.1\r\nHost: api.zoom.us\r\nTransfer-Encoding: chunked\r\n\r\nfffffff0\r\n")
+        responseTo(caller,
+                   "POST / HTTP/1.1\r\nHost: api.zoom.us\r\nTransfer-Encoding: chunked\r\n\r\nfffffff0\r\n")
             .status,
         413);
     EXPECT_EQ(caller.post("api.zoom.us", "/", "text/plain", std::string((1 << 20) + 1, 'x')).status, 507);
-    // What was refused takes no room.
+    // What was refused takes no space.
     EXPECT_EQ(caller.post("api.zoom.us", "/", "text/plain", std::string(1 << 20, 'x')).status, 401);
     EXPECT_EQ(caller.server->state().find("diskUse")->asInt64(), 0);
     EXPECT_EQ(
@@ -207,7 +207,7 @@ TEST(SandboxHTTP, RefusesALargeBodyAndAFullDisk) {
 }
 
 // Each with the one limit that it runs into: a client that is slow to begin must not meet another.
-TEST(SandboxHTTP, LetsGoOfConnectionsThatStandStill) {
+TEST(SandboxHTTP, ClosesConnectionsThatStandStill) {
     constexpr TimeInterval soon{0.2};
     SandboxOptions idle;
     idle.idleTimeout = soon;
@@ -249,7 +249,7 @@ TEST(SandboxHTTP, CountsTheHeadersTimeAsAWhole) {
 
 TEST(SandboxHTTP, RefusesConnectionsBeyondTheLimit) {
     SandboxOptions options;
-    options.largestConnectionCount = 3;
+    options.maximumConnectionCount = 3;
     const SandboxCaller caller(options);
     std::list<CallerConnection> connections;
     for (int i = 0; i < 3; ++i) {
@@ -265,7 +265,7 @@ TEST(SandboxHTTP, RefusesConnectionsBeyondTheLimit) {
     EXPECT_EQ(caller.send(simple).status, 404);
 }
 
-TEST(SandboxHTTP, KeepsAsManyRequestsAsTold) {
+TEST(SandboxHTTP, KeepsTheConfiguredNumberOfRequests) {
     SandboxOptions options;
     options.keptRequests = 5;
     const SandboxCaller caller(options);
@@ -298,7 +298,7 @@ TEST(SandboxHTTP, StopsWithinAnyExchange) {
     caller.server->stop();
 }
 
-TEST(SandboxHTTP, AnswersManyAtOnce) {
+TEST(SandboxHTTP, RespondsToManyAtOnce) {
     const SandboxCaller caller;
     std::vector<std::thread> threads;
     std::atomic<int> good = 0;

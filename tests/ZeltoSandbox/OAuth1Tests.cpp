@@ -49,31 +49,31 @@ std::string headerOf(const Call& call, const std::optional<std::string>& signatu
     return header + "\r\n";
 }
 
-CallerAnswer send(const SandboxCaller& caller, const Call& call) {
+CallerResponse send(const SandboxCaller& caller, const Call& call) {
     return caller.send(call.method + " " + call.path + " HTTP/1.1\r\nHost: " + call.host + "\r\n" +
                        headerOf(call) + "Content-Length: 0\r\n\r\n");
 }
 
-Items formOf(const CallerAnswer& answer) {
-    return parseFormItems(answer.body).value_or(Items());
+Items formOf(const CallerResponse& response) {
+    return parseFormItems(response.body).value_or(Items());
 }
 
-std::string valueIn(const CallerAnswer& answer, std::string_view name) {
-    return sandbox::valueOf(formOf(answer), name).value_or("");
+std::string valueIn(const CallerResponse& response, std::string_view name) {
+    return sandbox::valueOf(formOf(response), name).value_or("");
 }
 
 Call requestToken(const std::string& back = callback) {
     return {.items = parameters("Trello", {{"oauth_callback", back}})};
 }
 
-Call accessToken(const CallerAnswer& given, const std::string& verifier) {
+Call accessToken(const CallerResponse& given, const std::string& verifier) {
     return {.path = "/1/OAuthGetAccessToken",
             .tokenSecret = valueIn(given, "oauth_token_secret"),
             .items = parameters(
                 "Trello", {{"oauth_token", valueIn(given, "oauth_token")}, {"oauth_verifier", verifier}})};
 }
 
-CallerAnswer allow(const SandboxCaller& caller, const CallerAnswer& given, const std::string& more = {}) {
+CallerResponse allow(const SandboxCaller& caller, const CallerResponse& given, const std::string& more = {}) {
     return caller.get("trello.com",
                       "/1/OAuthAuthorizeToken?name=Zelto&expiration=never&scope=read,write,account"
                       "&sandbox_consent=allow&oauth_token=" +
@@ -116,7 +116,7 @@ TEST(OAuth1, GivesATokenThatTrelloTakes) {
         "invalid key");
 }
 
-TEST(OAuth1, ShowsAPageAndTellsOfADenialByLeavingOutTheVerifier) {
+TEST(OAuth1, ShowsAPageAndReturnsWithoutAVerifierAfterADenial) {
     const SandboxCaller caller;
     const auto given = send(caller, requestToken());
     const std::string page = "/host/trello.com/1/OAuthAuthorizeToken";
@@ -200,9 +200,9 @@ TEST(OAuth1, RefusesWhatIsMissingTwiceOrUnknown) {
         if (row.value) {
             call.items.push_back({row.name, row.value});
         }
-        const auto answer = send(caller, call);
-        EXPECT_EQ(answer.status, row.status) << row.name;
-        EXPECT_EQ(answer.body, row.text);
+        const auto response = send(caller, call);
+        EXPECT_EQ(response.status, row.status) << row.name;
+        EXPECT_EQ(response.body, row.text);
     }
     auto call = requestToken();
     call.items.push_back({"oauth_nonce", "again"});
@@ -221,7 +221,7 @@ TEST(OAuth1, TakesANonceOnce) {
     EXPECT_EQ(send(caller, call).body, "invalid timestamp or nonce");
 }
 
-TEST(OAuth1, TakesAClientsOwnSecretWhereItIsTold) {
+TEST(OAuth1, TakesAClientsOwnSecretFromTheOptions) {
     SandboxOptions options;
     options.clients = {{"Trello", "mine", "my secret&"}};
     const SandboxCaller caller(options);
@@ -231,7 +231,7 @@ TEST(OAuth1, TakesAClientsOwnSecretWhereItIsTold) {
     EXPECT_EQ(send(caller, call).status, 200);
 }
 
-TEST(OAuth1, LetsATokenLiveAsLongAsWasAskedFor) {
+TEST(OAuth1, GivesATokenTheLifetimeThatWasAskedFor) {
     ClockOverride clock(Date::fromUnixSeconds(1'800'000'000));
     const SandboxCaller caller;
     const auto given = send(caller, requestToken());
@@ -251,7 +251,7 @@ TEST(OAuth1, LetsATokenLiveAsLongAsWasAskedFor) {
     EXPECT_EQ(caller.get("api.trello.com", "/1/members/me" + target).body, "expired token");
 }
 
-TEST(OAuth1, OfEvernoteTellsRequestsFromAccessesAtOneAddress) {
+TEST(OAuth1, OfEvernoteHasOneAddressForRequestAndAccessTokens) {
     const SandboxCaller caller;
     Call call{.service = "Evernote",
               .host = "www.evernote.com",

@@ -13,7 +13,7 @@ namespace {
 
 using Items = SandboxCaller::Items;
 
-// What a client has to know of a service; written down anew, so that a slip in the sandbox's table is found.
+// What a client has to know of a service. Repeated here, so that a mistake in the sandbox's table is found.
 struct Facts {
     const char* service;
     const char* page;
@@ -24,7 +24,7 @@ struct Facts {
     Items extra; // of the page's query
     int lifetime;
     bool refreshes;
-    const char* next; // what a refresh tells of the refresh token: "none", "same", "new"
+    const char* next; // the refresh token of a refresh's response: "none", "same", "new"
 };
 
 const Facts services[] = {
@@ -176,7 +176,7 @@ Items pageItems(const Facts& service) {
     return items;
 }
 
-CallerAnswer page(const SandboxCaller& caller, const Facts& service, const Items& items) {
+CallerResponse page(const SandboxCaller& caller, const Facts& service, const Items& items) {
     return caller.get(service.page, service.pagePath + ("?" + formText(items)));
 }
 
@@ -196,7 +196,7 @@ Items withClient(const Facts& service, Items items) {
     return items;
 }
 
-CallerAnswer token(const SandboxCaller& caller, const Facts& service, const Items& items) {
+CallerResponse token(const SandboxCaller& caller, const Facts& service, const Items& items) {
     return caller.postForm(service.host, service.path, withClient(service, items),
                            service.basic ? basicHeader(clientID(service), clientSecret(service)) : "");
 }
@@ -208,12 +208,12 @@ Items codeItems(const std::string& code) {
             {"code_verifier", verifier}};
 }
 
-CallerAnswer refresh(const SandboxCaller& caller, const Facts& service, const std::string& refreshToken) {
+CallerResponse refresh(const SandboxCaller& caller, const Facts& service, const std::string& refreshToken) {
     return token(caller, service, {{"grant_type", "refresh_token"}, {"refresh_token", refreshToken}});
 }
 
-std::string errorOf(const CallerAnswer& answer) {
-    return std::to_string(answer.status) + " " + answer.text("error");
+std::string errorOf(const CallerResponse& response) {
+    return std::to_string(response.status) + " " + response.text("error");
 }
 
 } // namespace
@@ -223,10 +223,10 @@ class EachOAuth2Service : public testing::TestWithParam<Facts> {};
 TEST_P(EachOAuth2Service, GivesTokensForACodeByItsOwnRules) {
     const SandboxCaller caller;
     const auto& service = GetParam();
-    const auto answer = page(caller, service, pageItems(service));
-    ASSERT_EQ(answer.status, 303);
-    EXPECT_EQ(answer.redirectItem("state"), "the state & more");
-    const auto tokens = token(caller, service, codeItems(answer.redirectItem("code").value_or("")));
+    const auto response = page(caller, service, pageItems(service));
+    ASSERT_EQ(response.status, 303);
+    EXPECT_EQ(response.redirectItem("state"), "the state & more");
+    const auto tokens = token(caller, service, codeItems(response.redirectItem("code").value_or("")));
     ASSERT_EQ(tokens.status, 200) << tokens.body;
     EXPECT_EQ(tokens.field("Cache-Control"), "no-store");
     EXPECT_NE(tokens.text("access_token"), "(none)");
@@ -241,19 +241,19 @@ TEST_P(EachOAuth2Service, RefreshesByItsOwnRules) {
     const auto& service = GetParam();
     const auto tokens = token(caller, service, codeItems(codeFor(caller, service)));
     const auto first = tokens.text("refresh_token");
-    const auto answer = refresh(caller, service, first);
+    const auto response = refresh(caller, service, first);
     if (!service.refreshes) {
-        EXPECT_TRUE(answer.status == 400 || answer.text("ok") != "true");
-        EXPECT_NE(answer.body.find("unsupported_grant_type"), std::string::npos);
+        EXPECT_TRUE(response.status == 400 || response.text("ok") != "true");
+        EXPECT_NE(response.body.find("unsupported_grant_type"), std::string::npos);
         return;
     }
-    ASSERT_EQ(answer.status, 200) << answer.body;
-    EXPECT_NE(answer.text("access_token"), tokens.text("access_token"));
-    const auto next = answer.text("refresh_token");
-    const auto told = next == "(none)" ? "none" : next == first ? "same" : "new";
-    EXPECT_STREQ(told, service.next);
+    ASSERT_EQ(response.status, 200) << response.body;
+    EXPECT_NE(response.text("access_token"), tokens.text("access_token"));
+    const auto next = response.text("refresh_token");
+    const auto kind = next == "(none)" ? "none" : next == first ? "same" : "new";
+    EXPECT_STREQ(kind, service.next);
     EXPECT_EQ(errorOf(refresh(caller, service, first)),
-              told == std::string("new") ? "400 invalid_grant" : "200 (none)");
+              kind == std::string("new") ? "400 invalid_grant" : "200 (none)");
 }
 
 TEST_P(EachOAuth2Service, WantsTheClientToAuthenticateInItsOwnWay) {
@@ -281,7 +281,7 @@ TEST_P(EachOAuth2Service, WantsTheClientToAuthenticateInItsOwnWay) {
 INSTANTIATE_TEST_SUITE_P(OAuth2, EachOAuth2Service, testing::ValuesIn(services),
                          [](const auto& each) { return std::string(each.param.service); });
 
-TEST(OAuth2Page, AsksAndSendsBackWithTheAnswer) {
+TEST(OAuth2Page, AsksAndSendsBackWithTheDecision) {
     const SandboxCaller caller;
     const auto& asana = facts("Asana");
     auto items = pageItems(asana);
@@ -300,13 +300,13 @@ TEST(OAuth2Page, AsksAndSendsBackWithTheAnswer) {
                   "http://127.0.0.1:5555");
         EXPECT_EQ(question.field("X-Content-Type-Options"), "nosniff");
         const Items form{{"consent", hiddenField(question.body, "consent")}, {"decision", decision}};
-        const auto answer = caller.postForm(caller.ownHost(), target, form);
-        EXPECT_EQ(answer.status, 303);
-        EXPECT_EQ(answer.redirectItem("state"), "the state & more");
-        EXPECT_EQ(answer.redirectItem("code").has_value(), decision == std::string("allow"));
-        EXPECT_EQ(answer.redirectItem("error").value_or(""),
+        const auto response = caller.postForm(caller.ownHost(), target, form);
+        EXPECT_EQ(response.status, 303);
+        EXPECT_EQ(response.redirectItem("state"), "the state & more");
+        EXPECT_EQ(response.redirectItem("code").has_value(), decision == std::string("allow"));
+        EXPECT_EQ(response.redirectItem("error").value_or(""),
                   decision == std::string("allow") ? "" : "access_denied");
-        // A page is good for one answer.
+        // A page is valid for one decision.
         EXPECT_EQ(caller.postForm(caller.ownHost(), target, form).status, 400);
     }
 }
@@ -356,24 +356,24 @@ TEST(OAuth2Page, SendsNobodyToAnAddressThatIsNotTheClients) {
     for (const auto& row : rows) {
         auto items = pageItems(facts(row.service));
         set(items, "redirect_uri", row.address);
-        const auto answer = page(caller, facts(row.service), items);
-        EXPECT_EQ(answer.status, row.isGood ? 303 : 400) << row.service << " " << row.address;
-        EXPECT_EQ(answer.field("Location").empty(), !row.isGood);
+        const auto response = page(caller, facts(row.service), items);
+        EXPECT_EQ(response.status, row.isGood ? 303 : 400) << row.service << " " << row.address;
+        EXPECT_EQ(response.field("Location").empty(), !row.isGood);
     }
     auto items = pageItems(facts("Asana"));
     set(items, "client_id", std::nullopt);
     EXPECT_EQ(page(caller, facts("Asana"), items).status, 400);
 }
 
-TEST(OAuth2Page, TellsTheClientWhatIsWrong) {
+TEST(OAuth2Page, SendsTheClientWhatIsWrong) {
     const SandboxCaller caller;
     const auto errorWith = [&](const char* service, const std::string& name,
                                std::optional<std::string> value) {
         auto items = pageItems(facts(service));
         set(items, name, std::move(value));
-        const auto answer = page(caller, facts(service), items);
-        EXPECT_EQ(answer.redirectItem("state"), "the state & more");
-        return answer.redirectItem("error").value_or("");
+        const auto response = page(caller, facts(service), items);
+        EXPECT_EQ(response.redirectItem("state"), "the state & more");
+        return response.redirectItem("error").value_or("");
     };
     EXPECT_EQ(errorWith("Asana", "response_type", "token"), "unsupported_response_type");
     EXPECT_EQ(errorWith("Asana", "response_type", std::nullopt), "unsupported_response_type");
@@ -406,16 +406,17 @@ TEST(OAuth2Page, OfMeisterTaskGivesTheTokenInTheFragment) {
                                                          {"scope", "meistertask"},
                                                          {"state", "s"},
                                                          {"sandbox_consent", "allow"}});
-    const auto answer = caller.get("www.mindmeister.com", target);
-    ASSERT_EQ(answer.status, 303);
-    EXPECT_TRUE(answer.field("Location").starts_with(redirect + "#access_token="));
-    EXPECT_EQ(answer.redirectItem("state"), "s");
-    const auto bearer = "Authorization: Bearer " + answer.redirectItem("access_token").value_or("") + "\r\n";
+    const auto response = caller.get("www.mindmeister.com", target);
+    ASSERT_EQ(response.status, 303);
+    EXPECT_TRUE(response.field("Location").starts_with(redirect + "#access_token="));
+    EXPECT_EQ(response.redirectItem("state"), "s");
+    const auto bearer =
+        "Authorization: Bearer " + response.redirectItem("access_token").value_or("") + "\r\n";
     EXPECT_EQ(caller.get("www.meistertask.com", "/api/projects", bearer).status, 501);
     EXPECT_EQ(caller.get("www.meistertask.com", "/api/projects").status, 401);
 }
 
-TEST(OAuth2Token, OfSlackHoldsTheUsersTokenApart) {
+TEST(OAuth2Token, OfSlackHasTheUsersTokenInAnObjectOfItsOwn) {
     const SandboxCaller caller;
     const auto& slack = facts("Slack");
     auto items = pageItems(slack);
@@ -560,10 +561,10 @@ TEST(OAuth2Token, OfAnyClientIsRefreshedWhenTheSandboxIssuedIt) {
     const SandboxCaller caller;
     const auto tokens = caller.server->issueTokens("Zoom");
     const auto& zoom = facts("Zoom");
-    const auto answer = caller.postForm(
+    const auto response = caller.postForm(
         zoom.host, zoom.path, {{"grant_type", "refresh_token"}, {"refresh_token", tokens->refreshToken}},
         basicHeader("my-client", "my-secret"));
-    EXPECT_EQ(answer.status, 200) << answer.body;
+    EXPECT_EQ(response.status, 200) << response.body;
 }
 
 } // namespace zelto

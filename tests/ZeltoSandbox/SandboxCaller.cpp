@@ -15,25 +15,25 @@
 
 namespace zelto {
 
-std::string CallerAnswer::field(std::string_view name) const {
+std::string CallerResponse::field(std::string_view name) const {
     const auto found = std::ranges::find_if(
         fields, [&](const HTTPHeaderField& each) { return equalIgnoringASCIICase(each.name, name); });
     return found == fields.end() ? "" : found->value;
 }
 
-JSONValue CallerAnswer::json() const {
+JSONValue CallerResponse::json() const {
     const auto parsed = JSONValue::parse(body);
     EXPECT_TRUE(parsed) << "no JSON: " << body;
     return parsed.value_or(JSONValue());
 }
 
-std::string CallerAnswer::text(std::string_view key) const {
+std::string CallerResponse::text(std::string_view key) const {
     const auto document = json();
     const auto* member = document.find(key);
     return member && member->asString() ? *member->asString() : "(none)";
 }
 
-std::optional<std::string> CallerAnswer::redirectItem(std::string_view name) const {
+std::optional<std::string> CallerResponse::redirectItem(std::string_view name) const {
     const auto location = field("Location");
     const auto start = location.find_first_of("?#");
     const auto items = start == std::string::npos ? std::nullopt : parseFormItems(location.substr(start + 1));
@@ -49,10 +49,10 @@ void CallerConnection::send(std::string_view bytes) {
 }
 
 bool CallerConnection::fill() {
-    constexpr auto patience = std::chrono::milliseconds(maximumWait);
+    constexpr auto timeout = std::chrono::milliseconds(maximumWait);
     pollfd waiting{socket_.get(), POLLIN, 0};
-    if (::poll(&waiting, 1, static_cast<int>(patience.count())) <= 0) {
-        ADD_FAILURE() << "the sandbox neither answered nor ended the connection";
+    if (::poll(&waiting, 1, static_cast<int>(timeout.count())) <= 0) {
+        ADD_FAILURE() << "the sandbox neither responded nor closed the connection";
         return false;
     }
     std::array<char, 65536> piece;
@@ -64,34 +64,34 @@ bool CallerConnection::fill() {
     return true;
 }
 
-CallerAnswer CallerConnection::read(bool hasBody) {
-    CallerAnswer answer;
+CallerResponse CallerConnection::read(bool hasBody) {
+    CallerResponse response;
     std::size_t end = 0;
     while ((end = buffer_.find("\r\n\r\n")) == std::string::npos) {
         if (!fill()) {
-            return answer;
+            return response;
         }
     }
     const auto head = buffer_.substr(0, end + 2);
     buffer_.erase(0, end + 4);
-    std::from_chars(head.data() + 9, head.data() + 12, answer.status);
+    std::from_chars(head.data() + 9, head.data() + 12, response.status);
     for (auto line = head.find("\r\n") + 2; line < head.size();) {
         const auto lineEnd = head.find("\r\n", line);
         const auto colon = head.find(": ", line);
-        answer.fields.push_back(
+        response.fields.push_back(
             {head.substr(line, colon - line), head.substr(colon + 2, lineEnd - colon - 2)});
         line = lineEnd + 2;
     }
     std::size_t length = 0;
-    const auto told = answer.field("Content-Length");
-    std::from_chars(told.data(), told.data() + told.size(), length);
+    const auto lengthText = response.field("Content-Length");
+    std::from_chars(lengthText.data(), lengthText.data() + lengthText.size(), length);
     while (hasBody && buffer_.size() < length && fill()) {
     }
     if (hasBody) {
-        answer.body = buffer_.substr(0, length);
+        response.body = buffer_.substr(0, length);
         buffer_.erase(0, length);
     }
-    return answer;
+    return response;
 }
 
 std::string CallerConnection::readEvent() {
@@ -119,29 +119,30 @@ bool CallerConnection::isEnded() {
 SandboxCaller::SandboxCaller(SandboxOptions options)
     : server(std::move(*SandboxServer::start(std::move(options)))) {}
 
-CallerAnswer SandboxCaller::send(const std::string& bytes) const {
+CallerResponse SandboxCaller::send(const std::string& bytes) const {
     CallerConnection connection(server->port());
     connection.send(bytes);
     return connection.read(!bytes.starts_with("HEAD "));
 }
 
-CallerAnswer SandboxCaller::get(const std::string& host, const std::string& target,
-                                const std::string& header) const {
+CallerResponse SandboxCaller::get(const std::string& host, const std::string& target,
+                                  const std::string& header) const {
     return send("GET " + target + " HTTP/1.1\r\nHost: " + host + "\r\n" + header + "\r\n");
 }
 
-CallerAnswer SandboxCaller::post(const std::string& host, const std::string& target, const std::string& type,
-                                 const std::string& body, const std::string& header) const {
+CallerResponse SandboxCaller::post(const std::string& host, const std::string& target,
+                                   const std::string& type, const std::string& body,
+                                   const std::string& header) const {
     return send("POST " + target + " HTTP/1.1\r\nHost: " + host + "\r\nContent-Type: " + type +
                 "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n" + header + "\r\n" + body);
 }
 
-CallerAnswer SandboxCaller::postForm(const std::string& host, const std::string& target, const Items& items,
-                                     const std::string& header) const {
+CallerResponse SandboxCaller::postForm(const std::string& host, const std::string& target, const Items& items,
+                                       const std::string& header) const {
     return post(host, target, "application/x-www-form-urlencoded", formText(items), header);
 }
 
-CallerAnswer SandboxCaller::control(const std::string& path, const std::string& json) const {
+CallerResponse SandboxCaller::control(const std::string& path, const std::string& json) const {
     return post(ownHost(), "/control/" + path, "application/json", json, "X-Zelto-Sandbox: 1\r\n");
 }
 

@@ -14,8 +14,8 @@
 
 namespace zelto {
 
-// An answer as it came over the wire.
-struct CallerAnswer {
+// A response as it was received.
+struct CallerResponse {
     int status = 0; // 0: the connection ended without one
     std::vector<HTTPHeaderField> fields;
     std::string body;
@@ -24,21 +24,21 @@ struct CallerAnswer {
     JSONValue json() const;
     // A text member of the JSON object; "(none)" if there is none.
     std::string text(std::string_view key) const;
-    // Of the redirect: a query or fragment item; nothing if there is none.
+    // Of the redirect: a query or fragment item; nullopt if there is none.
     std::optional<std::string> redirectItem(std::string_view name) const;
 };
 
-// One connection to a sandbox, on which whatever bytes are sent.
+// One connection to a sandbox, for any bytes.
 class CallerConnection {
   public:
     explicit CallerConnection(std::uint16_t port);
 
     void send(std::string_view bytes);
-    // The next answer; a test fails when none comes within ten seconds and the connection stays.
-    CallerAnswer read(bool hasBody = true);
-    // The next event of an event stream, without its end; comments are passed over.
+    // The next response; a test fails when none comes within ten seconds and the connection stays.
+    CallerResponse read(bool hasBody = true);
+    // The next event of an event stream, without its end; comments are skipped.
     std::string readEvent();
-    // Whether the sandbox has ended the connection, for which it is waited.
+    // Waits until the sandbox has closed the connection; false if it does not.
     bool isEnded();
 
   private:
@@ -48,22 +48,22 @@ class CallerConnection {
     std::string buffer_;
 };
 
-// Sends requests to a sandbox, each with the Host that it is told.
+// Sends requests to a sandbox, each with its own Host.
 class SandboxCaller {
   public:
     explicit SandboxCaller(SandboxOptions options = {});
 
     using Items = std::vector<URLQueryItem>;
 
-    CallerAnswer get(const std::string& host, const std::string& target,
-                     const std::string& header = {}) const;
-    CallerAnswer post(const std::string& host, const std::string& target, const std::string& type,
-                      const std::string& body, const std::string& header = {}) const;
-    CallerAnswer postForm(const std::string& host, const std::string& target, const Items& items,
-                          const std::string& header = {}) const;
+    CallerResponse get(const std::string& host, const std::string& target,
+                       const std::string& header = {}) const;
+    CallerResponse post(const std::string& host, const std::string& target, const std::string& type,
+                        const std::string& body, const std::string& header = {}) const;
+    CallerResponse postForm(const std::string& host, const std::string& target, const Items& items,
+                            const std::string& header = {}) const;
     // A request of the control API with what it needs.
-    CallerAnswer control(const std::string& path, const std::string& json) const;
-    CallerAnswer send(const std::string& bytes) const;
+    CallerResponse control(const std::string& path, const std::string& json) const;
+    CallerResponse send(const std::string& bytes) const;
 
     std::string ownHost() const { return "127.0.0.1:" + std::to_string(server->port()); }
 

@@ -46,16 +46,16 @@ class TodoistSandboxTest : public testing::Test {
   protected:
     std::string authorization() const { return "Authorization: Bearer " + token + "\r\n"; }
 
-    CallerAnswer sync(const std::string& body, const std::string& type = "application/json") const {
+    CallerResponse sync(const std::string& body, const std::string& type = "application/json") const {
         return caller.post(host, "/api/v1/sync", type, body, authorization());
     }
 
-    CallerAnswer sync(JSONObject body) const { return sync(*JSONValue(std::move(body)).text()); }
+    CallerResponse sync(JSONObject body) const { return sync(*JSONValue(std::move(body)).text()); }
 
     // A refusal of the whole request, which agrees with its status.
-    std::string refusal(const CallerAnswer& answer) const {
-        const auto body = answer.json();
-        EXPECT_EQ(body.find("http_code") ? body.find("http_code")->asInt64() : 0, answer.status);
+    std::string refusal(const CallerResponse& response) const {
+        const auto body = response.json();
+        EXPECT_EQ(body.find("http_code") ? body.find("http_code")->asInt64() : 0, response.status);
         EXPECT_FALSE(caller.server->requests().back().problem.empty());
         return summary(body);
     }
@@ -63,9 +63,9 @@ class TodoistSandboxTest : public testing::Test {
     // What a single command came to.
     std::string status(JSONObject command) const {
         const auto uuid = *command.find("uuid")->asString();
-        const auto answer = sync(write({std::move(command)}));
-        EXPECT_EQ(answer.status, 200) << answer.body;
-        return summary(*answer.json().find("sync_status")->find(uuid));
+        const auto response = sync(write({std::move(command)}));
+        EXPECT_EQ(response.status, 200) << response.body;
+        return summary(*response.json().find("sync_status")->find(uuid));
     }
 
     std::string itemStatus(JSONObject arguments) {
@@ -78,15 +78,16 @@ class TodoistSandboxTest : public testing::Test {
 
     std::string addedItem() {
         const auto uuid = "added" + std::to_string(++lastUUID);
-        const auto answer = sync(write({itemAdd(uuid, {{"content", "A task"}})})).json();
-        return *answer.find("temp_id_mapping")->find("t" + uuid)->asString();
+        const auto response = sync(write({itemAdd(uuid, {{"content", "A task"}})})).json();
+        return *response.find("temp_id_mapping")->find("t" + uuid)->asString();
     }
 
-    CallerAnswer upload(const MultipartBody& body) const {
+    CallerResponse upload(const MultipartBody& body) const {
         return caller.post(host, "/api/v1/uploads", body.type(), body.text(), authorization());
     }
 
-    CallerAnswer upload(const std::string& name, const std::string& type, const std::string& content) const {
+    CallerResponse upload(const std::string& name, const std::string& type,
+                          const std::string& content) const {
         return upload(MultipartBody().field("file_name", name).file("file", name, type, content));
     }
 
@@ -143,9 +144,9 @@ TEST_F(TodoistSandboxTest, ChecksScopes) {
 }
 
 TEST_F(TodoistSandboxTest, GivesProjectsAndUserByAFullSynchronisation) {
-    const auto answer = sync(R"({"sync_token":"*","resource_types":["projects","user"]})");
-    ASSERT_EQ(answer.status, 200) << answer.body;
-    const auto body = answer.json();
+    const auto response = sync(R"({"sync_token":"*","resource_types":["projects","user"]})");
+    ASSERT_EQ(response.status, 200) << response.body;
+    const auto body = response.json();
     EXPECT_EQ(body.find("full_sync")->asBool(), true);
     EXPECT_EQ(*body.find("temp_id_mapping"), json("{}"));
     EXPECT_EQ(body.find("sync_status"), nullptr);
@@ -189,10 +190,10 @@ TEST_F(TodoistSandboxTest, GivesWhatIsNewSinceASyncToken) {
 }
 
 TEST_F(TodoistSandboxTest, TakesAFormWithJSONValuesToo) {
-    const auto answer = caller.postForm(
+    const auto response = caller.postForm(
         host, "/api/v1/sync", {{"sync_token", "*"}, {"resource_types", R"(["projects"])"}}, authorization());
-    ASSERT_EQ(answer.status, 200) << answer.body;
-    EXPECT_EQ(answer.json().find("projects")->asArray()->size(), 4U);
+    ASSERT_EQ(response.status, 200) << response.body;
+    EXPECT_EQ(response.json().find("projects")->asArray()->size(), 4U);
     const auto broken =
         caller.postForm(host, "/api/v1/sync", {{"resource_types", "projects"}}, authorization());
     EXPECT_EQ(refusal(broken), "400 INVALID_ARGUMENT_VALUE 20 resource_types is not JSON");
@@ -231,16 +232,16 @@ TEST_F(TodoistSandboxTest, TakesABodyOfOneMebibyte) {
 
 TEST_F(TodoistSandboxTest, CreatesATaskWithCommentsAndFiles) {
     const auto file = upload("Plan für 2027.pdf", "application/pdf", "%PDF-1.7").json();
-    const auto answer = sync(write({
+    const auto response = sync(write({
         itemAdd("1", {{"content", "Überprüfen & abheften"},
                       {"project_id", "6Xpr000000000001"},
                       {"due", JSONObject{{"date", "2026-12-24T09:00:00"}}}}),
         noteAdd("2", {{"temp_id", "t1"}, {"content", "[Mail](https://example.com/)"}}),
         noteAdd("3", {{"temp_id", "t1"}, {"content", ""}, {"file_attachment", file}}),
     }));
-    ASSERT_EQ(answer.status, 200) << answer.body;
+    ASSERT_EQ(response.status, 200) << response.body;
     EXPECT_EQ(caller.server->requests().back().problem, "");
-    const auto body = answer.json();
+    const auto body = response.json();
     EXPECT_EQ(*body.find("sync_status"), json(R"({"1":"ok","2":"ok","3":"ok"})"));
     EXPECT_EQ(*body.find("temp_id_mapping"),
               json(R"({"t1":"6Xsb000000000001","t2":"6Xsb000000000002","t3":"6Xsb000000000003"})"));
@@ -274,13 +275,13 @@ TEST_F(TodoistSandboxTest, ANoteNamesItsTaskByItemIDOrByATemporaryIdentifier) {
 }
 
 TEST_F(TodoistSandboxTest, WhatRefersToAFailedCommandFailsTooAndTheOthersAreCarriedOut) {
-    const auto answer = sync(write({
+    const auto response = sync(write({
         itemAdd("1", {{"content", "c"}, {"project_id", "unknown"}}),
         noteAdd("2", {{"temp_id", "t1"}, {"content", "n"}}),
         itemAdd("3", {{"content", "another"}}),
     }));
-    ASSERT_EQ(answer.status, 200);
-    const auto body = answer.json();
+    ASSERT_EQ(response.status, 200);
+    const auto body = response.json();
     const auto& statuses = *body.find("sync_status");
     EXPECT_EQ(*statuses.find("1"), json(R"({"error":"Project not found","error_code":21,"error_extra":{},
                                             "error_tag":"PROJECT_NOT_FOUND","http_code":404})"));
@@ -385,8 +386,8 @@ TEST_F(TodoistSandboxTest, ChecksTheFormOfCommands) {
     EXPECT_EQ(refusal(sync(twice)), invalid + "uuid stands in two commands");
     auto sameTemporary = itemAdd("6", {{"content", "c"}});
     sameTemporary.set("temp_id", "t5");
-    const auto answer = sync(write({itemAdd("5", {{"content", "c"}}), sameTemporary})).json();
-    EXPECT_EQ(summary(*answer.find("sync_status")->find("6")), "400 INVALID_TEMPID 16");
+    const auto response = sync(write({itemAdd("5", {{"content", "c"}}), sameTemporary})).json();
+    EXPECT_EQ(summary(*response.find("sync_status")->find("6")), "400 INVALID_TEMPID 16");
 }
 
 TEST_F(TodoistSandboxTest, TakesAHundredCommandsARequest) {
@@ -418,9 +419,9 @@ TEST_F(TodoistSandboxTest, KeepsAnUploadedFileByteForByte) {
     for (int i = 0; i < 300'000; ++i) {
         content.push_back(static_cast<char>(i * 7));
     }
-    const auto answer = upload("Plan für 2027.pdf", "application/pdf", content);
-    ASSERT_EQ(answer.status, 200) << answer.body;
-    auto body = answer.json();
+    const auto response = upload("Plan für 2027.pdf", "application/pdf", content);
+    ASSERT_EQ(response.status, 200) << response.body;
+    auto body = response.json();
     const auto url = *body.find("file_url")->asString();
     EXPECT_TRUE(url.starts_with("https://files.todoist.com/")) << url;
     EXPECT_TRUE(url.ends_with("/Plan%20f%C3%BCr%202027.pdf")) << url;

@@ -15,12 +15,12 @@ class TrelloSandboxTest : public testing::Test {
   protected:
     std::string credentials() const { return "key=k&token=" + token; }
 
-    CallerAnswer get(const std::string& target) const {
+    CallerResponse get(const std::string& target) const {
         const auto separator = target.find('?') == std::string::npos ? "?" : "&";
         return caller.get(host, target + separator + credentials());
     }
 
-    CallerAnswer post(const std::string& target, const std::string& header = {}) const {
+    CallerResponse post(const std::string& target, const std::string& header = {}) const {
         const auto separator = target.find('?') == std::string::npos ? "?" : "&";
         return caller.send("POST " + target + separator + credentials() + " HTTP/1.1\r\nHost: " + host +
                            "\r\n" + header + "Content-Length: 0\r\n\r\n");
@@ -33,8 +33,8 @@ class TrelloSandboxTest : public testing::Test {
 
     std::string addedCard() const { return post("/1/cards?name=n&idList=" + firstList()).text("id"); }
 
-    CallerAnswer attach(const std::string& card, const std::string& body,
-                        const std::string& type = "multipart/form-data; boundary=XX") const {
+    CallerResponse attach(const std::string& card, const std::string& body,
+                          const std::string& type = "multipart/form-data; boundary=XX") const {
         return caller.post(host, "/1/cards/" + card + "/attachments?" + credentials(), type, body);
     }
 
@@ -63,10 +63,10 @@ TEST_F(TrelloSandboxTest, ChecksKeyAndToken) {
     EXPECT_EQ(caller.get(host, "/1/members/me?key=k&token=" + other).body, "invalid token");
 }
 
-TEST_F(TrelloSandboxTest, TellsOfTheMemberWhatIsAskedFor) {
-    const auto answer =
+TEST_F(TrelloSandboxTest, GivesTheFieldsOfTheMemberThatAreAskedFor) {
+    const auto response =
         get("/1/members/me?fields=idEnterprise,idPremOrgsAdmin,products,email,fullName,avatarUrl");
-    const auto document = answer.json();
+    const auto document = response.json();
     const std::vector<std::string> expected = {"id",    "idEnterprise", "idPremOrgsAdmin", "products",
                                                "email", "fullName",     "avatarUrl"};
     std::vector<std::string> keys;
@@ -114,13 +114,13 @@ TEST_F(TrelloSandboxTest, ListsBoardsByFilterAndFields) {
 
 TEST_F(TrelloSandboxTest, MakesACard) {
     const auto list = firstList();
-    const auto answer = post("/1/cards?name=A%20%26%20B+C&desc=%5Bx%5D%28y%29&idList=" + list);
-    ASSERT_EQ(answer.status, 200);
-    EXPECT_EQ(answer.text("name"), "A & B C");
-    EXPECT_EQ(answer.text("desc"), "[x](y)");
-    EXPECT_EQ(answer.text("idList"), list);
-    EXPECT_EQ(answer.text("id").size(), 24U);
-    EXPECT_EQ(get("/1/cards/" + answer.text("id")).text("name"), "A & B C");
+    const auto response = post("/1/cards?name=A%20%26%20B+C&desc=%5Bx%5D%28y%29&idList=" + list);
+    ASSERT_EQ(response.status, 200);
+    EXPECT_EQ(response.text("name"), "A & B C");
+    EXPECT_EQ(response.text("desc"), "[x](y)");
+    EXPECT_EQ(response.text("idList"), list);
+    EXPECT_EQ(response.text("id").size(), 24U);
+    EXPECT_EQ(get("/1/cards/" + response.text("id")).text("name"), "A & B C");
     EXPECT_EQ(get("/1/lists/" + list + "/cards").json().asArray()->size(), 1U);
     const auto byForm =
         caller.postForm(host, "/1/cards?" + credentials(), {{"idList", list}, {"name", "form"}});
@@ -135,8 +135,8 @@ TEST_F(TrelloSandboxTest, GivesTheCardsOfAListInPages) {
     }
     const auto given = [&](const std::string& query) {
         std::vector<std::string> ids;
-        const auto answer = get(path + query).json();
-        for (const auto& card : *answer.asArray()) {
+        const auto response = get(path + query).json();
+        for (const auto& card : *response.asArray()) {
             ids.push_back(*card.find("id")->asString());
         }
         return ids;
@@ -157,8 +157,8 @@ TEST_F(TrelloSandboxTest, GivesTheCardsOfAListInPages) {
 TEST_F(TrelloSandboxTest, RefusesACardAsTrelloDoes) {
     const auto list = firstList();
     const auto refusal = [&](const std::string& query) {
-        const auto answer = post("/1/cards?" + query);
-        return std::to_string(answer.status) + " " + answer.body;
+        const auto response = post("/1/cards?" + query);
+        return std::to_string(response.status) + " " + response.body;
     };
     EXPECT_EQ(refusal("name=n"), "400 invalid value for idList");
     EXPECT_EQ(refusal("idList=short"), "400 invalid value for idList");
@@ -179,10 +179,10 @@ TEST_F(TrelloSandboxTest, KeepsAnAttachedFileByteForByte) {
         content.push_back(static_cast<char>(i * 7));
     }
     content += "\r\n--XY\r\n--X";
-    const auto answer = attach(card, filePart(content) + "--XX--\r\n");
-    ASSERT_EQ(answer.status, 200) << answer.body;
-    EXPECT_EQ(answer.text("name"), "a.pdf");
-    EXPECT_EQ(answer.json().find("bytes")->asUInt64(), content.size());
+    const auto response = attach(card, filePart(content) + "--XX--\r\n");
+    ASSERT_EQ(response.status, 200) << response.body;
+    EXPECT_EQ(response.text("name"), "a.pdf");
+    EXPECT_EQ(response.json().find("bytes")->asUInt64(), content.size());
     const auto file = caller.get(caller.ownHost(), "/files/1");
     EXPECT_EQ(file.body, content);
     EXPECT_EQ(file.field("Content-Type"), "application/pdf");
@@ -195,10 +195,10 @@ TEST_F(TrelloSandboxTest, KeepsAnAttachedFileByteForByte) {
 }
 
 TEST_F(TrelloSandboxTest, AttachesALinkToo) {
-    const auto answer =
+    const auto response =
         post("/1/cards/" + addedCard() + "/attachments?url=https%3A%2F%2Fexample.com%2F&name=site");
-    EXPECT_EQ(answer.text("url"), "https://example.com/");
-    EXPECT_EQ(answer.json().find("isUpload")->asBool(), false);
+    EXPECT_EQ(response.text("url"), "https://example.com/");
+    EXPECT_EQ(response.json().find("isUpload")->asBool(), false);
     EXPECT_EQ(post("/1/cards/" + addedCard() + "/attachments?url=javascript%3Ax").status, 400);
 }
 

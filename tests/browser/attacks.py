@@ -1,10 +1,10 @@
-"""What a mail that means harm brings along."""
+"""The content of hostile mails."""
 
 OUTSIDE = "canary.example"
 
 
 def attack(trap):
-    """A script that every way of noticing it would notice."""
+    """A script that each way of detection notices."""
     return (f"window.zeltoCanary=1;console.log('canary');fetch('http://{OUTSIDE}/');"
             f"new Image().src='http://127.0.0.1:{trap}/';alert('canary')")
 
@@ -31,6 +31,6 @@ def hostile_texts(trap):
 
 
 def hostile_parameters(trap):
-    """For addresses, each of which costs a page: what breaks out of every place, and the rest at once."""
+    """For addresses, each of which costs a page: the texts that break out of markup, and the others in one."""
     texts = hostile_texts(trap)
     return [*texts[:4], " ".join(texts[4:10])[:3000]]

@@ -12,7 +12,7 @@ from attacks import OUTSIDE
 from chromium import Chromium, Failed
 from sandbox import Sandbox
 
-# Chromium calls its maker now and then, whatever page it shows.
+# Chromium calls its maker's servers now and then, whatever page it shows.
 OWN_CALLS = re.compile(r"^\w+ (https?://)?[\w.-]+\.(google|googleapis|gstatic)\.com[:/]")
 
 
@@ -38,7 +38,7 @@ class Case(unittest.TestCase):
         folder = tempfile.mkdtemp(dir=self.scratch.name)
         return Sandbox(os.environ["ZELTO"], folder, port)
 
-    def start_on_lasting_port(self):
+    def start_on_reserved_port(self):
         """On a port that the system gives to no connection while the sandbox is away."""
         first = 20_000 + os.getpid() % 10_000
         for port in range(first, first + 100):

@@ -1,4 +1,4 @@
-"""Drives Debian's headless Chromium over its debugging pipe, and records all that its tabs ask for and say."""
+"""Drives Debian's headless Chromium over its debugging pipe, and records what its tabs request and log."""
 
 import base64
 import json
@@ -32,7 +32,7 @@ def wait_for(what, condition):
 
 
 class Trap(socketserver.ThreadingTCPServer):
-    """The browser's proxy for all addresses but 127.0.0.1. It answers nothing and remembers who was called."""
+    """The browser's proxy for all addresses but 127.0.0.1. It never responds, and records the calls."""
 
     daemon_threads = True
 
@@ -55,7 +55,7 @@ class Tab:
         self.session = session
         self.target = target
         self.requests = {}  # by the browser's identifier
-        self.answers = {}
+        self.responses = {}
         self.finished = set()
         self.stream = []  # data of event streams
         self.said = []  # to the console, exceptions, dialogs, violations of a policy
@@ -67,7 +67,7 @@ class Tab:
         if method == "Network.requestWillBeSent":
             self.requests[parameters["requestId"]] = parameters["request"]["url"]
         elif method == "Network.responseReceived":
-            self.answers[parameters["requestId"]] = parameters["response"]
+            self.responses[parameters["requestId"]] = parameters["response"]
         elif method == "Network.loadingFinished":
             self.finished.add(parameters["requestId"])
         elif method == "Network.eventSourceMessageReceived":
@@ -112,7 +112,7 @@ class Tab:
             self.send("Input.dispatchMouseEvent", type=kind, x=x, y=y, button="left", clickCount=1)
 
     def bodies(self):
-        """The body of every answer that was read to its end."""
+        """The body of every response that was read to its end."""
         bodies = {}
         for request in list(self.finished):
             try:
@@ -136,13 +136,13 @@ class Tab:
 
 class Chromium:
     def __init__(self, folder):
-        """It reaches 127.0.0.1 alone; all other addresses fall into the trap."""
+        """It reaches 127.0.0.1 alone; all other addresses lead to the trap."""
         program = shutil.which("chromium")
         if not program:
             raise Failed("chromium is missing; scripts/setup test installs it")
         self.trap = Trap()
         self.tabs = []
-        self.answers = {}
+        self.responses = {}
         self.arrived = threading.Condition()
         self.last = 0
         commands, self.write_end = os.pipe()
@@ -178,14 +178,14 @@ class Chromium:
     def send(self, method, parameters, session=None):
         number = self.post(method, parameters, session)
         with self.arrived:
-            if not self.arrived.wait_for(lambda: number in self.answers, DEADLINE):
-                raise Failed(f"Chromium does not answer {method}")
-            answer = self.answers.pop(number)
-        if "error" in answer:
-            text = answer["error"]["message"]
+            if not self.arrived.wait_for(lambda: number in self.responses, DEADLINE):
+                raise Failed(f"Chromium does not respond to {method}")
+            response = self.responses.pop(number)
+        if "error" in response:
+            text = response["error"]["message"]
             kind = NoDocument if "execution context" in text.lower() or "target navigated" in text else Failed
             raise kind(f"{method}: {text}")
-        return answer["result"]
+        return response["result"]
 
     def _read(self):
         with os.fdopen(self.read_end, "rb") as pipe:
@@ -198,7 +198,7 @@ class Chromium:
     def _take(self, message):
         if "id" in message:
             with self.arrived:
-                self.answers[message["id"]] = message
+                self.responses[message["id"]] = message
                 self.arrived.notify_all()
             return
         parameters = message["params"]

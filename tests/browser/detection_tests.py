@@ -1,4 +1,4 @@
-"""What the other tests trust in: an attack that does run is noticed by each of the ways."""
+"""What the other tests rely on: each way of detection notices an attack that does run."""
 
 import http.server
 import threading

@@ -8,13 +8,13 @@ from attacks import OUTSIDE, attack, hostile_texts
 from browser_case import Case
 from chromium import wait_for
 
-# Opens all that can be opened, and gives the document then.
+# Opens all that can be opened, and returns the document's HTML.
 OPENED = """
     document.querySelectorAll("details").forEach((each) => each.open = true);
     document.querySelectorAll("button.more[aria-expanded=false]").forEach((each) => each.click());
     new Promise((resolve) => setTimeout(() => resolve(document.documentElement.outerHTML)))
 """
-# Elements whose content is wider than they are, but for those that are cut on purpose.
+# Elements whose content is wider than they are, except those that are cut or scroll on purpose.
 OVERFLOWING = """
     Array.from(document.querySelectorAll("main *:not(.host, .lists)")).filter(
         (each) => each.clientWidth > 0 && each.scrollWidth > each.clientWidth + 1).map((each) => each.className)
@@ -41,7 +41,7 @@ class HostileMail(Case):
         shown = self.tab.run(OPENED)
         self.assertTrue("***" in shown)
         received = [shown, *self.tab.stream, *map(str, list(self.tab.requests.values()))]
-        received += [json.dumps(answer["headers"]) for answer in list(self.tab.answers.values())]
+        received += [json.dumps(response["headers"]) for response in list(self.tab.responses.values())]
         received += [body.decode("latin-1") for body in self.tab.bodies().values()]
         self.assertTrue(any('"requests"' in text for text in received))
         for secret in secrets:
@@ -120,8 +120,8 @@ class HostileMail(Case):
             status, _ = self.sandbox.send("GET", f"127.0.0.1:{self.sandbox.port}", urllib.parse.urlsplit(address).path)
             self.assertEqual(status, 200)
             visitor.send("Page.navigate", url=address)
-            wait_for(f"an answer for {address}", lambda: address in visitor.requests.values())
-        # Whatever the files started has had its turn when another page has come and gone.
+            wait_for(f"a response for {address}", lambda: address in visitor.requests.values())
+        # Whatever the files started has run by the time another page has loaded.
         visitor.open(f"{self.sandbox.url}/")
         self.assertNoCalls()
         for tab in self.browser.tabs:

@@ -26,7 +26,7 @@ class Page(Case):
         for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/requests.js", "/asana.js", "/todoist.js",
                      "/todoist.css", "/trello.js"):
             names = ["content-security-policy", "x-content-type-options", "cache-control"]
-            fields = self.tab.run(f"fetch('{path}').then((answer) => {names}.map((name) => answer.headers.get(name)))")
+            fields = self.tab.run(f"fetch('{path}').then((response) => {names}.map((name) => response.headers.get(name)))")
             self.assertEqual(fields, [POLICY, "nosniff", "no-store"], path)
 
     def test_an_export_appears_at_once_with_its_files(self):
@@ -50,11 +50,11 @@ class Page(Case):
     def opens_files(self):
         link = "Array.from(document.querySelectorAll('.attachments a')).find((each) => each.textContent === '{}')"
         pdf = self.browser.tab_opened_by(lambda: self.tab.click(link.format("Relaunch plan.pdf")))
-        # Chromium's own viewer comes only for what it takes for a PDF file.
-        wait_for("the viewer", lambda: any(answer["url"].startswith("chrome-extension://") for answer in
-                                           list(pdf.answers.values())))
-        answer = next(iter(pdf.answers.values()))
-        self.assertEqual((answer["status"], answer["mimeType"]), (200, "application/pdf"))
+        # Chromium opens its own viewer only for what it recognises as a PDF file.
+        wait_for("the viewer", lambda: any(response["url"].startswith("chrome-extension://") for response in
+                                           list(pdf.responses.values())))
+        response = next(iter(pdf.responses.values()))
+        self.assertEqual((response["status"], response["mimeType"]), (200, "application/pdf"))
         self.assertTrue(pdf.run("window.opener === null"))
         text = self.browser.tab_opened_by(lambda: self.tab.click(link.format("Agenda.txt")))
         text.wait("document.body?.innerText.includes('Kick-off, Tuesday 14:00')")
@@ -169,16 +169,16 @@ class Page(Case):
         self.assertEqual(self.tab.run("document.querySelectorAll('.request').length"), 200)
         self.assertIn("number=last", self.tab.run("document.querySelector('.request').innerText"))
 
-    def test_the_end_of_the_sandbox_is_told_and_its_return_too(self):
+    def test_the_page_shows_that_the_sandbox_has_ended_and_that_it_is_back(self):
         self.sandbox.close()
-        self.sandbox = self.start_on_lasting_port()
+        self.sandbox = self.start_on_reserved_port()
         self.sandbox.add_card(self.sandbox.token(), "Before the end")
         self.show()
         self.wait_for_text("Before the end")
         port = self.sandbox.port
         self.sandbox.close()
         self.wait_for_text("The sandbox has ended")
-        self.tab.said.clear()  # the browser's own words about the connection that it lost
+        self.tab.said.clear()  # what the browser logs of the lost connection
         self.sandbox = self.start(port)
         self.tab.wait("document.getElementById('connection').textContent === 'Live'")
         self.wait_for_text("Nothing has been exported yet")
@@ -197,7 +197,7 @@ class Page(Case):
         self.wait_for_text("After the reset")
         self.assertNothingRan()
 
-    def test_a_fault_is_told_at_its_request(self):
+    def test_a_fault_is_shown_at_its_request(self):
         self.sandbox.control("faults", host="api.trello.com", status=503)
         self.sandbox.send("GET", "api.trello.com", "/1/members/me")
         self.show()

@@ -1,4 +1,4 @@
-"""A running `zelto sandbox`, the commands that use it, and requests to the services that it stands for."""
+"""A running `zelto sandbox`, the commands that use it, and requests to the services that it stands in for."""
 
 import http.client
 import json
@@ -37,7 +37,7 @@ class Sandbox:
         line = self.process.stdout.readline().decode()
         address = re.search(r"http://127\.0\.0\.1:(\d+)", line)
         if not address:
-            raise Failed(f"zelto sandbox says {line!r} and not where it is")
+            raise Failed(f"zelto sandbox says {line!r} and not its address")
         self.url = address[0]
         self.port = int(address[1])
 
@@ -63,13 +63,13 @@ class Sandbox:
         connection = http.client.HTTPConnection("127.0.0.1", self.port, timeout=DEADLINE)
         names = {name.replace("_", "-"): value for name, value in fields.items()}
         connection.request(method, target, body, {"Host": host, **names})
-        answer = connection.getresponse()
-        data = answer.read()
+        response = connection.getresponse()
+        data = response.read()
         connection.close()
-        return answer.status, data
+        return response.status, data
 
     def ask(self, method, host, target, body=None, **fields):
-        """The JSON of an answer that must be a good one."""
+        """The JSON of a response that must be a success."""
         status, data = self.send(method, host, target, body, **fields)
         if status not in (200, 201):
             raise Failed(f"{method} {host}{target[:200]}: {status} {data[:500]!r}")
@@ -84,7 +84,7 @@ class Sandbox:
                          Content_Type="application/json", X_Zelto_Sandbox="test")
 
     def token(self, service="Trello"):
-        """An access token, as a finished sign-in leaves it."""
+        """An access token, as after a sign-in."""
         return json.loads(self.control("tokens", service=service)[1])["accessToken"]
 
     def add_card(self, token, name, description=""):

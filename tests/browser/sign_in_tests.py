@@ -63,7 +63,7 @@ class SignIn(Case):
         self.assertIn("Trello", json.loads(output)["account"]["identifier"])
         self.assertNothingRan()
 
-    def test_the_listener_answers_a_hostile_address_with_its_fixed_text(self):
+    def test_the_listener_shows_its_fixed_text_for_a_hostile_address(self):
         process, address = self.sign_in()
         self.tab.open(address)
         shown = self.tab.run("document.body.innerText")

@@ -71,12 +71,12 @@ Result<SandboxRequest, std::string> taken(sandbox::RequestHead head,
 Outcome<std::unique_ptr<RequestRecorder>> RequestRecorder::start(Respond respond) {
     std::unique_ptr<RequestRecorder> recorder(new RequestRecorder(std::move(respond)));
     SandboxOptions options;
-    options.largestHeader = maximumHeader;
-    auto space = std::make_shared<sandbox::SpoolSpace>(options.largestDiskUse);
+    options.maximumHeader = maximumHeader;
+    auto space = std::make_shared<sandbox::SpoolSpace>(options.maximumDiskUse);
     auto started = sandbox::HTTPServer::start(
         options, std::move(space),
         {.refusal = [](const sandbox::RequestHead&) { return std::nullopt; },
-         .answer =
+         .respond =
              [self = recorder.get()](sandbox::RequestHead head, auto body, std::uint64_t) {
                  sandbox::SandboxResponse response{.body =
                                                        self->responseTo(std::move(head), std::move(body))};

@@ -15,11 +15,11 @@ JSONObject asanaProjectJSON(const AsanaProjectRecord& project, const AsanaWorksp
 JSONObject asanaTaskJSON(const AsanaTaskRecord& task);
 JSONObject asanaAttachmentJSON(const AsanaAttachmentRecord& attachment, const AsanaTaskRecord& task);
 
-// "gid", "resource_type" and "name": how records stand in lists and within others.
+// "gid", "resource_type" and "name": the form of records in lists and within others.
 JSONObject asanaCompact(const JSONObject& whole);
 
-// The fields that `optFields` names, separated by commas, behind "gid" and "resource_type". A name that the
-// record does not have brings nothing; of a path ("assignee.email") the first name counts.
+// The fields that `optFields` names, separated by commas, behind "gid" and "resource_type". An unknown name
+// is ignored; of a path ("assignee.email") the first name counts.
 JSONObject asanaWithFields(const JSONObject& whole, std::string_view optFields);
 
 // What the page shows: the workspaces with the tasks of their projects, and those of no project.

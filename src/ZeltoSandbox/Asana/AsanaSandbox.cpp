@@ -131,12 +131,12 @@ std::unique_ptr<SandboxService> AsanaSandbox::make(SandboxContext& context, cons
 AsanaSandbox::AsanaSandbox(SandboxContext& context)
     : context_(context), store_(std::make_unique<AsanaStore>()), nextPages_(maximumOffsetCount, newOffset) {}
 
-SandboxResponse AsanaSandbox::answer(const SandboxRequest& request) {
+SandboxResponse AsanaSandbox::respond(const SandboxRequest& request) {
     const auto* endpoint = endpointFor<AsanaSandbox>(request, endpoints);
     if (auto refusal = accessRefusal(request, endpoint ? endpoint->scope : std::string_view())) {
         return *std::move(refusal);
     }
-    return endpoint ? (this->*endpoint->answer)(request) : refused(404, "No matching route for request");
+    return endpoint ? (this->*endpoint->handler)(request) : refused(404, "No matching route for request");
 }
 
 std::optional<SandboxResponse> AsanaSandbox::accessRefusal(const SandboxRequest& request,
@@ -319,7 +319,7 @@ SandboxResponse AsanaSandbox::list(const SandboxRequest& request, const std::vec
     }
     std::size_t position = 0;
     if (const auto offset = request.queryValue("offset")) {
-        const auto* page = nextPages_.findOldToo(*offset);
+        const auto* page = nextPages_.findEvenExpired(*offset);
         if (!page || page->path != request.path) {
             return refused(400, "offset: Your pagination token is invalid.");
         }

@@ -8,14 +8,14 @@
 
 namespace zelto::sandbox {
 
-// Asana's REST API, version 1.0, as far as tasks are created by it.
+// The part of Asana's REST API, version 1.0, that creates tasks.
 class AsanaSandbox final : public SandboxService {
   public:
     static std::unique_ptr<SandboxService> make(SandboxContext& context, const SandboxServiceRow& row);
 
     explicit AsanaSandbox(SandboxContext& context);
 
-    SandboxResponse answer(const SandboxRequest& request) override;
+    SandboxResponse respond(const SandboxRequest& request) override;
     SandboxResponse failure(int status) const override;
     JSONObject state() const override;
     void reset() override;

@@ -91,7 +91,7 @@ const AsanaWorkspaceRecord* AsanaStore::findWorkspaceOfProject(std::string_view 
 }
 
 AsanaTaskRecord* AsanaStore::findTask(std::string_view gid) {
-    // What is asked for is mostly what came last.
+    // Requests are mostly for the newest tasks.
     const auto found = std::find_if(tasks_.rbegin(), tasks_.rend(),
                                     [&](const AsanaTaskRecord& task) { return task.gid == gid; });
     return found == tasks_.rend() ? nullptr : &*found;

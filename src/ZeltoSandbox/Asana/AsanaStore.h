@@ -56,8 +56,8 @@ struct AsanaTaskRecord {
 };
 
 // What an Asana account has: demo workspaces with the same identifiers in every sandbox, so that what a
-// client remembers of them stays good, and the tasks that were created. Tasks refer to the workspaces, so it
-// is never copied.
+// client has stored of them stays valid, and the tasks that were created. Tasks refer to the workspaces, so
+// it cannot be copied.
 class AsanaStore {
   public:
     static constexpr std::size_t maximumTaskCount = 20'000;

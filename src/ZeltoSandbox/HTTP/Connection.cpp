@@ -23,9 +23,9 @@ class Connection {
     }
 
   private:
-    // False when the connection is to end.
+    // False when the connection has to end.
     bool serveOne() {
-        RequestParser parser(shared_.options.largestHeader, shared_.options.largestBody);
+        RequestParser parser(shared_.options.maximumHeader, shared_.options.maximumBody);
         if (!readHead(parser)) {
             return false;
         }
@@ -42,9 +42,9 @@ class Connection {
         }
         const bool keepsAlive = parser.head().keepsAlive;
         const bool hasNoBody = parser.head().method == "HEAD";
-        const auto planned = shared_.functions.answer(std::move(parser.head()), body.finish(), number_);
-        if (planned.answer.stream && !hasNoBody) {
-            return sendStream(planned.answer);
+        const auto planned = shared_.functions.respond(std::move(parser.head()), body.finish(), number_);
+        if (planned.response.stream && !hasNoBody) {
+            return sendStream(planned.response);
         }
         return send(planned, keepsAlive, hasNoBody) && keepsAlive;
     }
@@ -115,8 +115,8 @@ class Connection {
 
     // Always false: the connection ends.
     bool refuse(const RequestProblem& problem) {
-        auto answer = SandboxResponse::text(problem.text + "\n", problem.status);
-        if (sendAll(socket_, answerHead(answer, false) + answer.body, shared_.options.bodyTimeout)) {
+        auto response = SandboxResponse::text(problem.text + "\n", problem.status);
+        if (sendAll(socket_, responseHead(response, false) + response.body, shared_.options.bodyTimeout)) {
             closeGently(socket_);
         }
         return false;
@@ -130,24 +130,24 @@ class Connection {
             resetWhenClosed(socket_);
             return false;
         }
-        const auto& answer = planned.answer;
-        const bool silent = hasNoBody || answer.status == 204 || answer.status == 304;
-        auto head = answerHead(answer, keepsAlive);
+        const auto& response = planned.response;
+        const bool silent = hasNoBody || response.status == 204 || response.status == 304;
+        auto head = responseHead(response, keepsAlive);
         if (silent) {
             return sendBytes(head);
         }
-        if (!answer.file && !planned.slowBody) {
-            return sendBytes(head + answer.body);
+        if (!response.file && !planned.slowBody) {
+            return sendBytes(head + response.body);
         }
-        return sendBytes(head) && (answer.file ? sendFile(*answer.file, planned.slowBody)
-                                               : sendSlowly(answer.body, *planned.slowBody));
+        return sendBytes(head) && (response.file ? sendFile(*response.file, planned.slowBody)
+                                                 : sendSlowly(response.body, *planned.slowBody));
     }
 
     // Always false: the connection ends with it.
-    bool sendStream(const SandboxResponse& answer) {
-        auto bytes = answerHead(answer, false);
+    bool sendStream(const SandboxResponse& response) {
+        auto bytes = responseHead(response, false);
         while (sendBytes(bytes) && !shared_.stop.isRequested() && !isClosedByPeer(socket_)) {
-            bytes = answer.stream();
+            bytes = response.stream();
         }
         return false;
     }
@@ -187,7 +187,7 @@ class Connection {
     ConnectionShared& shared_;
     int socket_;
     std::uint64_t number_;
-    std::string buffer_; // received, and not yet taken
+    std::string buffer_; // received, and not yet parsed
     std::array<char, 65536> piece_;
 };
 

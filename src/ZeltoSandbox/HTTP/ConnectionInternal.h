@@ -36,7 +36,7 @@ class StopSignal {
     bool requested_ = false;
 };
 
-// What all connections of a server have in common.
+// What all connections of a server share.
 struct ConnectionShared {
     SandboxOptions options;
     std::shared_ptr<SpoolSpace> space;
@@ -44,7 +44,7 @@ struct ConnectionShared {
     StopSignal stop = {};
 };
 
-// Answers the requests of one connection until it ends. The socket stays its owner's.
+// Serves the requests of one connection until it ends. The caller keeps the socket.
 void serveConnection(ConnectionShared& shared, int socket, std::uint64_t number);
 
 } // namespace zelto::sandbox

@@ -37,7 +37,7 @@ class HTTPServer::State {
         }
         shared_.stop.request();
         const std::uint64_t one = 1;
-        [[maybe_unused]] const auto told = ::write(wake_.number(), &one, sizeof(one));
+        [[maybe_unused]] const auto written = ::write(wake_.number(), &one, sizeof(one));
         accepting_.join();
         listeners_.sockets.clear();
         std::unique_lock guard(lock_);
@@ -96,7 +96,7 @@ class HTTPServer::State {
     void acceptOne(int listener) {
         FileDescriptor socket(::accept4(listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
         if (!socket) {
-            // Out of descriptors: waiting for one beats turning in a circle.
+            // Out of descriptors: waiting for one is better than trying in a loop.
             shared_.stop.waitFor(std::chrono::milliseconds(errno == EMFILE || errno == ENFILE ? 50 : 0));
             return;
         }
@@ -105,8 +105,8 @@ class HTTPServer::State {
         const std::lock_guard guard(lock_);
         removeEnded();
         ++count_;
-        if (connections_.size() >= shared_.options.largestConnectionCount) {
-            const auto head = answerHead(SandboxResponse::text("", 503), false);
+        if (connections_.size() >= shared_.options.maximumConnectionCount) {
+            const auto head = responseHead(SandboxResponse::text("", 503), false);
             [[maybe_unused]] const auto sent =
                 ::send(socket.number(), head.data(), head.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
             return;
@@ -116,7 +116,7 @@ class HTTPServer::State {
         try {
             entry->thread = std::thread([this, entry, number = count_] { serve(*entry, number); });
         } catch (const std::system_error&) {
-            // The system gives no more threads.
+            // The system has no more threads.
             connections_.erase(entry);
         }
     }

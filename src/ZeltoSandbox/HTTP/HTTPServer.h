@@ -13,9 +13,9 @@
 
 namespace zelto::sandbox {
 
-// An answer and how it goes out.
+// A response and how it is sent.
 struct PlannedResponse {
-    SandboxResponse answer;
+    SandboxResponse response;
     std::optional<TimeInterval> delay = {};
     bool resets = false;
     std::optional<std::uint32_t> slowBody = {}; // bytes a second
@@ -26,11 +26,11 @@ struct PlannedResponse {
 class HTTPServer {
   public:
     struct Functions {
-        // Called with a whole head, before its body is read: why it is not taken.
+        // Called with a whole head, before its body is read: why it is refused.
         std::function<std::optional<RequestProblem>(const RequestHead&)> refusal;
         std::function<PlannedResponse(RequestHead, std::shared_ptr<const SpooledBytes>,
                                       std::uint64_t connection)>
-            answer;
+            respond;
         // Called once with the port, before the first of the others.
         std::function<void(std::uint16_t port)> isReady;
     };

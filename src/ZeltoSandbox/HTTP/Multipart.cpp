@@ -10,16 +10,16 @@ namespace zelto::sandbox {
 namespace {
 
 constexpr std::size_t windowSize = std::size_t{1} << 20;
-constexpr std::size_t largestPartHeader = std::size_t{16} << 10;
-constexpr std::size_t largestPartCount = 1000;
-constexpr std::size_t longestBoundary = 70;
+constexpr std::size_t maximumPartHeader = std::size_t{16} << 10;
+constexpr std::size_t maximumPartCount = 1000;
+constexpr std::size_t maximumBoundary = 70;
 
 // Finds texts in a body that does not fit into memory.
 class Search {
   public:
     explicit Search(const SpoolRange& body) : body_(body), window_(windowSize, '\0') {}
 
-    // Where the text stands at or behind the position; nothing if it does not.
+    // The offset of the text at or after the position; nullopt if there is none.
     std::optional<std::uint64_t> find(std::string_view text, std::uint64_t position) {
         while (position + text.size() <= body_.size) {
             load(position);
@@ -41,7 +41,7 @@ class Search {
     }
 
   private:
-    // A window that holds the position and, unless the body ends, a good piece behind it.
+    // A window with the position and, unless the body ends, at least half of its size after it.
     void load(std::uint64_t position) {
         if (count_ > 0 && position >= start_ && position + windowSize / 2 <= start_ + count_) {
             return;
@@ -97,7 +97,7 @@ Result<FormPart, std::string> partOf(std::string_view header) {
 } // namespace
 
 Result<std::vector<FormPart>, std::string> parseMultipart(const SpoolRange& body, std::string_view boundary) {
-    if (boundary.empty() || boundary.size() > longestBoundary) {
+    if (boundary.empty() || boundary.size() > maximumBoundary) {
         return failure(std::string("the boundary has not 1 to 70 characters"));
     }
     const auto delimiter = "\r\n--" + std::string(boundary);
@@ -118,11 +118,11 @@ Result<std::vector<FormPart>, std::string> parseMultipart(const SpoolRange& body
         if (mark != "\r\n") {
             return failure(std::string("a boundary is not followed by a line end"));
         }
-        if (parts.size() >= largestPartCount) {
+        if (parts.size() >= maximumPartCount) {
             return failure(std::string("there are more than 1000 parts"));
         }
         const auto headerEnd = search.find("\r\n\r\n", position);
-        if (!headerEnd || *headerEnd - position > largestPartHeader) {
+        if (!headerEnd || *headerEnd - position > maximumPartHeader) {
             return failure(std::string("a part's header does not end"));
         }
         auto part = partOf(*headerEnd == position ? std::string() : search.text(position + 2, *headerEnd));

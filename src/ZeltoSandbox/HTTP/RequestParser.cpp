@@ -14,9 +14,9 @@ using BeastText = boost::beast::string_view;
 
 class RequestParser::Implementation final : public http::basic_parser<true> {
   public:
-    Implementation(std::size_t largestHeader, std::uint64_t largestBody) : largestHeader_(largestHeader) {
-        header_limit(static_cast<std::uint32_t>(largestHeader));
-        body_limit(largestBody);
+    Implementation(std::size_t maximumHeader, std::uint64_t maximumBody) : maximumHeader_(maximumHeader) {
+        header_limit(static_cast<std::uint32_t>(maximumHeader));
+        body_limit(maximumBody);
     }
 
     std::size_t take(std::string_view bytes, SpoolWriter* body) {
@@ -24,7 +24,7 @@ class RequestParser::Implementation final : public http::basic_parser<true> {
         error_code error;
         const auto taken = put(boost::asio::const_buffer(bytes.data(), bytes.size()), error);
         if (error == http::error::need_more) {
-            if (bytes.size() - taken > largestHeader_) {
+            if (bytes.size() - taken > maximumHeader_) {
                 fail(http::error::header_limit);
             }
         } else if (error) {
@@ -97,13 +97,13 @@ class RequestParser::Implementation final : public http::basic_parser<true> {
 
     void on_finish_impl(error_code&) override {}
 
-    std::size_t largestHeader_;
+    std::size_t maximumHeader_;
     SpoolWriter* body_ = nullptr;
     bool isOld_ = false;
 };
 
-RequestParser::RequestParser(std::size_t largestHeader, std::uint64_t largestBody)
-    : implementation_(std::make_unique<Implementation>(largestHeader, largestBody)) {}
+RequestParser::RequestParser(std::size_t maximumHeader, std::uint64_t maximumBody)
+    : implementation_(std::make_unique<Implementation>(maximumHeader, maximumBody)) {}
 
 RequestParser::~RequestParser() = default;
 

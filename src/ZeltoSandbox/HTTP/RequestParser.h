@@ -10,7 +10,7 @@
 
 namespace zelto::sandbox {
 
-// Why a request is not taken: what it is answered with before the connection ends.
+// Why a request is refused: the response before the connection ends.
 struct RequestProblem {
     int status = 400;
     std::string text;
@@ -19,13 +19,13 @@ struct RequestProblem {
 // Reads one request of HTTP/1.1 from bytes as they come: its head first, then its body.
 class RequestParser {
   public:
-    RequestParser(std::size_t largestHeader, std::uint64_t largestBody);
+    RequestParser(std::size_t maximumHeader, std::uint64_t maximumBody);
     ~RequestParser();
     RequestParser(const RequestParser&) = delete;
     RequestParser& operator=(const RequestParser&) = delete;
 
-    // Takes from the front of the bytes and gives the count; what is left over is to be given again, with
-    // more behind it. Only up to the head's end, so that the body can be refused.
+    // Parses from the front of the bytes and returns the count; the remaining ones are to be given again,
+    // with those that follow. Stops at the head's end, so that the body can be refused.
     std::size_t putHead(std::string_view bytes);
     // The same for the body.
     std::size_t putBody(std::string_view bytes, SpoolWriter& body);

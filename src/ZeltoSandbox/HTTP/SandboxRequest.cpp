@@ -8,7 +8,7 @@ namespace zelto::sandbox {
 
 namespace {
 
-// The end of a parameter: the next ";" that stands in no quotes.
+// The end of a parameter: the next ";" outside quotes.
 std::size_t parameterEnd(std::string_view text) {
     bool quoted = false;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -23,7 +23,7 @@ std::size_t parameterEnd(std::string_view text) {
     return text.size();
 }
 
-// The backslash escapes a quote alone: browsers and clients write names of files on Windows as they stand.
+// A backslash escapes only a quote or a backslash: browsers and clients do not escape file names of Windows.
 std::string unquoted(std::string_view text) {
     if (text.size() < 2 || text.front() != '"' || text.back() != '"') {
         return std::string(text);
@@ -64,7 +64,7 @@ std::optional<std::string> SandboxRequest::formValue(std::string_view name) cons
     return valueOf(form, name);
 }
 
-std::optional<std::string> SandboxRequest::parameter(std::string_view name, std::size_t longest) const {
+std::optional<std::string> SandboxRequest::parameter(std::string_view name, std::size_t maximum) const {
     if (auto value = queryValue(name)) {
         return value;
     }
@@ -73,7 +73,7 @@ std::optional<std::string> SandboxRequest::parameter(std::string_view name, std:
     }
     const auto part = std::ranges::find_if(
         parts, [&](const FormPart& each) { return each.name == name && !each.fileName; });
-    return part == parts.end() ? std::nullopt : std::optional(part->content.text(longest));
+    return part == parts.end() ? std::nullopt : std::optional(part->content.text(maximum));
 }
 
 std::optional<std::string> headerParameter(std::string_view value, std::string_view name) {

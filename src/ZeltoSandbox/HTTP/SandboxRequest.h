@@ -18,7 +18,7 @@ struct RequestHead {
     std::string method;
     std::string target;
     std::vector<HTTPHeaderField> fields;
-    std::optional<std::uint64_t> contentLength; // nothing without a body, and for a chunked one
+    std::optional<std::uint64_t> contentLength; // nullopt without a body, and for a chunked one
     bool keepsAlive = true;
     bool expectsContinue = false;
 
@@ -35,7 +35,7 @@ struct FormPart {
     SpoolRange content;
 };
 
-// A request to a service, taken apart. The texts of query and form are decoded, "+" to a blank.
+// A parsed request to a service. The texts of query and form are decoded, "+" to a blank.
 struct SandboxRequest {
     RequestHead head;
     std::string method;
@@ -51,24 +51,23 @@ struct SandboxRequest {
     std::string webPrefix;          // "/host/trello.com" for a browser's request, else empty
     std::uint64_t connection = 0;
 
-    // The first of that name; nothing if there is none.
+    // The first of that name; nullopt if there is none.
     std::optional<std::string> queryValue(std::string_view name) const;
     std::optional<std::string> formValue(std::string_view name) const;
 
-    // The same wherever it stands: in the query, in a form, or in a part that is no file, of which so many
-    // bytes are read.
-    std::optional<std::string> parameter(std::string_view name, std::size_t longest = 65536) const;
+    // The same, of the query, a form, or a part that is no file, of which at most `maximum` bytes are read.
+    std::optional<std::string> parameter(std::string_view name, std::size_t maximum = 65536) const;
 };
 
 std::optional<std::string> valueOf(const std::vector<URLQueryItem>& items, std::string_view name);
 
-// "multipart/form-data; boundary=x": the parameter; nothing if there is none.
+// A parameter of a header such as "multipart/form-data; boundary=x"; nullopt if there is none.
 std::optional<std::string> headerParameter(std::string_view value, std::string_view name);
 
 // "Multipart/Form-Data; boundary=x": "multipart/form-data".
 std::string mediaTypeOf(std::string_view contentType);
 
-// The parts of a form by RFC 7578 and RFC 2046, strictly: the boundary stands first, every part has a name,
+// The parts of a form by RFC 7578 and RFC 2046, strictly: the boundary comes first, every part has a name,
 // headers end in CRLF, nothing is missing. The text of an error says what is wrong.
 Result<std::vector<FormPart>, std::string> parseMultipart(const SpoolRange& body, std::string_view boundary);
 

@@ -71,17 +71,17 @@ std::string_view reasonPhrase(int status) {
     return found == std::end(phrases) ? std::string_view() : found->second;
 }
 
-std::string answerHead(const SandboxResponse& answer, bool keepsAlive) {
-    auto head = "HTTP/1.1 " + std::to_string(answer.status) + ' ';
-    head.append(reasonPhrase(answer.status)).append("\r\n");
-    for (const auto& field : answer.fields) {
+std::string responseHead(const SandboxResponse& response, bool keepsAlive) {
+    auto head = "HTTP/1.1 " + std::to_string(response.status) + ' ';
+    head.append(reasonPhrase(response.status)).append("\r\n");
+    for (const auto& field : response.fields) {
         if (isValidHeaderName(field.name) && isValidHeaderValue(field.value)) {
             head.append(field.name).append(": ").append(field.value).append("\r\n");
         }
     }
-    const bool hasBody = answer.status >= 200 && answer.status != 204 && answer.status != 304;
-    if (hasBody && !answer.stream) {
-        const auto length = answer.file ? answer.file->size : answer.body.size();
+    const bool hasBody = response.status >= 200 && response.status != 204 && response.status != 304;
+    if (hasBody && !response.stream) {
+        const auto length = response.file ? response.file->size : response.body.size();
         head += "Content-Length: " + std::to_string(length) + "\r\n";
     }
     return head + (keepsAlive ? "\r\n" : "Connection: close\r\n\r\n");

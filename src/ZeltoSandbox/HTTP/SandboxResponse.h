@@ -11,21 +11,21 @@
 
 namespace zelto::sandbox {
 
-// What a request is answered with.
+// The response to a request.
 struct SandboxResponse {
     int status = 200;
     std::vector<HTTPHeaderField> fields = {}; // without Content-Length
     std::string body = {};
     std::optional<SpoolRange> file = {}; // instead of `body`
-    // Instead of both: called again and again for what goes out next, which may be nothing for now. The
-    // answer ends with the connection. Should not take longer than half a second.
+    // Instead of both: called repeatedly for the next bytes, which may be none for now. The response ends
+    // with the connection. A call should not take longer than half a second.
     std::function<std::string()> stream = {};
     std::string problem = {}; // why it was refused, for the page
 
     static SandboxResponse json(JSONValue value, int status = 200);
     static SandboxResponse text(std::string text, int status = 200);
     static SandboxResponse html(std::string html, int status = 200);
-    // 303: a browser goes on by GET. The address may be of any scheme.
+    // 303: a browser follows by GET. The address may have any scheme.
     static SandboxResponse redirect(std::string location);
 
     // The same, refused for that reason.
@@ -33,10 +33,10 @@ struct SandboxResponse {
     SandboxResponse with(std::string name, std::string value) &&;
 };
 
-// "Not Found"; an empty text for a status that has no usual one.
+// "Not Found"; empty for a status without a usual phrase.
 std::string_view reasonPhrase(int status);
 
 // Status line and header with the body's length.
-std::string answerHead(const SandboxResponse& answer, bool keepsAlive);
+std::string responseHead(const SandboxResponse& response, bool keepsAlive);
 
 } // namespace zelto::sandbox

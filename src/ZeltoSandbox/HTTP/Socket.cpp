@@ -39,7 +39,7 @@ Result<FileDescriptor, int> listenOn(int family, std::uint16_t port) {
     if (!socket) {
         return failure(int{errno});
     }
-    // A port whose last connections are still being forgotten is free; one on which another listens is not.
+    // Allows a port with connections in TIME_WAIT, but none on which another program listens.
     const int on = 1;
     ::setsockopt(socket.number(), SOL_SOCKET, SO_REUSEADDR, &on, sizeof(on));
     if (family == AF_INET6) {
@@ -159,11 +159,11 @@ void resetWhenClosed(int socket) {
 }
 
 void closeGently(int socket) {
-    constexpr std::size_t most = std::size_t{64} << 20;
+    constexpr std::size_t maximum = std::size_t{64} << 20;
     ::shutdown(socket, SHUT_WR);
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(2);
     std::array<char, 16384> ignored;
-    for (std::size_t taken = 0; taken < most;) {
+    for (std::size_t taken = 0; taken < maximum;) {
         const auto got = receiveSome(socket, ignored, deadline);
         if (!got) {
             break;

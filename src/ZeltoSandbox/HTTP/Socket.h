@@ -29,15 +29,15 @@ enum class SocketEnd { closed, timedOut };
 
 // Reads and writes of a socket that does not block, each with a deadline.
 Result<std::size_t, SocketEnd> receiveSome(int socket, std::span<char> buffer, SteadyTime deadline);
-// The time-out counts from the last byte that went.
+// The time-out counts from the last byte that was sent.
 Result<void, SocketEnd> sendAll(int socket, std::string_view bytes, std::chrono::duration<double> timeout);
 
 bool isClosedByPeer(int socket);
 
 // The peer sees a reset instead of an end when the socket is closed.
 void resetWhenClosed(int socket);
-// Tells the peer that nothing more comes, and takes for a moment what it still sends, so that a reset does
-// not overtake the last answer.
+// Signals the end to the peer, and reads for a moment what it still sends, so that a reset does not overtake
+// the last response.
 void closeGently(int socket);
 
 } // namespace zelto::sandbox

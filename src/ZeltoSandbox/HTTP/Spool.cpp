@@ -12,9 +12,9 @@ namespace zelto::sandbox {
 
 namespace {
 
-constexpr std::size_t largestInMemory = std::size_t{256} << 10;
+constexpr std::size_t maximumInMemory = std::size_t{256} << 10;
 
-// Open, and without a name from the start, so that nothing is left of it whatever happens.
+// A file without a name from the start, so that none is left behind whatever happens.
 Result<FileDescriptor, SpoolError> namelessFile() {
     const auto path = FileManager::temporaryPath("body");
     if (!path) {
@@ -99,7 +99,7 @@ void SpoolWriter::discard() {
 
 Result<void, SpoolError> SpoolWriter::append(std::string_view bytes) {
     if (!file_) {
-        if (text_.size() + bytes.size() <= largestInMemory) {
+        if (text_.size() + bytes.size() <= maximumInMemory) {
             text_ += bytes;
             return {};
         }

@@ -13,12 +13,12 @@
 
 namespace zelto::sandbox {
 
-// The room on the disk that all bodies share. Any thread.
+// The disk space that all bodies share. Any thread.
 class SpoolSpace {
   public:
     explicit SpoolSpace(std::uint64_t limit) : limit_(limit) {}
 
-    // False if so much is not left.
+    // False if there is not enough left.
     bool take(std::uint64_t bytes);
     void giveBack(std::uint64_t bytes);
 
@@ -29,8 +29,8 @@ class SpoolSpace {
     std::atomic<std::uint64_t> used_ = 0;
 };
 
-// A whole body, never changed: a short one lies in memory, another in a file without a name that goes with
-// the last who holds it. Any thread.
+// A whole body, which never changes: a short one is in memory, a longer one in a file without a name, which
+// is removed with the last owner. Any thread.
 class SpooledBytes {
   public:
     explicit SpooledBytes(std::string text) : text_(std::move(text)), size_(text_.size()) {}
@@ -44,7 +44,7 @@ class SpooledBytes {
 
     std::uint64_t size() const { return size_; }
 
-    // So many bytes as there are from the offset; fewer only at the end, or when the disk fails.
+    // Fills the buffer from the offset on; fewer bytes only at the end, or when reading fails.
     std::size_t read(std::uint64_t offset, std::span<char> buffer) const;
 
   private:
@@ -63,16 +63,16 @@ struct SpoolRange {
     static SpoolRange all(std::shared_ptr<const SpooledBytes> bytes);
 
     std::size_t read(std::uint64_t position, std::span<char> buffer) const;
-    // Its beginning, so many bytes at the most.
+    // Its beginning, at most `limit` bytes.
     std::string text(std::size_t limit) const;
 };
 
 enum class SpoolError {
-    noRoom, // the sandbox holds as much as it may
-    failed, // the disk does not take it
+    noRoom, // the sandbox's limit is reached
+    failed, // writing to the disk failed
 };
 
-// Takes a body in, piece by piece.
+// Stores a body, piece by piece.
 class SpoolWriter {
   public:
     explicit SpoolWriter(std::shared_ptr<SpoolSpace> space) : space_(std::move(space)) {}
@@ -86,7 +86,7 @@ class SpoolWriter {
     // Once, at the end.
     std::shared_ptr<const SpooledBytes> finish();
 
-    // Gives up what was taken, and its room.
+    // Drops what was stored and returns its space.
     void discard();
 
   private:

@@ -10,7 +10,7 @@
 
 namespace zelto::sandbox {
 
-// The clients whose secrets are known: those that were told, and the placeholders of every service.
+// The clients whose secrets are known: those of the options, and the placeholders of every service.
 class ClientRegister {
   public:
     explicit ClientRegister(std::vector<SandboxClient> clients) : clients_(std::move(clients)) {}

@@ -8,12 +8,12 @@ namespace zelto::sandbox {
 
 namespace {
 
-constexpr std::size_t longestShown = 200;
+constexpr std::size_t maximumShown = 200;
 
-// Foreign text in HTML: one line, cut, nothing of it markup.
+// Foreign text as HTML: one line, shortened, escaped.
 std::string shown(std::string_view text) {
     std::string html;
-    for (const char c : escapeControlCharacters(prefixCharacters(text, longestShown))) {
+    for (const char c : escapeControlCharacters(prefixCharacters(text, maximumShown))) {
         switch (c) {
         case '<':
             html += "&lt;";
@@ -37,7 +37,7 @@ std::string shown(std::string_view text) {
     return html;
 }
 
-// What a form may lead to in the end: the redirect behind it counts too.
+// The origin of a redirect, which the policy has to allow since it follows the form's submission.
 std::string formTarget(const std::string& redirect) {
     const auto url = URL::parse(redirect);
     if (!url) {

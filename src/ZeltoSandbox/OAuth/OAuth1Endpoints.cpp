@@ -16,8 +16,8 @@ namespace zelto::sandbox {
 namespace {
 
 constexpr TimeInterval requestTokenLifetime{600};
-constexpr double largestClockError = 300; // seconds
-constexpr std::size_t largestNonceCount = 20'000;
+constexpr double maximumClockError = 300; // seconds
+constexpr std::size_t maximumNonceCount = 20'000;
 
 std::string formOf(const std::vector<URLQueryItem>& items) {
     return joined(items, "&", [](const URLQueryItem& item) {
@@ -30,12 +30,12 @@ SandboxResponse refused(int status, std::string text) {
     return SandboxResponse::text(text, status).because(std::move(text));
 }
 
-SandboxResponse formAnswer(const std::vector<URLQueryItem>& items) {
+SandboxResponse formResponse(const std::vector<URLQueryItem>& items) {
     return {.fields = {{"Content-Type", "application/x-www-form-urlencoded"}, {"Cache-Control", "no-store"}},
             .body = formOf(items)};
 }
 
-// Of Trello's "expiration"; without it a token lives for thirty days there.
+// The lifetime of Trello's "expiration", thirty days without one; an absent inner value is no end.
 std::optional<std::optional<TimeInterval>> lifetimeOf(std::string_view expiration) {
     constexpr double hour = 3600;
     constexpr std::pair<std::string_view, double> lifetimes[] = {
@@ -64,7 +64,7 @@ const OAuth1Service* OAuth1Endpoints::serviceAt(const SandboxRequest& request) {
     return found == rows.end() ? nullptr : &*found;
 }
 
-SandboxResponse OAuth1Endpoints::answer(const OAuth1Service& service, const SandboxRequest& request) {
+SandboxResponse OAuth1Endpoints::respond(const OAuth1Service& service, const SandboxRequest& request) {
     if (request.path == service.authorizePath) {
         return request.method == "POST" ? decideByForm(service, request) : authorize(service, request);
     }
@@ -116,7 +116,7 @@ Result<OAuth1Endpoints::Signed, SandboxResponse> OAuth1Endpoints::checked(const 
     if (!clientSecret) {
         return failure(refused(401, "invalid key"));
     }
-    // Evernote's two addresses are one.
+    // Evernote has one address for both.
     const bool wantsAccess = request.path == service.accessPath &&
                              (service.accessPath != service.requestPath || !value("oauth_token").empty());
     if (wantsAccess) {
@@ -142,15 +142,15 @@ bool OAuth1Endpoints::isFresh(const std::string& clientID, const std::string& ti
                               const std::string& nonce) {
     const auto seconds = numberIn<double>(timestamp);
     const auto now = Date::now();
-    if (!seconds || !(std::abs(*seconds - now.unixSeconds()) <= largestClockError)) {
+    if (!seconds || !(std::abs(*seconds - now.unixSeconds()) <= maximumClockError)) {
         return false;
     }
-    if (nonces_.size() >= largestNonceCount) {
+    if (nonces_.size() >= maximumNonceCount) {
         std::erase_if(nonces_, [&](const auto& each) {
-            return each.second + TimeInterval(2 * largestClockError) < now;
+            return each.second + TimeInterval(2 * maximumClockError) < now;
         });
     }
-    return nonces_.size() < largestNonceCount &&
+    return nonces_.size() < maximumNonceCount &&
            nonces_.emplace(clientID + '\n' + timestamp + '\n' + nonce, now).second;
 }
 
@@ -167,7 +167,7 @@ SandboxResponse OAuth1Endpoints::giveRequestToken(const OAuth1Service& service, 
         RequestToken{
             .service = &service, .clientID = request.clientID, .secret = secret, .callback = callback},
         requestTokenLifetime);
-    return formAnswer(
+    return formResponse(
         {{"oauth_token", token}, {"oauth_token_secret", secret}, {"oauth_callback_confirmed", "true"}});
 }
 
@@ -236,16 +236,16 @@ SandboxResponse OAuth1Endpoints::giveAccessToken(const OAuth1Service& service, c
     const auto access = context_.tokens.issueAccess(grant, isEvernote ? TimeInterval(year) : token.lifetime);
     tokens_.erase(request.tokenText);
     if (!isEvernote) {
-        return formAnswer({{"oauth_token", access}, {"oauth_token_secret", newSecret()}});
+        return formResponse({{"oauth_token", access}, {"oauth_token_secret", newSecret()}});
     }
     const auto expires = static_cast<std::int64_t>((Date::now().unixSeconds() + year) * 1000);
-    return formAnswer({{"oauth_token", access},
-                       {"oauth_token_secret", ""},
-                       {"edam_shard", "s1"},
-                       {"edam_userId", "100001"},
-                       {"edam_expires", std::to_string(expires)},
-                       {"edam_noteStoreUrl", "https://www.evernote.com/shard/s1/notestore"},
-                       {"edam_webApiUrlPrefix", "https://www.evernote.com/shard/s1/"}});
+    return formResponse({{"oauth_token", access},
+                         {"oauth_token_secret", ""},
+                         {"edam_shard", "s1"},
+                         {"edam_userId", "100001"},
+                         {"edam_expires", std::to_string(expires)},
+                         {"edam_noteStoreUrl", "https://www.evernote.com/shard/s1/notestore"},
+                         {"edam_webApiUrlPrefix", "https://www.evernote.com/shard/s1/"}});
 }
 
 void OAuth1Endpoints::reset() {

@@ -19,7 +19,7 @@ class OAuth1Endpoints {
     // Null for all other requests.
     static const OAuth1Service* serviceAt(const SandboxRequest& request);
 
-    SandboxResponse answer(const OAuth1Service& service, const SandboxRequest& request);
+    SandboxResponse respond(const OAuth1Service& service, const SandboxRequest& request);
 
     void reset();
 
@@ -31,11 +31,11 @@ class OAuth1Endpoints {
         std::string callback;
         std::string scope;
         std::optional<TimeInterval> lifetime;
-        std::string verifier; // since the user has allowed it
+        std::string verifier; // once the user has allowed it
         bool isDecided = false;
     };
 
-    // A signed request whose signature is right.
+    // A request with a valid signature.
     struct Signed {
         std::string clientID;
         std::vector<URLQueryItem> parameters;

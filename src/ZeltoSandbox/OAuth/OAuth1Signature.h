@@ -9,7 +9,7 @@
 
 namespace zelto::sandbox {
 
-// The parameters of an "Authorization: OAuth …" header, decoded, without "realm". Nothing if it is none.
+// The parameters of an "Authorization: OAuth …" header, decoded, without "realm". nullopt for another header.
 std::optional<std::vector<URLQueryItem>> oauth1HeaderParameters(std::string_view header);
 
 // The HMAC-SHA1 signature of RFC 5849, in Base64, of a request with these parameters from header, query and

@@ -43,7 +43,7 @@ bool asksForRefresh(const OAuthService& service, const SandboxRequest& request) 
     return service.itemName == "scope" ? hasScope(value, service.itemValue) : value == service.itemValue;
 }
 
-// What is wrong with the request, as RFC 6749 names it; the client is told.
+// What is wrong with the request, as RFC 6749 names it; it is sent to the client.
 struct AuthorizeError {
     std::string error;
     std::string description;
@@ -82,7 +82,7 @@ const OAuthService* OAuth2Endpoints::serviceAt(const SandboxRequest& request) {
     return found == rows.end() ? nullptr : &*found;
 }
 
-SandboxResponse OAuth2Endpoints::answer(const OAuthService& service, const SandboxRequest& request) {
+SandboxResponse OAuth2Endpoints::respond(const OAuthService& service, const SandboxRequest& request) {
     if (service.authorizeHost != request.host || service.authorizePath != request.path) {
         return token(service, request);
     }

@@ -20,9 +20,9 @@ class OAuth2Endpoints {
     // The service of an authorization page or token endpoint; null for all other requests.
     static const OAuthService* serviceAt(const SandboxRequest& request);
 
-    SandboxResponse answer(const OAuthService& service, const SandboxRequest& request);
+    SandboxResponse respond(const OAuthService& service, const SandboxRequest& request);
 
-    // What a sign-in that has just been finished leaves.
+    // The access token of a sign-in that has just been finished.
     std::string issueAccess(const OAuthService& service, TokenGrant grant);
 
     void reset();
@@ -54,7 +54,7 @@ class OAuth2Endpoints {
     SandboxResponse finish(SignIn signIn, bool allowed);
 
     SandboxResponse token(const OAuthService& service, const SandboxRequest& request);
-    Result<JSONObject, Refusal> tokenAnswer(const OAuthService& service, const SandboxRequest& request);
+    Result<JSONObject, Refusal> tokenResponse(const OAuthService& service, const SandboxRequest& request);
     Result<std::string, Refusal> authenticatedClient(const OAuthService& service,
                                                      const SandboxRequest& request,
                                                      const std::vector<URLQueryItem>& items) const;
@@ -62,8 +62,8 @@ class OAuth2Endpoints {
                                          const std::vector<URLQueryItem>& items);
     Result<JSONObject, Refusal> fromRefresh(const OAuthService& service, const std::string& clientID,
                                             const std::vector<URLQueryItem>& items);
-    JSONObject grantAnswer(const OAuthService& service, const TokenGrant& grant,
-                           const std::optional<std::string>& refreshToken, const std::string& userScope);
+    JSONObject grantResponse(const OAuthService& service, const TokenGrant& grant,
+                             const std::optional<std::string>& refreshToken, const std::string& userScope);
 
     SandboxContext& context_;
     const ClientRegister& clients_;

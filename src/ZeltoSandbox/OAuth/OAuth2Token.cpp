@@ -10,7 +10,7 @@ namespace zelto::sandbox {
 
 namespace {
 
-// Padded and without line breaks; nothing for all else.
+// Base64 with its padding and without line breaks; nullopt for anything else.
 std::optional<std::string> base64Decoded(std::string_view text) {
     constexpr std::string_view digits = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
     constexpr std::size_t group = 4;
@@ -39,7 +39,7 @@ std::optional<std::string> base64Decoded(std::string_view text) {
     return bytes;
 }
 
-// "id:secret" of a Basic header; nothing if there is none.
+// "id:secret" of a Basic header; nullopt if there is none.
 std::optional<std::pair<std::string, std::string>> basicCredentials(const SandboxRequest& request) {
     const auto* header = request.head.field("Authorization");
     if (!header || header->size() < 6 || !equalIgnoringASCIICase(header->substr(0, 6), "Basic ")) {
@@ -53,7 +53,7 @@ std::optional<std::pair<std::string, std::string>> basicCredentials(const Sandbo
     return std::pair(plain->substr(0, colon), plain->substr(colon + 1));
 }
 
-// The parameters of a token request: those of its form, or where the service takes it those of a JSON object.
+// The parameters of a token request: of its form or, where the service accepts one, of a JSON object.
 std::optional<std::vector<URLQueryItem>> parameters(const OAuthService& service,
                                                     const SandboxRequest& request) {
     if (request.contentType == "application/x-www-form-urlencoded" && request.bodyProblem.empty()) {
@@ -86,7 +86,7 @@ bool isVerifier(std::string_view text) {
     return text.size() >= 43 && text.size() <= 128;
 }
 
-// Slack tells of every failure with status 200.
+// Slack reports every failure with status 200.
 SandboxResponse refusedBySlack(const std::string& error) {
     const auto name = error == "invalid_grant" ? "invalid_code" : error;
     return SandboxResponse::json(JSONObject{{"ok", false}, {"error", name}});
@@ -100,25 +100,25 @@ SandboxResponse OAuth2Endpoints::token(const OAuthService& service, const Sandbo
             .with("Allow", "POST")
             .because("a token endpoint takes POST");
     }
-    auto answered = tokenAnswer(service, request);
-    if (answered) {
-        return SandboxResponse::json(std::move(*answered)).with("Cache-Control", "no-store");
+    auto granted = tokenResponse(service, request);
+    if (granted) {
+        return SandboxResponse::json(std::move(*granted)).with("Cache-Control", "no-store");
     }
-    const auto& refusal = answered.error();
+    const auto& refusal = granted.error();
     const auto reason = refusal.error + ": " + refusal.description;
     if (service.name == "Slack") {
         return refusedBySlack(refusal.error).because(reason);
     }
-    auto answer = SandboxResponse::json(
+    auto response = SandboxResponse::json(
         JSONObject{{"error", refusal.error}, {"error_description", refusal.description}}, refusal.status);
     if (refusal.status == 401) {
-        answer.fields.push_back({"WWW-Authenticate", "Basic realm=\"" + std::string(service.name) + "\""});
+        response.fields.push_back({"WWW-Authenticate", "Basic realm=\"" + std::string(service.name) + "\""});
     }
-    return std::move(answer).because(reason);
+    return std::move(response).because(reason);
 }
 
-Result<JSONObject, OAuth2Endpoints::Refusal> OAuth2Endpoints::tokenAnswer(const OAuthService& service,
-                                                                          const SandboxRequest& request) {
+Result<JSONObject, OAuth2Endpoints::Refusal> OAuth2Endpoints::tokenResponse(const OAuthService& service,
+                                                                            const SandboxRequest& request) {
     const auto items = parameters(service, request);
     if (!items) {
         return failure(Refusal{400, "invalid_request", "the body is no application/x-www-form-urlencoded"});
@@ -193,7 +193,7 @@ OAuth2Endpoints::fromCode(const OAuthService& service, const std::string& client
         context_.tokens.revokeFlow(signIn->flow);
         return refused("the code has been used before; what it gave is revoked");
     }
-    // One attempt: whoever has the code without the rest does not get to guess.
+    // One attempt only, so that whoever has the code alone cannot guess the other values.
     signIn->isUsed = true;
     if (signIn->clientID != clientID) {
         return refused("the code was given to another client");
@@ -211,7 +211,7 @@ OAuth2Endpoints::fromCode(const OAuthService& service, const std::string& client
     const TokenGrant grant{std::string(service.name), clientID, signIn->scope, signIn->flow};
     const auto refresh =
         signIn->wantsRefresh ? std::optional(context_.tokens.issueRefresh(grant)) : std::nullopt;
-    return grantAnswer(service, grant, refresh, signIn->userScope);
+    return grantResponse(service, grant, refresh, signIn->userScope);
 }
 
 Result<JSONObject, OAuth2Endpoints::Refusal>
@@ -245,27 +245,27 @@ OAuth2Endpoints::fromRefresh(const OAuthService& service, const std::string& cli
         next = context_.tokens.issueRefresh(grant);
         break;
     }
-    return grantAnswer(service, grant, next, {});
+    return grantResponse(service, grant, next, {});
 }
 
-JSONObject OAuth2Endpoints::grantAnswer(const OAuthService& service, const TokenGrant& grant,
-                                        const std::optional<std::string>& refreshToken,
-                                        const std::string& userScope) {
-    JSONObject answer;
+JSONObject OAuth2Endpoints::grantResponse(const OAuthService& service, const TokenGrant& grant,
+                                          const std::optional<std::string>& refreshToken,
+                                          const std::string& userScope) {
+    JSONObject response;
     OAuthResponseFacts facts{grant.clientID, grant.scope, userScope, {}};
     const bool hasOwnToken = userScope.empty() || !grant.scope.empty();
     if (hasOwnToken) {
-        answer.set("access_token", issueAccess(service, grant));
-        answer.set("token_type", service.name == "Slack" ? "bot" : "bearer");
+        response.set("access_token", issueAccess(service, grant));
+        response.set("token_type", service.name == "Slack" ? "bot" : "bearer");
         if (service.lifetime > 0) {
-            answer.set("expires_in", static_cast<std::int64_t>(service.lifetime));
+            response.set("expires_in", static_cast<std::int64_t>(service.lifetime));
         }
         if (!grant.scope.empty()) {
-            answer.set("scope", grant.scope);
+            response.set("scope", grant.scope);
         }
     }
     if (refreshToken) {
-        answer.set("refresh_token", *refreshToken);
+        response.set("refresh_token", *refreshToken);
     }
     if (!userScope.empty()) {
         auto ofUser = grant;
@@ -273,9 +273,9 @@ JSONObject OAuth2Endpoints::grantAnswer(const OAuthService& service, const Token
         facts.userAccessToken = issueAccess(service, ofUser);
     }
     if (service.describe) {
-        service.describe(answer, facts);
+        service.describe(response, facts);
     }
-    return answer;
+    return response;
 }
 
 } // namespace zelto::sandbox

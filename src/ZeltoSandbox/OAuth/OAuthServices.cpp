@@ -10,38 +10,39 @@ namespace {
 
 using enum ClientAuthentication;
 
-void describeAsana(JSONObject& answer, const OAuthResponseFacts&) {
-    answer.set("data", JSONObject{{"id", "1200000000000001"},
-                                  {"gid", "1200000000000001"},
-                                  {"name", "Robin Sandbox"},
-                                  {"email", "robin@sandbox.example"}});
+void describeAsana(JSONObject& response, const OAuthResponseFacts&) {
+    response.set("data", JSONObject{{"id", "1200000000000001"},
+                                    {"gid", "1200000000000001"},
+                                    {"name", "Robin Sandbox"},
+                                    {"email", "robin@sandbox.example"}});
 }
 
-void describeDropbox(JSONObject& answer, const OAuthResponseFacts&) {
-    answer.set("uid", "100001");
-    answer.set("account_id", "dbid:AAH4f99T0taONIb-OurWxbNQ6ywGRopQngc");
+void describeDropbox(JSONObject& response, const OAuthResponseFacts&) {
+    response.set("uid", "100001");
+    response.set("account_id", "dbid:AAH4f99T0taONIb-OurWxbNQ6ywGRopQngc");
 }
 
-void describeMicrosoft(JSONObject& answer, const OAuthResponseFacts&) {
-    answer.set("ext_expires_in", 3599);
+void describeMicrosoft(JSONObject& response, const OAuthResponseFacts&) {
+    response.set("ext_expires_in", 3599);
 }
 
-void describeNotion(JSONObject& answer, const OAuthResponseFacts&) {
-    answer.set("bot_id", "b3414d65-1224-5ffe-a9f1-1b4d6ed2f1a4");
-    answer.set("workspace_id", "5d1c6ac7-8d44-4ad4-9d73-6c0a1bd7ab11");
-    answer.set("workspace_name", "Sandbox");
-    answer.set("workspace_icon", nullptr);
-    answer.set("duplicated_template_id", nullptr);
-    answer.set("owner",
-               JSONObject{{"type", "user"},
-                          {"user", JSONObject{{"object", "user"},
-                                              {"id", "8a9a3a4b-50bf-4f68-9ab2-4ff1f35ac6b1"},
-                                              {"name", "Robin Sandbox"},
-                                              {"type", "person"},
-                                              {"person", JSONObject{{"email", "robin@sandbox.example"}}}}}});
+void describeNotion(JSONObject& response, const OAuthResponseFacts&) {
+    response.set("bot_id", "b3414d65-1224-5ffe-a9f1-1b4d6ed2f1a4");
+    response.set("workspace_id", "5d1c6ac7-8d44-4ad4-9d73-6c0a1bd7ab11");
+    response.set("workspace_name", "Sandbox");
+    response.set("workspace_icon", nullptr);
+    response.set("duplicated_template_id", nullptr);
+    response.set(
+        "owner",
+        JSONObject{{"type", "user"},
+                   {"user", JSONObject{{"object", "user"},
+                                       {"id", "8a9a3a4b-50bf-4f68-9ab2-4ff1f35ac6b1"},
+                                       {"name", "Robin Sandbox"},
+                                       {"type", "person"},
+                                       {"person", JSONObject{{"email", "robin@sandbox.example"}}}}}});
 }
 
-void describeSlack(JSONObject& answer, const OAuthResponseFacts& facts) {
+void describeSlack(JSONObject& response, const OAuthResponseFacts& facts) {
     JSONObject whole{{"ok", true}, {"app_id", "A0SANDBOX01"}};
     JSONObject user{{"id", "U0SANDBOX01"}};
     if (!facts.userAccessToken.empty()) {
@@ -53,14 +54,14 @@ void describeSlack(JSONObject& answer, const OAuthResponseFacts& facts) {
     whole.set("team", JSONObject{{"id", "T0SANDBOX01"}, {"name", "Sandbox"}});
     whole.set("enterprise", nullptr);
     whole.set("is_enterprise_install", false);
-    for (const auto& [key, value] : answer) {
+    for (const auto& [key, value] : response) {
         whole.set(key, value);
     }
-    answer = std::move(whole);
+    response = std::move(whole);
 }
 
-void describeZoom(JSONObject& answer, const OAuthResponseFacts&) {
-    answer.set("api_url", "https://api.zoom.us");
+void describeZoom(JSONObject& response, const OAuthResponseFacts&) {
+    response.set("api_url", "https://api.zoom.us");
 }
 
 constexpr auto code = OAuthFlow::code;

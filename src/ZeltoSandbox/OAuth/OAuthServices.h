@@ -11,16 +11,16 @@ namespace zelto::sandbox {
 
 enum class OAuthFlow { code, implicit };
 
-// How the client says at the token endpoint who it is.
+// How the client authenticates at the token endpoint.
 enum class ClientAuthentication { form, basic };
 
-// Whether and how a sign-in yields a refresh token.
+// Whether a sign-in gives a refresh token.
 enum class FirstRefreshToken { never, always, whenAskedFor };
 
-// What the answer to a refresh says of the refresh token.
+// What the response to a refresh has as its refresh token.
 enum class NextRefreshToken { absent, repeated, rotated };
 
-// What a token is given for, as far as an answer tells of it.
+// What a token is issued for, as far as the response shows it.
 struct OAuthResponseFacts {
     std::string clientID;
     std::string scope;
@@ -37,19 +37,18 @@ struct OAuthService {
     std::string_view tokenPath;
     OAuthFlow flow;
     ClientAuthentication authentication;
-    // A return address in the client's own scheme, as it stands, or the path of one on the product's web
-    // site.
+    // A return address in the client's own scheme, or the path of one on the product's web site.
     std::string_view redirect;
     double lifetime; // seconds of an access token; 0 for one that does not expire
     FirstRefreshToken firstRefresh;
     NextRefreshToken nextRefresh;
     bool needsScope = false;
-    // An item of the authorization page's query: what asks for a refresh token, or else one that has to be
-    // there.
+    // An item of the authorization page's query: the one that asks for a refresh token, or else a required
+    // one.
     std::string_view itemName = {};
     std::string_view itemValue = {};
-    // Adds what the service's answer has beside the standard members.
-    void (*describe)(JSONObject& answer, const OAuthResponseFacts& facts) = nullptr;
+    // Adds what the service's response has beside the standard members.
+    void (*describe)(JSONObject& response, const OAuthResponseFacts& facts) = nullptr;
 };
 
 std::span<const OAuthService> oauthServices();

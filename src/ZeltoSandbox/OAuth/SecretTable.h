@@ -12,11 +12,11 @@
 
 namespace zelto::sandbox {
 
-// A fresh secret. All that the sandbox makes begin alike, so that they are masked wherever they turn up.
+// A new secret. All secrets of the sandbox have one prefix, by which they are masked wherever they appear.
 std::string newSecret();
 inline constexpr std::string_view secretPrefix = "zsb_";
 
-// Values by texts that cannot be guessed, each for a time. Beyond the limit the oldest goes.
+// Values by texts that cannot be guessed, each with a lifetime. Beyond the limit the oldest is removed.
 template <class T> class SecretTable {
   public:
     // `makeText` makes the texts: those of newSecret are masked wherever a request is shown.
@@ -35,14 +35,14 @@ template <class T> class SecretTable {
         return secret;
     }
 
-    // Null for one that is unknown, and for one whose time is over.
+    // Null for one that is unknown or has expired.
     T* find(std::string_view secret) {
         auto* entry = entryOf(secret);
-        return entry && !isOver(*entry) ? &entry->value : nullptr;
+        return entry && !isExpired(*entry) ? &entry->value : nullptr;
     }
 
-    // Also one whose time is over.
-    T* findOldToo(std::string_view secret) {
+    // The same, but finds one that has expired too.
+    T* findEvenExpired(std::string_view secret) {
         auto* entry = entryOf(secret);
         return entry ? &entry->value : nullptr;
     }
@@ -53,7 +53,7 @@ template <class T> class SecretTable {
         }
     }
 
-    void endTimeIf(auto matches) {
+    void expireIf(auto matches) {
         for (auto& [secret, entry] : entries_) {
             if (matches(entry.value)) {
                 entry.end = Date::now();
@@ -68,7 +68,7 @@ template <class T> class SecretTable {
     std::size_t countIf(auto matches) const {
         std::size_t count = 0;
         for (const auto& [secret, entry] : entries_) {
-            count += !isOver(entry) && matches(entry.value) ? 1 : 0;
+            count += !isExpired(entry) && matches(entry.value) ? 1 : 0;
         }
         return count;
     }
@@ -84,7 +84,7 @@ template <class T> class SecretTable {
         std::optional<Date> end;
     };
 
-    static bool isOver(const Entry& entry) { return entry.end && Date::now() >= *entry.end; }
+    static bool isExpired(const Entry& entry) { return entry.end && Date::now() >= *entry.end; }
 
     Entry* entryOf(std::string_view secret) {
         const auto found = entries_.find(secret);

@@ -25,12 +25,12 @@ bool coversScope(const TokenGrant& grant, std::string_view scope) {
     return grant.scope.empty() || hasScope(grant.scope, scope);
 }
 
-TokenStanding TokenStore::standing(std::string_view service, std::string_view token) {
-    const auto* grant = access_.findOldToo(token);
+TokenStatus TokenStore::status(std::string_view service, std::string_view token) {
+    const auto* grant = access_.findEvenExpired(token);
     if (!grant || grant->service != service) {
-        return TokenStanding::unknown;
+        return TokenStatus::unknown;
     }
-    return access_.find(token) ? TokenStanding::valid : TokenStanding::expired;
+    return access_.find(token) ? TokenStatus::valid : TokenStatus::expired;
 }
 
 void TokenStore::revokeFlow(std::uint64_t flow) {
@@ -40,7 +40,7 @@ void TokenStore::revokeFlow(std::uint64_t flow) {
 }
 
 void TokenStore::expire(std::string_view service) {
-    access_.endTimeIf([&](const TokenGrant& grant) { return grant.service == service; });
+    access_.expireIf([&](const TokenGrant& grant) { return grant.service == service; });
 }
 
 std::size_t TokenStore::accessCount(std::string_view service) const {

@@ -10,7 +10,7 @@
 
 namespace zelto::sandbox {
 
-// What a token stands for.
+// What a token was issued for.
 struct TokenGrant {
     std::string service;  // "Trello"
     std::string clientID; // empty: any client may use it
@@ -18,16 +18,16 @@ struct TokenGrant {
     std::uint64_t flow = 0; // all tokens of one sign-in have the same
 };
 
-enum class TokenStanding { valid, expired, unknown };
+enum class TokenStatus { valid, expired, unknown };
 
-// Whether a list of scopes, separated by blanks or commas, has the wanted one.
+// Whether a list of scopes, separated by blanks or commas, has the one.
 bool hasScope(std::string_view scopes, std::string_view wanted);
 
 // Whether a token of this grant may be used for what needs the scope. A grant without scopes, which is a
 // service's default and what the control API issues, covers all.
 bool coversScope(const TokenGrant& grant, std::string_view scope);
 
-// The tokens that the sandbox has given out.
+// The tokens that the sandbox has issued.
 class TokenStore {
   public:
     std::string issueAccess(TokenGrant grant, std::optional<TimeInterval> lifetime) {
@@ -37,19 +37,19 @@ class TokenStore {
     std::string issueRefresh(TokenGrant grant) { return refresh_.add(std::move(grant), std::nullopt); }
 
     // Of an access token at a service.
-    TokenStanding standing(std::string_view service, std::string_view token);
+    TokenStatus status(std::string_view service, std::string_view token);
 
-    // Null for one that is unknown, spent or over.
+    // Null for one that is unknown, revoked or has expired.
     const TokenGrant* access(std::string_view token) { return access_.find(token); }
 
-    // Also one whose time is over.
-    const TokenGrant* anyAccess(std::string_view token) { return access_.findOldToo(token); }
+    // The same, but finds one that has expired too.
+    const TokenGrant* anyAccess(std::string_view token) { return access_.findEvenExpired(token); }
 
     const TokenGrant* refresh(std::string_view token) { return refresh_.find(token); }
 
     void spendRefresh(std::string_view token) { refresh_.erase(token); }
 
-    // A code that comes twice has been stolen: what came of it goes.
+    // For a code that is used twice, which may have been stolen: revokes the tokens that it gave.
     void revokeFlow(std::uint64_t flow);
 
     // All access tokens of the service.

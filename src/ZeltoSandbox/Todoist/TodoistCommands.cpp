@@ -25,7 +25,7 @@ std::size_t codePointCount(std::string_view text) {
         std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
-// The argument that no name allows; nullopt if there is none.
+// The error for an argument that is not among the allowed ones; nullopt if there is none.
 std::optional<TodoistError> unknownArgument(const JSONObject& arguments,
                                             std::initializer_list<std::string_view> allowed) {
     for (const auto& [name, value] : arguments) {

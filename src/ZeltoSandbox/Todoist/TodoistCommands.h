@@ -19,15 +19,15 @@ struct TodoistCommand {
     JSONObject arguments;
 };
 
-// What the commands of a request came to.
+// The results of a request's commands.
 struct TodoistOutcome {
     JSONObject statuses; // by uuid: "ok" or an error
-    JSONObject mapping;  // from temporary identifiers to those that were made
+    JSONObject mapping;  // from temporary identifiers to the created ones
     std::string problem; // the first error; empty if there is none
 };
 
-// Carries out sync commands. A command whose uuid has been carried out by an earlier request is not repeated,
-// and is answered as it was then.
+// Executes sync commands. A command whose uuid an earlier request has executed is not repeated; its status
+// and identifier are those of then.
 class TodoistCommands {
   public:
     static constexpr std::size_t maximumCount = 100; // of a request

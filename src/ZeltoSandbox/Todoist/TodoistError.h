@@ -24,7 +24,7 @@ struct TodoistError {
     static TodoistError missingArgument(const std::string& argument);
     static TodoistError projectNotFound();
     static TodoistError itemNotFound();
-    // A temporary identifier that no command of the request has made.
+    // A temporary identifier that no command of the request has created.
     static TodoistError invalidTemporaryID();
     // Todoist's error for a status of HTTP.
     static TodoistError ofStatus(int status);

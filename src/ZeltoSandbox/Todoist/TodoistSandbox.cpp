@@ -109,7 +109,7 @@ TodoistSandbox::TodoistSandbox(SandboxContext& context)
     : context_(context), account_(std::make_unique<Account>()),
       syncTokens_(maximumSyncTokenCount, newSyncToken) {}
 
-SandboxResponse TodoistSandbox::answer(const SandboxRequest& request) {
+SandboxResponse TodoistSandbox::respond(const SandboxRequest& request) {
     const auto grant = bearerGrant(request, context_.tokens, "Todoist");
     if (!grant) {
         return failure(401).because(grant.error());
@@ -121,7 +121,7 @@ SandboxResponse TodoistSandbox::answer(const SandboxRequest& request) {
     if (!coversScope(**grant, endpoint->scope) && !coversScope(**grant, writeScope)) {
         return failure(403).because("the token does not have the scope " + std::string(endpoint->scope));
     }
-    return (this->*endpoint->answer)(request);
+    return (this->*endpoint->handler)(request);
 }
 
 SandboxResponse TodoistSandbox::failure(int status) const {

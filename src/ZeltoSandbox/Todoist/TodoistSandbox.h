@@ -10,14 +10,14 @@
 
 namespace zelto::sandbox {
 
-// Todoist's API, version 1, as far as tasks are created by its sync and uploads endpoints.
+// The part of Todoist's API, version 1, that creates tasks: its sync and uploads endpoints.
 class TodoistSandbox final : public SandboxService {
   public:
     static std::unique_ptr<SandboxService> make(SandboxContext& context, const SandboxServiceRow& row);
 
     explicit TodoistSandbox(SandboxContext& context);
 
-    SandboxResponse answer(const SandboxRequest& request) override;
+    SandboxResponse respond(const SandboxRequest& request) override;
     SandboxResponse failure(int status) const override;
     JSONObject state() const override;
     void reset() override;

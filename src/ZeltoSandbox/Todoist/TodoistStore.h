@@ -39,14 +39,14 @@ struct TodoistNoteRecord {
     std::uint64_t revision = 0;
 };
 
-// What the uploads endpoint took, and what it answered.
+// An uploaded file, and the response of the uploads endpoint.
 struct TodoistUpload {
     UploadedFile file;
     JSONObject json;
 };
 
 // What a Todoist account has: demo projects with the same identifiers in every sandbox, so that what a client
-// remembers of them stays good, and the tasks, comments and files that came in.
+// has stored of them stays valid, and the tasks, comments and files that were added.
 class TodoistStore {
   public:
     static constexpr std::size_t maximumItemCount = 20'000;
@@ -68,10 +68,10 @@ class TodoistStore {
     // Each gives the record its identifier, date and revision.
     const TodoistItemRecord& addItem(TodoistItemRecord item);
     const TodoistNoteRecord& addNote(TodoistNoteRecord note);
-    // What the uploads endpoint answers.
+    // Returns the response of the uploads endpoint.
     const JSONObject& addUpload(UploadedFile file);
 
-    // Rises with every item and note.
+    // Increases with every item and note.
     std::uint64_t revision() const { return revision_; }
 
   private:

@@ -14,11 +14,11 @@ namespace zelto::sandbox {
 
 namespace {
 
-constexpr std::size_t longestText = 16384; // characters of a card's name and description
+constexpr std::size_t maximumText = 16384; // characters of a card's name and description
 constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20;
 constexpr std::uint64_t freeAttachment = 10 * mebibyte;
 constexpr std::uint64_t paidAttachment = 250 * mebibyte;
-constexpr std::size_t largestAttachmentCount = 1000; // of a card
+constexpr std::size_t maximumAttachmentCount = 1000; // of a card
 
 SandboxResponse refused(int status, std::string text) {
     return SandboxResponse::text(text, status).because(std::move(text));
@@ -45,12 +45,12 @@ SandboxResponse uploadRefusal(UploadProblem problem) {
     return refused(400, "invalid value for file");
 }
 
-constexpr std::size_t largestPage = 1000;
+constexpr std::size_t maximumPage = 1000;
 
 using Cards = std::span<TrelloCardRecord>;
 
-// What `before`, `since` and `limit` leave of a list, which stands in the order of making: the cards between
-// two others, of them the newest.
+// The cards of a list, which are in the order of creation, that `before`, `since` and `limit` select: the
+// newest of those between two others.
 Result<Cards, std::string> pageOf(const SandboxRequest& request, std::vector<TrelloCardRecord>& cards) {
     auto first = cards.begin();
     auto last = cards.end();
@@ -65,7 +65,7 @@ Result<Cards, std::string> pageOf(const SandboxRequest& request, std::vector<Tre
     }
     auto count = first < last ? static_cast<std::size_t>(last - first) : 0;
     if (const auto limit = request.queryValue("limit")) {
-        const auto wanted = pageLimit(*limit, 0, largestPage);
+        const auto wanted = pageLimit(*limit, 0, maximumPage);
         if (!wanted) {
             return failure(std::string("invalid value for limit"));
         }
@@ -89,10 +89,10 @@ std::unique_ptr<SandboxService> TrelloSandbox::make(SandboxContext& context, con
     return std::make_unique<TrelloSandbox>(context);
 }
 
-SandboxResponse TrelloSandbox::answer(const SandboxRequest& request) {
+SandboxResponse TrelloSandbox::respond(const SandboxRequest& request) {
     if (const auto* endpoint = endpointFor<TrelloSandbox>(request, endpoints)) {
         auto refusal = refusalOf(request, endpoint->scope);
-        return refusal ? *std::move(refusal) : (this->*endpoint->answer)(request);
+        return refusal ? *std::move(refusal) : (this->*endpoint->handler)(request);
     }
     return refused(404, "Cannot " + request.method + " " + request.path);
 }
@@ -219,13 +219,13 @@ SandboxResponse TrelloSandbox::addCard(const SandboxRequest& request) {
     }
     auto name = request.parameter("name").value_or("");
     auto desc = request.parameter("desc").value_or("");
-    if (utf16Length(name) > longestText) {
+    if (utf16Length(name) > maximumText) {
         return refused(400, "invalid value for name");
     }
-    if (utf16Length(desc) > longestText) {
+    if (utf16Length(desc) > maximumText) {
         return refused(400, "invalid value for desc");
     }
-    if (store_.cardCount() >= TrelloStore::largestCardCount) {
+    if (store_.cardCount() >= TrelloStore::maximumCardCount) {
         return refused(403, "There are as many cards as the sandbox keeps; reset it.");
     }
     place.card = &store_.addCard(place, std::move(name), std::move(desc));
@@ -240,7 +240,7 @@ SandboxResponse TrelloSandbox::addAttachment(const SandboxRequest& request) {
     if (!place.card) {
         return refused(404, "The requested resource was not found.");
     }
-    if (place.card->attachments.size() >= largestAttachmentCount) {
+    if (place.card->attachments.size() >= maximumAttachmentCount) {
         return refused(403, "The card has as many attachments as it may.");
     }
     const auto file = filePart(request, "file", attachmentLimit());

@@ -7,14 +7,14 @@
 
 namespace zelto::sandbox {
 
-// Trello's REST API, version 1, as far as cards are made by it.
+// The part of Trello's REST API, version 1, that creates cards.
 class TrelloSandbox final : public SandboxService {
   public:
     static std::unique_ptr<SandboxService> make(SandboxContext& context, const SandboxServiceRow& row);
 
     explicit TrelloSandbox(SandboxContext& context) : context_(context) {}
 
-    SandboxResponse answer(const SandboxRequest& request) override;
+    SandboxResponse respond(const SandboxRequest& request) override;
     SandboxResponse failure(int status) const override;
     JSONObject state() const override;
     void reset() override;

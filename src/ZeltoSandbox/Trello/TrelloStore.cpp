@@ -77,7 +77,7 @@ TrelloPlace TrelloStore::findList(std::string_view id) {
 TrelloPlace TrelloStore::findCard(std::string_view id) {
     for (auto& board : boards_) {
         for (auto& list : board.lists) {
-            // What is asked for is mostly what came last.
+            // Requests are mostly for the newest cards.
             const auto found =
                 std::ranges::find(list.cards.rbegin(), list.cards.rend(), id, &TrelloCardRecord::id);
             if (found != list.cards.rend()) {

@@ -19,7 +19,7 @@ struct TrelloAttachmentRecord {
     std::uint64_t bytes = 0;
     Date date;
     std::string url;  // at Trello
-    std::string path; // on the shelf; empty for a link
+    std::string path; // in the file store; empty for a link
 };
 
 struct TrelloCardRecord {
@@ -46,7 +46,7 @@ struct TrelloBoardRecord {
     std::vector<TrelloListRecord> lists;
 };
 
-// Where a card lies.
+// A card with its list and board.
 struct TrelloPlace {
     TrelloBoardRecord* board;
     TrelloListRecord* list;
@@ -54,10 +54,10 @@ struct TrelloPlace {
 };
 
 // What a Trello account has: demo boards with the same identifiers in every sandbox, so that what a client
-// remembers of them stays good, and the cards that came in.
+// has stored of them stays valid, and the cards that were created.
 class TrelloStore {
   public:
-    static constexpr std::size_t largestCardCount = 20'000;
+    static constexpr std::size_t maximumCardCount = 20'000;
 
     TrelloStore();
 
@@ -96,7 +96,7 @@ JSONObject trelloAttachmentJSON(const TrelloAttachmentRecord& attachment);
 // What the page shows: boards with their lists, cards and attachments.
 JSONValue::Array trelloState(const std::vector<TrelloBoardRecord>& boards);
 
-// The members that "fields" names, in its order behind "id"; nothing if it names one that is not there.
+// "id" and the members that "fields" names, in its order; nullopt if it names an unknown one.
 std::optional<JSONObject> withTrelloFields(const JSONObject& whole, std::string_view fields);
 
 } // namespace zelto::sandbox

@@ -38,8 +38,8 @@ function commentItem(comment) {
 }
 
 function fillCard(item, card) {
-  item.replaceChildren(longText("h4", "", card.name, { longest: 200 }));
-  for (const fact of card.facts ?? []) item.append(longText("p", "note", fact, { longest: 200 }));
+  item.replaceChildren(longText("h4", "", card.name, { limit: 200 }));
+  for (const fact of card.facts ?? []) item.append(longText("p", "note", fact, { limit: 200 }));
   if (card.text) item.append(longText("div", "description", card.text, { links: true }));
   appendFiles(item, card.files);
   if (!card.comments?.length) return;

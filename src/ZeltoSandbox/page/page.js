@@ -2,7 +2,7 @@ import { addRequests, forgetRequests } from "/requests.js";
 import { element, reconcile } from "/text.js";
 
 const retryTime = 1000;
-const quietTime = 150; // at least, and as long as a look took, so that a thousand requests do not make a thousand looks
+const quietTime = 150; // ms between two updates; at least as long as one takes, so that a thousand requests are not a thousand updates
 const byId = (id) => document.getElementById(id);
 const pause = (time) => new Promise((resolve) => setTimeout(resolve, time));
 
@@ -12,11 +12,11 @@ const pause = (time) => new Promise((resolve) => setTimeout(resolve, time));
 const modules = new Map();
 
 let last = 0; // number of the newest request that is shown
-let round = 0; // counts the starts
-let looking = false;
+let round = 0; // counts the times that the page began anew
+let updating = false;
 let changed = false;
 
-function tell(state, text) {
+function showConnection(state, text) {
   const connection = byId("connection");
   if (connection.dataset.state === state) return;
   connection.dataset.state = state;
@@ -24,9 +24,9 @@ function tell(state, text) {
 }
 
 async function get(path) {
-  const answer = await fetch(path, { cache: "no-store" });
-  if (!answer.ok) throw new Error(`${path}: ${answer.status}`);
-  return answer.json();
+  const response = await fetch(path, { cache: "no-store" });
+  if (!response.ok) throw new Error(`${path}: ${response.status}`);
+  return response.json();
 }
 
 async function loadModule(key) {
@@ -54,60 +54,60 @@ function showServices(keys, state) {
   return counts.reduce((sum, count) => sum + count, 0);
 }
 
-async function look() {
-  const begun = round;
+async function update() {
+  const started = round;
   const [state, received] = await Promise.all([get("/control/state"), get(`/control/requests?after=${last}`)]);
   const keys = state.services.filter((each) => each.requests > 0).map((each) => each.name.toLowerCase())
     .filter((key) => key in state);
   await Promise.all(keys.filter((key) => !modules.has(key)).map(loadModule));
-  if (begun !== round) return;
+  if (started !== round) return;
   byId("nothing-made").hidden = showServices(keys, state) > 0;
   addRequests(received.requests, state);
   last = received.requests.at(-1)?.number ?? last;
   byId("no-requests").hidden = last > 0;
 }
 
-// Looks once for any number of changes that come in while it does.
-async function lookSoon() {
+// One update covers all changes that arrive during the one before.
+async function updateSoon() {
   changed = true;
-  if (looking) return;
-  looking = true;
+  if (updating) return;
+  updating = true;
   while (changed) {
     changed = false;
-    const begun = performance.now();
+    const started = performance.now();
     try {
-      await look();
+      await update();
     } catch (problem) {
-      // If the sandbox is gone, the event stream tells so.
+      // If the sandbox has ended, the event stream notices it.
       changed = true;
       await pause(retryTime);
     }
-    await pause(Math.max(quietTime, performance.now() - begun));
+    await pause(Math.max(quietTime, performance.now() - started));
   }
-  looking = false;
+  updating = false;
 }
 
 function startOver() {
   round += 1;
   last = 0;
   forgetRequests();
-  lookSoon();
+  updateSoon();
 }
 
 function connect() {
   const events = new EventSource("/control/events");
   events.addEventListener("open", () => {
-    tell("live", "Live");
+    showConnection("live", "Live");
     startOver();
   });
   events.addEventListener("change", (event) => {
-    // Fewer than before: it was reset.
+    // Fewer than before: the sandbox was reset.
     if (JSON.parse(event.data).requests < last) startOver();
-    else lookSoon();
+    else updateSoon();
   });
   events.addEventListener("error", () => {
     events.close();
-    tell("ended", "The sandbox has ended. This page goes on when it is started again on the same port.");
+    showConnection("ended", "The sandbox has ended. This page goes on when it is started again on the same port.");
     setTimeout(connect, retryTime);
   });
 }

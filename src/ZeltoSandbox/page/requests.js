@@ -6,8 +6,8 @@ const list = document.getElementById("requests");
 const services = document.getElementById("services");
 const older = document.getElementById("older");
 
-let refused = new Map(); // service: how many of those that came in here; null stands for all
-let chosen = null; // the service whose requests are shown
+let refused = new Map(); // by service: how many were refused while the page was open; null for all services
+let chosen = null; // the service whose requests are shown; null for all
 
 function timeOf(record) {
   const time = element("time");
@@ -82,7 +82,7 @@ export function forgetRequests() {
   older.hidden = true;
 }
 
-// The newest stand first. `state` has the counts, also of those that the sandbox does not keep any more.
+// The newest come first. `state` has the counts, with the requests that the sandbox no longer keeps.
 export function addRequests(records, state) {
   for (const { service } of records.filter((record) => record.problem)) {
     for (const each of [null, service]) refused.set(each, (refused.get(each) ?? 0) + 1);

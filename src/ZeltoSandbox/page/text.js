@@ -1,7 +1,7 @@
 // Whatever comes from outside enters the page through these functions, as text.
 
-// Characters that nobody sees, or that change the order of those around them; not line ends, tabs, and the two
-// joiners that scripts and emoji need.
+// Characters that are invisible or change the order of those around them, except line ends, tabs, and the two joiners
+// that scripts and emoji need.
 const unseen = /(?![\n\t\u200c\u200d])[\p{Cc}\p{Cf}\p{Zl}\p{Zp}]+/gu;
 const webAddress = /https?:\/\/[^\s<>"'`\\^{|}\p{Cc}\p{Cf}]+/giu;
 
@@ -23,7 +23,7 @@ function appendVisible(parent, text) {
   parent.append(text.slice(end));
 }
 
-// An element with foreign text, whose direction of writing stays within it.
+// An element with foreign text, whose direction of writing does not affect what surrounds it.
 export function foreign(tag, className, text) {
   const made = element(tag, className);
   made.dir = "auto";
@@ -31,7 +31,7 @@ export function foreign(tag, className, text) {
   return made;
 }
 
-// A link that is shown as text; followed only if it leads to a web site, and never with this page's address.
+// An address as text; a link only if it leads to a web site, which does not learn this page's address.
 export function webLink(address) {
   const url = URL.canParse(address) ? new URL(address) : null;
   if (url?.protocol !== "http:" && url?.protocol !== "https:") return foreign("span", "address", address);
@@ -42,7 +42,7 @@ export function webLink(address) {
   return link;
 }
 
-// Without what belongs to the sentence around an address; its own brackets come in pairs.
+// Without the punctuation of the sentence around an address; its own brackets come in pairs.
 function withoutPunctuation(address) {
   let unopened = address.split(")").length - address.split("(").length;
   let end = address.length;
@@ -64,14 +64,14 @@ function fillWithLinks(parent, text) {
   appendVisible(parent, text.slice(end));
 }
 
-// Foreign text that is cut where it is long, until its button is pressed; `links` makes links of web addresses.
-export function longText(tag, className, text, { longest = 600, links = false } = {}) {
+// Foreign text, shortened beyond `limit` characters until its button is pressed; `links` makes web addresses links.
+export function longText(tag, className, text, { limit = 600, links = false } = {}) {
   const whole = text.replaceAll("\r\n", "\n");
   const characters = Array.from(whole);
   const fill = links ? fillWithLinks : appendVisible;
   const made = element(tag, className);
   made.dir = "auto";
-  if (characters.length <= longest) {
+  if (characters.length <= limit) {
     fill(made, whole);
     return made;
   }
@@ -79,7 +79,7 @@ export function longText(tag, className, text, { longest = 600, links = false } 
   more.type = "button";
   const show = (all) => {
     made.replaceChildren();
-    fill(made, all ? whole : characters.slice(0, longest / 2).join("") + "… ");
+    fill(made, all ? whole : characters.slice(0, limit / 2).join("") + "… ");
     more.textContent = all ? "Show less" : `Show all ${characters.length.toLocaleString("en")} characters`;
     more.setAttribute("aria-expanded", all);
     made.append(more);
@@ -98,8 +98,8 @@ export function sizeText(bytes) {
   return `${(bytes / 1e6).toFixed(1)} MB`;
 }
 
-// Makes the children of `parent` those of the items, in their order. Those that stay keep their focus and what is
-// open in them; `update` is called for what is new or changed.
+// Gives `parent` one child for each item, in their order. Children that stay keep their focus and what is open in
+// them; `update` is called for those that are new or changed.
 export function reconcile(parent, items, make, update) {
   const known = new Map(Array.from(parent.children, (child) => [child.key, child]));
   const children = items.map((item) => {
