@@ -69,10 +69,11 @@ std::string nextPath(const SandboxRequest& request, const std::string& offset) {
     return path + separator + "offset=" + offset;
 }
 
-std::vector<std::string_view> listed(std::string_view text) {
-    std::vector<std::string_view> items;
+// The items of a list that commas separate.
+std::vector<std::string> listed(std::string_view text) {
+    std::vector<std::string> items;
     while (!text.empty()) {
-        items.push_back(text.substr(0, text.find(',')));
+        items.emplace_back(text.substr(0, text.find(',')));
         text.remove_prefix(std::min(items.back().size() + 1, text.size()));
     }
     return items;
@@ -218,7 +219,7 @@ SandboxResponse AsanaSandbox::addTask(const SandboxRequest& request) {
     }
     auto task = taskOf(request);
     if (!task) {
-        return task.error();
+        return refused(400, task.error());
     }
     if (store_->tasks().size() >= AsanaStore::maximumTaskCount) {
         return refused(403, "There are as many tasks as the sandbox keeps; reset it.");
@@ -274,41 +275,66 @@ Result<AsanaTaskRecord*, SandboxResponse> AsanaSandbox::taskAt(const SandboxRequ
     return found;
 }
 
-Result<AsanaTaskRecord, SandboxResponse> AsanaSandbox::taskOf(const SandboxRequest& request) const {
-    const auto refusal = [](std::string message) { return zelto::failure(refused(400, std::move(message))); };
-    const auto workspaceGID = request.formValue("workspace").value_or("");
-    const auto projects = request.formValue("projects").value_or("");
-    if (workspaceGID.empty() && projects.empty()) {
-        return refusal("You should specify one of workspace, parent, projects");
+Result<AsanaTaskRecord, std::string> AsanaSandbox::taskOf(const SandboxRequest& request) const {
+    const auto projects = listed(request.formValue("projects").value_or(""));
+    const auto workspace = workspaceOf(request, projects);
+    if (!workspace) {
+        return zelto::failure(workspace.error());
     }
     AsanaTaskRecord task;
-    task.workspace = workspaceGID.empty() ? store_->findWorkspaceOfProject(listed(projects).front())
-                                          : store_->findWorkspace(workspaceGID);
-    if (auto problem = gidProblem("workspace", workspaceGID, task.workspace);
-        problem && !workspaceGID.empty()) {
-        return refusal(std::move(*problem));
-    }
-    for (const auto gid : listed(projects)) {
-        const auto name = "projects: [" + std::to_string(task.projects.size()) + "]";
-        if (auto problem = gidProblem(name, gid, store_->findWorkspaceOfProject(gid))) {
-            return refusal(std::move(*problem));
-        }
+    task.workspace = *workspace;
+    for (const auto& gid : projects) {
         const auto* project = task.workspace->findProject(gid);
         if (!project) {
-            return refusal(name + ": Not in the task's workspace: " + std::string(gid));
+            return zelto::failure("projects: [" + std::to_string(task.projects.size()) +
+                                  "]: Not in the task's workspace: " + gid);
         }
         task.projects.push_back(project);
     }
     const auto assignee = request.formValue("assignee").value_or("");
     task.assignee = task.workspace->findUser(assignee);
     if (!assignee.empty() && !task.assignee) {
-        return refusal(task.workspace->isOrganization
-                           ? "assignee: Not a user in Organization: " + assignee
-                           : "assignee: Not a user in Workspace: " + task.workspace->gid);
+        return zelto::failure(task.workspace->isOrganization
+                                  ? "assignee: Not a user in Organization: " + assignee
+                                  : "assignee: Not a user in Workspace: " + task.workspace->gid);
     }
     task.name = request.formValue("name").value_or("");
     task.notes = request.formValue("notes").value_or("");
     return task;
+}
+
+Result<const AsanaWorkspaceRecord*, std::string>
+AsanaSandbox::workspaceOf(const SandboxRequest& request, const std::vector<std::string>& projects) const {
+    const auto gid = request.formValue("workspace").value_or("");
+    if (gid.empty() && projects.empty()) {
+        return zelto::failure(std::string("You should specify one of workspace, parent, projects"));
+    }
+    const auto* named = store_->findWorkspace(gid);
+    if (auto problem = gidProblem("workspace", gid, named); problem && !gid.empty()) {
+        return zelto::failure(*std::move(problem));
+    }
+    for (std::size_t i = 0; i < projects.size(); ++i) {
+        const auto name = "projects: [" + std::to_string(i) + "]";
+        if (auto problem = gidProblem(name, projects[i], store_->findWorkspaceOfProject(projects[i]))) {
+            return zelto::failure(*std::move(problem));
+        }
+    }
+    return named ? named : store_->findWorkspaceOfProject(projects.front());
+}
+
+Result<std::size_t, std::string> AsanaSandbox::positionOf(const SandboxRequest& request) {
+    const auto offset = request.queryValue("offset");
+    if (!offset) {
+        return std::size_t{0};
+    }
+    const auto* page = nextPages_.findEvenExpired(*offset);
+    if (!page || page->path != request.path) {
+        return zelto::failure(std::string("offset: Your pagination token is invalid."));
+    }
+    if (!nextPages_.find(*offset)) {
+        return zelto::failure(std::string("offset: Your pagination token has expired."));
+    }
+    return page->position;
 }
 
 SandboxResponse AsanaSandbox::list(const SandboxRequest& request, const std::vector<JSONObject>& records) {
@@ -317,39 +343,33 @@ SandboxResponse AsanaSandbox::list(const SandboxRequest& request, const std::vec
     if (!limit) {
         return refused(400, "limit: Must be between 1 and 100");
     }
-    std::size_t position = 0;
-    if (const auto offset = request.queryValue("offset")) {
-        const auto* page = nextPages_.findEvenExpired(*offset);
-        if (!page || page->path != request.path) {
-            return refused(400, "offset: Your pagination token is invalid.");
-        }
-        if (!nextPages_.find(*offset)) {
-            return refused(400, "offset: Your pagination token has expired.");
-        }
-        position = page->position;
+    const auto position = positionOf(request);
+    if (!position) {
+        return refused(400, position.error());
     }
-    if (!limitText && records.size() - std::min(position, records.size()) > maximumUnpagedCount) {
+    const auto begin = std::min(*position, records.size());
+    const auto end = std::min(records.size(), begin + *limit);
+    if (!limitText && end < records.size()) {
         return refused(400, "The result is too large. You should use pagination (may require specifying a "
                             "workspace)!");
     }
-    const auto end = std::min(records.size(), position + *limit);
     JSONValue::Array data;
-    for (auto i = position; i < end; ++i) {
-        const auto fields = request.queryValue("opt_fields");
+    const auto fields = request.queryValue("opt_fields");
+    for (auto i = begin; i < end; ++i) {
         data.push_back(fields ? asanaWithFields(records[i], *fields) : asanaCompact(records[i]));
     }
     JSONObject body{{"data", std::move(data)}};
     if (limitText) {
-        body.set("next_page", nullptr);
-    }
-    if (end < records.size()) {
-        const auto offset = nextPages_.add({request.path, end}, offsetLifetime);
-        const auto path = nextPath(request, offset);
-        body.set("next_page", JSONObject{{"offset", offset},
-                                         {"path", path},
-                                         {"uri", "https://app.asana.com" + std::string(apiRoot) + path}});
+        body.set("next_page", end < records.size() ? nextPage(request, end) : JSONValue());
     }
     return SandboxResponse::json(std::move(body));
+}
+
+JSONValue AsanaSandbox::nextPage(const SandboxRequest& request, std::size_t position) {
+    const auto offset = nextPages_.add({request.path, position}, offsetLifetime);
+    const auto path = nextPath(request, offset);
+    return JSONObject{
+        {"offset", offset}, {"path", path}, {"uri", "https://app.asana.com" + std::string(apiRoot) + path}};
 }
 
 JSONObject AsanaSandbox::state() const {

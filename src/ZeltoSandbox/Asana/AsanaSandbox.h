@@ -42,11 +42,17 @@ class AsanaSandbox final : public SandboxService {
 
     Result<const AsanaWorkspaceRecord*, SandboxResponse> workspaceAt(const SandboxRequest& request) const;
     Result<AsanaTaskRecord*, SandboxResponse> taskAt(const SandboxRequest& request);
-    // The workspace, the projects and the assignee that the form names.
-    Result<AsanaTaskRecord, SandboxResponse> taskOf(const SandboxRequest& request) const;
+    // The task that the form describes; the text of an error is Asana's message.
+    Result<AsanaTaskRecord, std::string> taskOf(const SandboxRequest& request) const;
+    // The workspace that the form names, or that of its first project.
+    Result<const AsanaWorkspaceRecord*, std::string>
+    workspaceOf(const SandboxRequest& request, const std::vector<std::string>& projects) const;
 
-    // The records from `offset` on, `limit` of them, as the query says, and where the next page begins.
+    // The page of the records that the query's `limit` and `offset` select.
     SandboxResponse list(const SandboxRequest& request, const std::vector<JSONObject>& records);
+    // Where the query's offset begins.
+    Result<std::size_t, std::string> positionOf(const SandboxRequest& request);
+    JSONValue nextPage(const SandboxRequest& request, std::size_t position);
 
     SandboxContext& context_;
     std::unique_ptr<AsanaStore> store_;
