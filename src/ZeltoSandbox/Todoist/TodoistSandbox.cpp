@@ -138,24 +138,15 @@ SandboxResponse TodoistSandbox::sync(const SandboxRequest& request) {
     if (!body) {
         return refused(body.error());
     }
-    const auto* json = body->find("commands");
-    if (!json && !body->find("resource_types")) {
-        return refused(TodoistError::missingArgument("resource_types"));
-    }
-    if (json && !mayWrite(request)) {
-        return failure(403).because("the token does not have the scope " + std::string(writeScope));
-    }
-    if (const auto* types = body->find("resource_types")) {
-        if (const auto problem = resourceProblem(*types)) {
-            return refused(*problem);
-        }
-    }
-    if (!knownRevision(*body)) {
-        return refused(TodoistError::invalidArgument("sync_token", "is unknown"));
+    if (const auto problem = bodyProblem(*body)) {
+        return refused(*problem);
     }
     JSONObject response;
     TodoistOutcome outcome;
-    if (json) {
+    if (const auto* json = body->find("commands")) {
+        if (!mayWrite(request)) {
+            return failure(403).because("the token does not have the scope " + std::string(writeScope));
+        }
         const auto commands = TodoistCommands::read(*json);
         if (!commands) {
             return refused(commands.error());
@@ -166,6 +157,18 @@ SandboxResponse TodoistSandbox::sync(const SandboxRequest& request) {
     response.set("temp_id_mapping", std::move(outcome.mapping));
     addResources(response, *body);
     return SandboxResponse::json(std::move(response)).because(std::move(outcome.problem));
+}
+
+std::optional<TodoistError> TodoistSandbox::bodyProblem(const JSONValue& body) {
+    const auto* types = body.find("resource_types");
+    if (!types && !body.find("commands")) {
+        return TodoistError::missingArgument("resource_types");
+    }
+    if (auto problem = types ? resourceProblem(*types) : std::nullopt) {
+        return problem;
+    }
+    return knownRevision(body) ? std::nullopt
+                               : std::optional(TodoistError::invalidArgument("sync_token", "is unknown"));
 }
 
 std::optional<std::uint64_t> TodoistSandbox::knownRevision(const JSONValue& body) {

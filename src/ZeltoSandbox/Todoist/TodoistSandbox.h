@@ -35,6 +35,8 @@ class TodoistSandbox final : public SandboxService {
     SandboxResponse upload(const SandboxRequest& request);
 
     bool mayWrite(const SandboxRequest& request);
+    // What is wrong with a sync request, apart from its commands.
+    std::optional<TodoistError> bodyProblem(const JSONValue& body);
     // The revision that the client has: 0 for all, nullopt for a token that is unknown.
     std::optional<std::uint64_t> knownRevision(const JSONValue& body);
     void addResources(JSONObject& response, const JSONValue& body);
