@@ -86,8 +86,7 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         }
         policy_ = edits.policy;
         if constexpr (HasTargets<Adapter>) {
-            // What is offered follows from the data, the default target for one.
-            const auto data = loading == DataLoading::never ? loaded(false) : loadedWhereMissing();
+            const auto data = targetData(edits, loading);
             if (!data) {
                 return failure(data.error());
             }
@@ -193,6 +192,14 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
             [&](auto done) { Adapter::loadTargetData(*exporter_, force, std::move(done)); });
         return data ? Outcome<Data>(*std::move(data))
                     : Outcome<Data>(failure(loadFailure(data.error(), service_, account_)));
+    }
+
+    auto targetData(const ConfigurationEdits& edits, DataLoading loading) {
+        // What is offered where a target is needed follows from the data: the default target.
+        if (!Adapter::needsTarget && !edits.target) {
+            return decltype(loaded(false))(std::nullopt);
+        }
+        return loading == DataLoading::never ? loaded(false) : loadedWhereMissing();
     }
 
     auto loadedWhereMissing() {

@@ -12,8 +12,9 @@ std::string planLine(const ExportPlan& plan, const MessageWork& work, const Term
     for (const auto& name : plan.attachments) {
         files += ", " + name;
     }
+    const auto title = plan.title.empty() ? "" : ": \"" + plan.title + "\"";
     return terminal.shown("Would go to " + work.service() + (plan.target.empty() ? "" : ", " + plan.target) +
-                          ": \"" + plan.title + "\" as " + std::string(nameOf(plan.saveAs)) + files + ".") +
+                          title + " as " + std::string(nameOf(plan.saveAs)) + files + ".") +
            "\n";
 }
 

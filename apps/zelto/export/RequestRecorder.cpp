@@ -3,7 +3,6 @@
 #include <ZeltoSandbox/Addressing.h>
 
 #include <Platform/ASCII.h>
-#include <Platform/HTTP/URLSessionConfiguration.h>
 #include <Platform/UTF8.h>
 
 #include <algorithm>
@@ -14,7 +13,6 @@ namespace zelto::cli {
 namespace {
 
 using sandbox::FormPart;
-using sandbox::SandboxRequest;
 
 // All of a text that an export composes; what is longer is shown by its size alone.
 constexpr std::size_t maximumText = std::size_t{16} << 20;
@@ -38,32 +36,31 @@ SentPart sent(const FormPart& part) {
     return sent;
 }
 
-SentRequest sent(const SandboxRequest& request) {
-    SentRequest sent{.method = request.method,
-                     .url = "https://" + request.host + request.head.target,
-                     .headers = request.head.fields,
-                     .bodySize = request.body ? request.body->size() : 0,
+SentRequest sent(const sandbox::RequestHead& head, std::uint64_t bodySize) {
+    const auto* host = head.field("Host");
+    SentRequest sent{.method = head.method,
+                     .url = "https://" + (host ? *host : "") + head.target,
+                     .headers = head.fields,
+                     .bodySize = bodySize,
                      .text = {},
                      .parts = {}};
     std::erase_if(sent.headers,
                   [](const HTTPHeaderField& field) { return equalIgnoringASCIICase(field.name, "Host"); });
-    std::ranges::transform(request.parts, std::back_inserter(sent.parts),
-                           [](const FormPart& part) { return zelto::cli::sent(part); });
-    if (sent.bodySize > 0 && sent.bodySize <= maximumText && isText(request.contentType)) {
-        sent.text = repairedUTF8(sandbox::SpoolRange::all(request.body).text(maximumText));
-    }
     return sent;
 }
 
-Result<SandboxRequest, std::string> taken(sandbox::RequestHead head,
-                                          std::shared_ptr<const sandbox::SpooledBytes> body) {
-    const auto* host = head.field("Host");
-    const auto question = std::min(head.target.find('?'), head.target.size());
-    sandbox::RequestAddress address{.host = host ? *host : "",
-                                    .path = head.target.substr(0, question),
-                                    .query = head.target.substr(std::min(question + 1, head.target.size())),
-                                    .webPrefix = {}};
-    return sandbox::requestOf(std::move(head), std::move(address), std::move(body));
+// What cannot be taken apart is shown by its size alone.
+void addBody(SentRequest& sent, sandbox::RequestHead head,
+             const std::shared_ptr<const sandbox::SpooledBytes>& body) {
+    const auto request = sandbox::requestOf(std::move(head), sandbox::RequestAddress(), body);
+    if (!request) {
+        return;
+    }
+    std::ranges::transform(request->parts, std::back_inserter(sent.parts),
+                           [](const FormPart& part) { return zelto::cli::sent(part); });
+    if (sent.bodySize <= maximumText && isText(request->contentType)) {
+        sent.text = repairedUTF8(sandbox::SpoolRange::all(body).text(maximumText));
+    }
 }
 
 } // namespace
@@ -77,9 +74,8 @@ Outcome<std::unique_ptr<RequestRecorder>> RequestRecorder::start(Respond respond
         options, std::move(space),
         {.refusal = [](const sandbox::RequestHead&) { return std::nullopt; },
          .respond =
-             [self = recorder.get()](sandbox::RequestHead head, auto body, std::uint64_t) {
-                 sandbox::SandboxResponse response{.body =
-                                                       self->responseTo(std::move(head), std::move(body))};
+             [self = recorder.get()](sandbox::RequestHead head, const auto& body, std::uint64_t) {
+                 sandbox::SandboxResponse response{.body = self->responseTo(std::move(head), body)};
                  return sandbox::PlannedResponse{
                      std::move(response).with("Content-Type", "application/json")};
              },
@@ -90,10 +86,14 @@ Outcome<std::unique_ptr<RequestRecorder>> RequestRecorder::start(Respond respond
                                "zelto export --verbose"});
     }
     recorder->server_ = *std::move(started);
-    auto defaults = URLSessionConfiguration::ephemeral();
+    auto defaults = recorder->defaultsBefore_;
     defaults.route = URL::parse("http://127.0.0.1:" + std::to_string(recorder->server_->port()));
     URLSessionConfiguration::setDefaults(std::move(defaults));
     return recorder;
+}
+
+RequestRecorder::~RequestRecorder() {
+    URLSessionConfiguration::setDefaults(defaultsBefore_);
 }
 
 std::vector<SentRequest> RequestRecorder::requests() const {
@@ -102,15 +102,14 @@ std::vector<SentRequest> RequestRecorder::requests() const {
 }
 
 std::string RequestRecorder::responseTo(sandbox::RequestHead head,
-                                        std::shared_ptr<const sandbox::SpooledBytes> body) {
-    const auto request = taken(std::move(head), std::move(body));
-    if (!request) {
-        return {};
+                                        const std::shared_ptr<const sandbox::SpooledBytes>& body) {
+    auto request = sent(head, body ? body->size() : 0);
+    if (request.bodySize > 0) {
+        addBody(request, std::move(head), body);
     }
-    auto recorded = sent(*request);
-    auto response = respond_(recorded);
+    auto response = respond_(request);
     const std::lock_guard guard(lock_);
-    requests_.push_back(std::move(recorded));
+    requests_.push_back(std::move(request));
     return response;
 }
 

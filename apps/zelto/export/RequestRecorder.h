@@ -3,6 +3,7 @@
 #include "base/Outcome.h"
 #include "export/SentRequest.h"
 
+#include <Platform/HTTP/URLSessionConfiguration.h>
 #include <ZeltoSandbox/HTTP/HTTPServer.h>
 
 #include <functional>
@@ -19,8 +20,12 @@ class RequestRecorder {
     // The JSON that a request is responded to with. Called on any thread.
     using Respond = std::function<std::string(const SentRequest&)>;
 
-    // Every new session of this process sends its requests to the recorder from then on.
+    // While the recorder exists, every new session of this process sends what is meant for services to it.
     static Outcome<std::unique_ptr<RequestRecorder>> start(Respond respond);
+
+    ~RequestRecorder();
+    RequestRecorder(const RequestRecorder&) = delete;
+    RequestRecorder& operator=(const RequestRecorder&) = delete;
 
     // In the order of their arrival.
     std::vector<SentRequest> requests() const;
@@ -28,8 +33,10 @@ class RequestRecorder {
   private:
     explicit RequestRecorder(Respond respond) : respond_(std::move(respond)) {}
 
-    std::string responseTo(sandbox::RequestHead head, std::shared_ptr<const sandbox::SpooledBytes> body);
+    std::string responseTo(sandbox::RequestHead head,
+                           const std::shared_ptr<const sandbox::SpooledBytes>& body);
 
+    const URLSessionConfiguration defaultsBefore_ = URLSessionConfiguration::ephemeral();
     const Respond respond_;
     mutable std::mutex lock_;
     std::vector<SentRequest> requests_;

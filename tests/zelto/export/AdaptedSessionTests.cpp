@@ -182,14 +182,23 @@ TEST_F(FolderSession, MissesNoTargetThatItCanDoWithout) {
     EXPECT_FALSE(plan->missingTarget);
 }
 
+TEST_F(FolderSession, LoadsNothingWhereNoTargetIsAskedFor) {
+    EXPECT_TRUE(session.prepare({}, DataLoading::whereMissing));
+    EXPECT_EQ(exporter->calls, Texts{});
+}
+
 TEST_F(FolderSession, LoadsDataThatWereNeverLoadedUnlessItMayNot) {
-    EXPECT_TRUE(session.prepare({}, DataLoading::never));
+    ConfigurationEdits edits;
+    edits.target = "Mail";
+    const auto unknown = session.prepare(edits, DataLoading::never);
+    ASSERT_FALSE(unknown);
+    EXPECT_EQ(unknown.error().name, "noTarget");
     EXPECT_EQ(exporter->calls, Texts{"cached"});
     exporter->calls.clear();
-    EXPECT_TRUE(session.prepare({}, DataLoading::whereMissing));
+    EXPECT_TRUE(session.prepare(edits, DataLoading::whereMissing));
     EXPECT_EQ(exporter->calls, (Texts{"cached", "fetch"}));
     exporter->calls.clear();
-    EXPECT_TRUE(session.prepare({}, DataLoading::whereMissing));
+    EXPECT_TRUE(session.prepare(edits, DataLoading::never));
     EXPECT_EQ(exporter->calls, Texts{"cached"});
 }
 
@@ -201,24 +210,23 @@ TEST_F(FolderSession, ExportsOnceWithoutAPolicyAndWithKeepBoth) {
     edits.policy = ExportFilePolicy::keepBoth;
     exporter->calls.clear();
     EXPECT_TRUE(run(edits));
-    EXPECT_EQ(exporter->calls, (Texts{"cached", "export keepBoth"}));
+    EXPECT_EQ(exporter->calls, (Texts{"export keepBoth"}));
 }
 
 TEST_F(FolderSession, OverridesWhatTheExportWithoutAPolicyHasFound) {
     ConfigurationEdits edits;
     edits.policy = ExportFilePolicy::overrideExisting;
-    exporter->isLoaded = true;
     exporter->firstResult = failure(IntegrationExportError::fileAlreadyExists);
     EXPECT_TRUE(run(edits));
-    EXPECT_EQ(exporter->calls, (Texts{"cached", "export without a policy", "export overrideExisting"}));
+    EXPECT_EQ(exporter->calls, (Texts{"export without a policy", "export overrideExisting"}));
     exporter->calls.clear();
     exporter->firstResult = failure(IntegrationExportError::canceled);
     EXPECT_EQ(run(edits).error(), IntegrationExportError::canceled);
-    EXPECT_EQ(exporter->calls, (Texts{"cached", "export without a policy"}));
+    EXPECT_EQ(exporter->calls, (Texts{"export without a policy"}));
     exporter->calls.clear();
     exporter->firstResult = {};
     EXPECT_TRUE(run(edits));
-    EXPECT_EQ(exporter->calls, (Texts{"cached", "export without a policy"}));
+    EXPECT_EQ(exporter->calls, (Texts{"export without a policy"}));
 }
 
 TEST_F(FolderSession, PreviewsTheOfferedTypeUnlessOneIsNamed) {
