@@ -250,9 +250,13 @@ std::string nothingToChoose(const TargetTree& tree, const std::string& service) 
            " to put it into; make one there first.";
 }
 
+bool holdsTargets(const TargetTree& tree) {
+    return !pathLinesOf(tree).empty();
+}
+
 Failure noTarget(const TargetTree& tree, const std::string& service, const std::string& account) {
     const bool isKnown = !tree.levels.empty();
-    if (isKnown && !tree.nodes.empty()) {
+    if (holdsTargets(tree)) {
         return {"noTarget", "No target is chosen.", "zelto export --target"};
     }
     return {"noTarget", "No target is chosen" + (isKnown ? ": " + nothingToChoose(tree, service) : "."),

@@ -40,7 +40,10 @@ std::string targetName(const TargetTree& tree, const TargetPath& path);
 // Each node on a line of its own with its identifier, below what holds it.
 std::string linesOf(const TargetTree& tree, const Terminal& terminal);
 
-// No target is chosen for an export that needs one; in a tree without nodes there is nothing to choose.
+// Whether there is anything on the last level.
+bool holdsTargets(const TargetTree& tree);
+
+// No target is chosen for an export that needs one; in a tree without targets there is nothing to choose.
 Failure noTarget(const TargetTree& tree, const std::string& service, const std::string& account);
 
 // What --target names cannot be looked up, since the account's data were never loaded.

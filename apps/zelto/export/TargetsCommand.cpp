@@ -43,7 +43,7 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
     }
     Report report{targets->data, invocation.has("--paths") ? terminal.shownLines(pathLinesOf(targets->tree))
                                                            : linesOf(targets->tree, terminal)};
-    if (targets->tree.nodes.empty()) {
+    if (!holdsTargets(targets->tree)) {
         report.text = nothingToChoose(targets->tree, displayName(account->serviceType())) + "\n";
         report.isNotice = true;
     }

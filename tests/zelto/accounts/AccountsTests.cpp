@@ -100,8 +100,8 @@ TEST(Services, AreAllListedWithWhatIsReady) {
             ready.push_back(*service.find("service")->asString());
         }
     }
-    EXPECT_EQ(ready,
-              (std::vector<std::string>{"OmniFocus", "Type2Do", "Things", "Trello", "Bear", "Agenda"}));
+    EXPECT_EQ(ready, (std::vector<std::string>{"OmniFocus", "Type2Do", "Things", "Asana", "Trello", "Bear",
+                                               "Agenda"}));
 }
 
 } // namespace zelto
