@@ -28,7 +28,7 @@ Registry& registry() {
     return types;
 }
 
-// The name of a wrapped value, the empty one of a wrapped plain value too.
+// The name of a wrapped value; empty for a wrapped plain value.
 std::optional<std::string> wrappedName(const JSONReader& reader) {
     if (reader.kind() != JSONKind::object || reader.count() != 2 || !reader.find(valueKey)) {
         return std::nullopt;

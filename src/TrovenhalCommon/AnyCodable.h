@@ -11,13 +11,13 @@
 
 namespace zelto {
 
-// Any value that has JSON, under one type. A value type; registering is safe on any thread.
+// Holds any value that has JSON, under one type. A value type; registering is safe on any thread.
 //
-// In JSON a value of a registered type is {"$type":"<name>","$value":<its JSON>}; every other value is its
-// own JSON, so that a map of strings is a plain object. The one plain value that could be mistaken, an object
-// with a key "$type", is wrapped under the empty name. What is read back from either form is the value
-// without the wrapping. An object of a registered type's name whose value is none of that type does not
-// decode; one of a name that nobody registered is kept as it is and written so again.
+// In JSON, a value of a registered type is {"$type":"<name>","$value":<its JSON>}; every other value is its
+// own JSON, so a map of strings is a plain object. The only plain value that is ambiguous, an object with a
+// key "$type", is wrapped under the empty name. Reading either form gives the value without the wrapping. An
+// object with a registered type's name whose value does not fit that type fails to decode; one with an
+// unregistered name is kept and written back unchanged.
 class AnyCodable {
   public:
     // null
@@ -29,19 +29,19 @@ class AnyCodable {
         : typeName_(registeredName(typeid(T))),
           json_([held = std::move(value)](DateStrategy strategy) { return JSONValue::of(held, strategy); }) {}
 
-    // The JSON of T goes under `name` from now on. Once for each type; a name that another type has already
-    // is a programming error: it is logged, and the first type keeps it.
+    // From now on, T's JSON is wrapped under `name`. To be called once for each type; using a name that
+    // another type has already is a programming error: it is logged, and the first type keeps the name.
     template <class T> static void RegisterType(std::string name) {
         registerType(std::move(name), typeid(T), [](const JSONReader& reader) { (void)reader.as<T>(); });
     }
 
-    // The name of the value's type, where that is a registered one.
+    // The name of the value's type, if it is registered.
     const std::optional<std::string>& typeName() const { return typeName_; }
 
     // The value's JSON, unwrapped.
     Result<JSONValue, EncodingError> json(DateStrategy strategy = DateStrategy::default_) const;
 
-    // The value as T; nothing if its JSON is none of a T, or belongs to another registered type.
+    // The value as T; `nullopt` if its JSON does not fit T, or it is of another registered type.
     template <class T> std::optional<T> value() const {
         const auto name = registeredName(typeid(T));
         if (typeName_ && name && *name != *typeName_) {
@@ -65,8 +65,8 @@ class AnyCodable {
     static std::optional<std::string> registeredName(std::type_index type);
 
     std::optional<std::string> typeName_;
-    std::function<Result<JSONValue, EncodingError>(DateStrategy)> json_; // empty: null
-    DateStrategy strategy_ = DateStrategy::default_;                     // of what was read
+    std::function<Result<JSONValue, EncodingError>(DateStrategy)> json_; // empty for null
+    DateStrategy strategy_ = DateStrategy::default_;                     // of the JSON that was read
 };
 
 ZELTO_JSON_CODED(AnyCodable);

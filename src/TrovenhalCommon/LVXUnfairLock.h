@@ -5,8 +5,8 @@
 
 namespace zelto {
 
-// A lock of four bytes for short sections. No order among those that wait; a waiter sleeps in the kernel.
-// Works with std::lock_guard. Not recursive.
+// A lock of four bytes for short critical sections. Waiting threads sleep in the kernel, and get the lock in
+// no particular order. Works with std::lock_guard. Not recursive.
 class LVXUnfairLock {
   public:
     LVXUnfairLock() = default;
@@ -42,7 +42,7 @@ class LVXUnfairLock {
     std::atomic<int> state_{free};
 };
 
-// What `function` gives, run under the lock.
+// Runs `function` under the lock and gives its result.
 template <class Lock, class F> decltype(auto) sync(Lock& lock, F&& function) {
     struct Guard {
         explicit Guard(Lock& each) : lock_(each) { lock_.lock(); }

@@ -5,7 +5,7 @@
 
 namespace zelto {
 
-// Lets the first call through and swallows all later ones, on whatever threads they come.
+// Lets only the first call through, and ignores later ones, on any thread.
 class OnceGate {
   public:
     // Whether this was the first call, and `execute` ran.

@@ -6,8 +6,8 @@
 
 namespace zelto {
 
-// A value that is reached under its lock alone. The callbacks run under the lock: keep them short, call
-// nothing foreign from them, and give no reference to the value out.
+// A value that is only accessible under its lock. Callbacks run under the lock: they must be short, must not
+// call unknown code, and must not let a reference to the value escape.
 template <class T> class Protected {
   public:
     Protected() = default;
@@ -27,7 +27,7 @@ template <class T> class Protected {
         return sync(lock_, [&] { return value_; });
     }
 
-    // The value before, which is thus destroyed outside of the lock.
+    // Gives the previous value, which is thus destroyed outside the lock.
     T exchange(T value) {
         return sync(lock_, [&] { return std::exchange(value_, std::move(value)); });
     }

@@ -5,8 +5,8 @@
 
 namespace zelto {
 
-// For what must not be, but can be lived with: logs the message as an error and goes on, in every build.
-// Gives the condition.
+// For conditions that should hold, but whose failure is tolerable: logs the message as an error and
+// continues, in every build. Gives the condition.
 bool skippableAssert(bool condition, std::string_view message,
                      const std::source_location& location = std::source_location::current());
 

@@ -10,7 +10,7 @@ std::vector<std::string_view> chunk(std::string_view text, std::size_t utf16Limi
     std::vector<std::string_view> pieces;
     utf16Limit = std::max<std::size_t>(utf16Limit, 1);
     while (!text.empty()) {
-        // A unit needs three bytes at most; more than the limit's worth is never looked at.
+        // A unit takes at most three bytes, so this covers the limit.
         const auto window = text.substr(0, std::min(text.size(), utf16Limit) * 3 + 4096);
         auto piece = prefixUTF16Units(window, utf16Limit);
         if (piece.empty()) {

@@ -25,7 +25,7 @@ std::optional<std::uint32_t> hexNumber(std::string_view text, std::size_t at, st
     return number;
 }
 
-// The bytes that an escape stands for and its length; a length of 0 says that there is none.
+// The bytes that an escape stands for, and its length; 0 if there is no escape.
 struct Escape {
     std::string bytes;
     std::size_t length = 0;

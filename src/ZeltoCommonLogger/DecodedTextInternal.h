@@ -1,6 +1,6 @@
 #pragma once
 
-// For the sources of the logger only.
+// Only for the sources of the logger.
 
 #include <cstddef>
 #include <optional>
@@ -10,16 +10,15 @@
 
 namespace zelto {
 
-// A text with its escapes resolved, and where each byte of it came from.
+// A text with its escapes decoded, and where each byte of it came from.
 struct DecodedText {
     std::string text;
-    std::vector<std::size_t>
-        positions; // of each byte in the original, and behind the last the original's end
+    std::vector<std::size_t> positions; // the place of each byte in the original, then the original's end
 
     static DecodedText plain(std::string_view original);
 };
 
-// Nothing where there is no escape to resolve. Broken escapes stay as they are.
+// `nullopt` if there is no escape. Invalid escapes stay as they are.
 std::optional<DecodedText> percentDecoded(const DecodedText& source);
 std::optional<DecodedText> jsonUnescaped(const DecodedText& source);
 

@@ -12,8 +12,8 @@ namespace {
 
 constexpr std::string_view mask = "***";
 
-// An escape inside of an escape, as a URL in the query of another, or JSON in a JSON string.
-constexpr int deepestDecoding = 2;
+// Levels of nested escapes, as for a URL in the query of another, or JSON in a JSON string.
+constexpr int maximumDecodingDepth = 2;
 
 void findSecrets(std::string_view text, const SecretIndex& index, std::vector<TextRange>& ranges) {
     if (!index.empty()) {
@@ -34,7 +34,7 @@ void findSecretsBehindEscapes(const DecodedText& source, const SecretIndex& inde
         for (const auto& range : found) {
             ranges.push_back({decoded->positions[range.begin], decoded->positions[range.end]});
         }
-        if (depth < deepestDecoding) {
+        if (depth < maximumDecodingDepth) {
             findSecretsBehindEscapes(*decoded, index, depth + 1, ranges);
         }
     }

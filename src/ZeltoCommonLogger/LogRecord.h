@@ -12,12 +12,12 @@ namespace zelto {
 enum class LogLevel { trace, info, warn, error };
 ZELTO_ENUM(LogLevel);
 
-// One line of the log, on its way to a sink.
+// One line of the log, as passed to a sink.
 struct LogRecord {
     LogLevel level = LogLevel::info;
-    std::string message;   // secrets are masked already; all else, line ends too, as it was logged
-    std::string function;  // as the caller names it: "store(credentials:)"
-    std::string_view file; // the source file, without its folders; lives as long as the process
+    std::string message;   // with secrets masked; everything else, line ends too, as it was logged
+    std::string function;  // as named by the caller: "store(credentials:)"
+    std::string_view file; // the name of the source file, without folders; lives as long as the process
     std::uint32_t line = 0;
     Date time;
 

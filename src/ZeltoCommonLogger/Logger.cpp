@@ -75,7 +75,7 @@ void deliver(Entry& entry, const LogRecord& record) {
     try {
         entry.sink(record);
     } catch (...) {
-        // A log that fails must not fail the work it tells of.
+        // A log that fails must not fail the work that is logged.
     }
     insideSink = false;
 }

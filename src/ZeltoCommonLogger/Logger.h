@@ -9,14 +9,14 @@
 
 namespace zelto {
 
-// Called with one record at a time, on the thread that logs. What a sink logs itself, or throws, is dropped.
+// Called with one record at a time, on the thread that logs. What a sink itself logs or throws is dropped.
 using LogSink = std::function<void(const LogRecord&)>;
 
-// Sends the log to a sink for as long as this lives; several may live at once. After the destructor the sink
+// Sends the log to a sink as long as this lives; there may be several at once. After the destructor the sink
 // is not called any more. The sink must not destroy its own subscription.
 class [[nodiscard]] LogSubscription {
   public:
-    // Without `minimum` the trace stays off.
+    // With the default minimum, trace lines are left out.
     explicit LogSubscription(LogSink sink, LogLevel minimum = LogLevel::info);
     ~LogSubscription();
     LogSubscription(LogSubscription&&) noexcept = default;
@@ -28,13 +28,13 @@ class [[nodiscard]] LogSubscription {
     std::shared_ptr<Entry> entry_;
 };
 
-// The process's log. Lines go nowhere until somebody subscribes. Secrets are masked before a sink sees them:
-// the values of known secret keys, and whatever the SecretRegistry holds. Any thread.
+// The process's log. Lines are dropped while there is no subscription. Secrets are masked before a sink sees
+// a line: the values of known secret keys, and the secrets of the SecretRegistry. Any thread.
 class Logger {
   public:
     static Logger& shared();
 
-    // Whether a line of this level reaches anybody: spares making costly messages.
+    // Whether a line of this level reaches a sink; saves composing expensive messages.
     bool isEnabled(LogLevel level) const;
 
     void log(LogLevel level, std::string_view message, std::string_view function,

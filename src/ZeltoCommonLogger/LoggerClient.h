@@ -4,8 +4,9 @@
 
 namespace zelto {
 
-// Base of a class that logs. All is static, so that classes of static operations log alike. `function` is the
-// operation's name as readers know it, "store(credentials:)"; file and line are those of the caller.
+// Base of a class that logs. Everything is static, so that classes with only static operations can log too.
+// `function` is the operation's name as readers know it, "store(credentials:)"; file and line are those of
+// the caller.
 class LoggerClient {
   public:
     static Logger& logger() { return Logger::shared(); }

@@ -16,8 +16,8 @@ void wipe(std::string& text) {
     explicit_bzero(text.data(), text.size());
 }
 
-// The characters of the Base64 text of any bytes with `secret` in them, at `shift` bytes after a group of
-// three, that the secret alone decides.
+// The characters that the secret alone determines in the Base64 text of bytes that contain it, `shift` bytes
+// after a group of three.
 std::string base64Core(std::string_view secret, std::size_t shift) {
     const auto bitAt = [&](std::size_t bit) {
         const auto byte = static_cast<unsigned char>(secret[bit / 8]);
@@ -55,7 +55,8 @@ bool isBase64Character(char c) {
     return standardAlphabet.find(c) != std::string_view::npos || c == '-' || c == '_' || c == '=';
 }
 
-// With the characters that hold some bits of the secret besides others, and the padding.
+// The range extended by the characters that contain bits of both the secret and its neighbours, and by the
+// padding.
 TextRange withNeighbours(std::string_view text, TextRange range) {
     if (range.begin > 0 && isBase64Character(text[range.begin - 1])) {
         --range.begin;
@@ -87,7 +88,7 @@ SecretForms::~SecretForms() {
 void SecretForms::add(std::string text, bool base64) {
     const bool known = std::ranges::any_of(forms_, [&](const auto& form) { return form.text == text; });
     if (!known) {
-        // Reserved for all of them: growing would leave copies behind.
+        // Reserved for all of them: growing would leave copies of the secret in memory.
         forms_.reserve(8);
         forms_.push_back({std::move(text), base64});
     }
@@ -103,15 +104,15 @@ SecretIndex::SecretIndex(Secrets secrets) : secrets_(std::move(secrets)) {
     }
 }
 
-std::size_t SecretIndex::matchedLength(std::string_view rest, const SecretForms::Form& form) const {
+std::size_t SecretIndex::matchedLength(std::string_view remaining, const SecretForms::Form& form) const {
     const std::string_view wanted = form.text;
     const auto compared = std::min(wanted.size(), comparedLength);
-    if (!rest.starts_with(wanted.substr(0, compared))) {
+    if (!remaining.starts_with(wanted.substr(0, compared))) {
         return 0;
     }
-    const auto length = std::min(rest.size(), wanted.size());
-    const auto end =
-        std::mismatch(wanted.begin(), wanted.begin() + static_cast<std::ptrdiff_t>(length), rest.begin());
+    const auto length = std::min(remaining.size(), wanted.size());
+    const auto end = std::mismatch(wanted.begin(), wanted.begin() + static_cast<std::ptrdiff_t>(length),
+                                   remaining.begin());
     return static_cast<std::size_t>(end.first - wanted.begin());
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// For the sources of the logger only.
+// Only for the sources of the logger.
 
 #include <bitset>
 #include <cstdint>
@@ -18,7 +18,7 @@ struct TextRange {
     std::size_t end = 0;
 };
 
-// One secret and the forms that plain search must find; wiped at its end.
+// One secret in all forms that are searched for; wiped when it is destroyed.
 class SecretForms {
   public:
     explicit SecretForms(std::string_view secret);
@@ -28,7 +28,7 @@ class SecretForms {
 
     struct Form {
         std::string text;
-        bool base64 = false; // its outer characters hold bits of the neighbours
+        bool base64 = false; // its outer characters contain bits of the neighbours
     };
 
     std::span<const Form> forms() const { return forms_; }
@@ -39,8 +39,8 @@ class SecretForms {
     std::vector<Form> forms_;
 };
 
-// Finds all forms of some hundred secrets in one pass: candidates by a hash of their first bytes, then
-// compared. A form that is longer than `comparedLength` is found by that much of it, which also masks one
+// Finds all forms of some hundred secrets in one pass: candidates by a hash of their first bytes, which are
+// then compared. Of a form longer than `comparedLength` only that much is compared, which also masks a secret
 // that was cut, and keeps the time linear.
 class SecretIndex {
   public:
@@ -56,17 +56,17 @@ class SecretIndex {
     static constexpr std::size_t prefixLength = 6;
     static constexpr std::size_t comparedLength = 64;
 
-    // How far the search may go on.
+    // The offset at which the search may continue.
     std::size_t findAt(std::string_view text, std::size_t at, std::uint64_t prefix,
                        std::vector<TextRange>& ranges) const;
-    std::size_t matchedLength(std::string_view rest, const SecretForms::Form& form) const;
+    std::size_t matchedLength(std::string_view remaining, const SecretForms::Form& form) const;
 
     Secrets secrets_;
     std::bitset<1 << 16> filter_;
     std::unordered_map<std::uint64_t, std::vector<const SecretForms::Form*>> byPrefix_;
 };
 
-// The index of all secrets that are registered now.
+// The index of all secrets that are currently registered.
 std::shared_ptr<const SecretIndex> currentSecretIndex();
 
 } // namespace zelto

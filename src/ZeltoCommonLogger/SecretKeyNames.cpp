@@ -26,12 +26,12 @@ constexpr std::array<std::string_view, 8> headerKeys = {"authorization", "proxya
                                                         "setcookie",     "mcpsessionid",       "xapikey",
                                                         "xauthtoken",    "xgoogapikey"};
 
-constexpr std::size_t longestKey = 40;
+constexpr std::size_t maximumKeyLength = 40;
 
 } // namespace
 
 SecretKeyKind secretKeyKind(std::string_view key) {
-    if (key.size() > longestKey) {
+    if (key.size() > maximumKeyLength) {
         return SecretKeyKind::none;
     }
     std::string plain;

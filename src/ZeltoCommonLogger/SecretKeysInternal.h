@@ -1,6 +1,6 @@
 #pragma once
 
-// For the sources of the logger only.
+// Only for the sources of the logger.
 
 #include <ZeltoCommonLogger/SecretIndexInternal.h>
 
@@ -9,8 +9,8 @@
 
 namespace zelto {
 
-// Finds the values that stand behind known secret keys: `key=value` of queries and form bodies,
-// `"key":"value"` of JSON, header lines, "Bearer …" and the password of a URL. Linear in the text.
+// Finds the values of known secret keys: `key=value` of queries and form bodies, `"key":"value"` of JSON,
+// header lines, "Bearer …" and the password of a URL. Time is linear in the length.
 void findValuesOfSecretKeys(std::string_view text, std::vector<TextRange>& ranges);
 
 } // namespace zelto

@@ -14,7 +14,7 @@ struct Registered {
     std::mutex lock;
     std::uint64_t lastID = 0;
     std::map<std::uint64_t, std::shared_ptr<const SecretForms>> secrets;
-    std::shared_ptr<const SecretIndex> index; // made when next needed
+    std::shared_ptr<const SecretIndex> index; // made when it is next needed
 };
 
 // Never destroyed: other statics may hold registrations.

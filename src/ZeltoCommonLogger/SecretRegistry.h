@@ -6,13 +6,13 @@
 
 namespace zelto {
 
-// The secrets that are alive in the process, so that the log can mask them wherever they turn up. Any thread.
+// The process's live secrets, so that the log can mask them wherever they occur. Any thread.
 class SecretRegistry {
   public:
-    // Secrets of fewer bytes are not masked by value: they would turn up in ordinary words.
+    // Shorter secrets are not masked by value: they would occur in ordinary words.
     static constexpr std::size_t minimumLength = 6;
 
-    // Keeps one secret masked for as long as it lives; the registry's copies are wiped at its end.
+    // Keeps one secret masked as long as it lives; the registry's copies are wiped when it is destroyed.
     class [[nodiscard]] Registration {
       public:
         Registration() = default;
@@ -25,12 +25,12 @@ class SecretRegistry {
 
         explicit Registration(std::uint64_t id) : id_(id) {}
 
-        std::uint64_t id_ = 0; // 0: nothing registered
+        std::uint64_t id_ = 0; // 0 if nothing is registered
     };
 
     static SecretRegistry& shared();
 
-    // The same secret may be added many times; it stays masked until the last registration ends.
+    // The same secret may be added repeatedly; it stays masked until the last registration ends.
     Registration add(std::string_view secret);
 
   private:

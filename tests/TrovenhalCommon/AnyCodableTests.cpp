@@ -7,7 +7,7 @@
 
 namespace zelto {
 
-// Public for ADL.
+// Not in the anonymous namespace, for argument-dependent look-up.
 struct CachedProject {
     std::string name;
     Date changed;
@@ -63,7 +63,7 @@ TEST(AnyCodable, AMapThatLooksLikeAWrappedValueReadsBackUnchanged) {
     }
 }
 
-TEST(AnyCodable, AMapWithAValueThatIsNoTextConvertsToNothing) {
+TEST(AnyCodable, AMapWithAValueThatIsNoTextConvertsToNullopt) {
     EXPECT_EQ(readBack(R"({"a":"b","c":1})").value<TextMap>(), std::nullopt);
     EXPECT_EQ(readBack("[]").value<TextMap>(), std::nullopt);
     EXPECT_EQ(readBack("null").value<TextMap>(), std::nullopt);
@@ -119,7 +119,7 @@ TEST(AnyCodable, AnUnknownNameIsKeptAndWrittenAgain) {
     EXPECT_EQ(written(back), json);
 }
 
-TEST(AnyCodable, AValueOfAnotherRegisteredTypeConvertsToNothing) {
+TEST(AnyCodable, AValueOfAnotherRegisteredTypeConvertsToNullopt) {
     const Registered once;
     EXPECT_EQ(
         readBack(R"({"$type":"FromTheFuture","$value":{"name":"a","changed":1}})").value<CachedProject>(),

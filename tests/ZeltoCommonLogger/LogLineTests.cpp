@@ -19,7 +19,7 @@ LogRecord recordWith(std::string message) {
             .time = Date()};
 }
 
-TEST(LogLine, TellsFileLineFunctionAndMessage) {
+TEST(LogLine, ShowsFileLineFunctionAndMessage) {
     EXPECT_EQ(logLine(recordWith("it failed")), "Store.cpp:7 load(key:): it failed");
 }
 

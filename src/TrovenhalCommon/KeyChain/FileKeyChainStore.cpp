@@ -61,7 +61,7 @@ class FileKeyChainStore::File {
 
     const Path& where() const { return path_; }
 
-    // Nothing where there is no file yet.
+    // `nullopt` if there is no file yet.
     Result<std::optional<KeyChainValues>, KeyChainError> load() {
         const auto bytes = readPrivateFile(path_, fileLimit);
         if (!bytes) {
@@ -74,8 +74,8 @@ class FileKeyChainStore::File {
         return open(**bytes);
     }
 
-    // Reads, changes and writes the values under the lock of all processes, if `change` says that there is
-    // something to write.
+    // Reads, changes and writes the values under the lock between processes; writes only if `change` returns
+    // true.
     template <class F> Result<bool, KeyChainError> update(F change) {
         if (const auto ready = preparePrivateDirectory(path_.parent_path()); !ready) {
             return failure(ready.error());
@@ -123,7 +123,7 @@ class FileKeyChainStore::File {
         return written ? Result<bool, KeyChainError>(true) : failure(written.error());
     }
 
-    // The key of an existing file.
+    // Derives or reads the key of an existing file.
     Result<void, KeyChainError> useKeyOf(const KeyChainHeader& header) {
         const bool needsPassphrase = header.keySource == KeySource::passphrase;
         if (needsPassphrase != passphrase_.has_value()) {
@@ -148,7 +148,7 @@ class FileKeyChainStore::File {
         return {};
     }
 
-    // The key of a file that is about to be made.
+    // Makes the key of a new file.
     Result<void, KeyChainError> makeKeyOf(const KeyChainHeader& header) {
         auto key = passphrase_ ? derivedKey(header) : storedOrNewKey();
         if (!key) {
@@ -172,7 +172,7 @@ class FileKeyChainStore::File {
         return std::move(*key);
     }
 
-    // Nothing if there is no key file.
+    // `nullopt` if there is no key file.
     Result<std::optional<SecretBytes>, KeyChainError> readKeyFile() const {
         auto bytes = readPrivateFile(keyPath(), keyFileLimit);
         if (!bytes) {
@@ -200,7 +200,7 @@ class FileKeyChainStore::File {
         return std::move(**key);
     }
 
-    // A key file without a key chain is the rest of a crash, or of a key chain that was moved away.
+    // A key file without a key chain remains after a crash, or after a key chain was moved away.
     Result<SecretBytes, KeyChainError> storedOrNewKey() const {
         auto stored = readKeyFile();
         if (!stored) {
@@ -226,8 +226,8 @@ class FileKeyChainStore::File {
     std::optional<SecretBytes> passphrase_;
 
     std::mutex keyLock_;
-    KeyChainHeader header_; // of the file as last seen
-    SecretBytes key_;       // that fits it; empty before the first use
+    KeyChainHeader header_; // of the file when it was last read
+    SecretBytes key_;       // the key for it; empty before the first use
 };
 
 FileKeyChainStore::FileKeyChainStore(std::filesystem::path path, std::optional<std::string> passphrase,

@@ -1,6 +1,6 @@
 #pragma once
 
-// For the sources of the key chain only: brings in GLib.
+// Only for the sources of the key chain: brings in GLib.
 
 #include <gio/gio.h>
 
@@ -22,7 +22,7 @@ using GVariantPtr = std::unique_ptr<GVariant, GLibDeleter<g_variant_unref>>;
 using GHashTablePtr = std::unique_ptr<GHashTable, GLibDeleter<g_hash_table_unref>>;
 using GStringPtr = std::unique_ptr<char, GLibDeleter<g_free>>;
 
-// Where GLib's functions put their error.
+// Receives and owns an error of GLib's functions.
 class GErrorHolder {
   public:
     GErrorHolder() = default;
@@ -43,7 +43,7 @@ class GErrorHolder {
     GError* error_ = nullptr;
 };
 
-// A cancellable that ends whatever it is given to when its time is over.
+// A cancellable that cancels the calls it is passed to when its time limit is reached.
 class TimedCancellable {
   public:
     explicit TimedCancellable(std::chrono::milliseconds limit)
@@ -63,7 +63,7 @@ class TimedCancellable {
     GObjectPtr<GCancellable> cancellable_;
     std::mutex lock_;
     std::condition_variable_any ended_;
-    std::jthread timer_; // last: ends before what it uses
+    std::jthread timer_; // last: ends before the members that it uses
 };
 
 } // namespace zelto

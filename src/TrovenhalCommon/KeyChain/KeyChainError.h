@@ -7,11 +7,11 @@
 namespace zelto {
 
 enum class KeyChainErrorKind {
-    locked,      // there, but locked: the user must unlock it
-    unavailable, // no such service in this session, or it does not answer
-    damaged,     // the file is no key chain, is cut, or a bit of it has changed; nothing was written to it
-    wrongPassphrase, // a passphrase is missing, superfluous or another than the one it was made with
-    denied,          // another owner, or rights that let others in
+    locked,          // exists, but is locked: the user must unlock it
+    unavailable,     // no such service in this session, or it does not respond
+    damaged,         // the file is not a key chain, is truncated or was changed; it was not written to
+    wrongPassphrase, // a passphrase is missing, superfluous or wrong
+    denied,          // another owner, or permissions that give others access
     ioError,         // the system refused to read or write
 };
 ZELTO_ENUM(KeyChainErrorKind);

@@ -18,9 +18,9 @@ constexpr std::size_t checkOffset = 80;
 constexpr std::size_t checkSize = 16;
 constexpr std::size_t keyFileSize = 8 + keyChainKeySize + checkSize;
 
-// What a header may ask for; more would be a file that was made to take our memory away.
-constexpr std::uint32_t mostPasses = 16;
-constexpr std::uint64_t mostMemory = std::uint64_t{2} << 30;
+// Limits for a header: a file with more was made to exhaust our memory or time.
+constexpr std::uint32_t maximumPasses = 16;
+constexpr std::uint64_t maximumMemory = std::uint64_t{2} << 30;
 
 static_assert(keyChainKeySize == crypto_aead_xchacha20poly1305_ietf_KEYBYTES);
 static_assert(checkOffset - nonceOffset == crypto_aead_xchacha20poly1305_ietf_NPUBBYTES);
@@ -47,7 +47,7 @@ template <class Number> Number numberAt(const std::uint8_t* from) {
     return number;
 }
 
-// The part of the header that the key's check covers.
+// The part of the header that the check of the key covers.
 std::array<std::uint8_t, checkedByKey> beginningOf(const KeyChainHeader& header) {
     std::array<std::uint8_t, checkedByKey> bytes{};
     std::ranges::copy(fileMagic, bytes.begin());
@@ -58,7 +58,7 @@ std::array<std::uint8_t, checkedByKey> beginningOf(const KeyChainHeader& header)
     return bytes;
 }
 
-// Values as they are sealed: a count, then for each the key and the value behind their lengths.
+// The plain text that is sealed: a count, then each key and value with their lengths.
 SecretBytes serialized(const KeyChainValues& values) {
     std::size_t size = 8;
     for (const auto& [key, value] : values.byKey) {
@@ -79,36 +79,36 @@ SecretBytes serialized(const KeyChainValues& values) {
     return bytes;
 }
 
-std::optional<Bytes> takePart(Bytes& rest) {
-    if (rest.size() < 8) {
+std::optional<Bytes> takePart(Bytes& remaining) {
+    if (remaining.size() < 8) {
         return std::nullopt;
     }
-    const auto length = numberAt<std::uint64_t>(rest.data());
-    rest = rest.subspan(8);
-    if (length > rest.size()) {
+    const auto length = numberAt<std::uint64_t>(remaining.data());
+    remaining = remaining.subspan(8);
+    if (length > remaining.size()) {
         return std::nullopt;
     }
-    const auto part = rest.first(static_cast<std::size_t>(length));
-    rest = rest.subspan(part.size());
+    const auto part = remaining.first(static_cast<std::size_t>(length));
+    remaining = remaining.subspan(part.size());
     return part;
 }
 
-std::optional<KeyChainValues> parsed(Bytes rest) {
-    if (rest.size() < 8) {
+std::optional<KeyChainValues> parsed(Bytes remaining) {
+    if (remaining.size() < 8) {
         return std::nullopt;
     }
     KeyChainValues values;
-    const auto count = numberAt<std::uint64_t>(rest.data());
-    rest = rest.subspan(8);
+    const auto count = numberAt<std::uint64_t>(remaining.data());
+    remaining = remaining.subspan(8);
     for (std::uint64_t index = 0; index < count; ++index) {
-        const auto key = takePart(rest);
-        const auto value = key ? takePart(rest) : std::nullopt;
+        const auto key = takePart(remaining);
+        const auto value = key ? takePart(remaining) : std::nullopt;
         if (!value) {
             return std::nullopt;
         }
         values.byKey.emplace(std::string(key->begin(), key->end()), Data(value->begin(), value->end()));
     }
-    return rest.empty() ? std::optional<KeyChainValues>(std::move(values)) : std::nullopt;
+    return remaining.empty() ? std::optional<KeyChainValues>(std::move(values)) : std::nullopt;
 }
 
 } // namespace
@@ -125,7 +125,7 @@ std::optional<KeyChainHeader> KeyChainHeader::read(Bytes file) {
     header.memory = numberAt<std::uint64_t>(file.data() + 16);
     std::ranges::copy(file.subspan(24, 16), header.salt.begin());
     std::ranges::copy(file.subspan(40, 16), header.keyCheck.begin());
-    const bool isSane = source <= 1 && header.passes <= mostPasses && header.memory <= mostMemory;
+    const bool isSane = source <= 1 && header.passes <= maximumPasses && header.memory <= maximumMemory;
     return isSane ? std::optional(header) : std::nullopt;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// For the sources of the key chain only.
+// Only for the sources of the key chain.
 
 #include <TrovenhalCommon/KeyChain/SecretBytesInternal.h>
 
@@ -10,7 +10,7 @@
 
 namespace zelto {
 
-// How a key chain lies in a file. Numbers are little-endian.
+// The format of a key chain file. Numbers are little-endian.
 //
 //    0   8  "ZELTOKC1"
 //    8   4  what makes the key: 0 a key file, 1 a passphrase
@@ -22,7 +22,7 @@ namespace zelto {
 //   80  16  the header's check: BLAKE2b of the bytes before, not keyed
 //   96      the values, by XChaCha20-Poly1305 with all of the header as additional data
 //
-// The header's check tells damage from a wrong passphrase.
+// The header's check distinguishes damage from a wrong passphrase.
 struct KeyChainHeader {
     static constexpr std::size_t size = 96;
 
@@ -34,7 +34,7 @@ struct KeyChainHeader {
     std::array<std::uint8_t, 16> salt{};
     std::array<std::uint8_t, 16> keyCheck{};
 
-    // Nothing if the bytes are no such header, or a bit of it has changed.
+    // `nullopt` if the bytes are not such a header, or it was changed.
     static std::optional<KeyChainHeader> read(std::span<const std::uint8_t> file);
 
     bool isOfKey(const SecretBytes& key) const;
@@ -42,13 +42,13 @@ struct KeyChainHeader {
 
 inline constexpr std::size_t keyChainKeySize = 32;
 
-// The whole file. The header's check of the key and the nonce are made here.
+// The whole file. The check of the key and the nonce are made here.
 Data sealKeyChain(const KeyChainValues& values, KeyChainHeader header, const SecretBytes& key);
 
-// Nothing if the file is damaged.
+// `nullopt` if the file is damaged.
 std::optional<KeyChainValues> openKeyChain(std::span<const std::uint8_t> file, const SecretBytes& key);
 
-// Nothing if there is not enough memory.
+// `nullopt` if there is not enough memory.
 std::optional<SecretBytes> keyOfPassphrase(const SecretBytes& passphrase, const KeyChainHeader& header);
 
 // A key file: "ZELTOKF1", the key, and BLAKE2b of both (16 bytes).

@@ -14,7 +14,7 @@ namespace {
 struct CurrentStore {
     std::mutex lock;
     std::shared_ptr<LVXKeyChainStore> chosen;   // by the host
-    std::shared_ptr<LVXKeyChainStore> default_; // once needed
+    std::shared_ptr<LVXKeyChainStore> default_; // created when needed
 };
 
 CurrentStore& current() {

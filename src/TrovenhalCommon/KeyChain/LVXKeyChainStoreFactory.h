@@ -6,18 +6,19 @@
 
 namespace zelto {
 
-// The key chain in force. Any thread.
+// The process's current key chain. Any thread.
 struct LVXKeyChainStoreFactory {
     LVXKeyChainStoreFactory() = delete;
 
-    // The host's store; without one the default, which is chosen at the first call and stays. Never nothing.
+    // The host's store; without one the default store, which is chosen at the first call and kept. Never
+    // null.
     static std::shared_ptr<LVXKeyChainStore> keyChainStore();
 
-    // Nothing goes back to the default. Stores in use live on with whoever holds them.
+    // Null restores the default. A store that is in use lives on with its users.
     static void setStore(std::shared_ptr<LVXKeyChainStore> store);
 
-    // A new store of the kind that suits this session: the Secret Service where one is offered, a locked or
-    // broken one too, else the encrypted file "zelto/keychain" in the user's data directory ($XDG_DATA_HOME).
+    // A new store that suits this session: the Secret Service if there is one, even if it is locked or
+    // broken, else the encrypted file "zelto/keychain" in the user's data directory ($XDG_DATA_HOME).
     static std::shared_ptr<LVXKeyChainStore> defaultStore();
 };
 

@@ -7,7 +7,7 @@
 
 namespace zelto {
 
-// A key chain that ends with the process.
+// A key chain in memory, lost when the process ends.
 class MemoryKeyChainStore final : public LVXKeyChainStore {
   public:
     ~MemoryKeyChainStore() override;

@@ -44,7 +44,7 @@ Result<void, KeyChainError> checkFile(const path& where, const struct stat& stat
 }
 
 Result<FileDescriptor, FileError> openNoFollow(const path& where, int flags) {
-    // O_NONBLOCK: a pipe that was planted must not hold us.
+    // O_NONBLOCK: must not block on a pipe that someone put there.
     return FileManager::openFile(where, flags | O_NOFOLLOW | O_NONBLOCK);
 }
 
@@ -57,7 +57,7 @@ Result<void, KeyChainError> writeNewFile(const path& where, std::span<const std:
     if (const auto written = FileManager::writeAll(*file, text, where); !written) {
         return failure(errorOf(written.error()));
     }
-    // The umask may have taken our own rights away.
+    // The umask may have removed our own permissions.
     if (fchmod(file->number(), 0600) != 0 || fsync(file->number()) != 0) {
         return systemFailure(where);
     }

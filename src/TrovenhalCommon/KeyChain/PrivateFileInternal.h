@@ -1,6 +1,6 @@
 #pragma once
 
-// For the sources of the key chain only.
+// Only for the sources of the key chain.
 
 #include <TrovenhalCommon/KeyChain/KeyChainError.h>
 
@@ -15,22 +15,22 @@
 
 namespace zelto {
 
-// The file's bytes; nothing if there is none. Refused: symbolic links, what is no file, files of another user
-// or that let others in, and more than the limit.
+// The file's bytes; `nullopt` if there is none. Refused: symbolic links, what is not a regular file, files of
+// another user or that others have access to, and files beyond the limit.
 Result<std::optional<Data>, KeyChainError> readPrivateFile(const std::filesystem::path& path,
                                                            std::uint64_t limit);
 
-// Readers see the old bytes or the new, after a crash too. Only under the lock of the file: it writes to a
-// name beside it that is always the same, so that a crash leaves no more than one rest, which the next call
-// takes away. Mode 0600.
+// Readers see the old bytes or the new, even after a crash. To be called only under the file's lock: it
+// writes to a temporary file next to it that always has the same name, so that a crash leaves at most one,
+// which the next call removes. Mode 0600.
 Result<void, KeyChainError> replacePrivateFile(const std::filesystem::path& path,
                                                std::span<const std::uint8_t> bytes);
 
-// Makes the directory with mode 0700 where it is missing, the folders above it too. Refused: a directory of
-// another user, or one in which others may write.
+// Creates a missing directory and the missing ones above it with mode 0700. Refused: a directory of another
+// user, or one that others may write to.
 Result<void, KeyChainError> preparePrivateDirectory(const std::filesystem::path& directory);
 
-// Waits for the lock of all processes on the path, and holds it as long as the result lives.
+// Waits for the lock between processes on the path, and holds it as long as the result lives.
 Result<FileDescriptor, KeyChainError> lockFile(const std::filesystem::path& path);
 
 } // namespace zelto

@@ -1,6 +1,6 @@
 #pragma once
 
-// For the sources of the key chain only.
+// Only for the sources of the key chain.
 
 #include <Platform/Data.h>
 
@@ -13,8 +13,8 @@
 
 namespace zelto {
 
-// Memory for keys: between guard pages, kept out of the swap and of core dumps where the system lets us,
-// wiped when it goes.
+// Memory for keys: between guard pages, excluded from the swap and from core dumps where the system allows
+// it, wiped when it is freed.
 class SecretBytes {
   public:
     SecretBytes() = default;
@@ -35,14 +35,14 @@ class SecretBytes {
     std::size_t size_ = 0;
 };
 
-// Once before any other use of libsodium; again has no effect. Stops the process if the system has no random
-// numbers to give.
+// To be called before any other use of libsodium; repeated calls have no effect. Stops the process if the
+// system cannot provide random numbers.
 void startSodium();
 
 void wipe(Data& bytes);
 void wipe(std::string& text);
 
-// Values by key, wiped when they go.
+// Values by key, wiped when they are destroyed.
 class KeyChainValues {
   public:
     KeyChainValues() = default;

@@ -55,14 +55,14 @@ bool isLockedError(const GError& error) {
     return remote && std::string_view(remote.get()) == "org.freedesktop.Secret.Error.IsLocked";
 }
 
-// One use of the service. The proxies are made anew each time: nobody need run a main loop that would keep
-// older ones up to date, and a lock or a restart of the service is seen at once.
+// One use of the service. The proxies are created each time: nothing has to run a main loop that would keep
+// older ones up to date, and a locked or restarted service is noticed at once.
 class Session {
   public:
     Session(const std::string& application, std::chrono::milliseconds limit)
         : application_(application), cancellable_(limit) {}
 
-    // The user's default collection, which is not locked.
+    // Opens the user's default collection, which must not be locked.
     Result<void, KeyChainError> open() {
         service_.reset(secret_service_open_sync(SECRET_TYPE_SERVICE, nullptr, SECRET_SERVICE_OPEN_SESSION,
                                                 cancellable_.get(), error_.out()));
@@ -118,7 +118,7 @@ class Session {
                                                      key.c_str(), nullptr));
     }
 
-    // What the last error of the service means.
+    // The error that the service's last error stands for.
     Result<void, KeyChainError> failed() const {
         if (cancellable_.isOver()) {
             return unavailableError("it does not answer, or waits for the user.");
@@ -192,16 +192,16 @@ bool hasSessionBus() {
     return runtime && std::filesystem::exists(std::filesystem::path(runtime) / "bus", ignored);
 }
 
-// Whether a list of names that the bus gives holds the service's.
+// Whether the service's name is in a list of names from the bus.
 bool busLists(GDBusConnection& bus, const char* method) {
     constexpr int timeLimit = 2000; // ms
-    const GVariantPtr answer(g_dbus_connection_call_sync(
+    const GVariantPtr reply(g_dbus_connection_call_sync(
         &bus, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method, nullptr,
         G_VARIANT_TYPE("(as)"), G_DBUS_CALL_FLAGS_NONE, timeLimit, nullptr, nullptr));
-    if (!answer) {
+    if (!reply) {
         return false;
     }
-    const GVariantPtr names(g_variant_get_child_value(answer.get(), 0));
+    const GVariantPtr names(g_variant_get_child_value(reply.get(), 0));
     for (gsize index = 0; index < g_variant_n_children(names.get()); ++index) {
         const GVariantPtr name(g_variant_get_child_value(names.get(), index));
         if (std::string_view(g_variant_get_string(name.get(), nullptr)) == busName) {

@@ -6,18 +6,18 @@
 
 namespace zelto {
 
-// The desktop's key chain, reached over the session bus (the Secret Service of freedesktop.org): the user's
-// default collection, an item a key with the attributes "application" and "key". Values are stored as Base64,
-// which every service keeps as it is.
+// The desktop's key chain, by the session bus (the Secret Service of freedesktop.org): the user's default
+// collection, with one item per key that has the attributes "application" and "key". Values are stored as
+// Base64, which every service keeps unchanged.
 //
-// Nothing here asks the user: a locked collection is the error `locked`, and no answer within the time limit
-// is `unavailable`. So is a session without a service, and one without a default collection.
+// The user is never asked for anything: a locked collection is the error `locked`, and no response within the
+// time limit is `unavailable`, as is a session without a service, or without a default collection.
 class SecretServiceKeyChainStore final : public LVXKeyChainStore {
   public:
     explicit SecretServiceKeyChainStore(std::string application = "zelto",
                                         std::chrono::milliseconds timeLimit = std::chrono::seconds(15));
 
-    // Whether the session's bus has such a service or can start it; it may be locked or broken all the same.
+    // Whether the session's bus has such a service or can start it; it may still be locked or broken.
     static bool isOffered();
 
     Result<std::optional<Data>, KeyChainError> read(const std::string& key) override;

@@ -5,9 +5,9 @@ namespace zelto {
 namespace {
 
 // Limits of RFC 5321, in bytes.
-constexpr std::size_t longestLocalPart = 64;
-constexpr std::size_t longestDomain = 253;
-constexpr std::size_t longestLabel = 63;
+constexpr std::size_t maximumLocalPartLength = 64;
+constexpr std::size_t maximumDomainLength = 253;
+constexpr std::size_t maximumLabelLength = 63;
 
 bool isAtomCharacter(UChar32 c) {
     constexpr std::string_view others = "!#$%&'*+-/=?^_`{|}~";
@@ -21,7 +21,7 @@ bool isLabelCharacter(UChar32 c) {
     return c == '-' || isLetterOrMark(c) || isDecimalDigit(c);
 }
 
-// Where the local part before `at` begins; nothing if there is none.
+// Where the local part before `at` begins; `nullopt` if there is none.
 std::optional<std::size_t> localPartBegin(std::string_view text, std::size_t from, std::size_t at) {
     std::size_t begin = at;
     UChar32 following = '.'; // an address has no dot before its "@"
@@ -30,7 +30,7 @@ std::optional<std::size_t> localPartBegin(std::string_view text, std::size_t fro
         if (!isAtomCharacter(c) && (c != '.' || following == '.')) {
             break;
         }
-        if (at - position > longestLocalPart) {
+        if (at - position > maximumLocalPartLength) {
             return std::nullopt;
         }
         following = c;
@@ -57,12 +57,12 @@ bool canEndDomain(std::string_view label) {
     return letters >= 2;
 }
 
-// The label that begins at `at`, without hyphens at its end. Empty if there is none.
+// The label at `at`, without hyphens at its end. Empty if there is none.
 std::string_view labelAt(std::string_view text, std::size_t at) {
     auto end = at;
     for (;;) {
         const auto [c, position] = codePointAt(text, end);
-        if (!isLabelCharacter(c) || position - at > longestLabel + 1) {
+        if (!isLabelCharacter(c) || position - at > maximumLabelLength + 1) {
             break;
         }
         end = position;
@@ -71,7 +71,7 @@ std::string_view labelAt(std::string_view text, std::size_t at) {
         --end;
     }
     const auto label = text.substr(at, end - at);
-    return label.size() > longestLabel || label.starts_with('-') ? std::string_view() : label;
+    return label.size() > maximumLabelLength || label.starts_with('-') ? std::string_view() : label;
 }
 
 std::optional<std::size_t> domainEnd(std::string_view text, std::size_t begin) {
@@ -80,7 +80,7 @@ std::optional<std::size_t> domainEnd(std::string_view text, std::size_t begin) {
     for (int labels = 1;; ++labels) {
         const auto label = labelAt(text, at);
         const auto labelEnd = at + label.size();
-        if (label.empty() || labelEnd - begin > longestDomain) {
+        if (label.empty() || labelEnd - begin > maximumDomainLength) {
             return end;
         }
         if (labels >= 2 && canEndDomain(label)) {

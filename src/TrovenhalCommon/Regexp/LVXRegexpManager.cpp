@@ -18,7 +18,7 @@ std::optional<FoundText> find(LVXRegexpPatterns pattern, std::string_view text, 
     return std::nullopt;
 }
 
-// Goes from match to match.
+// Steps from match to match.
 class Matcher {
   public:
     Matcher(LVXRegexpPatterns pattern, std::string_view text) : pattern_(pattern), text_(text) {}

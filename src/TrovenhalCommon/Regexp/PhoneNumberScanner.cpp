@@ -10,9 +10,9 @@ namespace zelto {
 namespace {
 
 constexpr int fewestDigits = 5;
-constexpr int mostDigits = 15; // of ITU-T E.164
-constexpr int mostSeparators = 3;
-constexpr int mostExtensionDigits = 7;
+constexpr int maximumDigits = 15; // ITU-T E.164
+constexpr int maximumSeparators = 3;
+constexpr int maximumExtensionDigits = 7;
 
 bool isBlank(UChar32 c) {
     return c == ' ' || c == 0xA0 || c == 0x2009 || c == 0x202F;
@@ -27,17 +27,17 @@ bool isLetterOrDigit(UChar32 c) {
     return isLetterOrMark(c) || isDecimalDigit(c);
 }
 
-// Digits that stand together end here, and so many have been counted up to it.
+// The end of a group of adjacent digits, and the number of digits up to it.
 struct Group {
     std::size_t end = 0;
     int digits = 0;
 };
 
-// What reads on from a first digit like one number.
+// A sequence after a first digit that reads like one number.
 struct Run {
-    std::array<Group, mostDigits> groups{};
+    std::array<Group, maximumDigits> groups{};
     int groupCount = 0;
-    std::size_t end = 0; // of all that was read, where the search goes on
+    std::size_t end = 0; // of the whole sequence, where the search continues
     bool isTooLong = false;
 };
 
@@ -49,14 +49,14 @@ Run runAt(std::string_view text, std::size_t at) {
     for (;;) {
         const auto [c, position] = codePointAt(text, at);
         if (isDecimalDigit(c)) {
-            run.isTooLong = run.isTooLong || ++digits > mostDigits;
+            run.isTooLong = run.isTooLong || ++digits > maximumDigits;
             if (!run.isTooLong) {
                 run.groupCount += isInGroup ? 0 : 1;
                 run.groups[static_cast<std::size_t>(run.groupCount - 1)] = {position, digits};
             }
             isInGroup = true;
             separators = 0;
-        } else if (isSeparator(c) && separators < mostSeparators) {
+        } else if (isSeparator(c) && separators < maximumSeparators) {
             ++separators;
             isInGroup = false;
         } else {
@@ -78,12 +78,12 @@ bool hasBalancedParentheses(std::string_view text) {
     return open == 0;
 }
 
-// Behind the digits of an extension at `at`; `at` itself if there is none.
+// The end of the extension at `at`; `at` itself if there is none.
 std::size_t extensionEnd(std::string_view text, std::size_t at) {
     auto position = std::min(text.find_first_not_of(" ,;", at), text.size());
-    const auto rest = text.substr(position, 10);
+    const auto remaining = text.substr(position, 10);
     const auto begins = [&](std::string_view mark) {
-        return equalIgnoringASCIICase(rest.substr(0, mark.size()), mark);
+        return equalIgnoringASCIICase(remaining.substr(0, mark.size()), mark);
     };
     constexpr std::array<std::string_view, 6> marks = {"extension", "ext.", "ext=", "ext", "x", "#"};
     const auto mark = std::ranges::find_if(marks, begins);
@@ -96,14 +96,14 @@ std::size_t extensionEnd(std::string_view text, std::size_t at) {
     for (auto step = codePointAt(text, position); isDecimalDigit(step.value);
          step = codePointAt(text, position)) {
         position = step.position;
-        if (++digits > mostExtensionDigits) {
+        if (++digits > maximumExtensionDigits) {
             return at;
         }
     }
     return digits > 0 && !isLetterOrDigit(codePointAt(text, position).value) ? position : at;
 }
 
-// The longest number at `begin` that stands by itself.
+// The longest number at `begin` without an adjacent letter or digit.
 std::optional<FoundText> numberIn(std::string_view text, std::size_t begin, const Run& run) {
     for (int index = run.groupCount - 1; index >= 0 && !run.isTooLong; --index) {
         const auto& group = run.groups[static_cast<std::size_t>(index)];
@@ -119,7 +119,7 @@ std::optional<FoundText> numberIn(std::string_view text, std::size_t begin, cons
     return std::nullopt;
 }
 
-// The first digit of a number that may begin at `at` with a digit, "+" or "(".
+// The first digit of a number that could begin at `at`, with a digit, "+" or "(".
 std::optional<std::size_t> firstDigit(std::string_view text, std::size_t at) {
     for (int marks = 0; marks < 3; ++marks) {
         const auto [c, position] = codePointAt(text, at);
@@ -147,7 +147,7 @@ std::optional<FoundText> findPhoneNumber(std::string_view text, std::size_t from
             continue;
         }
         const auto run = runAt(text, *digit);
-        // "(030) 1" begins with its parenthesis, "(call 0301234567)" and "(0301234567)" do not.
+        // "(030) 1" begins with its parenthesis; "(call 0301234567)" and "(0301234567)" do not.
         for (auto begin = at; begin <= *digit; ++begin) {
             if (const auto found = numberIn(text, begin, run)) {
                 return found;

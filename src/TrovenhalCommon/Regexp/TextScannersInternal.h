@@ -1,6 +1,6 @@
 #pragma once
 
-// For the sources of the patterns only: brings in ICU.
+// Only for the sources of the patterns: brings in ICU.
 
 #include <cstddef>
 #include <optional>
@@ -16,11 +16,12 @@ struct FoundText {
     std::size_t end = 0;
 };
 
-// The first match at `from` or behind it.
+// The first match at or after `from`.
 std::optional<FoundText> findEmail(std::string_view text, std::size_t from);
 std::optional<FoundText> findPhoneNumber(std::string_view text, std::size_t from);
 
-// A code point and the position on its far side. Negative where the text ends or is not UTF-8.
+// A code point and the position after it (or before it, backwards). Negative where the text ends or is not
+// UTF-8.
 struct CodePointStep {
     UChar32 value = U_SENTINEL;
     std::size_t position = 0;
@@ -37,7 +38,7 @@ inline CodePointStep codePointAt(std::string_view text, std::size_t at) {
 inline CodePointStep codePointBefore(std::string_view text, std::size_t at) {
     CodePointStep step{U_SENTINEL, at};
     if (at > 0) {
-        // The macro wants a signed position; it looks at four bytes at most.
+        // The macro takes a signed position; it reads at most four bytes.
         const std::size_t start = at > 4 ? at - 4 : 0;
         auto offset = static_cast<int>(at - start);
         U8_PREV(text.data() + start, 0, offset, step.value);

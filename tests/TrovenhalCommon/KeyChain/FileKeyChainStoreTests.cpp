@@ -54,7 +54,7 @@ TEST_F(FileKeyChain, WhatWasWrittenIsReadByAnotherStore) {
     EXPECT_EQ(store().read("b").value(), dataOf("two"));
 }
 
-TEST_F(FileKeyChain, AnUnknownKeyIsNothingAndNoError) {
+TEST_F(FileKeyChain, AnUnknownKeyIsNulloptAndNoError) {
     EXPECT_EQ(store().read("a").value(), std::nullopt);
     EXPECT_FALSE(store().erase("a").value());
     ASSERT_TRUE(store().write("a", dataOf("one")));
@@ -93,7 +93,7 @@ TEST_F(FileKeyChain, TakesAnyKeyAndAnyBytes) {
     }
 }
 
-TEST_F(FileKeyChain, TheThreeSimpleOperationsAnswerWithoutReasons) {
+TEST_F(FileKeyChain, TheThreeSimpleOperationsGiveNoReasons) {
     auto chain = store();
     EXPECT_EQ(chain.data("a"), std::nullopt);
     EXPECT_TRUE(chain.set(dataOf("x"), "a"));
@@ -140,7 +140,7 @@ TEST_F(FileKeyChain, AFileThatOthersMayReadIsRefused) {
 }
 
 TEST_F(FileKeyChain, AFileOfAnotherUserIsRefused) {
-    // Only root can give a file away; anybody else has the system's files, which are root's.
+    // Only root can give a file to another user; others use a file of the system, which belongs to root.
     fs::path foreign = "/etc/passwd";
     if (geteuid() == 0) {
         foreign = path_;
@@ -235,7 +235,7 @@ TEST_F(FileKeyChain, AMissingKeyFileIsDamageAndNoNewOneIsMade) {
     EXPECT_FALSE(fs::exists(keyFile));
 }
 
-TEST_F(FileKeyChain, TheKeyFileOfAnotherKeyChainIsToldApart) {
+TEST_F(FileKeyChain, TheKeyFileOfAnotherKeyChainIsDistinguished) {
     ASSERT_TRUE(store().write("a", dataOf("one")));
     const auto other = FileManager::temporaryPath("keychain").value();
     ASSERT_TRUE(FileKeyChainStore(other).write("a", dataOf("two")));
@@ -262,7 +262,7 @@ TEST_F(FileKeyChain, APassphraseOpensWhatItWasMadeWith) {
     EXPECT_EQ(FileKeyChainStore(path_, "correct horse").read("a").value(), dataOf("one"));
 }
 
-TEST_F(FileKeyChain, AWrongMissingOrEmptyPassphraseIsToldAsSuch) {
+TEST_F(FileKeyChain, AWrongMissingOrEmptyPassphraseIsReportedAsSuch) {
     ASSERT_TRUE(FileKeyChainStore(path_, "correct horse", cheap).write("a", dataOf("one")));
     const auto before = fileBytes(path_);
     for (const std::optional<std::string>& passphrase :
@@ -278,7 +278,7 @@ TEST_F(FileKeyChain, AWrongMissingOrEmptyPassphraseIsToldAsSuch) {
     EXPECT_EQ(fileBytes(path_), before);
 }
 
-TEST_F(FileKeyChain, APassphraseForAFileWithoutOneIsToldAsSuch) {
+TEST_F(FileKeyChain, APassphraseForAFileWithoutOneIsReportedAsSuch) {
     ASSERT_TRUE(store().write("a", dataOf("one")));
     EXPECT_EQ(kindOf(FileKeyChainStore(path_, "superfluous", cheap).read("a")),
               KeyChainErrorKind::wrongPassphrase);
@@ -386,7 +386,7 @@ TEST_F(FileKeyChain, AKillAtAnyMomentLeavesTheStateBeforeOrAfter) {
                 }
             }
         });
-        // A different moment of its work in each round.
+        // At a different moment of its work in each round.
         std::this_thread::sleep_for(std::chrono::microseconds(200 + 137 * round));
         kill(child, SIGKILL);
         const auto status = statusOf(child);

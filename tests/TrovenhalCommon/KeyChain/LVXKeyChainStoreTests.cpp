@@ -14,7 +14,7 @@
 namespace zelto {
 namespace {
 
-// Sets a variable of the environment, or takes it away, for the time of a test.
+// Sets or removes a variable of the environment during a test.
 class Environment {
   public:
     Environment(std::string name, const char* value) : name_(std::move(name)) {
@@ -46,7 +46,7 @@ class LockedStore final : public LVXKeyChainStore {
     static KeyChainError error() { return {KeyChainErrorKind::locked, "It is locked."}; }
 };
 
-TEST(LVXKeyChainStore, AnErrorIsNothingOrFalseAndItsReasonIsLogged) {
+TEST(LVXKeyChainStore, AnErrorIsNulloptOrFalseAndItsReasonIsLogged) {
     const LogCapture log;
     LockedStore store;
     EXPECT_EQ(store.data("a"), std::nullopt);

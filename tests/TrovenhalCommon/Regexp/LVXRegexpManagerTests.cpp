@@ -52,7 +52,7 @@ INSTANTIATE_TEST_SUITE_P(NoAddresses, Emails,
                                          Case{std::string(65, 'a') + "@b.com", {}},
                                          Case{"a@" + std::string(64, 'b') + ".com", {}}));
 
-TEST(EmailPattern, TakesTheLongestPartsThatAreAllowed) {
+TEST(EmailPattern, AcceptsPartsOfTheMaximumLength) {
     const auto text = std::string(64, 'a') + "@" + std::string(63, 'b') + ".com";
     EXPECT_EQ(found(LVXRegexpPatterns::email, text), Texts{text});
     std::string domain;
