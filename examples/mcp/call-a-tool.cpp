@@ -14,8 +14,8 @@ static void print(const MCPToolCallResult& result, std::FILE* to) {
     }
 }
 
-// A failure is a case of MCPClientError, or of the connection, or an answer that cannot be read.
-static int told(const MCPError& error) {
+// A failure is a case of MCPClientError, or of the connection, or a response that cannot be read.
+static int failed(const MCPError& error) {
     const auto* protocol = error.clientError();
     if (const auto* tool = protocol ? protocol->as<MCPClientError::ToolCallFailed>() : nullptr) {
         print(tool->result, stderr); // why it failed
@@ -36,10 +36,10 @@ int main(int argc, char** argv) {
     const auto status = std::make_shared<std::promise<int>>();
     client.connect([&, status](MCPResult<MCPInitializeResult> server) {
         if (!server) {
-            return status->set_value(told(server.error()));
+            return status->set_value(failed(server.error()));
         }
         client.callTool(argv[2], *arguments, [&, status](MCPResult<MCPToolCallResult> result) {
-            const int end = result ? (print(*result, stdout), 0) : told(result.error());
+            const int end = result ? (print(*result, stdout), 0) : failed(result.error());
             client.disconnect([status, end](auto) { status->set_value(end); });
         });
     });

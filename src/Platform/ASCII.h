@@ -6,7 +6,7 @@
 
 namespace zelto {
 
-// Letters, digits and case as protocols and formats mean them: of ASCII alone, whatever the locale.
+// Letters, digits and case as protocols and formats define them: in ASCII only, whatever the locale.
 
 constexpr bool isASCII(char c) {
     return static_cast<unsigned char>(c) < 0x80;
@@ -24,7 +24,7 @@ constexpr bool isASCIIAlphanumeric(char c) {
     return isASCIILetter(c) || isASCIIDigit(c);
 }
 
-// No blank and no control character.
+// Neither a blank nor a control character.
 constexpr bool isVisibleASCII(char c) {
     return c > ' ' && c <= '~';
 }
@@ -57,7 +57,7 @@ constexpr bool equalIgnoringASCIICase(std::string_view left, std::string_view ri
     return std::ranges::equal(left, right, [](char a, char b) { return toASCIILower(a) == toASCIILower(b); });
 }
 
-// What a hexadecimal digit of either case stands for; -1 for any other character.
+// The value of a hexadecimal digit of either case; -1 for any other character.
 constexpr int hexDigitValue(char c) {
     if (isASCIIDigit(c)) {
         return c - '0';
@@ -66,7 +66,7 @@ constexpr int hexDigitValue(char c) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-// Without the blanks and tabs at both ends, as fields of headers are read.
+// Without the blanks and tabs at both ends, as header fields are read.
 constexpr std::string_view trimmedBlanks(std::string_view text) {
     constexpr std::string_view blanks = " \t";
     const auto first = text.find_first_not_of(blanks);

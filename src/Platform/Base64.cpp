@@ -15,7 +15,7 @@ std::uint8_t letter(std::uint32_t sixBits) {
 
 constexpr std::uint8_t noLetter = 0xFF;
 
-// The six bits of each character.
+// The six bits that each character stands for.
 constexpr auto letterValues = [] {
     std::array<std::uint8_t, 256> values{};
     values.fill(noLetter);

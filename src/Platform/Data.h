@@ -6,7 +6,7 @@
 
 namespace zelto {
 
-// Bytes of unknown meaning: a body, a file, a secret store's value. Text is std::string and always UTF-8.
+// Arbitrary bytes: a body, a file, a value of a secret store. Text is std::string and always UTF-8.
 using Data = std::vector<std::uint8_t>;
 
 inline std::string_view viewOf(const Data& data) {

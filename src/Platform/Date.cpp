@@ -7,7 +7,7 @@ namespace zelto {
 
 namespace {
 
-// NaN while the system's clock is in force.
+// NaN while no ClockOverride is in force.
 std::atomic<double>& overriddenSeconds() {
     static constinit std::atomic<double> seconds{std::numeric_limits<double>::quiet_NaN()};
     return seconds;

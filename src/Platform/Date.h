@@ -9,8 +9,8 @@ namespace zelto {
 
 using TimeInterval = std::chrono::duration<double>;
 
-// A moment: seconds since the reference date 2001-01-01T00:00:00Z, leap seconds not counted. Any double is
-// held as it is; NaN compares as a double does, and makes no sense elsewhere.
+// A moment: seconds since the reference date 2001-01-01T00:00:00Z, leap seconds not counted. Any double can
+// be stored; NaN compares as a double does, and is of no use otherwise.
 class Date {
   public:
     // The Unix time of the reference date.
@@ -19,7 +19,7 @@ class Date {
     // The reference date.
     constexpr Date() = default;
 
-    // The present by the system's clock, or by the ClockOverride in force. Any thread.
+    // The current time by the system's clock, or by the ClockOverride in force. Any thread.
     static Date now();
 
     // 4001-01-01T00:00:00Z
@@ -47,8 +47,8 @@ class Date {
     double seconds_ = 0;
 };
 
-// Stops the process's clock for tests: while one lives, Date::now() gives its date. They nest; the last one
-// made is the one to go first. Any thread may read or move the clock.
+// Stops the process's clock for tests: while one lives, Date::now() gives its date. Overrides nest: the last
+// one made must be destroyed first. Any thread may read or move the clock.
 class ClockOverride {
   public:
     explicit ClockOverride(Date date);

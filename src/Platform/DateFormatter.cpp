@@ -13,8 +13,8 @@ namespace zelto {
 
 namespace {
 
-// What a calendar of ICU can hold for certain.
-constexpr double largestMilliseconds = 8.64e15;
+// The range that every calendar of ICU supports.
+constexpr double maximumMilliseconds = 8.64e15;
 
 icu::UnicodeString unitsOf(std::string_view text) {
     return icu::UnicodeString::fromUTF8(
@@ -28,7 +28,7 @@ icu::UnicodeString unitsOf(std::string_view text) {
 
 std::unique_ptr<icu::TimeZone> timeZoneNamed(const std::optional<std::string>& name) {
     if (!name) {
-        // Not TimeZone::createDefault, which remembers the first answer.
+        // Not TimeZone::createDefault, which caches its first result.
         return std::unique_ptr<icu::TimeZone>(icu::TimeZone::detectHostTimeZone());
     }
     std::unique_ptr<icu::TimeZone> zone(icu::TimeZone::createTimeZone(unitsOf(*name)));
@@ -44,7 +44,7 @@ bool isPOSIX(const icu::Locale& locale) {
 
 } // namespace
 
-// SimpleDateFormat keeps its state while it works, hence the lock.
+// SimpleDateFormat has mutable state, hence the lock.
 class DateFormatter::Formatter {
   public:
     Formatter(std::string_view pattern, const std::optional<std::string>& localeName,
@@ -101,7 +101,7 @@ DateFormatter::DateFormatter(std::string_view pattern, std::optional<std::string
 
 std::string DateFormatter::string(Date date) const {
     const double milliseconds = std::floor(date.unixSeconds() * 1000);
-    return std::abs(milliseconds) <= largestMilliseconds ? formatter_->string(milliseconds) : std::string();
+    return std::abs(milliseconds) <= maximumMilliseconds ? formatter_->string(milliseconds) : std::string();
 }
 
 std::optional<Date> DateFormatter::date(std::string_view text) const {

@@ -10,19 +10,19 @@
 namespace zelto {
 
 // Writes and reads dates by a pattern of Unicode's UTS 35 ("yyyy-MM-dd HH:mm"; "yyyyy" pads the year to five
-// digits). Without a locale that of the environment is taken, without a time zone that of the system (TZ,
-// else the machine's). With "en_US_POSIX" the calendar is the Gregorian one and the texts never change;
-// another locale brings its own calendar. May be copied, and used on any thread.
+// digits). Without a locale, the environment's is used; without a time zone, the system's (TZ, else the
+// machine's). "en_US_POSIX" uses the Gregorian calendar and texts that never change; other locales use their
+// own calendar. May be copied, and used on any thread.
 class DateFormatter {
   public:
-    // A pattern or a time zone that ICU does not know stops the process: both are constants of the program.
+    // A pattern or time zone that ICU does not know stops the process: both are constants of the program.
     explicit DateFormatter(std::string_view pattern, std::optional<std::string> locale = std::nullopt,
                            std::optional<std::string> timeZone = std::nullopt);
 
-    // Empty for a date that is no finite number, or lies more than 100 million days from 1970.
+    // Empty for a date that is not finite or lies more than 100 million days from 1970.
     std::string string(Date date) const;
 
-    // Nothing unless the whole text fits the pattern, with every field within its range.
+    // `nullopt` unless the whole text fits the pattern, with every field within its range.
     std::optional<Date> date(std::string_view text) const;
 
   private:

@@ -14,8 +14,8 @@ template <class E> struct EnumCase {
     std::string_view name;
 };
 
-// The cases of an enumeration in declared order. The header that declares E says ZELTO_ENUM(E) behind it, its
-// source lists the cases with ZELTO_DESCRIBE_ENUM (<Platform/EnumDescription.h>).
+// The cases of an enumeration in declared order. ZELTO_ENUM(E) follows the declaration of E in its header;
+// ZELTO_DESCRIBE_ENUM (<Platform/EnumDescription.h>) lists the cases in its source.
 template <class E> std::span<const EnumCase<E>> casesOf();
 
 #define ZELTO_ENUM(E) template <> std::span<const ::zelto::EnumCase<E>> casesOf<E>()
@@ -27,7 +27,7 @@ template <Enumeration E> constexpr std::underlying_type_t<E> rawValue(E value) {
     return static_cast<std::underlying_type_t<E>>(value);
 }
 
-// Nothing for a number that names no case.
+// `nullopt` for a number that is not the value of a case.
 template <Enumeration E> std::optional<E> fromRawValue(std::int64_t raw) {
     for (const auto& each : casesOf<E>()) {
         if (static_cast<std::int64_t>(rawValue(each.value)) == raw) {
@@ -37,7 +37,7 @@ template <Enumeration E> std::optional<E> fromRawValue(std::int64_t raw) {
     return std::nullopt;
 }
 
-// The case's name as it stands in the source, without the underscore that sets it apart from a keyword.
+// The case's name as in the source, without the trailing underscore that avoids a keyword.
 template <Enumeration E> std::string_view nameOf(E value) {
     for (const auto& each : casesOf<E>()) {
         if (each.value == value) {

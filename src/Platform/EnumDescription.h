@@ -31,7 +31,8 @@ template <class E> std::span<const EnumCase<E>> describedCases() {
 
 } // namespace zelto
 
-// ZELTO_DESCRIBE_ENUM(E, cases...) stands in namespace zelto, in the source beside the header of E.
+// ZELTO_DESCRIBE_ENUM(E, cases...) is used in namespace zelto, in the source file of the header that declares
+// E.
 #define ZELTO_DESCRIBE_ENUM(E, ...)                                                                          \
     BOOST_DESCRIBE_ENUM(E, __VA_ARGS__)                                                                      \
     template <> std::span<const EnumCase<E>> casesOf<E>() {                                                  \

@@ -4,7 +4,7 @@
 
 namespace zelto {
 
-// Owns an open file of the system and closes it.
+// Owns an open file descriptor and closes it.
 class FileDescriptor {
   public:
     FileDescriptor() = default;

@@ -14,25 +14,26 @@ enum class FileErrorCode {
     alreadyExists,
     isDirectory,
     notDirectory,
-    symbolicLink, // where none is followed
+    symbolicLink, // where links are not followed
     nameTooLong,
     readOnly,
-    tooLarge, // beyond the limit that was told
+    tooLarge, // beyond the caller's limit
     tooManyOpenFiles,
     other,
 };
 
 ZELTO_ENUM(FileErrorCode);
 
-// What went wrong with a file.
+// What went wrong with a file operation.
 struct FileError {
     FileErrorCode code = FileErrorCode::other;
-    int systemNumber = 0; // errno, 0 if the system had no part in it
+    int systemNumber = 0; // errno; 0 if the error did not come from the system
     std::filesystem::path path;
 
     static FileError fromSystem(int systemNumber, std::filesystem::path path);
 
-    // One sentence with the path in it, such as "'/a/b' does not exist". The path may hold any characters.
+    // One sentence that contains the path, such as "'/a/b' does not exist". The path may contain any
+    // characters.
     std::string message() const;
 
     bool operator==(const FileError&) const = default;

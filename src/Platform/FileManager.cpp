@@ -21,12 +21,12 @@ auto systemFailure(const path& where) {
     return failure(FileError::fromSystem(errno, where));
 }
 
-// The system would take such a path for the part before the NUL, which is another file.
+// The system would cut such a path at the NUL, and use another file.
 bool holdsNul(const path& where) {
     return where.native().contains('\0');
 }
 
-// Removes the file unless it has been renamed into its place.
+// Removes the file unless it has been renamed to its final path.
 class Temporary {
   public:
     explicit Temporary(path where) : path_(std::move(where)) {}
@@ -48,7 +48,7 @@ class Temporary {
     path path_;
 };
 
-// As much as is known to be there, so that a file is read in one piece.
+// The known size, so that a file is read in one piece.
 std::size_t expectedSize(const struct stat& status, std::uint64_t limit) {
     return static_cast<std::size_t>(
         std::min(static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0)), limit));
@@ -88,7 +88,7 @@ Result<Data, FileError> FileManager::readAll(const FileDescriptor& file, const p
     }
     Data bytes;
     std::size_t filled = 0;
-    // One byte more than expected, so that the end shows without another growth.
+    // One byte more than expected, so that the end of the file is found without growing again.
     bytes.resize(expectedSize(status, limit) + 1);
     for (;;) {
         const auto count = read(file.number(), bytes.data() + filled, bytes.size() - filled);
@@ -181,7 +181,7 @@ Result<void, FileError> FileManager::syncDirectory(const path& directory) {
     if (!opened) {
         return failure(opened.error());
     }
-    // Not every file system can.
+    // Not every file system supports this.
     if (fsync(opened->number()) != 0 && errno != EINVAL && errno != ENOTSUP) {
         return systemFailure(directory);
     }

@@ -11,9 +11,9 @@ namespace zelto {
 namespace {
 
 constexpr auto npos = std::string_view::npos;
-constexpr std::size_t longestExtension = 32;
+constexpr std::size_t maximumExtensionLength = 32;
 
-// The extension with its "."; empty for a name that has none.
+// The extension with its "."; empty if the name has none.
 std::string_view extensionOf(std::string_view name) {
     const auto dot = name.rfind('.');
     return dot == npos || dot == 0 ? std::string_view() : name.substr(dot);
@@ -24,8 +24,8 @@ struct Range {
     char32_t last;
 };
 
-// Controls, marks of direction, and what cannot be seen. The joiners of emoji and of Indic and Arabic script
-// (U+200C, U+200D) stay.
+// Control characters, marks of direction, and invisible characters. The joiners of emoji and of Indic and
+// Arabic script (U+200C, U+200D) stay.
 constexpr std::array removedRanges{Range{0x00, 0x1F},     Range{0x7F, 0x9F},     Range{0xAD, 0xAD},
                                    Range{0x61C, 0x61C},   Range{0x180E, 0x180E}, Range{0x200B, 0x200B},
                                    Range{0x200E, 0x200F}, Range{0x2028, 0x202E}, Range{0x2060, 0x206F},
@@ -38,16 +38,16 @@ bool isRemoved(char32_t codePoint) {
 
 std::string withPlainCharactersOnly(std::string_view name) {
     const auto repaired = repairedUTF8(name);
-    std::string_view rest = repaired;
+    std::string_view remaining = repaired;
     std::string result;
-    while (!rest.empty()) {
-        const auto [codePoint, length] = firstCodePoint(rest);
+    while (!remaining.empty()) {
+        const auto [codePoint, length] = firstCodePoint(remaining);
         if (codePoint < 0x80 && std::string_view("<>:\"|?*").find(static_cast<char>(codePoint)) != npos) {
             result += '_';
         } else if (!isRemoved(codePoint)) {
-            result += rest.substr(0, length);
+            result += remaining.substr(0, length);
         }
-        rest.remove_prefix(length);
+        remaining.remove_prefix(length);
     }
     return result;
 }
@@ -86,7 +86,7 @@ std::string fileNameCutTo(std::string_view name, std::size_t bytes) {
         return std::string(name);
     }
     const auto extension = extensionOf(name);
-    if (extension.size() <= longestExtension && extension.size() < bytes) {
+    if (extension.size() <= maximumExtensionLength && extension.size() < bytes) {
         const auto stem = name.substr(0, name.size() - extension.size());
         if (const auto kept = prefixBytes(stem, bytes - extension.size()); !kept.empty()) {
             return std::string(kept) + std::string(extension);

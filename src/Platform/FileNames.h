@@ -6,19 +6,19 @@
 
 namespace zelto {
 
-// The longest name, in bytes, that cleanedFileName gives: 15 bytes below what file systems take, for a "
-// (12)" or a ".part" behind it.
+// The maximum length, in bytes, of what cleanedFileName gives: 15 bytes below what file systems allow, which
+// leaves room for a suffix such as " (12)" or ".part".
 inline constexpr std::size_t cleanedFileNameLimit = 240;
 
-// A safe and visible file name, the nearest to a foreign one (of a mail's attachment, of a drive's file):
-// what follows the last "/" or "\", repaired UTF-8, no control characters, no marks that turn the direction
-// of writing or cannot be seen, "_" for each of <>:"|?*, no blanks or dots at the ends, no "-" in front, "_"
-// before the names that Windows reserves ("CON", "nul.txt"), cut before the extension at a character. It is
-// the fallback if nothing is left.
+// A safe and readable file name, as close as possible to a foreign one (of a mail's attachment, of a drive's
+// file): the part after the last "/" or "\", with repaired UTF-8; without control characters, invisible
+// characters and marks of writing direction; "_" for each of <>:"|?*; no blanks or dots at the ends and no
+// "-" in front; "_" before names that Windows reserves ("CON", "nul.txt"); cut at a character before the
+// extension. The fallback if nothing remains.
 std::string cleanedFileName(std::string_view name, std::string_view fallback = "unnamed");
 
-// The name cut to so many bytes: whole characters are taken away before the extension, which stays unless it
-// is longer than 32 bytes or half of what may stay.
+// The name cut to that many bytes: whole characters are removed before the extension, which is kept unless it
+// is longer than 32 bytes or than half of the limit.
 std::string fileNameCutTo(std::string_view name, std::size_t bytes);
 
 } // namespace zelto

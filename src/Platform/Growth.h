@@ -6,8 +6,8 @@
 
 namespace zelto {
 
-// Makes room for that many bytes more; for a large text in large steps, since memory that is not written to
-// costs less than moving what is there.
+// Reserves room for that many more bytes. A large text grows in large steps: memory that is never written to
+// costs less than moving the text.
 inline void reserveFor(std::size_t more, std::string& text) {
     constexpr std::size_t large = std::size_t{1} << 20;
     if (text.size() >= large && text.capacity() - text.size() < more) {

@@ -12,7 +12,7 @@ namespace zelto {
 namespace {
 
 constexpr std::int64_t secondsOfDay = 86400;
-constexpr std::int64_t largestYear = 999999;
+constexpr std::int64_t maximumYear = 999999;
 
 struct CivilDay {
     std::int64_t year = 0;
@@ -20,8 +20,8 @@ struct CivilDay {
     int day = 0;
 };
 
-// The proleptic Gregorian calendar, counted in years that begin on 1 March and in cycles of 400 years.
-// std::chrono's calendar ends at year 32767.
+// The proleptic Gregorian calendar, in years that begin on 1 March and cycles of 400 years. std::chrono's
+// calendar ends with the year 32767.
 std::int64_t daysSinceUnixEpoch(const CivilDay& civil) {
     const std::int64_t year = civil.year - (civil.month <= 2 ? 1 : 0);
     const std::int64_t cycle = (year >= 0 ? year : year - 399) / 400;
@@ -61,32 +61,32 @@ void appendNumber(std::string& text, std::int64_t number, std::size_t width) {
 
 class Reader {
   public:
-    explicit Reader(std::string_view text) : rest_(text) {}
+    explicit Reader(std::string_view text) : remaining_(text) {}
 
-    bool atEnd() const { return rest_.empty(); }
+    bool atEnd() const { return remaining_.empty(); }
 
     bool take(char wanted) {
-        if (!rest_.starts_with(wanted)) {
+        if (!remaining_.starts_with(wanted)) {
             return false;
         }
-        rest_.remove_prefix(1);
+        remaining_.remove_prefix(1);
         return true;
     }
 
-    // Exactly so many digits.
+    // Takes exactly that many digits.
     bool takeDigits(std::size_t digits, std::int64_t& number) {
-        const auto head = rest_.substr(0, digits);
+        const auto head = remaining_.substr(0, digits);
         if (head.size() < digits || head.find_first_not_of("0123456789") != std::string_view::npos) {
             return false;
         }
         std::from_chars(head.data(), head.data() + head.size(), number);
-        rest_.remove_prefix(digits);
+        remaining_.remove_prefix(digits);
         return true;
     }
 
-    bool takeTwoDigits(int largest, int& number) {
+    bool takeTwoDigits(int maximum, int& number) {
         std::int64_t wide = 0;
-        if (!takeDigits(2, wide) || wide > largest) {
+        if (!takeDigits(2, wide) || wide > maximum) {
             return false;
         }
         number = static_cast<int>(wide);
@@ -94,18 +94,18 @@ class Reader {
     }
 
     bool takeFraction(double& fraction) {
-        const auto length = std::min(rest_.find_first_not_of("0123456789"), rest_.size());
+        const auto length = std::min(remaining_.find_first_not_of("0123456789"), remaining_.size());
         if (length == 0) {
             return false;
         }
-        const auto text = "0." + std::string(rest_.substr(0, length));
+        const auto text = "0." + std::string(remaining_.substr(0, length));
         std::from_chars(text.data(), text.data() + text.size(), fraction);
-        rest_.remove_prefix(length);
+        remaining_.remove_prefix(length);
         return true;
     }
 
   private:
-    std::string_view rest_;
+    std::string_view remaining_;
 };
 
 struct TimeOfDay {
@@ -146,7 +146,7 @@ bool readTime(Reader& reader, TimeOfDay& time) {
     return !(reader.take('.') || reader.take(',')) || reader.takeFraction(time.fraction);
 }
 
-// Leaves the offset empty if the text ends before a zone.
+// The offset stays empty if the text ends before a zone.
 bool readZone(Reader& reader, std::optional<int>& offsetMinutes) {
     if (reader.atEnd()) {
         return true;
@@ -202,7 +202,7 @@ std::string iso8601(Date date) {
         secondOfDay += secondsOfDay;
     }
     const auto civil = civilDay((seconds - secondOfDay) / secondsOfDay);
-    if (std::abs(civil.year) > largestYear) {
+    if (std::abs(civil.year) > maximumYear) {
         return {};
     }
     std::string text;
@@ -245,7 +245,7 @@ std::optional<Date> parseISO8601(std::string_view text, MissingZone missingZone)
     }
     const auto seconds = daysSinceUnixEpoch(civil) * secondsOfDay + time.hour * 3600 + time.minute * 60 +
                          time.second - offsetMinutes.value_or(0) * 60;
-    // The reference date goes off in whole numbers, so that a fraction keeps all its bits.
+    // The reference date is subtracted as a whole number, so that the fraction keeps all its bits.
     const auto sinceReference = seconds - static_cast<std::int64_t>(Date::referenceUnixSeconds);
     return Date::fromReferenceSeconds(static_cast<double>(sinceReference) + time.fraction);
 }

@@ -7,8 +7,8 @@
 
 namespace zelto {
 
-// The texts of a range's elements in one, with the separator between each two. `textOf` gives that of an
-// element where it is not the element itself.
+// Joins the texts of a range's elements with a separator. `textOf` gives the text of an element that is not
+// text itself.
 template <class Range, class TextOf = std::identity>
 std::string joined(Range&& range, std::string_view separator, TextOf textOf = {}) {
     std::string all;

@@ -1,6 +1,6 @@
 #pragma once
 
-// For MediaTypes alone: the two tables that the build makes of MediaTypes.txt.
+// Internal to MediaTypes: the two tables that the build makes of MediaTypes.txt.
 
 #include <span>
 #include <string_view>

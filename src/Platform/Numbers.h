@@ -7,9 +7,9 @@
 
 namespace zelto {
 
-// The number that the whole text is, in the "C" locale's decimal form; nothing for any other text, one with a
-// blank or a "+" among them, and for a number that the type cannot hold. Of a floating-point type "inf" and
-// "nan" are numbers too.
+// The number that the whole text is, in the decimal form of the "C" locale; `nullopt` for any other text, for
+// one with a blank or a "+", and for a number out of the type's range. For floating-point types "inf" and
+// "nan" are numbers.
 template <class Number> std::optional<Number> numberIn(std::string_view text) {
     Number number{};
     const auto* const end = text.data() + text.size();

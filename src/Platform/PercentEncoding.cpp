@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::string_view upperDigits = "0123456789ABCDEF";
 
-// For each byte what it becomes, and of what length: itself or its escape.
+// What a byte becomes, and its length: itself or its escape.
 struct Replacement {
     std::array<char, 3> text;
     unsigned char length;
@@ -69,7 +69,7 @@ std::string percentEncodeBytes(std::string_view bytes, AllowedCharacters allowed
     };
     const auto size = std::accumulate(bytes.begin(), bytes.end(), std::size_t{0}, lengthOf);
     std::string encoded;
-    // Three bytes are copied whatever the length, since that needs no branch: hence two bytes to spare.
+    // Three bytes are copied whatever the length, which avoids a branch: hence two spare bytes.
     encoded.resize_and_overwrite(size + 2, [&](char* out, std::size_t) {
         for (const char byte : bytes) {
             const auto& replacement = table[static_cast<unsigned char>(byte)];

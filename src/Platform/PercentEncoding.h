@@ -6,10 +6,10 @@
 
 namespace zelto {
 
-// What stays as it is when text is percent-encoded; every other byte becomes %XX with upper-case digits.
-// Letters and digits are those of ASCII.
+// What is not percent-encoded; every other byte becomes %XX with upper-case digits. Letters and digits are
+// those of ASCII.
 enum class AllowedCharacters {
-    alphanumerics, // letters and digits alone: values of URL schemes and of form bodies
+    alphanumerics, // only letters and digits: values of URL schemes and of form bodies
     unreserved,    // unreserved of RFC 3986: the values that OAuth 1 signs
     pathSegment,   // pchar of RFC 3986 without ";", which some servers split at; no "/"
     path,          // the same and "/"
@@ -17,17 +17,17 @@ enum class AllowedCharacters {
     fragment,      // fragment of RFC 3986
 };
 
-// Nothing if the text is not UTF-8.
+// `nullopt` if the text is not UTF-8.
 std::optional<std::string> percentEncode(std::string_view text,
                                          AllowedCharacters allowed = AllowedCharacters::alphanumerics);
 
-// For bytes of any kind, file paths for one.
+// For bytes of any kind, such as file paths.
 std::string percentEncodeBytes(std::string_view bytes, AllowedCharacters allowed);
 
-// Nothing if an escape is broken or the result is not UTF-8. "+" stays "+".
+// `nullopt` if an escape is invalid or the result is not UTF-8. "+" stays "+".
 std::optional<std::string> percentDecode(std::string_view text);
 
-// Nothing if an escape is broken.
+// `nullopt` if an escape is invalid.
 std::optional<std::string> percentDecodeBytes(std::string_view text);
 
 } // namespace zelto

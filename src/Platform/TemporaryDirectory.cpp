@@ -20,7 +20,7 @@ using std::filesystem::path;
 constexpr auto directoryOfSystem = "/tmp";
 constexpr std::string_view prefix = "zelto-temporary-";
 
-// The process's own, locked for as long as it lives.
+// The process's own directory, locked as long as the process lives.
 struct HeldDirectory {
     path where;
     FileDescriptor lock;
@@ -33,7 +33,7 @@ struct State {
     bool removedAtExit = false;
 };
 
-// Never destroyed: other objects that go at exit may still ask for a path.
+// Never destroyed: other objects may still ask for a path at exit.
 State& state() {
     static auto* const shared = new State;
     return *shared;
@@ -51,10 +51,10 @@ FileDescriptor openDirectory(const path& where) {
     return FileDescriptor(::open(where.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
-// Another process may take it for a leftover before it is locked; then there is a next one.
+// Another process may remove it as a leftover before it is locked; then another one is tried.
 Result<HeldDirectory, FileError> freshHeldDirectory(const path& parent) {
-    constexpr int mostAttempts = 10;
-    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+    constexpr int maximumAttempts = 10;
+    for (int attempt = 0; attempt < maximumAttempts; ++attempt) {
         auto where = freshDirectory(parent, prefix);
         if (!where) {
             return failure(where.error());
@@ -65,7 +65,7 @@ Result<HeldDirectory, FileError> freshHeldDirectory(const path& parent) {
             ::rmdir(where->c_str());
             return failure(error);
         }
-        // Where nothing can be locked, nobody finds a leftover either.
+        // Where files cannot be locked, no process removes leftovers either.
         const bool isTaken = lock && ::flock(lock.number(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
         if (lock && !isTaken && ::access(where->c_str(), F_OK) == 0) {
             return HeldDirectory{*std::move(where), std::move(lock)};
@@ -75,19 +75,20 @@ Result<HeldDirectory, FileError> freshHeldDirectory(const path& parent) {
 }
 
 Result<HeldDirectory, FileError> freshDirectoryOfSystem() {
-    if (const char* told = std::getenv("TMPDIR"); told != nullptr && path(told).is_absolute()) {
-        if (auto directory = freshHeldDirectory(told)) {
+    if (const char* configured = std::getenv("TMPDIR");
+        configured != nullptr && path(configured).is_absolute()) {
+        if (auto directory = freshHeldDirectory(configured)) {
             return directory;
         }
     }
     return freshHeldDirectory(directoryOfSystem);
 }
 
-// Other threads may go on writing into it meanwhile.
+// Repeated, since other threads may still be writing into it.
 void removeWithAll(const path& directory) {
-    constexpr int mostAttempts = 10;
+    constexpr int maximumAttempts = 10;
     std::error_code error;
-    for (int attempt = 0; attempt < mostAttempts; ++attempt) {
+    for (int attempt = 0; attempt < maximumAttempts; ++attempt) {
         std::filesystem::remove_all(directory, error);
         if (!error) {
             return;
@@ -95,7 +96,7 @@ void removeWithAll(const path& directory) {
     }
 }
 
-// One that a process of this user left that was killed.
+// A leftover of one of this user's processes that was killed.
 void removeIfLeftover(const path& directory) {
     struct stat status {};
 
@@ -119,7 +120,8 @@ void removeLeftovers(const path& parent) {
 void removeAtExit() {
     auto& current = state();
     const std::lock_guard lock(current.mutex);
-    current.removedAtExit = false; // the one that is made from now on, by another that goes at exit
+    current.removedAtExit =
+        false; // of a directory that is created from now on, by another object that is destroyed at exit
     if (current.owner == getpid() && !current.directory.where.empty()) {
         removeWithAll(current.directory.where);
         current.directory = {};
@@ -131,22 +133,22 @@ bool isOurs(const State& current) {
     return current.owner == getpid() && std::filesystem::is_directory(current.directory.where, ignored);
 }
 
-std::string temporaryName(std::string_view told, std::size_t longest) {
-    if (told.empty() || told == ".") {
+std::string temporaryName(std::string_view wanted, std::size_t maximumLength) {
+    if (wanted.empty() || wanted == ".") {
         return "_";
     }
-    if (told == "..") {
+    if (wanted == "..") {
         return "__";
     }
-    std::string name(told);
+    std::string name(wanted);
     std::ranges::replace(name, '/', '_');
     std::ranges::replace(name, '\0', '_');
-    return fileNameCutTo(name, longest);
+    return fileNameCutTo(name, maximumLength);
 }
 
-std::size_t longestNameIn(const path& directory) {
-    const auto longest = pathconf(directory.c_str(), _PC_NAME_MAX);
-    return longest > 0 ? static_cast<std::size_t>(longest) : 255;
+std::size_t maximumNameLengthIn(const path& directory) {
+    const auto maximumLength = pathconf(directory.c_str(), _PC_NAME_MAX);
+    return maximumLength > 0 ? static_cast<std::size_t>(maximumLength) : 255;
 }
 
 } // namespace
@@ -182,7 +184,7 @@ Result<path, FileError> FileManager::temporaryPath(std::string_view name) {
     if (!folder) {
         return folder;
     }
-    return *folder / temporaryName(name, longestNameIn(*folder));
+    return *folder / temporaryName(name, maximumNameLengthIn(*folder));
 }
 
 } // namespace zelto

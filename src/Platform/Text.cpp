@@ -20,7 +20,7 @@ bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
-// Making an iterator of ICU costs as much as walking some thousand characters, so that each thread keeps one.
+// Creating an iterator of ICU costs as much as walking some thousand characters, so each thread keeps one.
 icu::BreakIterator& iteratorOfThread() {
     thread_local const std::unique_ptr<icu::BreakIterator> iterator = [] {
         UErrorCode status = U_ZERO_ERROR;
@@ -35,9 +35,9 @@ icu::BreakIterator& iteratorOfThread() {
     return *iterator;
 }
 
-// Steps from the end of one character to the end of the next. Between two characters of ASCII there is always
-// an end, CR LF apart: ICU is asked about the pieces between such places only. Two of them at once on one
-// thread would disturb each other.
+// Steps from the end of one character to the end of the next. Between two ASCII characters there is always a
+// boundary, except in CR LF: ICU is only asked about the pieces between such boundaries. Only one object at a
+// time may be used on a thread, since they share the thread's iterator.
 class CharacterEnds {
   public:
     explicit CharacterEnds(std::string_view text) : text_(text) {}
@@ -47,7 +47,7 @@ class CharacterEnds {
 
     ~CharacterEnds() { utext_close(&piece_); }
 
-    // Nothing behind the last one.
+    // `nullopt` after the last one.
     std::optional<std::size_t> next() {
         if (end_ == pieceEnd_) {
             if (end_ == text_.size()) {
@@ -66,9 +66,9 @@ class CharacterEnds {
 
   private:
     // ICU counts in 32 bits.
-    static constexpr std::size_t longestPiece = std::size_t{1} << 30;
+    static constexpr std::size_t maximumPieceLength = std::size_t{1} << 30;
 
-    // Whether the byte there is a whole character, or the last byte of one, for certain.
+    // Whether the byte there is certainly a whole character, or the last byte of one.
     bool endsBehind(std::size_t index) const {
         if (!isASCII(text_[index])) {
             return false;
@@ -82,7 +82,7 @@ class CharacterEnds {
 
     void openPiece() {
         pieceBegin_ = end_;
-        const auto limit = pieceBegin_ + std::min(longestPiece, text_.size() - pieceBegin_);
+        const auto limit = pieceBegin_ + std::min(maximumPieceLength, text_.size() - pieceBegin_);
         while (pieceEnd_ < limit && !endsBehind(pieceEnd_)) {
             ++pieceEnd_;
         }

@@ -9,22 +9,21 @@
 namespace zelto {
 
 // A character is what a reader sees as one (an extended grapheme cluster of UAX 29): a letter with its
-// combining marks, an emoji with its joiners, CR and LF together. Text that is not UTF-8 is not rejected
-// where characters are counted or cut: each ill-formed piece counts as one character. All of these may be
-// called on any thread.
+// combining marks, an emoji with its joiners, CR and LF together. Text that is not UTF-8 can be counted and
+// cut too: each ill-formed piece counts as one character. All of these may be called on any thread.
 
 std::size_t characterCount(std::string_view text);
 
 // Each character in order, as views of the text.
 std::vector<std::string_view> characters(std::string_view text);
 
-// Where an ASCII character first stands as a whole one, with no combining mark behind it.
+// The first occurrence of an ASCII character as a whole character, without a combining mark.
 std::optional<std::size_t> findCharacter(std::string_view text, char character);
 
-// The first so many characters; all of a shorter text.
+// The first `count` characters; the whole text if it is shorter.
 std::string_view prefixCharacters(std::string_view text, std::size_t count);
 
-// As many whole characters as fit. Where not even the first one fits, as many whole code points of it as fit.
+// As many whole characters as fit. If not even the first one fits, as many whole code points of it as fit.
 std::string_view prefixBytes(std::string_view text, std::size_t limit);
 
 // The same with the limit in UTF-16 code units.
@@ -34,11 +33,11 @@ std::string_view prefixUTF16Units(std::string_view text, std::size_t limit);
 std::size_t utf16Length(std::string_view text);
 
 // Transliterated to Latin letters by ICU's "Any-Latin"; letters keep or get diacritics ("Жуков" gives
-// "Žukov"). Nothing if the text is not UTF-8.
+// "Žukov"). `nullopt` if the text is not UTF-8.
 std::optional<std::string> toLatin(std::string_view text);
 
 // Without accents: decomposed, stripped of nonspacing marks, composed again. A letter that Unicode does not
-// decompose stays as it is ("ø", "ł", "đ"). Nothing if the text is not UTF-8.
+// decompose stays as it is ("ø", "ł", "đ"). `nullopt` if the text is not UTF-8.
 std::optional<std::string> strippingDiacritics(std::string_view text);
 
 // For comparing without regard to case (full case folding of Unicode; "ß" equals "ss"). Ill-formed pieces
@@ -48,12 +47,12 @@ std::string foldedCase(std::string_view text);
 // Without white space and line ends at both ends (White_Space of Unicode).
 std::string_view trimmed(std::string_view text);
 
-// Whether there is nothing but white space and line ends.
+// Whether the text consists of white space and line ends only.
 bool isBlank(std::string_view text);
 
 // For showing foreign text on a terminal or in one line of a log: "\n", "\r" and "\t" for these three,
-// "\u{1B}" for other C0 and C1 controls, DEL, line separators and marks that turn the direction of writing,
-// "\xFF" for each byte that is not UTF-8. All else stays, the backslash too.
+// "\u{1B}" for other C0 and C1 controls, DEL, line separators and marks of writing direction, "\xFF" for each
+// byte that is not UTF-8. Everything else stays, backslashes too.
 std::string escapeControlCharacters(std::string_view text);
 
 } // namespace zelto

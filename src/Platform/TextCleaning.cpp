@@ -9,7 +9,7 @@ namespace zelto {
 
 namespace {
 
-// A whole character that is white space, in UTF-8.
+// Whether a character, given in UTF-8, is white space.
 bool isWhiteSpace(std::string_view sequence) {
     switch (sequence.size()) {
     case 1:
@@ -59,9 +59,9 @@ struct Range {
     char32_t last;
 };
 
-// Controls, and what changes the direction or the lines of the text around it: ALM, LRM and RLM, line and
-// paragraph separator, embeddings and overrides, isolates, the byte order mark, interlinear annotation,
-// language tag.
+// Control characters, and what changes the direction or the lines of the text around it: ALM, LRM and RLM,
+// line and paragraph separator, embeddings and overrides, isolates, the byte order mark, interlinear
+// annotation, language tag.
 constexpr std::array escapedRanges{Range{0x00, 0x1F},     Range{0x7F, 0x9F},     Range{0x61C, 0x61C},
                                    Range{0x200E, 0x200F}, Range{0x2028, 0x202E}, Range{0x2066, 0x206F},
                                    Range{0xFEFF, 0xFEFF}, Range{0xFFF9, 0xFFFB}, Range{0xE0001, 0xE0001}};

@@ -22,14 +22,14 @@ namespace zelto {
 namespace {
 
 // ICU counts in 32 bits, and a transform may make the text longer.
-constexpr std::size_t longestText = std::numeric_limits<std::int32_t>::max() / 8;
+constexpr std::size_t maximumTextLength = std::numeric_limits<std::int32_t>::max() / 8;
 
 bool isAllASCII(std::string_view text) {
     return std::ranges::all_of(text, isASCII);
 }
 
 std::optional<icu::UnicodeString> unitsOf(std::string_view text) {
-    if (text.size() > longestText || !isValidUTF8(text)) {
+    if (text.size() > maximumTextLength || !isValidUTF8(text)) {
         return std::nullopt;
     }
     return icu::UnicodeString::fromUTF8(
@@ -45,8 +45,8 @@ std::optional<std::string> textOf(const icu::UnicodeString& units) {
     return text;
 }
 
-// Made when first needed: loading the rules takes some milliseconds. ICU does not promise that one object may
-// work on several threads, hence the lock.
+// Created when first needed: loading the rules takes some milliseconds. ICU does not promise that one object
+// can be used by several threads, hence the lock.
 class LatinTransform {
   public:
     LatinTransform() {
@@ -111,17 +111,17 @@ std::optional<std::string> strippingDiacritics(std::string_view text) {
 
 std::string foldedCase(std::string_view text) {
     const auto repaired = repairedUTF8(text);
-    std::string_view rest = repaired;
+    std::string_view remaining = repaired;
     std::string folded;
-    folded.reserve(rest.size());
-    while (!rest.empty()) {
-        const auto piece = rest.substr(0, validUTF8Length(rest.substr(0, longestText)));
+    folded.reserve(remaining.size());
+    while (!remaining.empty()) {
+        const auto piece = remaining.substr(0, validUTF8Length(remaining.substr(0, maximumTextLength)));
         UErrorCode status = U_ZERO_ERROR;
         icu::StringByteSink<std::string> sink(&folded);
         icu::CaseMap::utf8Fold(U_FOLD_CASE_DEFAULT,
                                icu::StringPiece(piece.data(), static_cast<std::int32_t>(piece.size())), sink,
                                nullptr, status);
-        rest.remove_prefix(piece.size());
+        remaining.remove_prefix(piece.size());
     }
     return folded;
 }

@@ -54,7 +54,7 @@ bool has(std::string_view text, std::string_view characters) {
     return text.find_first_of(characters) != npos;
 }
 
-// A part with a character that ends it would be read as two.
+// A part with a character that ends it would be read as two parts.
 bool partsKeepToThemselves(const URLComponents& parts) {
     if (has(parts.scheme, ":/?#") || has(parts.path, "?#")) {
         return false;

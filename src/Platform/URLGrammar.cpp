@@ -10,8 +10,8 @@
 
 namespace zelto {
 
-// Not Boost.URL: its first release (1.81) takes "x://a@b@c/", "x://[::1]2" and "x://1.2.3.4a", each with a
-// host that other readers do not see, and what guards hosts must not err there.
+// Boost.URL is not used: its first release (1.81) accepts "x://a@b@c/", "x://[::1]2" and "x://1.2.3.4a", each
+// with a host that other parsers do not see, and checks of hosts rely on this grammar.
 
 namespace {
 
@@ -44,7 +44,7 @@ constexpr unsigned char nameClasses = plain;
 constexpr unsigned char pathClasses = plain | colon | at | slash;
 constexpr unsigned char queryClasses = pathClasses | questionMark;
 
-// Whether there are characters of these classes and whole escapes alone.
+// Whether the text consists of characters of these classes and complete escapes only.
 bool consistsOf(std::string_view text, unsigned char allowed) {
     for (std::size_t index = 0; index < text.size(); ++index) {
         if ((classes[static_cast<unsigned char>(text[index])] & allowed) != 0) {
@@ -71,12 +71,12 @@ bool isWeb(std::string_view scheme) {
 
 bool isIPv6Address(std::string_view text) {
     in6_addr address{};
-    // No NUL, where inet_pton would stop reading.
+    // No NUL, at which inet_pton would stop reading.
     return text.find_first_not_of("0123456789ABCDEFabcdef:.") == npos && text.size() < INET6_ADDRSTRLEN &&
            inet_pton(AF_INET6, std::string(text).c_str(), &address) == 1;
 }
 
-// An address of a version to come ("[v1.x]") is refused: no client could use it.
+// Addresses of future versions ("[v1.x]") are refused: no client could use one.
 bool isHostAndPort(std::string_view text, bool web) {
     if (text.starts_with('[')) {
         const auto bracket = text.find(']');

@@ -1,6 +1,6 @@
 #pragma once
 
-// For URL and the transport: the grammar of RFC 3986, sections 3 and 4.3.
+// Internal to URL and the transport: the grammar of RFC 3986, sections 3 and 4.3.
 
 #include <cstdint>
 #include <optional>
@@ -8,8 +8,7 @@
 
 namespace zelto {
 
-// The five components; what is absent is not the same as what is empty. Any text can be split, a relative
-// reference too.
+// The five components; absent is not the same as empty. Any text can be split, a relative reference too.
 struct URLSplit {
     std::optional<std::string_view> scheme;
     std::optional<std::string_view> authority;
@@ -20,7 +19,7 @@ struct URLSplit {
 
 URLSplit splitURL(std::string_view text);
 
-// Of a well-formed authority; the host without brackets.
+// The parts of a well-formed authority; the host without brackets.
 struct URLAuthority {
     std::optional<std::string_view> userInfo;
     std::string_view host;
@@ -29,7 +28,7 @@ struct URLAuthority {
 
 URLAuthority splitURLAuthority(std::string_view text);
 
-// Nothing for an empty text and for what is no number of a port.
+// `nullopt` for an empty text and for what is not a port number.
 std::optional<std::uint16_t> portNumberOf(std::string_view digits);
 
 bool isAbsoluteURL(std::string_view text);

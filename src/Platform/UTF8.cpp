@@ -15,7 +15,7 @@ bool isContinuation(unsigned char byte) {
 
 std::size_t asciiLength(const char* data, std::size_t size) {
     std::size_t at = 0;
-    // Long texts in large steps, which are faster.
+    // Eight words at a time, which is faster for long texts.
     for (std::uint64_t words[8]; at + sizeof words <= size; at += sizeof words) {
         std::memcpy(words, data + at, sizeof words);
         const auto all =
@@ -36,8 +36,9 @@ std::size_t asciiLength(const char* data, std::size_t size) {
     return at;
 }
 
-// What the first byte of a longer sequence asks for: how many continuation bytes, and the range of the first
-// of them (table 3-7 of the Unicode standard). No continuation bytes: it begins no sequence.
+// What the first byte of a multi-byte sequence requires: the number of continuation bytes, and the range of
+// the first of them (table 3-7 of the Unicode standard). Zero continuation bytes: the byte does not begin a
+// sequence.
 struct Lead {
     unsigned continuations = 0;
     unsigned char low = 0x80;
@@ -64,7 +65,7 @@ struct Sequence {
     bool whole = false;
 };
 
-// The longest start of a character at the front; at least one byte.
+// The longest beginning of a valid sequence at the front; at least one byte.
 Sequence sequenceAt(const unsigned char* data, std::size_t size) {
     const auto lead = leadOf(data[0]);
     if (lead.continuations == 0 || size < 2 || data[1] < lead.low || data[1] > lead.high) {

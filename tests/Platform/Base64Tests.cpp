@@ -43,7 +43,7 @@ TEST(Base64, DecodesBothAlphabetsWithAndWithoutPadding) {
     EXPECT_EQ(base64Decoded(" Zm9v\r\nYg = =\n"), "foob");
 }
 
-TEST(Base64, WhatIsNoBase64DecodesToNothing) {
+TEST(Base64, WhatIsNoBase64DecodesToNullopt) {
     for (const auto* text :
          {"A", "AAAAA", "=", "====", "A===", "AA=", "AAA==", "AAAA=", "AA=A", "AA*A", "A\x80"}) {
         EXPECT_EQ(base64Decoded(text), std::nullopt) << text;

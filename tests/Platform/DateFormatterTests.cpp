@@ -76,7 +76,7 @@ TEST(DateFormatter, ReadsWhatItWrites) {
     }
 }
 
-TEST(DateFormatter, WritesNothingForWhatIsNoDate) {
+TEST(DateFormatter, WritesAnEmptyTextForWhatIsNoDate) {
     const DateFormatter formatter("yyyy-MM-dd", "en_US_POSIX", "UTC");
     using Limits = std::numeric_limits<double>;
     for (const double seconds :
@@ -105,7 +105,7 @@ TEST(DateFormatter, MayBeSharedByThreads) {
     EXPECT_EQ(wrong, 0);
 }
 
-// In a process of its own: ICU looks at the environment once.
+// In a process of its own: ICU reads the environment only once.
 TEST(DateFormatterDeathTest, WithoutALocaleTakesThatOfTheEnvironment) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     for (const auto& [locale, expected] : {std::pair("de_DE.UTF-8", "2024, Mai, 7, 09:04 PM"),

@@ -9,7 +9,7 @@ enum class Weekday { monday = 1, default_ = 7, friday = 5 };
 ZELTO_ENUM(Weekday);
 ZELTO_DESCRIBE_ENUM(Weekday, monday, default_, friday);
 
-TEST(Enum, RawValuesGiveTheirCaseAndOthersNothing) {
+TEST(Enum, RawValuesGiveTheirCaseAndOthersNullopt) {
     EXPECT_EQ(fromRawValue<Weekday>(5), Weekday::friday);
     EXPECT_EQ(fromRawValue<Weekday>(2), std::nullopt);
     EXPECT_EQ(fromRawValue<Weekday>(-1), std::nullopt);

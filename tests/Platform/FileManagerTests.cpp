@@ -101,8 +101,7 @@ TEST(TemporaryDirectory, GoesTooIfItIsMadeWhileTheProcessEnds) {
     fs::remove_all(parent);
 }
 
-// What a child tells of its temporary directory, which it leaves at its end; nothing when it does not end
-// well.
+// The temporary directory that a child process reports, and leaves when it ends; empty if the child fails.
 std::string directoryOfChild() {
     std::array<int, 2> pipeEnds{};
     if (pipe(pipeEnds.data()) != 0) {
@@ -128,7 +127,7 @@ TEST(TemporaryDirectory, OfAKilledProcessIsRemovedByTheNextOneAndThatOfALivingOn
     const auto parent = fs::temp_directory_path() / "zelto-file-manager-leftover-tests";
     EXPECT_EXIT(
         {
-            // Not before, where the process after this one would do it too.
+            // Not earlier, since a later process would remove it too.
             fs::remove_all(parent);
             fs::create_directories(parent / "zelto-temporary");
             makeFile(parent / "zelto-temporary-file", "content");
@@ -166,7 +165,8 @@ TEST(TemporaryDirectory, FallsBackToTmpIfTMPDIRIsOfNoUse) {
     }
 }
 
-// In a process of its own, since a child that leaves by exit() looks for leaks where other threads are gone.
+// In a process of its own, since a child that leaves by exit() looks for leaks although it lacks the other
+// threads.
 TEST(TemporaryDirectory, IsNotRemovedByAForkedChildWhichGetsItsOwn) {
     expectInFreshProcess([] {
         const auto path = freshPath();
@@ -178,7 +178,7 @@ TEST(TemporaryDirectory, IsNotRemovedByAForkedChildWhichGetsItsOwn) {
     });
 }
 
-TEST(TemporaryPath, EndsWithTheNameAsTold) {
+TEST(TemporaryPath, EndsWithTheGivenName) {
     for (const std::string name : {"a.pdf", "\u0436 \U0001F600.txt", "..a", "-rf", "a\nb", ".hidden", " ",
                                    "a\\b", "\xff\xfe", "CON"}) {
         const auto path = freshPath(name);
@@ -279,7 +279,7 @@ TEST(ReadFile, RefusesMoreThanTheLimit) {
     EXPECT_EQ(refused.error().message(), "'" + path.native() + "' is too large");
 }
 
-TEST(ReadFile, TellsWhatIsWrong) {
+TEST(ReadFile, ReportsWhatIsWrong) {
     const auto path = freshPath();
     EXPECT_EQ(FileManager::readFile(path).error().code, FileErrorCode::notFound);
     EXPECT_EQ(FileManager::readFile(path).error().message(), "'" + path.native() + "' does not exist");
@@ -340,7 +340,7 @@ TEST(WriteFileAtomically, LeavesTheOldFileUntouchedWhenItFails) {
     EXPECT_EQ(entriesOf(path.parent_path()), 1);
 }
 
-TEST(WriteFileAtomically, TellsWhatIsWrong) {
+TEST(WriteFileAtomically, ReportsWhatIsWrong) {
     const auto path = freshPath();
     const auto missing = FileManager::writeFileAtomically(path / "no" / "file", "x");
     ASSERT_FALSE(missing);
@@ -370,7 +370,7 @@ TEST(WriteFileAtomically, ShowsReadersTheOldOrTheNewButNeverAPart) {
     writer.join();
 }
 
-TEST(FileManager, TellsAFullDisk) {
+TEST(FileManager, ReportsAFullDisk) {
     const auto full = FileManager::openFile("/dev/full", O_WRONLY);
     ASSERT_TRUE(full);
     const auto failed = FileManager::writeAll(*full, "x", "/dev/full");
@@ -411,19 +411,19 @@ TEST(FileManager, ReadsAllOfAnOpenFile) {
 TEST(FileManager, BringsADirectoryToTheDisk) {
     const auto path = freshPath();
     EXPECT_TRUE(FileManager::syncDirectory(path.parent_path()));
-    EXPECT_TRUE(FileManager::syncDirectory("/proc")); // of a file system that has none
+    EXPECT_TRUE(FileManager::syncDirectory("/proc")); // of a file system that does not support it
     EXPECT_EQ(FileManager::syncDirectory(path).error().code, FileErrorCode::notFound);
     makeFile(path, "x");
     EXPECT_EQ(FileManager::syncDirectory(path).error().code, FileErrorCode::notDirectory);
 }
 
-TEST(FileManager, FollowsNoLinkIfToldSo) {
+TEST(FileManager, FollowsNoLinkOnRequest) {
     const auto link = freshPath("link");
     fs::create_symlink("/etc/passwd", link);
     EXPECT_EQ(FileManager::openFile(link, O_RDONLY | O_NOFOLLOW).error().code, FileErrorCode::symbolicLink);
 }
 
-TEST(FileError, TellsEachCaseOfTheSystem) {
+TEST(FileError, ReportsEachCaseOfTheSystem) {
     const std::vector<std::pair<int, FileErrorCode>> cases{
         {ENOENT, FileErrorCode::notFound},
         {EACCES, FileErrorCode::noPermission},

@@ -119,7 +119,7 @@ TEST(ISO8601, DaysOfManyCenturiesComeBack) {
     }
 }
 
-TEST(ISO8601, ReadsATextWithoutZoneInTheSystemsTimeZoneIfTold) {
+TEST(ISO8601, ReadsATextWithoutZoneInTheSystemsTimeZoneOnRequest) {
     TimeZoneOverride zone("America/New_York");
     EXPECT_EQ(parseISO8601("2024-07-01T12:00:00", MissingZone::local), parseISO8601("2024-07-01T16:00:00Z"));
     EXPECT_EQ(parseISO8601("2024-01-01", MissingZone::local), parseISO8601("2024-01-01T05:00:00Z"));

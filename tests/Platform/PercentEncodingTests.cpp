@@ -27,7 +27,7 @@ TEST(PercentEncoding, WorksOnTheBytesOfUTF8) {
     EXPECT_EQ(percentEncode("\u0436\u00e9e\u0301\U0001F600"), "%D0%B6%C3%A9e%CC%81%F0%9F%98%80");
 }
 
-TEST(PercentEncoding, GivesNothingForWhatIsNotUTF8) {
+TEST(PercentEncoding, GivesNulloptForWhatIsNotUTF8) {
     EXPECT_EQ(percentEncode("a\xff"), std::nullopt);
     EXPECT_EQ(percentEncode("\xed\xa0\x80"), std::nullopt);
     EXPECT_EQ(percentEncode("\xd0"), std::nullopt);

@@ -11,19 +11,19 @@
 namespace zelto {
 namespace {
 
-// Sends the text to a server and gives all that comes back until the server ends the connection.
+// Sends the text to a server and gives everything it sends until it closes the connection.
 std::string talk(const TestHTTPServer& server, std::string_view text) {
     const auto socket = LoopbackSocket::connect(server.port());
     EXPECT_TRUE(sendAll(socket.get(), text));
-    std::string answer;
+    std::string response;
     char bytes[1024];
     for (ssize_t count = 0; (count = ::recv(socket.get(), bytes, sizeof bytes, 0)) > 0;) {
-        answer.append(bytes, static_cast<std::size_t>(count));
+        response.append(bytes, static_cast<std::size_t>(count));
     }
-    return answer;
+    return response;
 }
 
-TEST(TestHTTPServer, RecordsWholeRequestsOfOneConnectionAndPlaysItsAnswers) {
+TEST(TestHTTPServer, RecordsWholeRequestsOfOneConnectionAndPlaysItsResponses) {
     TestHTTPServer server({PlayedResponse::json("{}", 201), {.status = 204, .closes = true}});
     EXPECT_EQ(talk(server, "POST /a?b=c HTTP/1.1\r\nHost: x\r\nX-One: 1\r\nContent-Length: 3\r\n\r\n"
                            "d\r\nDELETE /e HTTP/1.1\r\n\r\n"),
@@ -39,7 +39,7 @@ TEST(TestHTTPServer, SendsBytesAsTheyStandAndEndsTheConnection) {
     EXPECT_EQ(talk(server, "GET / HTTP/1.1\r\n\r\n"), "no HTTP");
 }
 
-TEST(TestHTTPServer, AResetEndsTheConnectionWithoutAnAnswer) {
+TEST(TestHTTPServer, AResetEndsTheConnectionWithoutAResponse) {
     TestHTTPServer server({PlayedResponse::reset()});
     EXPECT_EQ(talk(server, "GET / HTTP/1.1\r\n\r\n"), "");
 }

@@ -125,7 +125,7 @@ TEST(Text, AccentedLatinLettersLoseTheirAccents) {
     EXPECT_EQ(strippingDiacritics("plain \U0001F600"), "plain \U0001F600");
 }
 
-TEST(Text, TransformsGiveNothingForWhatIsNotUTF8) {
+TEST(Text, TransformsGiveNulloptForWhatIsNotUTF8) {
     EXPECT_EQ(toLatin("a\xff"), std::nullopt);
     EXPECT_EQ(strippingDiacritics("\xed\xa0\x80"), std::nullopt);
 }

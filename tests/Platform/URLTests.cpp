@@ -110,7 +110,7 @@ TEST(URL, RefusesWhatIsNone) {
     }
 }
 
-TEST(URL, TellsItsParts) {
+TEST(URL, GivesItsParts) {
     const auto whole = url("HTTPS://u:p@Example.COM:8443/a%20b/c.tar.gz?x=1&y=%26#frag%20ment");
     EXPECT_EQ(whole.scheme(), "https");
     EXPECT_EQ(whole.userInfo(), "u:p");
@@ -124,7 +124,7 @@ TEST(URL, TellsItsParts) {
     EXPECT_EQ(whole.pathExtension(), "gz");
 }
 
-TEST(URL, TellsWhatIsAbsentFromWhatIsEmpty) {
+TEST(URL, DistinguishesAbsentFromEmpty) {
     const auto bare = url("things:add");
     EXPECT_FALSE(bare.hasAuthority());
     EXPECT_EQ(bare.userInfo(), std::nullopt);

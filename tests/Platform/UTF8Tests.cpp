@@ -60,7 +60,7 @@ TEST(UTF8, AgreesWithTheDefinitionOnAllShortSequences) {
     }
 }
 
-TEST(UTF8, TellsWhereTheWellFormedPartEnds) {
+TEST(UTF8, FindsWhereTheWellFormedPartEnds) {
     EXPECT_EQ(validUTF8Length(""), 0u);
     EXPECT_EQ(validUTF8Length("abc"), 3u);
     EXPECT_EQ(validUTF8Length("abc\xff"), 3u);

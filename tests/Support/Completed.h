@@ -23,7 +23,7 @@ template <class T> class Completed {
 
     bool hasCome() const { return future_.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }
 
-    // Throws when nothing came within maximumWait.
+    // Throws if nothing came within maximumWait.
     T value() {
         if (future_.wait_for(maximumWait) != std::future_status::ready) {
             ADD_FAILURE() << "the completion did not come";

@@ -12,14 +12,14 @@
 
 namespace zelto {
 
-// Opens once, for all who wait then or later. It may be destroyed as soon as a wait has returned.
+// Is set once, for all who wait then or later. It may be destroyed as soon as a wait has returned.
 class Event {
   public:
     Event() = default;
     Event(const Event&) = delete;
     Event& operator=(const Event&) = delete;
 
-    // Again, it has no effect.
+    // Repeated calls have no effect.
     void set() {
         const auto state = state_;
         if (!state->isSet.exchange(true)) {
@@ -27,7 +27,8 @@ class Event {
         }
     }
 
-    // A wait that is too long fails the test and ends the program: what hangs would hang its end too.
+    // A wait that takes too long fails the test and ends the program, since a hanging test would hang its own
+    // end too.
     void wait(std::source_location place = std::source_location::current()) const {
         const auto state = state_;
         if (state->future.wait_for(maximumWait) != std::future_status::ready) {

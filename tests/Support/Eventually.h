@@ -6,10 +6,11 @@
 
 namespace zelto {
 
-// How long a test waits for what comes at once on an idle machine.
+// How long a test waits for what takes no time on an idle machine.
 constexpr std::chrono::minutes maximumWait{2};
 
-// Whether the condition comes true within that time, for what ends on other threads without telling.
+// Whether the condition becomes true within maximumWait, for changes on other threads that cannot be waited
+// for.
 template <class F> [[nodiscard]] bool eventually(F&& condition) {
     const auto deadline = std::chrono::steady_clock::now() + maximumWait;
     while (!condition()) {
@@ -21,7 +22,7 @@ template <class F> [[nodiscard]] bool eventually(F&& condition) {
     return true;
 }
 
-// Whether nobody holds the object any more, soon.
+// Whether the object is destroyed within maximumWait.
 template <class T> [[nodiscard]] bool isGone(const std::weak_ptr<T>& object) {
     return eventually([&] { return object.expired(); });
 }

@@ -3,7 +3,7 @@
 namespace zelto {
 
 std::span<const FailingResponse> failingResponses() {
-    static const FailingResponse answers[] = {
+    static const FailingResponse responses[] = {
         {"informational only", PlayedResponse::bytes("HTTP/1.1 100 Continue\r\n\r\n"), "connectionError"},
         {"elsewhere", {.status = 302, .fields = {{"Location", "https://evil.example/"}}}, "apiCallError"},
         {"300", PlayedResponse::json("no", 300), "apiCallError"},
@@ -28,16 +28,16 @@ std::span<const FailingResponse> failingResponses() {
          "connectionError"},
         {"no HTTP", PlayedResponse::bytes("SSH-2.0-OpenSSH\r\n\r\n"), "connectionError"},
     };
-    return answers;
+    return responses;
 }
 
 std::span<const FailingResponse> unreadableResponses() {
-    static const FailingResponse answers[] = {
+    static const FailingResponse responses[] = {
         {"no record", PlayedResponse::json("{}"), "dataParseError"},
         {"no JSON", PlayedResponse::json("<html>"), "dataParseError"},
         {"nothing", {.status = 204}, "dataParseError"},
     };
-    return answers;
+    return responses;
 }
 
 } // namespace zelto

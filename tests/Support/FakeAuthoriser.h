@@ -13,12 +13,12 @@
 
 namespace zelto {
 
-// Signs with a bearer token and keeps what it was asked and told. Any thread.
+// Signs with a bearer token and records its calls. Any thread.
 class FakeAuthoriser : public ServiceAuthoriser {
   public:
     explicit FakeAuthoriser(std::optional<std::string> token = "good-token") : token_(std::move(token)) {}
 
-    // A token that has expired; the first refresh that succeeds brings a fresh one.
+    // With an expired token; the first successful refresh brings a fresh one.
     static std::shared_ptr<FakeAuthoriser> stale() {
         auto authoriser = std::make_shared<FakeAuthoriser>("old-token");
         authoriser->setStale(true);
@@ -61,7 +61,7 @@ class FakeAuthoriser : public ServiceAuthoriser {
         isStale_ = stale;
     }
 
-    // A refresh brings a token that is stale too.
+    // A refresh then brings a token that is stale too.
     void setStaysStale() {
         const std::lock_guard guard(lock_);
         staysStale_ = true;
@@ -82,7 +82,7 @@ class FakeAuthoriser : public ServiceAuthoriser {
         return updates_;
     }
 
-    // Until so many requests have asked whether the token is stale.
+    // Waits until that many requests have asked whether the token is stale.
     void waitForChecks(int count) {
         std::unique_lock lock(lock_);
         if (!checked_.wait_for(lock, maximumWait, [&] { return checks_ >= count; })) {

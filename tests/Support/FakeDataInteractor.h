@@ -9,7 +9,7 @@
 
 namespace zelto {
 
-// A mail or meeting note made of the fields set here. It answers at once, on the caller's thread.
+// A mail or meeting note made of the fields set here. Completions are called at once, on the caller's thread.
 class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
   public:
     IntegrationExportTarget target = IntegrationExportTarget::email;
@@ -19,7 +19,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     std::optional<std::string> summary = "Summary";
     std::optional<std::string> htmlText;
     IntegrationAttachments attachments;
-    // Gives the file of an attachment; nothing for one that is not known.
+    // Gives the file of an attachment; `nullopt` for an unknown one.
     std::function<std::optional<URL>(std::int64_t)> fileOf = [](std::int64_t) { return std::nullopt; };
     // Called before a text is given, with the name of the operation.
     std::function<void(const std::string&)> onAsked = [](const std::string&) {};

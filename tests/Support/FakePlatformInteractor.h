@@ -33,7 +33,7 @@ struct ExportEvent {
     bool operator==(const ExportEvent&) const = default;
 };
 
-// A host that remembers what it was asked for; its dates are in UTC and American English.
+// A host that records its calls; its dates are in UTC and American English.
 class FakePlatformInteractor final : public IntegrationsPlatformInteractorProtocol {
   public:
     // What opening a URL does; by default it works at once.
@@ -43,7 +43,7 @@ class FakePlatformInteractor final : public IntegrationsPlatformInteractorProtoc
     // What making a PDF does; by default it fails.
     std::function<void(const std::string&, const std::filesystem::path&, Callback<bool>)> makePdf =
         [](const std::string&, const std::filesystem::path&, Callback<bool> done) { done(false); };
-    // Called when the host has been told.
+    // Called after an export event was recorded.
     std::function<void()> onExportEvent = [] {};
     std::function<void()> onAdded = [] {};
     std::function<void()> onRemoved = [] {};

@@ -11,7 +11,7 @@
 
 namespace zelto {
 
-// Accounts in memory, in the order of their first saving, with a list of what was called.
+// Accounts in memory, in the order of their first saving, with a list of the calls.
 class FakeStorage final : public ServiceConfigurationsStorage {
   public:
     // Called before an account is saved or removed.

@@ -4,8 +4,8 @@
 
 namespace zelto {
 
-// Where this was built from, and into. Only their source knows the paths, so that what compiles the tests is
-// the same in every checkout, and one compiler cache serves them all.
+// The source and build folders. Only the source of this header contains the paths, so that test sources
+// compile identically in every checkout, and all share one compiler cache.
 std::filesystem::path sourceFolder();
 std::filesystem::path buildFolder();
 

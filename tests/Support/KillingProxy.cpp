@@ -12,7 +12,7 @@
 namespace zelto {
 namespace {
 
-// Passes what one socket has to the other, as far as the limit; false when this way has ended.
+// Passes available bytes from one socket to the other, up to the limit; false when this direction has ended.
 bool pass(int from, int to, std::uint64_t& left) {
     char bytes[16 << 10];
     const auto count =
@@ -59,7 +59,7 @@ class KillingProxy::State {
     const Plan plan_;
 
   public:
-    // Last: it uses the rest.
+    // Last, since it uses the other members.
     const LoopbackServer server{
         [this](const LoopbackSocket& client, int number) { serve(client, limitsOf(number)); }};
 };

@@ -8,11 +8,11 @@
 
 namespace zelto {
 
-// A proxy on 127.0.0.1 before a server there, that passes bytes on as they come and ends each connection, to
-// both sides by a reset, at the byte that its plan says.
+// A proxy on 127.0.0.1 for a server there. It passes bytes on as they come and ends each connection, by a
+// reset on both sides, at the byte that its plan says.
 class KillingProxy {
   public:
-    // How many bytes of a connection get through each way.
+    // How many bytes of a connection are passed in each direction.
     struct Limits {
         std::uint64_t toServer = UINT64_MAX;
         std::uint64_t toClient = UINT64_MAX;

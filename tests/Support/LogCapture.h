@@ -58,7 +58,7 @@ class LogCapture {
   private:
     mutable std::mutex lock_;
     std::vector<LogRecord> records_;
-    LogSubscription subscription_; // last: ends before what it writes to
+    LogSubscription subscription_; // last: ends before the members that it writes to
 };
 
 } // namespace zelto

@@ -43,7 +43,7 @@ void LoopbackServer::accept() {
             const auto place = sockets_.insert(sockets_.end(), std::move(socket));
             threads_.emplace_back([this, place, number = connectionCount_++] {
                 serve_(*place, number);
-                // Closed under the lock, so that nobody ends another connection of the same number.
+                // Closed under the lock, so that no other connection with the same number is ended.
                 const std::lock_guard closing(lock_);
                 sockets_.erase(place);
             });

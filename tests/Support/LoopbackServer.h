@@ -15,22 +15,22 @@ namespace zelto {
 // is closed when the function returns.
 class LoopbackServer {
   public:
-    // Gets the connection's number too, from 0.
+    // The number is the connection's, from 0.
     using Serve = std::function<void(const LoopbackSocket& socket, int number)>;
 
     explicit LoopbackServer(Serve serve);
 
-    // Ends all connections and waits for the functions.
+    // Ends all connections and waits for the functions to return.
     ~LoopbackServer();
     LoopbackServer(const LoopbackServer&) = delete;
     LoopbackServer& operator=(const LoopbackServer&) = delete;
 
     std::uint16_t port() const { return listener_.port(); }
 
-    int connectionCount() const;     // that were made
-    int openConnectionCount() const; // that are there now
+    int connectionCount() const;     // all so far
+    int openConnectionCount() const; // currently
 
-    // Ends the connections that are there now.
+    // Ends the current connections.
     void dropConnections();
 
   private:
@@ -39,11 +39,11 @@ class LoopbackServer {
     const Serve serve_;
     const LoopbackListener listener_;
     std::atomic<bool> stops_ = false;
-    mutable std::mutex lock_; // guards what follows
+    mutable std::mutex lock_; // guards the members below
     std::list<LoopbackSocket> sockets_;
     std::list<std::thread> threads_;
     int connectionCount_ = 0;
-    std::thread acceptor_; // last: it uses the rest
+    std::thread acceptor_; // last, since it uses the other members
 };
 
 } // namespace zelto

@@ -6,7 +6,8 @@
 
 namespace zelto {
 
-// A TCP connection between two programs of this machine, as the test servers use it. Closed with its owner.
+// A TCP connection between two programs on this machine, as used by the test servers. Closed by its owner's
+// destruction.
 class LoopbackSocket {
   public:
     LoopbackSocket() = default;
@@ -22,14 +23,14 @@ class LoopbackSocket {
 
     ~LoopbackSocket();
 
-    // To 127.0.0.1; false if nobody listens there.
+    // Connects to 127.0.0.1; false if no program listens there.
     static LoopbackSocket connect(std::uint16_t port);
 
     explicit operator bool() const { return socket_ >= 0; }
 
     int get() const { return socket_; }
 
-    // The peer sees a reset instead of an end.
+    // Makes the peer see a reset instead of an end.
     void resetWhenClosed() const;
 
   private:

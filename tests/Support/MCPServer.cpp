@@ -41,11 +41,11 @@ PlayedResponse status(int code, std::vector<HTTPHeaderField> fields) {
     return {.status = code, .fields = std::move(fields)};
 }
 
-PlayedResponse jsonAnswer(const ReceivedRequest& request, std::string_view result,
-                          std::vector<HTTPHeaderField> fields) {
-    auto answer = PlayedResponse::json(respondTo(idOf(request), result));
-    answer.fields.insert(answer.fields.end(), fields.begin(), fields.end());
-    return answer;
+PlayedResponse jsonResponse(const ReceivedRequest& request, std::string_view result,
+                            std::vector<HTTPHeaderField> fields) {
+    auto response = PlayedResponse::json(respondTo(idOf(request), result));
+    response.fields.insert(response.fields.end(), fields.begin(), fields.end());
+    return response;
 }
 
 PlayedResponse eventStream(std::string text) {
@@ -64,8 +64,8 @@ std::string eventOf(std::string_view data) {
     return "data: " + std::string(data) + "\n\n";
 }
 
-MCPServer::MCPServer(Answer answer, bool hasSessions)
-    : answer_(std::move(answer)), hasSessions_(hasSessions),
+MCPServer::MCPServer(Handler handler, bool hasSessions)
+    : handler_(std::move(handler)), hasSessions_(hasSessions),
       server_(std::make_unique<TestHTTPServer>(
           [this](const ReceivedRequest& request) { return respondTo(request); })) {}
 
@@ -76,15 +76,15 @@ PlayedResponse MCPServer::respondTo(const ReceivedRequest& request) {
         if (hasSessions_) {
             fields.push_back({"mcp-session-id", "session-" + std::to_string(++sessions_)});
         }
-        return jsonAnswer(request,
-                          R"({"protocolVersion":")" + protocolVersion +
-                              R"(","capabilities":{"tools":{}},"serverInfo":{"name":"s","version":"1"}})",
-                          fields);
+        return jsonResponse(request,
+                            R"({"protocolVersion":")" + protocolVersion +
+                                R"(","capabilities":{"tools":{}},"serverInfo":{"name":"s","version":"1"}})",
+                            fields);
     }
     if (method == "notifications/initialized") {
         return status(202);
     }
-    return answer_(request);
+    return handler_(request);
 }
 
 std::vector<std::string> MCPServer::log() const {

@@ -11,7 +11,7 @@
 
 namespace zelto {
 
-// What an MCP server over HTTP answers with.
+// The responses of an MCP server over HTTP.
 
 using Sender = std::function<bool(std::string_view)>;
 
@@ -23,36 +23,36 @@ std::string idOf(const ReceivedRequest& request);
 std::string methodOf(const ReceivedRequest& request);
 
 PlayedResponse status(int code, std::vector<HTTPHeaderField> fields = {});
-PlayedResponse jsonAnswer(const ReceivedRequest& request, std::string_view result,
-                          std::vector<HTTPHeaderField> fields = {});
+PlayedResponse jsonResponse(const ReceivedRequest& request, std::string_view result,
+                            std::vector<HTTPHeaderField> fields = {});
 
-// An event stream of that text, whole.
+// An event stream with that whole text.
 PlayedResponse eventStream(std::string text);
-// One whose chunks a function sends; it ends when the function returns.
+// An event stream whose chunks are sent by a function; it ends when the function returns.
 PlayedResponse eventStream(std::function<void(const Sender&)> play);
 std::string eventOf(std::string_view data);
 
-// A server that does what the protocol asks for: it knows the handshake, and answers anything else with the
-// function. The session's identifier is "session-1", then "session-2"...
+// A server that follows the protocol: it handles the handshake, and passes any other request to the function.
+// The session's identifier is "session-1", then "session-2"...
 class MCPServer {
   public:
-    using Answer = std::function<PlayedResponse(const ReceivedRequest&)>;
+    using Handler = std::function<PlayedResponse(const ReceivedRequest&)>;
 
-    explicit MCPServer(Answer answer, bool hasSessions = true);
+    explicit MCPServer(Handler handler, bool hasSessions = true);
 
     URL url() const { return server_->url("/mcp"); }
 
     TestHTTPServer& http() { return *server_; }
 
-    // The methods of the messages that came, with the session's identifier behind each.
+    // The methods of the received messages, each followed by the session's identifier.
     std::vector<std::string> log() const;
 
-    std::string protocolVersion = "2025-11-25"; // what it agrees to
+    std::string protocolVersion = "2025-11-25"; // the version that it agrees to
 
   private:
     PlayedResponse respondTo(const ReceivedRequest& request);
 
-    Answer answer_;
+    Handler handler_;
     bool hasSessions_;
     std::atomic<int> sessions_ = 0;
     std::unique_ptr<TestHTTPServer> server_;

@@ -5,7 +5,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-// A completion that is dropped uncalled would stall a serial queue in the product: it fails the test program.
+// A completion that is dropped uncalled would stall a serial queue in the product, so it fails the test
+// program.
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     zelto::CallbackGuard::setDroppedHandler([] {

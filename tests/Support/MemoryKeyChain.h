@@ -9,7 +9,7 @@
 
 namespace zelto {
 
-// Puts a key chain in force for as long as this lives.
+// Installs a key chain as long as this lives.
 class InstalledKeyChain {
   public:
     explicit InstalledKeyChain(std::shared_ptr<LVXKeyChainStore> store) {
@@ -22,7 +22,7 @@ class InstalledKeyChain {
     InstalledKeyChain& operator=(const InstalledKeyChain&) = delete;
 };
 
-// An empty key chain in memory, in force for as long as this lives.
+// An empty key chain in memory, installed as long as this lives.
 class MemoryKeyChain {
   public:
     std::optional<std::string> text(const std::string& key) const {

@@ -11,9 +11,8 @@
 
 namespace zelto {
 
-// Notes what a session tells of its tasks, as "<task> response 200", "<task> data …" (pieces that follow each
-// other joined) and "<task> end" or "<task> end timedOut". The functions, where set, are called within the
-// calls.
+// Records the events of a session's tasks, as "<task> response 200", "<task> data …" (consecutive pieces
+// joined) and "<task> end" or "<task> end timedOut". The functions, if set, are called within the calls.
 class RecordingDelegate final : public URLSessionDataDelegate {
   public:
     std::function<URLSessionResponseDisposition(URLSessionDataTask&)> onResponse;
@@ -47,7 +46,7 @@ class RecordingDelegate final : public URLSessionDataDelegate {
         }
     }
 
-    // Waits until so many tasks have ended; to be asked once.
+    // Waits until that many tasks have ended; to be called once.
     std::vector<std::string> eventsAfter(int ends) {
         {
             const std::lock_guard guard(lock_);

@@ -6,7 +6,7 @@
 
 namespace zelto {
 
-// A value that is replaced at any time, also while another thread uses it.
+// A value that can be replaced at any time, even while another thread uses it.
 template <class T> class Replaceable {
   public:
     explicit Replaceable(T value = {}) { *this = std::move(value); }

@@ -58,10 +58,10 @@ class ScriptedServer::State {
 
 ScriptedServer::ScriptedServer(Script script) : state_(std::make_unique<State>(std::move(script))) {}
 
-ScriptedServer::ScriptedServer(std::string answer)
-    : ScriptedServer([answer = std::move(answer)](Conversation& conversation) {
+ScriptedServer::ScriptedServer(std::string response)
+    : ScriptedServer([response = std::move(response)](Conversation& conversation) {
           conversation.readHead();
-          conversation.send(answer);
+          conversation.send(response);
       }) {}
 
 ScriptedServer::~ScriptedServer() = default;

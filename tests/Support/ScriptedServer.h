@@ -20,19 +20,19 @@ class Conversation {
 
     int number() const { return number_; } // of the connection, from 0
 
-    // The next head with its blank line; empty when the peer has ended.
+    // The next head with its blank line; empty when the peer has closed.
     std::string readHead();
 
-    // So many bytes behind it, or fewer when the peer ends before.
+    // That many bytes after it, or fewer if the peer closes first.
     std::string read(std::size_t count);
 
     // False when the connection has ended.
     bool send(std::string_view bytes) { return sendAll(socket_.get(), bytes); }
 
-    // Reads until the peer ends the connection.
+    // Reads until the peer closes the connection.
     void waitForEnd();
 
-    // When the script returns, the peer sees a reset.
+    // Makes the peer see a reset when the script returns.
     void resetAtEnd() { socket_.resetWhenClosed(); }
 
   private:
@@ -44,7 +44,7 @@ class Conversation {
 };
 
 // A server on 127.0.0.1 that runs a function for each connection, each on a thread of its own, and closes the
-// connection when the function returns: for what no real HTTP server does.
+// connection when the function returns: for behaviour that no real HTTP server has.
 class ScriptedServer {
   public:
     using Script = std::function<void(Conversation&)>;
@@ -52,9 +52,9 @@ class ScriptedServer {
     explicit ScriptedServer(Script script);
 
     // For each connection: reads one head, sends the bytes and closes.
-    explicit ScriptedServer(std::string answer);
+    explicit ScriptedServer(std::string response);
 
-    // Ends all connections and waits for the scripts.
+    // Ends all connections and waits for the scripts to return.
     ~ScriptedServer();
     ScriptedServer(const ScriptedServer&) = delete;
     ScriptedServer& operator=(const ScriptedServer&) = delete;

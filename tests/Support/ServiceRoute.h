@@ -6,7 +6,7 @@
 
 namespace zelto {
 
-// While this lives, sessions that are made send what is meant for the services to this address.
+// As long as this lives, new sessions send requests to the services to this address.
 class ServiceRoute {
   public:
     explicit ServiceRoute(const URL& address) {

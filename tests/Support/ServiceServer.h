@@ -12,30 +12,30 @@
 
 namespace zelto {
 
-// The name of the file that is uploaded by a form; nothing for another request.
+// The name of the file that a form uploads; `nullopt` for another request.
 std::optional<std::string> uploadedFile(const ReceivedRequest& request);
 
 // With "B" for the boundary of a form.
 std::string withoutBoundary(const std::string& text);
 
-// What a stand-in of a service knows: how the service answers, on any thread, and its own word for what a
-// request makes; nothing for one that makes nothing. Uploads by a form are told without it.
+// What a stand-in of a service must provide: the service's response to a request, on any thread, and a name
+// for what a request creates; `nullopt` if it creates nothing. Uploads by a form are recognised without it.
 template <class T>
 concept PlayedService = requires(const T& service, const ReceivedRequest& request) {
     { service.usualResponse(request) } -> std::same_as<PlayedResponse>;
     { service.madeBy(request) } -> std::same_as<std::optional<std::string>>;
 };
 
-// A stand-in of a service, to which every request goes while it lives. It begins and ends within the life of
+// A stand-in of a service, which receives every request while it lives. It begins and ends within the life of
 // the service's own members.
 template <PlayedService Service> class ServiceServer : public Service {
   public:
-    // Nothing for the answer that the service would give.
+    // `nullopt` for the service's own response.
     using Handler = std::function<std::optional<PlayedResponse>(const ReceivedRequest&)>;
 
     Replaceable<Handler> onRequest;
 
-    // Requests whose line or body has the part get this answer, in place of what onRequest was before.
+    // Requests whose line or body contains the part get this response, instead of what onRequest was before.
     void respondTo(const std::string& part, const PlayedResponse& answer) {
         onRequest = [part, answer](const ReceivedRequest& request) {
             const bool isMeant = request.target.find(part) != std::string::npos ||

@@ -10,7 +10,7 @@
 
 namespace zelto {
 
-// An empty folder that is removed with all it holds when the test ends.
+// An empty folder that is removed with its content when the test ends.
 class TemporaryFolder {
   public:
     TemporaryFolder() {

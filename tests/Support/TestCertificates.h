@@ -22,7 +22,7 @@ struct TestCertificate {
 };
 
 struct TestCertificateOptions {
-    std::string names = "DNS:localhost,IP:127.0.0.1"; // as OpenSSL writes a subjectAltName
+    std::string names = "DNS:localhost,IP:127.0.0.1"; // in OpenSSL's syntax for a subjectAltName
     long validFrom = -3600;                           // seconds from now
     long validUntil = 3600;
     bool isAuthority = false;

@@ -13,7 +13,7 @@
 namespace zelto {
 namespace {
 
-// Where Debian puts it, which is not on everybody's path.
+// Debian's place for it, which is not in every user's PATH.
 constexpr const char* program = "/usr/sbin/nghttpd";
 
 } // namespace
@@ -21,7 +21,7 @@ constexpr const char* program = "/usr/sbin/nghttpd";
 TestHTTP2Server::TestHTTP2Server(const TemporaryFolder& files, const TestCertificate& certificate) {
     const auto keyFile = folder_.write("key.pem", certificate.keyPEM());
     const auto certificateFile = folder_.write("certificate.pem", certificate.pem());
-    // It takes no port of the system's choice, and another may take the one that was free.
+    // It cannot let the system choose a port, and a port that was free may be taken meanwhile.
     for (int attempt = 0; attempt < 20; ++attempt) {
         port_ = LoopbackListener().port();
         const auto port = std::to_string(port_);

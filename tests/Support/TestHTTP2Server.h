@@ -9,8 +9,8 @@
 
 namespace zelto {
 
-// Another's server (nghttpd), which speaks HTTP/2 over TLS alone: it serves the files of a folder and gives
-// back what is uploaded. Ends with its owner.
+// An external server (nghttpd) that only speaks HTTP/2 over TLS: it serves the files of a folder and echoes
+// uploads. Ends with its owner.
 class TestHTTP2Server {
   public:
     TestHTTP2Server(const TemporaryFolder& files, const TestCertificate& certificate);

@@ -17,12 +17,12 @@
 namespace zelto {
 namespace {
 
-// Reads from a connection what belongs to one request after the other.
+// Reads the parts of one request after the other from a connection.
 class Connection {
   public:
     explicit Connection(int socket) : socket_(socket) {}
 
-    // Up to and with the end mark; nothing when the peer ended before.
+    // Everything up to and including the end mark; `nullopt` if the peer closes first.
     std::optional<std::string> readUntil(std::string_view mark) {
         std::size_t searched = 0;
         for (;;) {
@@ -100,18 +100,18 @@ std::optional<ReceivedRequest> parseHead(std::string_view head) {
     return request;
 }
 
-std::string answerText(const PlayedResponse& answer) {
-    if (answer.raw || answer.resets) {
-        return answer.raw.value_or("");
+std::string responseText(const PlayedResponse& response) {
+    if (response.raw || response.resets) {
+        return response.raw.value_or("");
     }
-    auto text = "HTTP/1.1 " + std::to_string(answer.status) + " Played\r\n";
-    for (const auto& field : answer.fields) {
+    auto text = "HTTP/1.1 " + std::to_string(response.status) + " Played\r\n";
+    for (const auto& field : response.fields) {
         text += field.name + ": " + field.value + "\r\n";
     }
-    if (answer.status != 204 && answer.status != 304) {
-        text += "Content-Length: " + std::to_string(answer.body.size()) + "\r\n";
+    if (response.status != 204 && response.status != 304) {
+        text += "Content-Length: " + std::to_string(response.body.size()) + "\r\n";
     }
-    return text + "\r\n" + answer.body;
+    return text + "\r\n" + response.body;
 }
 
 } // namespace
@@ -162,7 +162,7 @@ class TestHTTPServer::State {
         }
     }
 
-    // Whether the connection goes on.
+    // Whether the connection continues.
     bool exchange(Connection& connection, const LoopbackSocket& socket, int number) {
         const auto head = connection.readUntil("\r\n\r\n");
         auto request = head ? parseHead(*head) : std::nullopt;
@@ -183,16 +183,16 @@ class TestHTTPServer::State {
             const std::lock_guard guard(lock_);
             requests_.push_back(*request);
         }
-        const auto answer = handler_(*request);
-        if (answer.resets) {
+        const auto response = handler_(*request);
+        if (response.resets) {
             socket.resetWhenClosed();
         }
-        bool isThere = sendAll(socket.get(), answerText(answer));
-        if (isThere && answer.stream) {
-            answer.stream(
+        bool isThere = sendAll(socket.get(), responseText(response));
+        if (isThere && response.stream) {
+            response.stream(
                 [&](std::string_view bytes) { return isThere = isThere && sendAll(socket.get(), bytes); });
         }
-        return isThere && !answer.closes && !answer.resets;
+        return isThere && !response.closes && !response.resets;
     }
 
     const Handler handler_;
@@ -202,30 +202,30 @@ class TestHTTPServer::State {
     std::vector<ReceivedRequest> requests_;
 
   public:
-    // Last: it uses the rest.
+    // Last, since it uses the other members.
     LoopbackServer server{[this](const LoopbackSocket& socket, int number) { serve(socket, number); }};
 };
 
 namespace {
 
-// Plays answers in their order.
+// Plays responses in their order.
 class Playlist {
   public:
-    explicit Playlist(std::vector<PlayedResponse> answers) : answers_(std::move(answers)) {}
+    explicit Playlist(std::vector<PlayedResponse> responses) : responses_(std::move(responses)) {}
 
-    ~Playlist() { EXPECT_EQ(next_, answers_.size()) << "answers that nobody asked for"; }
+    ~Playlist() { EXPECT_EQ(next_, responses_.size()) << "answers that nobody asked for"; }
 
     PlayedResponse next(const ReceivedRequest& request) {
         const std::lock_guard guard(lock_);
-        if (next_ == answers_.size()) {
+        if (next_ == responses_.size()) {
             ADD_FAILURE() << "a request too many: " << request.method << " " << request.target;
             return {.status = 599, .closes = true};
         }
-        return answers_[next_++];
+        return responses_[next_++];
     }
 
   private:
-    const std::vector<PlayedResponse> answers_;
+    const std::vector<PlayedResponse> responses_;
     std::mutex lock_;
     std::size_t next_ = 0;
 };
@@ -235,8 +235,8 @@ class Playlist {
 TestHTTPServer::TestHTTPServer(Handler handler, std::uint64_t largestKeptBody)
     : state_(std::make_unique<State>(std::move(handler), largestKeptBody)) {}
 
-TestHTTPServer::TestHTTPServer(std::vector<PlayedResponse> answers)
-    : TestHTTPServer([playlist = std::make_shared<Playlist>(std::move(answers))](
+TestHTTPServer::TestHTTPServer(std::vector<PlayedResponse> responses)
+    : TestHTTPServer([playlist = std::make_shared<Playlist>(std::move(responses))](
                          const ReceivedRequest& request) { return playlist->next(request); }) {}
 
 TestHTTPServer::~TestHTTPServer() = default;

@@ -21,7 +21,7 @@ Context contextFor(const TestTLSServer::Options& options) {
     Context context(SSL_CTX_new(TLS_server_method()), SSL_CTX_free);
     SSL_CTX_use_certificate(context.get(), options.certificate.certificate.get());
     SSL_CTX_use_PrivateKey(context.get(), options.certificate.key.get());
-    SSL_CTX_set_security_level(context.get(), 0); // so that it can speak what is too old
+    SSL_CTX_set_security_level(context.get(), 0); // allows obsolete protocol versions
     SSL_CTX_set_min_proto_version(context.get(), TLS1_VERSION);
     SSL_CTX_set_max_proto_version(context.get(), options.newestVersion);
     return context;
@@ -62,11 +62,11 @@ class TestTLSServer::State {
                 const std::lock_guard guard(lock_);
                 protocol_ = SSL_get_version(session.get());
             }
-            const std::string answer = options_.cutAnswer.empty()
-                                           ? "HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nsecure"
-                                           : options_.cutAnswer;
-            SSL_write(session.get(), answer.data(), static_cast<int>(answer.size()));
-            if (!options_.cutAnswer.empty()) {
+            const std::string response = options_.cutResponse.empty()
+                                             ? "HTTP/1.1 200 OK\r\nContent-Length: 6\r\n\r\nsecure"
+                                             : options_.cutResponse;
+            SSL_write(session.get(), response.data(), static_cast<int>(response.size()));
+            if (!options_.cutResponse.empty()) {
                 return;
             }
         }
@@ -90,7 +90,7 @@ class TestTLSServer::State {
     std::atomic<int> requestCount_ = 0;
     mutable std::mutex lock_;
     std::string protocol_;
-    // Last: it uses the rest.
+    // Last, since it uses the other members.
     const LoopbackServer server_{[this](const LoopbackSocket& socket, int) { serve(socket.get()); }};
 };
 

@@ -10,14 +10,14 @@
 
 namespace zelto {
 
-// A server on 127.0.0.1 that speaks TLS and answers each request without a body over HTTP/1.1 with "secure".
+// A server on 127.0.0.1 over TLS and HTTP/1.1 whose response to each request without a body is "secure".
 class TestTLSServer {
   public:
     struct Options {
         TestCertificate certificate;
-        int newestVersion = 0; // as OpenSSL numbers them; 0 for the newest it knows
-        // Ends the connection behind this text, without TLS's own end, instead of the answer.
-        std::string cutAnswer = {};
+        int newestVersion = 0; // in OpenSSL's numbers; 0 for the newest that it supports
+        // Sends this text in place of the response, and ends the connection without TLS's closing message.
+        std::string cutResponse = {};
     };
 
     explicit TestTLSServer(Options options);
@@ -29,7 +29,7 @@ class TestTLSServer {
     // "https://<host>:<port>/"
     URL url(const std::string& host = "localhost") const;
 
-    int connectionCount() const; // that got through the handshake or tried to
+    int connectionCount() const; // that completed the handshake or tried to
     int requestCount() const;
     std::string protocol() const; // "TLSv1.3", of the last request
 

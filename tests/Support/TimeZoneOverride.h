@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-// Sets the process's time zone (TZ) while it lives. Not while other threads run.
+// Sets the process's time zone (TZ) while it lives. Not to be used while other threads run.
 class TimeZoneOverride {
   public:
     explicit TimeZoneOverride(const char* zone) {

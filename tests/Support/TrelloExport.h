@@ -10,7 +10,7 @@
 
 namespace zelto {
 
-// Answers as Trello does.
+// Responds as Trello does.
 class TrelloService {
   public:
     Replaceable<std::string> user{R"({"email":"me@example.org","fullName":"Me","avatarUrl":null,)"

@@ -4,14 +4,14 @@
 
 namespace zelto {
 
-MCPServer::Answer echoing() {
+MCPServer::Handler echoing() {
     return [](const ReceivedRequest& request) {
         const auto method = methodOf(request);
         if (method == "DELETE") {
             return status(200);
         }
         if (method == "tools/list") {
-            return jsonAnswer(
+            return jsonResponse(
                 request,
                 R"({"tools":[{"name":"first","description":"Does it.\nAnd more","inputSchema":)"
                 R"({"type":"object","z":1.0}},{"name":"\u001b[31mred","title":"T","inputSchema":{}}]})");
@@ -24,7 +24,7 @@ MCPServer::Answer echoing() {
                 eventOf(respondTo(idOf(request), result ? result->text().value()
                                                         : R"({"content":[{"type":"text","text":"done"}]})")));
         }
-        return jsonAnswer(request, "{}");
+        return jsonResponse(request, "{}");
     };
 }
 

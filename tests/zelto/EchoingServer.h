@@ -5,6 +5,6 @@
 namespace zelto {
 
 // A server whose tools give the result that they are asked for in the arguments' "result".
-MCPServer::Answer echoing();
+MCPServer::Handler echoing();
 
 } // namespace zelto

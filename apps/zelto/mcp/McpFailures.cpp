@@ -138,7 +138,7 @@ struct Namer {
         case URLErrorCode::secureConnection:
         case URLErrorCode::connectionLost:
         case URLErrorCode::bodyUnreadable:
-        case URLErrorCode::badAnswer:
+        case URLErrorCode::badResponse:
         case URLErrorCode::responseTooLarge:
             break;
         }

@@ -11,8 +11,8 @@ namespace zelto {
 
 namespace {
 
-// Fails only where the library itself cannot work (no memory, a digest that the system has switched off).
-// What would be signed with a wrong digest must not go out.
+// Digests fail only where the library itself cannot work (no memory, or an algorithm that the system has
+// switched off). Nothing must go out signed with a wrong digest.
 [[noreturn]] void stopWithout(const char* algorithm) {
     std::fprintf(stderr, "%s is not available\n", algorithm);
     std::abort();
@@ -30,7 +30,7 @@ SHA256Digest sha256(std::string_view bytes) {
 
 SHA1Digest hmacSHA1(std::string_view key, std::string_view bytes) {
     SHA1Digest digest{};
-    // A null key would mean the one of a call before.
+    // OpenSSL takes a null key for the key of the previous call.
     const char* const keyBytes = key.empty() ? "" : key.data();
     if (!HMAC(EVP_sha1(), keyBytes, static_cast<int>(key.size()),
               reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size(), digest.data(), nullptr)) {

@@ -10,9 +10,9 @@
 namespace zelto {
 
 void fillWithRandomBytes(std::span<std::uint8_t> bytes) {
-    constexpr std::size_t mostAtOnce = 256; // of getentropy(3)
+    constexpr std::size_t maximumAtOnce = 256; // of getentropy(3)
     while (!bytes.empty()) {
-        const auto count = std::min(bytes.size(), mostAtOnce);
+        const auto count = std::min(bytes.size(), maximumAtOnce);
         if (::getentropy(bytes.data(), count) != 0) {
             std::perror("no random bytes from the kernel");
             std::abort();

@@ -10,7 +10,7 @@ namespace {
 
 using GetName = int (*)(int, sockaddr*, socklen_t*);
 
-// IPv4's and IPv6's addresses have the port in one place.
+// The port has the same place in IPv4 and IPv6 addresses.
 int portOf(curl_socket_t socket, GetName getName) {
     sockaddr_storage address{};
     socklen_t size = sizeof address;
@@ -43,7 +43,7 @@ void Connections::attach(CURL* handle) {
     curl_easy_setopt(handle, CURLOPT_CLOSESOCKETDATA, this);
 }
 
-// No program that the process starts inherits a connection.
+// Close-on-exec: programs that the process starts do not inherit connections.
 curl_socket_t Connections::onOpen(void* connections, curlsocktype, curl_sockaddr* address) {
     const auto socket = ::socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
     if (socket >= 0) {

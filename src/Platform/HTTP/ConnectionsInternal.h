@@ -1,6 +1,6 @@
 #pragma once
 
-// For the transport alone: the sockets that libcurl has open.
+// Internal to the transport: the sockets that libcurl has open.
 
 #include <curl/curl.h>
 
@@ -11,8 +11,8 @@
 
 namespace zelto {
 
-// libcurl says of a connection under way only which ports it has; the system can then say whether it moves.
-// The I/O thread's alone; lives as long as libcurl has connections.
+// libcurl gives only the ports of a connection in use; by them the system's socket can be asked whether data
+// moves. Used on the I/O thread only; lives as long as libcurl has connections.
 class Connections {
   public:
     struct Ports {
@@ -22,13 +22,13 @@ class Connections {
 
     struct Movement {
         std::chrono::milliseconds sinceReceived{};
-        std::uint64_t acknowledged = 0; // bytes that the other side has taken
+        std::uint64_t acknowledged = 0; // bytes that the peer has acknowledged
     };
 
-    // Nothing for ports that no connection has.
+    // `nullopt` if no connection has these ports.
     std::optional<Movement> movement(const Ports& ports) const;
 
-    // Lets the handle open its sockets here.
+    // Makes the handle open its sockets here.
     void attach(CURL* handle);
 
   private:

@@ -8,7 +8,7 @@
 namespace zelto {
 namespace {
 
-// Takes a variable out of the environment while it lives.
+// Hides a variable of the environment while it lives.
 class HiddenVariable {
   public:
     explicit HiddenVariable(const char* name) : name_(name) {
@@ -36,8 +36,8 @@ URLErrorCode codeOf(CURLcode code, bool wasSent, std::string_view detail) {
     switch (code) {
     case CURLE_URL_MALFORMAT:
     case CURLE_UNSUPPORTED_PROTOCOL:
-        // What answers in no known version of HTTP counts as another protocol.
-        return wasSent ? URLErrorCode::badAnswer : URLErrorCode::invalidRequest;
+        // libcurl treats an unknown version of HTTP as another protocol.
+        return wasSent ? URLErrorCode::badResponse : URLErrorCode::invalidRequest;
     case CURLE_COULDNT_RESOLVE_HOST:
         return URLErrorCode::cannotFindHost;
     case CURLE_COULDNT_RESOLVE_PROXY:
@@ -64,22 +64,22 @@ URLErrorCode codeOf(CURLcode code, bool wasSent, std::string_view detail) {
     case CURLE_BAD_CONTENT_ENCODING:
     case CURLE_WEIRD_SERVER_REPLY:
     case CURLE_HTTP2:
-        return URLErrorCode::badAnswer;
+        return URLErrorCode::badResponse;
     case CURLE_FILESIZE_EXCEEDED:
         return URLErrorCode::responseTooLarge;
     case CURLE_OUT_OF_MEMORY:
-        // libcurl's own bounds for a header line, and for what is decoded while a transfer is held back.
+        // libcurl's own limits for a header line, and for what is decoded while a transfer is paused.
         return URLErrorCode::responseTooLarge;
     case CURLE_RECV_ERROR:
         if (detail.contains("chunk")) {
-            return URLErrorCode::badAnswer;
+            return URLErrorCode::badResponse;
         }
         if (detail.contains("Too large")) {
             return URLErrorCode::responseTooLarge;
         }
         [[fallthrough]];
     default:
-        // What ends before the request went out is a proxy's refusal.
+        // A connection that is lost before the request was sent was refused by a proxy.
         return wasSent ? URLErrorCode::connectionLost : URLErrorCode::cannotConnect;
     }
 }
@@ -102,7 +102,7 @@ std::string_view sentenceOf(URLErrorCode code) {
         return "The server did not respond in time";
     case URLErrorCode::bodyUnreadable:
         return "The file to be sent can no longer be read";
-    case URLErrorCode::badAnswer:
+    case URLErrorCode::badResponse:
         return "The server's answer is broken";
     case URLErrorCode::responseTooLarge:
         return "The server's answer is too large";
@@ -145,11 +145,11 @@ URLError errorOf(CURLcode curlCode, bool wasSent, std::string_view host, std::st
         return errorOf(URLErrorCode::connectionLost, host);
     }
     if (code == URLErrorCode::timedOut) {
-        return errorOf(code, host); // whether libcurl or the engine saw it first
+        return errorOf(code, host); // the same text whether libcurl or the engine noticed it
     }
-    // Elsewhere libcurl's own words may quote the server.
-    const bool tellsDetail = code == URLErrorCode::secureConnection && !detail.empty();
-    return errorOf(code, host, tellsDetail ? detail : curl_easy_strerror(curlCode));
+    // For other errors, libcurl's text may quote the server.
+    const bool includesDetail = code == URLErrorCode::secureConnection && !detail.empty();
+    return errorOf(code, host, includesDetail ? detail : curl_easy_strerror(curlCode));
 }
 
 } // namespace zelto

@@ -1,6 +1,6 @@
 #pragma once
 
-// For the transport alone: libcurl as a whole.
+// Internal to the transport: libcurl's set-up and errors.
 
 #include <Platform/HTTP/URLError.h>
 
@@ -10,15 +10,15 @@
 
 namespace zelto {
 
-// Sets libcurl up, once in the process, without the key log that the environment may ask for.
+// Sets libcurl up, once in the process, without the TLS key log that the environment may ask for.
 void setUpCurl();
 
-// The error in words, with whom it was and why.
+// The error with its text: which host, and why.
 URLError errorOf(URLErrorCode code, std::string_view host, std::string_view reason = {});
 
-// What a transfer's result means when nothing of our own ended it. `detail` is libcurl's own text. A request
-// that was sent once may have been carried out, so that what kept it from being sent again is a connection
-// lost.
+// The error that a transfer's result stands for, unless the transport itself ended it. `detail` is libcurl's
+// own text. If the request was sent once, it may have been carried out: whatever kept libcurl from sending it
+// again is then reported as a lost connection.
 URLError errorOf(CURLcode code, bool wasSent, std::string_view host, std::string_view detail);
 
 } // namespace zelto

@@ -15,12 +15,13 @@ namespace zelto {
 
 namespace {
 
-// Larger than any file system holds, and so small that the sum of a body's segments stays a file offset.
+// Larger than the maximum of any file system, and small enough that the sum of a body's segments is a valid
+// file offset.
 constexpr std::uint64_t maximumFileSize = std::uint64_t{1} << 53;
 
 class OpenFile {
   public:
-    // Nothing for what cannot be opened or is no regular file; a pipe is not waited for.
+    // Null if it cannot be opened or is not a regular file; does not wait for the other end of a pipe.
     static std::shared_ptr<const OpenFile> open(const std::filesystem::path& path) {
         auto descriptor = FileManager::openFile(path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
         struct stat status = {};
@@ -36,7 +37,7 @@ class OpenFile {
 
     std::uint64_t size() const { return size_; }
 
-    // Fills the buffer whole.
+    // Fills the whole buffer.
     Result<void, HTTPBodyError> read(std::uint64_t offset, std::span<std::uint8_t> buffer) const {
         while (!buffer.empty()) {
             const auto count =
@@ -66,7 +67,7 @@ class HTTPBody::Segment {
 
     virtual std::uint64_t size() const = 0;
 
-    // Fills the buffer whole; the caller asks for no more than there is.
+    // Fills the whole buffer; the caller never reads past the end.
     virtual Result<void, HTTPBodyError> read(std::uint64_t offset, std::span<std::uint8_t> buffer) const = 0;
 };
 
@@ -190,13 +191,13 @@ void HTTPBody::append(std::shared_ptr<const Segment> segment) {
 
 Result<Data, HTTPBodyError> HTTPBody::bytes() const {
     Data data(size_);
-    std::span<std::uint8_t> rest = data;
+    std::span<std::uint8_t> remaining = data;
     for (const auto& segment : segments_) {
         const auto size = static_cast<std::size_t>(segment->size());
-        if (const auto done = segment->read(0, rest.first(size)); !done) {
+        if (const auto done = segment->read(0, remaining.first(size)); !done) {
             return failure(done.error());
         }
-        rest = rest.subspan(size);
+        remaining = remaining.subspan(size);
     }
     return data;
 }

@@ -13,14 +13,14 @@
 namespace zelto {
 
 enum class HTTPBodyError {
-    fileTooShort, // a file has lost bytes since it was appended
+    fileTooShort, // a file has become shorter since it was appended
     fileUnreadable,
 };
 
-// The bytes of a message body as a list of segments: texts in memory, and open files that are read when the
-// body is sent, as they are or as Base64. The length is known and kept: a file that has grown since gives
-// what it held when it was appended, one that has shrunk an error. Copies share their segments and cost no
-// memory; several threads may read copies of one body.
+// The bytes of a message body as a list of segments: texts in memory, and open files that are read while the
+// body is sent, as they are or as Base64. The length is fixed when a segment is appended: a file that has
+// grown gives only its first bytes, one that has shrunk gives an error. Copies share their segments and cost
+// no memory; several threads may read copies of one body.
 class HTTPBody {
   public:
     HTTPBody() = default;
@@ -30,22 +30,21 @@ class HTTPBody {
     void append(std::string text);
     void append(const HTTPBody& other);
 
-    // The file is opened here and stays open as long as a copy of the body lives, so that replacing or
-    // removing it changes nothing. False, and nothing appended, for what cannot be opened or is no regular
-    // file.
+    // The file is opened here and stays open as long as a copy of the body lives, so replacing or removing it
+    // has no effect. False, with nothing appended, if it cannot be opened or is not a regular file.
     [[nodiscard]] bool appendFile(const std::filesystem::path& path);
 
-    // The file's bytes as Base64 without line breaks.
+    // Appends the file's bytes as Base64 without line breaks.
     [[nodiscard]] bool appendFileAsBase64(const std::filesystem::path& path);
 
     std::uint64_t size() const { return size_; }
 
     bool empty() const { return size_ == 0; }
 
-    // The whole in memory.
+    // The whole body in memory.
     Result<Data, HTTPBodyError> bytes() const;
 
-    // Reads a body from its beginning to its end. Holds the segments itself; one thread at a time.
+    // Reads a body from beginning to end. Holds the segments itself; one thread at a time.
     class Reader;
 
   private:
@@ -64,17 +63,17 @@ class HTTPBody::Reader {
   public:
     explicit Reader(HTTPBody body) : body_(std::move(body)) {}
 
-    // Fills the buffer as far as the body reaches and gives the count; 0 is the end. After an error the
-    // reader stands where it stood.
+    // Fills as much of the buffer as it can and gives the number of bytes; 0 is the end. After an error the
+    // position is unchanged.
     Result<std::size_t, HTTPBodyError> read(std::span<std::uint8_t> buffer);
 
-    // A redirect or a second attempt sends the body again.
+    // For sending the body again after a redirect or a second attempt.
     void rewind();
 
   private:
     HTTPBody body_;
     std::size_t segment_ = 0;
-    std::uint64_t offset_ = 0; // in the segment
+    std::uint64_t offset_ = 0; // within the current segment
 };
 
 } // namespace zelto

@@ -6,17 +6,18 @@
 namespace zelto {
 namespace {
 
-constexpr std::chrono::seconds longestDraining{1};
+constexpr std::chrono::seconds maximumDrainingTime{1};
 
-// What the system has taken of an upload goes on moving, which only a look at its queue shows.
-constexpr int looksAtUpload = 4;
+// How often per time-out an upload is checked: data that the system has buffered keeps moving, which only its
+// socket shows.
+constexpr int checksOfUpload = 4;
 
 using Clock = HTTPExchange::Clock;
 
 Clock::duration bounded(TimeInterval interval) {
-    constexpr TimeInterval least{0.001};
-    constexpr TimeInterval most{365 * 24 * 3600.0};
-    return std::chrono::ceil<Clock::duration>(interval > least ? std::min(interval, most) : least);
+    constexpr TimeInterval minimum{0.001};
+    constexpr TimeInterval maximum{365 * 24 * 3600.0};
+    return std::chrono::ceil<Clock::duration>(interval > minimum ? std::min(interval, maximum) : minimum);
 }
 
 } // namespace
@@ -40,8 +41,8 @@ bool HTTPExchange::begin(std::shared_ptr<URLTransfer> transfer, std::unique_ptr<
     plan_ = std::move(plan);
     redirects_ = 0;
     const auto& configuration = transfer_->session().configuration;
-    patience_ = bounded(configuration.timeout.value_or(plan_->request.timeout));
-    giveUpAt_ = rounds_.now + bounded(configuration.longestTransfer);
+    timeout_ = bounded(configuration.timeout.value_or(plan_->request.timeout));
+    giveUpAt_ = rounds_.now + bounded(configuration.maximumTransferTime);
     if (easy_ && url_ && prepareHop()) {
         return true;
     }
@@ -96,7 +97,7 @@ bool HTTPExchange::detach() {
     curl_easy_getinfo(easy_, CURLINFO_SIZE_DOWNLOAD_T, &received);
     curl_easy_getinfo(easy_, CURLINFO_HTTP_VERSION, &version);
     const bool isShort =
-        !contentLength_ || *contentLength_ <= static_cast<std::uint64_t>(received) + mostDrained;
+        !contentLength_ || *contentLength_ <= static_cast<std::uint64_t>(received) + maximumDrainedBytes;
     if (!head_.isComplete() || failure_ || !isShort || !isBodySent() || version > CURL_HTTP_VERSION_1_1) {
         return false;
     }
@@ -110,14 +111,14 @@ bool HTTPExchange::detach() {
 
 void HTTPExchange::beginDraining() {
     isDraining_ = true;
-    drainUntil_ = rounds_.now + longestDraining;
-    scheduleLook();
+    drainUntil_ = rounds_.now + maximumDrainingTime;
+    scheduleCheck();
 }
 
 bool HTTPExchange::proceed() {
     isHeldBack_ = false;
     movedAt_ = rounds_.now;
-    scheduleLook();
+    scheduleCheck();
     return curl_easy_pause(easy_, CURLPAUSE_CONT) == CURLE_OK && !failure_;
 }
 
@@ -125,41 +126,41 @@ bool HTTPExchange::isBodySent() const {
     return !reader_ || sent_ == bodySize_;
 }
 
-void HTTPExchange::scheduleLook() {
+void HTTPExchange::scheduleCheck() {
     auto next = giveUpAt_;
     if (isDraining_) {
         next = drainUntil_;
     } else if (!isHeldBack_) {
-        next = std::min(next, movedAt_ + patience_);
+        next = std::min(next, movedAt_ + timeout_);
         if (reader_) {
-            next = std::min(next, rounds_.now + patience_ / looksAtUpload);
+            next = std::min(next, rounds_.now + timeout_ / checksOfUpload);
         }
     }
-    rounds_.nextLook = std::min(rounds_.nextLook, next);
+    rounds_.nextCheck = std::min(rounds_.nextCheck, next);
 }
 
 std::optional<CURLcode> HTTPExchange::overdue() {
-    if (isDraining_ ? rounds_.now >= drainUntil_ : standsStill() || rounds_.now >= giveUpAt_) {
+    if (isDraining_ ? rounds_.now >= drainUntil_ : isStalled() || rounds_.now >= giveUpAt_) {
         if (!isDraining_) {
             failure_ = URLErrorCode::timedOut;
         }
         return CURLE_OPERATION_TIMEDOUT;
     }
-    scheduleLook();
+    scheduleCheck();
     return std::nullopt;
 }
 
-bool HTTPExchange::standsStill() {
+bool HTTPExchange::isStalled() {
     if (isHeldBack_) {
         return false;
     }
-    lookAtConnection();
-    return rounds_.now >= movedAt_ + patience_;
+    checkConnection();
+    return rounds_.now >= movedAt_ + timeout_;
 }
 
-// A head that comes byte by byte, and what the system has taken of an upload, move without any call. Where
-// many share a connection, it tells nothing of one.
-void HTTPExchange::lookAtConnection() {
+// A head that arrives byte by byte, and buffered data of an upload, move without a callback. On a connection
+// with several streams this says nothing about a single one.
+void HTTPExchange::checkConnection() {
     long version = 0;
     curl_easy_getinfo(easy_, CURLINFO_HTTP_VERSION, &version);
     if (attempts_ == 0 || version > CURL_HTTP_VERSION_1_1) {
@@ -167,7 +168,7 @@ void HTTPExchange::lookAtConnection() {
     }
     if (const auto movement = rounds_.connections.movement(ports_)) {
         movedAt_ = std::max(movedAt_, rounds_.now - movement->sinceReceived);
-        if (reader_ && movement->acknowledged > std::exchange(acknowledgedAtLook_, movement->acknowledged)) {
+        if (reader_ && movement->acknowledged > std::exchange(acknowledgedAtCheck_, movement->acknowledged)) {
             movedAt_ = rounds_.now;
         }
     }

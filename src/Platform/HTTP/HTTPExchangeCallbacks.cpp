@@ -2,7 +2,7 @@
 
 namespace zelto {
 
-// Nothing may be thrown through libcurl, and what is thrown here is that there is no memory left.
+// Exceptions must not pass through libcurl; the only one that occurs here is lack of memory.
 template <class F> std::size_t HTTPExchange::takenOr(std::size_t refusal, F&& take) {
     try {
         return take();
@@ -14,7 +14,7 @@ template <class F> std::size_t HTTPExchange::takenOr(std::size_t refusal, F&& ta
 
 std::size_t HTTPExchange::onHeader(char* data, std::size_t size, std::size_t count, void* exchange) {
     const auto length = size * count;
-    // Anything but the length ends the transfer.
+    // Returning anything but the length ends the transfer.
     auto& self = *static_cast<HTTPExchange*>(exchange);
     return self.takenOr(length + 1, [&] { return self.takeHeadLine({data, length}) ? length : length + 1; });
 }
@@ -22,9 +22,9 @@ std::size_t HTTPExchange::onHeader(char* data, std::size_t size, std::size_t cou
 bool HTTPExchange::takeHeadLine(std::string_view line) {
     movedAt_ = rounds_.now;
     headSize_ += line.size();
-    const auto largest = transfer_ ? transfer_->session().configuration.largestHeader : headSize_;
+    const auto maximum = transfer_ ? transfer_->session().configuration.maximumHeaderSize : headSize_;
     const auto progress = head_.take(line);
-    if (headSize_ > largest || progress == ResponseHead::Progress::tooManyFields) {
+    if (headSize_ > maximum || progress == ResponseHead::Progress::tooManyFields) {
         failure_ = URLErrorCode::responseTooLarge;
         return false;
     }
@@ -36,7 +36,7 @@ bool HTTPExchange::takeHeadLine(std::string_view line) {
 
 void HTTPExchange::headIsComplete() {
     const auto& request = plan_->request;
-    if (redirects_ < mostRedirects) {
+    if (redirects_ < maximumRedirects) {
         redirect_ = redirectTarget(request.method, request.url, head_.status(), head_.headers());
     }
     contentLength_ = head_.contentLength();
@@ -60,12 +60,12 @@ std::size_t HTTPExchange::takeBody(std::span<const std::uint8_t> data) {
     movedAt_ = rounds_.now;
     if (isDraining_) {
         drained_ += data.size();
-        return drained_ <= mostDrained ? data.size() : CURL_WRITEFUNC_ERROR;
+        return drained_ <= maximumDrainedBytes ? data.size() : CURL_WRITEFUNC_ERROR;
     }
     if (transfer_->hasEnded()) {
-        return data.size(); // the engine is about to hear of it
+        return data.size(); // the engine has been asked to stop, but has not done so yet
     }
-    if (data.size() > transfer_->session().configuration.largestAnswer - received_) {
+    if (data.size() > transfer_->session().configuration.maximumResponseSize - received_) {
         failure_ = URLErrorCode::responseTooLarge;
         return CURL_WRITEFUNC_ERROR;
     }
@@ -109,7 +109,7 @@ int HTTPExchange::onReady(void* exchange, char*, char*, int remotePort, int loca
     return self.maySend() ? CURL_PREREQFUNC_OK : CURL_PREREQFUNC_ABORT;
 }
 
-// libcurl sends by itself again what it sent on a connection that turns out dead.
+// libcurl itself sends a request again when a reused connection turns out dead.
 bool HTTPExchange::maySend() {
     movedAt_ = rounds_.now;
     if (++attempts_ > 1 && !isRepeatable(plan_->request.method)) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// For the transport alone: one request on one of libcurl's easy handles.
+// Internal to the transport: one request on one of libcurl's easy handles.
 
 #include <Platform/HTTP/ConnectionsInternal.h>
 #include <Platform/HTTP/CurlInternal.h>
@@ -20,17 +20,17 @@
 
 namespace zelto {
 
-// Serves one transfer after the other, each over as many hops as redirects lead through. The I/O thread's
-// alone. The engine adds the handle to its multi handle and takes it out.
+// Serves one transfer after the other, each over as many hops as it has redirects. Used on the I/O thread
+// only. The engine adds the handle to its multi handle and removes it.
 class HTTPExchange {
   public:
     using Clock = std::chrono::steady_clock;
 
-    // The engine's clock, read once a round, when it is to look whether all still move, and what there is
-    // to see.
+    // What the engine reads once per round: its clock, when to check next whether all transfers still move,
+    // and the connections to check.
     struct Rounds {
         Clock::time_point now;
-        Clock::time_point nextLook;
+        Clock::time_point nextCheck;
         Connections connections;
     };
 
@@ -43,39 +43,40 @@ class HTTPExchange {
 
     CURL* handle() const { return easy_; }
 
-    // Nothing while the rest of an answer is read that nobody waits for.
+    // Null while the rest of a cancelled response is drained.
     const std::shared_ptr<URLTransfer>& transfer() const { return transfer_; }
 
-    // False when the handle cannot be prepared; then there is nothing to add, and the transfer has its error.
+    // False when the handle cannot be prepared; then there is nothing to add, and the transfer has ended with
+    // an error.
     [[nodiscard]] bool begin(std::shared_ptr<URLTransfer> transfer, std::unique_ptr<TransferPlan> plan);
 
-    // What libcurl's end of a hop means. True when another hop is prepared; else the transfer has its end.
+    // Handles the end of a hop. True when another hop is prepared; otherwise the transfer has ended.
     [[nodiscard]] bool goesOnAfter(CURLcode code);
 
-    // Lets the transfer go. Whether the little that is left of the answer is worth reading, which keeps the
-    // connection.
+    // Releases the transfer. True if little is left of the response, so that draining it is worthwhile to
+    // keep the connection.
     [[nodiscard]] bool detach();
 
-    // The delegate has room again. False when that ended the exchange.
+    // The delegate has room again. False if this ended the exchange.
     [[nodiscard]] bool proceed();
 
-    // Says when to look at it again, or gives how it ends because it no longer moves.
+    // Schedules the next check, or gives the code to end with because the transfer stands still.
     std::optional<CURLcode> overdue();
 
-    // Whether what it runs on may be shared with others.
+    // Whether its connection may be shared with other transfers.
     bool mayBeHTTP2() const { return profile_ && !profile_->isPlain; }
 
-    // Ready for another one.
+    // Prepares for another transfer.
     void reset();
 
-    std::size_t place = 0; // among those under way
+    std::size_t place = 0; // index among the running ones
 
   private:
-    static constexpr int mostRedirects = 5;
-    // What is read of an answer that nobody waits for, to keep its connection.
-    static constexpr std::uint64_t mostDrained = 64 * 1024;
+    static constexpr int maximumRedirects = 5;
+    // How much of a response that nobody waits for is read to keep its connection.
+    static constexpr std::uint64_t maximumDrainedBytes = 64 * 1024;
 
-    // What a handle is set up for beyond one request.
+    // The settings of a handle that outlast one request.
     struct Profile {
         bool isPlain = false;
         bool isLoopback = false;
@@ -108,9 +109,9 @@ class HTTPExchange {
     bool maySend();
     void beginDraining();
     bool isBodySent() const;
-    void scheduleLook();
-    bool standsStill();
-    void lookAtConnection();
+    void scheduleCheck();
+    bool isStalled();
+    void checkConnection();
     std::optional<URLError> errorAfter(CURLcode code) const;
     std::string host() const;
 
@@ -130,29 +131,29 @@ class HTTPExchange {
     bool endedWell_ = false;
     std::optional<Profile> profile_;
     std::string encodingsLine_;
-    std::string urlText_; // of url_
+    std::string urlText_; // the text that url_ was parsed from
 
-    // Of the transfer.
+    // Per transfer.
     std::shared_ptr<URLTransfer> transfer_;
-    std::unique_ptr<TransferPlan> plan_; // its URL is that of the hop
+    std::unique_ptr<TransferPlan> plan_; // its URL is that of the current hop
     std::optional<URL> redirect_;
     std::vector<curl_slist> headerList_;
     std::optional<HTTPBody::Reader> reader_;
     std::string smallBody_;
     std::uint64_t bodySize_ = 0;
     int redirects_ = 0;
-    Clock::duration patience_{};
+    Clock::duration timeout_{};
     Clock::time_point giveUpAt_;
 
-    // Of the hop.
+    // Per hop.
     ResponseHead head_;
     std::optional<std::uint64_t> contentLength_;
-    std::optional<URLErrorCode> failure_; // why a callback ended it
+    std::optional<URLErrorCode> failure_; // why a callback ended the hop
     Clock::time_point movedAt_;
     std::uint64_t headSize_ = 0;
     std::uint64_t received_ = 0;
     std::uint64_t sent_ = 0;
-    std::uint64_t acknowledgedAtLook_ = 0;
+    std::uint64_t acknowledgedAtCheck_ = 0;
     int attempts_ = 0;
     Connections::Ports ports_;
     bool isHeldBack_ = false;

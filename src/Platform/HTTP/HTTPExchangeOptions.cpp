@@ -12,23 +12,24 @@
 namespace zelto {
 namespace {
 
-// Up to here a body goes out together with the head.
-constexpr std::uint64_t largestSmallBody = 64 * 1024;
+// Up to this size, a body is sent together with the head.
+constexpr std::uint64_t maximumSmallBody = 64 * 1024;
 
 constexpr long piecesOfBody = 256 * 1024;
 
-// A connection that rested is likelier to be dead, which costs what is not repeated its attempt.
-constexpr long restBeforeUnrepeatable = 30;
-constexpr long longestRest = 118; // what servers commonly allow; libcurl's own
-constexpr long longestConnection = 600;
+// Seconds of idleness after which a connection is not reused. An idle connection may be dead, and a request
+// that is not repeated then fails: for these the limit is lower.
+constexpr long maximumIdleBeforeUnrepeatable = 30;
+constexpr long maximumIdle = 118; // what servers commonly allow; libcurl's default
+constexpr long maximumConnectionAge = 600;
 
-constexpr std::uint64_t largestOffset = std::numeric_limits<curl_off_t>::max();
+constexpr std::uint64_t maximumOffset = std::numeric_limits<curl_off_t>::max();
 
 long milliseconds(HTTPExchange::Clock::duration duration) {
     return static_cast<long>(std::chrono::ceil<std::chrono::milliseconds>(duration).count());
 }
 
-// As libcurl itself writes it for all that it can decode.
+// In the form in which libcurl lists all encodings that it decodes.
 std::string decodableEncodings() {
     const auto features = curl_version_info(CURLVERSION_NOW)->features;
     std::vector<std::string_view> names;
@@ -43,7 +44,7 @@ std::string decodableEncodings() {
     return joined(names, ", ");
 }
 
-// A host may have set libcurl up before, with the key log that the environment asks for.
+// A host may have set libcurl up before, with the TLS key log that the environment asks for.
 CURLcode onSecurity(CURL*, void* context, void*) {
     SSL_CTX_set_keylog_callback(static_cast<SSL_CTX*>(context), nullptr);
     return CURLE_OK;
@@ -55,7 +56,7 @@ template <class Value> void HTTPExchange::set(CURLoption option, Value value) {
     isPrepared_ = curl_easy_setopt(easy_, option, value) == CURLE_OK && isPrepared_;
 }
 
-// False, with the failure noted, when there is nothing that could be sent.
+// False, with the failure noted, when nothing could be sent.
 bool HTTPExchange::prepareHop() {
     isPrepared_ = true;
     head_ = {};
@@ -64,7 +65,7 @@ bool HTTPExchange::prepareHop() {
     redirect_ = std::nullopt;
     movedAt_ = rounds_.now;
     headSize_ = received_ = sent_ = drained_ = 0;
-    acknowledgedAtLook_ = 0;
+    acknowledgedAtCheck_ = 0;
     attempts_ = 0;
     isHeldBack_ = isDraining_ = false;
 
@@ -74,7 +75,7 @@ bool HTTPExchange::prepareHop() {
     if (!isPrepared_ && !failure_) {
         failure_ = URLErrorCode::cannotConnect;
     }
-    scheduleLook();
+    scheduleCheck();
     return !failure_;
 }
 
@@ -86,8 +87,8 @@ HTTPExchange::Profile HTTPExchange::profile() const {
             wire.isPlain ? std::nullopt : configuration.certificateAuthorities};
 }
 
-// What most requests have in common is set once, since it costs as much as the rest of a request's setting
-// up. A handle whose last transfer did not go smoothly is begun afresh.
+// What most requests have in common is set once: it costs as much as everything else. A handle whose last
+// transfer did not end well is reset first.
 void HTTPExchange::setUpFor(Profile profile) {
     if (std::exchange(endedWell_, false) && profile_ == profile) {
         return;
@@ -103,10 +104,10 @@ void HTTPExchange::setUpFor(Profile profile) {
 void HTTPExchange::setConnection() {
     set(CURLOPT_PATH_AS_IS, 1L);
     set(CURLOPT_NOSIGNAL, 1L);
-    set(CURLOPT_QUICK_EXIT, 1L); // a name that is being looked up does not hold up the I/O thread
+    set(CURLOPT_QUICK_EXIT, 1L); // a pending name look-up does not block the I/O thread
     set(CURLOPT_SHARE, share_);
     set(CURLOPT_TCP_KEEPALIVE, 1L);
-    set(CURLOPT_MAXLIFETIME_CONN, longestConnection);
+    set(CURLOPT_MAXLIFETIME_CONN, maximumConnectionAge);
     set(CURLOPT_UPLOAD_BUFFERSIZE, piecesOfBody);
     setEncodings();
     if (profile_->isPlain) {
@@ -119,8 +120,8 @@ void HTTPExchange::setConnection() {
     }
 }
 
-// Out of the option libcurl would write the field twice for each request, character by character; what stands
-// among the header lines it writes once. The option still says that it decodes.
+// Given as an option, libcurl would write the field twice for each request, character by character; given as
+// a header line, once. The option is still needed for decoding.
 void HTTPExchange::setEncodings() {
     static const auto& decodable = neverDestroyed(decodableEncodings());
     const auto& own = profile_->acceptedEncodings;
@@ -142,7 +143,7 @@ void HTTPExchange::setSecurity() {
     set(CURLOPT_SSL_VERIFYHOST, 2L);
     set(CURLOPT_PROXY_SSL_VERIFYPEER, 1L);
     set(CURLOPT_PROXY_SSL_VERIFYHOST, 2L);
-    // libcurl parses a file of certificates once for all connections, but not a directory of them.
+    // libcurl parses a certificate file once for all connections, but not a certificate directory.
     static const bool hasFile = curl_version_info(CURLVERSION_NOW)->cainfo != nullptr;
     const auto& own = profile_->certificateAuthorities;
     if (own || hasFile) {
@@ -183,20 +184,21 @@ void HTTPExchange::setCallbacks() {
     rounds_.connections.attach(easy_);
 }
 
-// From here on, each option is set for each hop.
+// From here on, options are set for each hop.
 void HTTPExchange::setMessage() {
     const auto& method = plan_->request.method;
     setURL();
-    set(CURLOPT_CONNECTTIMEOUT_MS, milliseconds(patience_));
-    set(CURLOPT_MAXAGE_CONN, isRepeatable(method) ? longestRest : restBeforeUnrepeatable);
-    // The length that a HEAD tells is of nothing that comes.
-    const auto largest = method == "HEAD" ? largestOffset : transfer_->session().configuration.largestAnswer;
-    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(std::min(largest, largestOffset)));
+    set(CURLOPT_CONNECTTIMEOUT_MS, milliseconds(timeout_));
+    set(CURLOPT_MAXAGE_CONN, isRepeatable(method) ? maximumIdle : maximumIdleBeforeUnrepeatable);
+    // A HEAD response has no body, whatever its Content-Length.
+    const auto maximum =
+        method == "HEAD" ? maximumOffset : transfer_->session().configuration.maximumResponseSize;
+    set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(std::min(maximum, maximumOffset)));
     setHeaderLines();
 }
 
-// A URL that it takes apart itself, libcurl puts together again, which costs twice as much. One request often
-// asks for what the one before it did.
+// A URL given as text is parsed by libcurl and put together again, which costs twice as much. Consecutive
+// requests often have the same URL.
 void HTTPExchange::setURL() {
     const auto& text = plan_->wire.url;
     if (text != urlText_) {
@@ -211,7 +213,7 @@ void HTTPExchange::setURL() {
     set(CURLOPT_CURLU, url_);
 }
 
-// libcurl only reads the list, so that it can point to the lines where they are.
+// libcurl only reads the list, so its nodes can point into the text.
 void HTTPExchange::setHeaderLines() {
     headerList_.clear();
     for (auto* lines : {&encodingsLine_, &plan_->wire.headerLines}) {
@@ -229,11 +231,11 @@ void HTTPExchange::setBody() {
     const auto& method = plan_->request.method;
     const auto& body = plan_->request.body;
     bodySize_ = body ? body->size() : 0;
-    if (!tellsBody(plan_->request)) {
+    if (!declaresBody(plan_->request)) {
         set(CURLOPT_POSTFIELDS, nullptr);
         set(CURLOPT_HTTPGET, 1L);
         set(CURLOPT_NOBODY, method == "HEAD" ? 1L : 0L);
-    } else if (bodySize_ <= largestSmallBody) {
+    } else if (bodySize_ <= maximumSmallBody) {
         smallBody_.resize(static_cast<std::size_t>(bodySize_));
         const std::span bytes(reinterpret_cast<std::uint8_t*>(smallBody_.data()), smallBody_.size());
         if (bodySize_ > 0 && !HTTPBody::Reader(*body).read(bytes)) {
@@ -248,8 +250,8 @@ void HTTPExchange::setBody() {
         set(CURLOPT_UPLOAD, 1L);
         set(CURLOPT_INFILESIZE_LARGE, static_cast<curl_off_t>(bodySize_));
     }
-    // Each of these ways has a method of its own.
-    const bool isOwn = !tellsBody(plan_->request) && (method == "GET" || method == "HEAD");
+    // Each of the ways above implies a method of its own.
+    const bool isOwn = !declaresBody(plan_->request) && (method == "GET" || method == "HEAD");
     set(CURLOPT_CUSTOMREQUEST, isOwn ? nullptr : method.c_str());
 }
 

@@ -18,7 +18,7 @@ constexpr auto tokenCharacters = [] {
     return table;
 }();
 
-// A message has several fields, and making room for one after the other costs more.
+// Typical number of fields; reserving for one after the other costs more.
 constexpr std::size_t commonCount = 8;
 
 template <class Fields> auto find(Fields& fields, std::string_view name) {

@@ -14,15 +14,15 @@ struct HTTPHeaderField {
     bool operator==(const HTTPHeaderField&) const = default;
 };
 
-// The header fields of a message. Names are found without regard to case, and kept with the spelling and in
-// the order of setting. Anything can be set: the transport refuses a message with a field that is not valid.
+// The header fields of a message. Names are found without regard to case, and keep the spelling and the order
+// in which they were set. Anything can be set: the transport refuses a message with an invalid field.
 class HTTPHeaders {
   public:
-    // Replaces the value of a field in its place, with the new spelling of its name, or adds the field at the
-    // end.
+    // Replaces the value of an existing field, in its place and with the new spelling of its name, or appends
+    // the field.
     void set(std::string name, std::string value);
 
-    // The same, but the value goes behind that of a field that is there already.
+    // Like set, but appends the value to that of an existing field.
     void append(std::string name, std::string value, std::string_view separator);
 
     void remove(std::string_view name);
@@ -33,7 +33,7 @@ class HTTPHeaders {
 
     const std::vector<HTTPHeaderField>& fields() const { return fields_; }
 
-    // Nothing when every field may be sent, else the first that may not.
+    // Null if every field may be sent, else the first that may not.
     const HTTPHeaderField* firstInvalid() const;
 
     // Compares spelling and order too.
@@ -46,12 +46,12 @@ class HTTPHeaders {
 };
 
 // False for a value with CR, LF or NUL, which would end the field and begin another, and for a name that is
-// no token of RFC 9110. Whoever writes a message to the wire asks these before the first byte goes out.
+// not a token of RFC 9110. To be checked before the first byte of a message is written.
 bool isValidHeaderValue(std::string_view value);
 bool isValidHeaderName(std::string_view name);
 
-// Of a field that frames a message or names its receiver, which is the transport's to say: a request that
-// sets one is refused.
+// Whether a field frames the message or names its receiver. Only the transport may set these: a request with
+// one is refused.
 bool isTransportHeader(std::string_view name);
 
 } // namespace zelto

@@ -15,7 +15,7 @@ std::unexpected<URLError> refusal(std::string message) {
     return failure(URLError{URLErrorCode::invalidRequest, std::move(message)});
 }
 
-// A URL taken apart once; points into its text.
+// The parts of a URL, as views of its text.
 struct Target {
     explicit Target(const URL& url)
         : parts(splitURL(url.absoluteString())), scheme(toASCIILower(parts.scheme.value_or(""))),
@@ -77,7 +77,7 @@ std::optional<std::string> problemOf(const URLRequest& request) {
     return problemOf(request.headers);
 }
 
-// "127.0.0.1:8080" of a route; nothing of a URL that is none.
+// "127.0.0.1:8080" for a route's URL; `nullopt` if it is not a valid route.
 std::optional<std::string_view> routeAuthority(const URL& route) {
     const Target target(route);
     const auto& parts = target.parts;
@@ -86,7 +86,7 @@ std::optional<std::string_view> routeAuthority(const URL& route) {
                                                                                   : std::nullopt;
 }
 
-// The Host of a URL as its own server gets it.
+// The Host field that the URL's own server expects.
 std::string hostField(const Target& target) {
     auto host = target.host.contains(':') ? "[" + target.host + "]" : target.host;
     if (target.port && *target.port != target.standardPort()) {
@@ -95,7 +95,7 @@ std::string hostField(const Target& target) {
     return host;
 }
 
-// Everything but the fragment, which stays here.
+// Everything but the fragment, which is not sent.
 std::string addressOf(std::string_view scheme, std::string_view authority, const URLSplit& parts) {
     std::string text;
     text.reserve(scheme.size() + authority.size() + parts.path.size() + parts.query.value_or("").size() + 5);
@@ -110,7 +110,7 @@ std::string addressOf(std::string_view scheme, std::string_view authority, const
 void addOwnFields(const HTTPHeaders& headers, WireRequest& wire) {
     for (const auto& [name, value] : headers.fields()) {
         if (equalIgnoringASCIICase(name, "Content-Length")) {
-            continue; // told from the body
+            continue; // taken from the body
         }
         if (equalIgnoringASCIICase(name, "Accept-Encoding")) {
             wire.acceptedEncodings = value;
@@ -128,7 +128,7 @@ void addStandardFields(const URLRequest& request, WireRequest& wire) {
     if (!request.headers.contains("Accept")) {
         add("Accept:");
     }
-    if (tellsBody(request)) {
+    if (declaresBody(request)) {
         add("Expect:");
         if (!request.headers.contains("Content-Type")) {
             add("Content-Type:");
@@ -142,7 +142,7 @@ bool isLoopbackHost(std::string_view host) {
     if (host == "localhost" || host == "::1") {
         return true;
     }
-    // A full dotted quad: shorter forms and other bases are read differently by different resolvers.
+    // A full dotted quad only: resolvers disagree about shorter forms and other bases.
     std::array<int, 4> numbers{};
     std::size_t count = 0;
     while (count < 4) {
@@ -174,12 +174,12 @@ bool isRepeatable(std::string_view method) {
 }
 
 void appendHeaderLine(std::string& lines, std::string_view name, std::string_view value) {
-    // libcurl takes "Name:" for the wish to leave the field out.
+    // libcurl takes "Name:" as a request to leave the field out.
     const bool isBlank = value.find_first_not_of(" \t") == value.npos;
     lines.append(name).append(isBlank ? ";" : ": ").append(isBlank ? "" : value).push_back('\0');
 }
 
-bool tellsBody(const URLRequest& request) {
+bool declaresBody(const URLRequest& request) {
     const auto& method = request.method;
     return (request.body && !request.body->empty()) || method == "POST" || method == "PUT" ||
            method == "PATCH";

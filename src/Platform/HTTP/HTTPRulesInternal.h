@@ -1,6 +1,6 @@
 #pragma once
 
-// For the transport alone: what may be sent, whereto, and which redirects are followed.
+// Internal to the transport: what may be sent, to whom, and which redirects are followed.
 
 #include <Platform/HTTP/HTTPHeaders.h>
 #include <Platform/HTTP/URLError.h>
@@ -14,33 +14,34 @@
 
 namespace zelto {
 
-// What a request comes to on the wire. Made only of a request that passed every check.
+// A request in the form in which it is sent. Only made of a request that passed every check.
 struct WireRequest {
-    std::string url;         // whom to connect to and what to ask for
+    std::string url;         // the server to connect to, and the target
     std::string headerLines; // each ends with a NUL; "Name:" leaves out what libcurl would add
-    std::optional<std::string> acceptedEncodings; // of the request's own; without it all that can be decoded
+    std::optional<std::string>
+        acceptedEncodings; // the request's own, if it sets any; else all that can be decoded
     bool isLoopback = false;
     bool isPlain = false; // http
 };
 
-// The request's URL is looked past: `url` is what to ask for, which redirects change.
+// `url` is used instead of the request's own URL, since redirects change it.
 Result<WireRequest, URLError> wireRequest(const URLRequest& request, const URL& url,
                                           const URLSessionConfiguration& configuration);
 
-// Adds a field as libcurl takes it, and a NUL.
+// Adds a field in libcurl's form, and a NUL.
 void appendHeaderLine(std::string& lines, std::string_view name, std::string_view value);
 
-// Whether the message tells of a body, be it empty.
-bool tellsBody(const URLRequest& request);
+// Whether the message declares a body, even an empty one.
+bool declaresBody(const URLRequest& request);
 
-// Lower case, an IPv6 address without its brackets. Only names and addresses that no resolver can send
-// elsewhere.
+// In lower case; an IPv6 address without its brackets. True only for names and addresses that no resolver can
+// map to another machine.
 bool isLoopbackHost(std::string_view host);
 
-// Whether a request may go out a second time when its connection died before an answer.
+// Whether a request may be sent again when its connection died before a response.
 bool isRepeatable(std::string_view method);
 
-// Where to go on; nothing when the answer is the answer.
+// The URL of the next hop; `nullopt` if the redirect is not followed, and the response is final.
 std::optional<URL> redirectTarget(std::string_view method, const URL& url, int status,
                                   const HTTPHeaders& headers);
 

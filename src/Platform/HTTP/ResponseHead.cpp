@@ -9,8 +9,8 @@
 namespace zelto {
 namespace {
 
-// Each field is looked for among those before it.
-constexpr int mostFields = 2000;
+// Each field is searched for among those before it, so their number is limited.
+constexpr int maximumFields = 2000;
 
 constexpr std::string_view blanks = " \t\r\n";
 
@@ -22,7 +22,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-// Old servers mean Latin-1 by what is no UTF-8.
+// Old servers send Latin-1: what is not UTF-8 is read as that.
 std::string readable(std::string_view bytes) {
     if (isValidUTF8(bytes)) {
         return std::string(bytes);
@@ -62,7 +62,7 @@ ResponseHead::Progress ResponseHead::take(std::string_view line) {
 }
 
 ResponseHead::Progress ResponseHead::takeField(std::string_view line) {
-    if (++fieldCount_ > mostFields) {
+    if (++fieldCount_ > maximumFields) {
         return Progress::tooManyFields;
     }
     const bool continuesLine = line.front() == ' ' || line.front() == '\t';

@@ -1,6 +1,6 @@
 #pragma once
 
-// For the transport alone: the head of an answer, taken in line by line.
+// Internal to the transport: the head of a response, read line by line.
 
 #include <Platform/HTTP/HTTPHeaders.h>
 
@@ -16,8 +16,8 @@ class ResponseHead {
   public:
     enum class Progress { going, complete, tooManyFields };
 
-    // A status line begins a new head, as after an informational one. `complete` is given once, for the blank
-    // line of the answer proper; what comes behind it (trailers) is left out.
+    // A status line begins a new head, as after an informational response. `complete` is given once, for the
+    // blank line that ends the final head; what follows (trailers) is ignored.
     Progress take(std::string_view line);
 
     bool isComplete() const { return isComplete_; }
@@ -26,10 +26,10 @@ class ResponseHead {
 
     const HTTPHeaders& headers() const { return headers_; }
 
-    // Leaves none.
+    // Leaves the head without fields.
     HTTPHeaders takeHeaders() { return std::exchange(headers_, {}); }
 
-    // Of the body as it comes over the wire.
+    // Of the body as transferred, before decoding.
     std::optional<std::uint64_t> contentLength() const;
 
   private:

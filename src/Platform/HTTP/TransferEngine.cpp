@@ -12,17 +12,16 @@
 namespace zelto {
 namespace {
 
-// Each takes a descriptor, of which a process commonly has 1024.
-constexpr std::size_t mostUnderWay = 256;
-constexpr std::size_t mostIdleHandles = 64;
-constexpr long mostConnections = 256;
+// Each takes a file descriptor, and a process commonly has 1024.
+constexpr std::size_t maximumRunning = 256;
+constexpr std::size_t maximumIdleHandles = 64;
+constexpr long maximumConnections = 256;
 
-constexpr std::chrono::seconds patienceAtExit{10};
+constexpr std::chrono::seconds exitGracePeriod{10};
 constexpr std::chrono::hours maximumWait{1};
 
-// libcurl 7.88 may leave a request or an answer of HTTP/2 lying until its next round, when there is nothing
-// in any socket that would wake it.
-constexpr std::chrono::milliseconds longestWaitOverHTTP2{50};
+// libcurl 7.88 may leave HTTP/2 data unprocessed until its next round although no socket becomes ready.
+constexpr std::chrono::milliseconds maximumWaitOverHTTP2{50};
 
 CURLSH* newShare() {
     CURLSH* share = curl_share_init();
@@ -33,7 +32,7 @@ CURLSH* newShare() {
 CURLM* newMulti() {
     setUpCurl();
     CURLM* multi = curl_multi_init();
-    curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, mostConnections);
+    curl_multi_setopt(multi, CURLMOPT_MAXCONNECTS, maximumConnections);
     return multi;
 }
 
@@ -47,13 +46,13 @@ TransferEngine& TransferEngine::shared() {
 TransferEngine::TransferEngine()
     : multi_(newMulti()), share_(newShare()), process_(::getpid()),
       wakeUp_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
-    ThreadPool::shared(); // not made by the I/O thread, whose signals are blocked
-    // After libcurl's setting up, and thus called before what it stands on is torn down.
+    ThreadPool::shared(); // created here, since signals are blocked on the I/O thread
+    // Registered after libcurl's set-up, and therefore called before the libraries below it are torn down.
     std::atexit(stopThread);
     startThread();
 }
 
-// The host's signals are not for this thread, and a broken pipe is an error like others.
+// The host's signals are not delivered to this thread, and a broken pipe is an ordinary error.
 void TransferEngine::startThread() {
     sigset_t all;
     sigset_t before;
@@ -67,16 +66,16 @@ void TransferEngine::startThread() {
 void TransferEngine::stopThread() {
     auto& engine = shared();
     if (::getpid() != engine.process_) {
-        return; // a child has no such thread
+        return; // a forked child does not have this thread
     }
     std::unique_lock lock(engine.lock_);
     engine.stops_ = true;
     engine.wake();
     const bool hasStopped =
-        engine.hasStopped_.wait_for(lock, patienceAtExit, [&] { return !engine.isRunning_; });
+        engine.hasStopped_.wait_for(lock, exitGracePeriod, [&] { return !engine.isRunning_; });
     lock.unlock();
     if (hasStopped) {
-        engine.thread_.join(); // also lets go of what libraries keep for the thread
+        engine.thread_.join(); // also frees what libraries keep per thread
     }
 }
 
@@ -110,13 +109,13 @@ bool TransferEngine::post(Command command) {
     return true;
 }
 
-// What cannot be written finds so many before it that the thread wakes.
+// Writing can only fail when the counter is full, and then the thread wakes anyway.
 void TransferEngine::wake() {
     ::eventfd_write(wakeUp_.number(), 1);
 }
 
 void TransferEngine::run() {
-    rounds_.nextLook = Clock::time_point::max();
+    rounds_.nextCheck = Clock::time_point::max();
     while (true) {
         {
             const std::lock_guard guard(lock_);
@@ -129,7 +128,7 @@ void TransferEngine::run() {
             taken_.swap(commands_);
         }
         rounds_.now = Clock::now();
-        obey();
+        runCommands();
         int running = 0;
         curl_multi_perform(multi_, &running);
         collectFinished();
@@ -148,8 +147,8 @@ void TransferEngine::wait() {
     }
     const bool mayBeHTTP2 =
         std::ranges::any_of(running_, [](const auto& exchange) { return exchange->mayBeHTTP2(); });
-    const auto most = mayBeHTTP2 ? longestWaitOverHTTP2 : Clock::duration(maximumWait);
-    const auto left = std::min<Clock::duration>(rounds_.nextLook - rounds_.now, most);
+    const auto maximum = mayBeHTTP2 ? maximumWaitOverHTTP2 : Clock::duration(maximumWait);
+    const auto left = std::min<Clock::duration>(rounds_.nextCheck - rounds_.now, maximum);
     const auto milliseconds = std::chrono::ceil<std::chrono::milliseconds>(left).count();
     curl_waitfd wakeUp{wakeUp_.number(), CURL_WAIT_POLLIN, 0};
     curl_multi_poll(multi_, &wakeUp, 1, static_cast<int>(std::max<std::int64_t>(milliseconds, 0)), nullptr);
@@ -159,7 +158,7 @@ void TransferEngine::wait() {
     }
 }
 
-void TransferEngine::obey() {
+void TransferEngine::runCommands() {
     for (auto& [kind, transfer] : taken_) {
         switch (kind) {
         case Command::Kind::begin:
@@ -183,9 +182,9 @@ void TransferEngine::obey() {
 
 void TransferEngine::fillLane(const std::shared_ptr<URLSessionState>& session) {
     auto& lane = session->lane;
-    const int most = std::max(session->configuration.simultaneousTransfers, 1);
-    while (lane.inFlight < most && !lane.waiting.empty()) {
-        if (running_.size() >= mostUnderWay) {
+    const int maximum = std::max(session->configuration.simultaneousTransfers, 1);
+    while (lane.inFlight < maximum && !lane.waiting.empty()) {
+        if (running_.size() >= maximumRunning) {
             if (!std::exchange(lane.waitsForOthers, true)) {
                 heldLanes_.push_back(session);
             }
@@ -200,7 +199,7 @@ void TransferEngine::fillLane(const std::shared_ptr<URLSessionState>& session) {
 }
 
 void TransferEngine::fillLanes() {
-    while (!heldLanes_.empty() && running_.size() < mostUnderWay) {
+    while (!heldLanes_.empty() && running_.size() < maximumRunning) {
         const auto session = std::move(heldLanes_.front());
         heldLanes_.pop_front();
         session->lane.waitsForOthers = false;
@@ -269,7 +268,7 @@ void TransferEngine::finish(HTTPExchange& exchange, CURLcode code) {
         transfer->exchange = nullptr;
         leaveLane(*transfer);
     } else {
-        fillLanes(); // it had left its own lane when it was stopped
+        fillLanes(); // it has left its own lane already
     }
 }
 
@@ -280,17 +279,17 @@ void TransferEngine::retire(HTTPExchange& exchange) {
     running_[place]->place = place;
     auto retired = std::move(running_.back());
     running_.pop_back();
-    if (idle_.size() < mostIdleHandles) {
+    if (idle_.size() < maximumIdleHandles) {
         idle_.push_back(std::move(retired));
     }
 }
 
 void TransferEngine::endOverdue() {
-    if (rounds_.now < rounds_.nextLook) {
+    if (rounds_.now < rounds_.nextCheck) {
         return;
     }
-    rounds_.nextLook = Clock::time_point::max();
-    // Backwards, since one that ends leaves its place to the last.
+    rounds_.nextCheck = Clock::time_point::max();
+    // Backwards: removing one moves the last into its place.
     for (auto place = running_.size(); place-- > 0;) {
         if (place < running_.size()) {
             auto& exchange = *running_[place];

@@ -1,6 +1,6 @@
 #pragma once
 
-// For the transport alone: the I/O thread of the process.
+// Internal to the transport: the I/O thread of the process.
 
 #include <Platform/FileDescriptor.h>
 #include <Platform/HTTP/HTTPExchangeInternal.h>
@@ -18,18 +18,18 @@
 
 namespace zelto {
 
-// Drives all transfers on one thread. Begins no more at a time than a session's configuration says, nor more
-// in all than the process has descriptors for. Lives until the process ends; its thread stops before what
-// libcurl stands on is torn down.
+// Drives all transfers on one thread. The number of simultaneous transfers is limited per session by its
+// configuration, and for the process by its file descriptors. Lives until the process ends; its thread stops
+// before libcurl and the libraries below it are torn down.
 class TransferEngine {
   public:
     static TransferEngine& shared();
 
-    // Any thread. What begins when the process ends is cancelled.
+    // Any thread. A transfer that begins while the process ends is cancelled.
     void begin(std::shared_ptr<URLTransfer> transfer);
-    // The transfer has been cancelled.
+    // To be called after the transfer was cancelled.
     void stop(std::shared_ptr<URLTransfer> transfer);
-    // The delegate has room again.
+    // To be called when the delegate has room again.
     void proceed(std::shared_ptr<URLTransfer> transfer);
 
   private:
@@ -42,13 +42,13 @@ class TransferEngine {
 
     TransferEngine();
 
-    bool post(Command command); // false when the thread stops
+    bool post(Command command); // false once the thread is stopping
     void wake();
     void startThread();
     static void stopThread();
     void run();
     void wait();
-    void obey();
+    void runCommands();
     void collectFinished();
     void endOverdue();
 
@@ -73,7 +73,7 @@ class TransferEngine {
 
     std::thread thread_;
 
-    std::mutex lock_; // guards what follows
+    std::mutex lock_; // guards the members below
     std::condition_variable hasStopped_;
     std::vector<Command> commands_;
     bool stops_ = false;

@@ -5,6 +5,6 @@
 namespace zelto {
 
 ZELTO_DESCRIBE_ENUM(URLErrorCode, cancelled, invalidRequest, cannotFindHost, cannotConnect, secureConnection,
-                    connectionLost, timedOut, bodyUnreadable, badAnswer, responseTooLarge);
+                    connectionLost, timedOut, bodyUnreadable, badResponse, responseTooLarge);
 
 } // namespace zelto

@@ -6,24 +6,24 @@
 
 namespace zelto {
 
-// How a task ended without a whole answer. An answer with whatever status is no error.
+// Why a task ended without a complete response. A response with an error status is not an error.
 enum class URLErrorCode : int {
     cancelled,
-    invalidRequest,   // a scheme, host, method or header field that is not sent
+    invalidRequest,   // a scheme, host, method or header field that is not allowed
     cannotFindHost,   // the name has no address
-    cannotConnect,    // nobody answers at the address, or the proxy refuses
+    cannotConnect,    // no server at the address, or refused by the proxy
     secureConnection, // the server's certificate or protocol version is not accepted
-    connectionLost,   // the connection ended within the exchange, or before an answer to what is not repeated
+    connectionLost,   // ended during the exchange, or before the response to a request that is not repeated
     timedOut,         // nothing moved for the request's time-out
-    bodyUnreadable,   // a file of the request's body has gone or shrunk
-    badAnswer,        // no HTTP, a broken encoding, a wrong length
-    responseTooLarge, // past a limit of the session's configuration
+    bodyUnreadable,   // a file of the request's body is gone or has become shorter
+    badResponse,      // not HTTP, an invalid encoding, or a wrong length
+    responseTooLarge, // beyond a limit of the session's configuration
 };
 ZELTO_ENUM(URLErrorCode);
 
 struct URLError {
     URLErrorCode code;
-    std::string message; // one sentence, for logs and people; no part of a URL's query, no header value
+    std::string message; // one sentence, for logs and people; without URL queries and header values
 
     bool operator==(const URLError&) const = default;
 };

@@ -12,13 +12,12 @@
 namespace zelto {
 
 enum class URLRequestCachePolicy {
-    useProtocolCachePolicy, // what the protocol's own rules say; no answer is kept on disk
+    useProtocolCachePolicy, // as the protocol's own rules say; responses are not kept on disk
 };
 
-// One HTTP request as its maker describes it. A plain value: an authoriser changes it in place, and a copy
-// can be sent again.
+// An HTTP request. A plain value: an authoriser changes it in place, and a copy can be sent again.
 struct URLRequest {
-    // How long a transfer may stand still before it is given up; one that moves goes on.
+    // How long a transfer may stand still before it fails; one that moves is not limited by it.
     static constexpr TimeInterval standardTimeout{60};
 
     explicit URLRequest(URL requestURL, std::string requestMethod = "GET")

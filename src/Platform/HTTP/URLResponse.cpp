@@ -3,7 +3,7 @@
 namespace zelto {
 namespace {
 
-// A query may hold a credential.
+// A query may contain a credential.
 std::string_view withoutQuery(const URL& url) {
     const std::string_view text = url.absoluteString();
     return text.substr(0, text.find_first_of("?#"));

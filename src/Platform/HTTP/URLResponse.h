@@ -10,19 +10,19 @@
 
 namespace zelto {
 
-// Whether a status is one of 200 to 299.
+// Whether a status is in the range 200 to 299.
 constexpr bool isSuccess(int status) {
     return status >= 200 && status < 300;
 }
 
-// The head of an answer: whence it came. Shared and never changed.
+// The head of a response. Shared and immutable.
 class URLResponse {
   public:
     explicit URLResponse(URL url) : url_(std::move(url)) {}
 
     virtual ~URLResponse() = default;
 
-    // What was asked for last, after redirects.
+    // The URL of the last hop, after redirects.
     const URL& url() const { return url_; }
 
     // For logs and people.
@@ -39,8 +39,8 @@ class HTTPURLResponse final : public URLResponse {
 
     int statusCode() const { return statusCode_; }
 
-    // Those of the last answer, without informational ones. Of a field that came several times, the values
-    // stand in one, joined by ", ".
+    // The fields of the final response, not of informational ones. The values of a repeated field are joined
+    // by ", ".
     const HTTPHeaders& headers() const { return headers_; }
 
     std::optional<std::string> header(std::string_view name) const { return headers_.value(name); }

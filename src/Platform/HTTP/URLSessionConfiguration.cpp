@@ -12,7 +12,7 @@ struct Defaults {
 };
 
 Defaults& defaults() {
-    static auto* all = new Defaults; // sessions may be made until the process has ended
+    static auto* all = new Defaults; // never destroyed: sessions may be created until the process has ended
     return *all;
 }
 

@@ -10,36 +10,36 @@
 
 namespace zelto {
 
-// What the tasks of one session keep to. A plain value; a session copies it.
+// Settings of the tasks of a session. A plain value; a session copies it.
 struct URLSessionConfiguration {
-    // No cookies, no cache on disk, no credentials of the environment; else the process's defaults as they
-    // stand at the call.
+    // A copy of the process's current defaults. No cookies, no cache on disk, no credentials of the
+    // environment.
     static URLSessionConfiguration ephemeral();
 
-    // What ephemeral() gives from now on, in the whole process: for a host, once, before its first session.
-    // Any thread.
+    // Changes what ephemeral() gives in the whole process: for a host, once, before its first session. Any
+    // thread.
     static void setDefaults(URLSessionConfiguration defaults);
 
-    // Sends every request that is not to a loopback host to this address instead, as plain http, otherwise
-    // unchanged with its Host: how a local stand-in of all services is reached. An http URL of a loopback
-    // address and port; with any other every task fails with `invalidRequest`.
+    // Sends every request to a host that is not loopback to this address instead, as plain http and otherwise
+    // unchanged, its Host included: for a local stand-in of all services. An http URL with a loopback address
+    // and a port; with any other, every task fails with `invalidRequest`.
     std::optional<URL> route;
 
-    // "http://proxy.example:3128". Without it the environment's (https_proxy, all_proxy, no_proxy). What is
-    // on a loopback address never goes through a proxy.
+    // "http://proxy.example:3128". Without it, the environment's proxy is used (https_proxy, all_proxy,
+    // no_proxy). Requests to loopback addresses never go through a proxy.
     std::optional<std::string> proxy;
 
     // Certificates to trust, in PEM, instead of the system's store. Verification cannot be turned off.
     std::optional<std::filesystem::path> certificateAuthorities;
 
-    std::uint64_t largestAnswer = std::uint64_t{256} << 20; // bytes, counted after decompression
-    std::uint64_t largestHeader = 300'000;                  // bytes of all fields of one answer
-    TimeInterval longestTransfer{7 * 24 * 3600.0};
+    std::uint64_t maximumResponseSize = std::uint64_t{256} << 20; // bytes, counted after decompression
+    std::uint64_t maximumHeaderSize = 300'000;                    // bytes of all fields of a response
+    TimeInterval maximumTransferTime{7 * 24 * 3600.0};
 
-    // How long nothing may move, instead of each request's own time-out.
+    // Replaces the time-out of every request: how long nothing may move.
     std::optional<TimeInterval> timeout;
 
-    // Further tasks wait, in order of resuming. Far above 64 a transfer costs several times as much.
+    // Further tasks wait, in the order of resuming. Far above 64, a transfer costs several times as much.
     int simultaneousTransfers = 64;
 };
 

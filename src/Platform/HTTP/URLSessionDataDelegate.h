@@ -14,22 +14,22 @@ class URLSessionDataTask;
 
 enum class URLSessionResponseDisposition { cancel, allow };
 
-// Hears of the tasks of a session as they go on. For each task in this order: at most one response, data any
+// Receives the events of a session's tasks. For each task, in this order: at most one response, data any
 // number of times, one completion; all on the session's delegate queue, one call at a time. A delegate may
-// resume and cancel tasks in every call. While it works through data, the transfer is held back: an endless
-// answer does not pile up in memory.
+// resume and cancel tasks in every call. While it is busy with data, the transfer is paused, so that an
+// endless response does not fill the memory.
 class URLSessionDataDelegate {
   public:
     virtual ~URLSessionDataDelegate() = default;
 
-    // The head of the answer has come. `cancel` ends the task with `cancelled`.
+    // The head of the response has arrived. `cancel` ends the task with `cancelled`.
     virtual URLSessionResponseDisposition
     didReceiveResponse(URLSessionDataTask& task, const std::shared_ptr<const URLResponse>& response) = 0;
 
     // A piece of the body, after decompression. The bytes are valid during the call.
     virtual void didReceiveData(URLSessionDataTask& task, std::span<const std::uint8_t> data) = 0;
 
-    // Nothing more comes. Without an error the answer is whole.
+    // The last event. Without an error the response is complete.
     virtual void didComplete(URLSessionDataTask& task, const std::optional<URLError>& error) = 0;
 };
 

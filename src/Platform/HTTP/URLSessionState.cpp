@@ -28,7 +28,7 @@ std::optional<std::int64_t> URLSessionState::addTask() {
     return ++made_;
 }
 
-// The delegate's destructor is foreign code, which no lock is held around.
+// The delegate's destructor is the host's code, and must not run under the lock.
 void URLSessionState::taskEnded() {
     std::shared_ptr<URLSessionDataDelegate> released;
     const std::lock_guard guard(lock_);

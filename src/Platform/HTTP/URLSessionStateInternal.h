@@ -1,6 +1,6 @@
 #pragma once
 
-// For the transport alone: what a session's tasks share, and keep when the session has been released.
+// Internal to the transport: what a session's tasks share, and keep after the session was released.
 
 #include <Platform/HTTP/URLSessionConfiguration.h>
 #include <Platform/HTTP/URLSessionDataDelegate.h>
@@ -21,13 +21,13 @@ class URLSessionState {
     URLSessionState(URLSessionConfiguration configuration, std::shared_ptr<URLSessionDataDelegate> delegate,
                     std::shared_ptr<OperationQueue> delegateQueue);
 
-    // The identifier of a task that begins its life; nothing when no more are made.
+    // The identifier of a new task; `nullopt` when the session makes no more.
     std::optional<std::int64_t> addTask();
 
-    // The task's completion has been called.
+    // To be called after the task's completion was called.
     void taskEnded();
 
-    // No more tasks are made.
+    // No more tasks can be made.
     void close();
 
     std::shared_ptr<URLSessionDataDelegate> delegate() const;
@@ -35,7 +35,7 @@ class URLSessionState {
     const URLSessionConfiguration configuration;
     const std::shared_ptr<OperationQueue> delegateQueue;
 
-    // The tasks that are under way and those that wait for it; the I/O thread's alone.
+    // The session's running tasks and those that wait for them; used on the I/O thread only.
     struct Lane {
         int inFlight = 0;
         bool waitsForOthers = false;
@@ -45,7 +45,7 @@ class URLSessionState {
   private:
     std::shared_ptr<URLSessionDataDelegate> takeDelegateIfOver();
 
-    mutable std::mutex lock_; // guards what follows
+    mutable std::mutex lock_; // guards the members below
     std::shared_ptr<URLSessionDataDelegate> delegate_;
     std::int64_t made_ = 0;
     std::int64_t live_ = 0;

@@ -9,8 +9,8 @@ namespace zelto {
 
 class URLTransfer;
 
-// One request on its way. Made by a session; begins when it is resumed, and ends once: with the answer, an
-// error, or `cancelled`. Any thread. One that is released unresumed ends as cancelled.
+// A request and its progress. Made by a session; begins when it is resumed, and ends once: with the response,
+// an error, or `cancelled`. Any thread. A task that is released without being resumed ends as cancelled.
 class URLSessionDataTask {
   public:
     explicit URLSessionDataTask(std::shared_ptr<URLTransfer> transfer);
@@ -21,11 +21,11 @@ class URLSessionDataTask {
     // Unique within the session, from 1.
     std::int64_t taskIdentifier() const;
 
-    // Again has no effect.
+    // Without effect when it was resumed before.
     void resume();
 
-    // Ends the task with `cancelled`, also one that was not resumed. Without effect when it has ended. A call
-    // that is under way on the delegate queue returns first; this one never waits for it.
+    // Ends the task with `cancelled`, even if it was not resumed. Without effect when it has ended. Does not
+    // wait for a callback that is running on the delegate queue.
     void cancel();
 
   private:

@@ -9,15 +9,15 @@
 namespace zelto {
 namespace {
 
-// As much of an answer as waits for a delegate before the transfer is held back.
-constexpr std::size_t mostUntoldData = 256 * 1024;
+// How much of a response may wait for the delegate before the transfer is paused.
+constexpr std::size_t maximumPendingData = 256 * 1024;
 
-// A server's word for the length is believed so far and no farther.
-constexpr std::uint64_t mostReservedData = std::uint64_t{16} << 20;
+// How much is reserved at most on the strength of a Content-Length.
+constexpr std::uint64_t maximumReservedData = std::uint64_t{16} << 20;
 
 } // namespace
 
-// Cancelling the queue's operations takes no task its end.
+// Cancelling the queue's operations must not keep a task from ending.
 class URLTransfer::Delivery final : public Operation {
   public:
     explicit Delivery(std::shared_ptr<URLTransfer> transfer) : transfer_(std::move(transfer)) {}
@@ -61,16 +61,16 @@ void URLTransfer::resume() {
 }
 
 void URLTransfer::cancel() {
-    std::unique_ptr<TransferPlan> plan; // to be let go of without the lock
+    std::unique_ptr<TransferPlan> plan; // destroyed after the lock is released
     Data data;
     std::unique_lock lock(lock_);
-    if (stage_ == Stage::told || (error_ && error_->code == URLErrorCode::cancelled)) {
+    if (stage_ == Stage::delivered || (error_ && error_->code == URLErrorCode::cancelled)) {
         return;
     }
     const bool isUnderWay = stage_ == Stage::resumed;
     plan = std::move(plan_);
     data = std::exchange(data_, {});
-    hasUntoldResponse_ = false;
+    hasPendingResponse_ = false;
     endLocked(URLError{URLErrorCode::cancelled, "The request was cancelled."});
     const bool delivers = wantsDelivery();
     lock.unlock();
@@ -104,10 +104,10 @@ void URLTransfer::receiveHead(std::shared_ptr<const HTTPURLResponse> response, s
     }
     response_ = std::move(response);
     if (hasCompletion_) {
-        data_.reserve(static_cast<std::size_t>(std::min(expectedLength, mostReservedData)));
+        data_.reserve(static_cast<std::size_t>(std::min(expectedLength, maximumReservedData)));
         return;
     }
-    hasUntoldResponse_ = true;
+    hasPendingResponse_ = true;
     if (wantsDelivery()) {
         lock.unlock();
         schedule();
@@ -119,7 +119,7 @@ bool URLTransfer::receiveData(std::span<const std::uint8_t> data) {
     if (stage_ != Stage::resumed) {
         return true;
     }
-    if (!hasCompletion_ && data_.size() >= mostUntoldData) {
+    if (!hasCompletion_ && data_.size() >= maximumPendingData) {
         isHeldBack_ = true;
         return false;
     }
@@ -149,7 +149,7 @@ void URLTransfer::endLocked(std::optional<URLError> error) {
     hasEnded_.store(true, std::memory_order_release);
 }
 
-// Whether the caller is to schedule.
+// Whether the caller has to schedule a delivery.
 bool URLTransfer::wantsDelivery() {
     return !std::exchange(isScheduled_, true);
 }
@@ -171,27 +171,28 @@ void URLTransfer::deliver() {
     }
 }
 
-// One call or two, so that other tasks of the session get their turn; whether there is more to tell.
+// Makes one call or two, so that other tasks of the session get a share of the queue. Whether more is to be
+// delivered.
 bool URLTransfer::deliverNext(URLSessionDataTask& task) {
     std::unique_lock lock(lock_);
-    if (std::exchange(hasUntoldResponse_, false)) {
+    if (std::exchange(hasPendingResponse_, false)) {
         lock.unlock();
-        tellResponse(task);
+        deliverResponse(task);
         lock.lock();
     }
     if (!hasCompletion_ && !data_.empty()) {
-        tellData(task, lock);
+        deliverData(task, lock);
     }
     const bool hasMore = !hasCompletion_ && !data_.empty();
     if (stage_ == Stage::ended && !hasMore) {
-        tellEnd(task, lock);
+        deliverEnd(task, lock);
         return false;
     }
     isScheduled_ = hasMore;
     return hasMore;
 }
 
-void URLTransfer::tellResponse(URLSessionDataTask& task) {
+void URLTransfer::deliverResponse(URLSessionDataTask& task) {
     auto disposition = URLSessionResponseDisposition::allow;
     if (const auto delegate = session_->delegate()) {
         containingExceptions("A delegate of a session",
@@ -202,15 +203,15 @@ void URLTransfer::tellResponse(URLSessionDataTask& task) {
     }
 }
 
-void URLTransfer::tellData(URLSessionDataTask& task, std::unique_lock<std::mutex>& lock) {
-    auto data = std::exchange(data_, std::exchange(toldData_, {}));
+void URLTransfer::deliverData(URLSessionDataTask& task, std::unique_lock<std::mutex>& lock) {
+    auto data = std::exchange(data_, std::exchange(spareData_, {}));
     lock.unlock();
     if (const auto delegate = session_->delegate()) {
         containingExceptions("A delegate of a session", [&] { delegate->didReceiveData(task, data); });
     }
     data.clear();
     lock.lock();
-    toldData_ = std::move(data);
+    spareData_ = std::move(data);
     if (std::exchange(isHeldBack_, false) && stage_ == Stage::resumed) {
         lock.unlock();
         TransferEngine::shared().proceed(shared_from_this());
@@ -218,8 +219,8 @@ void URLTransfer::tellData(URLSessionDataTask& task, std::unique_lock<std::mutex
     }
 }
 
-void URLTransfer::tellEnd(URLSessionDataTask& task, std::unique_lock<std::mutex>& lock) {
-    stage_ = Stage::told;
+void URLTransfer::deliverEnd(URLSessionDataTask& task, std::unique_lock<std::mutex>& lock) {
+    stage_ = Stage::delivered;
     const auto error = std::exchange(error_, std::nullopt);
     auto data = error ? std::nullopt : std::optional(std::exchange(data_, {}));
     auto completion = std::move(completion_);

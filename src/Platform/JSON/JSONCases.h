@@ -15,18 +15,19 @@
 
 namespace zelto {
 
-// A one-of-several choice in JSON is an object with exactly one key, the case's name. Its value is an object:
-// the payload's own, or an empty one for a case without payload.
+// In JSON, a choice of one among several is an object with exactly one key, the case's name. Its value is an
+// object: the payload's own, or an empty one for a case without payload.
 
 // The one key and its value; fails with "Invalid number of keys found, expected one.".
 std::pair<std::string_view, JSONReader> readCase(const JSONReader& reader);
 
 [[noreturn]] void failUnknownCase(const JSONReader& reader, std::span<const std::string_view> names);
 
-// The value of a case without payload: an object, whatever it holds, or null.
+// Reads the value of a case without payload: an object, whose content is ignored, or null.
 void readNoPayload(const JSONReader& reader);
 
-// Names stand in the order of the alternatives; an alternative without members needs no coding of its own.
+// The names are in the order of the alternatives; an alternative without members needs no JSON coding of its
+// own.
 template <class... Cases>
 void writeCase(JSONWriter& writer, const std::variant<Cases...>& value,
                const std::array<std::string_view, sizeof...(Cases)>& names) {
@@ -106,9 +107,9 @@ void readText(const JSONReader& reader, E& value, std::span<const EnumText<E>> t
 
 } // namespace zelto
 
-// These stand in sources, as ZELTO_JSON_RECORD does, for a type with ZELTO_JSON_CODED in its header.
+// For sources, as ZELTO_JSON_RECORD, for a type with ZELTO_JSON_CODED in its header.
 
-// A struct or class T whose std::variant `member` holds the choice; the names in the order of its
+// For a struct or class T whose std::variant `member` holds the choice. The names are in the order of its
 // alternatives.
 #define ZELTO_JSON_CASES(T, member, ...)                                                                     \
     void encodeJSON(::zelto::JSONWriter& writer, const T& value) {                                           \
@@ -119,7 +120,7 @@ void readText(const JSONReader& reader, E& value, std::span<const EnumText<E>> t
     }                                                                                                        \
     static_assert(true)
 
-// An enumeration with ZELTO_ENUM in the same form: {"senderOnly":{}}.
+// For an enumeration with ZELTO_ENUM, in the same form: {"senderOnly":{}}.
 #define ZELTO_JSON_ENUM_CASES(E)                                                                             \
     void encodeJSON(::zelto::JSONWriter& writer, const E& value) {                                           \
         ::zelto::writeCase(writer, value);                                                                   \
@@ -129,8 +130,8 @@ void readText(const JSONReader& reader, E& value, std::span<const EnumText<E>> t
     }                                                                                                        \
     static_assert(true)
 
-// An enumeration that JSON holds as text: ZELTO_JSON_ENUM_TEXTS(Status, {Status::inProgress, "IN_PROGRESS"},
-// ...); with every case in the list.
+// For an enumeration that JSON holds as text: ZELTO_JSON_ENUM_TEXTS(Status, {Status::inProgress,
+// "IN_PROGRESS"}, ...), with every case in the list.
 #define ZELTO_JSON_ENUM_TEXTS(E, ...)                                                                        \
     static std::span<const ::zelto::EnumText<E>> jsonTextsOf(std::type_identity<E>) {                        \
         static constexpr ::zelto::EnumText<E> texts[] = {__VA_ARGS__};                                       \

@@ -7,12 +7,12 @@
 
 namespace zelto {
 
-// Values to JSON. Keys stand in declared order, absent optionals are left out (an absent one at the top is
-// null), "/" and all that is not ASCII is written as it is. Text that is no UTF-8, a number that is not
+// Encodes values to JSON. Keys are in declared order; absent optionals are left out (an absent one at the top
+// level is null); "/" and characters outside ASCII are not escaped. Invalid UTF-8, a number that is not
 // finite, and nesting deeper than 512 are errors. Any thread.
 struct JSONEncoder {
     DateStrategy dateStrategy = DateStrategy::default_;
-    int indent = 0; // blanks a level, for people; 0 writes one line without blanks
+    int indent = 0; // blanks per level, for people; 0 writes one line without blanks
 
     template <class T> Result<std::string, EncodingError> encode(const T& value) const {
         JSONWriter writer(dateStrategy);

@@ -5,10 +5,11 @@
 
 namespace zelto {
 
-// Nesting of arrays and objects that is read and written; deeper is an error.
+// Maximum nesting of arrays and objects, for reading and writing; deeper is an error.
 inline constexpr int jsonDepthLimit = 512;
 
-// Why a value has no JSON. The path leads to it from the top ("boards[3].name"; empty for the top itself).
+// Why a value has no JSON. The path leads to it from the top level ("boards[3].name"; empty for the top level
+// itself).
 struct EncodingError {
     enum class Reason { invalidUTF8, nonFiniteNumber, tooDeep, dateOutOfRange };
 
@@ -21,16 +22,16 @@ struct EncodingError {
     bool operator==(const EncodingError&) const = default;
 };
 
-// Why a text is no JSON, or not the JSON of the type that was asked for. Neither the path nor the text holds
-// the value of a field, which may be a secret.
+// Why a text is not JSON, or not the JSON of the requested type. Neither the path nor the text contains a
+// field's value, which may be a secret.
 struct DecodingError {
-    // A custom one is raised by a type's own coding for a rule of its own.
+    // A type's own coding raises `custom` for its own rules.
     enum class Reason { syntax, missingKey, mismatch, custom };
 
     Reason reason{};
-    std::string path;       // "boards[3].name"; empty for the top, and for syntax
+    std::string path;       // "boards[3].name"; empty for the top level, and for syntax errors
     std::string text;       // "expected a string, found a number"
-    std::size_t offset = 0; // of syntax: the bytes before the fault
+    std::size_t offset = 0; // of a syntax error: the number of bytes before it
 
     // A sentence for people and logs.
     std::string message() const;

@@ -16,7 +16,7 @@ namespace {
 using ParserError = boost::json::error_code;
 using Text = boost::json::string_view;
 
-// Whether a number's first digit that is not 0 stands for one or more.
+// Whether the absolute value is 1 or more, judged by the place of the first digit that is not 0.
 bool isOneOrMore(std::string_view text) {
     const auto mark = text.find_first_of("eE");
     const auto digits = text.substr(0, mark);
@@ -40,18 +40,18 @@ std::optional<double> nearestDouble(std::string_view text) {
     double value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error == std::errc::result_out_of_range) {
-        // Too small is told the same way as too large.
+        // Too small is reported in the same way as too large.
         return isOneOrMore(text) ? std::nullopt : std::optional(text.front() == '-' ? -0.0 : 0.0);
     }
     return value;
 }
 
-// A text may hold so many values and keys: a value takes some twenty times the room of "0,".
-constexpr std::size_t mostNodes = std::size_t{8} << 20;
+// The maximum number of values and keys in a text: a value takes some twenty times the space of "0,".
+constexpr std::size_t maximumNodes = std::size_t{8} << 20;
 
 struct TooManyValues {};
 
-// Takes the events of Boost.JSON's parser.
+// The handler of Boost.JSON's parser.
 class JSONTapeBuilder {
   public:
     constexpr static std::size_t max_object_size = std::numeric_limits<std::size_t>::max();
@@ -60,7 +60,7 @@ class JSONTapeBuilder {
     constexpr static std::size_t max_string_size = max_object_size;
 
     JSONTapeBuilder(std::string_view source, char* inPlace) : source_(source), unescapedEnd_(inPlace) {
-        grow(std::min(source.size() / 16 + 16, mostNodes));
+        grow(std::min(source.size() / 16 + 16, maximumNodes));
     }
 
     JSONTape take() && { return std::move(tape_); }
@@ -79,11 +79,11 @@ class JSONTapeBuilder {
 
     bool on_key_part(Text part, std::size_t, ParserError&) { return unescape(part); }
 
-    bool on_key(Text rest, std::size_t size, ParserError&) { return string(rest, size); }
+    bool on_key(Text finalPart, std::size_t size, ParserError&) { return string(finalPart, size); }
 
     bool on_string_part(Text part, std::size_t, ParserError&) { return unescape(part); }
 
-    bool on_string(Text rest, std::size_t size, ParserError&) { return string(rest, size); }
+    bool on_string(Text finalPart, std::size_t size, ParserError&) { return string(finalPart, size); }
 
     bool on_number_part(Text, ParserError&) { return true; }
 
@@ -126,10 +126,10 @@ class JSONTapeBuilder {
   private:
     JSONNode& add() {
         if (count_ == capacity_) [[unlikely]] {
-            if (count_ == mostNodes) {
+            if (count_ == maximumNodes) {
                 throw TooManyValues{};
             }
-            grow(std::min(capacity_ * 2, mostNodes));
+            grow(std::min(capacity_ * 2, maximumNodes));
         }
         return tape_.nodes_.get()[count_++];
     }
@@ -145,7 +145,7 @@ class JSONTapeBuilder {
     }
 
     bool begin(JSONKind kind) {
-        // Until its end is known, a container holds the place of the one around it.
+        // Until its end is known, a container's node stores which container it is in.
         auto& node = add();
         node.kind = kind;
         node.count = open_;
@@ -170,7 +170,8 @@ class JSONTapeBuilder {
         return true;
     }
 
-    // In place, what has been read is free to be written on, but for what nodes refer to.
+    // When parsing in place, the source may be overwritten up to the current position, except for what nodes
+    // refer to.
     void keep(Text text) {
         if (!tape_.unescaped_ && unescapedEnd_) {
             unescapedEnd_ = std::max(unescapedEnd_, const_cast<char*>(text.data() + text.size()));
@@ -179,7 +180,7 @@ class JSONTapeBuilder {
 
     bool unescape(Text part) {
         if (!unescapedEnd_) {
-            // Text never gets longer by unescaping. Pages that stay unused cost nothing.
+            // Unescaping never makes text longer. Pages that stay unused cost nothing.
             tape_.unescaped_ = std::make_unique_for_overwrite<char[]>(source_.size());
             unescapedEnd_ = tape_.unescaped_.get();
         }
@@ -188,16 +189,16 @@ class JSONTapeBuilder {
         return true;
     }
 
-    bool string(Text rest, std::size_t size) {
+    bool string(Text finalPart, std::size_t size) {
         auto& node = add();
         node.kind = JSONKind::string;
         node.size = static_cast<std::uint32_t>(size);
-        if (rest.size() == size && rest.data() >= source_.data() &&
-            rest.data() <= source_.data() + source_.size()) {
-            node.string = rest.data();
-            keep(rest);
+        if (finalPart.size() == size && finalPart.data() >= source_.data() &&
+            finalPart.data() <= source_.data() + source_.size()) {
+            node.string = finalPart.data();
+            keep(finalPart);
         } else {
-            unescape(rest);
+            unescape(finalPart);
             node.string = unescapedEnd_ - size;
         }
         return true;
@@ -213,7 +214,7 @@ class JSONTapeBuilder {
 
 namespace {
 
-// Only listens, to find where an error lies.
+// A handler that does nothing, used to find where an error is.
 struct Nobody {
     constexpr static std::size_t max_object_size = std::numeric_limits<std::size_t>::max();
     constexpr static std::size_t max_array_size = max_object_size;
@@ -263,8 +264,8 @@ boost::json::parse_options options() {
     return all;
 }
 
-// Boost.JSON does not tell where it stopped. The text is read again in pieces, the one with the fault byte
-// by byte.
+// Boost.JSON does not say where it stopped. The text is parsed again in pieces, and the piece with the error
+// byte by byte.
 std::size_t offsetOfFault(std::string_view source) {
     constexpr std::size_t piece = 4096;
     boost::json::basic_parser<Nobody> coarse(options());
@@ -292,7 +293,7 @@ std::size_t offsetOfFault(std::string_view source) {
     return source.size();
 }
 
-// The parser tells some lone surrogates as faults of syntax.
+// The parser reports some lone surrogates as syntax errors.
 bool standsBehindSurrogate(std::string_view source, std::size_t offset) {
     constexpr std::size_t escape = std::string_view("\\ud800").size();
     for (const std::size_t end : {offset, offset - 1}) {
@@ -353,7 +354,7 @@ Result<JSONTape, DecodingError> JSONTape::parse(std::string_view source, char* i
     try {
         used = parser.write_some(false, source.data(), source.size(), error);
     } catch (const TooManyValues&) {
-        return syntaxError(0, "more than " + std::to_string(mostNodes) + " values and keys");
+        return syntaxError(0, "more than " + std::to_string(maximumNodes) + " values and keys");
     }
     if (error) {
         auto reason = static_cast<boost::json::error>(error.value());

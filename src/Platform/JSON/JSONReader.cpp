@@ -9,8 +9,8 @@ namespace zelto {
 
 namespace {
 
-// Beyond it a double may have been rounded from another whole number.
-constexpr double largestExact = 9007199254740992.0;
+// Larger doubles may have been rounded from another whole number.
+constexpr double maximumExact = 9007199254740992.0;
 
 std::string rangeText(const std::string& lowest, const std::string& highest) {
     return "expected a whole number from " + lowest + " to " + highest + ", found a number out of range";
@@ -18,12 +18,12 @@ std::string rangeText(const std::string& lowest, const std::string& highest) {
 
 } // namespace
 
-// Nothing for one beyond all doubles.
+// `nullopt` for a number beyond the range of double.
 std::optional<double> JSONReader::real() const {
     return node_->size > 0 ? nearestDouble(node_->text()) : std::optional(node_->real);
 }
 
-// The value of a number that fits in 64 bits, as int64; nothing above or below that.
+// The value of a number that fits in an int64; `nullopt` if it is smaller or larger.
 std::optional<std::int64_t> JSONReader::wholeNumber() const {
     switch (kind()) {
     case JSONKind::int64:
@@ -32,7 +32,7 @@ std::optional<std::int64_t> JSONReader::wholeNumber() const {
         return std::nullopt;
     case JSONKind::real: {
         const auto value = real();
-        if (!value || std::abs(*value) > largestExact) {
+        if (!value || std::abs(*value) > maximumExact) {
             return std::nullopt;
         }
         if (std::trunc(*value) == *value) {
@@ -120,7 +120,7 @@ void JSONReader::locate(std::span<const std::string_view> keys, const JSONNode**
     expect(JSONKind::object, "an object");
     std::fill_n(found, keys.size(), nullptr);
     const auto* end = node_->next();
-    // Keys mostly come in described order, so the search goes on from the one found last.
+    // Keys mostly come in described order, so the search continues after the one found last.
     std::size_t expected = 0;
     for (const auto* key = node_ + 1; key != end; key = (key + 1)->next()) {
         const auto name = key->text();

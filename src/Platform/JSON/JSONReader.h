@@ -15,9 +15,9 @@
 
 namespace zelto {
 
-// One value of a parsed text, as a type's decodeJSON gets it: a cheap handle, passed by value, that must not
-// outlive the call. Whatever does not fit throws a DecodingError with the path to the value; JSONDecoder
-// catches it, and lets other exceptions of a decodeJSON pass.
+// One value of a parsed text, as passed to a type's decodeJSON: a cheap handle, passed by value, that must
+// not outlive the call. A value that does not fit throws a DecodingError with the path to it; JSONDecoder
+// catches these, but no other exception of a decodeJSON.
 class JSONReader {
   public:
     class Elements;
@@ -37,15 +37,15 @@ class JSONReader {
         return node_->boolean;
     }
 
-    // 1.0 and 1e3 are whole numbers, 1.5 is none. Out of the range is an error, and so is a number with a
+    // 1.0 and 1e3 are whole numbers, 1.5 is not. A number out of range is an error, and so is one with a
     // fraction or an exponent beyond 2^53, since it may not be exact.
     std::int64_t signedInteger(std::int64_t lowest, std::int64_t highest) const;
     std::uint64_t unsignedInteger(std::uint64_t highest) const;
 
-    // The nearest double; a number beyond all doubles is an error.
+    // The nearest double; a number beyond the range of double is an error.
     double number() const;
 
-    // A number of the kind `real` as it is written; empty where it comes from no text.
+    // The text of a number of the kind `real`; empty if it was not read from a text.
     std::string_view numberText() const {
         expect(JSONKind::real, "a number");
         return {node_->size > 0 ? node_->string : "", node_->size};
@@ -57,24 +57,24 @@ class JSONReader {
         return node_->text();
     }
 
-    // Elements of an array, members of an object.
+    // The number of an array's elements or an object's members.
     std::size_t count() const { return node_->isContainer() ? node_->count : 0; }
 
-    // An array's elements, as JSONReader each.
+    // An array's elements, each as a JSONReader.
     Elements elements() const;
 
-    // An object's members in the order of the text, as pairs of key and JSONReader; a key that stands twice
-    // comes twice.
+    // An object's members in the order of the text, as pairs of key and JSONReader; a repeated key comes
+    // repeatedly.
     Members members() const;
 
-    // An object's member, the last of that key, null ones included.
+    // An object's member, even if null; the last one of a repeated key.
     std::optional<JSONReader> find(std::string_view key) const;
 
-    // Any type that JSON codes.
+    // For every type that has JSON.
     template <class T> void read(T& value) const;
     template <class T> T as() const;
 
-    // The member must be there.
+    // Fails if the member is missing.
     template <class T> T required(std::string_view key) const {
         const auto member = find(key);
         if (!member) {
@@ -89,7 +89,7 @@ class JSONReader {
         return member && !member->isNull() ? std::optional<T>(member->as<T>()) : std::nullopt;
     }
 
-    // For rules of a type's own. The text must not hold the value.
+    // For a type's own rules. The text must not contain the value.
     [[noreturn]] void fail(std::string text) const;
     // "expected <what>, found a number": a value of the wrong kind.
     [[noreturn]] void failMismatch(std::string_view expected) const;
@@ -97,7 +97,7 @@ class JSONReader {
     [[noreturn]] void failValue(std::string_view expected) const;
     [[noreturn]] void failMissing(std::string_view key) const;
 
-    // The last member of each key, null where there is none.
+    // The last member of each key; null if there is none.
     void locate(std::span<const std::string_view> keys, const JSONNode** found) const;
 
     JSONReader at(const JSONNode* node) const {

@@ -21,7 +21,7 @@
 #include <tuple>
 #include <utility>
 
-// ZELTO_JSON_RECORD(T, fields...); stands in the namespace of T, in the source of T, which declared
+// ZELTO_JSON_RECORD(T, fields...); is used in the namespace of T, in the source of T, which declared
 // ZELTO_JSON_CODED(T). Fields are written in this order; a member that is not named has no JSON. A field is
 //     name                             key "name"; the underscore of `default_` is dropped
 //     (name, "key")                    a key of its own
@@ -58,7 +58,7 @@ struct Defaulted {};
 
 inline constexpr Defaulted defaulted;
 
-// A key with what stands around it in JSON: `,"name":`.
+// A key with the punctuation around it in JSON: `,"name":`.
 template <std::size_t Capacity> struct Key {
     std::array<char, Capacity + 4> written{};
     std::size_t size = 0;
@@ -131,7 +131,7 @@ template <class M> void writeField(JSONWriter& writer, std::string_view key, con
     }
 }
 
-// The members alone, for an encodeJSON that adds others to the same object.
+// Only the members, for an encodeJSON that adds others to the same object.
 template <class T> void writeFields(JSONWriter& writer, const T& value) {
     std::apply([&](const auto&... each) { (writeField(writer, each.key.inJSON(), value.*each.member), ...); },
                Description<T>::fields);

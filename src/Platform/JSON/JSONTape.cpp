@@ -8,7 +8,7 @@ namespace zelto {
 
 namespace {
 
-constexpr std::size_t longestKeyInPath = 64;
+constexpr std::size_t maximumKeyLengthInPath = 64;
 
 bool isPlain(char c) {
     return isASCIIAlphanumeric(c) || c == '_' || c == '-' || c == '.' || c == '@' || c == '$';
@@ -37,7 +37,7 @@ std::string_view nameOf(JSONKind kind) {
 }
 
 void appendKeyToPath(std::string& path, std::string_view key) {
-    const auto shown = key.substr(0, longestKeyInPath);
+    const auto shown = key.substr(0, maximumKeyLengthInPath);
     if (!key.empty() && std::ranges::all_of(shown, isPlain)) {
         path.append(path.empty() ? "" : ".").append(shown);
     } else {

@@ -25,13 +25,13 @@ struct JSONNode {
     union {
         bool boolean;
         std::int64_t int64;
-        std::uint64_t uint64; // above the range of int64 alone
-        double real;          // where a real has no text
-        const char* string;   // a string, or a real as the text writes it
+        std::uint64_t uint64; // only above the range of int64
+        double real;          // a real that was not read from a text
+        const char* string;   // a string, or the text of a real
         std::uint64_t count;  // elements of an array, members of an object
     };
 
-    std::uint32_t size; // bytes of a string or of a real's text; nodes of an array or object with all in it
+    std::uint32_t size; // bytes of a string or of a real's text; nodes of an array or object, itself included
     JSONKind kind;
 
     std::string_view text() const { return {string, size}; }
@@ -41,24 +41,25 @@ struct JSONNode {
     const JSONNode* next() const { return this + (isContainer() ? size : 1); }
 };
 
-// A parsed text as one flat run of nodes: a container is followed by its elements, an object's members are a
-// key and a value each. Strings without escapes are views of the source, which must outlive the tape.
+// A parsed text as one flat sequence of nodes: a container is followed by its elements, and an object's
+// members are a key and a value each. Strings without escapes are views of the source, which must outlive the
+// tape.
 class JSONTape {
   public:
-    // Checks the whole text: syntax, UTF-8, escapes, depth, and nothing behind the value. More than eight
-    // million values are an error too, since they would take many times the memory of their text.
+    // Checks the whole text: syntax, UTF-8, escapes, depth, and that nothing follows the value. More than
+    // eight million values are an error too, since they would take many times the memory of their text.
     static Result<JSONTape, DecodingError> parse(std::string_view source);
 
-    // Undoes escapes within the source, which is of no other use after that, instead of in memory of its own.
-    // The offset of an error may lie behind the fault.
+    // Decodes escapes within the source, which is overwritten, instead of in separate memory. The offset of
+    // an error may be too large.
     static Result<JSONTape, DecodingError> parseInPlace(std::span<char> source);
 
-    // A value that is there already; nothing where it has no JSON. It must outlive the tape.
+    // The tape of an existing value, which must outlive it; `nullopt` if the value has no JSON.
     static std::optional<JSONTape> of(const JSONValue& value);
 
     const JSONNode* root() const { return nodes_.get(); }
 
-    // Where a node of this tape lies: "boards[3].name".
+    // The path of a node of this tape: "boards[3].name".
     std::string pathOf(const JSONNode* node) const;
 
   private:
@@ -74,10 +75,10 @@ class JSONTape {
     std::unique_ptr<char[]> unescaped_;
 };
 
-// Of a number as JSON writes it; nothing if it is beyond all doubles.
+// The nearest double of a number in JSON's form; `nullopt` if it is beyond the range of double.
 std::optional<double> nearestDouble(std::string_view text);
 
-// Adds a member's or an element's step to a path. A key that is no plain word is cut and escaped, since it
+// Adds a member or an element to a path. A key that is not a plain word is shortened and escaped, since it
 // may come from anywhere.
 void appendKeyToPath(std::string& path, std::string_view key);
 void appendIndexToPath(std::string& path, std::size_t index);

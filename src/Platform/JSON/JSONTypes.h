@@ -32,12 +32,12 @@ concept JSONVector = isJSONVector<T>;
 template <class T>
 concept JSONMap = isJSONMap<T>;
 
-// Converts to T alone, so that no function counts that takes something T converts to.
+// Converts to T only, so that a function for a type that T converts to does not count.
 template <class T> struct JSONExactly {
-    operator const T&() const; // NOLINT: only named in requirements
+    operator const T&() const; // declared only, for use in requirements
 };
 
-// An enumeration that its header declared with ZELTO_JSON_CODED codes itself; all others are their numbers.
+// An enumeration with ZELTO_JSON_CODED in its header codes itself; all others are coded as their numbers.
 template <class T>
 concept JSONSelfCodedEnum = std::is_enum_v<T> && requires(JSONWriter& writer, JSONExactly<T> value) {
     encodeJSON(writer, value);

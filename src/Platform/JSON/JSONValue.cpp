@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t fewMembers = 16;
 
 template <class Number> bool equals(double real, Number integer) {
-    // Every double that a 64-bit integer rounds to is checked by going back, where that is defined.
+    // Every double that is rounded to a 64-bit integer is checked by converting back, where that is defined.
     constexpr double beyond =
         std::same_as<Number, std::uint64_t> ? 18446744073709551616.0 : 9223372036854775808.0;
     const auto rounded = static_cast<double>(integer);
@@ -32,8 +32,8 @@ std::vector<const JSONObject::Member*> sorted(const JSONObject& object) {
 
 using Members = std::vector<JSONObject::Member>;
 
-// Small objects are searched for the key, large ones keep the places of all keys: ordered, as keys can be
-// chosen that a hash finds alike.
+// Small objects are searched for each key; large ones use an ordered index of their keys, since a hash could
+// be attacked with colliding keys.
 void readMembers(const JSONReader& reader, Members& members) {
     members.reserve(reader.count());
     std::map<std::string_view, std::size_t> places;
@@ -153,7 +153,7 @@ std::optional<std::uint64_t> JSONValue::asUInt64() const {
     return integer && *integer >= 0 ? std::optional(static_cast<std::uint64_t>(*integer)) : std::nullopt;
 }
 
-// Of the kind `real` alone.
+// Only for the kind `real`.
 std::optional<double> JSONValue::asReal() const {
     if (const auto* written = writtenNumber()) {
         return nearestDouble(*written);

@@ -17,7 +17,7 @@ namespace zelto {
 
 class JSONValue;
 
-// The members of a JSON object in their order. Each key stands once. Two are equal if they have equal
+// The members of a JSON object in their order. Keys are unique. Two objects are equal if they have equal
 // members, in whatever order.
 class JSONObject {
   public:
@@ -33,12 +33,12 @@ class JSONObject {
 
     std::size_t size() const;
     bool empty() const;
-    // Null if there is none.
+    // Null if there is no such member.
     const JSONValue* find(std::string_view key) const;
     JSONValue* find(std::string_view key);
-    // Replaces the value in its place, or adds a member at the end.
+    // Replaces the value in its place, or appends a member.
     JSONValue& set(std::string_view key, JSONValue value);
-    // False if there was none.
+    // False if there was no such member.
     bool erase(std::string_view key);
 
     const Member* begin() const;
@@ -52,11 +52,11 @@ class JSONObject {
     std::vector<Member> members_;
 };
 
-// Any JSON. Numbers are int64 where they fit, else uint64, else real: what JSON writes 1.5, 1e3, 1.0 or -0,
-// and whole numbers of more than 64 bits. A real that was read is kept as it was written, so that it is
-// written so again however large, small or long it is. Of a key that stands twice in a text the last value
-// counts, in the place of the first. Numbers are equal by value, whatever holds them; reals by their nearest
-// doubles, those beyond all doubles by their texts.
+// Any JSON value. Numbers are int64 where they fit, else uint64, else real: numbers written as 1.5, 1e3, 1.0
+// or -0, and whole numbers of more than 64 bits. A real that was read keeps its text, and is written with it,
+// however large, small or long it is. Of a key that is repeated in a text, the last value counts, in the
+// place of the first. Numbers are equal by value, whatever their kind; reals by their nearest doubles, those
+// beyond the range of double by their texts.
 class JSONValue {
     struct WrittenNumber {
         std::string text;
@@ -95,10 +95,10 @@ class JSONValue {
     JSONValue(JSONObject value) : value_(std::move(value)) {}
 
     static Result<JSONValue, DecodingError> parse(std::string_view text);
-    // Fails as JSONEncoder does.
+    // Errors are those of JSONEncoder.
     Result<std::string, EncodingError> text(int indent = 0) const;
 
-    // What JSONEncoder makes of any coded value, and what JSONDecoder makes of this one.
+    // As JSONEncoder encodes any type with JSON, and as JSONDecoder decodes this value.
     template <class T>
     static Result<JSONValue, EncodingError> of(const T& value,
                                                DateStrategy dateStrategy = DateStrategy::default_);
@@ -108,14 +108,14 @@ class JSONValue {
 
     bool isNull() const { return kind() == JSONKind::null; }
 
-    // Nothing if the value is of another kind. A number converts to an integer of the same value; asDouble
-    // gives the nearest one, nothing for a number beyond all doubles.
+    // `nullopt` if the value is of another kind. A number converts to an integer of the same value; asDouble
+    // gives the nearest double, `nullopt` for a number beyond the range of double.
     std::optional<bool> asBool() const;
     std::optional<std::int64_t> asInt64() const;
     std::optional<std::uint64_t> asUInt64() const;
     std::optional<double> asDouble() const;
 
-    // A real as the JSON text that it was read from wrote it; null for all else.
+    // The JSON text that a real was read from; null for other values.
     const std::string* writtenNumber() const {
         const auto* number = std::get_if<WrittenNumber>(&value_);
         return number ? &number->text : nullptr;
@@ -132,9 +132,9 @@ class JSONValue {
 
     JSONObject* asObject() { return std::get_if<JSONObject>(&value_); }
 
-    // An object's member; null if there is none, and of all other kinds.
+    // An object's member; null if there is none, and for other kinds.
     const JSONValue* find(std::string_view key) const;
-    // Makes an object of a value that is none.
+    // Turns a value that is not an object into one.
     JSONValue& set(std::string_view key, JSONValue value);
 
     bool operator==(const JSONValue& other) const;
@@ -146,7 +146,7 @@ class JSONValue {
 
     bool isWritten() const { return std::holds_alternative<WrittenNumber>(value_); }
 
-    // In the order of JSONKind, but for the last.
+    // In the order of JSONKind, except for the last.
     std::variant<std::nullptr_t, bool, std::int64_t, std::uint64_t, double, std::string, Array, JSONObject,
                  WrittenNumber>
         value_;

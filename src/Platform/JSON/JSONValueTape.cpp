@@ -10,14 +10,14 @@ namespace zelto {
 
 namespace {
 
-constexpr std::size_t mostNodes = std::numeric_limits<std::uint32_t>::max();
+constexpr std::size_t maximumNodes = std::numeric_limits<std::uint32_t>::max();
 
-// What a value's JSON needs: the number of its nodes, 0 where it has none.
+// The number of nodes of a value's tape; 0 if it has no JSON.
 std::size_t nodesOf(const JSONValue& value, int depth = 0) {
     if (depth > jsonDepthLimit) {
         return 0;
     }
-    const auto fits = [](const std::string& text) { return text.size() < mostNodes && isValidUTF8(text); };
+    const auto fits = [](const std::string& text) { return text.size() < maximumNodes && isValidUTF8(text); };
     std::size_t count = 1;
     if (const auto* text = value.asString()) {
         return fits(*text) ? 1 : 0;
@@ -62,7 +62,7 @@ void setReal(JSONNode& node, const JSONValue& value) {
     node.real = *value.asDouble();
 }
 
-// Gives the place behind the value.
+// Gives the node after the value.
 JSONNode* write(JSONNode* node, const JSONValue& value) {
     auto* const first = node++;
     first->kind = value.kind();
@@ -107,7 +107,7 @@ JSONNode* write(JSONNode* node, const JSONValue& value) {
 
 std::optional<JSONTape> JSONTape::of(const JSONValue& value) {
     const auto count = nodesOf(value);
-    if (count == 0 || count > mostNodes) {
+    if (count == 0 || count > maximumNodes) {
         return std::nullopt;
     }
     JSONTape tape;

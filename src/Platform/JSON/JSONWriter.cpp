@@ -16,8 +16,8 @@ namespace {
 constexpr std::uint64_t everyByte = 0x0101010101010101;
 constexpr std::uint64_t highBits = everyByte * 0x80;
 
-// Sets the high bit of the lowest byte that cannot stand as it is: a control character, a quote, a backslash,
-// or a byte that is not ASCII. Bits above the lowest are not reliable.
+// Sets the high bit of the lowest byte that cannot be copied as it is: a control character, a quote, a
+// backslash, or a byte that is not ASCII. Bits above the lowest are not reliable.
 std::uint64_t specialBytes(std::uint64_t word) {
     const auto below = [](std::uint64_t x, std::uint64_t limit) { return (x - everyByte * limit) & ~x; };
     return (below(word, 0x20) | below(word ^ (everyByte * '"'), 1) | below(word ^ (everyByte * '\\'), 1) |
@@ -29,7 +29,7 @@ bool isSpecial(unsigned char c) {
     return c < 0x20 || c >= 0x80 || c == '"' || c == '\\';
 }
 
-// The length of the UTF-8 sequence at the beginning, 0 if it is broken.
+// The length of the UTF-8 sequence at the beginning; 0 if it is invalid.
 std::size_t sequenceLength(const unsigned char* text, std::size_t size) {
     const auto continues = [&](std::size_t index, unsigned low = 0x80, unsigned high = 0xBF) {
         return index < size && text[index] >= low && text[index] <= high;
@@ -82,7 +82,7 @@ char* writeEscape(char* out, unsigned char c) {
     }
 }
 
-// Where a text that broke off leads to.
+// The path of the place where an incomplete text ends.
 std::string pathOfEnd(std::string_view json) {
     struct Level {
         bool isObject;
@@ -147,15 +147,15 @@ void JSONWriter::number(double value) {
         comma();
         fail(EncodingError::Reason::nonFiniteNumber);
     }
-    // to_chars alone writes 100000 as 1e+05.
+    // to_chars would write 100000 as 1e+05.
     constexpr double everyIntegerBelow = 9007199254740992.0;
     if (std::abs(value) < everyIntegerBelow && std::trunc(value) == value &&
         !(value == 0 && std::signbit(value))) {
         return integer(static_cast<std::int64_t>(value));
     }
-    reserve(longestNumber);
+    reserve(maximumNumberLength);
     comma();
-    end_ = std::to_chars(end_, end_ + longestNumber, value).ptr;
+    end_ = std::to_chars(end_, end_ + maximumNumberLength, value).ptr;
 }
 
 void JSONWriter::date(Date value) {
@@ -189,7 +189,7 @@ void JSONWriter::key(std::string_view key) {
 
 void JSONWriter::quoted(std::string_view utf8) {
     constexpr std::size_t word = sizeof(std::uint64_t);
-    // Room for the quotes, and for a word or an escape that goes beyond the end.
+    // Space for the quotes, and for a word or an escape that is written past the end.
     constexpr std::size_t slack = 2 + word;
     reserve(utf8.size() + slack);
     const auto* from = reinterpret_cast<const unsigned char*>(utf8.data());

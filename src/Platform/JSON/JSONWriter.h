@@ -15,9 +15,9 @@
 
 namespace zelto {
 
-// Builds one JSON text, without blanks, as a type's encodeJSON fills it. Commas and colons come by
-// themselves; each begin needs its end, and an object's members are a key and a value in turn. What has no
-// JSON throws an EncodingError, which JSONEncoder catches.
+// Builds one JSON text, without blanks, for a type's encodeJSON. Commas and colons are added automatically;
+// each begin needs its end, and an object's members are keys and values alternately. What has no JSON throws
+// an EncodingError, which JSONEncoder catches.
 class JSONWriter {
   public:
     explicit JSONWriter(DateStrategy dateStrategy) : dateStrategy_(dateStrategy) {}
@@ -29,15 +29,15 @@ class JSONWriter {
     void boolean(bool value) { literal(value ? std::string_view("true") : std::string_view("false")); }
 
     template <std::integral I> void integer(I value) {
-        reserve(longestNumber);
+        reserve(maximumNumberLength);
         comma();
-        end_ = std::to_chars(end_, end_ + longestNumber, value).ptr;
+        end_ = std::to_chars(end_, end_ + maximumNumberLength, value).ptr;
     }
 
     // In the shortest form that reads back as the same double; 3600.0 is written as 3600.
     void number(double value);
 
-    // As it stood in a JSON text.
+    // A number in JSON's form.
     void number(std::string_view written) { literal(written); }
 
     void string(std::string_view utf8);
@@ -52,7 +52,7 @@ class JSONWriter {
 
     void key(std::string_view key);
 
-    // A key that is known to need no escape, with all that stands around it: `,"name":`.
+    // A key that needs no escape, with the punctuation around it: `,"name":`.
     void describedKey(std::string_view written) {
         reserve(written.size());
         const std::size_t skipped = needsComma() ? 0 : 1;
@@ -60,7 +60,7 @@ class JSONWriter {
         end_ += written.size() - skipped;
     }
 
-    // Any type that JSON codes; an absent optional is null.
+    // For every type that has JSON; an absent optional is null.
     template <class T> void write(const T& value);
 
     // A member of an object; an absent optional is left out.
@@ -75,13 +75,13 @@ class JSONWriter {
         }
     }
 
-    // The text; the writer is empty after it.
+    // Takes the text; the writer is empty after it.
     std::string take();
 
     [[noreturn]] void fail(EncodingError::Reason reason);
 
   private:
-    static constexpr std::ptrdiff_t longestNumber = 32;
+    static constexpr std::ptrdiff_t maximumNumberLength = 32;
 
     void reserve(std::size_t count) {
         // One more for the comma.
@@ -91,7 +91,7 @@ class JSONWriter {
     }
 
     bool needsComma() const {
-        // The last byte of what is finished is never one of these.
+        // Finished values never end with one of these.
         return end_ != buffer_.data() && end_[-1] != '{' && end_[-1] != '[' && end_[-1] != ':';
     }
 

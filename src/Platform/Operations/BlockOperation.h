@@ -4,7 +4,7 @@
 
 namespace zelto {
 
-// Runs a block, which it drops as soon as it has run or can no longer run.
+// Runs a block, and destroys it as soon as it has run or can no longer run.
 class BlockOperation : public Operation {
   public:
     explicit BlockOperation(std::move_only_function<void()> block);

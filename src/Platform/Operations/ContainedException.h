@@ -5,17 +5,16 @@
 
 namespace zelto {
 
-// What a caller's function threw where nothing may pass: in an operation, a completion block, a job of the
-// pool or a cancellation handler. The work around it goes on as if the function had returned; the handler is
-// told.
+// Called with an exception that a caller's function threw where none may pass: in an operation, a completion
+// block, a job of the pool or a cancellation handler. The work continues as if the function had returned.
 using ContainedExceptionHandler = void (*)(std::string_view where, const std::exception_ptr& exception);
 
-// Gives the handler before. Any thread; the handler is called on the thread that caught, and must not throw.
-// The one that is there from the start writes the place and the exception's type to standard error, and never
-// its text, which may hold anything.
+// Gives the previous handler. Any thread; a handler is called on the thread that caught, and must not throw.
+// The initial one writes the place and the exception's type to standard error, and never its text, which may
+// contain anything.
 ContainedExceptionHandler setContainedExceptionHandler(ContainedExceptionHandler handler) noexcept;
 
-// For a catch clause: tells the handler of the exception at hand.
+// For a catch clause: passes the current exception to the handler.
 void reportContainedException(std::string_view where) noexcept;
 
 // Calls the function and contains what it throws. False if it threw.

@@ -25,7 +25,7 @@ bool isNone(const std::weak_ptr<Operation>& one) {
 
 void Operation::Links::addDependant(Dependant dependant) {
     if (dependants.size() == dependants.capacity()) {
-        // An operation that never finishes would otherwise gather all that ever waited for it.
+        // An operation that never finishes would otherwise collect all operations that ever depended on it.
         const auto gone = std::ranges::remove_if(
             dependants, [](const Dependant& each) { return each.operation.expired(); });
         dependants.erase(gone.begin(), gone.end());
@@ -34,9 +34,9 @@ void Operation::Links::addDependant(Dependant dependant) {
     dependants.push_back(std::move(dependant));
 }
 
-Operation::Rest::Rest() = default;
-Operation::Rest::Rest(Rest&& other) noexcept = default;
-Operation::Rest::~Rest() = default;
+Operation::Conclusion::Conclusion() = default;
+Operation::Conclusion::Conclusion(Conclusion&& other) noexcept = default;
+Operation::Conclusion::~Conclusion() = default;
 
 Operation::Operation() = default;
 
@@ -192,7 +192,7 @@ bool Operation::begin() {
     return true;
 }
 
-// Whether the operation ends with main().
+// Whether the operation finishes when main() returns.
 bool Operation::perform() {
     const bool returned = containingExceptions("An operation", [this] { main(); });
     return !returned || !isAsynchronous();
@@ -203,38 +203,38 @@ void Operation::performEnding() {
     end(conclude());
 }
 
-Operation::Rest Operation::conclude() {
-    Rest rest;
+Operation::Conclusion Operation::conclude() {
+    Conclusion conclusion;
     {
         const std::lock_guard guard(lock_);
         if (stage_ == finished) {
-            return rest;
+            return conclusion;
         }
         stage_ = finished;
-        rest.hasFinished = true;
-        rest.links = std::move(links_);
-        rest.core = std::move(core_);
+        conclusion.hasFinished = true;
+        conclusion.links = std::move(links_);
+        conclusion.core = std::move(core_);
     }
     stage_.notify_all();
-    return rest;
+    return conclusion;
 }
 
-void Operation::end(Rest rest) {
-    if (!rest.hasFinished) {
+void Operation::end(Conclusion conclusion) {
+    if (!conclusion.hasFinished) {
         return;
     }
-    if (rest.links) {
-        releaseDependants(*rest.links, shared_from_this(), nullptr, nullptr);
+    if (conclusion.links) {
+        releaseDependants(*conclusion.links, shared_from_this(), nullptr, nullptr);
     }
-    if (rest.core) {
-        rest.core->remove(*this);
+    if (conclusion.core) {
+        conclusion.core->remove(*this);
     }
-    if (rest.links && rest.links->completionBlock) {
-        containingExceptions("A completion block", rest.links->completionBlock);
+    if (conclusion.links && conclusion.links->completionBlock) {
+        containingExceptions("A completion block", conclusion.links->completionBlock);
     }
 }
 
-// Those that became ready in the current queue are only collected.
+// Operations of the current queue that became ready are only collected.
 void Operation::releaseDependants(const Links& links, const std::shared_ptr<Operation>& kept,
                                   const OperationCore* current, OperationList* ready) {
     for (const auto& each : links.dependants) {
@@ -248,7 +248,7 @@ void Operation::releaseDependants(const Links& links, const std::shared_ptr<Oper
     }
 }
 
-// The queue to tell when that made this operation ready.
+// The queue to notify, if this made the operation ready.
 std::shared_ptr<OperationCore> Operation::dependencyEnded(std::size_t place,
                                                           std::shared_ptr<Operation> kept) {
     std::weak_ptr<Operation> released;

@@ -18,12 +18,12 @@ class OperationCore;
 // main(), a completion block or any other function of a caller runs.
 //
 // An operation is pending, then executing, then finished. An asynchronous one (isAsynchronous) stays
-// executing when main() has returned, holding no thread, until it calls finish().
+// executing when main() has returned, without occupying a thread, until it calls finish().
 //
-// Who owns it: the queue, from addOperation until it has finished. If the queue object is released before,
-// what is pending still runs; an asynchronous operation that executes is then owned by whoever is to call
-// finish(), who therefore holds it strongly (shared_from_this). One that is released while it executes counts
-// as finished. Finishing drops the completion block and the links to other operations.
+// Ownership: the queue owns an operation from addOperation until it has finished. If the queue object is
+// released first, pending operations still run; an asynchronous operation that executes is then owned by
+// whoever is to call finish(), who therefore holds it strongly (shared_from_this). One that is released while
+// it executes counts as finished. Finishing drops the completion block and the links to other operations.
 class Operation : public std::enable_shared_from_this<Operation> {
   public:
     Operation();
@@ -31,17 +31,17 @@ class Operation : public std::enable_shared_from_this<Operation> {
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
 
-    // Runs a ready operation that is in no queue, on the calling thread. Without effect when it isn't ready
+    // Runs a ready operation that is in no queue, on the calling thread. Without effect when it is not ready
     // or has begun.
     void start();
 
-    // An operation that has not begun never calls main(): at once, whatever it depends on and whether or not
-    // it is in a queue or its queue has room, endBeforeStart() is called on a thread of the pool and it
-    // counts as finished. For one that executes the flag is set and nothing else happens, unless a subclass
-    // acts (it calls this one too). Harmless at any other time and any number of times.
+    // An operation that has not begun never calls main(): endBeforeStart() is called on a thread of the pool
+    // and the operation counts as finished, at once, regardless of its dependencies, of whether it is in a
+    // queue, and of the queue's limit. For one that executes, only the flag is set, unless a subclass acts on
+    // it (and calls this one too). Harmless at any other time, and when repeated.
     virtual void cancel();
 
-    // All dependencies have finished, or it was cancelled.
+    // All dependencies have finished, or the operation was cancelled.
     bool isReady() const;
 
     bool isExecuting() const noexcept { return stage_.load() == executing; }
@@ -52,27 +52,26 @@ class Operation : public std::enable_shared_from_this<Operation> {
 
     virtual bool isAsynchronous() const noexcept { return false; }
 
-    // This operation will not begin before the other one has finished, in whatever queue that is or if it is
-    // in none. Possible as long as this one has not begun, also when it is ready and in a queue; false after
-    // that. A pending dependency is not owned: released unfinished it never will finish, and holds nobody
-    // back. A finished one is kept until this operation finishes. Operations that depend on each other in a
-    // circle never begin; cancelling one of them releases the others, an operation cannot depend on itself.
+    // This operation will not begin before the other one has finished, whatever queue each is in, if any.
+    // Possible as long as this one has not begun, even when it is ready and in a queue; false after that. A
+    // pending dependency is not owned: if it is released unfinished it no longer counts. A finished one is
+    // kept until this operation finishes. Operations that depend on each other in a circle never begin;
+    // cancelling one of them releases the others. An operation cannot depend on itself.
     bool addDependency(const std::shared_ptr<Operation>& dependency);
     void removeDependency(const std::shared_ptr<Operation>& dependency);
 
-    // In order of addition; empty once this operation has finished.
+    // In the order in which they were added; empty once this operation has finished.
     std::vector<std::shared_ptr<Operation>> dependencies() const;
 
-    // Called once, after the operation has finished and released those that depend on it, on the thread that
-    // finished it. One that is set after that is never called.
+    // Called once, after the operation has finished and released its dependants, on the thread that finished
+    // it. A block that is set after that is never called.
     void setCompletionBlock(std::move_only_function<void()> block);
 
-    // Never returns on the operation's own thread while it executes. Elsewhere it may be called from other
-    // operations.
+    // Would never return on the operation's own thread while it executes. Other operations may call it.
     void waitUntilFinished() const;
 
   protected:
-    // The work. What it throws is contained (ContainedException.h), and the operation finishes, an
+    // The work. An exception from it is contained (ContainedException.h), and the operation finishes, an
     // asynchronous one too.
     virtual void main();
 
@@ -80,8 +79,8 @@ class Operation : public std::enable_shared_from_this<Operation> {
     // finished: the place to report that nothing was done.
     virtual void endBeforeStart();
 
-    // Ends an asynchronous operation that executes, on any thread, also within main(). At any other time it
-    // has no effect.
+    // Finishes an asynchronous operation that executes, on any thread, also within main(). Without effect at
+    // any other time.
     void finish();
 
   private:
@@ -90,22 +89,22 @@ class Operation : public std::enable_shared_from_this<Operation> {
     enum Stage : int { pending, ending, executing, finished };
     struct Links;
 
-    // What finishing takes out of the operation, to be dealt with when no lock is held.
-    struct Rest {
+    // What finishing takes out of the operation, to be processed when no lock is held.
+    struct Conclusion {
         bool hasFinished = false;
         std::unique_ptr<Links> links;
         std::shared_ptr<OperationCore> core;
 
-        Rest();
-        Rest(Rest&& other) noexcept;
-        ~Rest();
+        Conclusion();
+        Conclusion(Conclusion&& other) noexcept;
+        ~Conclusion();
     };
 
     bool begin();
     bool perform();
     void performEnding();
-    Rest conclude();
-    void end(Rest rest);
+    Conclusion conclude();
+    void end(Conclusion conclusion);
     std::shared_ptr<OperationCore> dependencyEnded(std::size_t place, std::shared_ptr<Operation> kept);
     static void releaseDependants(const Links& links, const std::shared_ptr<Operation>& kept,
                                   const OperationCore* current,

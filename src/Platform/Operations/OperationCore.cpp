@@ -12,8 +12,8 @@
 namespace zelto {
 namespace {
 
-// How long one queue keeps a thread while other work waits for one.
-constexpr std::chrono::milliseconds turn{1};
+// How long one queue may occupy a thread while other work waits for one.
+constexpr std::chrono::milliseconds timeSlice{1};
 
 } // namespace
 
@@ -132,7 +132,7 @@ void OperationCore::makeReady(Operation& operation) {
     }
 }
 
-// Gives what the queue owned, to be let go of when no lock is held.
+// Gives the queue's reference, to be dropped when no lock is held.
 std::shared_ptr<Operation> OperationCore::unlist(Operation& operation) {
     if (!std::exchange(operation.isListed_, false)) {
         return nullptr;
@@ -154,7 +154,7 @@ OperationList OperationCore::operations() const {
     OperationList all;
     all.reserve(count_);
     for (auto* each = first_; each; each = each->next_) {
-        // One that has finished is still listed for a moment.
+        // A finished one is still listed for a moment.
         if (!each->isFinished()) {
             all.push_back(each->keptByQueue_);
         }
@@ -222,7 +222,7 @@ bool OperationCore::canRun() const {
     return !cancelled_.empty() || (hasRoom && !isSuspended_ && !ready_.isEmpty());
 }
 
-// The next to run, which has begun already.
+// The next operation to run; it has begun already.
 std::shared_ptr<Operation> OperationCore::take() {
     while (canRun()) {
         if (!cancelled_.empty()) {
@@ -241,7 +241,7 @@ std::shared_ptr<Operation> OperationCore::take() {
     return nullptr;
 }
 
-// Whether the caller has to post a job, once it holds no lock.
+// Whether the caller has to post a job after it has released the lock.
 bool OperationCore::wantsJob() {
     return !isJobPosted_ && canRun() && (isJobPosted_ = true);
 }
@@ -279,7 +279,7 @@ void OperationCore::drain() {
             dropped.push_back(std::move(kept));
         }
         const bool othersWait = pool.waiting() > std::size_t{isJobPosted_};
-        if (othersWait && std::chrono::steady_clock::now() - start > turn) {
+        if (othersWait && std::chrono::steady_clock::now() - start > timeSlice) {
             break;
         }
     }
@@ -290,8 +290,8 @@ void OperationCore::drain() {
     }
 }
 
-// True if the operation has finished and is still to be taken out of the queue; those it released into this
-// queue are then still to be made ready.
+// True if the operation has finished and is still to be removed from the queue; those in `released` are then
+// still to be made ready.
 bool OperationCore::run(const std::shared_ptr<Operation>& operation, OperationList& released) {
     if (operation->stage_ == Operation::ending) {
         operation->performEnding();
@@ -300,16 +300,16 @@ bool OperationCore::run(const std::shared_ptr<Operation>& operation, OperationLi
     if (!operation->perform()) {
         return false;
     }
-    auto rest = operation->conclude();
-    if (!rest.hasFinished) {
+    auto conclusion = operation->conclude();
+    if (!conclusion.hasFinished) {
         return false;
     }
-    if (rest.links && rest.links->completionBlock) {
-        operation->end(std::move(rest));
+    if (conclusion.links && conclusion.links->completionBlock) {
+        operation->end(std::move(conclusion));
         return false;
     }
-    if (rest.links) {
-        Operation::releaseDependants(*rest.links, operation, this, &released);
+    if (conclusion.links) {
+        Operation::releaseDependants(*conclusion.links, operation, this, &released);
     }
     return true;
 }

@@ -12,9 +12,9 @@
 
 namespace zelto {
 
-// What most operations do without.
+// Kept apart, since most operations have none of it.
 struct Operation::Links {
-    // Both empty once it was removed or released unfinished, so that the places of the others stay.
+    // Both are empty once it was removed or released unfinished, so that the indices of the others stay.
     struct Dependency {
         std::weak_ptr<Operation> operation;
         std::shared_ptr<Operation> finished;
@@ -22,14 +22,14 @@ struct Operation::Links {
 
     struct Dependant {
         std::weak_ptr<Operation> operation;
-        // Where the dependency stands in the dependant's list.
+        // The index of the dependency in the dependant's list.
         std::size_t place;
     };
 
     void addDependant(Dependant dependant);
 
     boost::container::small_vector<Dependency, 1> dependencies;
-    // May hold operations that are gone or no longer depend on this one.
+    // May contain operations that are gone or no longer depend on this one.
     boost::container::small_vector<Dependant, 1> dependants;
     std::move_only_function<void()> completionBlock;
 };

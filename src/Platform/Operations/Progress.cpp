@@ -9,8 +9,8 @@
 
 namespace zelto {
 
-// Parents hold the nodes of their children, not the children: one that is released half done still counts as
-// half done, and nobody is kept alive.
+// Parents hold the nodes of their children, not the children: a child that is released half done still counts
+// as half done, without being kept alive.
 struct Progress::Node {
     struct Child {
         std::shared_ptr<Node> node;
@@ -23,7 +23,7 @@ struct Progress::Node {
 
     double fraction() const;
     void set(std::int64_t Node::*count, std::int64_t value);
-    void tellParents() const;
+    void notifyParents() const;
     bool fill(const Node& child);
     void cancel();
     static void adopt(const std::shared_ptr<Node>& parent, const std::shared_ptr<Node>& child,
@@ -48,7 +48,7 @@ struct Current {
 
 thread_local std::vector<Current> currents;
 
-// Guards which node is whose child, so that two additions at a time cannot close a circle.
+// Guards the relations of parents and children, so that two simultaneous additions cannot form a circle.
 std::mutex familyMutex;
 
 } // namespace
@@ -83,11 +83,11 @@ void Progress::Node::set(std::int64_t Node::*count, std::int64_t value) {
         hasFinished = isFinished();
     }
     if (hasFinished) {
-        tellParents();
+        notifyParents();
     }
 }
 
-void Progress::Node::tellParents() const {
+void Progress::Node::notifyParents() const {
     std::shared_ptr<Node> below;
     for (const Node* child = this; child; child = below.get()) {
         std::unique_lock lock(child->mutex);
@@ -98,7 +98,7 @@ void Progress::Node::tellParents() const {
     }
 }
 
-// A child that has finished turns into completed units. True if that finished this node too.
+// Turns a finished child into completed units. True if that finished this node too.
 bool Progress::Node::fill(const Node& child) {
     Child finished;
     const std::lock_guard lock(mutex);
@@ -113,8 +113,8 @@ bool Progress::Node::fill(const Node& child) {
 }
 
 void Progress::Node::cancel() {
-    std::vector<std::shared_ptr<Node>> rest;
-    auto cancelOne = [&rest](Node& node) {
+    std::vector<std::shared_ptr<Node>> remaining;
+    auto cancelOne = [&remaining](Node& node) {
         std::move_only_function<void()> handler;
         {
             const std::lock_guard lock(node.mutex);
@@ -122,16 +122,16 @@ void Progress::Node::cancel() {
                 return;
             }
             handler = std::exchange(node.cancellationHandler, nullptr);
-            std::ranges::transform(node.children, std::back_inserter(rest), &Child::node);
+            std::ranges::transform(node.children, std::back_inserter(remaining), &Child::node);
         }
         if (handler) {
             containingExceptions("A cancellation handler", handler);
         }
     };
     cancelOne(*this);
-    while (!rest.empty()) {
-        const auto next = std::move(rest.back());
-        rest.pop_back();
+    while (!remaining.empty()) {
+        const auto next = std::move(remaining.back());
+        remaining.pop_back();
         cancelOne(*next);
     }
 }
@@ -140,7 +140,8 @@ void Progress::Node::adopt(const std::shared_ptr<Node>& parent, const std::share
                            std::int64_t units) {
     bool isCancelled = false;
     bool hasFinished = false;
-    std::vector<std::shared_ptr<Node>> ancestors; // let go of without the lock, since it may be the last hold
+    std::vector<std::shared_ptr<Node>>
+        ancestors; // destroyed after the lock is released, since this may be the last reference
     {
         const std::lock_guard family(familyMutex);
         for (auto above = parent; above; above = above->parent.lock()) {
@@ -161,7 +162,7 @@ void Progress::Node::adopt(const std::shared_ptr<Node>& parent, const std::share
         }
     }
     if (hasFinished) {
-        child->tellParents();
+        child->notifyParents();
     }
     if (isCancelled) {
         child->cancel();
@@ -216,7 +217,7 @@ bool Progress::isFinished() const {
 }
 
 void Progress::cancel() {
-    // A handler may let go of this progress.
+    // A handler may release this progress.
     const auto node = node_;
     node->cancel();
 }

@@ -5,8 +5,8 @@
 
 namespace zelto {
 
-// A lock of one byte, for objects of which there are many and sections of a few instructions: whoever finds
-// it taken gives up the processor until it is free. For anything longer std::mutex is the right one.
+// A lock of one byte, for objects of which there are many and critical sections of a few instructions: a
+// thread that finds it taken yields until it is free. For anything longer use std::mutex.
 class SpinLock {
   public:
     void lock() noexcept {

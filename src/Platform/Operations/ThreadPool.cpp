@@ -12,14 +12,14 @@ namespace zelto {
 namespace {
 
 constexpr std::size_t leastThreads = 4;
-constexpr std::size_t mostThreadsAtWork = 64;
-constexpr std::chrono::milliseconds patience{10};
+constexpr std::size_t maximumBusyThreads = 64;
+constexpr std::chrono::milliseconds stallTimeout{10};
 constexpr std::chrono::seconds idleLife{10};
 
 // The next job of a queue often comes at once, and waking a thread costs more than many jobs.
-constexpr int looksBeforeSleep = 30;
+constexpr int spinsBeforeSleep = 30;
 
-// By the thread that made the pool.
+// Of the thread that made the pool.
 sigset_t blockedSignals;
 
 thread_local bool isPoolThread = false;
@@ -65,7 +65,7 @@ void ThreadPool::addThread() {
         std::thread([this] { work(); }).detach();
         ++threads_;
     } catch (const std::system_error&) {
-        // The threads that are there take the job when they can; without any there is nobody to.
+        // Existing threads will take the job; if there are none, one is needed.
         if (threads_ == 0) {
             throw;
         }
@@ -92,7 +92,7 @@ void ThreadPool::work() {
 bool ThreadPool::waitForJob(std::unique_lock<std::mutex>& lock) {
     if (jobs_.empty() && !std::exchange(spinning_, true)) {
         lock.unlock();
-        for (int look = 0; look < looksBeforeSleep && waiting() == 0; ++look) {
+        for (int look = 0; look < spinsBeforeSleep && waiting() == 0; ++look) {
             std::this_thread::yield();
         }
         lock.lock();
@@ -117,9 +117,9 @@ void ThreadPool::watch() {
         while (!jobs_.empty()) {
             const auto before = taken_;
             lock.unlock();
-            std::this_thread::sleep_for(patience);
+            std::this_thread::sleep_for(stallTimeout);
             lock.lock();
-            if (taken_ == before && !jobs_.empty() && atWork() < mostThreadsAtWork) {
+            if (taken_ == before && !jobs_.empty() && atWork() < maximumBusyThreads) {
                 addThread();
             }
         }

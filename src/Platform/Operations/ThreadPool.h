@@ -11,29 +11,28 @@
 namespace zelto {
 
 // The one pool of threads that all operation queues run on. It has as many threads as the machine has cores,
-// and four at least. Jobs may block: when some wait and none was taken for ten milliseconds, a thread is
-// added, up to 64 that are at work; those beyond the first ones end after ten idle seconds. A thread that
-// says it waits (BlockingScope) does not count, so that jobs that wait for other jobs of the pool cannot
-// starve them, however many they are.
+// and at least four. Jobs may block: when jobs wait and none was taken for ten milliseconds, a thread is
+// added, up to 64 busy ones; threads beyond the initial ones end after ten idle seconds. A thread that
+// declares that it waits (BlockingScope) does not count, so that any number of jobs that wait for other jobs
+// of the pool cannot starve them.
 //
-// All threads block the signals that the thread blocked that made the pool, whoever posts the jobs.
+// All threads block the signals that were blocked on the thread that made the pool, whoever posts the jobs.
 //
-// The pool lives until the process ends, with whatever runs then.
+// The pool lives until the process ends, and its jobs are not waited for.
 class ThreadPool {
   public:
     using Job = std::move_only_function<void()>;
 
     static ThreadPool& shared();
 
-    // The job runs soon, on a thread of the pool, in no promised order. What it throws is contained. Any
-    // thread.
+    // The job runs soon, on a thread of the pool, in no particular order. Exceptions from it are contained.
+    // Any thread.
     void post(Job job);
 
-    // How many jobs no thread has taken yet; only a hint, for those who would give way.
+    // How many jobs no thread has taken yet; only a hint, for jobs that could yield.
     std::size_t waiting() const noexcept { return waiting_.load(std::memory_order_relaxed); }
 
-    // Says, while it lives, that this thread only waits. On a thread that is none of the pool's it does
-    // nothing.
+    // While it lives, this thread counts as waiting. Without effect on threads outside the pool.
     class BlockingScope {
       public:
         BlockingScope();

@@ -12,8 +12,8 @@ using Reply = Result<SignInReply, SignInError>;
 
 URLSessionConfiguration configurationForSignIn() {
     auto configuration = URLSessionConfiguration::ephemeral();
-    configuration.largestAnswer = 1 << 20;
-    configuration.longestTransfer = std::chrono::minutes(1);
+    configuration.maximumResponseSize = 1 << 20;
+    configuration.maximumTransferTime = std::chrono::minutes(1);
     return configuration;
 }
 

@@ -7,16 +7,17 @@
 
 namespace zelto {
 
-// Where a host supplies the credentials of a server.
+// Supplies the credentials of a server; implemented by the host.
 class MCPAuthorizationProvider {
   public:
     using Headers = std::map<std::string, std::string>;
 
     virtual ~MCPAuthorizationProvider() = default;
 
-    // Asked before every request, notification and disconnect. The fields replace those of the same name that
-    // the transport has set. It may answer later and on any thread; an error ends that call, and nothing is
-    // sent. So do an exception and a completion that is let go of uncalled.
+    // Called before every request, notification and disconnect. The fields replace those of the same name
+    // that the transport has set. The completion may be called later and on any thread. With an error the
+    // call ends with it, and nothing is sent; so it does when this throws, or the completion is destroyed
+    // without being called.
     virtual void authorizationHeaders(MCPCompletion<Headers> completion) = 0;
 };
 

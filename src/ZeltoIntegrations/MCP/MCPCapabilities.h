@@ -9,11 +9,11 @@
 
 namespace zelto {
 
-// What one side can do, by name. In JSON the map itself; a name without a value is a null.
+// The capabilities of one side, by name. In JSON the map itself; a name without a value is null.
 struct MCPCapabilities {
     std::map<std::string, std::optional<JSONValue>> values = {};
 
-    // Nothing for a name that is not there, and for one without a value.
+    // `nullopt` for a name that is absent or has no value.
     std::optional<JSONValue> operator[](std::string_view name) const;
 
     bool operator==(const MCPCapabilities&) const = default;

@@ -41,7 +41,7 @@ MCPResult<JSONValue> validateSuccess(MCPResponse response) {
     return *std::move(response.result);
 }
 
-// Takes the value, so that it is gone when the record goes on.
+// Takes the value, so that its memory is free when the caller goes on with the record.
 template <class T> MCPResult<T> decodeResult(MCPResult<JSONValue> result) {
     if (!result) {
         return failure(std::move(result.error()));
@@ -49,7 +49,7 @@ template <class T> MCPResult<T> decodeResult(MCPResult<JSONValue> result) {
     return decodedBy([&] { return result->template as<T>(); });
 }
 
-// Adds a page to the tools; gives the cursor of the next one.
+// Adds a page to the tools and gives the cursor of the next one.
 MCPResult<std::optional<std::string>> takePage(MCPResult<JSONValue> value, std::vector<MCPTool>& tools) {
     if (!value) {
         return failure(std::move(value.error()));
@@ -68,7 +68,7 @@ MCPError cancelled() {
     return URLError{URLErrorCode::cancelled, "The operation was cancelled."};
 }
 
-// A completion of which two ends are possible; the first counts.
+// A completion that may be ended from two sides; the first one counts.
 template <class T> class FirstEnd {
   public:
     explicit FirstEnd(MCPCompletion<T> completion) : completion_(std::move(completion)) {}
@@ -84,7 +84,7 @@ template <class T> class FirstEnd {
 
 } // namespace
 
-// What the callbacks of operations under way keep alive.
+// Shared by the callbacks of running operations, and kept alive by them.
 class MCPClient::Operations : public std::enable_shared_from_this<Operations> {
   public:
     Operations(std::shared_ptr<MCPTransport> transport, MCPCapabilities capabilities,
@@ -92,19 +92,20 @@ class MCPClient::Operations : public std::enable_shared_from_this<Operations> {
         : transport_(std::move(transport)), capabilities_(std::move(capabilities)),
           clientInfo_(std::move(clientInfo)) {}
 
-    // How many cancellations an operation finds when it begins; none of its messages is sent after another.
-    using Turn = std::uint64_t;
+    // The number of cancellations so far. An operation keeps the number of its beginning, and sends no
+    // message once there was another cancellation.
+    using Generation = std::uint64_t;
 
     MCPTransport& transport() { return *transport_; }
 
-    Turn turn() const { return cancellations_; }
+    Generation generation() const { return cancellations_; }
 
     void cancelAll() {
         ++cancellations_;
         transport_->cancelAll();
     }
 
-    void initialize(Turn turn, MCPCompletion<MCPInitializeResult> completion) {
+    void initialize(Generation generation, MCPCompletion<MCPInitializeResult> completion) {
         transport_->clearSession();
         transport_->setProtocolVersion(std::nullopt);
         auto params =
@@ -112,36 +113,37 @@ class MCPClient::Operations : public std::enable_shared_from_this<Operations> {
         if (!params) {
             return failInitialization(std::move(params.error()), std::move(completion));
         }
-        sendRequest(turn, "initialize", *std::move(params),
-                    [self = shared_from_this(), turn,
+        sendRequest(generation, "initialize", *std::move(params),
+                    [self = shared_from_this(), generation,
                      completion = std::move(completion)](MCPResult<JSONValue> value) mutable {
                         auto result = decodeResult<MCPInitializeResult>(std::move(value));
                         if (!result) {
                             return self->failInitialization(std::move(result.error()), std::move(completion));
                         }
-                        self->confirm(turn, *std::move(result), std::move(completion));
+                        self->confirm(generation, *std::move(result), std::move(completion));
                     });
     }
 
-    void ping(Turn turn, MCPCompletion<void> completion) {
-        sendRequest(turn, "ping", std::nullopt,
+    void ping(Generation generation, MCPCompletion<void> completion) {
+        sendRequest(generation, "ping", std::nullopt,
                     [completion = std::move(completion)](MCPResult<JSONValue> result) mutable {
                         completion(result ? MCPResult<void>() : failure(std::move(result.error())));
                     });
     }
 
-    void listTools(Turn turn, MCPCompletion<std::vector<MCPTool>> completion) {
-        listPage(turn, std::nullopt, {}, std::move(completion));
+    void listTools(Generation generation, MCPCompletion<std::vector<MCPTool>> completion) {
+        listPage(generation, std::nullopt, {}, std::move(completion));
     }
 
-    void callTool(Turn turn, const MCPToolCallParams& params, MCPCompletion<MCPToolCallResult> completion) {
+    void callTool(Generation generation, const MCPToolCallParams& params,
+                  MCPCompletion<MCPToolCallResult> completion) {
         auto value = makeParams(params);
         if (!value) {
             return completion(failure(std::move(value.error())));
         }
-        sendRequest(turn, "tools/call", *std::move(value),
-                    [completion = std::move(completion)](MCPResult<JSONValue> answer) mutable {
-                        auto result = decodeResult<MCPToolCallResult>(std::move(answer));
+        sendRequest(generation, "tools/call", *std::move(value),
+                    [completion = std::move(completion)](MCPResult<JSONValue> response) mutable {
+                        auto result = decodeResult<MCPToolCallResult>(std::move(response));
                         if (result && result->isError == true) {
                             result = failure(MCPError(MCPClientError::toolCallFailed(*std::move(result))));
                         }
@@ -150,9 +152,9 @@ class MCPClient::Operations : public std::enable_shared_from_this<Operations> {
     }
 
     template <class T>
-    void performWithSessionRetry(std::function<void(Turn, MCPCompletion<T>)> operation,
+    void performWithSessionRetry(std::function<void(Generation, MCPCompletion<T>)> operation,
                                  MCPCompletion<T> completion) {
-        const auto begun = turn();
+        const auto begun = generation();
         operation(begun, [self = shared_from_this(), begun, operation,
                           completion = std::move(completion)](MCPResult<T> result) mutable {
             if (result || !result.error().template is<MCPClientError::SessionExpired>()) {
@@ -170,23 +172,24 @@ class MCPClient::Operations : public std::enable_shared_from_this<Operations> {
     }
 
   private:
-    // While the answer before is being taken, the transport has nothing of the operation that it could
-    // cancel. A message that goes out in the very moment of a cancellation may escape it, and then goes
-    // unheard.
-    template <class T, class Message> void send(Turn turn, Message message, MCPCompletion<T> completion) {
-        if (turn != cancellations_) {
+    // Between a response and the next message, the transport has nothing of the operation that it could
+    // cancel. A message that is sent at the very moment of a cancellation may escape it; its response is then
+    // ignored.
+    template <class T, class Message>
+    void send(Generation generation, Message message, MCPCompletion<T> completion) {
+        if (generation != cancellations_) {
             return completion(failure(cancelled()));
         }
         const auto end = std::make_shared<FirstEnd<T>>(std::move(completion));
-        transport_->send(std::move(message), [end](MCPResult<T> answer) { (*end)(std::move(answer)); });
-        if (turn != cancellations_) {
+        transport_->send(std::move(message), [end](MCPResult<T> result) { (*end)(std::move(result)); });
+        if (generation != cancellations_) {
             (*end)(failure(cancelled()));
         }
     }
 
-    void sendRequest(Turn turn, std::string method, std::optional<JSONValue> params,
+    void sendRequest(Generation generation, std::string method, std::optional<JSONValue> params,
                      MCPCompletion<JSONValue> completion) {
-        send<MCPResponse>(turn, MCPRequest{freshID(), std::move(method), std::move(params)},
+        send<MCPResponse>(generation, MCPRequest{freshID(), std::move(method), std::move(params)},
                           [self = shared_from_this(),
                            completion = std::move(completion)](MCPResult<MCPResponse> response) mutable {
                               completion(response ? validateSuccess(*std::move(response))
@@ -194,9 +197,10 @@ class MCPClient::Operations : public std::enable_shared_from_this<Operations> {
                           });
     }
 
-    void confirm(Turn turn, MCPInitializeResult result, MCPCompletion<MCPInitializeResult> completion) {
+    void confirm(Generation generation, MCPInitializeResult result,
+                 MCPCompletion<MCPInitializeResult> completion) {
         transport_->setProtocolVersion(result.protocolVersion);
-        send<void>(turn, MCPNotification{"notifications/initialized", std::nullopt},
+        send<void>(generation, MCPNotification{"notifications/initialized", std::nullopt},
                    [self = shared_from_this(), result = std::move(result),
                     completion = std::move(completion)](MCPResult<void> sent) mutable {
                        if (!sent) {
@@ -212,10 +216,10 @@ class MCPClient::Operations : public std::enable_shared_from_this<Operations> {
         completion(failure(std::move(error)));
     }
 
-    void listPage(Turn turn, std::optional<JSONValue> params, std::vector<MCPTool> tools,
+    void listPage(Generation generation, std::optional<JSONValue> params, std::vector<MCPTool> tools,
                   MCPCompletion<std::vector<MCPTool>> completion) {
-        sendRequest(turn, "tools/list", std::move(params),
-                    [self = shared_from_this(), turn, tools = std::move(tools),
+        sendRequest(generation, "tools/list", std::move(params),
+                    [self = shared_from_this(), generation, tools = std::move(tools),
                      completion = std::move(completion)](MCPResult<JSONValue> value) mutable {
                         auto cursor = takePage(std::move(value), tools);
                         if (!cursor) {
@@ -228,7 +232,7 @@ class MCPClient::Operations : public std::enable_shared_from_this<Operations> {
                         if (!next) {
                             return completion(failure(std::move(next.error())));
                         }
-                        self->listPage(turn, *std::move(next), std::move(tools), std::move(completion));
+                        self->listPage(generation, *std::move(next), std::move(tools), std::move(completion));
                     });
     }
 
@@ -251,21 +255,21 @@ MCPClient::MCPClient(std::shared_ptr<MCPTransport> transport, MCPCapabilities ca
                                                std::move(clientInfo))) {}
 
 void MCPClient::connect(MCPCompletion<MCPInitializeResult> completion) {
-    operations_->initialize(operations_->turn(), std::move(completion));
+    operations_->initialize(operations_->generation(), std::move(completion));
 }
 
 void MCPClient::ping(MCPCompletion<void> completion) {
     operations_->performWithSessionRetry<void>(
-        [operations = operations_](auto turn, MCPCompletion<void> done) {
-            operations->ping(turn, std::move(done));
+        [operations = operations_](auto generation, MCPCompletion<void> done) {
+            operations->ping(generation, std::move(done));
         },
         std::move(completion));
 }
 
 void MCPClient::listTools(MCPCompletion<std::vector<MCPTool>> completion) {
     operations_->performWithSessionRetry<std::vector<MCPTool>>(
-        [operations = operations_](auto turn, MCPCompletion<std::vector<MCPTool>> done) {
-            operations->listTools(turn, std::move(done));
+        [operations = operations_](auto generation, MCPCompletion<std::vector<MCPTool>> done) {
+            operations->listTools(generation, std::move(done));
         },
         std::move(completion));
 }
@@ -275,8 +279,8 @@ void MCPClient::callTool(std::string name, std::optional<JSONValue> arguments,
     const auto params =
         std::make_shared<const MCPToolCallParams>(MCPToolCallParams{std::move(name), std::move(arguments)});
     operations_->performWithSessionRetry<MCPToolCallResult>(
-        [operations = operations_, params](auto turn, MCPCompletion<MCPToolCallResult> done) {
-            operations->callTool(turn, *params, std::move(done));
+        [operations = operations_, params](auto generation, MCPCompletion<MCPToolCallResult> done) {
+            operations->callTool(generation, *params, std::move(done));
         },
         std::move(completion));
 }

@@ -12,11 +12,11 @@
 
 namespace zelto {
 
-// What goes wrong between this client and a server. It has no text of its own: callers tell the cases apart
+// A failure between this client and a server. It has no text of its own: callers distinguish the cases
 // (`is<MCPClientError::SessionExpired>()`, std::visit over `value`).
 class MCPClientError {
   public:
-    // An answer's "jsonrpc" is not "2.0".
+    // A response's "jsonrpc" is not "2.0".
     struct InvalidJSONRPCVersion {
         std::optional<std::string> version;
         bool operator==(const InvalidJSONRPCVersion&) const = default;
@@ -27,19 +27,19 @@ class MCPClientError {
         bool operator==(const UnsupportedProtocolVersion&) const = default;
     };
 
-    // The server answers with an error.
+    // The server responded with an error.
     struct JSONRPCFailure {
         MCPResponse::Error error;
         bool operator==(const JSONRPCFailure&) const = default;
     };
 
-    // The tool ran and says that it failed.
+    // The tool ran and reports an error.
     struct ToolCallFailed {
         MCPToolCallResult result;
         bool operator==(const ToolCallFailed&) const = default;
     };
 
-    // "resource_metadata" of a challenge is no usable URL.
+    // "resource_metadata" of a challenge is not a usable URL.
     struct InvalidAuthorizationResourceMetadata {
         std::string value;
         bool operator==(const InvalidAuthorizationResourceMetadata&) const = default;
@@ -62,7 +62,7 @@ class MCPClientError {
         bool operator==(const UnexpectedHTTPStatus&) const = default;
     };
 
-    // A 2xx answer to a request that is neither JSON nor an event stream.
+    // A 2xx response to a request that is neither JSON nor an event stream.
     struct UnsupportedHTTPContentType {
         std::optional<std::string> contentType; // as the server wrote it
         bool operator==(const UnsupportedHTTPContentType&) const = default;
@@ -72,7 +72,7 @@ class MCPClientError {
         bool operator==(const InvalidJSONRPCIdentifier&) const = default;
     };
 
-    // An answer without an error holds no "result".
+    // A response without an error has no "result".
     struct MissingJSONRPCResult {
         bool operator==(const MissingJSONRPCResult&) const = default;
     };
@@ -91,17 +91,17 @@ class MCPClientError {
         bool operator==(const InvalidHTTPResponse&) const = default;
     };
 
-    // 404 while no session is held.
+    // 404 without a session.
     struct EndpointNotFound {
         bool operator==(const EndpointNotFound&) const = default;
     };
 
-    // 404 while a session is held.
+    // 404 within a session.
     struct SessionExpired {
         bool operator==(const SessionExpired&) const = default;
     };
 
-    // An event stream ended without the awaited answer.
+    // An event stream ended without the expected response.
     struct MissingJSONRPCResponse {
         bool operator==(const MissingJSONRPCResponse&) const = default;
     };
@@ -135,7 +135,7 @@ class MCPClientError {
 
     template <class Case> bool is() const { return std::holds_alternative<Case>(value); }
 
-    // The payload; null for another case.
+    // The payload; null if it is another case.
     template <class Case> const Case* as() const { return std::get_if<Case>(&value); }
 
     // "sessionExpired"

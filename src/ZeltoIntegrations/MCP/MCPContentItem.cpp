@@ -16,7 +16,7 @@ ZELTO_JSON_ENUM_TEXTS(MCPContentItemRawType, {MCPContentItemRawType::text, "text
 
 namespace {
 
-// The fields that a type describes, behind a "type" that is always the same.
+// Writes a constant "type" and the described fields.
 template <class T> void writeTyped(JSONWriter& writer, MCPContentItemRawType type, const T& content) {
     writer.beginObject();
     writer.field("type", type);
@@ -32,7 +32,7 @@ std::optional<MCPContentItemRawType> rawTypeOf(std::string_view text) {
 
 } // namespace
 
-// Describes the fields but for the constant "type", and gives the type its coding.
+// Describes the fields except the constant "type", and defines the coding.
 #define ZELTO_MCP_TYPED_CONTENT(T, type, ...)                                                                \
     static consteval auto describeJSON(const T*) {                                                           \
         using namespace jsonrecord;                                                                          \

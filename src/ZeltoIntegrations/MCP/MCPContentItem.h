@@ -10,7 +10,7 @@
 
 namespace zelto {
 
-// The kinds of content that a tool's result may hold, as "type" names them.
+// The kinds of content in a tool's result, as in "type".
 enum class MCPContentItemRawType { text, image, audio, resource, resourceLink };
 ZELTO_ENUM(MCPContentItemRawType);
 ZELTO_JSON_CODED(MCPContentItemRawType);
@@ -38,7 +38,7 @@ struct MCPBinaryContent {
 
 ZELTO_JSON_CODED(MCPBinaryContent);
 
-// What an embedded resource holds: text, or bytes in Base64 as the server sent them.
+// The content of an embedded resource: text, or bytes in Base64 as the server sent them.
 struct MCPContentItemResource {
     std::string uri;
     std::optional<std::string> mimeType = {};
@@ -75,8 +75,8 @@ struct MCPResourceLinkContent {
 
 ZELTO_JSON_CODED(MCPResourceLinkContent);
 
-// One piece of a tool's result. A type that this client does not know is kept whole and written back
-// unchanged; a known type that lacks a required key fails to decode.
+// One piece of a tool's result. An unknown type is kept whole and written back unchanged; a known type that
+// lacks a required key fails to decode.
 class MCPContentItem {
   public:
     using RawType = MCPContentItemRawType;
@@ -109,7 +109,7 @@ class MCPContentItem {
 
     struct Unknown {
         std::string type;
-        JSONValue payload; // the whole object, "type" too
+        JSONValue payload; // the whole object, including "type"
         bool operator==(const Unknown&) const = default;
     };
 

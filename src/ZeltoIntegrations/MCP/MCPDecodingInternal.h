@@ -15,7 +15,7 @@ inline MCPError tooLargeForMemory() {
     return URLError{URLErrorCode::responseTooLarge, "There is not enough memory for the answer."};
 }
 
-// What a decoding gives, also where memory does not last for it: a call must come to its end. The records of
+// The result of decoding. Lack of memory becomes an error too, since a call must always end. The records of
 // this library may throw cases of MCPClientError.
 template <class F> auto decodedBy(F&& decode) -> MCPResult<typename decltype(decode())::value_type> {
     try {

@@ -13,15 +13,15 @@
 
 namespace zelto {
 
-// A host's provider of credentials has none to give.
+// The host's provider has no credentials.
 struct MCPAuthorizationError {
-    std::string message; // one sentence, for people; no secret in it
+    std::string message; // one sentence, for people; contains no secret
 
     bool operator==(const MCPAuthorizationError&) const = default;
 };
 
-// How an operation of the MCP client fails: by a case of the protocol's own errors, by the connection, by
-// JSON that is none or not of the expected form, by a value that has no JSON, or by the host's provider.
+// How an operation of the MCP client fails: by an error of the protocol, by the connection, by text that is
+// not JSON or not of the expected form, by a value that has no JSON, or by the host's provider.
 class MCPError {
   public:
     using Value = std::variant<MCPClientError, URLError, DecodingError, EncodingError, MCPAuthorizationError>;
@@ -38,7 +38,7 @@ class MCPError {
 
     MCPError(MCPAuthorizationError error) : value(std::move(error)) {}
 
-    // Null where it is another error.
+    // Null if it is another kind of error.
     const MCPClientError* clientError() const { return std::get_if<MCPClientError>(&value); }
 
     // Whether it is this case of MCPClientError.

@@ -9,7 +9,7 @@
 
 namespace zelto {
 
-// Awaits that the server has ended the session, or says that it does not end sessions (405).
+// Waits until the server has ended the session, or says that it does not end sessions (405).
 class MCPHTTPDisconnectHandler final : public MCPHTTPTaskHandler {
   public:
     MCPHTTPDisconnectHandler(MCPHTTPSessionIDReference sessionIDReference, MCPCompletion<void> completion);

@@ -10,14 +10,14 @@
 
 namespace zelto {
 
-// What a transport holds of its session.
+// The session of a transport.
 struct MCPHTTPState {
     std::optional<MCPProtocolVersion> protocolVersion;
     std::optional<std::string> sessionID;
 };
 
-// A message as it goes over the wire: a POST of its JSON, or without any a DELETE. It is given up when
-// nothing moves for 60 seconds. A session's identifier that is not visible ASCII is left out.
+// The HTTP request of a message: a POST of its JSON, or a DELETE without a body. Its time-out is 60 seconds
+// without movement. A session identifier that is not visible ASCII is left out.
 URLRequest mcpHTTPRequest(const URL& endpoint, const MCPHTTPState& state, std::optional<std::string> body);
 
 } // namespace zelto

@@ -9,7 +9,7 @@
 
 namespace zelto {
 
-// Awaits that a notification has arrived: 202 at once, any other 2xx when the answer has come to its end.
+// Waits until a notification has arrived: 202 at once, any other 2xx when the response is complete.
 class MCPHTTPNotificationHandler final : public MCPHTTPTaskHandler {
   public:
     MCPHTTPNotificationHandler(MCPHTTPSessionIDReference sessionIDReference, MCPCompletion<void> completion);

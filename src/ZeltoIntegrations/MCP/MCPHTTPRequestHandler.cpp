@@ -17,13 +17,13 @@ namespace {
 constexpr std::string_view jsonType = "application/json";
 constexpr std::string_view eventStreamType = "text/event-stream";
 
-// A server's word for the length is believed so far and no farther.
+// How much is reserved at most on the strength of a Content-Length.
 std::size_t expectedLength(const HTTPURLResponse& response) {
-    constexpr std::size_t most = std::size_t{16} << 20;
+    constexpr std::size_t maximum = std::size_t{16} << 20;
     const auto text = response.header("Content-Length").value_or("");
     std::size_t length = 0;
     std::from_chars(text.data(), text.data() + text.size(), length);
-    return std::min(length, most);
+    return std::min(length, maximum);
 }
 
 } // namespace
@@ -98,7 +98,7 @@ MCPHTTPRequestHandler::matchingResponse(std::vector<MCPServerSentEvent> events) 
     return std::nullopt;
 }
 
-// Nothing for a message that is no answer to the request.
+// `nullopt` for a message that is not the response to the request.
 MCPResult<std::optional<MCPResponse>> MCPHTTPRequestHandler::responseIn(std::string data) const {
     using Found = Result<std::optional<MCPResponse>, DecodingError>;
     return decodedBy([&]() -> Found {

@@ -13,8 +13,8 @@
 
 namespace zelto {
 
-// Awaits the answer to one request: a JSON body, taken whatever its identifier, or the event with the
-// request's identifier on an event stream, where all others are passed over.
+// Waits for the response to one request: a JSON body, whatever its identifier, or the event with the
+// request's identifier in an event stream, whose other events are skipped.
 class MCPHTTPRequestHandler final : public MCPHTTPTaskHandler {
   public:
     MCPHTTPRequestHandler(MCPRequestID requestID, MCPHTTPSessionIDReference sessionIDReference,

@@ -10,19 +10,19 @@
 
 namespace zelto {
 
-// The rules by which every handler judges the head of an answer.
+// How every handler judges the head of a response.
 
 inline constexpr std::string_view mcpSessionIDField = "Mcp-Session-Id";
 inline constexpr std::string_view mcpProtocolVersionField = "MCP-Protocol-Version";
 
-// Nothing for 200 to 299; a 404 takes the session away.
+// `nullopt` for 200 to 299; a 404 drops the session.
 std::optional<MCPClientError> failureOf(const HTTPURLResponse& response,
                                         const MCPHTTPSessionIDReference& sessionID);
 
-// Keeps the identifier that the server gave, if it gave one.
+// Keeps the session identifier if the response has one.
 void captureSessionID(const HTTPURLResponse& response, const MCPHTTPSessionIDReference& sessionID);
 
-// Whether it is made of visible ASCII alone, and so may be sent back.
+// Whether it consists of visible ASCII only, and may therefore be sent.
 bool isSendableSessionID(std::string_view sessionID);
 
 } // namespace zelto

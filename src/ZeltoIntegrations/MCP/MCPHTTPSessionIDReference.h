@@ -6,7 +6,7 @@
 
 namespace zelto {
 
-// Reaches the session identifier of a transport without keeping the transport alive.
+// Access to a transport's session identifier that does not keep the transport alive.
 struct MCPHTTPSessionIDReference {
     std::function<std::optional<std::string>()> readValue;
     std::function<void(std::optional<std::string>)> writeValue;

@@ -26,8 +26,8 @@ std::shared_ptr<OperationQueue> makeDelegateQueue() {
     return queue;
 }
 
-// The session as a message knows it, by what it carried. A late answer takes no session away that has begun
-// since, and puts none back.
+// Access to the session that a message carried: a late response neither drops a session that began since, nor
+// restores an old one.
 MCPHTTPSessionIDReference referenceTo(const SharedState& state, const std::optional<std::string>& carried) {
     return {[carried] { return carried; },
             [state, carried](std::optional<std::string> sessionID) {
@@ -41,8 +41,8 @@ MCPHTTPSessionIDReference referenceTo(const SharedState& state, const std::optio
 
 } // namespace
 
-// What the requests that wait for the provider share with the transport. It does not hold the provider, which
-// holds them.
+// Shared by the transport and the requests that wait for the provider. It does not hold the provider, which
+// holds these requests.
 class MCPHTTPTransport::Link {
   public:
     Link(std::optional<MCPProtocolVersion> protocolVersion, URLSessionConfiguration sessionConfiguration)
@@ -65,10 +65,10 @@ class MCPHTTPTransport::Link {
         unauthorized_.modify([&](auto& handlers) { handlers.push_back(handler); });
     }
 
-    // Without effect where the call has ended while it waited.
+    // Without effect if the call has ended meanwhile.
     void startAuthorized(URLRequest request, const Handler& handler) {
         const auto task = session_.dataTask(std::move(request));
-        // Before it leaves the list, so that it is always in one place where cancelAll looks.
+        // Before it leaves the list, so that cancelAll always finds it in one of the two.
         sessionDelegate_->add(task, handler);
         if (stopsWaiting(handler)) {
             task->resume();
@@ -77,7 +77,7 @@ class MCPHTTPTransport::Link {
         }
     }
 
-    // Likewise.
+    // Without effect if the call has ended meanwhile.
     void failAuthorization(const Handler& handler, MCPError error) {
         if (stopsWaiting(handler)) {
             handler->complete(failure(std::move(error)));
@@ -104,8 +104,8 @@ class MCPHTTPTransport::Link {
     Protected<std::vector<Handler>> unauthorized_;
 };
 
-// A request that waits for the provider, whose callback it is. One that is let go of unanswered ends the
-// call.
+// A request that waits for the provider; it is the provider's callback. If it is destroyed without being
+// called, the call ends.
 class MCPHTTPTransport::WaitingRequest {
   public:
     WaitingRequest(std::shared_ptr<Link> link, URLRequest request, Handler handler)
@@ -116,7 +116,7 @@ class MCPHTTPTransport::WaitingRequest {
     ~WaitingRequest() {
         if (link_) {
             containingExceptions("The completion of a message",
-                                 [&] { link_->failAuthorization(handler_, noAnswer()); });
+                                 [&] { link_->failAuthorization(handler_, noResult()); });
         }
     }
 
@@ -131,7 +131,7 @@ class MCPHTTPTransport::WaitingRequest {
         link->startAuthorized(std::move(request_), handler_);
     }
 
-    static MCPError noAnswer() {
+    static MCPError noResult() {
         return MCPAuthorizationError{"The provider of credentials gave no answer."};
     }
 
@@ -162,7 +162,7 @@ void MCPHTTPTransport::perform(URLRequest request, const Handler& handler) {
         provider->authorizationHeaders(WaitingRequest(link, std::move(request), handler));
     });
     if (!returned) {
-        link->failAuthorization(handler, WaitingRequest::noAnswer());
+        link->failAuthorization(handler, WaitingRequest::noResult());
     }
 }
 

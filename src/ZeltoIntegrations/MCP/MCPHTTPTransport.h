@@ -15,17 +15,17 @@ namespace zelto {
 
 class MCPHTTPTaskHandler;
 
-// Streamable HTTP: every message is one POST to one endpoint, and the answer is JSON or an event stream, of
-// which only the awaited answer is taken. A message goes out with the version and the session identifier that
-// are held when it is sent; an identifier that is not visible ASCII is held, but never sent.
+// Streamable HTTP: every message is a POST to the same endpoint, and the response is JSON or an event stream,
+// of which only the expected response is used. A message carries the version and the session identifier at
+// the time of sending; an identifier that is not visible ASCII is kept but never sent.
 //
-// Completions come on the delegate queue, except where no request is made: a message without JSON and a
-// disconnect without a session complete before the call returns, a provider's failure where the provider
-// called back. Each call completes once; a provider that throws, or lets go of its callback, fails it with
-// MCPAuthorizationError. The server may let a call wait as long as something moves; nothing for 60 seconds,
-// and an answer past the configuration's limits or past memory, end it with a URLError.
+// Completions are called on the delegate queue, except where no request is made: a message without JSON and a
+// disconnect without a session complete before the call returns, and a provider's failure completes where the
+// provider called back. Each call completes once; a provider that throws, or destroys its callback, fails it
+// with MCPAuthorizationError. A call may take as long as data moves; 60 seconds without movement, and a
+// response beyond the configuration's limits or the available memory, end it with a URLError.
 //
-// When it is released, what is under way runs to its end.
+// When it is released, running calls continue to their ends.
 class MCPHTTPTransport final : public MCPTransport {
   public:
     MCPHTTPTransport(URL endpointURL, std::shared_ptr<MCPAuthorizationProvider> authorizationProvider,
@@ -40,7 +40,7 @@ class MCPHTTPTransport final : public MCPTransport {
     void send(MCPNotification notification, MCPCompletion<void> completion) override;
     void disconnect(MCPCompletion<void> completion) override;
 
-    // What waits for the provider ends on the calling thread, all else on the delegate queue.
+    // Calls that wait for the provider end on the calling thread, all others on the delegate queue.
     void cancelAll() override;
 
   private:

@@ -95,7 +95,7 @@ MCPHTTPURLSessionDelegate::handlerOf(const URLSessionDataTask& task) const {
 
 std::shared_ptr<MCPHTTPTaskHandler>
 MCPHTTPURLSessionDelegate::removeHandlerOf(const URLSessionDataTask& task) {
-    // The task is released outside of the lock.
+    // The task is released after the lock.
     auto node = handlersByTaskIdentifier_.modify(
         [&](auto& entries) { return entries.extract(task.taskIdentifier()); });
     return node ? std::move(node.mapped().handler) : nullptr;

@@ -13,14 +13,14 @@
 
 namespace zelto {
 
-// Hands what a session tells of its tasks to the handler of each. A handler leaves the map before it is
-// completed, so that nothing reaches it after that.
+// Passes the events of a session's tasks to the handler of each. A handler leaves the map before it is
+// completed, so it gets no event after that.
 class MCPHTTPURLSessionDelegate final : public URLSessionDataDelegate {
   public:
-    // Before the task is resumed.
+    // To be called before the task is resumed.
     void add(const std::shared_ptr<URLSessionDataTask>& task, std::shared_ptr<MCPHTTPTaskHandler> handler);
 
-    // Nothing reaches its handler any more.
+    // The task's handler gets no more events.
     void remove(const URLSessionDataTask& task);
 
     // Cancels every task that has a handler.
@@ -34,12 +34,12 @@ class MCPHTTPURLSessionDelegate final : public URLSessionDataDelegate {
   private:
     struct Entry {
         std::shared_ptr<MCPHTTPTaskHandler> handler;
-        std::shared_ptr<URLSessionDataTask> task; // to cancel it
+        std::shared_ptr<URLSessionDataTask> task; // for cancelling it
     };
 
     std::shared_ptr<MCPHTTPTaskHandler> handlerOf(const URLSessionDataTask& task) const;
     std::shared_ptr<MCPHTTPTaskHandler> removeHandlerOf(const URLSessionDataTask& task);
-    // Whether the task is to go on; else the handler is gone and has been completed.
+    // Whether the task goes on; otherwise the handler has been removed and completed.
     bool proceeds(const URLSessionDataTask& task, const MCPHTTPTaskEvent& event);
 
     Protected<std::unordered_map<std::int64_t, Entry>> handlersByTaskIdentifier_;

@@ -10,7 +10,7 @@
 
 namespace zelto {
 
-// Who speaks: a client or a server.
+// Name and version of a client or a server.
 struct MCPImplementationInfo {
     std::string name;
     std::string version;
@@ -30,7 +30,8 @@ struct MCPInitializeParams {
 
 ZELTO_JSON_CODED(MCPInitializeParams);
 
-// What a server says of itself when a session begins. Its version need not be the one that was offered.
+// A server's description of itself at the start of a session. Its version may differ from the one that was
+// offered.
 struct MCPInitializeResult {
     MCPProtocolVersion protocolVersion = latestMCPProtocolVersion;
     MCPCapabilities capabilities = {};

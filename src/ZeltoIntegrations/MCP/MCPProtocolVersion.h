@@ -8,8 +8,8 @@
 
 namespace zelto {
 
-// The published revisions of the Model Context Protocol that this client speaks, newest first. Coded as its
-// text ("2025-11-25"); another text fails to decode with MCPClientError's unsupportedProtocolVersion.
+// The published revisions of the Model Context Protocol that this client supports, newest first. Coded as
+// text ("2025-11-25"); any other text fails to decode with MCPClientError's unsupportedProtocolVersion.
 enum class MCPProtocolVersion { v2025_11_25, v2025_06_18, v2025_03_26, v2024_11_05 };
 ZELTO_ENUM(MCPProtocolVersion);
 ZELTO_JSON_CODED(MCPProtocolVersion);
@@ -17,7 +17,7 @@ ZELTO_JSON_CODED(MCPProtocolVersion);
 inline constexpr MCPProtocolVersion latestMCPProtocolVersion = MCPProtocolVersion::v2025_11_25;
 
 std::string_view rawValue(MCPProtocolVersion version);
-// Nothing for a text that is no known revision.
+// `nullopt` for a text that is not a supported revision.
 std::optional<MCPProtocolVersion> mcpProtocolVersion(std::string_view rawValue);
 
 } // namespace zelto

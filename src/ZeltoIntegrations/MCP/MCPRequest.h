@@ -9,7 +9,7 @@
 
 namespace zelto {
 
-// A call that expects an answer. Written with "jsonrpc" in front; never read.
+// A call that expects a response. Written with "jsonrpc" in front; never read.
 struct MCPRequest {
     MCPRequestID id;
     std::string method;
@@ -20,7 +20,7 @@ struct MCPRequest {
 
 ZELTO_JSON_CODED(MCPRequest);
 
-// A message that expects none. Written with "jsonrpc" in front; never read.
+// A message that expects no response. Written with "jsonrpc" in front; never read.
 struct MCPNotification {
     std::string method;
     std::optional<JSONValue> params;

@@ -10,8 +10,8 @@
 
 namespace zelto {
 
-// What ties an answer to its request: a text or a whole number, which differ even if they look alike. All
-// else in JSON fails to decode with MCPClientError's invalidJSONRPCIdentifier.
+// Connects a response to its request: a text or a whole number, which differ even if they look alike. Any
+// other JSON fails to decode with MCPClientError's invalidJSONRPCIdentifier.
 struct MCPRequestID {
     std::variant<std::string, std::int64_t> value;
 
@@ -24,7 +24,7 @@ struct MCPRequestID {
 
 ZELTO_JSON_CODED(MCPRequestID);
 
-// Of a message, the identifier alone; none where it is absent or null.
+// Only the identifier of a message; `nullopt` if it is absent or null.
 struct MCPRequestIDEnvelope {
     std::optional<MCPRequestID> id;
 

@@ -21,9 +21,9 @@ struct MCPResponseError {
 
 ZELTO_JSON_CODED(MCPResponseError);
 
-// A server's answer. Read, never written: a "jsonrpc" other than "2.0" fails with MCPClientError's
-// invalidJSONRPCVersion, before all else. It may hold neither or both of `result` and `error`; what that
-// means, MCPClient decides.
+// A server's response. Read, never written: a "jsonrpc" other than "2.0" fails with MCPClientError's
+// invalidJSONRPCVersion before everything else. It may have neither or both of `result` and `error`;
+// MCPClient decides what that means.
 struct MCPResponse {
     using Error = MCPResponseError;
 

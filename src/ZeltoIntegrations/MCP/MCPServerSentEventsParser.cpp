@@ -57,14 +57,14 @@ MCPServerSentEventsParser::Events MCPServerSentEventsParser::processBufferedLine
         pendingHasLines_ = false;
     }
     std::vector<MCPServerSentEvent> events;
-    std::size_t text = 0; // so many of the bytes are known to be UTF-8
+    std::size_t text = 0; // how many of the bytes are known to be UTF-8
     for (auto end = bytes.find('\n'); end != std::string_view::npos; end = bytes.find('\n')) {
         const auto line = bytes.substr(0, end);
         bool isText = false;
         if (hasPartialLine()) {
             isText = endPartialLine(line, events);
         } else {
-            // All bytes at once take less time than line by line.
+            // Checking all bytes at once is faster than line by line.
             text = text < end ? validUTF8Length(bytes) : text;
             isText = process(line, text >= end, events);
         }
@@ -89,7 +89,7 @@ void MCPServerSentEventsParser::keepPartialLine(std::string_view bytes) {
     }
     pendingBytes_ += bytes;
     const std::string_view line = pendingBytes_;
-    // Behind the colon and the blank nothing may stand that combines with them.
+    // After the colon and the blank there must be no character that combines with them.
     if (line.size() >= longLine && line.starts_with(dataField) && isASCII(line[dataField.size()]) &&
         isASCII(line[dataField.size() + 1])) {
         openLine(line.substr(dataField.size() + (line[dataField.size()] == ' ' ? 1 : 0)));
@@ -101,13 +101,13 @@ bool MCPServerSentEventsParser::hasPartialLine() const {
     return openLine_ || !pendingBytes_.empty();
 }
 
-bool MCPServerSentEventsParser::endPartialLine(std::string_view rest,
+bool MCPServerSentEventsParser::endPartialLine(std::string_view remaining,
                                                std::vector<MCPServerSentEvent>& events) {
     if (openLine_) {
-        appendToOpenLine(rest);
+        appendToOpenLine(remaining);
         return closeOpenLine();
     }
-    pendingBytes_ += rest;
+    pendingBytes_ += remaining;
     const bool isText = process(pendingBytes_, isValidUTF8(pendingBytes_), events);
     pendingBytes_.clear();
     return isText;
@@ -124,7 +124,7 @@ void MCPServerSentEventsParser::openLine(std::string_view value) {
     appendToOpenLine(value);
 }
 
-// Checks what comes while it is at hand; a character may lie across two pieces.
+// Validates the bytes while they are in the cache; a character may be split between two pieces.
 void MCPServerSentEventsParser::appendToOpenLine(std::string_view bytes) {
     reserveFor(bytes.size(), data_);
     data_ += bytes;
@@ -144,7 +144,7 @@ bool MCPServerSentEventsParser::closeOpenLine() {
     return true;
 }
 
-// False for a line that is not text.
+// False for a line that is not UTF-8.
 bool MCPServerSentEventsParser::process(std::string_view line, bool isText,
                                         std::vector<MCPServerSentEvent>& events) {
     if (line.ends_with('\r')) {

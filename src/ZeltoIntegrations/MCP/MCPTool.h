@@ -31,7 +31,7 @@ struct MCPToolListParams {
 
 ZELTO_JSON_CODED(MCPToolListParams);
 
-// One page of a server's tools; with a cursor more may follow.
+// One page of a server's tools; a cursor means that there may be more.
 struct MCPToolListResult {
     std::vector<MCPTool> tools;
     std::optional<std::string> nextCursor = {};
@@ -52,7 +52,7 @@ ZELTO_JSON_CODED(MCPToolCallParams);
 
 struct MCPToolCallResult {
     std::vector<MCPContentItem> content;
-    std::optional<bool> isError = {}; // absent where the server does not say
+    std::optional<bool> isError = {}; // absent if the server does not say
 
     bool operator==(const MCPToolCallResult&) const = default;
 };

@@ -10,9 +10,9 @@
 
 namespace zelto {
 
-// Carries messages to one server and holds what the session is: its identifier and the negotiated version.
-// Any thread. Each completion comes once: on a queue of the transport's own, or, where nothing is sent, on
-// the thread that finds that out, which may be before the call returns.
+// Carries messages to one server and holds the session: its identifier and the negotiated version. Any
+// thread. Each completion is called once: on a queue of the transport, or, if nothing is sent, on the thread
+// that finds that out, possibly before the call returns.
 class MCPTransport {
   public:
     virtual ~MCPTransport() = default;
@@ -21,7 +21,7 @@ class MCPTransport {
 
     virtual void setProtocolVersion(std::optional<MCPProtocolVersion> version) = 0;
 
-    // Forgets the session's identifier; the version stays.
+    // Drops the session's identifier; the version stays.
     virtual void clearSession() = 0;
 
     virtual void send(MCPRequest request, MCPCompletion<MCPResponse> completion) = 0;
@@ -30,7 +30,7 @@ class MCPTransport {
     // Tells the server that the session ends.
     virtual void disconnect(MCPCompletion<void> completion) = 0;
 
-    // Ends all that is under way with `cancelled`, where the transport can.
+    // Ends all running calls with `cancelled`, where the transport can.
     virtual void cancelAll() {}
 };
 

@@ -10,7 +10,7 @@ TEST(RandomBytes, FillLongerBuffersThanTheKernelGivesAtOnce) {
     for (const std::size_t count : {0, 1, 256, 257, 5000}) {
         EXPECT_EQ(randomBytes(count).size(), count);
     }
-    // Each of the last bytes is another than zero in one of many tries.
+    // In many tries, each of the last bytes is not zero at least once.
     std::set<char> seen;
     for (int i = 0; i < 64; ++i) {
         seen.insert(randomBytes(5000).back());

@@ -25,7 +25,7 @@ std::string sample(std::size_t size) {
     return text;
 }
 
-// Nothing after an error.
+// `nullopt` after an error.
 std::optional<std::string> readWhole(HTTPBody::Reader& reader, std::size_t bufferSize) {
     std::string whole;
     Data buffer(bufferSize);
@@ -46,7 +46,7 @@ std::string textOf(const HTTPBody& body) {
     return bytes ? std::string(viewOf(*bytes)) : "(error)";
 }
 
-// The kernel's high-water mark of resident memory; resetting it makes it the present size.
+// Resets the kernel's maximum of resident memory to the current size.
 void resetPeakMemory() {
     std::ofstream("/proc/self/clear_refs") << "5";
 }
@@ -244,7 +244,7 @@ TEST(HTTPBodyReader, AnyBufferSizeGivesTheSameBytes) {
 
 TEST(HTTPBodyReader, Base64IsRightAtAllAlignmentsAcrossBufferBoundaries) {
     const TemporaryFolder folder;
-    // Around the size that is encoded at once, with each remainder of 3.
+    // Around the size of a piece that is encoded at once, with each remainder of 3.
     for (const std::size_t size : {1, 2, 3, 4, 5, 12287, 12288, 12289, 12290, 40000}) {
         HTTPBody body;
         ASSERT_TRUE(body.appendFileAsBase64(folder.write("a", sample(size))));

@@ -16,8 +16,7 @@ namespace {
 
 constexpr std::string_view head = "HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\n";
 
-// Cancels a task when its server has come to the place where the script sets the event, and waits for
-// both ends.
+// Cancels a task when its server's script sets the event, and waits for the end of both.
 void expectCancelledAt(URLRequest request, const std::function<void(Conversation&, Event&)>& script) {
     Event isThere;
     Event serverIsDone;
@@ -68,7 +67,7 @@ TEST(URLSessionCancel, WithinAnEndlessBodyEndsTheConnection) {
         conversation.readHead();
         conversation.send("HTTP/1.1 200 OK\r\n\r\nhello");
         isThere.set();
-        // What is larger than a session takes would end by itself.
+        // A larger response than a session accepts would end by itself.
         const std::string piece(10'000, 'x');
         for (int sent = 0; sent < 10'000 && conversation.send(piece); ++sent) {
         }
@@ -93,13 +92,13 @@ TEST(URLSessionCancel, OfAStreamThatIsSilentEndsTheConnection) {
     });
 }
 
-TEST(URLSessionCancel, OfATaskThatWaitsForItsTurnSendsNothing) {
-    Event answers;
+TEST(URLSessionCancel, OfAWaitingTaskSendsNothing) {
+    Event responses;
     std::atomic<int> received = 0;
     ScriptedServer server([&](Conversation& conversation) {
         while (!conversation.readHead().empty()) {
             if (++received == 1) {
-                answers.wait();
+                responses.wait();
             }
             conversation.send("HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok");
         }
@@ -117,7 +116,7 @@ TEST(URLSessionCancel, OfATaskThatWaitsForItsTurnSendsNothing) {
         tasks[cancelled]->cancel();
         EXPECT_EQ(ends[cancelled].value().code(), URLErrorCode::cancelled);
     }
-    answers.set();
+    responses.set();
     for (const int finished : {0, 2, 4}) {
         EXPECT_EQ(ends[finished].value().text(), "ok");
     }
@@ -136,8 +135,8 @@ TEST(URLSessionCancel, AfterTheEndHasNoEffect) {
     task->resume();
 }
 
-// The rest of the answer comes when the task has been cancelled. Whether a later request goes over its
-// connection, rather than that the connection is closed.
+// The remaining response comes after the task was cancelled. Whether a later request uses the connection
+// again, rather than that the connection is closed.
 bool keepsConnection(std::string_view first, std::string_view rest) {
     Event isCancelled;
     std::atomic<bool> isClosed = false;
@@ -161,7 +160,7 @@ bool keepsConnection(std::string_view first, std::string_view rest) {
     session.dataTask(URLRequest(server.url()))->resume();
     EXPECT_EQ(delegate->eventsAfter(1).back(), "1 end cancelled");
     isCancelled.set();
-    // Until the rest has been read, requests take new connections.
+    // Until the remaining response has been read, requests take new connections.
     bool isKept = false;
     EXPECT_TRUE(eventually([&] {
         isKept = TaskEnd::of(session, URLRequest(server.url())).text() == "0";
@@ -170,7 +169,7 @@ bool keepsConnection(std::string_view first, std::string_view rest) {
     return isKept;
 }
 
-// The rest is waited for a second only, which a busy machine may let pass.
+// The remaining response is waited for during a second only, which a busy machine may exceed.
 bool keepsConnectionInTime(std::string_view first, std::string_view rest) {
     for (int attempt = 0; attempt < 5; ++attempt) {
         if (keepsConnection(first, rest)) {
@@ -189,7 +188,7 @@ TEST(URLSessionCancel, WhenOnlyTheLastChunkIsLeftKeepsTheConnection) {
                                       "0\r\n\r\n"));
 }
 
-TEST(URLSessionCancel, AtAnyMomentTellsEachTaskItsEndOnce) {
+TEST(URLSessionCancel, AtAnyMomentEndsEachTaskOnce) {
     TestHTTPServer server([](const ReceivedRequest& request) {
         return PlayedResponse{.body = std::string(request.target.size() * 1000, 'x')};
     });

@@ -17,7 +17,7 @@ namespace {
 
 using Events = std::vector<std::string>;
 
-// Takes as long as a request to a server that says nothing.
+// Takes as long as a request to a server that does not respond.
 void waitOneTimeout(TimeInterval timeout) {
     ScriptedServer silent([](Conversation& conversation) { conversation.waitForEnd(); });
     URLSession session(URLSessionConfiguration::ephemeral());
@@ -58,7 +58,7 @@ TEST(URLSessionDelegate, HearsOfManyTasksOneCallAtATimeAndOfEachInOrder) {
     }
 }
 
-TEST(URLSessionDelegate, IsNotToldOfTasksWithACompletion) {
+TEST(URLSessionDelegate, GetsNoEventsOfTasksWithACompletion) {
     TestHTTPServer server({{.body = "ok"}});
     const auto delegate = std::make_shared<RecordingDelegate>();
     URLSession session(URLSessionConfiguration::ephemeral(), delegate);
@@ -71,7 +71,7 @@ TEST(URLSessionDelegate, GetsTheTaskThatWasMade) {
     const auto delegate = std::make_shared<RecordingDelegate>();
     URLSession session(URLSessionConfiguration::ephemeral(), delegate);
     const auto task = session.dataTask(URLRequest(server.url()));
-    delegate->onEnd = [&](URLSessionDataTask& told) { EXPECT_EQ(&told, task.get()); };
+    delegate->onEnd = [&](URLSessionDataTask& ended) { EXPECT_EQ(&ended, task.get()); };
     task->resume();
     EXPECT_EQ(delegate->eventsAfter(1).size(), 3u);
 }
@@ -145,7 +145,7 @@ TEST(URLSessionDelegate, HearsWhatCameBeforeTheConnectionWasLost) {
     EXPECT_EQ(delegate->eventsAfter(1), (Events{"1 response 200", "1 data hello", "1 end connectionLost"}));
 }
 
-TEST(URLSessionDelegate, ThatIsSlowHoldsAnEndlessAnswerBack) {
+TEST(URLSessionDelegate, ThatIsSlowHoldsAnEndlessResponseBack) {
     std::atomic<std::uint64_t> sent = 0;
     ScriptedServer server([&](Conversation& conversation) {
         conversation.readHead();
@@ -157,24 +157,24 @@ TEST(URLSessionDelegate, ThatIsSlowHoldsAnEndlessAnswerBack) {
     });
     const auto delegate = std::make_shared<RecordingDelegate>();
     delegate->keepsData = false;
-    std::uint64_t told = 0;
+    std::uint64_t received = 0;
     Event isHeld;
     Event goOn;
     bool isFirst = true;
     delegate->onData = [&](URLSessionDataTask& task, std::span<const std::uint8_t> data) {
-        told += data.size();
+        received += data.size();
         EXPECT_LE(data.size(), 512u * 1024);
         if (std::exchange(isFirst, false)) {
             isHeld.set();
             goOn.wait();
-        } else if (told > 50'000'000) {
+        } else if (received > 50'000'000) {
             task.cancel();
         }
     };
     URLSession session(URLSessionConfiguration::ephemeral(), delegate);
     session.dataTask(URLRequest(server.url()))->resume();
     isHeld.wait();
-    // The server comes to a stop when all buffers on the way are full.
+    // The server blocks when all buffers on the way are full.
     std::uint64_t before = 0;
     do {
         before = sent;
@@ -183,10 +183,10 @@ TEST(URLSessionDelegate, ThatIsSlowHoldsAnEndlessAnswerBack) {
     } while (before != sent);
     goOn.set();
     EXPECT_EQ(delegate->eventsAfter(1), (Events{"1 response 200", "1 data ", "1 end cancelled"}));
-    EXPECT_GT(told, 50'000'000u);
+    EXPECT_GT(received, 50'000'000u);
 }
 
-TEST(URLSessionDelegate, ThatIsSlowGetsEveryByteOfALargeAnswer) {
+TEST(URLSessionDelegate, ThatIsSlowGetsEveryByteOfALargeResponse) {
     std::string text;
     while (text.size() < 8'000'000) {
         text += std::to_string(text.size()) + ",";
@@ -242,9 +242,9 @@ TEST(URLSessionDelegate, ThatThrowsHearsOfTheEndAllTheSame) {
 
 TEST(URLSessionDelegate, IsHeldUntilTheLastTaskOfAReleasedOrInvalidatedSessionHasEnded) {
     for (const bool releases : {false, true}) {
-        Event answers;
+        Event responses;
         TestHTTPServer server([&](const ReceivedRequest&) {
-            answers.wait();
+            responses.wait();
             return PlayedResponse{.body = "ok"};
         });
         auto delegate = std::make_shared<RecordingDelegate>();
@@ -260,7 +260,7 @@ TEST(URLSessionDelegate, IsHeldUntilTheLastTaskOfAReleasedOrInvalidatedSessionHa
             session->finishTasksAndInvalidate();
         }
         EXPECT_FALSE(watched.expired());
-        answers.set();
+        responses.set();
         ended.wait();
         EXPECT_TRUE(isGone(watched));
     }

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-// Answers that are compressed, and the size that counts.
+// Compressed responses, and the size that is limited.
 
 namespace zelto {
 namespace {
@@ -45,7 +45,7 @@ std::string gzip(std::string_view text) {
            littleEndian(static_cast<std::uint32_t>(text.size()), 4);
 }
 
-// RFC 1951: one "x", and then again and again the 258 bytes before, 13 bits each. Never ends.
+// RFC 1951: one "x", then repeatedly the previous 258 bytes, 13 bits each. Never ends.
 std::string bomb(std::size_t size) {
     std::string packed = gzipHead;
     std::uint32_t bits = 0;
@@ -69,7 +69,7 @@ PlayedResponse encoded(std::string body, const std::string& encodings) {
     return {.body = std::move(body), .fields = {{"Content-Encoding", encodings}}};
 }
 
-TEST(URLSessionEncoding, CompressedAnswersComeUnpacked) {
+TEST(URLSessionEncoding, CompressedResponsesComeUnpacked) {
     const std::string text = "some text that is packed " + std::string(100'000, 'y');
     TestHTTPServer server({encoded(gzip(text), "gzip"), encoded(gzip(gzip(text)), "gzip, gzip"),
                            encoded(gzip(""), "gzip"), encoded(text, "identity")});
@@ -80,11 +80,11 @@ TEST(URLSessionEncoding, CompressedAnswersComeUnpacked) {
     EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).text(), text);
 }
 
-TEST(URLSessionEncoding, AnAnswerThatUnpacksWithoutEndIsCutAtTheLimit) {
+TEST(URLSessionEncoding, AResponseThatUnpacksWithoutEndIsCutAtTheLimit) {
     const auto packed = bomb(1'000'000); // 158 MB
     TestHTTPServer server({encoded(packed, "gzip"), encoded(gzip(packed), "gzip, gzip")});
     auto configuration = URLSessionConfiguration::ephemeral();
-    configuration.largestAnswer = 50'000'000;
+    configuration.maximumResponseSize = 50'000'000;
     URLSession session(configuration);
     for (int round = 0; round < 2; ++round) {
         const auto end = TaskEnd::of(session, URLRequest(server.url()));
@@ -94,7 +94,7 @@ TEST(URLSessionEncoding, AnAnswerThatUnpacksWithoutEndIsCutAtTheLimit) {
     }
 }
 
-TEST(URLSessionEncoding, AnAnswerOfTooManyLayersIsBroken) {
+TEST(URLSessionEncoding, AResponseOfTooManyLayersIsBroken) {
     std::string body = "text";
     std::string names;
     for (int layer = 0; layer < 20; ++layer) {
@@ -103,16 +103,16 @@ TEST(URLSessionEncoding, AnAnswerOfTooManyLayersIsBroken) {
     }
     TestHTTPServer server({encoded(body, names)});
     URLSession session(URLSessionConfiguration::ephemeral());
-    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::badAnswer);
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::badResponse);
 }
 
-TEST(URLSessionEncoding, ADamagedAnswerIsBroken) {
+TEST(URLSessionEncoding, ADamagedResponseIsBroken) {
     auto damaged = gzip("some text");
     damaged[damaged.size() - 6] ^= 1; // in the checksum
     TestHTTPServer server({encoded(damaged, "gzip"), encoded("some text", "gzip")});
     URLSession session(URLSessionConfiguration::ephemeral());
-    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::badAnswer);
-    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::badAnswer);
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::badResponse);
+    EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::badResponse);
 }
 
 } // namespace

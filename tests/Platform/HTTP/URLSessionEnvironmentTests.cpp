@@ -35,7 +35,7 @@ class Variable {
     const char* const name_;
 };
 
-// A proxy that notes what it is asked for and refuses it.
+// A proxy that records requests and refuses them.
 class RefusingProxy {
   public:
     std::string address() const { return "http://127.0.0.1:" + std::to_string(server_.port()); }
@@ -67,7 +67,7 @@ URLRequest requestWithSecrets() {
 
 const std::string connectHead = "CONNECT service.example:443 HTTP/1.1\r\nHost: service.example:443\r\n";
 
-// What a refused request says, and that its proxy learns nothing but the host.
+// Expects an error, and that the proxy saw only the host.
 void expectRefusedBy(const RefusingProxy& proxy, const URLSessionConfiguration& configuration) {
     const auto before = proxy.heads().size();
     URLSession session(configuration);
@@ -134,7 +134,7 @@ TEST(URLSessionEnvironment, CredentialsOfANetrcFileAreNotRead) {
     EXPECT_EQ(server.requests().at(0).headers.value("Authorization"), std::nullopt);
 }
 
-// These run in a program of their own, since libcurl looks at the variable when it is set up.
+// These run in a program of their own, since libcurl reads the variable when it is set up.
 class URLSessionProcessDeathTest : public testing::Test {
   protected:
     void SetUp() override { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
@@ -209,9 +209,9 @@ TEST_F(URLSessionProcessDeathTest, WhoeverWaitsForARequestWhileTheProcessEndsIsN
     EXPECT_EXIT(leaves(), testing::ExitedWithCode(0), "");
 }
 
-// The sanitizers take more address space than any limit leaves.
+// The sanitizers reserve more address space than a useful limit allows.
 #if !defined(ZELTO_ADDRESS_SANITIZER) && !defined(ZELTO_THREAD_SANITIZER)
-TEST_F(URLSessionProcessDeathTest, AnAnswerThatMemoryDoesNotHoldIsAnError) {
+TEST_F(URLSessionProcessDeathTest, AResponseThatMemoryDoesNotHoldIsAnError) {
     const auto runsOut = [] {
         ScriptedServer server([](Conversation& conversation) {
             if (conversation.readHead().starts_with("GET /small")) {
@@ -240,8 +240,8 @@ TEST_F(URLSessionProcessDeathTest, AnAnswerThatMemoryDoesNotHoldIsAnError) {
 }
 #endif
 
-// Not with the address sanitizer: a lock of its own that another thread holds at the fork stays held in the
-// child for ever.
+// Not with the address sanitizer: one of its locks that another thread holds at the fork stays locked in the
+// child.
 #ifndef ZELTO_ADDRESS_SANITIZER
 TEST_F(URLSessionProcessDeathTest, AForkedProcessEndsAtOnce) {
     const auto forks = [] {
@@ -257,7 +257,7 @@ TEST_F(URLSessionProcessDeathTest, AForkedProcessEndsAtOnce) {
         }
         int status = 0;
         ::waitpid(child, &status, 0);
-        // The parent goes on.
+        // The parent continues.
         const bool isWell =
             WIFEXITED(status) && TaskEnd::of(session, URLRequest(server.url())).text() == "ok";
         std::_Exit(isWell ? 0 : 1);

@@ -10,15 +10,15 @@
 
 #include <atomic>
 
-// Servers that lie, break off or never end.
+// Servers that violate the protocol, break off or never end.
 
 namespace zelto {
 namespace {
 
 using namespace std::string_literals;
 
-TaskEnd endAfter(const std::string& answer, const std::string& method = "GET") {
-    ScriptedServer server(answer);
+TaskEnd endAfter(const std::string& response, const std::string& method = "GET") {
+    ScriptedServer server(response);
     URLSession session(URLSessionConfiguration::ephemeral());
     return TaskEnd::of(session, URLRequest(server.url("/path?key=secret"), method));
 }
@@ -28,9 +28,9 @@ std::string describe(const TaskEnd& end) {
                      : "whole: " + end.text();
 }
 
-TEST(URLSessionFault, ABrokenAnswerEndsWithOneErrorThatTellsNoQuery) {
+TEST(URLSessionFault, ABrokenResponseEndsWithOneErrorWithoutTheQuery) {
     const std::string ok = "HTTP/1.1 200 OK\r\n";
-    const std::vector<std::pair<std::string, URLErrorCode>> answers = {
+    const std::vector<std::pair<std::string, URLErrorCode>> responses = {
         {"", URLErrorCode::connectionLost},
         {"HTTP/1.1 200", URLErrorCode::connectionLost},
         {ok, URLErrorCode::connectionLost},
@@ -40,33 +40,33 @@ TEST(URLSessionFault, ABrokenAnswerEndsWithOneErrorThatTellsNoQuery) {
         {ok + "Transfer-Encoding: chunked\r\n\r\n5\r\nhel", URLErrorCode::connectionLost},
         {ok + "Transfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n", URLErrorCode::connectionLost},
         {ok + "Transfer-Encoding: chunked\r\n\r\n5\r\nhello\r\n0\r\n", URLErrorCode::connectionLost},
-        {ok + "Transfer-Encoding: chunked\r\n\r\nxyz\r\nhello\r\n0\r\n\r\n", URLErrorCode::badAnswer},
-        {ok + "Transfer-Encoding: chunked\r\n\r\n-5\r\nhello\r\n0\r\n\r\n", URLErrorCode::badAnswer},
-        {ok + "Transfer-Encoding: chunked\r\n\r\n5\r\nhelloX\r\n0\r\n\r\n", URLErrorCode::badAnswer},
-        {ok + "Transfer-Encoding: chunked\r\n\r\n11111111111111111\r\nhello", URLErrorCode::badAnswer},
-        {ok + "Content-Encoding: gzip\r\nContent-Length: 5\r\n\r\nhello", URLErrorCode::badAnswer},
+        {ok + "Transfer-Encoding: chunked\r\n\r\nxyz\r\nhello\r\n0\r\n\r\n", URLErrorCode::badResponse},
+        {ok + "Transfer-Encoding: chunked\r\n\r\n-5\r\nhello\r\n0\r\n\r\n", URLErrorCode::badResponse},
+        {ok + "Transfer-Encoding: chunked\r\n\r\n5\r\nhelloX\r\n0\r\n\r\n", URLErrorCode::badResponse},
+        {ok + "Transfer-Encoding: chunked\r\n\r\n11111111111111111\r\nhello", URLErrorCode::badResponse},
+        {ok + "Content-Encoding: gzip\r\nContent-Length: 5\r\n\r\nhello", URLErrorCode::badResponse},
         {ok + "Content-Encoding: br\r\nContent-Length: 5\r\n\r\n\xff\xff\xff\xff\xff",
-         URLErrorCode::badAnswer},
-        {ok + "Content-Encoding: secret\r\nContent-Length: 5\r\n\r\nhello", URLErrorCode::badAnswer},
-        {ok + "Content-Length: -5\r\n\r\nhello", URLErrorCode::badAnswer},
-        {ok + "Content-Length: secret\r\n\r\nhello", URLErrorCode::badAnswer},
-        {ok + "no colon secret\r\nContent-Length: 5\r\n\r\nhello", URLErrorCode::badAnswer},
-        {ok + "A: b\0c\r\nContent-Length: 5\r\n\r\nhello"s, URLErrorCode::badAnswer},
-        {"secret\r\n\r\n", URLErrorCode::badAnswer},
-        {"HTTP/1.1 secret\r\n\r\n", URLErrorCode::badAnswer},
-        {"HTTP/9.9 200 OK\r\nContent-Length: 5\r\n\r\nhello", URLErrorCode::badAnswer},
-        {"SSH-2.0-secret\r\n", URLErrorCode::badAnswer},
-        {"\x16\x03\x01\x02\x00\x01"s, URLErrorCode::badAnswer},
+         URLErrorCode::badResponse},
+        {ok + "Content-Encoding: secret\r\nContent-Length: 5\r\n\r\nhello", URLErrorCode::badResponse},
+        {ok + "Content-Length: -5\r\n\r\nhello", URLErrorCode::badResponse},
+        {ok + "Content-Length: secret\r\n\r\nhello", URLErrorCode::badResponse},
+        {ok + "no colon secret\r\nContent-Length: 5\r\n\r\nhello", URLErrorCode::badResponse},
+        {ok + "A: b\0c\r\nContent-Length: 5\r\n\r\nhello"s, URLErrorCode::badResponse},
+        {"secret\r\n\r\n", URLErrorCode::badResponse},
+        {"HTTP/1.1 secret\r\n\r\n", URLErrorCode::badResponse},
+        {"HTTP/9.9 200 OK\r\nContent-Length: 5\r\n\r\nhello", URLErrorCode::badResponse},
+        {"SSH-2.0-secret\r\n", URLErrorCode::badResponse},
+        {"\x16\x03\x01\x02\x00\x01"s, URLErrorCode::badResponse},
     };
-    for (const auto& [answer, code] : answers) {
-        const auto end = endAfter(answer);
-        EXPECT_EQ(end.code(), code) << answer << "\n" << describe(end);
+    for (const auto& [response, code] : responses) {
+        const auto end = endAfter(response);
+        EXPECT_EQ(end.code(), code) << response << "\n" << describe(end);
         EXPECT_FALSE(describe(end).contains("secret")) << describe(end);
         EXPECT_TRUE(!end.error || end.error->message.contains("127.0.0.1")) << describe(end);
     }
 }
 
-TEST(URLSessionFault, AnOddAnswerIsReadAsFarAsItIsOne) {
+TEST(URLSessionFault, AnOddResponseIsReadAsFarAsItIsOne) {
     const std::string ok = "HTTP/1.1 200 OK\r\n";
     const std::string rest = "Content-Length: 5\r\n\r\nhello";
     const std::string continues = "HTTP/1.1 100 Continue\r\n\r\n";
@@ -74,14 +74,14 @@ TEST(URLSessionFault, AnOddAnswerIsReadAsFarAsItIsOne) {
     for (int count = 0; count < 100; ++count) {
         hundred += continues;
     }
-    for (const auto& answer : std::vector<std::string>{
+    for (const auto& response : std::vector<std::string>{
              ok + rest, ok + rest + "and more", ok + "\r\nhello", "HTTP/1.0 200 OK\r\n\r\nhello",
              hundred + ok + rest, "HTTP/1.1 103 Early Hints\r\nLink: </a>\r\n\r\n" + ok + rest,
              "HTTP/1.1 200\r\n" + rest, "HTTP/1.1 200 \xC3\xA4\r\n" + rest,
              ok + "Content-Encoding: identity\r\n" + rest, ok + "A: \xE4\r\n" + rest,
              ok + "Transfer-Encoding: chunked\r\n\r\n2\r\nhe\r\n3;x=y\r\nllo\r\n0\r\nTrailer: t\r\n\r\n"}) {
-        const auto end = endAfter(answer);
-        EXPECT_EQ(describe(end), "whole: hello") << answer;
+        const auto end = endAfter(response);
+        EXPECT_EQ(describe(end), "whole: hello") << response;
         EXPECT_EQ(end.status(), 200);
     }
     EXPECT_EQ(endAfter("HTTP/1.1 599 Odd\r\n" + rest).status(), 599);
@@ -114,10 +114,10 @@ TEST(URLSessionFault, CookiesAreNotKept) {
     }
 }
 
-TEST(URLSessionFault, AnAnswerWithoutEndIsCutAtTheLimit) {
+TEST(URLSessionFault, AResponseWithoutEndIsCutAtTheLimit) {
     auto configuration = URLSessionConfiguration::ephemeral();
-    configuration.largestAnswer = 1'000'000;
-    configuration.largestHeader = 10'000;
+    configuration.maximumResponseSize = 1'000'000;
+    configuration.maximumHeaderSize = 10'000;
     URLSession session(configuration);
     const std::string ok = "HTTP/1.1 200 OK\r\n";
     const std::vector<std::pair<std::string, std::string>> endless = {
@@ -150,16 +150,16 @@ TEST(URLSessionFault, AnAnswerWithoutEndIsCutAtTheLimit) {
     }
 }
 
-TEST(URLSessionFault, AnAnswerOfExactlyTheLimitIsWhole) {
+TEST(URLSessionFault, AResponseOfExactlyTheLimitIsWhole) {
     auto configuration = URLSessionConfiguration::ephemeral();
-    configuration.largestAnswer = 100'000;
+    configuration.maximumResponseSize = 100'000;
     URLSession session(configuration);
     TestHTTPServer server({{.body = std::string(100'000, 'x')}, {.body = std::string(100'001, 'x')}});
     EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).text().size(), 100'000u);
     EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::responseTooLarge);
 }
 
-TEST(URLSessionFault, AnAnswerThatComesBeforeTheWholeUploadIsTheAnswer) {
+TEST(URLSessionFault, AResponseThatComesBeforeTheWholeUploadIsTheFinalOne) {
     for (const auto* status : {"413 Too Large", "401 Unauthorized", "500 Error"}) {
         ScriptedServer server([&](Conversation& conversation) {
             conversation.readHead();
@@ -215,7 +215,7 @@ TEST(URLSessionFault, AnExchangeThatIsResetAtAnyByteEndsWithOneError) {
     }
 }
 
-TEST(URLSessionFault, NobodyThereIsToldAsSuch) {
+TEST(URLSessionFault, AMissingServerIsReportedAsSuch) {
     std::uint16_t port = 0;
     {
         const LoopbackListener listener;
@@ -228,7 +228,7 @@ TEST(URLSessionFault, NobodyThereIsToldAsSuch) {
                              "connect to server).");
 }
 
-TEST(URLSessionFault, ANameWithoutAnAddressIsToldAsSuch) {
+TEST(URLSessionFault, ANameWithoutAnAddressIsReportedAsSuch) {
     URLSession session(URLSessionConfiguration::ephemeral());
     const auto end = TaskEnd::of(session, URLRequest(*URL::parse("https://name.invalid/?key=secret")));
     EXPECT_EQ(end.code(), URLErrorCode::cannotFindHost) << describe(end);

@@ -11,7 +11,7 @@
 namespace zelto {
 namespace {
 
-// A proxy counts the connections to the server, and ends the first of them where a test says so.
+// A proxy counts the connections to the server, and ends the first one where a test says so.
 class URLSessionHTTP2 : public testing::Test {
   protected:
     explicit URLSessionHTTP2(std::uint64_t mostToClient = UINT64_MAX)
@@ -73,7 +73,7 @@ TEST_F(URLSessionHTTP2, ABodyBeyondEveryWindowGoesUpAndComesBack) {
 }
 
 TEST_F(URLSessionHTTP2, CancellingOneRequestLeavesTheOthersAndTheConnection) {
-    // Too large to have come before it is cancelled.
+    // Too large to arrive completely before it is cancelled.
     std::filesystem::resize_file(files.write("huge", ""), std::uintmax_t{200} << 20);
     URLSession session(configuration());
     Completed<TaskEnd> cancelled;

@@ -21,17 +21,17 @@ std::size_t entriesOf(const char* folder) {
     return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
-// Raises the most that was ever seen.
-void noteMost(std::atomic<int>& most, int value) {
-    for (int before = most; before < value && !most.compare_exchange_weak(before, value);) {
+// Raises the maximum to the value.
+void raiseTo(std::atomic<int>& maximum, int value) {
+    for (int before = maximum; before < value && !maximum.compare_exchange_weak(before, value);) {
     }
 }
 
-TEST(URLSessionLoad, AThousandRequestsAtOnceEndEachWithItsOwnAnswer) {
+TEST(URLSessionLoad, AThousandRequestsAtOnceEndEachWithItsOwnResponse) {
     std::atomic<int> atOnce = 0;
-    std::atomic<int> most = 0;
+    std::atomic<int> maximum = 0;
     TestHTTPServer server([&](const ReceivedRequest& request) {
-        noteMost(most, ++atOnce);
+        raiseTo(maximum, ++atOnce);
         std::this_thread::yield();
         --atOnce;
         return PlayedResponse{.body = request.target + request.body};
@@ -48,7 +48,7 @@ TEST(URLSessionLoad, AThousandRequestsAtOnceEndEachWithItsOwnAnswer) {
         const auto text = std::to_string(number);
         EXPECT_EQ(ends[number].value().text(), "/" + text + "?" + text);
     }
-    EXPECT_LE(most, 64);
+    EXPECT_LE(maximum, 64);
     EXPECT_LE(server.connectionCount(), 64);
     EXPECT_EQ(server.requests().size(), 1000u);
 }
@@ -56,9 +56,9 @@ TEST(URLSessionLoad, AThousandRequestsAtOnceEndEachWithItsOwnAnswer) {
 TEST(URLSessionLoad, NoMoreAreUnderWayThanTheConfigurationSaysAndTheOrderIsKept) {
     for (const int limit : {1, 3}) {
         std::atomic<int> atOnce = 0;
-        std::atomic<int> most = 0;
+        std::atomic<int> maximum = 0;
         TestHTTPServer server([&](const ReceivedRequest&) {
-            noteMost(most, ++atOnce);
+            raiseTo(maximum, ++atOnce);
             std::this_thread::yield();
             --atOnce;
             return PlayedResponse{};
@@ -79,7 +79,7 @@ TEST(URLSessionLoad, NoMoreAreUnderWayThanTheConfigurationSaysAndTheOrderIsKept)
         for (const auto& request : server.requests()) {
             received.push_back(request.target);
         }
-        EXPECT_LE(most, limit);
+        EXPECT_LE(maximum, limit);
         EXPECT_LE(server.connectionCount(), limit);
         EXPECT_TRUE(limit > 1 || received == targets);
     }
@@ -87,10 +87,10 @@ TEST(URLSessionLoad, NoMoreAreUnderWayThanTheConfigurationSaysAndTheOrderIsKept)
 
 TEST(URLSessionLoad, ManySessionsAtOnceShareTheThreadAndTheBoundOfTheProcess) {
     std::atomic<int> atOnce = 0;
-    std::atomic<int> most = 0;
+    std::atomic<int> maximum = 0;
     Event goOn;
     TestHTTPServer server([&](const ReceivedRequest& request) {
-        noteMost(most, ++atOnce);
+        raiseTo(maximum, ++atOnce);
         if (request.target == "/wait") {
             goOn.wait();
         }
@@ -108,10 +108,10 @@ TEST(URLSessionLoad, ManySessionsAtOnceShareTheThreadAndTheBoundOfTheProcess) {
     for (auto& end : ends) {
         EXPECT_EQ(end.value().text(), "ok");
     }
-    EXPECT_EQ(most, 256);
+    EXPECT_EQ(maximum, 256);
 }
 
-// Cancelled ones keep their places until the rest of their answers has been read or given up.
+// Cancelled transfers keep their places until the remaining response has been read or given up.
 TEST(URLSessionLoad, OneThatWaitsForAPlaceGetsThatOfACancelledOne) {
     Event goOn;
     ScriptedServer server([&](Conversation& conversation) {
@@ -179,9 +179,9 @@ TEST(URLSessionLoad, NothingIsLeftOfThousandsOfRequestsHoweverTheyEnd) {
     const auto descriptors = entriesOf("/proc/self/fd");
     const auto threads = entriesOf("/proc/self/task");
     run(3000);
-    // As many connections as were used at once may rest, of this run's server and of the one before.
+    // As many idle connections may remain as were used at once, of this run's server and of the previous one.
     EXPECT_TRUE(eventually([&] { return entriesOf("/proc/self/fd") <= descriptors + 8; }));
-    // The pool may have met a busy moment and grown; a leak would be a thread a request.
+    // The pool may have grown in a busy moment; a leak would be one thread per request.
     EXPECT_TRUE(eventually([&] { return entriesOf("/proc/self/task") <= threads + 4; }));
 }
 

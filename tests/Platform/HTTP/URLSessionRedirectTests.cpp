@@ -57,7 +57,7 @@ TEST(URLSessionRedirect, ToTheSameOriginIsFollowedByMethodAndStatus) {
     }
 }
 
-TEST(URLSessionRedirect, ToAnotherOriginIsTheAnswerAndNothingGoesThere) {
+TEST(URLSessionRedirect, ToAnotherOriginIsTheFinalResponseAndNothingGoesThere) {
     TestHTTPServer other([](const ReceivedRequest&) { return PlayedResponse{.body = "stolen"}; });
     for (const auto& method : methods) {
         for (const int status : statuses) {
@@ -102,7 +102,7 @@ TEST(URLSessionRedirect, ToAnotherOriginIsTheAnswerAndNothingGoesThere) {
     EXPECT_EQ(other.connectionCount(), 0);
 }
 
-TEST(URLSessionRedirect, FiveAreFollowedAndTheSixthIsTheAnswer) {
+TEST(URLSessionRedirect, FiveAreFollowedAndTheSixthIsTheFinalResponse) {
     std::atomic<int> count = 0;
     TestHTTPServer server([&](const ReceivedRequest& request) {
         const int number = ++count;
@@ -117,7 +117,7 @@ TEST(URLSessionRedirect, FiveAreFollowedAndTheSixthIsTheAnswer) {
     EXPECT_EQ(count, 6);
 }
 
-TEST(URLSessionRedirect, WithoutALocationIsTheAnswer) {
+TEST(URLSessionRedirect, WithoutALocationIsTheFinalResponse) {
     TestHTTPServer server({{.status = 302, .body = "whereto"}});
     URLSession session(URLSessionConfiguration::ephemeral());
     const auto end = TaskEnd::of(session, URLRequest(server.url()));

@@ -6,12 +6,12 @@
 
 #include <gtest/gtest.h>
 
-// What a session does not send.
+// Requests that a session does not send.
 
 namespace zelto {
 namespace {
 
-// The code and the message of a request that never goes out.
+// The code and the message of a request that is not sent.
 std::string refusalOf(URLRequest request,
                       URLSessionConfiguration configuration = URLSessionConfiguration::ephemeral()) {
     URLSession session(std::move(configuration));
@@ -162,7 +162,7 @@ TEST(URLSession, ARequestGoesOutAsItIsToTheLastByte) {
                         "Accept: application/json\r\nUser-Agent: ZeltoIntegrations\r\n\r\n");
 }
 
-// The head of a request whose "Accept-Encoding" is this, or which has none.
+// The head of a request with this "Accept-Encoding", or without one.
 std::string sentHead(const std::optional<std::string>& acceptedEncodings) {
     std::string head;
     ScriptedServer server([&](Conversation& conversation) {
@@ -181,7 +181,7 @@ std::string sentHead(const std::optional<std::string>& acceptedEncodings) {
     return head.substr(head.find(host) + host.size());
 }
 
-TEST(URLSession, TellsOnceWhichEncodingsItTakesRightBehindTheHost) {
+TEST(URLSession, SendsTheAcceptedEncodingsOnceRightAfterTheHost) {
     const std::string rest = "X-Own: 1\r\nUser-Agent: ZeltoIntegrations\r\n\r\n";
     const auto standard = sentHead(std::nullopt);
     EXPECT_TRUE(standard.starts_with("Accept-Encoding: deflate, gzip")) << standard;
@@ -191,7 +191,7 @@ TEST(URLSession, TellsOnceWhichEncodingsItTakesRightBehindTheHost) {
     EXPECT_EQ(sentHead(" "), "Accept-Encoding:\r\n" + rest);
 }
 
-TEST(URLSession, TellsWhatTheTransportAddsToARequest) {
+TEST(URLSession, ShowsWhatTheTransportAddsToARequest) {
     TestHTTPServer server({{.body = "ok"}, {.body = "ok"}});
     URLSession session(URLSessionConfiguration::ephemeral());
     URLRequest request(server.url());

@@ -20,7 +20,7 @@ std::counting_semaphore<> lookUps(0);
 
 } // namespace
 
-// Takes the place of the system's for the whole test program: one name is found only when a test says so.
+// Replaces the system's function in the whole test program: one name is only found when a test says so.
 extern "C" int getaddrinfo(const char* node, const char* service, const addrinfo* hints, addrinfo** result) {
     static const auto system = reinterpret_cast<decltype(&getaddrinfo)>(::dlsym(RTLD_NEXT, "getaddrinfo"));
     if (node && std::strcmp(node, "slow.invalid") == 0) {
@@ -53,9 +53,9 @@ TEST(URLSessionResolver, ANameThatIsLookedUpHoldsNobodyUp) {
     task->cancel();
     EXPECT_EQ(cancelled.value().code(), URLErrorCode::cancelled);
     EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).text(), "ok");
-    URLRequest impatient(slow);
-    impatient.timeout = TimeInterval(0.2);
-    EXPECT_EQ(TaskEnd::of(session, impatient).code(), URLErrorCode::timedOut);
+    URLRequest request(slow);
+    request.timeout = TimeInterval(0.2);
+    EXPECT_EQ(TaskEnd::of(session, request).code(), URLErrorCode::timedOut);
     EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).text(), "ok");
     session.dataTask(URLRequest(slow), TaskEnd::into(notFound))->resume();
     ASSERT_TRUE(areLookedUp(3));

@@ -19,7 +19,7 @@
 namespace zelto {
 namespace {
 
-constexpr auto shortAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
+constexpr auto shortResponse = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
 
 TEST(URLSessionReuse, OneConnectionServesRequestAfterRequestOfAllSessions) {
     TestHTTPServer server([](const ReceivedRequest&) { return PlayedResponse{.body = "ok"}; });
@@ -42,7 +42,7 @@ TEST(URLSessionReuse, EachRequestAsksForItsOwnURL) {
     EXPECT_EQ(server.connectionCount(), 1);
 }
 
-// The first request of a connection is answered, the next one read, and the connection then ended.
+// Responds to the first request of a connection, reads the next one, and then ends the connection.
 class DyingConnections {
   public:
     explicit DyingConnections(bool resets)
@@ -59,7 +59,7 @@ class DyingConnections {
 
     int connections() const { return server_.connectionCount(); }
 
-    // What was asked for, in order.
+    // The requested targets, in order.
     std::vector<std::string> targets() const {
         const std::lock_guard guard(lock_);
         return targets_;
@@ -67,7 +67,7 @@ class DyingConnections {
 
   private:
     void serve(Conversation& conversation) {
-        if (receive(conversation) && conversation.send(shortAnswer)) {
+        if (receive(conversation) && conversation.send(shortResponse)) {
             receive(conversation);
         }
     }
@@ -88,7 +88,7 @@ class DyingConnections {
     }
 
     std::atomic<int> received_ = 0;
-    mutable std::mutex lock_; // guards what follows
+    mutable std::mutex lock_; // guards the members below
     std::vector<std::string> targets_;
     ScriptedServer server_;
 };
@@ -144,7 +144,7 @@ TEST(URLSessionReuse, APostWhoseServerHasGoneMeanwhileDoesNotClaimThatItWasNever
     std::atomic<bool> isRead = false;
     server.emplace([&](Conversation& conversation) {
         conversation.readHead();
-        conversation.send(shortAnswer);
+        conversation.send(shortResponse);
         isRead = !conversation.readHead().empty();
         conversation.waitForEnd();
     });
@@ -169,8 +169,8 @@ TEST(URLSessionReuse, ANewConnectionIsMadeWhenTheServerSaysClose) {
     EXPECT_EQ(server.connectionCount(), 5);
 }
 
-// Whether a client's end of a connection to the port is open for the system, which it is until the system has
-// taken in that the server closed the connection.
+// Whether the system still has a client's end of a connection to the port, which is so until it has noticed
+// that the server closed the connection.
 bool isOpenForClients(std::uint16_t port) {
     char remotePort[8];
     std::snprintf(remotePort, sizeof remotePort, ":%04X", port);

@@ -24,7 +24,7 @@ class URLSessionTLS : public testing::Test {
         return configuration;
     }
 
-    // How a request ends, and that nothing of it was sent if it was refused.
+    // How a request ends; if it was refused, nothing of it may have been sent.
     static std::string endOf(const TestTLSServer& server, const URLSessionConfiguration& configuration,
                              const std::string& host = "localhost") {
         const int before = server.requestCount();
@@ -128,9 +128,9 @@ TEST_F(URLSessionTLS, NoVariableOfTheEnvironmentAddsAuthorities) {
     }
 }
 
-TEST_F(URLSessionTLS, AnAnswerThatIsShorterThanItsLengthIsNotWhole) {
+TEST_F(URLSessionTLS, AResponseThatIsShorterThanItsLengthIsNotWhole) {
     const TestTLSServer server({.certificate = makeTestCertificate({}, &authority),
-                                .cutAnswer = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf of it"});
+                                .cutResponse = "HTTP/1.1 200 OK\r\nContent-Length: 100\r\n\r\nhalf of it"});
     URLSession session(trusting());
     EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::connectionLost);
 }

@@ -9,16 +9,16 @@
 namespace zelto {
 namespace {
 
-TEST(URLSession, AGetBringsTheWholeAnswer) {
+TEST(URLSession, AGetBringsTheWholeResponse) {
     TestHTTPServer server({{.status = 201, .body = "hello", .fields = {{"X-Mark", "one"}}}});
     URLSession session(URLSessionConfiguration::ephemeral());
     URLRequest request(server.url("/a%20b?c=d"));
     request.headers.set("Authorization", "Bearer token");
-    const auto answer = TaskEnd::of(session, std::move(request));
-    EXPECT_EQ(answer.error, std::nullopt);
-    EXPECT_EQ(answer.text(), "hello");
-    EXPECT_EQ(answer.status(), 201);
-    EXPECT_EQ(answer.http().header("x-mark"), "one");
+    const auto response = TaskEnd::of(session, std::move(request));
+    EXPECT_EQ(response.error, std::nullopt);
+    EXPECT_EQ(response.text(), "hello");
+    EXPECT_EQ(response.status(), 201);
+    EXPECT_EQ(response.http().header("x-mark"), "one");
     EXPECT_EQ(server.texts(), std::vector<std::string>{"GET /a%20b?c=d\nAuthorization: Bearer token\n\n"});
 }
 

@@ -12,25 +12,26 @@
 #include <limits>
 #include <semaphore>
 
-// A time-out counts from when something last moved.
+// A time-out counts from the last movement.
 
 namespace zelto {
 namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr TimeInterval patience{0.3};
+constexpr TimeInterval shortTimeout{0.3};
 
-// Of those that must not run out, though the machine is busy.
-constexpr TimeInterval longPatience{2};
+// For requests that must not time out, even on a busy machine.
+constexpr TimeInterval longTimeout{2};
 
-URLRequest impatient(const URL& url, const std::string& method = "GET", TimeInterval timeout = patience) {
+URLRequest requestWith(const URL& url, const std::string& method = "GET",
+                       TimeInterval timeout = shortTimeout) {
     URLRequest request(url, method);
     request.timeout = timeout;
     return request;
 }
 
-// What the client did when it gave up, after the script had stopped.
+// How the client behaves when the script has stopped sending.
 void expectTimedOut(URLRequest request, const std::function<void(Conversation&)>& script) {
     Event isClosed;
     ScriptedServer server([&](Conversation& conversation) {
@@ -39,11 +40,11 @@ void expectTimedOut(URLRequest request, const std::function<void(Conversation&)>
         isClosed.set();
     });
     request.url = server.url("/?key=secret");
-    request.timeout = patience;
+    request.timeout = shortTimeout;
     URLSession session(URLSessionConfiguration::ephemeral());
     const auto start = Clock::now();
     const auto end = TaskEnd::of(session, request);
-    EXPECT_GE(Clock::now() - start, patience);
+    EXPECT_GE(Clock::now() - start, shortTimeout);
     EXPECT_EQ(end.error,
               (URLError{URLErrorCode::timedOut, "The server did not respond in time (127.0.0.1)."}));
     isClosed.wait();
@@ -78,37 +79,37 @@ TEST(URLSessionTimeout, EndsAnUploadThatNobodyReads) {
         isOver.wait();
     });
     request.url = server.url();
-    request.timeout = patience;
+    request.timeout = shortTimeout;
     URLSession session(URLSessionConfiguration::ephemeral());
     EXPECT_EQ(TaskEnd::of(session, request).code(), URLErrorCode::timedOut);
     isOver.set();
 }
 
 TEST(URLSessionTimeout, EndsAConnectionThatIsNotTaken) {
-    // A full queue of connections takes no more, and the system lets the next one wait.
+    // A full queue of connections accepts no more, and the system lets the next one wait.
     LoopbackListener listener;
     ASSERT_EQ(::listen(listener.socket(), 0), 0);
     const auto first = LoopbackSocket::connect(listener.port());
     ASSERT_TRUE(first);
     URLSession session(URLSessionConfiguration::ephemeral());
     const auto url = URL::parse("http://127.0.0.1:" + std::to_string(listener.port()) + "/");
-    EXPECT_EQ(TaskEnd::of(session, impatient(*url)).code(), URLErrorCode::timedOut);
+    EXPECT_EQ(TaskEnd::of(session, requestWith(*url)).code(), URLErrorCode::timedOut);
 }
 
 TEST(URLSessionTimeout, LeavesATransferAloneThatMovesSlowly) {
     std::binary_semaphore tick(0);
     ScriptedServer server([&](Conversation& conversation) {
         conversation.readHead();
-        const std::string answer = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello";
-        for (const char each : answer) {
+        const std::string response = "HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello";
+        for (const char each : response) {
             conversation.send({&each, 1});
             static_cast<void>(tick.try_acquire_for(std::chrono::milliseconds(60))); // never released
         }
     });
     URLSession session(URLSessionConfiguration::ephemeral());
     const auto start = Clock::now();
-    EXPECT_EQ(TaskEnd::of(session, impatient(server.url(), "GET", longPatience)).text(), "hello");
-    EXPECT_GT(Clock::now() - start, longPatience);
+    EXPECT_EQ(TaskEnd::of(session, requestWith(server.url(), "GET", longTimeout)).text(), "hello");
+    EXPECT_GT(Clock::now() - start, longTimeout);
 }
 
 TEST(URLSessionTimeout, LeavesAnUploadAloneThatMovesSlowly) {
@@ -121,7 +122,7 @@ TEST(URLSessionTimeout, LeavesAnUploadAloneThatMovesSlowly) {
         }
         conversation.send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello");
     });
-    auto request = impatient(server.url(), "PUT", longPatience);
+    auto request = requestWith(server.url(), "PUT", longTimeout);
     request.body = HTTPBody(std::string(10'000'000, 'x'));
     URLSession session(URLSessionConfiguration::ephemeral());
     EXPECT_EQ(TaskEnd::of(session, request).text(), "hello");
@@ -134,14 +135,14 @@ TEST(URLSessionTimeout, OfASessionStandsForThoseOfItsRequests) {
         if (conversation.number() > 0) {
             return conversation.waitForEnd();
         }
-        static_cast<void>(tick.try_acquire_for(3 * patience)); // never released
+        static_cast<void>(tick.try_acquire_for(3 * shortTimeout)); // never released
         conversation.send("HTTP/1.1 200 OK\r\nContent-Length: 5\r\n\r\nhello");
     });
     auto configuration = URLSessionConfiguration::ephemeral();
     configuration.timeout = TimeInterval{60};
     URLSession patient(configuration);
-    EXPECT_EQ(TaskEnd::of(patient, impatient(server.url())).text(), "hello");
-    configuration.timeout = patience;
+    EXPECT_EQ(TaskEnd::of(patient, requestWith(server.url())).text(), "hello");
+    configuration.timeout = shortTimeout;
     URLSession hasty(configuration);
     EXPECT_EQ(TaskEnd::of(hasty, URLRequest(server.url())).code(), URLErrorCode::timedOut);
 }
@@ -162,7 +163,7 @@ TEST(URLSessionTimeout, OfOneTaskLeavesTheOthersAlone) {
     Completed<TaskEnd> patient;
     Completed<TaskEnd> slow;
     session.dataTask(URLRequest(server.url()), TaskEnd::into(patient))->resume();
-    session.dataTask(impatient(server.url("/slow")), TaskEnd::into(slow))->resume();
+    session.dataTask(requestWith(server.url("/slow")), TaskEnd::into(slow))->resume();
     EXPECT_EQ(slow.value().code(), URLErrorCode::timedOut);
     EXPECT_EQ(patient.value().text(), "hello");
 }
@@ -180,7 +181,7 @@ TEST(URLSessionTimeout, DoesNotCountTheTimeInTheSessionsQueue) {
     URLSession session(configuration);
     std::vector<Completed<TaskEnd>> ends(6);
     for (auto& end : ends) {
-        session.dataTask(impatient(server.url(), "GET", longPatience), TaskEnd::into(end))->resume();
+        session.dataTask(requestWith(server.url(), "GET", longTimeout), TaskEnd::into(end))->resume();
     }
     for (auto& end : ends) {
         EXPECT_EQ(end.value().text(), "hello");
@@ -196,7 +197,7 @@ TEST(URLSessionTimeout, TheWholeTransferHasALimitToo) {
         }
     });
     auto configuration = URLSessionConfiguration::ephemeral();
-    configuration.longestTransfer = TimeInterval(0.3);
+    configuration.maximumTransferTime = TimeInterval(0.3);
     URLSession session(configuration);
     EXPECT_EQ(TaskEnd::of(session, URLRequest(server.url())).code(), URLErrorCode::timedOut);
 }

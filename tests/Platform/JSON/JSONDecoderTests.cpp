@@ -177,11 +177,11 @@ TEST(JSONDecoder, AMillionLevelsAreAnError) {
 }
 
 TEST(JSONDecoder, MoreThanEightMillionValuesAreAnError) {
-    constexpr int most = 8 << 20;
+    constexpr int maximum = 8 << 20;
     const auto zeros = [](int count) { return "[0" + repeated(",0", count - 1) + "]"; };
-    EXPECT_TRUE(JSONTape::parse(zeros(most - 1)));
-    EXPECT_EQ(syntaxErrorOf(zeros(most)).text, "more than 8388608 values and keys");
-    EXPECT_EQ(syntaxErrorOf("{" + repeated("\"\":[],", most / 2) + "\"\":0}").text,
+    EXPECT_TRUE(JSONTape::parse(zeros(maximum - 1)));
+    EXPECT_EQ(syntaxErrorOf(zeros(maximum)).text, "more than 8388608 values and keys");
+    EXPECT_EQ(syntaxErrorOf("{" + repeated("\"\":[],", maximum / 2) + "\"\":0}").text,
               "more than 8388608 values and keys");
 }
 
@@ -259,7 +259,7 @@ TEST(JSONDecoder, EscapesAreResolvedInValuesAndKeys) {
     EXPECT_EQ(decoded<std::vector<std::string>>(R"(["\n","\n"])"), (std::vector<std::string>{"\n", "\n"}));
 }
 
-TEST(JSONDecoder, AnErrorTellsThePathThroughObjectsAndArrays) {
+TEST(JSONDecoder, AnErrorGivesThePathThroughObjectsAndArrays) {
     using Maps = std::map<std::string, std::vector<std::map<std::string, int>>>;
     EXPECT_EQ(faultOf<Maps>(R"({"x":[],"boards":[{"a":1},{"a":1,"name":"secret"}]})"),
               "boards[1].name: expected a whole number, found a string");

@@ -89,7 +89,7 @@ TEST(JSONValue, AnObjectOfVeryManyKeysIsReadSoon) {
     EXPECT_EQ(parsed(text).asObject()->size(), 200'000u);
 }
 
-TEST(JSONValue, AccessorsGiveNothingForAnotherKind) {
+TEST(JSONValue, AccessorsGiveNulloptForAnotherKind) {
     const JSONValue text = "x";
     EXPECT_EQ(*text.asString(), "x");
     EXPECT_EQ(text.asBool(), std::nullopt);

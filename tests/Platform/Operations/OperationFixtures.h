@@ -22,7 +22,7 @@ inline std::shared_ptr<Operation> makeBlock(std::move_only_function<void()> bloc
     return std::make_shared<BlockOperation>(std::move(block));
 }
 
-// Executes until it is told to finish.
+// Executes until a test finishes it.
 class WaitingOperation : public Operation {
   public:
     explicit WaitingOperation(std::function<void()> begun = [] {}) : begun_(std::move(begun)) {}
@@ -42,7 +42,7 @@ class WaitingOperation : public Operation {
     std::function<void()> begun_;
 };
 
-// Ends as soon as it is cancelled, also before it has begun.
+// Ends as soon as it is cancelled, even before it has begun.
 class ObedientOperation : public WaitingOperation {
   public:
     void cancel() override {
@@ -51,7 +51,7 @@ class ObedientOperation : public WaitingOperation {
     }
 };
 
-// What happened, in order.
+// Records events, in order.
 class Journal {
   public:
     void note(int what) {

@@ -65,7 +65,7 @@ TEST(OperationLifetime, ReleasingASuspendedQueueCancelsWhatHasNotBegun) {
     EXPECT_EQ(operation->endedBeforeStart, 1);
 }
 
-// Finishes when its callback is called, which is all that knows it.
+// Finishes when its callback is called, which holds the only reference to it.
 class CallbackOperation : public WaitingOperation {
   public:
     explicit CallbackOperation(std::function<void()>& callback) : callback_(callback) {}
@@ -92,7 +92,7 @@ TEST(OperationLifetime, AnAsynchronousOneLivesByItsCallbackWhenItsQueueIsRelease
         queue.addOperation(operation);
         queue.addOperation([&] { ran.set(); });
         operation->callbackIsSet.wait();
-        // One that runs after the first has returned from main().
+        // Runs after the first one has returned from main().
         queue.setMaxConcurrentOperationCount(2);
         ran.wait();
     }

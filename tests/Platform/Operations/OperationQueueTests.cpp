@@ -210,7 +210,8 @@ TEST(OperationQueue, DependenciesReachAcrossQueues) {
     other.waitUntilAllOperationsAreFinished();
 }
 
-// A request that fails queues its repetition, on which the step depends too, before it finishes itself.
+// A request that fails adds its repetition to the queue, and to the dependencies of the step, before it
+// finishes itself.
 TEST(OperationQueue, ADependencyAddedBeforeTheOnlyOneFinishesHoldsTheOperationBack) {
     OperationQueue requests;
     OperationQueue steps;

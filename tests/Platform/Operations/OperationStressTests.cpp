@@ -6,7 +6,7 @@
 namespace zelto {
 namespace {
 
-// What several threads do to the same operations and queues.
+// Several threads use the same operations and queues.
 class Stress {
   public:
     explicit Stress(unsigned seed) : seed_(seed) {

@@ -269,7 +269,7 @@ class ThrowingOperation : public WaitingOperation {
     ThrowingOperation() : WaitingOperation([] { throw std::runtime_error("no"); }) {}
 };
 
-TEST(Operation, FinishesWhenItThrowsAndTheHandlerIsTold) {
+TEST(Operation, FinishesWhenItThrowsAndTheHandlerIsCalled) {
     contained = 0;
     const auto before =
         setContainedExceptionHandler([](std::string_view, const std::exception_ptr& exception) {
@@ -296,7 +296,7 @@ TEST(Operation, FinishesWhenItThrowsAndTheHandlerIsTold) {
     EXPECT_EQ(contained, 3);
 }
 
-TEST(Operation, TheFirstHandlerTellsOfAnExceptionWithoutItsText) {
+TEST(Operation, TheFirstHandlerReportsAnExceptionWithoutItsText) {
     testing::internal::CaptureStderr();
     makeBlock([] { throw std::runtime_error("a secret"); })->start();
     makeBlock([] { throw 1; })->start();

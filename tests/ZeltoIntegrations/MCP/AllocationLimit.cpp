@@ -11,7 +11,7 @@ thread_local std::size_t largestAllocation = unlimited;
 
 } // namespace
 
-// Those of arrays and the nothrow ones come here too.
+// The array and nothrow forms call this one too.
 void* operator new(std::size_t size) {
     void* memory = size > largestAllocation ? nullptr : std::malloc(size);
     if (!memory) {

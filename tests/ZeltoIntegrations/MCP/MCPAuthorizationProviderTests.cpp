@@ -36,7 +36,8 @@ class FixedProvider final : public MCPAuthorizationProvider {
 
 TEST(MCPAuthorizationProvider, AProvidersHeadersReplaceAnyOther) {
     TestHTTPServer server([](const ReceivedRequest& request) {
-        return request.method == "DELETE" ? status(200) : jsonAnswer(request, "1", {{"Mcp-Session-Id", "s"}});
+        return request.method == "DELETE" ? status(200)
+                                          : jsonResponse(request, "1", {{"Mcp-Session-Id", "s"}});
     });
     const auto provider = std::make_shared<FixedProvider>(
         MCPAuthorizationProvider::Headers{{"Authorization", "Bearer t"}, {"accept", "x/y"}});
@@ -71,30 +72,32 @@ TEST(MCPAuthorizationProvider, AHeaderThatMayNotBeSentEndsTheCall) {
     EXPECT_EQ(connectionError(send(transport)), URLErrorCode::invalidRequest);
 }
 
-// Does with the callback what the function does.
+// Passes its callback to a function.
 class FreeProvider final : public MCPAuthorizationProvider {
   public:
-    using Answer = std::function<void(MCPCompletion<Headers>)>;
+    using Responder = std::function<void(MCPCompletion<Headers>)>;
 
-    explicit FreeProvider(Answer answer) : answer_(std::move(answer)) {}
+    explicit FreeProvider(Responder responder) : responder_(std::move(responder)) {}
 
-    void authorizationHeaders(MCPCompletion<Headers> completion) override { answer_(std::move(completion)); }
+    void authorizationHeaders(MCPCompletion<Headers> completion) override {
+        responder_(std::move(completion));
+    }
 
   private:
-    Answer answer_;
+    Responder responder_;
 };
 
 using Headers = MCPAuthorizationProvider::Headers;
 
-std::shared_ptr<FreeProvider> providerThat(FreeProvider::Answer answer) {
-    return std::make_shared<FreeProvider>(std::move(answer));
+std::shared_ptr<FreeProvider> providerThat(FreeProvider::Responder response) {
+    return std::make_shared<FreeProvider>(std::move(response));
 }
 
-const MCPError noAnswer(MCPAuthorizationError{"The provider of credentials gave no answer."});
+const MCPError noResponse(MCPAuthorizationError{"The provider of credentials gave no answer."});
 
 TEST(MCPAuthorizationProvider, ItsFailureAtADisconnectLeavesTheSession) {
     TestHTTPServer server([](const ReceivedRequest& request) {
-        return jsonAnswer(request, "1", {{"Mcp-Session-Id", "s"}});
+        return jsonResponse(request, "1", {{"Mcp-Session-Id", "s"}});
     });
     const MCPError error(MCPAuthorizationError{"The user is signed out."});
     auto transport = transportTo(
@@ -111,8 +114,8 @@ TEST(MCPAuthorizationProvider, LettingGoOfItsCallbackEndsTheCallAndSendsNothing)
     TestHTTPServer server(std::vector<PlayedResponse>{});
     const DroppedCallbacks dropped;
     auto transport = transportTo(server, providerThat([](MCPCompletion<Headers>) {}));
-    EXPECT_EQ(send(transport), failure(noAnswer));
-    EXPECT_EQ(notify(transport), failure(noAnswer));
+    EXPECT_EQ(send(transport), failure(noResponse));
+    EXPECT_EQ(notify(transport), failure(noResponse));
     EXPECT_EQ(dropped.count(), 2);
 }
 
@@ -126,7 +129,7 @@ TEST(MCPAuthorizationProvider, LettingGoOfItsCallbackLaterEndsTheCallToo) {
     transport.send(MCPNotification{"n", {}}, sent.callback<MCPCompletion<void>>());
     EXPECT_FALSE(sent.hasCome());
     kept = {};
-    EXPECT_EQ(sent.value(), failure(noAnswer));
+    EXPECT_EQ(sent.value(), failure(noResponse));
 }
 
 TEST(MCPAuthorizationProvider, ThrowingEndsTheCallAndSendsNothing) {
@@ -135,8 +138,8 @@ TEST(MCPAuthorizationProvider, ThrowingEndsTheCallAndSendsNothing) {
     const ContainedExceptions contained;
     auto transport = transportTo(
         server, providerThat([](MCPCompletion<Headers>) { throw std::runtime_error("no credentials"); }));
-    EXPECT_EQ(send(transport), failure(noAnswer));
-    EXPECT_EQ(notify(transport), failure(noAnswer));
+    EXPECT_EQ(send(transport), failure(noResponse));
+    EXPECT_EQ(notify(transport), failure(noResponse));
     EXPECT_EQ(contained.count(), 2);
 }
 
@@ -148,12 +151,12 @@ TEST(MCPAuthorizationProvider, ThrowingWithItsCallbackKeptEndsTheCallForGood) {
                                      kept = std::move(completion);
                                      throw std::runtime_error("later");
                                  }));
-    EXPECT_EQ(send(transport), failure(noAnswer));
+    EXPECT_EQ(send(transport), failure(noResponse));
     kept(Headers());
 }
 
-TEST(MCPAuthorizationProvider, ThrowingBehindTheAnswerChangesNothing) {
-    TestHTTPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "1"); });
+TEST(MCPAuthorizationProvider, ThrowingAfterTheResponseChangesNothing) {
+    TestHTTPServer server([](const ReceivedRequest& request) { return jsonResponse(request, "1"); });
     const ContainedExceptions contained;
     auto transport = transportTo(server, providerThat([](MCPCompletion<Headers> completion) {
                                      completion(Headers());
@@ -170,12 +173,12 @@ TEST(MCPAuthorizationProvider, LettingGoOfItsCallbackHoldsNoClient) {
     const std::weak_ptr<FreeProvider> trace = provider;
     {
         MCPClient client(server.url(), std::exchange(provider, nullptr));
-        EXPECT_EQ(ping(client), failure(noAnswer));
+        EXPECT_EQ(ping(client), failure(noResponse));
     }
     EXPECT_TRUE(eventually([&] { return trace.expired(); }));
 }
 
-// Answers when it is told to.
+// Completes when the test says so.
 class SlowProvider final : public MCPAuthorizationProvider {
   public:
     void authorizationHeaders(MCPCompletion<Headers> completion) override {
@@ -185,7 +188,7 @@ class SlowProvider final : public MCPAuthorizationProvider {
     std::vector<MCPCompletion<Headers>> pending;
 };
 
-TEST(MCPAuthorizationProvider, AProviderMayAnswerLaterOnAnotherThread) {
+TEST(MCPAuthorizationProvider, AProviderMayCompleteLaterOnAnotherThread) {
     TestHTTPServer server({status(202)});
     const auto provider = std::make_shared<SlowProvider>();
     Completed<MCPResult<void>> sent;
@@ -209,7 +212,7 @@ TEST(MCPAuthorizationProvider, CancellingEndsWhatWaitsForTheProviderAndSendsNoth
     provider->pending.at(0)(MCPAuthorizationProvider::Headers{});
 }
 
-TEST(MCPAuthorizationProvider, OneThatNeverAnswersHoldsNoClientThatWasCancelled) {
+TEST(MCPAuthorizationProvider, OneThatNeverCompletesHoldsNoClientThatWasCancelled) {
     TestHTTPServer server(std::vector<PlayedResponse>{});
     const DroppedCallbacks dropped;
     auto provider = std::make_shared<SlowProvider>();
@@ -224,28 +227,28 @@ TEST(MCPAuthorizationProvider, OneThatNeverAnswersHoldsNoClientThatWasCancelled)
     EXPECT_TRUE(trace.expired());
 }
 
-TEST(MCPAuthorizationProvider, AnsweringTwiceSendsAndCompletesOnce) {
+TEST(MCPAuthorizationProvider, CompletingTwiceSendsAndCompletesOnce) {
     TestHTTPServer server({status(202)});
     const auto provider = std::make_shared<SlowProvider>();
     auto transport = transportTo(server, provider);
     Completed<MCPResult<void>> sent;
     transport.send(MCPNotification{"n", {}}, sent.callback<MCPCompletion<void>>());
-    const auto answer = [&] { provider->pending.at(0)(Headers()); };
-    answer();
+    const auto response = [&] { provider->pending.at(0)(Headers()); };
+    response();
     EXPECT_TRUE(sent.value());
 #ifdef NDEBUG
-    answer();
+    response();
 #elif !defined(ZELTO_ADDRESS_SANITIZER) && !defined(ZELTO_THREAD_SANITIZER)
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    EXPECT_DEATH(answer(), "twice");
+    EXPECT_DEATH(response(), "twice");
 #endif
 }
 
-TEST(MCPAuthorizationProvider, CancellingWhileItAnswersEndsTheCall) {
+TEST(MCPAuthorizationProvider, CancellingWhileItCompletesEndsTheCall) {
     Event goOn;
     TestHTTPServer server([&](const ReceivedRequest& request) {
         goOn.wait();
-        return jsonAnswer(request, "1");
+        return jsonResponse(request, "1");
     });
     constexpr int rounds = 300;
     for (int round = 0; round < rounds; ++round) {

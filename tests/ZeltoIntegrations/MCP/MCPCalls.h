@@ -17,7 +17,7 @@
 
 namespace zelto {
 
-// What MCPServer::log gives.
+// The result of MCPServer::log.
 using Log = std::vector<std::string>;
 
 inline MCPHTTPTransport transportTo(const TestHTTPServer& server,
@@ -26,7 +26,7 @@ inline MCPHTTPTransport transportTo(const TestHTTPServer& server,
     return MCPHTTPTransport(server.url("/mcp"), std::move(provider), std::nullopt, std::move(configuration));
 }
 
-// Calls of the client that are waited for.
+// Calls of the client, waiting for their results.
 
 template <class T> MCPResult<T> waitedFor(const std::function<void(MCPCompletion<T>)>& begin) {
     Completed<MCPResult<T>> end;
@@ -92,10 +92,10 @@ inline std::string page(std::string_view names, std::optional<std::string> curso
     return JSONValue(std::move(result)).text().value();
 }
 
-// Answers the n-th request behind the handshakes with what the function gives for it.
-inline MCPServer::Answer numbered(std::function<PlayedResponse(const ReceivedRequest&, int)> answer) {
-    return [answer = std::move(answer), count = std::make_shared<std::atomic<int>>(0)](
-               const ReceivedRequest& request) { return answer(request, ++*count); };
+// Passes the n-th request after the handshakes to the function.
+inline MCPServer::Handler numbered(std::function<PlayedResponse(const ReceivedRequest&, int)> response) {
+    return [response = std::move(response), count = std::make_shared<std::atomic<int>>(0)](
+               const ReceivedRequest& request) { return response(request, ++*count); };
 }
 
 // The connection's error, if it is one.
@@ -104,7 +104,7 @@ template <class T> std::optional<URLErrorCode> connectionError(const MCPResult<T
     return error ? std::optional(error->code) : std::nullopt;
 }
 
-// A case of MCPClientError as the failure it is delivered as.
+// An error of MCPClientError in the form in which failures are delivered.
 inline std::unexpected<MCPError> failed(MCPClientError error) {
     return failure(MCPError(std::move(error)));
 }

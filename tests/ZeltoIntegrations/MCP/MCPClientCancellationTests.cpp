@@ -17,12 +17,12 @@
 namespace zelto {
 namespace {
 
-// Answers by a function, with the message's method and the number of the message.
+// Responds by a function, which gets the message's method and number.
 class PlayedTransport final : public MCPTransport {
   public:
-    using Answer = std::function<MCPResult<JSONValue>(const std::string& method, std::size_t count)>;
+    using Responder = std::function<MCPResult<JSONValue>(const std::string& method, std::size_t count)>;
 
-    explicit PlayedTransport(Answer answer) : answer_(std::move(answer)) {}
+    explicit PlayedTransport(Responder responder) : responder_(std::move(responder)) {}
 
     std::optional<std::string> activeSessionID() const override { return std::nullopt; }
 
@@ -32,7 +32,7 @@ class PlayedTransport final : public MCPTransport {
 
     void send(MCPRequest request, MCPCompletion<MCPResponse> completion) override {
         auto result = take(request.method);
-        if (keepsAnswers) {
+        if (keepsResponses) {
             return kept_.push_back(std::move(completion));
         }
         if (!result) {
@@ -43,7 +43,7 @@ class PlayedTransport final : public MCPTransport {
 
     void send(MCPNotification notification, MCPCompletion<void> completion) override {
         take(notification.method);
-        if (keepsAnswers) {
+        if (keepsResponses) {
             return keptNotifications_.push_back(std::move(completion));
         }
         completion({});
@@ -52,15 +52,15 @@ class PlayedTransport final : public MCPTransport {
     void disconnect(MCPCompletion<void> completion) override { completion({}); }
 
     Log log;
-    bool keepsAnswers = false;
+    bool keepsResponses = false;
 
   private:
     MCPResult<JSONValue> take(const std::string& method) {
         log.push_back(method);
-        return answer_(method, log.size());
+        return responder_(method, log.size());
     }
 
-    Answer answer_;
+    Responder responder_;
     std::vector<MCPCompletion<MCPResponse>> kept_;
     std::vector<MCPCompletion<void>> keptNotifications_;
 };
@@ -73,25 +73,27 @@ const auto handshake =
     R"({"protocolVersion":"2025-11-25","capabilities":{},"serverInfo":{"name":"s","version":"1"}})";
 const MCPError expired(MCPClientError::sessionExpired());
 
-// A client whose messages are all cancelled where the transport has none: while the n-th one's answer comes.
+// A client that is cancelled when the transport has no message: while the response to the n-th one is
+// processed.
 struct Cancelled {
-    explicit Cancelled(std::size_t number, PlayedTransport::Answer answer)
+    explicit Cancelled(std::size_t number, PlayedTransport::Responder response)
         : transport(
               std::make_shared<PlayedTransport>([=, this](const std::string& method, std::size_t count) {
                   if (count == number) {
-                      transport->keepsAnswers = escapes;
+                      transport->keepsResponses = escapes;
                       client.cancelAll();
                   }
-                  return answer(method, count);
+                  return response(method, count);
               })),
           client(transport) {}
 
-    bool escapes = false; // whether the n-th message goes out behind the cancellation, and is never answered
+    bool escapes =
+        false; // whether the n-th message is sent after the cancellation, and never gets a response
     std::shared_ptr<PlayedTransport> transport;
     MCPClient client;
 };
 
-const PlayedTransport::Answer longListing = [](const std::string&, std::size_t count) {
+const PlayedTransport::Responder longListing = [](const std::string&, std::size_t count) {
     return json(count < 100 ? page("a", std::to_string(count)) : page("a"));
 };
 
@@ -101,7 +103,7 @@ TEST(MCPClientCancellation, EndsWhatIsUnderWayAndKeepsTheSession) {
         if (methodOf(request) == "tools/call") {
             goOn.wait();
         }
-        return jsonAnswer(request, R"({"content":[]})");
+        return jsonResponse(request, R"({"content":[]})");
     });
     MCPClient client(server.url());
     ASSERT_TRUE(connect(client));
@@ -127,20 +129,20 @@ TEST(MCPClientCancellation, EndsAConnectionBeforeItsConfirmation) {
 }
 
 TEST(MCPClientCancellation, EndsARetryBeforeAndWithinItsHandshakeAndBehindIt) {
-    const PlayedTransport::Answer answer = [](const std::string& method, std::size_t count) {
+    const PlayedTransport::Responder response = [](const std::string& method, std::size_t count) {
         return count == 1 ? MCPResult<JSONValue>(failure(expired))
                           : json(method == "initialize" ? handshake : R"({"content":[]})");
     };
     for (const std::size_t number : {1u, 2u, 3u}) {
-        Cancelled cancelled(number, answer);
+        Cancelled cancelled(number, response);
         EXPECT_EQ(connectionError(callTool(cancelled.client, "t")), URLErrorCode::cancelled) << number;
         EXPECT_EQ(cancelled.transport->log.size(), number);
     }
-    Cancelled late(4, answer);
+    Cancelled late(4, response);
     EXPECT_TRUE(callTool(late.client, "t"));
 }
 
-TEST(MCPClientCancellation, LeavesAnOperationWhoseLastAnswerHasCome) {
+TEST(MCPClientCancellation, LeavesAnOperationWhoseLastResponseHasCome) {
     Cancelled cancelled(1, [](const std::string&, std::size_t) { return json(page("ab")); });
     EXPECT_EQ(namesOf(listTools(cancelled.client)), (Log{"a", "b"}));
 }

@@ -1,4 +1,4 @@
-// What many calls and large answers leave behind.
+// Memory and threads that remain after many calls and large responses.
 
 #include "MCPCalls.h"
 #include "ProcessMemory.h"
@@ -14,10 +14,10 @@ namespace zelto {
 namespace {
 
 #ifdef ZELTO_MEMORY_IS_SHADOWED
-constexpr std::size_t largeAnswer = std::size_t{20} << 20;
+constexpr std::size_t largeResponse = std::size_t{20} << 20;
 constexpr int manyCalls = 2'000;
 #else
-constexpr std::size_t largeAnswer = std::size_t{100} << 20;
+constexpr std::size_t largeResponse = std::size_t{100} << 20;
 constexpr int manyCalls = 10'000;
 #endif
 
@@ -26,7 +26,7 @@ std::size_t entriesOf(const char* folder) {
     return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
-// How far memory grows above what it is now while an answer comes whose only text is this line over and over.
+// How much memory grows above its current size during a response whose only text is this line, repeated.
 std::size_t growthWith(std::string_view line, bool isStream, std::size_t& received) {
     std::string block;
     while (block.size() < (1u << 20)) {
@@ -37,15 +37,15 @@ std::size_t growthWith(std::string_view line, bool isStream, std::size_t& receiv
             R"({"jsonrpc":"2.0","id":)" + idOf(request) + R"(,"result":{"content":[{"type":"text","text":")";
         const auto play = [head, isStream, &block](const Sender& send) {
             send((isStream ? "data: " : "") + head);
-            for (std::size_t sent = 0; sent < largeAnswer && send(block); sent += block.size()) {
+            for (std::size_t sent = 0; sent < largeResponse && send(block); sent += block.size()) {
             }
             send(std::string(R"("}]}})") + (isStream ? "\n\n" : ""));
         };
-        auto answer = eventStream(play);
+        auto response = eventStream(play);
         if (!isStream) {
-            answer.raw->replace(answer.raw->find("text/event-stream"), 17, "application/json ");
+            response.raw->replace(response.raw->find("text/event-stream"), 17, "application/json ");
         }
-        return answer;
+        return response;
     });
     MCPClient client(server.url());
     EXPECT_TRUE(connect(client));
@@ -57,32 +57,32 @@ std::size_t growthWith(std::string_view line, bool isStream, std::size_t& receiv
     return growth;
 }
 
-TEST(MCPClientLoad, ALargeAnswerTakesLessThanThreeTimesItsSize) {
+TEST(MCPClientLoad, ALargeResponseTakesLessThanThreeTimesItsSize) {
     for (const bool isStream : {false, true}) {
         std::size_t received = 0;
         EXPECT_LT(growthWith("iVBORw0KGgoAAAANSUhEUgAA", isStream, received),
-                  3 * largeAnswer + memoryOverhead)
+                  3 * largeResponse + memoryOverhead)
             << isStream;
-        EXPECT_GE(received, largeAnswer);
+        EXPECT_GE(received, largeResponse);
         EXPECT_LT(growthWith(R"(A line of text \"with\" escapes\n)", isStream, received),
-                  3 * largeAnswer + memoryOverhead)
+                  3 * largeResponse + memoryOverhead)
             << isStream;
-        EXPECT_GT(received, largeAnswer / 34 * 30);
+        EXPECT_GT(received, largeResponse / 34 * 30);
     }
 }
 
-TEST(MCPClientLoad, AnAnswerOfVeryManyValuesEndsByALimit) {
+TEST(MCPClientLoad, AResponseOfVeryManyValuesEndsByALimit) {
     std::string zeros = "[0";
     while (zeros.size() < (40u << 20)) {
         zeros += ",0";
     }
     zeros += "]";
-    MCPServer server([&](const ReceivedRequest& request) { return jsonAnswer(request, zeros); });
+    MCPServer server([&](const ReceivedRequest& request) { return jsonResponse(request, zeros); });
     server.http().stopRecording();
     MCPClient client(server.url());
     ASSERT_TRUE(connect(client));
     std::optional<MCPResult<MCPToolCallResult>> result;
-    // The server's copies of the answer are of this process too.
+    // The server's copies of the response are in this process too.
     EXPECT_LT(growthDuring([&] { result = callTool(client, "t"); }), 10 * zeros.size() + memoryOverhead);
     ASSERT_FALSE(*result);
     const auto* error = std::get_if<DecodingError>(&result->error().value);
@@ -94,9 +94,9 @@ TEST(MCPClientLoad, ManyCallsLeaveMemoryDescriptorsAndThreadsWhereTheyWere) {
     std::atomic<int> answered = 0;
     MCPServer server([&](const ReceivedRequest& request) {
         ++answered;
-        const auto result = R"({"content":[{"type":"text","text":"answer"}]})";
+        const auto result = R"({"content":[{"type":"text","text":"response"}]})";
         return idOf(request).ends_with("0\"") ? eventStream(eventOf(respondTo(idOf(request), result)))
-                                              : jsonAnswer(request, result);
+                                              : jsonResponse(request, result);
     });
     server.http().stopRecording();
     MCPClient client(server.url());
@@ -112,10 +112,10 @@ TEST(MCPClientLoad, ManyCallsLeaveMemoryDescriptorsAndThreadsWhereTheyWere) {
     const auto threadsBefore = entriesOf("/proc/self/task");
     call(manyCalls);
     EXPECT_EQ(answered, manyCalls / 5 + manyCalls);
-    // Some hundred bytes that stay behind at each call are too many.
+    // A leak of some hundred bytes per call is too much.
     EXPECT_LT(memoryOf("VmRSS:"), memoryBefore + manyCalls * std::size_t{100} + memoryOverhead);
     EXPECT_LE(entriesOf("/proc/self/fd"), descriptorsBefore);
-    // The pool may have met a busy moment and grown; a leak would be a thread a call.
+    // The pool may have grown in a busy moment; a leak would be one thread per call.
     EXPECT_LE(entriesOf("/proc/self/task"), threadsBefore + 4);
     EXPECT_LT(server.http().connectionCount(), 10);
 }

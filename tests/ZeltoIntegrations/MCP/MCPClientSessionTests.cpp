@@ -8,7 +8,7 @@
 namespace zelto {
 namespace {
 
-// Whatever the client held before.
+// Whatever session the client had before.
 void expectPlainHandshakes(MCPServer& server, int count) {
     for (const auto& each : server.http().requests()) {
         if (methodOf(each) == "initialize") {
@@ -21,7 +21,7 @@ void expectPlainHandshakes(MCPServer& server, int count) {
 }
 
 TEST(MCPClientSession, ConnectingAgainForgetsTheSessionWithoutADelete) {
-    MCPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "{}"); });
+    MCPServer server([](const ReceivedRequest& request) { return jsonResponse(request, "{}"); });
     MCPClient client(server.url());
     ASSERT_TRUE(connect(client));
     ASSERT_TRUE(connect(client));
@@ -33,7 +33,7 @@ TEST(MCPClientSession, ConnectingAgainForgetsTheSessionWithoutADelete) {
 
 TEST(MCPClientSession, AListingWhoseSessionExpiresBeginsAgainFromTheFirstPage) {
     MCPServer server(numbered([](const ReceivedRequest& request, int count) {
-        return count == 2 ? status(404) : jsonAnswer(request, count == 4 ? page("c") : page("ab", "2"));
+        return count == 2 ? status(404) : jsonResponse(request, count == 4 ? page("c") : page("ab", "2"));
     }));
     MCPClient client(server.url());
     ASSERT_TRUE(connect(client));
@@ -47,7 +47,7 @@ TEST(MCPClientSession, AListingWhoseSessionExpiresBeginsAgainFromTheFirstPage) {
 TEST(MCPClientSession, ASessionThatTheServerDroppedIsBegunAgainOnce) {
     for (const std::string method : {"ping", "tools/list", "tools/call"}) {
         MCPServer server(numbered([](const ReceivedRequest& request, int count) {
-            return count == 1 ? status(404) : jsonAnswer(request, R"({"tools":[],"content":[]})");
+            return count == 1 ? status(404) : jsonResponse(request, R"({"tools":[],"content":[]})");
         }));
         MCPClient client(server.url());
         ASSERT_TRUE(connect(client));
@@ -78,7 +78,7 @@ TEST(MCPClientSession, ARetryWhoseConnectionFailsDeliversThatError) {
     std::atomic<int> handshakes = 0;
     TestHTTPServer server([&](const ReceivedRequest& request) {
         if (methodOf(request) == "initialize" && ++handshakes == 1) {
-            return jsonAnswer(
+            return jsonResponse(
                 request,
                 R"({"protocolVersion":"2025-11-25","capabilities":{},"serverInfo":{"name":"s","version":"1"}})",
                 {{"Mcp-Session-Id", "s"}});
@@ -102,7 +102,7 @@ TEST(MCPClientSession, OtherFailuresAreNotTriedAgain) {
 TEST(MCPClientSession, DisconnectingEndsTheSessionAndIsNotTriedAgain) {
     std::atomic<int> code = 404;
     MCPServer server([&](const ReceivedRequest& request) {
-        return request.method == "DELETE" ? status(code) : jsonAnswer(request, "{}");
+        return request.method == "DELETE" ? status(code) : jsonResponse(request, "{}");
     });
     MCPClient client(server.url());
     EXPECT_TRUE(disconnect(client));
@@ -118,7 +118,7 @@ TEST(MCPClientSession, DisconnectingEndsTheSessionAndIsNotTriedAgain) {
 }
 
 TEST(MCPClientSession, WorksWithAServerWithoutSessions) {
-    MCPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "{}"); }, false);
+    MCPServer server([](const ReceivedRequest& request) { return jsonResponse(request, "{}"); }, false);
     MCPClient client(server.url());
     ASSERT_TRUE(connect(client));
     ASSERT_TRUE(ping(client));

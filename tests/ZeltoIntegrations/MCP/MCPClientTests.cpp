@@ -9,13 +9,13 @@
 namespace zelto {
 namespace {
 
-PlayedResponse errorAnswer(const ReceivedRequest& request, std::string_view members) {
+PlayedResponse errorResponse(const ReceivedRequest& request, std::string_view members) {
     return PlayedResponse::json(R"({"jsonrpc":"2.0","id":)" + idOf(request) + "," + std::string(members) +
                                 "}");
 }
 
 TEST(MCPClient, ConnectsByTheHandshake) {
-    MCPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "{}"); });
+    MCPServer server([](const ReceivedRequest& request) { return jsonResponse(request, "{}"); });
     MCPClient client(server.url(), nullptr, URLSessionConfiguration::ephemeral(),
                      MCPCapabilities{{{"roots", JSONValue(JSONObject{{"listChanged", true}})}}},
                      {"Mail", "3.1"});
@@ -36,8 +36,8 @@ TEST(MCPClient, ConnectsByTheHandshake) {
     EXPECT_EQ(requests[1].headers.value("Mcp-Session-Id"), "session-1");
 }
 
-TEST(MCPClient, IsCalledZeltoUnlessToldOther) {
-    MCPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "{}"); });
+TEST(MCPClient, IsCalledZeltoByDefault) {
+    MCPServer server([](const ReceivedRequest& request) { return jsonResponse(request, "{}"); });
     MCPClient client(server.url());
     ASSERT_TRUE(connect(client));
     EXPECT_TRUE(server.http().requests().at(0).body.ends_with(
@@ -45,7 +45,7 @@ TEST(MCPClient, IsCalledZeltoUnlessToldOther) {
 }
 
 TEST(MCPClient, NumbersItsRequestsByFreshUpperCaseUUIDs) {
-    MCPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "{}"); });
+    MCPServer server([](const ReceivedRequest& request) { return jsonResponse(request, "{}"); });
     MCPClient client(server.url());
     std::set<std::string> ids;
     constexpr int calls = 5;
@@ -62,7 +62,7 @@ TEST(MCPClient, NumbersItsRequestsByFreshUpperCaseUUIDs) {
 }
 
 TEST(MCPClient, TakesAnOlderVersionAndSpeaksItFromThenOn) {
-    MCPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "{}"); });
+    MCPServer server([](const ReceivedRequest& request) { return jsonResponse(request, "{}"); });
     server.protocolVersion = "2024-11-05";
     MCPClient client(server.url());
     EXPECT_EQ(connect(client)->protocolVersion, MCPProtocolVersion::v2024_11_05);
@@ -73,7 +73,7 @@ TEST(MCPClient, TakesAnOlderVersionAndSpeaksItFromThenOn) {
 }
 
 TEST(MCPClient, AVersionThatItDoesNotKnowFailsTheConnection) {
-    MCPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "{}"); });
+    MCPServer server([](const ReceivedRequest& request) { return jsonResponse(request, "{}"); });
     server.protocolVersion = "1999-01-01";
     MCPClient client(server.url());
     EXPECT_EQ(connect(client), failed(MCPClientError::unsupportedProtocolVersion("1999-01-01")));
@@ -86,7 +86,7 @@ TEST(MCPClient, AVersionThatItDoesNotKnowFailsTheConnection) {
 TEST(MCPClient, AConfirmationThatFailsFailsTheConnection) {
     TestHTTPServer server([](const ReceivedRequest& request) {
         return methodOf(request) == "initialize"
-                   ? jsonAnswer(
+                   ? jsonResponse(
                          request,
                          R"({"protocolVersion":"2025-11-25","capabilities":{},"serverInfo":{"name":"s","version":"1"}})",
                          {{"Mcp-Session-Id", "s"}})
@@ -94,7 +94,7 @@ TEST(MCPClient, AConfirmationThatFailsFailsTheConnection) {
     });
     MCPClient client(server.url());
     EXPECT_EQ(connect(client), failed(MCPClientError::unexpectedHTTPStatus(500)));
-    // Without a session there is none that could have expired.
+    // Without a session, none can have expired.
     EXPECT_EQ(ping(client), failed(MCPClientError::endpointNotFound()));
     EXPECT_EQ(server.requests().back().headers.value("MCP-Protocol-Version"), std::nullopt);
     EXPECT_TRUE(disconnect(client));
@@ -102,21 +102,21 @@ TEST(MCPClient, AConfirmationThatFailsFailsTheConnection) {
 }
 
 TEST(MCPClient, AnInitializationThatFailsDeliversItsError) {
-    const auto outcome = [](std::function<PlayedResponse(const ReceivedRequest&)> answer) {
-        TestHTTPServer server(std::move(answer));
+    const auto outcome = [](std::function<PlayedResponse(const ReceivedRequest&)> response) {
+        TestHTTPServer server(std::move(response));
         MCPClient client(server.url());
         return connect(client);
     };
     EXPECT_EQ(outcome([](const ReceivedRequest&) { return status(503); }),
               failed(MCPClientError::unexpectedHTTPStatus(503)));
     EXPECT_EQ(outcome([](const ReceivedRequest& request) {
-                  return errorAnswer(request, R"("error":{"code":-32602,"message":"no"})");
+                  return errorResponse(request, R"("error":{"code":-32602,"message":"no"})");
               }),
               failed(MCPClientError::jsonRPCFailure({-32602, "no", {}})));
-    EXPECT_EQ(outcome([](const ReceivedRequest& request) { return jsonAnswer(request, "null"); }),
+    EXPECT_EQ(outcome([](const ReceivedRequest& request) { return jsonResponse(request, "null"); }),
               failed(MCPClientError::missingJSONRPCResult()));
-    const auto incomplete =
-        outcome([](const ReceivedRequest& request) { return jsonAnswer(request, R"({"capabilities":{}})"); });
+    const auto incomplete = outcome(
+        [](const ReceivedRequest& request) { return jsonResponse(request, R"({"capabilities":{}})"); });
     ASSERT_FALSE(incomplete);
     EXPECT_EQ(std::get<DecodingError>(incomplete.error().value).path, "protocolVersion");
 }
@@ -131,7 +131,7 @@ TEST(MCPClient, WhatComesBeforeConnectIsSentAnyway) {
 }
 
 TEST(MCPClient, APingIsARequestWithoutParams) {
-    TestHTTPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "{}"); });
+    TestHTTPServer server([](const ReceivedRequest& request) { return jsonResponse(request, "{}"); });
     MCPClient client(server.url());
     ASSERT_TRUE(ping(client));
     const auto request = server.requests().at(0);
@@ -140,7 +140,8 @@ TEST(MCPClient, APingIsARequestWithoutParams) {
 
 TEST(MCPClient, APingNeedsAResultWhateverItIs) {
     const auto outcome = [](std::string members) {
-        TestHTTPServer server([&](const ReceivedRequest& request) { return errorAnswer(request, members); });
+        TestHTTPServer server(
+            [&](const ReceivedRequest& request) { return errorResponse(request, members); });
         MCPClient client(server.url());
         return ping(client);
     };
@@ -154,7 +155,7 @@ TEST(MCPClient, APingNeedsAResultWhateverItIs) {
 
 TEST(MCPClient, ListsThePagesInOrder) {
     MCPServer server(numbered([](const ReceivedRequest& request, int count) {
-        return jsonAnswer(request, count == 1 ? page("ab", "") : count == 2 ? page("", "c\n2") : page("c"));
+        return jsonResponse(request, count == 1 ? page("ab", "") : count == 2 ? page("", "c\n2") : page("c"));
     }));
     MCPClient client(server.url());
     ASSERT_TRUE(connect(client));
@@ -168,8 +169,8 @@ TEST(MCPClient, ListsThePagesInOrder) {
 
 TEST(MCPClient, APageThatFailsFailsTheWholeListing) {
     MCPServer server(numbered([](const ReceivedRequest& request, int count) {
-        return count == 1 ? jsonAnswer(request, page("a", "2"))
-                          : jsonAnswer(request, R"({"tools":[{"name":"x"}]})");
+        return count == 1 ? jsonResponse(request, page("a", "2"))
+                          : jsonResponse(request, R"({"tools":[{"name":"x"}]})");
     }));
     MCPClient client(server.url());
     const auto tools = listTools(client);
@@ -179,7 +180,7 @@ TEST(MCPClient, APageThatFailsFailsTheWholeListing) {
 
 TEST(MCPClient, AThousandPagesAreListed) {
     MCPServer server(numbered([](const ReceivedRequest& request, int count) {
-        return jsonAnswer(request, count < 1000 ? page("a", "same") : page("a"));
+        return jsonResponse(request, count < 1000 ? page("a", "same") : page("a"));
     }));
     MCPClient client(server.url());
     EXPECT_EQ(namesOf(listTools(client)).size(), 1000u);
@@ -187,7 +188,7 @@ TEST(MCPClient, AThousandPagesAreListed) {
 
 TEST(MCPClient, CallsAToolWithItsArgumentsUnchanged) {
     MCPServer server([](const ReceivedRequest& request) {
-        return jsonAnswer(
+        return jsonResponse(
             request, R"({"content":[{"type":"text","text":"t"},{"type":"x","n":1e400}],"isError":false})");
     });
     MCPClient client(server.url());
@@ -205,7 +206,7 @@ TEST(MCPClient, CallsAToolWithItsArgumentsUnchanged) {
 TEST(MCPClient, AResultThatIsAnErrorFailsWithAllOfIt) {
     const std::string result =
         R"({"content":[{"type":"text","text":"broken"},{"type":"video","u":1}],"isError":true})";
-    MCPServer server([&](const ReceivedRequest& request) { return jsonAnswer(request, result); });
+    MCPServer server([&](const ReceivedRequest& request) { return jsonResponse(request, result); });
     MCPClient client(server.url());
     const auto outcome = callTool(client, "tool");
     ASSERT_FALSE(outcome);
@@ -218,7 +219,7 @@ TEST(MCPClient, AResultThatIsAnErrorFailsWithAllOfIt) {
 
 TEST(MCPClient, AToolsResultThatIsNoneFailsWithWhatIsWrong) {
     MCPServer server([](const ReceivedRequest& request) {
-        return jsonAnswer(request, R"({"content":[{"type":"image","data":"AAAA"}]})");
+        return jsonResponse(request, R"({"content":[{"type":"image","data":"AAAA"}]})");
     });
     MCPClient client(server.url());
     const auto outcome = callTool(client, "tool");

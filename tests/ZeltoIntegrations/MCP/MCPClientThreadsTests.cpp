@@ -21,7 +21,7 @@ namespace {
 TEST(MCPClientThreads, OperationsRunAtTheSameTimeAndOutliveTheClient) {
     MCPServer server([](const ReceivedRequest& request) {
         return methodOf(request) == "ping" ? eventStream(eventOf(respondTo(idOf(request), "{}")))
-                                           : jsonAnswer(request, R"({"tools":[],"content":[]})");
+                                           : jsonResponse(request, R"({"tools":[],"content":[]})");
     });
     constexpr int rounds = 30;
     std::atomic<int> left = rounds * 3;
@@ -43,7 +43,7 @@ TEST(MCPClientThreads, OperationsRunAtTheSameTimeAndOutliveTheClient) {
     all.wait();
 }
 
-// Answers each call on a thread of its own, one after the other.
+// Completes each call on a thread of its own, one after the other.
 class ThreadedProvider final : public MCPAuthorizationProvider {
   public:
     ~ThreadedProvider() override {
@@ -79,7 +79,7 @@ class ThreadedProvider final : public MCPAuthorizationProvider {
         }
     }
 
-    std::mutex lock_; // guards what follows
+    std::mutex lock_; // guards the members below
     std::condition_variable changed_;
     std::deque<MCPCompletion<Headers>> waiting_;
     bool isOver_ = false;
@@ -87,13 +87,13 @@ class ThreadedProvider final : public MCPAuthorizationProvider {
 };
 
 TEST(MCPClientThreads, EveryCallOfEightThreadsCompletesOnce) {
-    // Every seventh request finds its session gone.
+    // Every seventh request finds its session expired.
     MCPServer server(numbered([](const ReceivedRequest& request, int count) {
         if (request.method == "DELETE") {
             return status(200);
         }
         return count % 7 == 0 ? status(404)
-                              : jsonAnswer(request, count % 2 ? page("ab") : R"({"content":[]})");
+                              : jsonResponse(request, count % 2 ? page("ab") : R"({"content":[]})");
     }));
     constexpr int threads = 8;
     constexpr int rounds = 20;

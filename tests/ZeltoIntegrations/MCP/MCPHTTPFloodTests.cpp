@@ -1,4 +1,4 @@
-// What a server that never stops costs: no memory beyond what is read at a time.
+// A server that never stops must not use more memory than is read at a time.
 
 #include "MCPCalls.h"
 #include "ProcessMemory.h"
@@ -24,7 +24,7 @@ constexpr std::size_t flood = std::size_t{200} << 20;
 constexpr std::size_t little = (std::size_t{16} << 20) + memoryOverhead;
 
 const std::string notification = R"({"jsonrpc":"2.0","method":"notifications/message"})";
-const std::string theAnswer = respondTo("\"1\"", "true");
+const std::string theResponse = respondTo("\"1\"", "true");
 
 std::string repeated(std::string_view piece) {
     std::string text;
@@ -34,13 +34,13 @@ std::string repeated(std::string_view piece) {
     return text;
 }
 
-// Sends the piece until that much has gone.
+// Sends the piece until that many bytes were sent.
 void pour(const Sender& send, std::string_view piece, std::size_t size) {
     for (std::size_t sent = 0; sent < size && send(piece); sent += piece.size()) {
     }
 }
 
-// An answer of this type without an end.
+// An endless response of this type.
 PlayedResponse endless(std::string contentType, std::string piece) {
     return {.closes = true,
             .raw = "HTTP/1.1 200 OK\r\nContent-Type: " + contentType + "\r\n\r\n",
@@ -52,7 +52,7 @@ PlayedResponse endless(std::string contentType, std::string piece) {
 
 URLSessionConfiguration limitedTo(std::size_t size) {
     auto configuration = URLSessionConfiguration::ephemeral();
-    configuration.largestAnswer = size;
+    configuration.maximumResponseSize = size;
     return configuration;
 }
 
@@ -64,9 +64,9 @@ TEST(MCPHTTPFlood, WhatIsPassedOverOnAStreamTakesNoMemory) {
                                   eventOf(respondTo("9", "\"" + kilobyte + "\"")), eventOf(notification)}) {
         const auto piece = repeated(each);
         TestHTTPServer server({eventStream([&](const Sender& send) {
-            // Short lines take their time.
+            // Short lines take longer.
             pour(send, piece, each.size() < 100 ? flood / 8 : flood);
-            send("\n\n" + eventOf(theAnswer));
+            send("\n\n" + eventOf(theResponse));
         })});
         auto transport = transportTo(server);
         std::optional<MCPResult<MCPResponse>> result;

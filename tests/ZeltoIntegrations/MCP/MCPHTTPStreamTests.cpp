@@ -1,4 +1,4 @@
-// Event streams as hostile servers play them.
+// Event streams of hostile servers.
 
 #include "MCPCalls.h"
 
@@ -13,7 +13,7 @@
 namespace zelto {
 namespace {
 
-// What the request with the id "1" comes to that gets this stream.
+// The result of the request with the id "1" that gets this stream.
 MCPResult<MCPResponse> outcomeOf(std::string stream) {
     TestHTTPServer server({eventStream(std::move(stream))});
     auto transport = transportTo(server);
@@ -27,23 +27,23 @@ MCPResult<MCPResponse> outcomeOf(std::function<void(const Sender&)> play,
     return send(transport);
 }
 
-const std::string theAnswer = respondTo("\"1\"", "true");
+const std::string theResponse = respondTo("\"1\"", "true");
 const std::string notification = R"({"jsonrpc":"2.0","method":"notifications/message","params":{}})";
 
-TEST(MCPHTTPStream, PassesOverWhatIsNoAnswerToTheRequest) {
+TEST(MCPHTTPStream, SkipsWhatIsNoResponseToTheRequest) {
     const auto result =
         outcomeOf(": hello\n\nevent: x\n\n" + eventOf(notification) + eventOf("{\"id\":null}") +
                   eventOf(respondTo("1", "false")) + eventOf(respondTo("\"2\"", "false")) +
-                  "event: ping\nid: 1\nretry: 5\n" + eventOf(theAnswer) + eventOf("not read"));
+                  "event: ping\nid: 1\nretry: 5\n" + eventOf(theResponse) + eventOf("not read"));
     ASSERT_TRUE(result);
     EXPECT_EQ(result->result, JSONValue(true));
 }
 
-TEST(MCPHTTPStream, TheAnswerEndsItWithoutTheRest) {
+TEST(MCPHTTPStream, TheResponseEndsItBeforeTheEndOfTheStream) {
     Event isOver;
     const auto result = outcomeOf([&](const Sender& send) {
         send(eventOf(notification));
-        send(eventOf(theAnswer));
+        send(eventOf(theResponse));
         while (send(eventOf(notification))) {
         }
         isOver.set();
@@ -52,11 +52,11 @@ TEST(MCPHTTPStream, TheAnswerEndsItWithoutTheRest) {
     isOver.wait();
 }
 
-TEST(MCPHTTPStream, EndingWithoutTheAnswerSaysSo) {
+TEST(MCPHTTPStream, EndingWithoutTheResponseSaysSo) {
     EXPECT_EQ(outcomeOf(""), failed(MCPClientError::missingJSONRPCResponse()));
     EXPECT_EQ(outcomeOf(eventOf(notification)), failed(MCPClientError::missingJSONRPCResponse()));
-    EXPECT_EQ(outcomeOf("data: " + theAnswer + "\n"), failed(MCPClientError::missingJSONRPCResponse()));
-    EXPECT_TRUE(outcomeOf("data: " + theAnswer + "\n\r"));
+    EXPECT_EQ(outcomeOf("data: " + theResponse + "\n"), failed(MCPClientError::missingJSONRPCResponse()));
+    EXPECT_TRUE(outcomeOf("data: " + theResponse + "\n\r"));
 }
 
 TEST(MCPHTTPStream, AnEventThatIsNoMessageFailsTheRequest) {
@@ -64,20 +64,20 @@ TEST(MCPHTTPStream, AnEventThatIsNoMessageFailsTheRequest) {
         const auto* error = result ? nullptr : std::get_if<DecodingError>(&result.error().value);
         return error ? std::optional(error->reason) : std::nullopt;
     };
-    EXPECT_EQ(reasonOf(outcomeOf(eventOf("ping") + eventOf(theAnswer))), DecodingError::Reason::syntax);
-    EXPECT_EQ(reasonOf(outcomeOf(eventOf("[]") + eventOf(theAnswer))), DecodingError::Reason::mismatch);
-    EXPECT_EQ(outcomeOf(eventOf("{\"id\":[]}") + eventOf(theAnswer)),
+    EXPECT_EQ(reasonOf(outcomeOf(eventOf("ping") + eventOf(theResponse))), DecodingError::Reason::syntax);
+    EXPECT_EQ(reasonOf(outcomeOf(eventOf("[]") + eventOf(theResponse))), DecodingError::Reason::mismatch);
+    EXPECT_EQ(outcomeOf(eventOf("{\"id\":[]}") + eventOf(theResponse)),
               failed(MCPClientError::invalidJSONRPCIdentifier()));
     EXPECT_EQ(outcomeOf(eventOf("{\"id\":\"1\"}")),
               failed(MCPClientError::invalidJSONRPCVersion(std::nullopt)));
-    EXPECT_EQ(outcomeOf("data: \xFF\n" + eventOf(theAnswer)),
+    EXPECT_EQ(outcomeOf("data: \xFF\n" + eventOf(theResponse)),
               failed(MCPClientError::invalidServerSentEventsUTF8()));
     EXPECT_EQ(reasonOf(outcomeOf("data: ping\n\r")), DecodingError::Reason::syntax);
     EXPECT_EQ(outcomeOf("data: \xFF"), failed(MCPClientError::invalidServerSentEventsUTF8()));
 }
 
-TEST(MCPHTTPStream, AnsweringTwiceCompletesOnce) {
-    const auto result = outcomeOf(eventOf(theAnswer) + eventOf(respondTo("\"1\"", "false")));
+TEST(MCPHTTPStream, RespondingTwiceCompletesOnce) {
+    const auto result = outcomeOf(eventOf(theResponse) + eventOf(respondTo("\"1\"", "false")));
     ASSERT_TRUE(result);
     EXPECT_EQ(result->result, JSONValue(true));
 }
@@ -114,7 +114,7 @@ TEST(MCPHTTPStream, AStreamThatBreaksOffFailsWithTheConnectionsError) {
 
 TEST(MCPHTTPStream, AnEndlessOneEndsAtTheLimitOfTheSession) {
     URLSessionConfiguration small;
-    small.largestAnswer = 4 << 20;
+    small.maximumResponseSize = 4 << 20;
     const std::string block(1 << 16, 'x');
     for (const auto& piece : {block, ":" + block + "\n", eventOf(respondTo("9", "\"" + block + "\"")),
                               std::string(": \n\n") + block + "\n"}) {
@@ -137,7 +137,7 @@ TEST(MCPHTTPStream, AMillionForeignEventsAreReadInPassing) {
         for (int count = 0; count < 1000; ++count) {
             send(block);
         }
-        send(eventOf(theAnswer));
+        send(eventOf(theResponse));
     });
     EXPECT_TRUE(result);
 }
@@ -149,7 +149,7 @@ TEST(MCPHTTPStream, OneThatStallsEndsByCancelling) {
         send(": wait\n");
         hasBegun.set();
         goOn.wait();
-        send(eventOf(theAnswer));
+        send(eventOf(theResponse));
     })});
     auto transport = transportTo(server);
     Completed<MCPResult<MCPResponse>> end;
@@ -161,7 +161,7 @@ TEST(MCPHTTPStream, OneThatStallsEndsByCancelling) {
     goOn.set();
 }
 
-TEST(MCPHTTPStream, CancellingWhileAnswersComeCompletesEachCallOnce) {
+TEST(MCPHTTPStream, CancellingWhileResponsesComeCompletesEachCallOnce) {
     TestHTTPServer server([](const ReceivedRequest& request) {
         return eventStream(eventOf(notification) + eventOf(respondTo(idOf(request), "1")) +
                            eventOf(notification));
@@ -188,20 +188,20 @@ TEST(MCPHTTPStream, CancellingWhileAnswersComeCompletesEachCallOnce) {
 TEST(MCPHTTPStream, ItsConnectionServesTheNextCallWhenTheServerEndsTheStream) {
     TestHTTPServer server([](const ReceivedRequest& request) {
         return eventStream(
-            [answer = eventOf(respondTo(idOf(request), "1"))](const Sender& send) { send(answer); });
+            [response = eventOf(respondTo(idOf(request), "1"))](const Sender& send) { send(response); });
     });
     auto transport = transportTo(server);
     constexpr int calls = 200;
     for (int call = 0; call < calls; ++call) {
         ASSERT_TRUE(send(transport, std::to_string(call)));
     }
-    // A call that begins before the end of the stream before it has come needs one more.
+    // A call that begins before the end of the previous stream has arrived needs another connection.
     EXPECT_LT(server.connectionCount(), calls / 10);
 }
 
 TEST(MCPHTTPStream, JSONThatIsCalledAStreamIsNoStream) {
-    EXPECT_EQ(outcomeOf(theAnswer), failed(MCPClientError::missingJSONRPCResponse()));
-    TestHTTPServer server({PlayedResponse::json(eventOf(theAnswer))});
+    EXPECT_EQ(outcomeOf(theResponse), failed(MCPClientError::missingJSONRPCResponse()));
+    TestHTTPServer server({PlayedResponse::json(eventOf(theResponse))});
     auto transport = transportTo(server);
     const auto result = send(transport);
     ASSERT_FALSE(result);

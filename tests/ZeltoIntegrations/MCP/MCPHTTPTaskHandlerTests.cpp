@@ -1,4 +1,4 @@
-// The handlers by themselves, without a network.
+// The handlers on their own, without a network.
 
 #include "MCPCalls.h"
 
@@ -16,7 +16,7 @@
 namespace zelto {
 namespace {
 
-// A handler of each kind for the request with the id "1", in a session, and what it has delivered.
+// A handler of each kind for the request with the id "1", in a session, and its results.
 template <class T> struct Delivered {
     std::vector<MCPResult<T>> results;
     std::shared_ptr<std::optional<std::string>> sessionID =
@@ -65,9 +65,9 @@ bool succeeds(const MCPHTTPTaskDecision& decision) {
 
 const std::unexpected<MCPError> lost = failure(MCPError(URLError{URLErrorCode::connectionLost, "gone"}));
 const std::unexpected<MCPError> noHead = failed(MCPClientError::invalidHTTPResponse());
-const std::string theAnswer = respondTo("\"1\"", "true");
+const std::string theResponse = respondTo("\"1\"", "true");
 
-TEST(MCPHTTPTaskHandler, EndingBeforeTheHeadIsAnAnswerToANotificationAlone) {
+TEST(MCPHTTPTaskHandler, EndingBeforeTheHeadIsAResponseToANotificationAlone) {
     Request request;
     request.handler.complete({});
     EXPECT_EQ(request.results, std::vector<MCPResult<MCPResponse>>{noHead});
@@ -82,7 +82,7 @@ TEST(MCPHTTPTaskHandler, EndingBeforeTheHeadIsAnAnswerToANotificationAlone) {
 
 TEST(MCPHTTPTaskHandler, DataBeforeTheHeadIsPassedOver) {
     Request request;
-    EXPECT_TRUE(goesOn(request.handler.handle(piece(theAnswer))));
+    EXPECT_TRUE(goesOn(request.handler.handle(piece(theResponse))));
     request.handler.complete({});
     EXPECT_EQ(request.results, std::vector<MCPResult<MCPResponse>>{noHead});
     Notification notification;
@@ -117,7 +117,7 @@ TEST(MCPHTTPTaskHandler, WhatIsKnownByThenIsDeliveredWhateverTheEnd) {
     Request request;
     EXPECT_TRUE(goesOn(request.handler.handle(head(200, "text/event-stream"))));
     EXPECT_TRUE(goesOn(request.handler.handle(piece(eventOf(respondTo("\"2\"", "0"))))));
-    EXPECT_TRUE(succeeds(request.handler.handle(piece(eventOf(theAnswer)))));
+    EXPECT_TRUE(succeeds(request.handler.handle(piece(eventOf(theResponse)))));
     request.handler.complete(lost);
     EXPECT_EQ(request.results, (std::vector<MCPResult<MCPResponse>>{
                                    MCPResponse{MCPRequestID::string("1"), JSONValue(true), {}}}));
@@ -148,8 +148,8 @@ TEST(MCPHTTPTaskHandler, ANotificationThatGetsAnotherTwoHundredWaitsForTheEnd) {
 TEST(MCPHTTPTaskHandler, ABodyIsDecodedAtItsEndAlone) {
     Request request;
     EXPECT_TRUE(goesOn(request.handler.handle(head(200))));
-    EXPECT_TRUE(goesOn(request.handler.handle(piece(theAnswer.substr(0, 10)))));
-    EXPECT_TRUE(goesOn(request.handler.handle(piece(theAnswer.substr(10)))));
+    EXPECT_TRUE(goesOn(request.handler.handle(piece(theResponse.substr(0, 10)))));
+    EXPECT_TRUE(goesOn(request.handler.handle(piece(theResponse.substr(10)))));
     EXPECT_TRUE(request.results.empty());
     request.handler.complete({});
     ASSERT_EQ(request.results.size(), 1u);

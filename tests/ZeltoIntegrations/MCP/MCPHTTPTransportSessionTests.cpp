@@ -18,7 +18,7 @@ using Session = MCPTransportInSession;
 TEST(MCPHTTPTransportSession, SendsVersionAndSessionOnceItHoldsThem) {
     TestHTTPServer server([](const ReceivedRequest& request) {
         return request.method == "DELETE" ? status(200)
-                                          : jsonAnswer(request, "1", {{"Mcp-Session-Id", "s-1"}});
+                                          : jsonResponse(request, "1", {{"Mcp-Session-Id", "s-1"}});
     });
     auto transport = transportTo(server);
     EXPECT_EQ(transport.activeSessionID(), std::nullopt);
@@ -123,7 +123,7 @@ TEST(MCPHTTPTransportSession, ASessionIDIsTakenFromTwoHundredsAlone) {
     EXPECT_EQ(transport.activeSessionID(), "two");
 }
 
-TEST(MCPHTTPTransportSession, ALateAnswerOfASessionThatIsOverLeavesTheNewOneAlone) {
+TEST(MCPHTTPTransportSession, ALateResponseOfASessionThatIsOverLeavesTheNewOneAlone) {
     for (const auto& late : {status(404), status(202, {{"Mcp-Session-Id", "one"}})}) {
         Event hasArrived;
         Event goOn;

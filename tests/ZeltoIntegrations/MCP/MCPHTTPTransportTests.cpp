@@ -13,7 +13,7 @@ namespace {
 using Session = MCPTransportInSession;
 
 TEST(MCPHTTPTransport, SendsAMessageAsOnePostWithoutASessionAtFirst) {
-    TestHTTPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "1"); });
+    TestHTTPServer server([](const ReceivedRequest& request) { return jsonResponse(request, "1"); });
     auto transport = transportTo(server);
     const auto response = send(transport, "a", "initialize");
     ASSERT_TRUE(response);
@@ -93,23 +93,23 @@ TEST(MCPHTTPTransport, AnUnauthorisedMessageFailsWithWhatTheChallengeSays) {
         {"Basic realm=x, Bearer resource_metadata=\"" + url.absoluteString() + "\"",
          MCPClientError::authorizationRequired(url)}};
     for (const auto& [header, error] : rows) {
-        const auto answer = header ? status(401, {{"www-authenticate", *header}}) : status(401);
-        EXPECT_EQ(outcomeOf(answer, aRequest), failed(error));
-        EXPECT_EQ(outcomeOf(answer, aNotification), failed(error));
-        Session session(answer);
+        const auto response = header ? status(401, {{"www-authenticate", *header}}) : status(401);
+        EXPECT_EQ(outcomeOf(response, aRequest), failed(error));
+        EXPECT_EQ(outcomeOf(response, aNotification), failed(error));
+        Session session(response);
         EXPECT_EQ(disconnect(session.transport), failed(error));
         EXPECT_EQ(session.transport.activeSessionID(), "s-1");
     }
 }
 
 TEST(MCPHTTPTransport, SeveralChallengeFieldsAreReadAsOne) {
-    const auto answer = status(
+    const auto response = status(
         401, {{"WWW-Authenticate", "Basic realm=x"}, {"WWW-Authenticate", "Bearer resource_metadata=a://b"}});
-    EXPECT_EQ(outcomeOf(answer, aRequest),
+    EXPECT_EQ(outcomeOf(response, aRequest),
               failed(MCPClientError::authorizationRequired(URL::parse("a://b").value())));
 }
 
-TEST(MCPHTTPTransport, ANotificationAnsweredAcceptedCompletesAtOnce) {
+TEST(MCPHTTPTransport, ANotificationWith202CompletesAtOnce) {
     Event isOver;
     TestHTTPServer server([&](const ReceivedRequest&) {
         return PlayedResponse{.closes = true,
@@ -125,7 +125,7 @@ TEST(MCPHTTPTransport, ANotificationAnsweredAcceptedCompletesAtOnce) {
     isOver.wait();
 }
 
-TEST(MCPHTTPTransport, ANotificationAnsweredOtherwiseCompletesWhenTheBodyHasCome) {
+TEST(MCPHTTPTransport, ANotificationWithAnotherStatusCompletesWhenTheBodyHasCome) {
     Event goOn;
     std::atomic<bool> bodyCame = false;
     TestHTTPServer server([&](const ReceivedRequest&) {
@@ -159,7 +159,7 @@ TEST(MCPHTTPTransport, AJSONBodyWithAnotherIDIsDeliveredAsItIs) {
     EXPECT_EQ(result->result->text(), "[1.0,1e400]");
 }
 
-TEST(MCPHTTPTransport, AJSONBodyThatIsNoAnswerFailsWithWhatIsWrong) {
+TEST(MCPHTTPTransport, AJSONBodyThatIsNoResponseFailsWithWhatIsWrong) {
     EXPECT_EQ(outcomeOf(PlayedResponse::json(R"({"jsonrpc":"1.0","id":1})"), aRequest),
               failed(MCPClientError::invalidJSONRPCVersion("1.0")));
     EXPECT_EQ(outcomeOf(PlayedResponse::json(R"({"jsonrpc":"2.0","id":null})"), aRequest),
@@ -174,7 +174,7 @@ TEST(MCPHTTPTransport, AJSONBodyThatIsNoAnswerFailsWithWhatIsWrong) {
 TEST(MCPHTTPTransport, ConnectionErrorsComeThroughAsTheyAre) {
     EXPECT_EQ(connectionError(outcomeOf(PlayedResponse::reset(), aRequest)), URLErrorCode::connectionLost);
     EXPECT_EQ(connectionError(outcomeOf(PlayedResponse::bytes("no HTTP at all\r\n\r\n"), aRequest)),
-              URLErrorCode::badAnswer);
+              URLErrorCode::badResponse);
     std::optional<MCPHTTPTransport> orphan;
     {
         TestHTTPServer gone(std::vector<PlayedResponse>{});
@@ -187,7 +187,7 @@ TEST(MCPHTTPTransport, ConnectionErrorsComeThroughAsTheyAre) {
 }
 
 TEST(MCPHTTPTransport, CompletesOnItsSerialQueueWhereARequestWasMade) {
-    TestHTTPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "1"); });
+    TestHTTPServer server([](const ReceivedRequest& request) { return jsonResponse(request, "1"); });
     auto transport = transportTo(server);
     std::atomic<int> running = 0;
     std::atomic<bool> overlapped = false;
@@ -209,7 +209,7 @@ TEST(MCPHTTPTransport, CompletesOnItsSerialQueueWhereARequestWasMade) {
 }
 
 TEST(MCPHTTPTransport, ACompletionHoldsUpItsOwnTransportAlone) {
-    TestHTTPServer server([](const ReceivedRequest& request) { return jsonAnswer(request, "1"); });
+    TestHTTPServer server([](const ReceivedRequest& request) { return jsonResponse(request, "1"); });
     auto transport = transportTo(server);
     auto other = transportTo(server);
     Event hasBegun;
@@ -235,7 +235,7 @@ TEST(MCPHTTPTransport, WhatIsUnderWayEndsAlsoWhenTheTransportIsReleased) {
     Event goOn;
     TestHTTPServer server([&](const ReceivedRequest& request) {
         goOn.wait();
-        return jsonAnswer(request, "1");
+        return jsonResponse(request, "1");
     });
     Completed<MCPResult<MCPResponse>> end;
     {

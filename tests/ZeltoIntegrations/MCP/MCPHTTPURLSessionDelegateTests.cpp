@@ -1,4 +1,4 @@
-// The delegate by itself: the tasks of these tests are never resumed.
+// The delegate on its own: the tasks of these tests are never resumed.
 
 #include <ZeltoIntegrations/MCP/MCPHTTPURLSessionDelegate.h>
 
@@ -17,7 +17,7 @@ namespace {
 
 const URL address = URL::parse("http://127.0.0.1/").value();
 
-// Notes what it is told, and decides by a function.
+// Records its events, and decides by a function.
 class NotingHandler final : public MCPHTTPTaskHandler {
   public:
     using Decide = std::function<MCPHTTPTaskDecision()>;
@@ -73,7 +73,7 @@ using Decision = MCPHTTPTaskDecision;
 using Notes = std::vector<std::string>;
 const MCPResult<void> success;
 
-TEST_F(MCPHTTPURLSessionDelegateTest, AnAnswerThatIsNotOfHTTPEndsTheTask) {
+TEST_F(MCPHTTPURLSessionDelegateTest, AResponseThatIsNotOfHTTPEndsTheTask) {
     const auto handler = handlerThat(Decision::continueLoading);
     const auto bare = std::make_shared<const URLResponse>(address);
     EXPECT_FALSE(isAllowed(bare));
@@ -92,7 +92,7 @@ TEST_F(MCPHTTPURLSessionDelegateTest, ATaskWithoutAHandlerIsCancelled) {
     EXPECT_EQ(end.value().code(), URLErrorCode::cancelled);
 }
 
-TEST_F(MCPHTTPURLSessionDelegateTest, TheHandlerIsToldOfAllAndCompletedByTheEnd) {
+TEST_F(MCPHTTPURLSessionDelegateTest, TheHandlerGetsEveryEventAndIsCompletedByTheEnd) {
     const auto handler = handlerThat(Decision::continueLoading);
     EXPECT_TRUE(isAllowed(head));
     receive("a");
@@ -141,7 +141,7 @@ TEST_F(MCPHTTPURLSessionDelegateTest, NothingReachesAHandlerThatIsBeingCompleted
     EXPECT_EQ(handler->notes, (Notes{"a", "complete"}));
 }
 
-TEST_F(MCPHTTPURLSessionDelegateTest, AHandlerThatWasRemovedHearsNothing) {
+TEST_F(MCPHTTPURLSessionDelegateTest, AHandlerThatWasRemovedGetsNoEvent) {
     const auto handler = handlerThat(Decision::continueLoading);
     delegate.remove(*task);
     delegate.cancelAll();

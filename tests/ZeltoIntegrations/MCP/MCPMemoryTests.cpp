@@ -1,4 +1,4 @@
-// Where memory does not last for an answer, its call must come to an end as well.
+// If there is not enough memory for a response, its call must end too.
 
 #include "AllocationLimit.h"
 #include "MCPCalls.h"
@@ -19,10 +19,10 @@ namespace {
 
 constexpr std::size_t large = 1 << 20;
 
-// Hands one result on, on the caller's thread.
-class OneAnswer final : public MCPTransport {
+// Passes one result on, on the caller's thread.
+class OneResponse final : public MCPTransport {
   public:
-    explicit OneAnswer(JSONValue result) : result_(std::move(result)) {}
+    explicit OneResponse(JSONValue result) : result_(std::move(result)) {}
 
     std::optional<std::string> activeSessionID() const override { return std::nullopt; }
 
@@ -43,10 +43,10 @@ class OneAnswer final : public MCPTransport {
 };
 
 MCPClient clientWith(std::string_view result) {
-    return MCPClient(std::make_shared<OneAnswer>(JSONValue::parse(result).value()));
+    return MCPClient(std::make_shared<OneResponse>(JSONValue::parse(result).value()));
 }
 
-// What a handler delivers at the end of this answer when no large block of memory is left.
+// The handler's result for this response when large allocations fail.
 template <class F> MCPResult<MCPResponse> outcomeOf(std::string contentType, F&& receive) {
     std::optional<MCPResult<MCPResponse>> outcome;
     MCPHTTPRequestHandler handler(MCPRequestID::string("1"), {[] { return std::nullopt; }, [](auto) {}},
@@ -66,11 +66,11 @@ TEST(MCPMemory, ADecodingThatItDoesNotLastForFails) {
     EXPECT_EQ(connectionError(result), URLErrorCode::responseTooLarge);
 }
 
-TEST(MCPMemory, AnAnswerThatItDoesNotLastForEndsTheRequest) {
-    const auto answer = respondTo("\"1\"", "\"" + std::string(large, 'x') + "\"");
-    const auto text = "data: " + answer + "\n\r"; // one event, which the stream's end ends
-    EXPECT_EQ(connectionError(outcomeOf("application/json",
-                                        [&](auto& handler) { handler.handle({std::string_view(answer)}); })),
+TEST(MCPMemory, AResponseThatExceedsItEndsTheRequest) {
+    const auto response = respondTo("\"1\"", "\"" + std::string(large, 'x') + "\"");
+    const auto text = "data: " + response + "\n\r"; // one event, ended by the end of the stream
+    EXPECT_EQ(connectionError(outcomeOf(
+                  "application/json", [&](auto& handler) { handler.handle({std::string_view(response)}); })),
               URLErrorCode::responseTooLarge);
     EXPECT_EQ(connectionError(outcomeOf("text/event-stream",
                                         [&](auto& handler) { handler.handle({std::string_view(text)}); })),

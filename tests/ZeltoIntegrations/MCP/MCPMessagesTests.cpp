@@ -12,7 +12,7 @@ namespace {
 
 using Reason = DecodingError::Reason;
 
-// Numbers beyond every type, an order of keys that no map keeps, escapes and all planes of Unicode.
+// Numbers beyond every type, keys in an order that no map has, escapes and all planes of Unicode.
 const std::string anyJSON = R"({"z":[1,1.0,-0,1e400,123456789012345678901234567890,9223372036854775807,)"
                             R"(18446744073709551615,-9223372036854775808,1e-400,0.10],"a":{"":null,"b":{}},)"
                             R"("ключ":"\u0000\n\"\\/ é 漢 😀","t":[true,false,[]]})";
@@ -56,7 +56,7 @@ TEST(MCPRequestID, IsATextOrAWholeNumber) {
     EXPECT_EQ(rewritten<MCPRequestID>(R"("a b")"), R"("a b")");
 }
 
-// Whole numbers as every reader of JSON takes them.
+// Whole numbers as every JSON reader accepts them.
 TEST(MCPRequestID, ARealThatIsAWholeNumberIsThatNumber) {
     EXPECT_EQ(decodedFrom<MCPRequestID>("7.0"), MCPRequestID::int_(7));
     EXPECT_EQ(decodedFrom<MCPRequestID>("1e3"), MCPRequestID::int_(1000));
@@ -175,7 +175,7 @@ TEST(MCPInitialize, OffersTheLatestVersionAndNeedsAllKeysWhenRead) {
         "clientInfo");
 }
 
-TEST(MCPInitialize, TheAnswerMayHaveInstructions) {
+TEST(MCPInitialize, TheResponseMayHaveInstructions) {
     const std::string plain =
         R"({"protocolVersion":"2025-03-26","capabilities":{},"serverInfo":{"name":"n","version":"1"}})";
     EXPECT_EQ(rewritten<MCPInitializeResult>(plain), plain);

@@ -26,7 +26,7 @@ std::shared_ptr<const std::string> id(std::string text) {
     return std::make_shared<const std::string>(std::move(text));
 }
 
-// The events of a stream in pieces of that many bytes; those of finish() too.
+// The events of a stream that comes in pieces of that many bytes, finish() included.
 Events eventsIn(std::string_view stream, std::size_t piece) {
     MCPServerSentEventsParser parser;
     Events all;
@@ -41,7 +41,7 @@ Events eventsIn(std::string_view stream, std::size_t piece) {
     return all;
 }
 
-// The same in every cutting into equal pieces.
+// The same for every division into equal pieces.
 Events eventsIn(std::string_view stream) {
     auto whole = eventsIn(stream, stream.size() + 1);
     for (std::size_t piece = 1; piece <= stream.size(); ++piece) {
@@ -177,7 +177,7 @@ TEST(MCPServerSentEventsParser, TextInManyLettersIsCutLikeAnyOther) {
     EXPECT_EQ(parser.append("\xA9\n\n"), Events{event("é")});
 }
 
-TEST(MCPServerSentEventsParser, BehindALineThatFailedTheRestIsKept) {
+TEST(MCPServerSentEventsParser, WhatFollowsALineThatFailedIsKept) {
     MCPServerSentEventsParser parser;
     EXPECT_EQ(parser.append("data: lost\n\ndata: a\n\xFF\n\ndata: b\n\ndata"),
               failure(MCPClientError::invalidServerSentEventsUTF8()));

@@ -19,14 +19,14 @@ template <class T> std::string encodedFrom(const T& value) {
     return JSONEncoder().encode(value).value();
 }
 
-// What comes back when a text is read as a T and written again.
+// The text after it was read as a T and written again.
 template <class T> std::string rewritten(std::string_view text) {
     const auto value = decodedFrom<T>(text);
     EXPECT_TRUE(value) << text;
     return value ? encodedFrom(*value) : std::string();
 }
 
-// The error that reading fails with; the test fails if it does not.
+// The error that reading fails with; the test fails if it succeeds.
 template <class T> MCPError errorOf(std::string_view text) {
     auto value = decodedFrom<T>(text);
     EXPECT_FALSE(value) << text;

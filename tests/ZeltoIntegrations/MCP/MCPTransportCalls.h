@@ -11,13 +11,13 @@
 
 namespace zelto {
 
-// A transport that holds a session, and a server that answers all that comes after with this.
+// A transport within a session, and a server that responds to every later request with this.
 struct MCPTransportInSession {
-    explicit MCPTransportInSession(PlayedResponse answer, std::string sessionID = "s-1")
-        : server([answer = std::move(answer), sessionID,
+    explicit MCPTransportInSession(PlayedResponse response, std::string sessionID = "s-1")
+        : server([response = std::move(response), sessionID,
                   isFirst = std::make_shared<std::atomic<bool>>(true)](const ReceivedRequest& request) {
-              return isFirst->exchange(false) ? jsonAnswer(request, "{}", {{"MCP-SESSION-ID", sessionID}})
-                                              : answer;
+              return isFirst->exchange(false) ? jsonResponse(request, "{}", {{"MCP-SESSION-ID", sessionID}})
+                                              : response;
           }),
           transport(transportTo(server)) {
         EXPECT_TRUE(send(transport));
@@ -28,9 +28,9 @@ struct MCPTransportInSession {
     MCPHTTPTransport transport;
 };
 
-// What a message of each kind comes to that gets this answer, without a session.
-template <class F> auto outcomeOf(PlayedResponse answer, F&& message) {
-    TestHTTPServer server([&](const ReceivedRequest&) { return answer; });
+// The result of a message of each kind that gets this response, without a session.
+template <class F> auto outcomeOf(PlayedResponse response, F&& message) {
+    TestHTTPServer server([&](const ReceivedRequest&) { return response; });
     auto transport = transportTo(server);
     return message(transport);
 }

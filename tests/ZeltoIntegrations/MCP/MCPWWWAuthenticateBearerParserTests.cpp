@@ -41,7 +41,7 @@ TEST(MCPWWWAuthenticateBearerParser, WithoutMetadataSaysSo) {
     }
 }
 
-TEST(MCPWWWAuthenticateBearerParser, WithoutABearerChallengeGivesNothing) {
+TEST(MCPWWWAuthenticateBearerParser, WithoutABearerChallengeGivesNullopt) {
     for (const auto* header :
          {R"(Basic realm="Bearer resource_metadata=1")", "", " ", "xBearer a=b", "Bearers a=b", "Bearer=x",
           "a=Bearer", R"(Basic realm="\" Bearer resource_metadata=a://b")", R"(Basic "Bearer )", "Bea",

@@ -13,7 +13,7 @@
 
 namespace zelto {
 
-// What a sanitizer adds: it keeps what was freed, and shadows memory.
+// What a sanitizer adds: it keeps freed memory, and needs shadow memory.
 #ifdef ZELTO_MEMORY_IS_SHADOWED
 inline constexpr std::size_t memoryOverhead = std::size_t{600} << 20;
 #else
@@ -33,7 +33,7 @@ inline std::size_t memoryOf(std::string_view field) {
     return 0;
 }
 
-// How far this process's memory rises above what it is now while the function runs.
+// The growth of this process's memory above its current size while the function runs.
 template <class F> std::size_t growthDuring(F&& function) {
     std::ofstream("/proc/self/clear_refs") << "5";
     const auto before = memoryOf("VmRSS:");

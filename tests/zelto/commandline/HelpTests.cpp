@@ -92,7 +92,8 @@ TEST(Help, HasExamplesThatRunAsTheyStand) {
     // There a server of the protocol's own makers listens when it is started without options.
     constexpr std::string_view mcpAddress = "http://127.0.0.1:3001/mcp";
     MCPServer server([](const ReceivedRequest& request) {
-        return request.method == "DELETE" ? status(200) : jsonAnswer(request, R"({"tools":[],"content":[]})");
+        return request.method == "DELETE" ? status(200)
+                                          : jsonResponse(request, R"({"tools":[],"content":[]})");
     });
     const ZeltoProgram zelto;
     addTrelloAccount(zelto);

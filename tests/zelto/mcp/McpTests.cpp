@@ -85,7 +85,7 @@ TEST(Mcp, HeadersComeFromTheLineOrStandardInput) {
 TEST(Mcp, TheLogMasksTheSessionAndTheGivenFieldsByTheirValues) {
     std::atomic<bool> isDropped = false;
     MCPServer server([&](const ReceivedRequest& request) {
-        return isDropped.exchange(false) ? status(404) : jsonAnswer(request, "{}");
+        return isDropped.exchange(false) ? status(404) : jsonResponse(request, "{}");
     });
     cli::McpSession session({.server = server.url(),
                              .headers = {{"Authorization", "Bearer canary-token"}, {"X-Key", "canary-key"}},
@@ -179,7 +179,7 @@ TEST(Mcp, IsCancelledByCtrlCHoweverFastTheServerIs) {
             return slowEnd();
         }
         std::call_once(begun, [&] { std::ofstream(fifo) << "begun\n"; });
-        return jsonAnswer(request, "{}");
+        return jsonResponse(request, "{}");
     });
     const auto outcome =
         zelto.runShell("zelto mcp ping " + server.url().absoluteString() +
@@ -192,7 +192,7 @@ TEST(Mcp, IsCancelledByCtrlCHoweverFastTheServerIs) {
 
 TEST(Mcp, AFailingEndOfTheSessionIsAWarning) {
     MCPServer server([](const ReceivedRequest& request) {
-        return request.method == "DELETE" ? status(500) : jsonAnswer(request, "{}");
+        return request.method == "DELETE" ? status(500) : jsonResponse(request, "{}");
     });
     const ZeltoProgram zelto;
     const auto outcome = zelto.run({"mcp", "ping", server.url().absoluteString()});
@@ -274,7 +274,7 @@ TEST(Mcp, OtherFailuresHaveNamesOfTheirOwn) {
 
 TEST(Mcp, NoNameOfAServerForgesALine) {
     MCPServer server([](const ReceivedRequest& request) {
-        return jsonAnswer(request, R"({"tools":[{"name":"a\nb\u001b","title":"c\td","inputSchema":{}}]})");
+        return jsonResponse(request, R"({"tools":[{"name":"a\nb\u001b","title":"c\td","inputSchema":{}}]})");
     });
     const ZeltoProgram zelto;
     EXPECT_EQ(zelto.run({"mcp", "tools", server.url().absoluteString()}).output, "a\\nb\\u{1B}  c\\td\n");
