@@ -1,7 +1,7 @@
-// Cuts event streams of small, middle and large events, in chunks as a network brings them, beside a plain
-// parser that knows "data" alone and checks nothing, and beside a bare scan for line feeds. The bytes lie in
-// the processor's cache as they do when they have just been received, but for one line of 64 MB. Prints the
-// best of several rounds in processor time.
+// Parses event streams of small, medium and large events, in chunks as a network brings them, compared with a
+// plain parser that only supports "data" and checks nothing, and with a bare scan for line feeds. The bytes
+// are in the processor's cache, as if just received, except for one line of 64 MB. Prints the best of several
+// rounds in processor time.
 
 #include <ZeltoIntegrations/MCP/MCPServerSentEventsParser.h>
 
@@ -52,7 +52,7 @@ std::string streamOf(std::size_t eventSize, std::size_t wanted) {
     return stream;
 }
 
-// What any parser must do: find the lines, gather the data, give each event out.
+// What any parser must do: find the lines, collect the data, deliver each event.
 class PlainParser {
   public:
     std::vector<std::string> append(std::string_view bytes) {
@@ -94,7 +94,7 @@ std::size_t countLines(std::string_view chunk) {
     return lines;
 }
 
-// Each chunk of the stream, again and again until so many bytes have been given.
+// Passes each chunk of the stream, repeatedly until that many bytes were given.
 template <class F> void feed(const std::string& stream, std::size_t chunk, std::size_t wanted, F&& take) {
     for (std::size_t given = 0; given < wanted; given += stream.size()) {
         for (std::size_t at = 0; at < stream.size(); at += chunk) {

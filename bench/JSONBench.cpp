@@ -1,6 +1,5 @@
-// Decodes and encodes a list of records of 10 MB, and does the same with Boost.JSON's own document for
-// comparison. Prints the best of several rounds in processor time, which is what the work takes when nothing
-// else disturbs.
+// Decodes and encodes a list of records of 10 MB, compared with Boost.JSON's own document. Prints the best of
+// several rounds in processor time, which does not depend on other processes.
 
 #include <Platform/JSON/JSONRecordDescription.h>
 #include <Platform/JSON/JSONValue.h>
@@ -79,7 +78,7 @@ BenchRecord makeRecord(std::int64_t number) {
 template <class Work> double bestMegabytesPerSecond(std::size_t bytes, Work work) {
     double best = 1e9;
     for (int round = 0; round < rounds; ++round) {
-        // What the work returns is taken down outside the time.
+        // The result is destroyed outside the measured time.
         const auto begin = std::clock();
         const auto kept = work();
         best = std::min(best, static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC);

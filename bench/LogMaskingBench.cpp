@@ -1,4 +1,4 @@
-// Masks a service's answer of 1 MB with 300 secrets alive. Prints the best of several rounds in processor
+// Masks a service's response of 1 MB with 300 live secrets. Prints the best of several rounds in processor
 // time.
 
 #include <ZeltoCommonLogger/LogMasking.h>
@@ -23,7 +23,7 @@ double seconds() {
     return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
 }
 
-std::string answer(bool isEscaped) {
+std::string response(bool isEscaped) {
     std::string text = "[";
     for (int number = 0; text.size() < wantedBytes; ++number) {
         text += R"({"gid":")" + std::to_string(1'000'000 + number) + R"(","name":"Task number )" +
@@ -52,7 +52,7 @@ int main() {
     for (int number = 0; number < 300; ++number) {
         secrets.push_back(SecretRegistry::shared().add("ya29.secret-token-" + std::to_string(number * 7919)));
     }
-    measure("plain JSON, 1 MB", answer(false));
-    measure("JSON with escapes, 1 MB", answer(true));
-    measure("a line of 100 bytes", answer(false).substr(0, 100));
+    measure("plain JSON, 1 MB", response(false));
+    measure("JSON with escapes, 1 MB", response(true));
+    measure("a line of 100 bytes", response(false).substr(0, 100));
 }

@@ -1,6 +1,5 @@
-// Calls of tools on a server in the same process: calls a second and processor time a call, beside a bare
-// libcurl easy handle that posts the same bytes and reads the answer with Boost.JSON. The server's own work
-// is not counted: it is another process.
+// Tool calls on a server in another process: calls per second and processor time per call of this process,
+// compared with a bare libcurl easy handle that posts the same bytes and parses the response with Boost.JSON.
 
 #include <ZeltoIntegrations/MCP/MCPClient.h>
 
@@ -42,7 +41,7 @@ bool sendAll(int socket, std::string_view bytes) {
     return true;
 }
 
-// The text behind `"id":` up to its end: all that an answer needs of a request.
+// The value of `"id":`: all that a response needs of a request.
 std::string idIn(std::string_view request) {
     const auto begin = request.find("\"id\":");
     if (begin == request.npos) {
@@ -71,7 +70,7 @@ std::string respondTo(const std::string& request, Form form, const std::string& 
            "\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
 }
 
-// Answers one request after the other; the requests are small.
+// Responds to one request after the other; the requests are small.
 void serve(int connection, Form form, const std::string& text) {
     const int yes = 1;
     ::setsockopt(connection, IPPROTO_TCP, TCP_NODELAY, &yes, sizeof yes);
@@ -95,7 +94,7 @@ void serve(int connection, Form form, const std::string& text) {
     }
 }
 
-// A process that serves until it is killed; one connection after the other gets a child of its own.
+// A process that serves until it is killed; each connection gets a child process.
 class Server {
   public:
     Server(Form form, std::size_t size) {
@@ -142,7 +141,7 @@ class Server {
 
 struct Rate {
     double callsPerSecond;
-    double microsecondsOfCPU; // a call
+    double microsecondsOfCPU; // per call
 };
 
 template <class F> Rate rateOf(int calls, F&& call) {
@@ -161,7 +160,7 @@ std::size_t keep(const char* bytes, std::size_t, std::size_t count, void* text) 
     return count;
 }
 
-// Posts the same request as the client and reads the text out of the answer.
+// Posts the client's request and extracts the text of the response.
 Rate bareRate(const Server& server, Form form, int calls) {
     CURL* const curl = curl_easy_init();
     const std::string request =

@@ -12,8 +12,8 @@
 #include <thread>
 #include <vector>
 
-// What an operation costs, beside a bare Asio pool that does the same. Each figure is the best of a few
-// rounds and includes making what is run.
+// The cost of an operation, compared with an Asio thread pool that does the same. Each figure is the best of
+// several rounds and includes creating what is run.
 
 namespace {
 
@@ -36,7 +36,7 @@ template <class F> double bestNanoseconds(std::size_t count, F&& work) {
     return best;
 }
 
-void tell(const char* name, double queue, double pool) {
+void print(const char* name, double queue, double pool) {
     std::printf("%-44s %8.0f ns   bare pool %8.0f ns   rate %.2f of the pool's\n", name, queue, pool,
                 pool / queue);
     std::fflush(stdout);
@@ -78,7 +78,7 @@ double operationChain() {
     });
 }
 
-// The same chain, laid while the queue is suspended: the time from its release to its end.
+// The same chain, added while the queue is suspended: the time from resuming it to its end.
 double laidOperationChain() {
     double best = 1e30;
     for (int round = 0; round < rounds; ++round) {
@@ -133,8 +133,8 @@ int main() {
     const std::size_t threads = std::max(4U, std::thread::hardware_concurrency());
     const double posts = emptyPosts(threads);
     const double chained = postChain(threads);
-    tell("1,000,000 empty operations, no limit", emptyOperations(), posts);
-    tell("1,000,000 empty operations, one at a time", serialQueue(), posts);
-    tell("100,000 in a chain, laid and run", operationChain(), chained);
-    tell("100,000 in a chain, run only", laidOperationChain(), chained);
+    print("1,000,000 empty operations, no limit", emptyOperations(), posts);
+    print("1,000,000 empty operations, one at a time", serialQueue(), posts);
+    print("100,000 in a chain, laid and run", operationChain(), chained);
+    print("100,000 in a chain, run only", laidOperationChain(), chained);
 }

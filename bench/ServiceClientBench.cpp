@@ -28,9 +28,9 @@
 #include <string_view>
 #include <vector>
 
-// What a request to a service costs, beside a bare libcurl multi loop that decodes the same record from the
-// same server, which is another process. Each figure is the best of a few rounds, taken in turns; CPU is that
-// of this process, all threads.
+// The cost of a request to a service, compared with a bare libcurl multi loop that decodes the same record
+// from the same server, which is another process. Each figure is the best of several alternating rounds; CPU
+// is that of this process, all threads.
 
 namespace zelto {
 
@@ -62,10 +62,10 @@ constexpr std::string_view body =
     R"(["5abbe4b7ddc1b351ef961415","5abbe4b7ddc1b351ef961416","5abbe4b7ddc1b351ef961417"],)"
     R"("email":"alice@example.com","prefs":{"locale":"en","colorBlind":false}})";
 
-// Answers every request on any number of connections, until the process that made it ends.
+// Responds to every request on any number of connections, until the parent process ends.
 [[noreturn]] void serve(int listener) {
-    const std::string answer = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: " +
-                               std::to_string(body.size()) + "\r\n\r\n" + std::string(body);
+    const std::string response = "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: " +
+                                 std::to_string(body.size()) + "\r\n\r\n" + std::string(body);
     const int poll = ::epoll_create1(0);
     const auto watch = [poll](int socket) {
         epoll_event event{.events = EPOLLIN, .data = {.fd = socket}};
@@ -95,7 +95,7 @@ constexpr std::string_view body =
             auto& text = unread[socket].append(bytes, static_cast<std::size_t>(read));
             for (std::size_t end = 0; (end = text.find("\r\n\r\n")) != text.npos;) {
                 text.erase(0, end + 4);
-                if (::send(socket, answer.data(), answer.size(), MSG_NOSIGNAL) < 0) {
+                if (::send(socket, response.data(), response.size(), MSG_NOSIGNAL) < 0) {
                     break;
                 }
             }
@@ -297,7 +297,7 @@ void compare(const char* name, int count, int inFlight) {
 int main(int argc, char** argv) {
     LVXKeyChainStoreFactory::setStore(std::make_shared<MemoryKeyChainStore>());
     url = "http://127.0.0.1:" + std::to_string(startServer()) + "/1/members/me?fields=all";
-    // "service 64 100000" runs one of the two alone, for a profiler.
+    // "service 64 100000" runs only one of the two, for a profiler.
     if (argc == 4) {
         Cost cost;
         const int inFlight = std::atoi(argv[2]);

@@ -28,9 +28,9 @@
 #include <unistd.h>
 #include <vector>
 
-// The export of a message with one large attachment to Trello, beside `curl -F` of the same file to the same
+// Exports a message with one large attachment to Trello, compared with `curl -F` of the same file to the same
 // local server: CPU time and peak memory of the sending process. Arguments: the size in MiB (100), the rounds
-// (5). The file is a sparse one, so that the disk plays no part.
+// (5). The file is sparse, so that the disk does not matter.
 
 namespace {
 
@@ -38,7 +38,7 @@ using namespace zelto;
 
 constexpr std::int64_t mebibyte = 1 << 20;
 
-// Answers each request when its body has come, and forgets the body.
+// Responds to each request when its body has arrived, and discards the body.
 class Sink {
   public:
     explicit Sink(int connection) : connection_(connection) {}
@@ -56,10 +56,10 @@ class Sink {
             if (!skip(contentLength(head))) {
                 return;
             }
-            constexpr std::string_view answer =
+            constexpr std::string_view response =
                 "HTTP/1.1 200 OK\r\nContent-Type: application/json\r\nContent-Length: "
                 "10\r\n\r\n{\"id\":\"1\"}";
-            if (::send(connection_, answer.data(), answer.size(), MSG_NOSIGNAL) < 0) {
+            if (::send(connection_, response.data(), response.size(), MSG_NOSIGNAL) < 0) {
                 return;
             }
         }
@@ -104,7 +104,7 @@ class Sink {
     std::array<char, 1 << 18> bytes_{};
 };
 
-// In a process of its own, so that its work and memory are nobody's.
+// In a process of its own, so that its work and memory are not counted.
 class ServerProcess {
   public:
     ServerProcess() {
@@ -149,7 +149,7 @@ class ServerProcess {
     pid_t process_ = 0;
 };
 
-// What a process cost: CPU time, and resident memory at its peak and, where it tells, before the work.
+// What a process cost: CPU time, resident memory at its peak and, if it reports that, before the work.
 struct Cost {
     double milliseconds = 1e30;
     double peak = 1e30;
@@ -166,8 +166,8 @@ double mebibytesOf(const std::string& field, const std::string& process) {
     return 0;
 }
 
-// Runs a program. Its peak is looked up while it runs, since what is told at its end counts the memory of the
-// process that it was forked from.
+// Runs a program. Its peak is read while it runs, since the value reported at its end includes the memory of
+// the process that it was forked from.
 Cost costOf(std::vector<std::string> words) {
     std::vector<char*> arguments;
     for (auto& word : words) {
@@ -194,9 +194,9 @@ Cost costOf(std::vector<std::string> words) {
         cost.peak = std::max(cost.peak, mebibytesOf("VmHWM", std::to_string(process)));
         std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
-    std::array<char, 64> told{};
-    if (::read(ends[0], told.data(), told.size() - 1) > 0) {
-        cost.idle = std::strtod(told.data(), nullptr);
+    std::array<char, 64> reported{};
+    if (::read(ends[0], reported.data(), reported.size() - 1) > 0) {
+        cost.idle = std::strtod(reported.data(), nullptr);
     }
     ::close(ends[0]);
     if (status != 0) {
@@ -221,7 +221,7 @@ Cost leastOf(int rounds, const std::vector<std::string>& words) {
     return least;
 }
 
-// The process that exports; tells its memory before it begins.
+// The process that exports; reports its memory before it begins.
 int exportFile(const std::string& server, const std::string& file) {
     URLSessionConfiguration::setDefaults({.route = URL::parse(server)});
     LVXKeyChainStoreFactory::setStore(std::make_shared<MemoryKeyChainStore>());
@@ -246,7 +246,7 @@ int exportFile(const std::string& server, const std::string& file) {
     return exported.get_future().get() ? 0 : 1;
 }
 
-void tell(const char* name, const Cost& cost) {
+void print(const char* name, const Cost& cost) {
     std::printf("%-20s %8.1f ms of CPU   %6.1f MiB at the peak", name, cost.milliseconds, cost.peak);
     if (cost.idle > 0) {
         std::printf("   %5.1f MiB above idle", cost.peak - cost.idle);
@@ -270,10 +270,10 @@ int main(int argc, char** argv) {
         const ServerProcess server;
         std::printf("A file of %lld MiB, the least of %d rounds:\n", static_cast<long long>(size), rounds);
         const auto ours = leastOf(rounds, {"/proc/self/exe", "--export", server.url(), file});
-        tell("export to Trello", ours);
+        print("export to Trello", ours);
         const auto curl = leastOf(rounds, {"curl", "-sS", "-o", "/dev/null", "-F", "file=@" + file.string(),
                                            server.url() + "/1/cards/c/attachments"});
-        tell("curl -F", curl);
+        print("curl -F", curl);
         std::printf("CPU %.2f times that of curl\n", ours.milliseconds / curl.milliseconds);
     }
     std::filesystem::remove(file);

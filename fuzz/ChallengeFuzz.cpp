@@ -1,4 +1,4 @@
-// Whatever a "WWW-Authenticate" holds, it comes to one of three errors or none.
+// Whatever a "WWW-Authenticate" contains, the result is one of three errors or none.
 
 #include <ZeltoIntegrations/MCP/MCPWWWAuthenticateBearerParser.h>
 

@@ -1,4 +1,4 @@
-// An event stream gives the same events in pieces of any size, and those that a parser without haste finds.
+// An event stream gives the same events in pieces of any size, and the same as a simple parser.
 
 #include <ZeltoIntegrations/MCP/MCPServerSentEventsParser.h>
 
@@ -13,8 +13,8 @@ namespace {
 
 using Events = std::vector<MCPServerSentEvent>;
 
-// Up to the first line that is not UTF-8, whose call loses its events; those that came before that call may
-// be more in smaller pieces.
+// Up to the first line that is not UTF-8, whose call loses its events; in smaller pieces more events may come
+// before that call.
 std::pair<Events, bool> eventsIn(std::string_view stream, std::size_t piece) {
     MCPServerSentEventsParser parser;
     Events all;
@@ -44,7 +44,7 @@ std::optional<std::int64_t> wholeNumber(const std::string& text) {
     }
 }
 
-// Line by line, each as a whole; none if one is not UTF-8.
+// Line by line, each as a whole; `nullopt` if one is not UTF-8.
 std::optional<Events> plainEventsIn(std::string_view stream) {
     Events all;
     MCPServerSentEvent next;
@@ -103,7 +103,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size < 2) {
         return 0;
     }
-    // The first byte stretches the text, so that long lines come too.
+    // The first byte repeats the text, so that there are long lines too.
     std::string stream;
     const std::string_view text(reinterpret_cast<const char*>(data) + 2, size - 2);
     const auto blank = text.find(' ');

@@ -1,5 +1,5 @@
-// HTML from a mail: whatever the bytes, every reader ends, what it gives is UTF-8, links are links, and
-// cleaned HTML holds nothing that loads.
+// HTML from a mail: whatever the bytes, every reader ends, its result is UTF-8, links are links, and cleaned
+// HTML contains nothing that loads.
 
 #include <ZeltoHost/HTML/CleanedHTML.h>
 #include <ZeltoHost/HTML/ENML.h>

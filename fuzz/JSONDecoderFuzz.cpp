@@ -1,4 +1,5 @@
-// Bytes become a JSONValue and a record; what decodes must encode, and decode again to the same.
+// Bytes are decoded as a JSONValue and as a record; what decodes must encode, and decode again to the same
+// value.
 
 #include <Platform/JSON/JSONCases.h>
 #include <Platform/JSON/JSONRecordDescription.h>
@@ -76,7 +77,7 @@ template <class T> void checkRoundTrip(std::string_view text, DateStrategy dates
         const auto again = JSONDecoder{dates}.decode<T>(*encoded);
         require(again.has_value());
         require(encoder.encode(*again) == encoded);
-        // The ISO 8601 form holds whole seconds.
+        // The ISO 8601 form has whole seconds only.
         require(dates == DateStrategy::iso8601 || *again == *value);
     }
 }

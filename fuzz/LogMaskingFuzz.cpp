@@ -22,7 +22,7 @@ void require(bool holds) {
     }
 }
 
-// Whatever stands around a secret, and whatever its form, it does not come through.
+// A secret is masked in every form, whatever the text around it.
 void checkSecret(std::string_view before, std::string_view after) {
     const std::string forms[] = {std::string(secret), std::string(secretInBase64),
                                  percentEncode(secret).value()};

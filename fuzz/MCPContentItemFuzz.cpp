@@ -1,5 +1,5 @@
-// A content item that reads is written so that it reads as the same; one of an unknown type is written as it
-// came.
+// A content item that was read is written so that it reads as the same; one of an unknown type is written
+// unchanged.
 
 #include <ZeltoIntegrations/MCP/MCPContentItem.h>
 

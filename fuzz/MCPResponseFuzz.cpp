@@ -1,5 +1,5 @@
-// A server's answer: read in place and from a copy alike, and every record that a result may be reads as what
-// it wrote.
+// A server's response: reading it in place and from a copy gives the same, and every record that a result may
+// be is read back from what it wrote.
 
 #include <ZeltoIntegrations/MCP/MCPDecodingInternal.h>
 #include <ZeltoIntegrations/MCP/MCPInitialize.h>

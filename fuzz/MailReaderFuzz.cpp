@@ -8,7 +8,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-// Any bytes as a mail: every operation of the interactor answers once, with text that is UTF-8.
+// Any bytes as a mail: every operation of the interactor completes once, with text that is UTF-8.
 
 namespace {
 

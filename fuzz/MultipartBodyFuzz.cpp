@@ -1,4 +1,4 @@
-// Bytes become the names, types and values of a form; a reader of multipart bodies must find the same parts
+// Bytes become the names, types and values of a form; a parser of multipart bodies must find the same parts
 // again.
 
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
@@ -34,7 +34,7 @@ std::string takeUntil(std::string_view& text, std::string_view end) {
     return taken;
 }
 
-// By RFC 2046: a delimiter stands at the beginning of a line, headers end at the first empty line.
+// By RFC 2046: a delimiter is at the beginning of a line, headers end at the first empty line.
 std::vector<Part> parse(std::string_view body, const std::string& boundary) {
     std::vector<Part> parts;
     require(body.starts_with("--" + boundary));
@@ -49,7 +49,7 @@ std::vector<Part> parse(std::string_view body, const std::string& boundary) {
     return parts;
 }
 
-// What stands in a quoted name: neither quotes nor line ends, and every other byte as it was.
+// A quoted name contains neither quotes nor line ends, and every other byte unchanged.
 void requireName(std::string_view& header, std::string_view name) {
     const auto quoted = takeUntil(header, "\"");
     std::string expected;
@@ -59,7 +59,7 @@ void requireName(std::string_view& header, std::string_view name) {
     require(quoted == expected);
 }
 
-// Pieces of the input, divided by bytes 0xFE.
+// The pieces of the input, separated by bytes 0xFE.
 std::vector<std::string> pieces(std::string_view input) {
     std::vector<std::string> found(1);
     for (const char each : input) {

@@ -1,4 +1,4 @@
-// A foreign answer becomes a value or one typed error, by its status and its body; nothing else happens.
+// A foreign response becomes a value or one typed error, by its status and its body; nothing else happens.
 
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
 
@@ -45,8 +45,8 @@ void require(bool holds) {
     }
 }
 
-template <class T> void checkRecord(const ServiceResponse& answer, const JSONDecoder& decoder) {
-    const auto value = serviceValue<T>(answer, decoder);
+template <class T> void checkRecord(const ServiceResponse& response, const JSONDecoder& decoder) {
+    const auto value = serviceValue<T>(response, decoder);
     if (!value) {
         require(value.error() == ServiceClientError::dataParseError);
         return;
@@ -54,20 +54,20 @@ template <class T> void checkRecord(const ServiceResponse& answer, const JSONDec
     const JSONEncoder encoder{.dateStrategy = decoder.dateStrategy};
     const auto text = encoder.encode(*value);
     require(text.has_value());
-    // What has no body (204) is no JSON; all else is.
+    // A response without a body (204) has no JSON; everything else has.
     require(decoder.decode<T>(*text).has_value());
 }
 
-void checkValues(const ServiceResponse& answer) {
-    require(serviceValue<Data>(answer, {}) == answer.body);
-    const auto text = serviceValue<std::string>(answer, {});
-    require(text.has_value() == isValidUTF8(viewOf(answer.body)));
+void checkValues(const ServiceResponse& response) {
+    require(serviceValue<Data>(response, {}) == response.body);
+    const auto text = serviceValue<std::string>(response, {});
+    require(text.has_value() == isValidUTF8(viewOf(response.body)));
     for (const auto strategy : {DateStrategy::default_, DateStrategy::iso8601}) {
-        checkRecord<OAuthToken>(answer, {strategy});
-        checkRecord<OAuthErrorBody>(answer, {strategy});
-        checkRecord<Empty>(answer, {strategy});
-        checkRecord<std::vector<FuzzBoard>>(answer, {strategy});
-        checkRecord<FuzzBoard>(answer, {strategy});
+        checkRecord<OAuthToken>(response, {strategy});
+        checkRecord<OAuthErrorBody>(response, {strategy});
+        checkRecord<Empty>(response, {strategy});
+        checkRecord<std::vector<FuzzBoard>>(response, {strategy});
+        checkRecord<FuzzBoard>(response, {strategy});
     }
 }
 

@@ -1,5 +1,5 @@
-// What reaches the sandbox over a socket: whatever the bytes, the request is taken apart or refused, the
-// parts of a form lie within the body, and what is shown of it is UTF-8 without credentials.
+// What the sandbox receives over a socket: whatever the bytes, the request is parsed or refused, the parts of
+// a form lie within the body, and what is shown of it is UTF-8 without credentials.
 
 #include <ZeltoSandbox/Addressing.h>
 #include <ZeltoSandbox/HTTP/RequestParser.h>

@@ -43,8 +43,8 @@ void checkURL(std::string_view text) {
 
 } // namespace
 
-// The text as a URL; as a reference seen from a URL, where it holds a line end; as foreign text in each part
-// of one.
+// The text as a URL; as a reference resolved against a URL, if it contains a line end; as foreign text in
+// each part of a URL.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(bytes), size);
     checkURL(text);

@@ -1,5 +1,5 @@
-// The MCP client against servers that others wrote. They are started by tests/scripts/mcp-interop-test, which
-// tells in the environment where they listen.
+// The MCP client against servers of other authors. They are started by tests/scripts/mcp-interop-test, which
+// sets their addresses in the environment.
 
 #include <ZeltoIntegrations/MCP/MCPCalls.h>
 
@@ -41,7 +41,7 @@ std::set<std::string> toolsOf(MCPClient& client) {
     return names;
 }
 
-// The payload of the only item of that case.
+// The payload of the only item, which must be of that case.
 template <class Case> auto contentOf(const MCPResult<MCPToolCallResult>& result) {
     decltype(Case::content) content;
     int count = 0;
@@ -129,7 +129,7 @@ TEST_F(Everything, WaitsForALongRunningCall) {
     EXPECT_NE(contentOf<MCPContentItem::Text>(result).text.find("complete"), std::string::npos);
 }
 
-TEST_F(Everything, AnswersWhileALongCallRuns) {
+TEST_F(Everything, RespondsWhileALongCallRuns) {
     Completed<MCPResult<MCPToolCallResult>> end;
     client.callTool("trigger-long-running-operation", json(R"({"duration":1,"steps":1})"),
                     end.callback<MCPCompletion<MCPToolCallResult>>());
@@ -166,7 +166,7 @@ class Git : public testing::Test {
     std::string folder =
         environment("ZELTO_MCP_FOLDER") + "/" + testing::UnitTest::GetInstance()->current_test_info()->name();
 
-    // What the tool gives as text is JSON.
+    // The tool's text content is JSON.
     JSONValue called(const std::string& tool, JSONObject arguments) {
         const auto result = callTool(client, tool, JSONValue(std::move(arguments)));
         return result ? json(contentOf<MCPContentItem::Text>(result).text) : JSONValue();

@@ -37,7 +37,7 @@ Failure failureOf(const SignInError& error, const Invocation& invocation) {
     case SignInErrorCode::denied:
     case SignInErrorCode::refused:
     case SignInErrorCode::connectionError:
-    case SignInErrorCode::badAnswer:
+    case SignInErrorCode::badResponse:
         break;
     }
     return {std::string(nameOf(error.code)), error.message, command + subject};

@@ -74,7 +74,7 @@ std::string complaint(PasteOutcome outcome, const SignIn& signIn) {
     case PasteOutcome::otherAddress:
         return "zelto: that is not the address; it begins with " + signIn.redirect().absoluteString() +
                ". Paste the whole of it.\n";
-    case PasteOutcome::otherAnswer:
+    case PasteOutcome::otherResponse:
         return "zelto: that address is the end of another sign-in. Paste that of this one.\n";
     }
     return {};

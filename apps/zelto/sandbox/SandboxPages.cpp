@@ -9,7 +9,7 @@ namespace {
 constexpr auto sandboxName = "The sandbox";
 
 SignInError badResponse(const std::string& what) {
-    return {SignInErrorCode::badAnswer, std::string(sandboxName) + what};
+    return {SignInErrorCode::badResponse, std::string(sandboxName) + what};
 }
 
 // The address that the page sends a browser to, once the user has agreed.

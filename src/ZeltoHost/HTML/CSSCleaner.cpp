@@ -14,7 +14,7 @@ namespace {
 
 constexpr auto npos = std::string_view::npos;
 
-// Beyond this depth nothing is kept; what is honest has one level.
+// Deeper rules are dropped; ordinary style sheets have one level.
 constexpr int mediaDepthLimit = 4;
 
 constexpr std::array<std::string_view, 12> harmlessFunctions{"rgb",
@@ -39,8 +39,8 @@ bool isNameCharacter(char c) {
            static_cast<unsigned char>(c) >= 0x80;
 }
 
-// The comments of CSS and the marks that hide a sheet from ancient browsers become blanks. What is in quotes
-// stays.
+// Replaces the comments of CSS, and the marks that hide a sheet from ancient browsers, by blanks, except in
+// quotes.
 std::string withoutComments(std::string_view css) {
     std::string text;
     text.reserve(css.size());
@@ -66,8 +66,8 @@ std::string withoutComments(std::string_view css) {
     return text;
 }
 
-// Where one of the characters stands that is neither in quotes nor within brackets opened behind `from`; the
-// size if nowhere.
+// The first of these characters that is neither in quotes nor within brackets opened after `from`; the size
+// if there is none.
 std::size_t findOutside(std::string_view css, std::size_t from, std::string_view wanted) {
     int brackets = 0;
     char quote = '\0';
@@ -91,7 +91,7 @@ std::size_t findOutside(std::string_view css, std::size_t from, std::string_view
     return css.size();
 }
 
-// Whether quotes and round brackets are balanced and nothing is in it that might be read in another way.
+// Whether quotes and round brackets are balanced, and nothing could be parsed in another way.
 bool isPlain(std::string_view css) {
     int brackets = 0;
     char quote = '\0';
@@ -132,7 +132,7 @@ bool hasHarmlessFunctionsOnly(std::string_view value) {
         }
         const auto name = toASCIILower(value.substr(start, bracket - start));
         if (name.empty() && isNameBehind(trimmedHTMLSpace(value.substr(0, start)))) {
-            return false; // "url (" is not a function, but nobody needs it
+            return false; // "url (" is not a function, but nothing ordinary needs it
         }
         if (!name.empty() && std::ranges::find(harmlessFunctions, name) == harmlessFunctions.end()) {
             return false;
@@ -193,7 +193,7 @@ class StyleSheetCleaner {
     }
 
   private:
-    // Cleans the rule that begins there and gives where the next begins.
+    // Cleans the rule that begins there, and gives where the next one begins.
     std::size_t rule(std::string_view css, std::size_t start, int depth, std::string& cleaned) {
         const auto from = css.find_first_not_of(" \t\r\n\f;}", start);
         if (from == npos) {

@@ -5,11 +5,11 @@
 
 namespace zelto {
 
-// Declarations of a style attribute, those kept that are known to load nothing: a property's plain name, and
-// a value without escapes, url() or any function but those that compute a colour, a length or a gradient.
+// The declarations of a style attribute that are known to load nothing: those with a plain property name, and
+// a value without escapes, url() and all functions but those that compute a colour, a length or a gradient.
 std::string cleanedDeclarations(std::string_view declarations);
 
-// Rules of a style sheet, with cleaned declarations. Of the at-rules @media alone is kept.
+// The rules of a style sheet, with cleaned declarations. The only at-rule that is kept is @media.
 std::string cleanedStyleSheet(std::string_view styleSheet);
 
 } // namespace zelto

@@ -116,7 +116,7 @@ class CleanedHTMLWriter final : public MarkupWriter {
     }
 
   private:
-    // The head is not written, so the walk does not go there.
+    // The head is not written, and is therefore not visited by the walk.
     void sawHead(const GumboElement& head) {
         for (unsigned index = 0; index < head.children.length; ++index) {
             const auto& child = *static_cast<const GumboNode*>(head.children.data[index]);

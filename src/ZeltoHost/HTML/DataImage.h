@@ -6,8 +6,8 @@
 
 namespace zelto {
 
-// A data: URL of an image in a raster format, white space taken out; nothing for any other address. A vector
-// image could refer to others.
+// A data: URL of an image in a raster format, without white space; `nullopt` for any other address. Vector
+// images are excluded, since they could refer to others.
 std::optional<std::string> rasterDataURL(std::string_view address);
 
 } // namespace zelto

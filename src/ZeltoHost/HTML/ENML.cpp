@@ -21,7 +21,7 @@ constexpr HTMLTagSet written{T(A),      T(ABBR),    T(ACRONYM), T(ADDRESS), T(B)
                              T(STRONG), T(SUB),     T(SUP),     T(TABLE),   T(TBODY), T(TD),   T(TFOOT),
                              T(TH),     T(THEAD),   T(TR),      T(TT),      T(U),     T(UL),   T(VAR)};
 
-// Elements that ENML does not have, as the nearest that it has.
+// Elements that ENML does not have, and the nearest that it has.
 constexpr HTMLTagSet asBlock{T(ARTICLE), T(ASIDE),  T(DETAILS), T(FIELDSET), T(FIGCAPTION),
                              T(FIGURE),  T(FOOTER), T(FORM),    T(HEADER),   T(HGROUP),
                              T(LEGEND),  T(MAIN),   T(NAV),     T(SECTION),  T(SUMMARY)};

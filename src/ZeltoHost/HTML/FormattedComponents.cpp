@@ -20,7 +20,7 @@ std::string quoteMark(int depth) {
     return mark;
 }
 
-// The mark of a quotation stands in front of each of its lines.
+// Puts the quotation mark in front of each line.
 std::string markedLines(std::string_view text, std::string_view mark) {
     std::string marked;
     for (const char c : text) {

@@ -7,12 +7,12 @@
 
 namespace zelto {
 
-// The memory of one parsed document. It is freed as a whole, which is faster than freeing a million nodes and
-// needs no walk. A parser in C cannot be told to stop, so an arena that has given all it may give jumps to
-// `escape`; between the two there must be nothing but frames of C.
+// The memory of one parsed document. It is freed as a whole, which is faster than freeing a million nodes one
+// by one. A parser in C cannot be told to stop, so an arena that reaches a limit jumps to `escape`; only
+// frames of C may lie between the two.
 class HTMLArena {
   public:
-    // Stops past so many bytes, or when the thread has used so much CPU time.
+    // The limits: allocated bytes, and CPU time of the thread.
     HTMLArena(std::size_t byteLimit, double cpuSeconds);
 
     void* allocate(std::size_t size);

@@ -14,7 +14,7 @@ GumboTag tagOf(std::string_view name) {
     return gumbo_tagn_enum(name.data(), static_cast<unsigned>(name.size()));
 }
 
-// Copies what is kept, in as few pieces as there are.
+// Copies what is kept, in as few pieces as possible.
 class KeptSource {
   public:
     explicit KeptSource(std::string_view html) : html_(html) {}

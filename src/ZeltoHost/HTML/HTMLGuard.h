@@ -6,16 +6,16 @@
 
 namespace zelto {
 
-// Deeper elements than any document shown to people has; browsers cap nesting at the same depth.
+// Deeper than any document made for people; browsers limit nesting to the same depth.
 inline constexpr int htmlDepthLimit = 512;
 
-// The HTML with what makes a parser's work grow faster than its input taken out: start tags (and the end tags
-// that belong to them) past htmlDepthLimit, formatting elements that stay open by the dozen, attributes past
-// the 64th of a tag, html and body tags past the eighth. Text always stays. Nothing if even that would be too
-// much work, as with a million tags 500 levels down: flattenedHTML is what is left then.
+// Removes from the HTML what makes a parser's work grow faster than its input: start tags (and their end
+// tags) deeper than htmlDepthLimit, formatting elements left open by the dozen, attributes after the 64th of
+// a tag, html and body tags after the eighth. Text always stays. `nullopt` if even the result would be too
+// much work, as with a million tags 500 levels deep: then use flattenedHTML.
 std::optional<std::string> guardedHTML(std::string_view html);
 
-// Text, line breaks and the bounds of blocks alone, without any nesting.
+// Only the text, line breaks and block boundaries, without any nesting.
 std::string flattenedHTML(std::string_view html);
 
 } // namespace zelto

@@ -4,7 +4,7 @@
 
 namespace zelto {
 
-// What HTML and CSS call white space.
+// White space as defined by HTML and CSS.
 constexpr bool isHTMLSpace(char c) {
     return c == ' ' || c == '\n' || c == '\t' || c == '\r' || c == '\f';
 }

@@ -8,7 +8,7 @@
 
 namespace zelto {
 
-// A set of tags that is asked in constant time.
+// A set of tags with look-up in constant time.
 class HTMLTagSet {
   public:
     constexpr HTMLTagSet(std::initializer_list<GumboTag> tags) {
@@ -23,12 +23,12 @@ class HTMLTagSet {
     std::array<bool, GUMBO_TAG_LAST + 1> has_{};
 };
 
-// Sets that HTML's tree construction names.
+// The sets of HTML's tree construction rules.
 extern const HTMLTagSet voidTags;
 extern const HTMLTagSet formattingTags;
 extern const HTMLTagSet specialTags;
-extern const HTMLTagSet scopeTags;       // bounds of "in scope"
-extern const HTMLTagSet markerTags;      // formatting elements open outside do not reach in
+extern const HTMLTagSet scopeTags;       // boundaries of "in scope"
+extern const HTMLTagSet markerTags;      // formatting elements opened outside do not apply within
 extern const HTMLTagSet paragraphEnders; // their start tags close an open p
 extern const HTMLTagSet rawTextTags;
 extern const HTMLTagSet foreignBreakouts; // HTML elements whose start tags leave svg and math

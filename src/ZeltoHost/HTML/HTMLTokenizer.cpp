@@ -65,9 +65,9 @@ std::size_t HTMLTokenizer::rawTextEnd() const {
 
 std::size_t HTMLTokenizer::commentEnd() const {
     const auto text = position_ + 4;
-    const auto rest = html_.substr(std::min(text, html_.size()));
-    if (rest.starts_with(">") || rest.starts_with("->")) {
-        return text + rest.find('>') + 1;
+    const auto remaining = html_.substr(std::min(text, html_.size()));
+    if (remaining.starts_with(">") || remaining.starts_with("->")) {
+        return text + remaining.find('>') + 1;
     }
     for (auto at = html_.find("--", text); at != npos; at = html_.find("--", at + 1)) {
         const auto behind = html_.substr(at + 2, 2);
@@ -82,21 +82,22 @@ std::size_t HTMLTokenizer::commentEnd() const {
 }
 
 void HTMLTokenizer::readMarkup(HTMLToken& token) {
-    const auto rest = html_.substr(position_);
-    if (isASCIILetter(rest[1])) {
+    const auto remaining = html_.substr(position_);
+    if (isASCIILetter(remaining[1])) {
         token.kind = HTMLToken::Kind::startTag;
         return readTag(token, position_ + 1);
     }
-    if (rest[1] == '/' && isASCIILetter(rest[2])) {
+    if (remaining[1] == '/' && isASCIILetter(remaining[2])) {
         token.kind = HTMLToken::Kind::endTag;
         return readTag(token, position_ + 2);
     }
-    if (foreign_ && rest.starts_with("<![CDATA[")) {
+    if (foreign_ && remaining.starts_with("<![CDATA[")) {
         position_ = orEnd(html_.find("]]>", position_ + 9), 3, html_.size());
         return;
     }
     token.kind = HTMLToken::Kind::comment;
-    position_ = rest.starts_with("<!--") ? commentEnd() : orEnd(html_.find('>', position_), 1, html_.size());
+    position_ =
+        remaining.starts_with("<!--") ? commentEnd() : orEnd(html_.find('>', position_), 1, html_.size());
 }
 
 void HTMLTokenizer::readTag(HTMLToken& token, std::size_t nameStart) {

@@ -5,27 +5,26 @@
 
 namespace zelto {
 
-// A piece of HTML source, told apart by the rules of HTML's tokenizer as far as tags can be told without a
+// A piece of HTML source, recognised by the rules of HTML's tokenizer, as far as that is possible without a
 // tree.
 struct HTMLToken {
     enum class Kind { text, startTag, endTag, comment };
 
     Kind kind = Kind::text;
     std::string_view source; // all of it, from "<" to ">"
-    std::string_view name;   // of a tag, as it was written
+    std::string_view name;   // of a tag, as written
     bool selfClosing = false;
 
-    // Where in the source the attributes behind the first `attributeLimit` ones begin; 0 if there are not so
-    // many.
+    // Where the attributes after the first `attributeLimit` ones begin in the source; 0 if there are fewer.
     std::size_t excessAttributes = 0;
 };
 
-// Cuts HTML into tokens whose sources, joined, are the input again. One pass, no allocation. What follows a
-// start tag of an element that holds text alone (script, style, title ...) depends on the tree, so whoever
-// keeps track of that says so by readRawText.
+// Splits HTML into tokens whose sources, joined, are the input again. One pass, no allocation. What follows a
+// start tag of an element that contains only text (script, style, title ...) depends on the tree: a caller
+// that keeps track of it calls readRawText.
 class HTMLTokenizer {
   public:
-    // More than any honest tag has; the parser's time for one tag grows with their square.
+    // More than any ordinary tag has; the parser's time for a tag grows with the square of their number.
     static constexpr std::size_t attributeLimit = 64;
 
     explicit HTMLTokenizer(std::string_view html) : html_(html) {}
@@ -33,7 +32,7 @@ class HTMLTokenizer {
     // False at the end.
     bool next(HTMLToken& token);
 
-    // Gives all up to the end tag of that name, or to the end of the input, as the next token, a text.
+    // Makes everything up to the end tag of that name, or to the end of the input, the next token, as text.
     void readRawText(std::string_view name) { rawTextName_ = name; }
 
     // Whether "<![CDATA[" begins text, as within svg and math, or a comment.

@@ -9,12 +9,12 @@ namespace zelto {
 
 namespace {
 
-// A parse costs 100 bytes of memory for a byte of input at the worst unless elements multiply.
+// The worst case of a parse is 100 bytes of memory per byte of input, unless elements multiply.
 constexpr std::size_t bytesForAByte = 128;
-constexpr std::size_t bytesAtLeast = std::size_t{64} << 20;
-constexpr double cpuSecondsAtMost = 5;
+constexpr std::size_t minimumBytes = std::size_t{64} << 20;
+constexpr double maximumCPUSeconds = 5;
 
-// Well-formed, and without the control characters that no text has a use for.
+// Well-formed UTF-8 without the control characters that are meaningless in text.
 std::string readable(std::string_view html) {
     auto text = isValidUTF8(html) ? std::string(html) : repairedUTF8(html);
     std::erase_if(text, [](char c) {
@@ -30,13 +30,13 @@ HTMLTree::HTMLTree(std::string_view html) {
     auto text = readable(html);
     if (auto guarded = guardedHTML(text)) {
         source_ = std::move(*guarded);
-        if (parse(bytesAtLeast + source_.size() * bytesForAByte, cpuSecondsAtMost)) {
+        if (parse(minimumBytes + source_.size() * bytesForAByte, maximumCPUSeconds)) {
             return;
         }
     }
     source_ = flattenedHTML(text);
     while (!parse(static_cast<std::size_t>(-1) / 2, 1e9)) {
-        source_.resize(source_.size() / 2); // the machine has no memory left
+        source_.resize(source_.size() / 2); // out of memory
     }
 }
 

@@ -13,7 +13,7 @@
 
 namespace zelto {
 
-// An HTML document as a browser understands it. Every input gives one, in time linear in its length.
+// An HTML document as a browser parses it. Every input has one, in time linear in its length.
 class HTMLTree {
   public:
     explicit HTMLTree(std::string_view html);
@@ -31,15 +31,15 @@ class HTMLTree {
 
 bool isHTMLElement(const GumboNode& node);
 
-// nullptr if there is none.
+// nullptr if there is no such attribute.
 const char* attributeOf(const GumboElement& element, const char* name);
 
 std::string_view textOf(const GumboNode& node);
 bool isTextNode(const GumboNode& node);
 bool isElementNode(const GumboNode& node);
 
-// Visits a node and all below it without recursion: enter(node) says whether to go on to its children, and
-// leave(node) comes after them (after every element that enter went into).
+// Visits a node and its descendants without recursion: enter(node) says whether to visit the children, and
+// leave(node) is called after them, for every element whose children were visited.
 template <class Visitor> void walk(const GumboNode& from, Visitor&& visitor) {
     struct Step {
         const GumboNode* node;

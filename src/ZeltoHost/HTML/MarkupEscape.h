@@ -7,8 +7,8 @@ namespace zelto {
 
 enum class Quotes { keep, escape };
 
-// Adds text to HTML or XML: markup characters as entities, and what neither can hold (control characters but
-// tab and line ends, U+FFFE, U+FFFF) left out.
+// Appends text to HTML or XML: markup characters as entities; characters that neither allows (control
+// characters but tab and line ends, U+FFFE, U+FFFF) are left out.
 void appendEscaped(std::string& markup, std::string_view text, Quotes quotes);
 
 } // namespace zelto

@@ -16,7 +16,7 @@ namespace zelto {
 
 namespace {
 
-// A table of two thousand million columns stops whoever lays it out; some need half a minute for a thousand.
+// A table of two thousand million columns hangs any layout engine; some need half a minute for a thousand.
 constexpr int spanLimit = 100;
 
 std::optional<std::string> cleanedSpan(std::string_view value) {
@@ -120,7 +120,7 @@ void MarkupWriter::writeOpeningTag(const GumboElement& element, std::string_view
     writeAttributes(element);
     markup_ += isVoid && isXML() ? "/>" : ">";
     if (!isXML() && name == "pre" && beginsWithLineEnd(element)) {
-        markup_ += '\n'; // the first one is not part of the text
+        markup_ += '\n'; // a first one is not part of the text
     }
 }
 

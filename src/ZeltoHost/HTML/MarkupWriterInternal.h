@@ -10,8 +10,7 @@
 
 namespace zelto {
 
-// What becomes of an element: it is written under a name, left out with its content staying, or left out
-// whole.
+// How an element is written: under a name, without its tags but with its content, or not at all.
 struct ElementPlan {
     enum class Kind { write, unwrap, drop };
 
@@ -19,8 +18,8 @@ struct ElementPlan {
     std::string_view name;
 };
 
-// Writes the body of a document again with what is allowed of it. Every tag that it opens it closes, and
-// every text is escaped, so what comes out is well-formed and holds nothing that the plans do not name.
+// Writes the allowed content of a document's body. It closes every tag that it opens and escapes every text,
+// so the result is well-formed and contains only what the plans allow.
 class MarkupWriter {
   public:
     virtual ~MarkupWriter() = default;
@@ -41,13 +40,13 @@ class MarkupWriter {
 
     virtual bool keepsLinks() const { return true; }
 
-    // Writes an image; false if its alternative text has to do.
+    // Writes an image; false if its alternative text is to be written instead.
     virtual bool writeImage(const GumboElement& image) = 0;
 
-    // What else there is to see in the tree.
+    // Called for other elements of the tree.
     virtual void sawElement(const GumboElement&) {}
 
-    // Writes the attributes that are allowed, cleaned.
+    // Writes the allowed attributes, cleaned.
     void writeAttributes(const GumboElement& element);
     void writeAttribute(std::string_view name, std::string_view value);
 
@@ -58,10 +57,10 @@ class MarkupWriter {
     void writeOpeningTag(const GumboElement& element, std::string_view name, bool isVoid);
     void writeCleanedAttribute(std::string_view name, std::string_view value);
 
-    std::vector<std::string_view> open_; // empty for an element that is unwrapped
+    std::vector<std::string_view> open_; // empty for an element that is written without its tags
 };
 
-// In lower case and without a namespace's prefix.
+// In lower case and without a namespace prefix.
 std::string attributeName(const GumboAttribute& attribute);
 
 } // namespace zelto

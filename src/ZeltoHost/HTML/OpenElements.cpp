@@ -10,9 +10,9 @@ namespace zelto {
 
 namespace {
 
-// A parser opens all of them anew in each block that follows, so a dozen left open by mistake is dear enough.
+// A parser reopens all of them in each following block, so even a dozen left open by mistake is expensive.
 constexpr int formattingLimit = 24;
-constexpr int rootTagLimit = 8; // each is compared with all attributes of those before
+constexpr int rootTagLimit = 8; // each is compared with all attributes of the previous ones
 
 constexpr GumboTag marker = GUMBO_TAG_LAST;
 constexpr GumboTag removed = GUMBO_TAG_LAST;
@@ -132,7 +132,7 @@ OpenElements::Verdict OpenElements::startHTML(GumboTag tag, bool selfClosing) {
         return ++rootTags_ <= rootTagLimit ? Verdict::keep : Verdict::drop;
     }
     if (tag == T(ISINDEX)) {
-        return Verdict::drop; // long gone from HTML, and parsers make a whole form of it
+        return Verdict::drop; // obsolete in HTML, and parsers turn it into a whole form
     }
     if (tag == T(HEAD) || isIgnoredInSelect(tag) || isStrayTablePart(tag) ||
         (tag == T(FORM) && open_[T(FORM)] > 0)) {
@@ -167,7 +167,7 @@ bool OpenElements::isStrayTablePart(GumboTag tag) {
 }
 
 void OpenElements::closeImplied(GumboTag tag) {
-    static constexpr HTMLTagSet nothing{};
+    static constexpr HTMLTagSet noTags{};
     static constexpr HTMLTagSet button{T(BUTTON)};
     if (open_[T(P)] > 0 && paragraphEnders.contains(tag)) {
         popThroughIfFound(findInScope(HTMLTagSet{T(P)}, button));
@@ -179,7 +179,7 @@ void OpenElements::closeImplied(GumboTag tag) {
     } else if (headings.contains(tag) && !elements_.empty() && headings.contains(elements_.back().tag)) {
         pop();
     } else if (tag == T(BUTTON) && open_[T(BUTTON)] > 0) {
-        popThroughIfFound(findInScope(button, nothing));
+        popThroughIfFound(findInScope(button, noTags));
     } else if (tag == T(OPTION) || tag == T(OPTGROUP) || tag == T(RT) || tag == T(RP)) {
         while (!elements_.empty() &&
                (elements_.back().tag == tag || (tag == T(OPTGROUP) && elements_.back().tag == T(OPTION)) ||
@@ -260,7 +260,7 @@ OpenElements::Verdict OpenElements::removeFormatting(std::vector<Element>::itera
 
 OpenElements::Verdict OpenElements::end(GumboTag tag) {
     if (tag == T(BODY) || tag == T(HTML)) {
-        return Verdict::drop; // what follows belongs to the body all the same
+        return Verdict::drop; // what follows belongs to the body anyway
     }
     if (inForeignContent()) {
         return endForeign(tag);
@@ -280,7 +280,7 @@ OpenElements::Verdict OpenElements::end(GumboTag tag) {
 }
 
 std::size_t OpenElements::findForEndTag(GumboTag tag) {
-    static constexpr HTMLTagSet nothing{};
+    static constexpr HTMLTagSet noTags{};
     static constexpr HTMLTagSet button{T(BUTTON)};
     static constexpr HTMLTagSet lists{T(OL), T(UL)};
     if (tag == T(P)) {
@@ -290,7 +290,7 @@ std::size_t OpenElements::findForEndTag(GumboTag tag) {
         return findInScope(HTMLTagSet{T(LI)}, lists);
     }
     if (headings.contains(tag)) {
-        return findInScope(headings, nothing);
+        return findInScope(headings, noTags);
     }
     if (tableParts.contains(tag) || tag == T(TABLE)) {
         return find([&](GumboTag open) { return open == tag; },
@@ -318,7 +318,7 @@ OpenElements::Verdict OpenElements::endForeign(GumboTag tag) {
 }
 
 OpenElements::Verdict OpenElements::removeForm() {
-    // A parser takes it out from amid the others, which stay open, and walks them time and again for it.
+    // A parser removes it from among the others, which stay open, and walks them repeatedly for that.
     work_ += 8 * static_cast<std::size_t>(depth());
     const auto index = find([](GumboTag open) { return open == T(FORM); }, [](GumboTag) { return false; });
     auto& form = elements_[index];

@@ -8,9 +8,9 @@
 
 namespace zelto {
 
-// The elements that a parser has open at a place of the source, near enough to tell how deep it is: which end
-// tag closes what, which start tag closes what came before. An element that is kept out of the parser's sight
-// stays in the list, so that its end tag is kept out too.
+// The elements that a parser has open at a place of the source, approximated well enough to know the depth:
+// which end tag closes what, which start tag closes earlier elements. An element that is hidden from the
+// parser stays in the list, so that its end tag is hidden too.
 class OpenElements {
   public:
     enum class Verdict { keep, drop };
@@ -19,12 +19,12 @@ class OpenElements {
     Verdict end(GumboTag tag);
     void text(std::size_t length);
 
-    // Whether what follows is read by the rules of svg and math.
+    // Whether the following source is parsed by the rules of svg and math.
     bool inForeignContent() const;
-    // Whether a start tag of this kind, just seen, is followed by text alone.
+    // Whether a start tag of this kind, just seen, is followed by text only.
     bool beginsRawText(GumboTag tag) const;
 
-    // Steps that a parser walks its own lists for what was told, about.
+    // About how many steps a parser has walked its own lists for these tags.
     std::uint64_t work() const { return work_; }
 
   private:
@@ -32,7 +32,7 @@ class OpenElements {
         GumboTag tag;
         bool kept;
         bool foreign = false;
-        bool holdsHTML = false; // a foreign one whose children are HTML again
+        bool holdsHTML = false; // a foreign element whose children are HTML again
     };
 
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
@@ -52,17 +52,17 @@ class OpenElements {
     void closeImplied(GumboTag tag);
     void closeTableParts(GumboTag tag);
 
-    // The innermost open element that is wanted, searched outwards to the first that is a bound.
+    // The innermost wanted open element, searching outwards up to the first boundary.
     template <class Wanted, class Bound> std::size_t find(Wanted&& wanted, Bound&& bound);
     std::size_t findInScope(const HTMLTagSet& wanted, const HTMLTagSet& moreBounds);
     std::size_t findForEndTag(GumboTag tag);
-    // Closes it and all within.
+    // Closes the element and everything within it.
     Verdict popThrough(std::size_t index);
     void popThroughIfFound(std::size_t index);
     void pop();
 
     std::vector<Element> elements_;
-    std::vector<Element> formatting_; // those that are open, misnested or not, and markers between them
+    std::vector<Element> formatting_; // the open ones, misnested or not, and the markers between them
     std::vector<int> keptSinceMarker_{0};
     std::array<unsigned, GUMBO_TAG_LAST + 1> open_{};
     std::array<unsigned, GUMBO_TAG_LAST + 1> openFormatting_{};

@@ -16,7 +16,7 @@ void endLine(std::string& text) {
     text.resize(text.find_last_not_of(" \t") + 1);
 }
 
-// Writes lines with the quotation's mark in front of each.
+// Writes lines with the quotation mark in front of each.
 class LineWriter {
   public:
     void begin(int quoteDepth) {
@@ -57,12 +57,13 @@ class LineWriter {
     std::string prefix_;
 };
 
-bool tellsAddress(std::string_view text, std::string_view address) {
+bool showsAddress(std::string_view text, std::string_view address) {
     text = trimmed(text);
     for (const std::string_view scheme : {"", "mailto:", "tel:", "http://", "https://"}) {
         if (address.starts_with(scheme)) {
-            const auto rest = address.substr(scheme.size());
-            if (text == rest || (rest.ends_with('/') && text == rest.substr(0, rest.size() - 1))) {
+            const auto remaining = address.substr(scheme.size());
+            if (text == remaining ||
+                (remaining.ends_with('/') && text == remaining.substr(0, remaining.size() - 1))) {
                 return true;
             }
         }
@@ -82,7 +83,7 @@ void writeRuns(LineWriter& writer, const TextFlow& flow, const TextFlow::Block& 
         linkText += run.text;
         const bool last = index + 1 == block.runs.size() || block.runs[index + 1].link != run.link;
         const auto& address = flow.links[*run.link].absoluteString();
-        if (last && !isBlank(linkText) && !tellsAddress(linkText, address)) {
+        if (last && !isBlank(linkText) && !showsAddress(linkText, address)) {
             writer.write(" <" + address + ">");
         }
         if (last) {

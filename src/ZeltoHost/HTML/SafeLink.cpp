@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::array<std::string_view, 5> safeSchemes{"http", "https", "mailto", "tel", "mid"};
 
-// Longer ones open nowhere.
+// No program opens longer ones.
 constexpr std::size_t lengthLimit = 65536;
 
 bool needsEncoding(char c) {

@@ -7,8 +7,9 @@
 
 namespace zelto {
 
-// The URL that the href of a link stands for, if it may be handed on: of http, https, mailto, tel or mid.
-// Blanks around it and line ends in it go, and what a URL cannot hold is percent-encoded, as a browser would.
+// The URL of a link's href, if it may be passed on: of http, https, mailto, tel or mid; else `nullopt`.
+// Blanks around it and line ends in it are removed, and what a URL cannot hold is percent-encoded, as in a
+// browser.
 std::optional<URL> safeLink(std::string_view href);
 
 } // namespace zelto

@@ -95,7 +95,7 @@ class TextFlowReader {
         return true;
     }
 
-    // Space around a list is around the outermost one.
+    // Space around a list belongs to the outermost list.
     bool isSpaced(GumboTag tag) const {
         return spacedTags.contains(tag) || (listTags.contains(tag) && frames_.back().listDepth == 1);
     }

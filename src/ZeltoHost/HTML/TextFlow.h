@@ -9,14 +9,14 @@
 
 namespace zelto {
 
-// What a reader sees of an HTML document, as lines of styled text in order.
+// The visible content of an HTML document, as lines of styled text in order.
 struct TextFlow {
     using Modifiers = FormattedBodyComponent::TextPart::Modifiers;
 
     struct Run {
         std::string text; // white space collapsed; "\n" is a line break
         Modifiers modifiers;
-        std::optional<std::size_t> link; // an index into links: one for each a element
+        std::optional<std::size_t> link; // an index into links, of which each a element has one
     };
 
     struct Block {

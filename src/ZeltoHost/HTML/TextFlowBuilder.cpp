@@ -10,7 +10,7 @@ namespace zelto {
 
 namespace {
 
-// Take line breaks off, and tell of those taken.
+// Removes line breaks and gives their number.
 bool trimStart(std::vector<TextFlow::Run>& runs) {
     bool trimmed = false;
     while (!runs.empty()) {
@@ -122,7 +122,7 @@ void TextFlowBuilder::boundary(bool gap) {
     separator_ = false;
     if (open_ && visible_) {
         gap_ = trimStart(block_.runs) || gap_;
-        const bool emptyLineAtEnd = trimEnd(block_.runs) > 1; // a single break there shows nothing
+        const bool emptyLineAtEnd = trimEnd(block_.runs) > 1; // a single break at the end is not visible
         block_.gapBefore = gap_ && !flow_.blocks.empty();
         flow_.blocks.push_back(std::move(block_));
         gap_ = emptyLineAtEnd;

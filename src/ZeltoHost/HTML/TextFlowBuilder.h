@@ -4,7 +4,7 @@
 
 namespace zelto {
 
-// Collapses white space, line breaks and the bounds of blocks into a TextFlow, as the text comes in.
+// Collapses white space, line breaks and block boundaries into a TextFlow, as the text comes in.
 class TextFlowBuilder {
   public:
     struct Style {
@@ -18,14 +18,14 @@ class TextFlowBuilder {
     void text(std::string_view text, const Style& style);
     void lineBreak(const Style& style);
 
-    // Ends the line; `gap`: a blank line follows if there is more.
+    // Ends the line; with `gap`, a blank line follows if there is more text.
     void boundary(bool gap);
 
-    // Stands in front of the text that comes next, unless the item ends before.
+    // The marker is put in front of the next text, unless the item ends before.
     void beginItem(std::string marker);
     void endItem();
 
-    // A tab goes between two cells of a row that both show something.
+    // Two cells of a row that both have visible content are separated by a tab.
     void beginCell();
 
     std::size_t addLink(URL url);
@@ -42,11 +42,11 @@ class TextFlowBuilder {
     TextFlow::Block block_;
     std::string marker_;
     std::optional<Style> pendingSpace_;
-    bool open_ = false;    // block_ holds something
-    bool visible_ = false; // something that can be seen
+    bool open_ = false;    // block_ is not empty
+    bool visible_ = false; // block_ has visible content
     bool atLineStart_ = true;
     bool gap_ = false;
-    bool separator_ = false; // a cell of the same row stands in front
+    bool separator_ = false; // there is an earlier cell in the row
 };
 
 } // namespace zelto

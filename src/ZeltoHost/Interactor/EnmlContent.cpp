@@ -17,7 +17,7 @@ std::string md5Of(const Data& data) {
     return digest.get();
 }
 
-// An image in a "data:image/...;base64," URL.
+// The image of a "data:image/...;base64," URL.
 std::optional<IntegrationsInteractorAttachment> imageInURL(std::string_view url) {
     constexpr std::string_view scheme = "data:";
     constexpr std::string_view encoding = ";base64";

@@ -9,11 +9,11 @@
 
 namespace zelto {
 
-// The image behind an address other than a data: URL; nothing if there is none.
+// The image at an address that is not a data: URL; `nullopt` if there is none.
 using ImageSource = std::function<std::optional<IntegrationsInteractorAttachment>(std::string_view source)>;
 
-// HTML in Evernote's format, its images as attachments that it refers to by their MD5. Images come from
-// data: URLs and from the source; each stands once however often it is shown.
+// HTML in Evernote's format, with its images as attachments that it refers to by their MD5. Images come from
+// data: URLs and from the source; each is attached once, however often it is shown.
 IntegrationsInteractorEnml enmlContent(std::string_view html, const IntegrationExportHtmlOptions& options,
                                        const ImageSource& source = nullptr);
 

@@ -7,17 +7,17 @@
 
 namespace zelto {
 
-// What a mail or a note cannot say about itself.
+// Facts that a mail or a note does not contain.
 struct InteractorOptions {
-    // The user's own address, or their domain alone: parties of that domain and of its subdomains are
-    // internal. Without it the address that a mail was delivered to stands in; without that every party
-    // counts as external.
+    // The user's own address, or only their domain: parties of that domain and of its subdomains are
+    // internal. If absent, the address that a mail was delivered to is used; without that, every party counts
+    // as external.
     std::optional<std::string> userAddress;
 
     // The address of the message on the web: the only source of a web link to a mail.
     std::optional<URL> webLink;
 
-    // The zone that dates are written in, as DateFormatter takes it; the system's without it.
+    // The time zone of written dates, as for DateFormatter; if absent, the system's.
     std::optional<std::string> timeZone;
 };
 

@@ -62,7 +62,7 @@ std::string headerDate(std::optional<Date> date, const std::optional<std::string
     if (timeZone) {
         return DateFormatter(pattern, "en_US", timeZone).string(*date);
     }
-    static const auto& local = neverDestroyed(DateFormatter(pattern, "en_US")); // making one is slow
+    static const auto& local = neverDestroyed(DateFormatter(pattern, "en_US")); // creating one is slow
     return local.string(*date);
 }
 

@@ -19,12 +19,12 @@ headerLine(std::string label, const std::vector<IntegrationsInteractorAddress>& 
 // "21 October 2025, 14:30 GMT+2"; empty without a date.
 std::string headerDate(std::optional<Date> date, const std::optional<std::string>& timeZone);
 
-// A table of the lines, then the date, then the subject if it is not empty; all text escaped.
+// A table of the lines, then the date, then the subject unless it is empty; all text is escaped.
 std::string headerHTML(const IntegrationHeaderComponents& header, const std::string& subjectLabel,
                        const std::string& subject);
 
-// The parties outside the domain of the user's address (or domain); all of them without one. A list that is
-// left without parties is absent.
+// The parties outside the domain of the user's address (or domain); all of them without one. A list without
+// parties becomes absent.
 IntegrationsInteractorAddresses externalOf(const IntegrationsInteractorAddresses& all,
                                            const std::optional<std::string>& userAddress);
 

@@ -8,7 +8,7 @@ namespace zelto {
 
 namespace {
 
-// "$", "+", "=", "!" and the like stand in ids and in URLs alike, but "(", ")", "'", "*", "&" and ";" would
+// "$", "+", "=", "!" and the like are allowed in ids and in URLs, but "(", ")", "'", "*", "&" and ";" would
 // have to be escaped again wherever a link is written.
 std::string escapedMessageID(std::string_view id) {
     static constexpr std::string_view kept = "-._~@$+=!";

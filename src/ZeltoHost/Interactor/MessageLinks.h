@@ -10,7 +10,7 @@ namespace zelto {
 
 // The addresses of one message; each may be absent.
 struct MessageLinks {
-    std::string text; // what a reader sees of a link
+    std::string text; // the visible text of a link
     std::optional<std::string> backlink;
     std::optional<std::string> altBacklink;
     std::optional<std::string> safeBacklink;
@@ -19,7 +19,7 @@ struct MessageLinks {
     std::optional<IntegrationLinkComponents> components(const IntegrationLinkType& type) const;
     // The link in the type's format.
     std::optional<std::string> written(const IntegrationLinkType& type) const;
-    // The body, a blank line and the written link, as far as there are such.
+    // The body, a blank line and the written link; what is absent is left out.
     std::string appended(std::string body, const std::optional<IntegrationLinkType>& type) const;
 };
 
@@ -33,8 +33,8 @@ struct MessageLinks {
 //   the end of a link.
 MessageLinks linksToMail(const std::optional<std::string>& messageID);
 
-// `raw` is the URL alone, `html` an element, `markdown` "[text](url)", `mrkdwn` "<url|text>"; the text is
-// escaped as the format asks.
+// `raw` is only the URL, `html` an element, `markdown` "[text](url)", `mrkdwn` "<url|text>"; the text is
+// escaped as the format requires.
 std::string writtenLink(const IntegrationLinkComponents& link, IntegrationLinkFormat format);
 
 } // namespace zelto

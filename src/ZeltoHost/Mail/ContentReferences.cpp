@@ -10,14 +10,14 @@ namespace zelto {
 namespace {
 
 constexpr std::string_view scheme = "cid:";
-// Bounds the work that a text full of unended URLs makes.
+// Limits the work for a text full of URLs without an end.
 constexpr std::size_t maxURLLength = 1000;
 
 bool startsWithScheme(std::string_view text) {
     return equalIgnoringASCIICase(text.substr(0, scheme.size()), scheme);
 }
 
-// Where a URL may begin: behind a quote, "=" or "(", blanks between.
+// Whether a URL may begin after this text: after a quote, "=" or "(", and blanks.
 bool mayBeginURL(std::string_view before) {
     const auto last = before.find_last_not_of(" \t\n");
     before = before.substr(0, last == std::string_view::npos ? 0 : last + 1);

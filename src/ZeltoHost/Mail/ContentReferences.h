@@ -7,10 +7,10 @@
 
 namespace zelto {
 
-// The content ids of the "cid:" URLs (RFC 2392) in attributes and styles of an HTML text.
+// The content ids of "cid:" URLs (RFC 2392) in attributes and styles of an HTML text.
 std::set<std::string> referredContentIDs(std::string_view html);
 
-// The content id of a "cid:" URL; nothing for any other.
+// The content id of a "cid:" URL; `nullopt` for any other URL.
 std::optional<std::string> contentIDOf(std::string_view url);
 
 } // namespace zelto

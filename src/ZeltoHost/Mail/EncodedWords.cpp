@@ -14,7 +14,7 @@ namespace {
 
 struct EncodedWord {
     std::string_view charset;
-    bool isBase64; // else quoted
+    bool isBase64; // otherwise quoted-printable
     std::string_view text;
     std::size_t length; // of the whole word
 };
@@ -37,7 +37,7 @@ std::optional<EncodedWord> wordAt(std::string_view text) {
     if (content.find_first_of(" \t") != std::string_view::npos) {
         return std::nullopt;
     }
-    // A language may stand behind the charset (RFC 2231): "us-ascii*en".
+    // The charset may be followed by a language (RFC 2231): "us-ascii*en".
     const auto charset = text.substr(2, charsetEnd - 2);
     return EncodedWord{charset.substr(0, charset.find('*')), encoding == 'b', content, end + 2};
 }
@@ -55,7 +55,7 @@ void appendDecoded(std::string& bytes, const EncodedWord& word) {
     bytes.append(decoded);
 }
 
-// The word behind blanks: between two words they mean nothing.
+// The word after blanks: between two words, blanks have no meaning.
 std::optional<EncodedWord> wordBehindBlanks(std::string_view& value) {
     const auto next = value.find_first_not_of(" \t");
     auto word = next == 0 || next == std::string_view::npos ? std::nullopt : wordAt(value.substr(next));
@@ -65,8 +65,8 @@ std::optional<EncodedWord> wordBehindBlanks(std::string_view& value) {
     return word;
 }
 
-// Takes the word and those that follow it off the beginning of the value; their text in UTF-8. A character
-// may be split between two words of one charset.
+// Takes this word and its successors off the beginning of the value and gives their text in UTF-8. A
+// character may be split between two words of one charset.
 std::string takeRun(std::string_view& value, std::optional<EncodedWord> word) {
     std::string text;
     while (word) {

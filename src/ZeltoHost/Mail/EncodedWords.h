@@ -5,9 +5,10 @@
 
 namespace zelto {
 
-// A header field's value with each run of adjacent encoded words of one charset (RFC 2047) made one Base64
-// word of UTF-8. A decoder that takes each word alone would break a character that is split between two, and
-// one that takes charsets by their letter would lose what mails mean by their names (Shift_JIS, ISO-8859-1).
+// A header field's value in which each sequence of adjacent encoded words of one charset (RFC 2047) is
+// replaced by one Base64 word of UTF-8. A decoder that decodes each word on its own would break a character
+// that is split between two; one that takes charset names literally would lose characters that mails include
+// under them (Shift_JIS, ISO-8859-1).
 std::string withUTF8Words(std::string_view value);
 
 } // namespace zelto

@@ -9,7 +9,7 @@
 
 namespace zelto {
 
-// GMime, set up once, with the options that all headers are read by.
+// Sets GMime up on the first call; gives the options for all headers.
 GMimeParserOptions* gmimeOptions();
 
 struct GLibDeleter {

@@ -120,7 +120,7 @@ class RoleFinder {
         return root == part.children.end() ? Sections{} : choose(*root);
     }
 
-    // Children that the reader does not get to see.
+    // Marks the children that are not shown to the reader.
     template <class Predicate> void settle(const MailPart& part, Predicate predicate) {
         for (const auto child : part.children) {
             if (predicate(parts_[child])) {
@@ -143,7 +143,7 @@ class RoleFinder {
     }
 
     const std::vector<MailPart>& parts_;
-    std::vector<bool> settled_; // of the body, or out of sight
+    std::vector<bool> settled_; // part of the body, or not shown
     bool foundText_ = false;
 };
 

@@ -24,7 +24,7 @@ std::string_view withoutEndingBlanks(std::string_view text) {
     return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
 }
 
-// Reads the texts of a body, all of them together within the limit.
+// Reads the texts of a body, within the limit for all of them together.
 class BodyReader {
   public:
     explicit BodyReader(const MailMessage& message) : message_(message), room_(message.limits.bodyBytes) {}
@@ -85,7 +85,7 @@ Result<std::string, MailError> plainBodyOf(const MailMessage& message) {
     std::string body;
     for (const auto& section : message.body) {
         auto text = joinedPlain(reader, section.plain);
-        // Some programs send an empty text beside the HTML.
+        // Some programs send an empty plain text with the HTML.
         if (text && isBlank(*text) && !section.html.empty()) {
             text = joinedPlain(reader, section.html);
         }

@@ -9,12 +9,12 @@
 
 namespace zelto {
 
-// The body as plain text without line ends behind it, and as HTML just as the mail has it: hostile until
-// cleaned. Each is made from the other kind where the mail has but one. Empty for a mail without text.
+// The body as plain text without line ends at its end, and as HTML exactly as in the mail: hostile until it
+// is cleaned. If the mail has only one kind, the other is made from it. Empty for a mail without text.
 Result<std::string, MailError> plainBodyOf(const MailMessage& message);
 Result<std::string, MailError> htmlBodyOf(const MailMessage& message);
 
-// The image's bytes, if there are no more than the limit.
+// The bytes of the image; an error if they exceed the limit.
 Result<Data, MailError> inlineImageData(const MailMessage& message, const MailInlineImage& image,
                                         std::size_t limit);
 

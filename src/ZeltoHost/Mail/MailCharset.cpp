@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::string_view replacement = "\xEF\xBF\xBD";
 
-// What mails mean by a name, where that is more than the name says.
+// Charsets whose names mails use for larger ones.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 9> widerCharsets{{
     {"iso-8859-1", "windows-1252"},
     {"latin1", "windows-1252"},
@@ -44,7 +44,7 @@ std::string canonicalName(std::string_view charset) {
     return wider == widerCharsets.end() ? name : std::string(wider->second);
 }
 
-// The name behind "charset=" in the beginning of an HTML document.
+// The name after "charset=" near the beginning of an HTML document.
 std::string nameInDocument(std::string_view html) {
     auto head = toASCIILower(html.substr(0, 1024));
     const auto found = head.find("charset=");
@@ -96,7 +96,7 @@ class Converter {
             if (left == 0) {
                 return text;
             }
-            // What the charset does not have, or a character that the end cuts off.
+            // A byte that the charset does not have, or a character that is cut off at the end.
             text.append(replacement);
             ++in;
             --left;

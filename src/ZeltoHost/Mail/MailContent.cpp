@@ -13,7 +13,7 @@ namespace zelto {
 
 namespace {
 
-// Undoes a transfer encoding block by block.
+// Decodes a transfer encoding block by block.
 class Decoder {
   public:
     explicit Decoder(MailEncoding encoding) : encoding_(encoding) {
@@ -27,7 +27,7 @@ class Decoder {
         case MailEncoding::quotedPrintable:
             g_mime_encoding_init_decode(&state_, GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE);
             break;
-        case MailEncoding::uuencode: // its first line takes a filter to find
+        case MailEncoding::uuencode: // finding its first line takes a filter
             filter_.reset(g_mime_filter_basic_new(GMIME_CONTENT_ENCODING_UUENCODE, FALSE));
             break;
         }
@@ -51,14 +51,14 @@ class Decoder {
         return {out, size};
     }
 
-    // What the last block left behind.
+    // What is left after the last block.
     std::string_view finish() {
         switch (encoding_) {
         case MailEncoding::identity:
         case MailEncoding::uuencode:
             return {};
         case MailEncoding::base64:
-            // Some programs leave the padding out.
+            // Some programs omit the padding.
             return state_.state == 2 ? step("==") : state_.state == 3 ? step("=") : std::string_view();
         case MailEncoding::quotedPrintable:
             out_.resize(g_mime_encoding_outlen(&state_, 0) + 8);
@@ -95,8 +95,8 @@ Result<void, MailError> decodeContent(const MailFile& file, const MailPart& part
         offset += size;
         wanted = sink(decoder.decode(block));
     }
-    if (const auto rest = decoder.finish(); wanted && !rest.empty()) {
-        wanted = sink(rest);
+    if (const auto remaining = decoder.finish(); wanted && !remaining.empty()) {
+        wanted = sink(remaining);
     }
     return file.isUnchanged() ? Result<void, MailError>() : failure(MailError::changed);
 }

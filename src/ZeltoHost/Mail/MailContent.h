@@ -11,26 +11,26 @@
 
 namespace zelto {
 
-// Contents of parts, decoded from the file on the way: whatever their size, memory holds a block of it, but
-// for the two that give a string. All may fail as reading the file may, and are `changed` if the file was
-// changed since it was opened.
+// Contents of parts, decoded while they are read from the file: except for the two functions that give a
+// string, memory holds one block, whatever the size. All fail if reading the file fails, and with `changed`
+// if the file was changed since it was opened.
 
-// Hands the content over piece by piece, until the sink gives false.
+// Passes the content on piece by piece, until the sink returns false.
 Result<void, MailError> decodeContent(const MailFile& file, const MailPart& part,
                                       const std::function<bool(std::string_view)>& sink);
 
-// Exact, found by decoding.
+// The exact size, found by decoding.
 Result<std::uint64_t, MailError> decodedSize(const MailFile& file, const MailPart& part);
 
-// Makes the file, which must not exist. Nothing is left of it after an error.
+// Creates the file, which must not exist. After an error there is no file.
 Result<void, MailError> writeContent(const MailFile& file, const MailPart& part,
                                      const std::filesystem::path& path);
 
-// bodyTooLarge beyond the limit.
+// `bodyTooLarge` if it exceeds the limit.
 Result<std::string, MailError> readContent(const MailFile& file, const MailPart& part, std::size_t limit);
 
-// A text in UTF-8 with "\n" for line breaks, soft line breaks undone. A charset that is absent or unknown is
-// taken as UTF-8 if the text is that, and as windows-1252 otherwise; bytes that it does not have become
+// A text in UTF-8 with "\n" for line breaks, soft line breaks undone. If the charset is absent or unknown,
+// the text is read as UTF-8 if it is valid, else as windows-1252; bytes that the charset does not have become
 // U+FFFD.
 Result<std::string, MailError> readText(const MailFile& file, const MailPart& part, std::size_t limit);
 

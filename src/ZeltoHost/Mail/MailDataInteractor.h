@@ -15,19 +15,18 @@
 
 namespace zelto {
 
-// The data interactor over one mail. Contents are read from the file when they are asked for; completions
-// come before the operation returns. What cannot be read (a body beyond MailLimits, a file that was changed)
-// is logged, and gives nothing.
+// The data interactor over one mail. Contents are read from the file when they are asked for; completions are
+// called before the operation returns. What cannot be read (a body beyond MailLimits, a file that was
+// changed) is logged and absent from the result.
 //
 // - `title` is the subject on one line.
 // - Links are those of linksToMail, and the options' web link whatever visibility is asked for. A link's text
 //   is the title, or "Open message". Without a Message-ID there is no backlink.
 // - `html` is a whole document, cleaned by cleanedHTML: the custom header or the mail's header block, the
 //   body, the custom footer; inline images become data: URLs, and remote ones are left out.
-// - `messagePlainText` is the body, a blank line and the link in its format; the link alone for a mail
-// without
-//   text.
-// - A mail is no meeting: the operations about one give nothing.
+// - `messagePlainText` is the body, a blank line and the link in its format; for a mail without text only the
+//   link.
+// - A mail is not a meeting: the operations about meetings have no result.
 // - `fetchAttachment` decodes to a file of the attachment's clean name in the private temporary directory.
 class MailDataInteractor final : public IntegrationsDataInteractorProtocol, private LoggerClient {
   public:
@@ -77,7 +76,7 @@ class MailDataInteractor final : public IntegrationsDataInteractorProtocol, priv
     InteractorOptions options_;
     MessageLinks links_;
     std::mutex attachmentsMutex_;
-    std::optional<IntegrationAttachments> attachments_; // found once: sizes take decoding
+    std::optional<IntegrationAttachments> attachments_; // computed once: sizes require decoding
 };
 
 } // namespace zelto

@@ -6,19 +6,19 @@
 
 namespace zelto {
 
-// Why a mail, or a piece of it, could not be read.
+// Why a mail, or a part of it, could not be read.
 enum class MailError : int {
     notFound,     // no such file
     unreadable,   // the file cannot be opened or read
-    notAMail,     // the file holds something else
-    tooManyParts, // the limits of MailLimits
+    notAMail,     // the file is something else
+    tooManyParts, // beyond the limits of MailLimits
     tooManyHeaders,
     headersTooLarge,
     nestedTooDeep,
     bodyTooLarge,
-    unknownAttachment, // no attachment of that id
+    unknownAttachment, // no attachment with that id
     changed,           // the file was changed after it was opened
-    diskFull,          // a file could not be written: no room
+    diskFull,          // a file could not be written: no space left
     cannotWrite,       // a file could not be written: any other reason
 };
 ZELTO_ENUM(MailError);

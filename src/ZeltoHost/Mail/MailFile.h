@@ -12,19 +12,19 @@
 
 namespace zelto {
 
-// A mail on disk, held open: deleting or replacing the file does no harm, changing it in place is noticed.
+// A mail on disk, held open: deleting or replacing the file has no effect, changing it in place is detected.
 // Any thread.
 class MailFile {
   public:
-    // A regular file, or a pipe, which is spooled first.
+    // Opens a regular file, or a pipe, which is first copied to a temporary file.
     static Result<std::shared_ptr<const MailFile>, MailError> open(const std::filesystem::path& path);
 
     std::uint64_t size() const { return size_; }
 
-    // Fills the whole buffer from the offset on; less than that in the file is `changed`.
+    // Fills the whole buffer from the offset on; `changed` if the file has less.
     Result<void, MailError> read(std::uint64_t offset, std::span<char> buffer) const;
 
-    // False once the file has been written to or cut since it was opened.
+    // False once the file has been written to or truncated since it was opened.
     bool isUnchanged() const;
 
   private:
@@ -35,8 +35,8 @@ class MailFile {
     timespec modified_;
 };
 
-// Copies all that comes from an open file, such as standard input, to a file in the process's private
-// temporary directory, and gives its path.
+// Copies everything from an open file, such as standard input, to a file in the process's private temporary
+// directory, and gives its path.
 Result<std::filesystem::path, MailError> spool(int descriptor);
 
 } // namespace zelto

@@ -6,7 +6,7 @@ namespace zelto {
 
 std::string unfoldedFlowedText(std::string_view text, bool delSp) {
     std::string result;
-    bool continues = false; // the line before ended in a soft break
+    bool continues = false; // the previous line ended with a soft break
     std::size_t depthBefore = 0;
     while (!text.empty()) {
         const auto end = text.find('\n');

@@ -7,7 +7,7 @@ namespace zelto {
 
 namespace {
 
-// GMime descends into a group for each colon; no mail has more groups than this.
+// GMime recurses into a group at each colon; mails do not have more groups than this.
 constexpr std::size_t maxGroups = 100;
 
 std::optional<std::string> nonEmpty(std::string text) {
@@ -20,7 +20,7 @@ std::string withFewGroups(std::string value) {
         if (c == ':' && ++groups > maxGroups) {
             c = ' ';
         }
-        // Some programs put semicolons between addresses.
+        // Some programs separate addresses by semicolons.
         if (c == ';' && groups == 0) {
             c = ',';
         }
@@ -50,15 +50,15 @@ std::string onOneLine(std::string_view text) {
     const auto valid = repairedUTF8(text);
     std::string line;
     bool blank = false;
-    for (std::string_view rest = valid; !rest.empty();) {
-        const auto [c, length] = firstCodePoint(rest);
+    for (std::string_view remaining = valid; !remaining.empty();) {
+        const auto [c, length] = firstCodePoint(remaining);
         if (c <= ' ' || (c >= 0x7F && c < 0xA0) || c == 0x2028 || c == 0x2029) {
             blank = !line.empty();
         } else {
-            line.append(blank ? " " : "").append(rest.substr(0, length));
+            line.append(blank ? " " : "").append(remaining.substr(0, length));
             blank = false;
         }
-        rest.remove_prefix(length);
+        remaining.remove_prefix(length);
     }
     return line;
 }

@@ -15,7 +15,7 @@ class MailLines {
         std::uint64_t offset = 0;
         std::string_view text;      // without its terminator; valid until the next line is read
         std::size_t terminator = 0; // 0 (end of the file), 1 or 2 bytes
-        std::uint64_t length = 0;   // the whole line's, without its terminator
+        std::uint64_t length = 0;   // of the whole line, without its terminator
     };
 
     MailLines(const MailFile& file, std::size_t maxLength);

@@ -14,8 +14,9 @@ namespace zelto {
 
 class MailFile;
 
-// What is refused before anything is built of a mail. Parts are counted without the message itself, depth in
-// containers (multiparts and attached messages) around a part, headers over all parts.
+// A mail beyond these limits is refused before anything is built. The message itself does not count as a
+// part; depth is the number of containers (multiparts and attached messages) around a part; headers are added
+// up over all parts.
 struct MailLimits {
     std::size_t parts = 10'000;
     std::size_t headers = 10'000;
@@ -26,13 +27,13 @@ struct MailLimits {
 
 enum class MailEncoding : int { identity, base64, quotedPrintable, uuencode };
 
-// One part of the tree. Texts are decoded, valid UTF-8; `begin` and `end` bound the encoded content in the
+// A part of the tree. Texts are decoded, valid UTF-8; `begin` and `end` delimit the encoded content in the
 // file.
 struct MailPart {
     std::string mediaType = "text/plain"; // lower case, without parameters
     std::string charset;                  // as declared, or empty
     std::string disposition;              // lower case: "inline", "attachment" or empty
-    std::string name;                     // as the mail has it: never a file name before it is cleaned
+    std::string name;                     // as in the mail; must be cleaned before it is used as a file name
     std::string contentID;                // without angle brackets
     std::string root;                     // of a multipart/related: the content id of its root, or empty
     MailEncoding encoding = MailEncoding::identity;
@@ -43,21 +44,21 @@ struct MailPart {
     std::vector<std::size_t> children; // indexes into MailMessage::parts
 };
 
-// A piece of the body: the parts that give it as plain text and as HTML, in order. One of the two may be
-// empty, then the other is converted.
+// A section of the body: the parts that give it as plain text and as HTML, in order. If one of the two is
+// empty, the other is converted.
 struct MailBodySection {
     std::vector<std::size_t> plain;
     std::vector<std::size_t> html;
 };
 
 struct MailAttachment {
-    std::int64_t id;  // from 1, in the mail's order
-    std::string name; // clean: usable as a file name as it stands
+    std::int64_t id;  // from 1, in the order of the mail
+    std::string name; // clean: usable as a file name
     std::string mediaType;
     std::size_t part;
 };
 
-// An image that the HTML body refers to as "cid:" and its content id.
+// An image that the HTML body refers to by a "cid:" URL with its content id.
 struct MailInlineImage {
     std::string contentID;
     std::string name; // clean
@@ -65,7 +66,7 @@ struct MailInlineImage {
     std::size_t part;
 };
 
-// A mail's structure and header; a regular value without any content, which stays in the file.
+// The structure and header of a mail; a regular value without any content, which stays in the file.
 struct MailMessage {
     std::optional<IntegrationsInteractorAddress> from;
     std::vector<IntegrationsInteractorAddress> to;

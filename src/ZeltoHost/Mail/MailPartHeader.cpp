@@ -51,7 +51,7 @@ std::string withoutBrackets(std::string text) {
     return text;
 }
 
-// Raw bytes in a name come as they stand in the mail.
+// GMime gives raw bytes in a name as they are in the mail.
 std::string nameOf(const std::string& value) {
     return onOneLine(toUTF8(value, {}, false));
 }
@@ -66,7 +66,7 @@ void readContentType(const MailField& field, MailPartHeader& header) {
     const GLibPointer<char> name(g_mime_content_type_get_mime_type(type.get()));
     part.mediaType = toASCIILower(onOneLine(textOf(name.get())));
     if (const auto token = trimmedToken(field.value); token.empty() || token == "text") {
-        part.mediaType = "text/plain"; // as mails before MIME have it
+        part.mediaType = "text/plain"; // as in mails before MIME
     }
     part.charset = onOneLine(parameter("charset"));
     part.name = nameOf(parameter("name"));
@@ -75,7 +75,7 @@ void readContentType(const MailField& field, MailPartHeader& header) {
     part.delSp = toASCIILower(parameter("delsp")) == "yes";
     if (part.mediaType.starts_with("multipart/")) {
         header.boundary = parameter("boundary");
-        // A line's trailing blanks do not count, so a boundary cannot end in one.
+        // Trailing blanks of a line are ignored, so a boundary cannot end with one.
         header.boundary.erase(header.boundary.find_last_not_of(" \t\r\n") + 1);
         if (header.boundary.empty()) {
             part.mediaType = "text/plain";

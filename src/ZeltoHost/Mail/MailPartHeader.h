@@ -4,13 +4,13 @@
 
 namespace zelto {
 
-// What a part's header says about it.
+// The content of a part's header.
 struct MailPartHeader {
     MailPart part;
     std::string boundary; // of a multipart, or empty
 };
 
-// `inDigest`: a part of a multipart/digest is a message unless it says other.
+// `inDigest`: a part of a multipart/digest is a message unless its header says otherwise.
 MailPartHeader readPartHeader(const std::vector<MailField>& fields, bool inDigest);
 
 bool isMultipart(const MailPart& part);

@@ -38,7 +38,7 @@ std::optional<IntegrationsInteractorAddress> firstAddressIn(const Fields& fields
     return std::nullopt;
 }
 
-// Servers put their field in front of the others, so the first one is the last hop.
+// Servers put their field before the others, so the first one is of the last hop.
 std::optional<Date> receivedDateIn(const Fields& fields) {
     for (const auto& field : fields) {
         const auto semicolon = field.value.rfind(';');

@@ -8,8 +8,8 @@
 
 namespace zelto {
 
-// Reads mails from .eml files (RFC 5322 and MIME; a mailbox's "From " line in front is tolerated). The file
-// is gone through once; its contents stay in it. Any thread.
+// Reads mails from .eml files (RFC 5322 and MIME; a mailbox's "From " line at the beginning is tolerated).
+// The file is read through once; contents stay in it. Any thread.
 struct MailReader {
     static Result<std::shared_ptr<const MailMessage>, MailError> open(const std::filesystem::path& path,
                                                                       const MailLimits& limits = {});

@@ -25,14 +25,14 @@ std::string_view withoutTrailingBlanks(std::string_view text) {
     return text;
 }
 
-// What decodes the values takes them for C strings.
+// The functions that decode the values take C strings.
 std::string withoutNulls(std::string_view text) {
     std::string value(text);
     std::ranges::replace(value, '\0', ' ');
     return value;
 }
 
-// "Name: value", blanks before the colon tolerated.
+// "Name: value", with blanks before the colon tolerated.
 std::optional<MailField> fieldOf(std::string_view line) {
     const auto colon = line.find(':');
     if (colon == std::string_view::npos) {
@@ -45,7 +45,7 @@ std::optional<MailField> fieldOf(std::string_view line) {
     return MailField{std::string(name), withoutNulls(line.substr(colon + 1))};
 }
 
-// A container whose parts are being read. A closed multipart has no boundary any more.
+// A container whose parts are being read. After its end a multipart has no boundary.
 struct Frame {
     std::size_t part;
     std::string boundary;
@@ -97,7 +97,7 @@ class Scanner {
         }
     }
 
-    // The innermost open container whose boundary the line is.
+    // The innermost open container that has this line as its boundary.
     std::optional<std::size_t> boundaryLevel() {
         if (!line_.text.starts_with("--")) {
             return std::nullopt;
@@ -108,9 +108,9 @@ class Scanner {
             if (boundary.empty() || !text.starts_with(boundary)) {
                 continue;
             }
-            const auto rest = text.substr(boundary.size());
-            if (rest.empty() || rest == "--") {
-                closing_ = !rest.empty();
+            const auto remaining = text.substr(boundary.size());
+            if (remaining.empty() || remaining == "--") {
+                closing_ = !remaining.empty();
                 return level;
             }
         }
@@ -131,13 +131,13 @@ class Scanner {
         return {};
     }
 
-    // Ends what is being read, down to that number of frames.
+    // Ends the innermost containers, until that number of frames is left.
     void leave(std::size_t level, std::uint64_t offset) {
         const auto end = [&](std::size_t index) {
             auto& part = scan_.parts[index];
             part.end = std::max(part.begin, offset);
             if (isMultipart(part) && part.children.empty()) {
-                part.mediaType = "text/plain"; // its boundary never came
+                part.mediaType = "text/plain"; // its boundary never occurred
             }
         };
         if (leaf_ != noPart) {
@@ -164,10 +164,10 @@ class Scanner {
             return true;
         }
         if (line_.length == 0) {
-            return told(endHeader(stray_.value_or(line_.offset + line_.terminator)), true);
+            return withValue(endHeader(stray_.value_or(line_.offset + line_.terminator)), true);
         }
         if (line_.text.starts_with("--")) {
-            return told(endHeader(stray_.value_or(line_.offset)), false);
+            return withValue(endHeader(stray_.value_or(line_.offset)), false);
         }
         const bool first = std::exchange(firstHeaderLine_, false);
         if (first && (line_.text.starts_with("From ") || line_.text.starts_with(">From "))) {
@@ -176,7 +176,7 @@ class Scanner {
         return readField(first && scan_.parts.empty());
     }
 
-    static Result<bool, MailError> told(Step step, bool value) {
+    static Result<bool, MailError> withValue(Step step, bool value) {
         return step ? Result<bool, MailError>(value) : failure(step.error());
     }
 
@@ -188,9 +188,9 @@ class Scanner {
         }
         auto field = isBlank(line_.text.front()) ? std::nullopt : fieldOf(text);
         if (!continues && !field) {
-            // One line that is no field, between others, is an accident; two are the text.
+            // A single line between fields that is not a field is ignored; two of them begin the text.
             if (stray_ || fields_.empty()) {
-                return told(endHeader(stray_.value_or(line_.offset)), false);
+                return withValue(endHeader(stray_.value_or(line_.offset)), false);
             }
             stray_ = line_.offset;
             return true;
@@ -211,7 +211,7 @@ class Scanner {
         return true;
     }
 
-    // Ends the open header, and those that open in turn with nothing in them.
+    // Ends the open header, and empty headers that begin within it.
     Step endHeaders(std::uint64_t contentBegin) {
         while (inHeader_) {
             if (auto ended = endHeader(stray_.value_or(contentBegin)); !ended) {
@@ -283,16 +283,16 @@ class Scanner {
     MailLines lines_;
     std::uint64_t fileSize_;
     MailLines::Line line_;
-    std::uint64_t contentEnd_ = 0; // before the line and the line break in front of it
+    std::uint64_t contentEnd_ = 0; // before the current line and the line break in front of it
     std::vector<Frame> frames_;
     std::size_t leaf_ = noPart;
     bool closing_ = false;
-    // The header that is being read.
+    // Whether a header is being read.
     bool inHeader_ = true;
     bool firstHeaderLine_ = true;
     bool leadingBlank_ = false;
     std::vector<MailField> fields_;
-    std::optional<std::uint64_t> stray_; // where a line began that is no field, if it was the last one
+    std::optional<std::uint64_t> stray_; // start of the last line, if it was not a field
     std::size_t headers_ = 0;
     std::uint64_t headerBytes_ = 0;
     MailScan scan_;

@@ -19,7 +19,7 @@ struct MeetingNoteParty {
 
 ZELTO_JSON_CODED(MeetingNoteParty);
 
-// A piece of a note. In JSON a string is plain text; {"html": "..."} is HTML, {"text": "..."} plain text.
+// A text of a note. In JSON a string is plain text; {"html": "..."} is HTML, {"text": "..."} plain text.
 struct MeetingNoteText {
     std::string content;
     bool isHTML = false;
@@ -29,14 +29,14 @@ struct MeetingNoteText {
 
 ZELTO_JSON_CODED(MeetingNoteText);
 
-// What is known of one meeting; docs/meeting-note.md tells the JSON. Only the title must be there.
+// The facts of one meeting; docs/meeting-note.md describes the JSON. Only the title is required.
 struct MeetingNote {
     std::string title;
     std::optional<Date> start;
     std::optional<Date> end;
     std::optional<MeetingNoteParty> organiser;
     std::vector<MeetingNoteParty> attendees;
-    std::optional<std::string> link;    // opens the note in the program that it comes from
+    std::optional<std::string> link;    // opens the note in the program it comes from
     std::optional<std::string> webLink; // http or https
     std::optional<MeetingNoteText> summary;
     std::optional<MeetingNoteText> transcript;

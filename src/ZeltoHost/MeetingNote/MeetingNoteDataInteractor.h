@@ -7,16 +7,15 @@
 
 namespace zelto {
 
-// The data interactor over one meeting note. Completions come before the operation returns. Any thread.
+// The data interactor over one meeting note. Completions are called before the operation returns. Any thread.
 //
 // - The organiser is the sender, the attendees are the recipients; the date is that of the beginning.
 // - All three backlinks are the note's `link`; the web link is the options', else the note's. A link's text
-// is
-//   the title, or "Open meeting note".
-// - The body is the summary, the notes and the transcript in this order, under headings where there is more
-//   than one of them.
-// - `meetTranscript` gives one of them, as plain text or as a whole, cleaned HTML document, the link in its
-//   format behind it; nothing if the note does not have it.
+//   is the title, or "Open meeting note".
+// - The body is the summary, the notes and the transcript in this order, under headings if there is more than
+//   one of them.
+// - `meetTranscript` gives one of them, as plain text or as a whole, cleaned HTML document, followed by the
+//   link in its format; absent if the note does not have it.
 // - A note has no attachments.
 class MeetingNoteDataInteractor final : public IntegrationsDataInteractorProtocol {
   public:

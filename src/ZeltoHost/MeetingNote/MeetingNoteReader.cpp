@@ -42,7 +42,7 @@ MeetingNoteError errorOf(const FileError& error) {
             "The file cannot be read; check that it is a file and that you may read it."};
 }
 
-// What runs or reads something on the user's machine is no link to a note.
+// Not schemes that run or read something on the user's machine.
 bool mayLinkTo(const URL& url) {
     static constexpr std::array<std::string_view, 5> refused{"javascript", "data", "file", "vbscript",
                                                              "blob"};

@@ -20,13 +20,13 @@ namespace {
 
 constexpr std::size_t keptErrorOutput = 4096;
 
-// Each may take the whole of its memory.
+// Each may use all of its memory limit.
 constexpr int conversionsAtOnce = 2;
 
-// Not the first python3 of PATH, which may be one without WeasyPrint.
+// Not the first python3 of PATH, which may lack WeasyPrint.
 constexpr std::string_view interpreter = "/usr/bin/python3";
 
-// A folder for one conversion, removed with what is in it.
+// A folder for one conversion, removed with its content.
 class WorkFolder {
   public:
     static Result<WorkFolder, FileError> make() {
@@ -58,7 +58,7 @@ class WorkFolder {
     std::filesystem::path path_;
 };
 
-// Nothing of the caller's environment but where the fonts' cache is.
+// Of the caller's environment, only where the font cache is.
 std::vector<std::string> interpreterEnvironment() {
     std::vector<std::string> environment{"PATH=/usr/bin:/bin", "LANG=C.UTF-8"};
     for (const char* name : {"HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "TMPDIR"}) {
@@ -95,7 +95,7 @@ PDFError errorOf(const ProcessSignaled& end, const std::string& output, bool isO
     if (end.signal == SIGXCPU) {
         return {PDFErrorCode::timedOut, status, {}, output};
     }
-    // The libraries beneath ours crash where there is no memory left.
+    // The libraries below crash when there is no memory left.
     const bool crashed = end.signal == SIGSEGV || end.signal == SIGABRT || end.signal == SIGTRAP;
     if (end.signal == SIGXFSZ || (isOurs && crashed) || ranOutOfMemory(output)) {
         return {PDFErrorCode::tooLarge, status, {}, output};
@@ -238,7 +238,7 @@ PDFConverter::~PDFConverter() = default;
 
 void PDFConverter::convert(std::string html, std::filesystem::path toPdf,
                            Completion<void, PDFError> completion) {
-    // Shared, so that it is still here if no thread can be made.
+    // Shared, so that it can still be called if no thread can be created.
     auto pending = std::make_shared<Completion<void, PDFError>>(std::move(completion));
     const auto error =
         threads_.start([worker = worker_, pending, html = std::move(html), toPdf = std::move(toPdf)](

@@ -15,7 +15,7 @@
 namespace zelto {
 
 struct PDFConverterOptions {
-    // A program and its first arguments, run as `CMD IN.html OUT.pdf` (no shell sees it); empty: WeasyPrint.
+    // A program and its first arguments, run as `CMD IN.html OUT.pdf` without a shell; empty: WeasyPrint.
     std::vector<std::string> command;
 
     std::chrono::milliseconds wallTime{60'000};
@@ -24,13 +24,13 @@ struct PDFConverterOptions {
     std::uint64_t fileSize = std::uint64_t{200} << 20;
 };
 
-// Turns HTML into PDF files by a foreign program with bounded time and memory. The HTML is cleaned first
-// (cleanedHTML), and WeasyPrint runs behind a fetcher that allows data: URLs alone: the network is never
-// touched, no local file gets in.
+// Converts HTML to PDF files by an external program with limited time and memory. The HTML is cleaned first
+// (cleanedHTML), and WeasyPrint's fetcher allows data: URLs only: neither the network nor local files are
+// accessed.
 //
-// The file appears whole or not at all; what stood there before stays if there is an error. The folder must
-// be there. Any thread; convert returns at once. The completion comes once, on a thread of the converter, at
-// the latest while this is destroyed (then as canceled).
+// The file appears whole or not at all; after an error a previous file is unchanged. The folder must exist.
+// Any thread; convert returns at once. The completion is called once, on a thread of the converter, at the
+// latest during its destruction (then with `canceled`).
 class PDFConverter {
   public:
     explicit PDFConverter(PDFConverterOptions options = {});

@@ -4,10 +4,10 @@
 
 namespace zelto {
 
-// Reads cleaned HTML from standard input and writes a PDF to the path that is its one argument. It loads
-// data: URLs and nothing else: the fetcher refuses, and so does the interpreter should anything get round
-// that. Presentational attributes (bgcolor, width, align), of which mails are made, are heeded. Its exit
-// status tells what a caller wants to know.
+// Reads cleaned HTML from standard input and writes a PDF to the path in its only argument. It loads data:
+// URLs only: the fetcher refuses others, and so does the interpreter, should something bypass the fetcher.
+// Presentational attributes (bgcolor, width, align), which mails use, are respected. Its exit status says why
+// it failed.
 inline constexpr int weasyPrintMissingStatus = 70;
 inline constexpr int weasyPrintMemoryStatus = 71;
 

@@ -13,12 +13,12 @@ namespace zelto {
 
 namespace {
 
-constexpr std::size_t longestAddress = 254;
-constexpr std::size_t longestLocalPart = 64;
-constexpr std::size_t longestLabel = 63;
+constexpr std::size_t maximumAddressLength = 254;
+constexpr std::size_t maximumLocalPartLength = 64;
+constexpr std::size_t maximumLabelLength = 63;
 
-// A label outside ASCII travels as "xn--" and at least one octet a character.
-constexpr std::size_t longestInternationalLabel = 59;
+// A label outside ASCII is sent as "xn--" and at least one octet per character.
+constexpr std::size_t maximumInternationalLabelLength = 59;
 
 bool isAtomText(char octet) {
     return !isASCII(octet) || isASCIIAlphanumeric(octet) ||
@@ -29,7 +29,7 @@ bool isPrintable(char octet) {
     return !isASCII(octet) || (octet >= ' ' && octet <= '~');
 }
 
-// Well-formed, and outside ASCII no white space, control or invisible turn of the writing's direction.
+// Well-formed, and without white space, control characters and marks of writing direction outside ASCII.
 bool isSoundText(std::string_view text) {
     if (!isValidUTF8(text) || escapeControlCharacters(text) != text) {
         return false;
@@ -44,8 +44,7 @@ bool isSoundText(std::string_view text) {
     return true;
 }
 
-// Calls the function for each part; whether it holds for all. No part may be empty for most callers, so empty
-// ones are told too.
+// Whether the function holds for each part. Most callers allow no empty part, so empty ones are passed too.
 template <class F> bool allParts(std::string_view text, F&& holds) {
     for (;;) {
         const auto dot = text.find('.');
@@ -80,7 +79,7 @@ bool isQuotedContent(std::string_view text) {
 }
 
 bool isLocalPart(std::string_view text) {
-    if (text.empty() || text.size() > longestLocalPart) {
+    if (text.empty() || text.size() > maximumLocalPartLength) {
         return false;
     }
     if (text.front() != '"') {
@@ -96,7 +95,7 @@ bool isLabel(std::string_view label) {
     const bool isInternational = !std::ranges::all_of(label, isASCII);
     const auto characters = static_cast<std::size_t>(
         std::ranges::count_if(label, [](char octet) { return (octet & 0xC0) != 0x80; }));
-    return characters <= (isInternational ? longestInternationalLabel : longestLabel) &&
+    return characters <= (isInternational ? maximumInternationalLabelLength : maximumLabelLength) &&
            std::ranges::all_of(label, [](char octet) {
                return !isASCII(octet) || isASCIIAlphanumeric(octet) || octet == '-';
            });
@@ -122,10 +121,10 @@ bool isDomain(std::string_view text) {
 } // namespace
 
 bool isEmailAddress(std::string_view text) {
-    if (text.size() > longestAddress || !isSoundText(text)) {
+    if (text.size() > maximumAddressLength || !isSoundText(text)) {
         return false;
     }
-    // The last one: a quoted local part may hold others.
+    // The last one, since a quoted local part may contain others.
     const auto at = text.rfind('@');
     return at != std::string_view::npos && isLocalPart(text.substr(0, at)) && isDomain(text.substr(at + 1));
 }

@@ -12,10 +12,9 @@
 
 namespace zelto {
 
-// What a host does for the integrations, ready-made: PDF files by PDFConverter, dates by HostDateFormatter,
-// URLs by a function of the caller's choice, such as URLOpener's. Analytics events and news of accounts go to
-// the log, at the trace level. It has no clients for services that are reached through the platform. Any
-// thread.
+// A ready-made platform of the integrations: PDF files by PDFConverter, dates by HostDateFormatter, URLs by a
+// function of the caller, such as URLOpener's. Analytics events and changes of accounts are logged at the
+// trace level. It has no clients for services that are reached through the platform. Any thread.
 class HostPlatformInteractor : public IntegrationsPlatformInteractorProtocol, protected LoggerClient {
   public:
     using URLHandler = std::function<void(const URL&, Callback<bool>)>;
@@ -25,7 +24,7 @@ class HostPlatformInteractor : public IntegrationsPlatformInteractorProtocol, pr
     std::shared_ptr<EvernoteClient> evernoteClient(const ServiceAccountConfiguration& configuration) override;
     std::shared_ptr<RemindersClient> remindersClient() override;
     std::shared_ptr<IntegrationsDateFormatter> dateFormatter() override;
-    // Why a conversion failed is logged, and told by lastPDFError().
+    // The reason of a failure is logged, and given by lastPDFError().
     void convert(std::string html, std::filesystem::path toPdf, Callback<bool> completion) override;
     void executeAction(URL url, Callback<bool> completion) override;
     void postExportEvent(ServiceType service, IntegrationExportContentType exportType,
@@ -38,7 +37,7 @@ class HostPlatformInteractor : public IntegrationsPlatformInteractorProtocol, pr
     void integrationServiceDidAdded(const ServiceAccountConfiguration& configuration) override;
     void integrationServiceDidRemoved(const ServiceAccountConfiguration& configuration) override;
 
-    // Of the last conversion that failed.
+    // The error of the last conversion that failed.
     std::optional<PDFError> lastPDFError() const { return lastPDFError_.value(); }
 
   private:

@@ -9,14 +9,14 @@ namespace zelto {
 enum class OpenErrorCode {
     schemeNotAllowed, // not one of the applications' schemes, https, or http to this machine
     openerMissing,    // there is no such program
-    tooLong,          // the system cannot pass a URL of that length to a program
+    tooLong,          // the system cannot pass a URL of this length to a program
     failed,           // the opener ended with a status other than 0, or by a signal
     timedOut,         // the opener did not end in its 30 seconds and was stopped
-    canceled,         // whoever opens ended first
+    canceled,         // the URLOpener was destroyed first
 };
 ZELTO_ENUM(OpenErrorCode);
 
-// Why a URL was not opened. Holds no part of the URL but its scheme.
+// Why a URL was not opened. Contains no part of the URL but its scheme.
 struct OpenError {
     OpenErrorCode code = OpenErrorCode::failed;
     std::string subject; // the scheme or the opener's name

@@ -18,8 +18,8 @@ bool isThisMachine(const std::string& host) {
     return host == "localhost" || host == "127.0.0.1" || host == "::1";
 }
 
-// One argument of a program has at most 32 pages in Linux, its final NUL included.
-std::size_t longestArgument() {
+// On Linux, one argument of a program has at most 32 pages, its final NUL included.
+std::size_t maximumArgumentLength() {
     return 32 * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) - 1;
 }
 
@@ -67,11 +67,11 @@ void URLOpener::open(const URL& url, Completion<void, OpenError> completion) {
         completion(failure(OpenError{OpenErrorCode::openerMissing, name, {}}));
         return;
     }
-    if (text.size() > longestArgument()) {
+    if (text.size() > maximumArgumentLength()) {
         completion(failure(tooLong(text.size())));
         return;
     }
-    // The program may turn into the application itself.
+    // The program may become the application itself.
     ProcessRequest request{.arguments = command_, .keptOutput = 0, .outlivesUs = true};
     request.arguments.front() = program->string();
     request.arguments.push_back(text);

@@ -12,16 +12,16 @@
 
 namespace zelto {
 
-// Opens URLs on the user's system by running a program with the URL as its last argument; no shell sees it.
+// Opens URLs on the user's system by running a program, without a shell, with the URL as its last argument.
 // The program's exit status 0 means opened. It has 30 seconds, /dev/null for input and output, and the
-// process's environment; an application that it leaves running is not touched, and the program itself lives
-// on when the process ends without destroying this. Any thread; the completion comes once, on any thread, at
-// the latest while this is destroyed.
+// process's environment. An application that it starts is left alone, and the program itself continues if the
+// process ends without destroying this. Any thread; the completion is called once, on any thread, at the
+// latest during the destruction.
 class URLOpener {
   public:
     static constexpr std::chrono::seconds maximumWait{30};
 
-    // By xdg-open, or by a command: the program's name or path, and arguments that go before the URL.
+    // Uses xdg-open, or a command: the program's name or path, and arguments before the URL.
     URLOpener() : URLOpener(std::vector<std::string>{"xdg-open"}) {}
 
     explicit URLOpener(std::vector<std::string> command, std::chrono::milliseconds limit = maximumWait);

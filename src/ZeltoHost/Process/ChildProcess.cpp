@@ -20,7 +20,8 @@ std::error_code lastError() {
     return {errno, std::generic_category()};
 }
 
-// A descriptor of 0 to 2, given where the caller has closed its own, would be overwritten in the child.
+// A descriptor from 0 to 2, which is possible if the caller has closed its own, would be overwritten in the
+// child.
 Result<FileDescriptor, std::error_code> clearOfStandard(int number) {
     FileDescriptor descriptor(number);
     if (!descriptor) {
@@ -55,7 +56,8 @@ struct Pipe {
     }
 };
 
-// A file of memory rather than a pipe: nothing can block, and no signal comes if the program does not read.
+// A file in memory rather than a pipe: nothing can block, and there is no SIGPIPE if the program does not
+// read.
 Result<FileDescriptor, std::error_code> inputFile(const std::string& input) {
     if (input.empty()) {
         return clearOfStandard(::open("/dev/null", O_RDONLY | O_CLOEXEC));
@@ -87,7 +89,7 @@ bool isSound(const ProcessRequest& request) {
            (!request.environment || std::ranges::none_of(*request.environment, holdsNul));
 }
 
-// They point into the texts.
+// Pointers into the texts.
 std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
     std::vector<char*> pointers;
     pointers.reserve(texts.size() + 1);
@@ -98,7 +100,7 @@ std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
     return pointers;
 }
 
-// No signal handler of ours may run in the child before it has put the default ones in their place.
+// Signal handlers must not run in the child before it has restored the default ones.
 pid_t forkWithoutSignals(const ChildSetup& setup) {
     sigset_t all;
     sigset_t before;
@@ -151,7 +153,7 @@ Result<ChildProcess, std::error_code> ChildProcess::start(const ProcessRequest& 
     if (child.pid_ < 0) {
         return failure(lastError());
     }
-    ::setpgid(child.pid_, child.pid_); // the child does so too: whoever comes first
+    ::setpgid(child.pid_, child.pid_); // done in the child too: the first of the two has effect
     child.endSignal_ = FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, child.pid_, 0)));
     child.startError_ = std::move(startError->reading);
     if (keeps) {
@@ -171,7 +173,7 @@ std::optional<ProcessEnd> ChildProcess::collect() {
         return std::nullopt;
     }
     if (ended < 0) {
-        return ProcessFailedToStart{lastError()}; // somebody else has collected it
+        return ProcessFailedToStart{lastError()}; // other code has collected it
     }
     int error = 0;
     if (::read(startError_.number(), &error, sizeof error) == sizeof error) {

@@ -11,7 +11,7 @@
 
 namespace zelto {
 
-// A program that has been started and whose end has not been collected. For runProcess.
+// A started program whose end has not been collected. Used by runProcess.
 class ChildProcess {
   public:
     static Result<ChildProcess, std::error_code> start(const ProcessRequest& request);
@@ -19,18 +19,18 @@ class ChildProcess {
     ChildProcess(ChildProcess&&) = default;
     ChildProcess& operator=(ChildProcess&&) = delete;
 
-    // Becomes readable when the program ends; invalid where the system has no such thing.
+    // Becomes readable when the program ends; invalid if the system has no such descriptor.
     const FileDescriptor& endSignal() const { return endSignal_; }
 
-    // The reading ends of its outputs, non-blocking; invalid if they are not kept.
+    // The reading ends of its outputs, non-blocking; invalid if output is not kept.
     FileDescriptor& output() { return output_; }
 
     FileDescriptor& errorOutput() { return errorOutput_; }
 
-    // How it ended; nothing while it runs.
+    // How it ended; `nullopt` while it runs.
     std::optional<ProcessEnd> collect();
 
-    // Ends the whole group.
+    // Kills the whole process group.
     void kill();
 
   private:
@@ -40,7 +40,7 @@ class ChildProcess {
     FileDescriptor endSignal_;
     FileDescriptor output_;
     FileDescriptor errorOutput_;
-    FileDescriptor startError_; // holds the error number of a start that failed
+    FileDescriptor startError_; // delivers the error number if the start fails
 };
 
 } // namespace zelto

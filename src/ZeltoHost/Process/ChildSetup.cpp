@@ -22,8 +22,8 @@ void takeDefaultSignals() noexcept {
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-// The hard limit lies one unit higher: for time it is where the kernel gives up on a program that ignores the
-// signal of the soft one.
+// The hard limit is one unit higher: for time, the kernel kills a program there that ignores the signal of
+// the soft limit.
 bool limit(__rlimit_resource resource, const std::optional<std::uint64_t>& wanted, rlim_t margin) noexcept {
     rlimit now{};
     if (!wanted) {

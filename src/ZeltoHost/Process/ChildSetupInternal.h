@@ -10,8 +10,8 @@
 
 namespace zelto {
 
-// All that a forked child needs to turn into the program, made before the fork: behind it nothing may be
-// allocated, since another thread may have held the heap's lock.
+// Everything that a forked child needs to become the program, prepared before the fork: after it nothing may
+// be allocated, since another thread may have held the heap's lock.
 struct ChildSetup {
     char* const* arguments;
     char* const* environment;
@@ -20,12 +20,12 @@ struct ChildSetup {
     int input;
     int output;
     int errorOutput;
-    int startError;              // where the error number goes if this fails
-    std::optional<pid_t> parent; // the process that it dies with
+    int startError;              // where the error number is written if this fails
+    std::optional<pid_t> parent; // the process whose death kills it
     long openFilesLimit;
 };
 
-// For the child of a fork, with all signals blocked.
+// To be called in a forked child, with all signals blocked.
 [[noreturn]] void becomeProgram(const ChildSetup& setup) noexcept;
 
 } // namespace zelto

@@ -12,11 +12,11 @@ namespace {
 
 class WordReader {
   public:
-    explicit WordReader(std::string_view command) : rest_(command) {}
+    explicit WordReader(std::string_view command) : remaining_(command) {}
 
-    // Whether all quotes are closed and no backslash stands at the end.
+    // Whether all quotes are closed and there is no backslash at the end.
     bool read() {
-        while (!rest_.empty()) {
+        while (!remaining_.empty()) {
             const char next = take();
             if (next == ' ' || next == '\t' || next == '\n') {
                 endWord();
@@ -44,20 +44,20 @@ class WordReader {
     }
 
     bool readQuoted(char quote) {
-        while (!rest_.empty()) {
+        while (!remaining_.empty()) {
             const char next = take();
             if (next == quote) {
                 return true;
             }
-            const bool isEscape = next == '\\' && quote == '"' && !rest_.empty() &&
-                                  (rest_.front() == '"' || rest_.front() == '\\');
+            const bool isEscape = next == '\\' && quote == '"' && !remaining_.empty() &&
+                                  (remaining_.front() == '"' || remaining_.front() == '\\');
             word_ += isEscape ? take() : next;
         }
         return false;
     }
 
     bool readEscaped() {
-        if (rest_.empty()) {
+        if (remaining_.empty()) {
             return false;
         }
         word_ += take();
@@ -65,8 +65,8 @@ class WordReader {
     }
 
     char take() {
-        const char next = rest_.front();
-        rest_.remove_prefix(1);
+        const char next = remaining_.front();
+        remaining_.remove_prefix(1);
         return next;
     }
 
@@ -77,7 +77,7 @@ class WordReader {
         inWord_ = false;
     }
 
-    std::string_view rest_;
+    std::string_view remaining_;
     std::string word_;
     bool inWord_ = false;
 };

@@ -17,20 +17,20 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using std::chrono::milliseconds;
 
-// How long a killed program may take to go: one that hangs in the kernel is left behind.
+// How long a killed program may take to end: one that hangs in the kernel is abandoned.
 constexpr milliseconds killGrace{5000};
 
-// The steps of waiting where the system does not tell of an end.
+// The polling interval if the system does not signal the end.
 constexpr milliseconds endPolling{20};
 
-// Keeps the end of what one output gives.
+// Keeps the end of an output.
 class OutputTail {
   public:
     OutputTail(FileDescriptor& source, std::size_t kept) : source_(source), kept_(kept) {}
 
     int descriptor() const { return source_.number(); }
 
-    // Takes what is there, but no more than a few pieces: a program may write faster than we read.
+    // Reads what is available, but only a few pieces: a program may write faster than we read.
     void read() {
         std::array<char, 16 * 1024> piece;
         for (int round = 0; source_ && round < 16; ++round) {
@@ -109,20 +109,20 @@ class Watch {
     }
 
     void wait(const std::optional<Clock::time_point>& deadline, int stopDescriptor) {
-        std::optional<milliseconds> longest;
+        std::optional<milliseconds> limit;
         if (deadline) {
-            longest = std::max(milliseconds(0), std::chrono::ceil<milliseconds>(*deadline - Clock::now()));
+            limit = std::max(milliseconds(0), std::chrono::ceil<milliseconds>(*deadline - Clock::now()));
         }
         if (!child_.endSignal()) {
-            longest = std::min(longest.value_or(endPolling), endPolling);
+            limit = std::min(limit.value_or(endPolling), endPolling);
         }
-        constexpr milliseconds most{std::chrono::hours(24)};
-        const int timeout = longest ? static_cast<int>(std::min(*longest, most).count()) : -1;
+        constexpr milliseconds maximum{std::chrono::hours(24)};
+        const int timeout = limit ? static_cast<int>(std::min(*limit, maximum).count()) : -1;
         std::array<pollfd, 4> watched{{{child_.endSignal().number(), POLLIN, 0},
                                        {output_.descriptor(), POLLIN, 0},
                                        {errorOutput_.descriptor(), POLLIN, 0},
                                        {stopDescriptor, POLLIN, 0}}};
-        ::poll(watched.data(), watched.size(), timeout); // whatever it gives, all is looked at again
+        ::poll(watched.data(), watched.size(), timeout); // whatever the result, everything is checked again
     }
 
     ChildProcess& child_;

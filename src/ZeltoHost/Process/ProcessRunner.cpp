@@ -5,7 +5,7 @@
 namespace zelto {
 
 void ProcessRunner::start(ProcessRequest request, Callback<ProcessResult> completion) {
-    // Shared, so that it is still here if no thread can be made.
+    // Shared, so that it can still be called if no thread can be created.
     auto pending = std::make_shared<Callback<ProcessResult>>(std::move(completion));
     const auto error = threads_.start([pending, request = std::move(request)](const std::stop_token& stop) {
         ProcessResult result{

@@ -7,11 +7,11 @@
 
 namespace zelto {
 
-// Runs programs without holding up the caller, each watched by a thread of its own. Any thread. Its end stops
-// what still runs and waits until all completions have come, but for one that it is called from.
+// Runs programs without blocking the caller, each watched by its own thread. Any thread. Destroying it stops
+// the programs and waits until all completions have been called, except one that it is destroyed from.
 class ProcessRunner {
   public:
-    // The completion runs on the thread that watched the program.
+    // The completion is called on the thread that watched the program.
     void start(ProcessRequest request, Callback<ProcessResult> completion);
 
   private:

@@ -11,7 +11,7 @@
 
 namespace zelto {
 
-// Turns a stop request into something that poll sees.
+// Makes a stop request visible to poll.
 class StopSignal {
   public:
     explicit StopSignal(const std::stop_token& stop)

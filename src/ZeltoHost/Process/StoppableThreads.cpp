@@ -29,12 +29,12 @@ struct StoppableThreads::State {
     void run(Work work) {
         current = this;
         containingExceptions("Work on a thread of its own", [&] { work(stop.get_token()); });
-        work = nullptr; // what it held goes while it still counts as running
+        work = nullptr; // its captures are destroyed while it still counts as running
         current = nullptr;
         leave();
     }
 
-    static thread_local const State* current; // whose work this thread does
+    static thread_local const State* current; // the one whose work this thread does
 };
 
 thread_local const StoppableThreads::State* StoppableThreads::State::current = nullptr;

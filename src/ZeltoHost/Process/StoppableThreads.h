@@ -7,21 +7,21 @@
 
 namespace zelto {
 
-// Threads for work that waits for the outside (a foreign program), one for each piece. What the work throws
-// is contained. Any thread may start some.
+// Threads for work that waits for something outside the process (an external program), one per piece of work.
+// Exceptions from the work are contained. Any thread may start work.
 class StoppableThreads {
   public:
     using Work = std::move_only_function<void(std::stop_token)>;
 
     StoppableThreads();
 
-    // Asks all work to stop and returns when it has ended, but for the one that it is called from.
+    // Requests all work to stop and returns when it has ended, except work that it is called from.
     ~StoppableThreads();
 
     StoppableThreads(const StoppableThreads&) = delete;
     StoppableThreads& operator=(const StoppableThreads&) = delete;
 
-    // An error if no thread can be made; the work has not been started then and is given up.
+    // An error if no thread can be created; the work has not begun then, and is destroyed.
     std::error_code start(Work work);
 
   private:

@@ -16,7 +16,7 @@ std::optional<URL> authorizationPage(const SignInService& service, const URL& re
                                      const SignInSecrets& secrets) {
     const bool isImplicit = service.flow == SignInFlow::implicit;
     auto page = URLComponents::of(service.authorizationURL);
-    // First, since what follows must be as it is here: one of them may name a state.
+    // First, so that they cannot replace the parameters below: one of them may be a state.
     for (const auto& item : service.extraItems) {
         page.setQueryItem(item.name, item.value.value_or(""));
     }
@@ -46,7 +46,7 @@ URLRequest tokenRequest(const SignInService& service, const std::string& code, c
         parameters["client_id"] = service.clientID;
         parameters["client_secret"] = service.clientSecret;
     }
-    // An address that is a URL already always makes a request.
+    // Cannot fail for an address that is a URL already.
     auto request = *ExportServiceHelper::urlEncodedRequest(service.tokenURL.absoluteString(), parameters);
     request.headers.set("Accept", "application/json");
     if (isBasic) {

@@ -8,7 +8,7 @@
 
 namespace zelto {
 
-// What ties the parts of one sign-in of OAuth 2 together. Fresh for each.
+// The random values that connect the steps of one OAuth 2 sign-in. Fresh for each.
 struct SignInSecrets {
     std::string state;
     std::string verifier; // of PKCE (RFC 7636); 256 bits
@@ -16,11 +16,11 @@ struct SignInSecrets {
     static SignInSecrets fresh();
 };
 
-// The page that the user sees. Nothing if the service's address takes no query.
+// The page that the user sees. `nullopt` if the service's address cannot have a query.
 std::optional<URL> authorizationPage(const SignInService& service, const URL& redirect,
                                      const SignInSecrets& secrets);
 
-// What gives the token for the code.
+// The request that exchanges the code for the token.
 URLRequest tokenRequest(const SignInService& service, const std::string& code, const URL& redirect,
                         const SignInSecrets& secrets);
 

@@ -13,12 +13,12 @@ namespace zelto {
 
 namespace {
 
-// Section 3.6.
+// RFC 5849, section 3.6.
 std::string encoded(std::string_view text) {
     return percentEncodeBytes(text, AllowedCharacters::unreserved);
 }
 
-// Section 3.4.1.2: without query and fragment, and without a port that goes without saying.
+// Section 3.4.1.2: without query and fragment, and without the scheme's default port.
 std::string baseURL(const URL& url) {
     auto parts = URLComponents::of(url);
     const std::uint16_t standardPort = parts.scheme == "https" ? 443 : 80;

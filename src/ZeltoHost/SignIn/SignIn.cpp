@@ -19,7 +19,7 @@ namespace {
 
 using TokenResult = Result<SignInToken, SignInError>;
 
-// OAuth 1 has no codes for what went wrong: 401 means the client or its signature.
+// OAuth 1 has no error codes: 401 means that the client or its signature was rejected.
 SignInError refusal(const SignInService& service, int status) {
     constexpr int firstTroubled = 500;
     return {SignInErrorCode::refused,
@@ -41,7 +41,7 @@ Result<OAuth1Token, SignInError> oauth1Token(const SignInService& service, const
     }
     auto token = readOAuth1Token(reply->body);
     if (!token) {
-        return failure(answerWithoutToken(service.name));
+        return failure(responseWithoutToken(service.name));
     }
     return *std::move(token);
 }
@@ -57,9 +57,9 @@ std::string counted(std::size_t count, const std::string& what) {
 
 SignInError timedOut(const SignInTraffic& traffic) {
     std::string text = "The browser did not come back with an answer in time.";
-    if (traffic.otherAnswers + traffic.refused > 0) {
-        text += " " + counted(traffic.refused + traffic.otherAnswers, "other request") +
-                " came instead, among them " + counted(traffic.otherAnswers, "answer") +
+    if (traffic.otherResponses + traffic.refused > 0) {
+        text += " " + counted(traffic.refused + traffic.otherResponses, "other request") +
+                " came instead, among them " + counted(traffic.otherResponses, "answer") +
                 " of another sign-in.";
     }
     return {SignInErrorCode::timedOut, text};
@@ -97,7 +97,7 @@ class SignIn::Work {
         const bool isImplicit = service_.flow == SignInFlow::implicit;
         const auto form = isImplicit && url->fragment() ? url->fragment() : url->query();
         const auto items = parseFormItems(form.value_or(""));
-        return items && inbox_->offer(*items) ? PasteOutcome::taken : PasteOutcome::otherAnswer;
+        return items && inbox_->offer(*items) ? PasteOutcome::taken : PasteOutcome::otherResponse;
     }
 
     TokenResult finish(const std::stop_token& stop) {
@@ -107,10 +107,10 @@ class SignIn::Work {
                 listener_->serve([this](const FormItems& items) { return inbox_->offer(items); }, end);
             });
         }
-        const auto answer = inbox_->wait(limit_, stop);
-        // While the browser gets its page, the token is fetched.
+        const auto response = inbox_->wait(limit_, stop);
+        // The token is fetched while the browser gets its page.
         serving.request_stop();
-        if (!answer) {
+        if (!response) {
             if (serving.joinable()) {
                 serving.join();
             }
@@ -118,12 +118,12 @@ class SignIn::Work {
                                ? SignInError{SignInErrorCode::canceled, "The sign-in was canceled."}
                                : timedOut(listener_ ? listener_->traffic() : SignInTraffic()));
         }
-        if (!*answer) {
-            return failure(answer->error());
+        if (!*response) {
+            return failure(response->error());
         }
-        auto token = tokenFor(**answer, stop);
+        auto token = tokenFor(**response, stop);
         if (token && !isUsableToken(token->accessToken)) {
-            return failure(answerWithoutToken(service_.name));
+            return failure(responseWithoutToken(service_.name));
         }
         return token;
     }
@@ -150,9 +150,9 @@ class SignIn::Work {
         if (!token) {
             return failure(token.error());
         }
-        // Before 1.0a whoever began a sign-in could have another finish it.
+        // Before OAuth 1.0a, someone who began a sign-in could have another user finish it.
         if (!token->callbackIsConfirmed) {
-            return failure(answerWithoutToken(service_.name));
+            return failure(responseWithoutToken(service_.name));
         }
         requestToken_ = *std::move(token);
         mask(requestToken_.secret);
@@ -160,24 +160,24 @@ class SignIn::Work {
         page.setQueryItem("oauth_token", requestToken_.token);
         auto address = page.url();
         if (!address) {
-            return failure(answerWithoutToken(service_.name));
+            return failure(responseWithoutToken(service_.name));
         }
         address_ = *std::move(address);
         inbox_.emplace(SignInExpectation(service_, requestToken_.token));
         return {};
     }
 
-    TokenResult tokenFor(const SignInResponse& answer, const std::stop_token& stop) {
-        mask(answer.value);
+    TokenResult tokenFor(const SignInResponse& response, const std::stop_token& stop) {
+        mask(response.value);
         switch (service_.flow) {
         case SignInFlow::implicit:
-            return signInTokenOf(answer.items);
+            return signInTokenOf(response.items);
         case SignInFlow::oauth1:
-            return tokenForVerifier(answer.value, stop);
+            return tokenForVerifier(response.value, stop);
         case SignInFlow::authorizationCode:
-            return tokenForCode(answer.value, stop);
+            return tokenForCode(response.value, stop);
         }
-        return failure(answerWithoutToken(service_.name));
+        return failure(responseWithoutToken(service_.name));
     }
 
     TokenResult tokenForCode(const std::string& code, const std::stop_token& stop) {

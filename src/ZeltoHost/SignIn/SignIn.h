@@ -16,24 +16,25 @@
 namespace zelto {
 
 struct SignInOptions {
-    // The address that the client is registered with. At one of this machine the browser's answer is taken;
-    // from any other the user must paste it. Absent: a free port of this machine.
+    // The address that the client is registered with. At an address of this machine the browser's response is
+    // received; for any other the user must paste it. If absent: a free port of this machine.
     std::optional<URL> redirect = {};
-    std::chrono::milliseconds limit = std::chrono::minutes(5); // for the user's answer
+    std::chrono::milliseconds limit = std::chrono::minutes(5); // for the user to respond
 };
 
 enum class PasteOutcome {
     taken,
-    noAddress,    // no URL at all
-    otherAddress, // not below the redirect's address
-    otherAnswer,  // of another sign-in, or without an answer
+    noAddress,     // not a URL
+    otherAddress,  // not below the redirect's address
+    otherResponse, // of another sign-in, or without a response
 };
 
-// One sign-in at a service: the user opens its address in a browser, agrees there, and the service sends the
-// browser back with an answer that gives the tokens. Nothing is kept, and nothing secret goes to the log.
+// One sign-in at a service: the user opens its address in a browser and agrees there, and the service
+// redirects the browser back with a response that gives the tokens. Nothing is stored, and no secret is
+// logged.
 class SignIn {
   public:
-    // From here on the answer is listened for. Blocks while the service gives a request token (OAuth 1).
+    // Listens for the response from here on. Blocks while the service issues a request token (OAuth 1).
     static Result<std::unique_ptr<SignIn>, SignInError>
     begin(const SignInService& service, const SignInOptions& options, const std::stop_token& stop = {});
 
@@ -41,17 +42,17 @@ class SignIn {
     SignIn(const SignIn&) = delete;
     SignIn& operator=(const SignIn&) = delete;
 
-    // The page for the user.
+    // The page for the user to open.
     const URL& address() const;
-    // Where it sends the browser.
+    // Where the service redirects the browser to.
     const URL& redirect() const;
-    // False where the answer can only be pasted.
+    // False if the response can only be pasted.
     bool listens() const;
 
-    // The address that the browser was sent back to, as the user has pasted it. Any thread, at any time.
+    // Takes the address that the browser was redirected to, as pasted by the user. Any thread, at any time.
     PasteOutcome paste(std::string_view text);
 
-    // Waits for the answer, and gets the tokens for it. Once.
+    // Waits for the response and gets the tokens. To be called once.
     Result<SignInToken, SignInError> finish(const std::stop_token& stop = {});
 
   private:

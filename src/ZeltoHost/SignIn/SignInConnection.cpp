@@ -43,7 +43,7 @@ std::optional<SignInRequest> SignInConnection::read(const SignInRequestRules& ru
         return std::nullopt;
     }
     if (count <= 0) {
-        // A browser opens connections that it may never use.
+        // Browsers open connections that they may never use.
         step_ = Step::over;
         return received_.empty() ? std::nullopt : std::optional(SignInRequest());
     }
@@ -52,7 +52,7 @@ std::optional<SignInRequest> SignInConnection::read(const SignInRequestRules& ru
     return request.kind == SignInRequestKind::incomplete ? std::nullopt : std::optional(std::move(request));
 }
 
-void SignInConnection::answer(std::string_view text, Clock::time_point deadline) {
+void SignInConnection::respond(std::string_view text, Clock::time_point deadline) {
     if (step_ != Step::reading) {
         return;
     }
@@ -71,7 +71,7 @@ void SignInConnection::write() {
     }
     unsent_.remove_prefix(static_cast<std::size_t>(count));
     if (unsent_.empty()) {
-        // Closing while bytes of the request are unread would take the answer back.
+        // Closing while parts of the request are unread would discard the response.
         ::shutdown(socket_.number(), SHUT_WR);
         step_ = Step::leaving;
     }

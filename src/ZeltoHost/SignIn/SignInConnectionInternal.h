@@ -13,7 +13,7 @@
 
 namespace zelto {
 
-// One connection to the listener: a request is read, an answer written, the end waited for.
+// One connection to the listener: reads a request, writes a response, waits for the end.
 class SignInConnection {
   public:
     using Clock = std::chrono::steady_clock;
@@ -31,12 +31,12 @@ class SignInConnection {
 
     bool isOver() const { return step_ == Step::over; }
 
-    // Goes on as far as it gets without waiting. A request that is whole, or none, is given once; the caller
-    // answers it.
+    // Continues as far as possible without blocking. A complete or invalid request is given once; the caller
+    // responds to it.
     std::optional<SignInRequest> proceed(const SignInRequestRules& rules);
 
-    // The text lives as long as the program.
-    void answer(std::string_view text, Clock::time_point deadline);
+    // The text must live as long as the program.
+    void respond(std::string_view text, Clock::time_point deadline);
 
   private:
     enum class Step { reading, writing, leaving, over };

@@ -7,13 +7,13 @@
 namespace zelto {
 
 ZELTO_DESCRIBE_ENUM(SignInErrorCode, notOffered, cannotListen, denied, refused, timedOut, canceled,
-                    connectionError, badAnswer);
+                    connectionError, badResponse);
 
 namespace {
 
 struct KnownRefusal {
     std::string_view code;
-    std::string_view meaning; // behind the service's name
+    std::string_view meaning; // follows the service's name
 };
 
 constexpr auto unknownClient =
@@ -43,9 +43,9 @@ constexpr KnownRefusal knownRefusals[] = {
 };
 
 bool isPlainWord(std::string_view text) {
-    constexpr std::size_t longest = 64;
+    constexpr std::size_t maximumLength = 64;
     constexpr std::string_view letters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-.";
-    return !text.empty() && text.size() <= longest &&
+    return !text.empty() && text.size() <= maximumLength &&
            text.find_first_not_of(letters) == std::string_view::npos;
 }
 
@@ -59,8 +59,8 @@ std::string refusalText(const std::string& service, std::string_view code) {
     return service + " refused the sign-in" + (isPlainWord(code) ? " (" + std::string(code) + ")." : ".");
 }
 
-SignInError answerWithoutToken(const std::string& service) {
-    return {SignInErrorCode::badAnswer, service + " answered without a token."};
+SignInError responseWithoutToken(const std::string& service) {
+    return {SignInErrorCode::badResponse, service + " answered without a token."};
 }
 
 } // namespace zelto

@@ -3,21 +3,21 @@
 namespace zelto {
 
 bool SignInInbox::offer(const FormItems& items) {
-    auto answer = expectation_.read(items);
+    auto response = expectation_.read(items);
     const std::lock_guard guard(lock_);
-    if (!answer || answer_) {
+    if (!response || response_) {
         return false;
     }
-    answer_ = std::move(answer);
+    response_ = std::move(response);
     changed_.notify_all();
     return true;
 }
 
-std::optional<SignInInbox::Answer> SignInInbox::wait(std::chrono::milliseconds limit,
-                                                     const std::stop_token& stop) {
+std::optional<SignInInbox::Response> SignInInbox::wait(std::chrono::milliseconds limit,
+                                                       const std::stop_token& stop) {
     std::unique_lock guard(lock_);
-    changed_.wait_for(guard, stop, limit, [this] { return answer_.has_value(); });
-    return answer_;
+    changed_.wait_for(guard, stop, limit, [this] { return response_.has_value(); });
+    return response_;
 }
 
 } // namespace zelto

@@ -11,24 +11,24 @@
 
 namespace zelto {
 
-// Where the listener and the user's pasting lay what they get; the first answer that is ours counts.
+// Receives items from the listener and from the user's pasting; the first response that matches counts.
 class SignInInbox {
   public:
-    using Answer = Result<SignInResponse, SignInError>;
+    using Response = Result<SignInResponse, SignInError>;
 
     explicit SignInInbox(SignInExpectation expectation) : expectation_(std::move(expectation)) {}
 
-    // True if this was the answer. Any thread.
+    // True if this was the expected response. Any thread.
     bool offer(const FormItems& items);
 
-    // Nothing when the time has run out or a stop was asked for.
-    std::optional<Answer> wait(std::chrono::milliseconds limit, const std::stop_token& stop);
+    // `nullopt` when the time limit is reached or a stop is requested.
+    std::optional<Response> wait(std::chrono::milliseconds limit, const std::stop_token& stop);
 
   private:
     const SignInExpectation expectation_;
     std::mutex lock_;
     std::condition_variable_any changed_;
-    std::optional<Answer> answer_;
+    std::optional<Response> response_;
 };
 
 } // namespace zelto

@@ -15,42 +15,43 @@
 namespace zelto {
 
 struct SignInListenerLimits {
-    std::size_t connections = 32;              // at once; one more ends the oldest of them
+    std::size_t connections = 32;              // at once; another one ends the oldest
     std::chrono::milliseconds request{10'000}; // from the connection to the end of its request
-    std::chrono::milliseconds farewell{1'000}; // for the browser to have read the page
+    std::chrono::milliseconds farewell{1'000}; // for the browser to read the page
 };
 
-// What came beside the answer that was waited for.
+// Requests that were not the expected response.
 struct SignInTraffic {
-    std::size_t refused = 0;      // requests for something else, and what was no request
-    std::size_t otherAnswers = 0; // right in form, but of another sign-in, or made up
+    std::size_t refused = 0;        // for something else, or invalid
+    std::size_t otherResponses = 0; // of the right form, but of another sign-in or forged
 
     bool operator==(const SignInTraffic&) const = default;
 };
 
-// Takes the answer of a sign-in from the browser on this machine (RFC 8252, section 7.3). It listens from its
-// making on, on 127.0.0.1 and, where there is IPv6, on [::1], one port, until it ends. One thread serves it.
+// Receives the response of a sign-in from the browser on this machine (RFC 8252, section 7.3). From its
+// creation on it listens on 127.0.0.1 and, if there is IPv6, on [::1], at the same port. One thread serves
+// it.
 class SignInListener {
   public:
-    // On a free port, under the path, which begins with "/".
+    // On a free port, with this path, which begins with "/".
     static Result<SignInListener, SignInError> listen(std::string path, bool takesFragment,
                                                       SignInListenerLimits limits = {});
 
-    // At an address that is fixed because a client is registered with it: http, to 127.0.0.1, [::1] or
-    // localhost, without a query.
+    // At a fixed address that a client is registered with: http, to 127.0.0.1, [::1] or localhost, without a
+    // query.
     static Result<SignInListener, SignInError> listenAt(const URL& redirect, bool takesFragment,
                                                         SignInListenerLimits limits = {});
 
     static bool canListenAt(const URL& redirect);
 
-    // Where the service is to send the browser.
+    // Where the service is to redirect the browser.
     const URL& redirect() const { return redirect_; }
 
-    // Whether this is the answer that is waited for.
+    // Whether these items are the expected response.
     using Taker = std::function<bool(const FormItems&)>;
 
-    // Serves until the taker has taken an answer (true) or a stop is asked for (false). It is called on this
-    // thread. From its end on nobody listens any more.
+    // Serves until the taker has accepted a response (true) or a stop is requested (false). The taker is
+    // called on this thread. Afterwards the port is closed.
     bool serve(const Taker& taker, const std::stop_token& stop);
 
     const SignInTraffic& traffic() const { return traffic_; }

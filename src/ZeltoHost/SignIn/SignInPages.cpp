@@ -36,7 +36,8 @@ std::string hiddenParagraph(std::string_view id, std::string_view text) {
     return "<p id=\"" + std::string(id) + "\" hidden>" + std::string(text) + "</p>";
 }
 
-std::string answer(std::string_view status, const std::string& allowedContent, const std::string& body) {
+std::string httpResponse(std::string_view status, const std::string& allowedContent,
+                         const std::string& body) {
     return "HTTP/1.1 " + std::string(status) +
            "\r\n"
            "Content-Type: text/html; charset=utf-8\r\n"
@@ -55,18 +56,19 @@ std::string answer(std::string_view status, const std::string& allowedContent, c
 
 } // namespace
 
-const std::string& takenAnswer() {
-    static const auto& whole = neverDestroyed(answer("200 OK", "", page(paragraph(takenText))));
+const std::string& takenResponse() {
+    static const auto& whole = neverDestroyed(httpResponse("200 OK", "", page(paragraph(takenText))));
     return whole;
 }
 
-const std::string& refusedAnswer() {
-    static const auto& whole = neverDestroyed(answer("400 Bad Request", "", page(paragraph(refusedText))));
+const std::string& refusedResponse() {
+    static const auto& whole =
+        neverDestroyed(httpResponse("400 Bad Request", "", page(paragraph(refusedText))));
     return whole;
 }
 
-const std::string& fragmentAnswer() {
-    static const auto& whole = neverDestroyed(answer(
+const std::string& fragmentResponse() {
+    static const auto& whole = neverDestroyed(httpResponse(
         "200 OK", "script-src 'sha256-" + base64Encoded(viewOf(sha256(script))) + "'; connect-src 'self'; ",
         page(hiddenParagraph("taken", takenText) + hiddenParagraph("refused", refusedText) + "<noscript>" +
              paragraph("Without scripts this page cannot hand on its answer. Paste this page's whole "

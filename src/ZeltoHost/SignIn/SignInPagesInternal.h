@@ -6,15 +6,15 @@
 
 namespace zelto {
 
-// What the listener answers with, head and body. All of it is fixed: nothing that came from outside is shown,
-// and the content policy lets no other content in.
+// The listener's responses, head and body. They are constant: nothing from outside is shown, and the content
+// security policy allows no other content.
 
-// The answer was taken.
-const std::string& takenAnswer();
-// All that is not waited for.
-const std::string& refusedAnswer();
-// For an answer that a service puts behind "#", which a browser keeps to itself: the page posts it, and takes
-// it out of the history.
-const std::string& fragmentAnswer();
+// For the expected response of the service.
+const std::string& takenResponse();
+// For every other request.
+const std::string& refusedResponse();
+// For a service's response after "#", which a browser does not send: the page posts it, and removes it from
+// the history.
+const std::string& fragmentResponse();
 
 } // namespace zelto

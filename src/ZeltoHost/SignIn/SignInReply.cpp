@@ -31,7 +31,7 @@ Reply replyOf(const std::optional<Data>& body, const std::shared_ptr<const URLRe
     }
     const auto head = std::dynamic_pointer_cast<const HTTPURLResponse>(response);
     if (!head) {
-        return failure(SignInError{SignInErrorCode::badAnswer, service + " answered with no HTTP."});
+        return failure(SignInError{SignInErrorCode::badResponse, service + " answered with no HTTP."});
     }
     return SignInReply{head->statusCode(), head->header("Location").value_or(""),
                        std::string(viewOf(body.value_or(Data())))};
@@ -41,7 +41,7 @@ Reply replyOf(const std::optional<Data>& body, const std::shared_ptr<const URLRe
 
 Reply sendForSignIn(URLRequest request, const std::string& service, const std::stop_token& stop) {
     URLSession session(configurationForSignIn());
-    // Shared, since the completion's thread may still be on its way out of it.
+    // Shared, since the completion's thread may still be using it.
     const auto promise = std::make_shared<std::promise<Reply>>();
     auto reply = promise->get_future();
     const auto task = session.dataTask(std::move(request),

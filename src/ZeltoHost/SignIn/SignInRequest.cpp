@@ -18,7 +18,7 @@ struct Head {
     std::string_view target;
     std::vector<std::pair<std::string_view, std::string_view>> fields;
 
-    // Nothing if there is none, or more than one.
+    // `nullopt` if there is no such field, or more than one.
     std::optional<std::string_view> onlyField(std::string_view name) const {
         std::optional<std::string_view> found;
         for (const auto& [fieldName, value] : fields) {
@@ -51,7 +51,7 @@ bool readRequestLine(std::string_view line, Head& head) {
            (version == "HTTP/1.1" || version == "HTTP/1.0");
 }
 
-// `text` without the blank line at its end.
+// Parses a head, given without the blank line at its end.
 std::optional<Head> readHead(std::string_view text) {
     Head head;
     bool isFirst = true;
@@ -80,12 +80,12 @@ std::optional<std::size_t> bodyLength(const Head& head) {
         return std::nullopt;
     }
     const auto length = numberIn<std::size_t>(*text);
-    return length && *length <= longestSignInBody ? length : std::nullopt;
+    return length && *length <= maximumSignInBody ? length : std::nullopt;
 }
 
-SignInRequest answerIn(std::string_view form) {
+SignInRequest responseIn(std::string_view form) {
     auto items = parseFormItems(form);
-    return items ? SignInRequest{SignInRequestKind::answer, *std::move(items)} : SignInRequest();
+    return items ? SignInRequest{SignInRequestKind::response, *std::move(items)} : SignInRequest();
 }
 
 SignInRequest readPosted(const Head& head, std::string_view body) {
@@ -96,14 +96,14 @@ SignInRequest readPosted(const Head& head, std::string_view body) {
         body.size() > *length) {
         return {};
     }
-    return body.size() < *length ? SignInRequest{SignInRequestKind::incomplete} : answerIn(body);
+    return body.size() < *length ? SignInRequest{SignInRequestKind::incomplete} : responseIn(body);
 }
 
 } // namespace
 
 SignInRequest readSignInRequest(std::string_view bytes, const SignInRequestRules& rules) {
     const auto end = bytes.find(headEnd);
-    if (std::min(end, bytes.size()) > longestSignInHead) {
+    if (std::min(end, bytes.size()) > maximumSignInHead) {
         return {};
     }
     if (end == std::string_view::npos) {
@@ -128,7 +128,8 @@ SignInRequest readSignInRequest(std::string_view bytes, const SignInRequestRules
     if (rules.takesFragment) {
         return {SignInRequestKind::fragmentPage};
     }
-    return question == std::string_view::npos ? SignInRequest() : answerIn(head->target.substr(question + 1));
+    return question == std::string_view::npos ? SignInRequest()
+                                              : responseIn(head->target.substr(question + 1));
 }
 
 } // namespace zelto

@@ -8,18 +8,18 @@
 
 namespace zelto {
 
-// What a request must be like to be looked at.
+// The requirements for a request.
 struct SignInRequestRules {
-    std::string path;               // "/sign-in/trello", as it stands in the request
-    std::vector<std::string> hosts; // "127.0.0.1:34567": what Host may say
-    bool takesFragment = false;     // a page of ours posts the answer, which a browser has behind "#"
+    std::string path;               // "/sign-in/trello", as in the request
+    std::vector<std::string> hosts; // "127.0.0.1:34567": the accepted values of Host
+    bool takesFragment = false;     // a page of ours posts the response, which the browser has after "#"
 };
 
 enum class SignInRequestKind {
-    incomplete, // more is to come
+    incomplete, // more bytes are expected
     refused,
-    fragmentPage, // asks for the page that posts the fragment
-    answer,       // `items` hold it
+    fragmentPage, // requests the page that posts the fragment
+    response,     // `items` contain it
 };
 
 struct SignInRequest {
@@ -29,11 +29,11 @@ struct SignInRequest {
     bool operator==(const SignInRequest&) const = default;
 };
 
-// Bytes of the head of a request, and of its body.
-inline constexpr std::size_t longestSignInHead = 8 * 1024;
-inline constexpr std::size_t longestSignInBody = 8 * 1024;
+// Maximum bytes of a request's head, and of its body.
+inline constexpr std::size_t maximumSignInHead = 8 * 1024;
+inline constexpr std::size_t maximumSignInBody = 8 * 1024;
 
-// What has come of a request so far, judged. Strict: what a browser does not send is refused.
+// Classifies the bytes of a request so far. Strict: what a browser does not send is refused.
 SignInRequest readSignInRequest(std::string_view bytes, const SignInRequestRules& rules);
 
 } // namespace zelto

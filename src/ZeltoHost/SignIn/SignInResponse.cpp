@@ -61,7 +61,7 @@ std::optional<Result<SignInResponse, SignInError>> SignInExpectation::read(const
     if (const auto value = onlyValue(items, valueName(flow_)); value && !value->empty()) {
         return SignInResponse{*value, items};
     }
-    // OAuth 1 has no word for it: the verifier is left out.
+    // OAuth 1 has no error for it: the verifier is absent.
     return flow_ == SignInFlow::oauth1
                ? std::optional(Result<SignInResponse, SignInError>(failure(denied(serviceName_))))
                : std::nullopt;

@@ -11,20 +11,20 @@
 
 namespace zelto {
 
-// What the service sent the browser back with: a code, a verifier, or the token itself.
+// What the service redirected the browser back with: a code, a verifier, or the token itself.
 struct SignInResponse {
     std::string value;
     FormItems items;
 };
 
-// The answer to one request at one service.
+// The expected response to one request at one service.
 class SignInExpectation {
   public:
-    // `mark` goes to the service and back: the state, or the request token of OAuth 1.
+    // `mark` is passed to the service and comes back: the state, or the request token of OAuth 1.
     SignInExpectation(const SignInService& service, std::string mark);
 
-    // Nothing if the items are not the answer that is waited for: the mark is missing or another, a name
-    // stands twice, it was issued elsewhere (RFC 9207), or it says nothing.
+    // `nullopt` if the items are not the expected response: the mark is missing or differs, a name is
+    // repeated, it was issued by another server (RFC 9207), or it is empty.
     std::optional<Result<SignInResponse, SignInError>> read(const FormItems& items) const;
 
   private:

@@ -40,7 +40,7 @@ struct ServiceRow {
     std::string_view scopeName = "scope";
     Items extraItems = nullptr;
     ClientAuthentication client = ClientAuthentication::form;
-    bool takesPKCE = false; // where the service's documentation says so
+    bool takesPKCE = false; // if the service's documentation says so
     std::string_view tokenObject = {};
 };
 

@@ -13,40 +13,41 @@ namespace zelto {
 
 enum class SignInFlow {
     authorizationCode, // RFC 6749, section 4.1
-    implicit,          // section 4.2: the token comes at once, behind "#"
+    implicit,          // section 4.2: the token comes at once, after "#"
     oauth1,            // RFC 5849, signed with HMAC-SHA1
 };
 
-// How the client shows itself at the token endpoint.
+// How the client authenticates at the token endpoint.
 enum class ClientAuthentication { basic, form };
 
-// What the sign-in of one service is like.
+// How a service's sign-in works.
 struct SignInService {
     ServiceType type;
     std::string name; // for people
     SignInFlow flow = SignInFlow::authorizationCode;
 
-    std::string clientID; // the consumer's key for OAuth 1
+    std::string clientID; // the consumer key for OAuth 1
     std::string clientSecret;
 
-    // The page for the user; a query that it has stays.
+    // The page for the user; an existing query is kept.
     URL authorizationURL;
     URL tokenURL;
-    std::optional<URL> requestTokenURL; // OAuth 1 alone
+    std::optional<URL> requestTokenURL; // OAuth 1 only
     std::string scope;                  // empty: none is sent
     std::string scopeName = "scope";
     std::vector<URLQueryItem> extraItems; // of the authorization page
 
     ClientAuthentication clientAuthentication = ClientAuthentication::form;
     bool takesPKCE = false;
-    // The token answer's object that holds the user's token, where it is not the answer itself.
+    // The object in the token response that contains the user's token, unless it is the response itself.
     std::string tokenObject;
 
-    // "/sign-in/trello": another one for each service, so that no service's answer passes for another's.
+    // "/sign-in/trello": a different one for each service, so that the response of one is not taken for that
+    // of another.
     std::string redirectPath() const;
 };
 
-// Nothing for a service that has no sign-in in a browser, or none that this system knows.
+// `nullopt` for a service that has no sign-in in a browser, or none that is supported.
 std::optional<SignInService> signInServiceFor(ServiceType type);
 
 } // namespace zelto

@@ -16,12 +16,12 @@ namespace {
 using std::chrono::milliseconds;
 
 void pollFor(std::vector<pollfd>& awaited, std::optional<SignInConnection::Clock::time_point> deadline) {
-    int longest = -1;
+    int timeout = -1;
     if (deadline) {
         const auto left = std::chrono::ceil<milliseconds>(*deadline - SignInConnection::Clock::now());
-        longest = static_cast<int>(std::max(milliseconds(0), left).count());
+        timeout = static_cast<int>(std::max(milliseconds(0), left).count());
     }
-    ::poll(awaited.data(), awaited.size(), longest);
+    ::poll(awaited.data(), awaited.size(), timeout);
 }
 
 } // namespace
@@ -59,7 +59,7 @@ void SignInServing::accept() {
     for (const auto& socket : sockets_) {
         FileDescriptor opened(::accept4(socket.number(), nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK));
         if (!opened) {
-            // Out of descriptors: waiting for one beats turning in a circle.
+            // Out of descriptors: wait for one instead of looping.
             if (errno == EMFILE || errno == ENFILE) {
                 ::poll(nullptr, 0, 50);
             }
@@ -97,20 +97,20 @@ bool SignInServing::serve(SignInConnection& connection, const SignInListener::Ta
     }
     const auto deadline = Clock::now() + limits_.farewell;
     if (request->kind == SignInRequestKind::fragmentPage) {
-        connection.answer(fragmentAnswer(), deadline);
+        connection.respond(fragmentResponse(), deadline);
         return false;
     }
-    if (request->kind == SignInRequestKind::answer && taker(request->items)) {
-        connection.answer(takenAnswer(), deadline);
+    if (request->kind == SignInRequestKind::response && taker(request->items)) {
+        connection.respond(takenResponse(), deadline);
         return true;
     }
-    ++(request->kind == SignInRequestKind::answer ? traffic_.otherAnswers : traffic_.refused);
-    connection.answer(refusedAnswer(), deadline);
+    ++(request->kind == SignInRequestKind::response ? traffic_.otherResponses : traffic_.refused);
+    connection.respond(refusedResponse(), deadline);
     return false;
 }
 
 void SignInServing::sayFarewell(SignInConnection& connection) {
-    // From here on nobody else is listened to.
+    // Stops listening.
     sockets_.clear();
     while (!connection.isOver() && connection.deadline() > Clock::now()) {
         std::vector<pollfd> awaited{{connection.descriptor(), connection.awaitedEvents(), 0}};

@@ -9,7 +9,7 @@
 
 namespace zelto {
 
-// The listener at work: its sockets and the connections that are open.
+// A running listener: its sockets and open connections.
 class SignInServing {
   public:
     SignInServing(std::vector<FileDescriptor> sockets, const SignInRequestRules& rules,
@@ -23,10 +23,10 @@ class SignInServing {
 
     void wait(int stopDescriptor);
     void accept();
-    // Removes those that are over, too.
+    // Also removes connections that have ended.
     void endOverdue();
     void giveUp(const SignInConnection& connection);
-    // True if the answer that is waited for has come.
+    // True if the expected response has arrived.
     bool serve(SignInConnection& connection, const SignInListener::Taker& taker);
     void sayFarewell(SignInConnection& connection);
 
@@ -34,7 +34,7 @@ class SignInServing {
     const SignInRequestRules& rules_;
     const SignInListenerLimits& limits_;
     SignInTraffic& traffic_;
-    std::list<SignInConnection> connections_; // the oldest in front
+    std::list<SignInConnection> connections_; // the oldest first
 };
 
 } // namespace zelto

@@ -18,7 +18,7 @@ std::error_code lastError() {
     return {errno, std::system_category()};
 }
 
-// `reused`: the port may have connections of a listener before, which are ending.
+// `reused`: the port may have connections of an earlier listener that are closing.
 Opened open(const sockaddr* address, socklen_t size, bool reused) {
     FileDescriptor opened(::socket(address->sa_family, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
     if (!opened) {
@@ -88,10 +88,10 @@ Result<SignInSockets, std::error_code> openBoth(std::uint16_t wanted) {
 
 Result<SignInSockets, SignInError> openSignInSockets(std::optional<std::uint16_t> port) {
     // A port that is free on one of the two addresses may be taken on the other.
-    constexpr int mostAttempts = 50;
+    constexpr int maximumAttempts = 50;
     auto opened = openBoth(port.value_or(0));
     for (int attempt = 1;
-         !opened && !port && opened.error() == std::errc::address_in_use && attempt < mostAttempts;
+         !opened && !port && opened.error() == std::errc::address_in_use && attempt < maximumAttempts;
          ++attempt) {
         opened = openBoth(0);
     }

@@ -14,11 +14,11 @@
 namespace zelto {
 
 struct SignInSockets {
-    std::vector<FileDescriptor> sockets; // that listen, and do not wait
+    std::vector<FileDescriptor> sockets; // listening, non-blocking
     std::uint16_t port;
 };
 
-// One port of 127.0.0.1 and, where this machine has it, of [::1]: the given one, or a free one.
+// One port of 127.0.0.1 and, if this machine has it, of [::1]: the given one, or a free one.
 Result<SignInSockets, SignInError> openSignInSockets(std::optional<std::uint16_t> port);
 
 } // namespace zelto

@@ -18,7 +18,7 @@ std::optional<std::string> textMember(const JSONValue& object, std::string_view 
     return text && !text->empty() ? std::optional(*text) : std::nullopt;
 }
 
-// A lifetime that is none is as good as not told.
+// An invalid lifetime counts as absent.
 std::optional<double> lifetime(std::optional<double> seconds) {
     return seconds && std::isfinite(*seconds) && *seconds > 0 ? seconds : std::nullopt;
 }
@@ -57,15 +57,15 @@ void SignInToken::fill(ServiceAccountCredentials& credentials) const {
 Result<SignInToken, SignInError> readSignInToken(const SignInService& service, int status,
                                                  std::string_view body) {
     const auto parsed = JSONValue::parse(body);
-    const auto answer = parsed ? *parsed : JSONValue();
-    // Slack says no with a good status.
-    if (!isSuccess(status) || textMember(answer, "error")) {
-        return failure(refusal(service, status, answer));
+    const auto response = parsed ? *parsed : JSONValue();
+    // Slack reports errors with a successful status.
+    if (!isSuccess(status) || textMember(response, "error")) {
+        return failure(refusal(service, status, response));
     }
-    const auto* holder = service.tokenObject.empty() ? &answer : answer.find(service.tokenObject);
+    const auto* holder = service.tokenObject.empty() ? &response : response.find(service.tokenObject);
     const auto token = holder ? textMember(*holder, "access_token") : std::nullopt;
     if (!token) {
-        return failure(answerWithoutToken(service.name));
+        return failure(responseWithoutToken(service.name));
     }
     return SignInToken{.accessToken = *token,
                        .refreshToken = textMember(*holder, "refresh_token"),

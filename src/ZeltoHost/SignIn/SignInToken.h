@@ -14,27 +14,27 @@
 
 namespace zelto {
 
-// What a sign-in is for.
+// The result of a sign-in.
 struct SignInToken {
     std::string accessToken;
     std::optional<std::string> refreshToken = {};
     std::optional<std::string> tokenSecret = {}; // OAuth 1
-    std::optional<double> expiresIn = {};        // seconds; absent where the service does not say
+    std::optional<double> expiresIn = {};        // seconds; absent if the service does not say
 
-    // Puts them in place of what the record holds; the expiry is counted from now.
+    // Replaces the tokens of the record; the expiry is counted from now.
     void fill(ServiceAccountCredentials& credentials) const;
 
     bool operator==(const SignInToken&) const = default;
 };
 
-// The answer of a token endpoint of OAuth 2, whose status was `status`.
+// Reads the response of an OAuth 2 token endpoint, given its status.
 Result<SignInToken, SignInError> readSignInToken(const SignInService& service, int status,
                                                  std::string_view body);
 
-// Whether a text can be sent as a token, and as it stands.
+// Whether a text can be sent as a token without escaping.
 bool isUsableToken(std::string_view text);
 
-// The token within the answer of the implicit flow.
+// The token in the response of the implicit flow.
 SignInToken signInTokenOf(const FormItems& items);
 
 } // namespace zelto

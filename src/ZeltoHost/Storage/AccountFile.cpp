@@ -18,13 +18,13 @@ namespace zelto {
 namespace {
 
 using std::filesystem::path;
-using Nothing = Result<void, StorageError>;
+using StorageResult = Result<void, StorageError>;
 
 constexpr mode_t fileMode = 0600;
 
 constexpr std::string_view unfinishedPrefix = ".zelto-new-";
 
-// Where a new file is made; gone with all that is in it at the end.
+// The folder where a new file is made; removed with its content in the end.
 class UnfinishedFile {
   public:
     static Result<UnfinishedFile, StorageError> make(const path& directory) {
@@ -54,7 +54,7 @@ class UnfinishedFile {
     path folder_;
 };
 
-// What a process left that was killed while it made the file. A younger one may be in the making.
+// Removes what a process left that was killed while it made the file. A recent one may still be in use.
 void removeLeftovers(const path& directory) {
     std::error_code ignored;
     const auto old = std::filesystem::file_time_type::clock::now() - std::chrono::minutes(1);
@@ -66,7 +66,7 @@ void removeLeftovers(const path& directory) {
     }
 }
 
-Nothing fillNewFile(const path& file) {
+StorageResult fillNewFile(const path& file) {
     {
         const auto created = FileManager::createFile(file, fileMode);
         if (!created || ::fchmod(created->number(), fileMode) != 0) {
@@ -84,8 +84,8 @@ Nothing fillNewFile(const path& file) {
     return done ? migrate(**connection, accountSchemaSteps()) : done;
 }
 
-// Puts it in its place unless another process was faster.
-Nothing publish(const path& from, const path& to) {
+// Moves it to its place unless another process was faster.
+StorageResult publish(const path& from, const path& to) {
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) != 0) {
         const bool isUnknown = errno == EINVAL || errno == ENOSYS;
         if (isUnknown && ::link(from.c_str(), to.c_str()) == 0) {
@@ -102,8 +102,8 @@ Nothing publish(const path& from, const path& to) {
     return {};
 }
 
-Nothing createIfMissing(const path& directory, const path& file) {
-    // In this order: the log comes into being behind the file.
+StorageResult createIfMissing(const path& directory, const path& file) {
+    // In this order, since the log is created after the file.
     const path log = file.native() + "-wal";
     const bool hasLog = ::access(log.c_str(), F_OK) == 0;
     if (::access(file.c_str(), F_OK) == 0) {
@@ -124,9 +124,9 @@ Nothing createIfMissing(const path& directory, const path& file) {
     return filled ? publish(unfinished->file(), file) : filled;
 }
 
-// By path alone: closing a descriptor of it would release the locks that this process holds on the file
+// By its path, since closing a descriptor of the file would release the locks that this process holds on it
 // through another connection.
-Nothing checkRights(const path& file) {
+StorageResult checkRights(const path& file) {
     struct stat status {};
 
     if (::stat(file.c_str(), &status) != 0) {
@@ -145,7 +145,7 @@ Nothing checkRights(const path& file) {
     return {};
 }
 
-Nothing checkContent(SQLiteConnection& connection) {
+StorageResult checkContent(SQLiteConnection& connection) {
     const auto application = connection.number("PRAGMA application_id");
     const auto version = connection.number("PRAGMA user_version");
     if (!application || !version) {
@@ -170,7 +170,7 @@ Nothing checkContent(SQLiteConnection& connection) {
     return {};
 }
 
-Nothing checkTables(SQLiteConnection& connection) {
+StorageResult checkTables(SQLiteConnection& connection) {
     for (const auto* sql : {"SELECT position, identity, identifier, record FROM accounts",
                             "SELECT service_type, identity, record FROM last_used"}) {
         if (const auto statement = connection.prepare(sql); !statement) {
@@ -185,7 +185,7 @@ Nothing checkTables(SQLiteConnection& connection) {
 Result<std::unique_ptr<SQLiteConnection>, StorageError> openAccountFile(const path& directory) {
     const auto file = directory / accountFileName;
     removeLeftovers(directory);
-    Nothing done = createIfMissing(directory, file);
+    StorageResult done = createIfMissing(directory, file);
     if (done) {
         done = checkRights(file);
     }

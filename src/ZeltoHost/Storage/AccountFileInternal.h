@@ -8,8 +8,8 @@ namespace zelto {
 
 inline constexpr const char* accountFileName = "accounts.sqlite";
 
-// Opens the account file of a directory that prepareDataDirectory has prepared, and makes it first if there
-// is none. It appears whole or not at all, so that an empty or cut one is always damage.
+// Opens the account file of a directory that prepareDataDirectory has prepared; creates it first if there is
+// none. It appears whole or not at all, so that an empty or truncated file is always damaged.
 Result<std::unique_ptr<SQLiteConnection>, StorageError>
 openAccountFile(const std::filesystem::path& directory);
 

@@ -21,7 +21,7 @@ Result<std::string, StorageError> encoded(const SQLiteConnection& connection,
     return std::move(*record);
 }
 
-// The statement gives records in its first column.
+// The statement's first column must be the records.
 Result<ServiceAccountConfiguration, StorageError> decoded(const SQLiteConnection& connection,
                                                           const SQLiteStatement& row) {
     auto account = JSONDecoder().decode<ServiceAccountConfiguration>(row.text(0));

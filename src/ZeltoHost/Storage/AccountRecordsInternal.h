@@ -10,7 +10,7 @@
 
 namespace zelto {
 
-// What SQLiteAccountStorage does, on its connection.
+// The operations of SQLiteAccountStorage on its connection.
 
 Result<void, StorageError> storeAccount(SQLiteConnection& connection,
                                         const ServiceAccountConfiguration& account);

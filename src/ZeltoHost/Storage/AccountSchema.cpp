@@ -6,9 +6,10 @@ namespace zelto {
 
 namespace {
 
-// accounts.identity is the service type's raw value, and "+" and the user name where there is one. It is what
-// an account's identifier says, but also stands still for the type whose identifiers are random. last_used
-// remembers the record beside the identity, for an account that was used without having been stored.
+// accounts.identity is the service type's raw value, followed by "+" and the user name if there is one. It
+// contains what an account's identifier does, but is also constant for the type whose identifiers are random.
+// last_used keeps the record as well as the identity, for an account that was used without having been
+// stored.
 constexpr std::array steps{
     R"(CREATE TABLE accounts (
            position INTEGER PRIMARY KEY,

@@ -12,11 +12,11 @@ namespace zelto {
 inline constexpr std::int64_t accountApplicationId = 0x5a6c746f;
 
 // The steps from each version of the schema to the next, the first from an empty database to version 1. A
-// step that has been released never changes.
+// released step never changes.
 std::span<const char* const> accountSchemaSteps();
 
-// Brings the database to the version that the number of steps tells (PRAGMA user_version), in one
-// transaction. One of a higher version is refused with newerVersion.
+// Migrates the database to the latest version (PRAGMA user_version), which is the number of steps, in one
+// transaction. A higher version is refused with newerVersion.
 Result<void, StorageError> migrate(SQLiteConnection& connection, std::span<const char* const> steps);
 
 } // namespace zelto

@@ -17,7 +17,7 @@ namespace {
 
 constexpr mode_t privateMode = 0700;
 
-// Behind a umask that takes rights from the owner too, the mode must be set again.
+// A umask may have removed the owner's own rights too, so the mode is set again.
 Result<void, StorageError> makePrivate(const std::filesystem::path& directory) {
     if (::mkdir(directory.c_str(), privateMode) != 0) {
         if (errno == EEXIST) {
@@ -53,7 +53,7 @@ bool isOursToClose(const std::filesystem::path& directory) {
 Result<void, StorageError> prepareDataDirectory(const std::filesystem::path& directory) {
     std::error_code error;
     const auto absolute = std::filesystem::absolute(directory, error);
-    // "a/b/" has an empty last part.
+    // The last component of "a/b/" is empty.
     const auto path = absolute.has_filename() ? absolute : absolute.parent_path();
     if (auto made = makeMissing(path); !made) {
         return made;
@@ -62,7 +62,7 @@ Result<void, StorageError> prepareDataDirectory(const std::filesystem::path& dir
 
     struct stat status {};
 
-    // Its owner is told before a refusal to open it is.
+    // A wrong owner is reported rather than that the directory cannot be opened.
     if ((opened ? ::fstat(opened.number(), &status) : ::stat(path.c_str(), &status)) != 0) {
         return failure(StorageError::fromSystem(errno, path));
     }

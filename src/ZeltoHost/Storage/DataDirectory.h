@@ -6,9 +6,9 @@
 
 namespace zelto {
 
-// Makes the directory where the host keeps its files usable by this user alone: it and its missing parents
-// are made with mode 0700 whatever the umask. One that is there must belong to this user; if others may enter
-// it, it is closed to them when it is empty or holds our account file already, else it is refused.
+// Makes the directory of the host's files accessible to this user only: the directory and its missing parents
+// are created with mode 0700 whatever the umask. An existing one must belong to this user; if others have
+// access, it is closed to them if it is empty or contains our account file already, and refused otherwise.
 Result<void, StorageError> prepareDataDirectory(const std::filesystem::path& directory);
 
 } // namespace zelto

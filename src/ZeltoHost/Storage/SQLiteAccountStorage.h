@@ -16,19 +16,21 @@ namespace zelto {
 class SQLiteConnection;
 
 // The accounts in an SQLite file, "accounts.sqlite" of mode 0600 in a directory of mode 0700. Any thread;
-// several processes may have it open at once, and one may be killed at any moment. What a call has stored is
-// on the disk when it returns. A write of a record replaces it whole: of two at once the later one stays.
+// several processes may have it open at once, and may be killed at any moment. What a call has stored is on
+// the disk when it returns. Writing a record replaces it whole: of two simultaneous writes the later one
+// stays.
 //
-// An account is found by its service type and user name, which is what its identifier says. So an account of
-// the type whose identifiers are random at each call (Calendar) is found too; it is loaded by the identifier
-// that it got when it was first saved. Replacing an account keeps its place in the order, which is that of
-// first saving.
+// An account is found by its service type and user name, which is what its identifier contains. An account of
+// the type whose identifiers are random at each call (Calendar) is therefore found too; it is loaded by the
+// identifier of its first saving. Replacing an account keeps its place in the order, which is that of first
+// saving.
 //
 // A record that cannot be read, such as one with a service type of a later version, stays in the file and is
 // left out of lists; it counts as a failure.
 class SQLiteAccountStorage final : public ServiceConfigurationsStorage, private LoggerClient {
   public:
-    // Makes directory and file if they are missing. A damaged file is an error, never an empty storage.
+    // Creates the directory and the file if they are missing. A damaged file is an error, never an empty
+    // storage.
     static Result<std::shared_ptr<SQLiteAccountStorage>, StorageError>
     open(const std::filesystem::path& directory);
 
@@ -37,7 +39,7 @@ class SQLiteAccountStorage final : public ServiceConfigurationsStorage, private 
     SQLiteAccountStorage(const SQLiteAccountStorage&) = delete;
     SQLiteAccountStorage& operator=(const SQLiteAccountStorage&) = delete;
 
-    // These log a failure and give nothing; lastError() tells it.
+    // These log a failure and have no result then; lastError() gives it.
     void save(const ServiceAccountConfiguration& configuration) override;
     void remove(const ServiceAccountConfiguration& configuration) override;
     std::optional<ServiceAccountConfiguration> load(const std::string& identifier) override;
@@ -46,8 +48,8 @@ class SQLiteAccountStorage final : public ServiceConfigurationsStorage, private 
     std::optional<ServiceAccountConfiguration> lastUsedConfiguration(ServiceType serviceType) override;
     std::vector<ServiceAccountConfiguration> loadConfigurations() override;
 
-    // The same with their errors. Removing an account that is not there is no error. The account used last is
-    // given as it is stored now, or as it was told if it is not stored; removing an account forgets it.
+    // The same with their errors. Removing an absent account is not an error. The account used last is given
+    // as it is stored now, or as it was passed if it is not stored; removing an account forgets it.
     Result<void, StorageError> trySave(const ServiceAccountConfiguration& configuration);
     Result<void, StorageError> tryRemove(const ServiceAccountConfiguration& configuration);
     Result<std::optional<ServiceAccountConfiguration>, StorageError> tryLoad(const std::string& identifier);
@@ -57,16 +59,17 @@ class SQLiteAccountStorage final : public ServiceConfigurationsStorage, private 
     Result<std::optional<ServiceAccountConfiguration>, StorageError>
     tryLastUsedConfiguration(ServiceType serviceType);
 
-    // Fails if the file cannot be read; records that cannot are left out, logged and told by lastError().
+    // Fails if the file cannot be read; records that cannot be read are left out, logged and given by
+    // lastError().
     Result<std::vector<ServiceAccountConfiguration>, StorageError> tryLoadConfigurations();
 
-    // The latest failure of any operation, also if later ones worked; nothing if all have worked.
+    // The latest failure of any operation, even if later ones succeeded; `nullopt` if all have succeeded.
     std::optional<StorageError> lastError() const;
 
   private:
     explicit SQLiteAccountStorage(std::unique_ptr<SQLiteConnection> connection);
 
-    // Runs it with the connection, alone; what fails is logged and remembered.
+    // Runs it with exclusive use of the connection; a failure is logged and remembered.
     template <class Operation>
     auto perform(const char* function, Operation operation,
                  const std::source_location& location = std::source_location::current());

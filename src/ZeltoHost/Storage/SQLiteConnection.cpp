@@ -13,20 +13,20 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds maximumWait{5000};
 
-// Time in which this process was not run does not count as waiting.
-constexpr int fewestLooks = 1000;
+// Time in which this process did not run must not count as waiting.
+constexpr int minimumAttempts = 1000;
 
 StorageErrorCode codeOf(int result) {
     switch (result & 0xff) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
-    case SQLITE_PROTOCOL: // others were faster too many times
+    case SQLITE_PROTOCOL: // other processes were faster too many times
         return StorageErrorCode::busy;
     case SQLITE_FULL:
         return StorageErrorCode::noSpace;
     case SQLITE_CORRUPT:
     case SQLITE_NOTADB:
-    case SQLITE_ERROR: // our statements are right: the tables are not ours
+    case SQLITE_ERROR: // our statements are correct, so the tables are not ours
     case SQLITE_CONSTRAINT:
     case SQLITE_MISMATCH:
         return StorageErrorCode::damaged;
@@ -89,15 +89,15 @@ void SQLiteConnection::Closer::operator()(sqlite3* database) const {
     sqlite3_close_v2(database);
 }
 
-// SQLite's own waiting grows to steps of a tenth of a second: a writer in a crowd that writes without pause
-// would hardly ever meet the moment between two others.
+// SQLite's own waiting grows to steps of a tenth of a second: a process among many that write without pause
+// would hardly ever find the lock free.
 int SQLiteConnection::waitForOthers(void* connection, int calls) {
     auto& self = *static_cast<SQLiteConnection*>(connection);
     const auto now = std::chrono::steady_clock::now();
     if (calls == 0) {
         self.waitingSince_ = now;
     }
-    if (now - self.waitingSince_ >= maximumWait && calls >= fewestLooks) {
+    if (now - self.waitingSince_ >= maximumWait && calls >= minimumAttempts) {
         return 0;
     }
     thread_local std::minstd_rand random(std::random_device{}());

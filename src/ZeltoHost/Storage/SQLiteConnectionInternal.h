@@ -20,7 +20,7 @@ namespace zelto {
 
 class SQLiteConnection;
 
-// One prepared statement. Parameters count from 1, columns from 0. Must not outlive its connection.
+// One prepared statement. Parameters are counted from 1, columns from 0. Must not outlive its connection.
 class SQLiteStatement {
   public:
     SQLiteStatement& bind(int parameter, std::int64_t value);
@@ -29,7 +29,7 @@ class SQLiteStatement {
     // Whether there is a row.
     Result<bool, StorageError> step();
 
-    // For statements without rows, and for those whose rows do not matter.
+    // For statements without rows, or with rows that are not needed.
     Result<void, StorageError> run();
 
     std::int64_t integer(int column) const;
@@ -60,13 +60,13 @@ class SQLiteConnection {
 
     Result<SQLiteStatement, StorageError> prepare(std::string_view sql);
 
-    // One statement or several; what rows they give is not looked at.
+    // One or several statements; rows are ignored.
     Result<void, StorageError> execute(const std::string& sql);
 
     // The first column of the first row, as a number.
     Result<std::int64_t, StorageError> number(std::string_view sql);
 
-    // All of it is done, or nothing, also when the body throws.
+    // Everything is done, or nothing, even if the body throws.
     template <class F> Result<void, StorageError> transaction(F&& body) {
         if (auto begun = execute("BEGIN IMMEDIATE"); !begun) {
             return begun;
@@ -82,12 +82,12 @@ class SQLiteConnection {
         return done;
     }
 
-    // Whether the file that is open is no longer the one at its path.
+    // Whether the open file is no longer the one at its path.
     bool hasMoved() const;
 
     const std::filesystem::path& path() const { return path_; }
 
-    // Of the call before.
+    // Of the previous call.
     StorageError error() const;
 
   private:

@@ -50,7 +50,7 @@ TEST(CleanedHTML, TheCheckOfTheseTestsSeesWhatLoads) {
     }
 }
 
-TEST(CleanedHTML, ADocumentTellsItsCharacterSetAndTitle) {
+TEST(CleanedHTML, ADocumentDeclaresItsCharacterSetAndTitle) {
     EXPECT_EQ(cleanedHTML("<title> A &amp; B</title><meta charset=latin1><p>x"),
               "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>A &amp; B</title>\n</head>\n"
               "<body>\n<p>x</p>\n</body>\n</html>\n");
@@ -145,7 +145,7 @@ TEST(CleanedHTML, PreformattedTextKeepsItsFirstLineEnd) {
     EXPECT_EQ(bodyOf(bodyOf("<pre>\n\nx</pre>")), "<pre>\n\nx</pre>");
 }
 
-TEST(CleanedHTML, HiddenElementsDoNotTurnUp) {
+TEST(CleanedHTML, HiddenElementsAreLeftOut) {
     EXPECT_EQ(bodyOf("<p hidden>x</p><svg><text>y</text></svg><template>z</template>"), "");
 }
 

@@ -18,7 +18,7 @@ std::string contentOf(std::string_view html, const EnmlOptions& options = {}) {
     return enml.substr(head.size(), enml.size() - head.size() - 11);
 }
 
-// Python's expat reads it; what it says otherwise.
+// The errors that Python's expat finds; empty if there are none.
 std::string xmlErrors(const std::string& xml) {
     return runProcess(
                {.arguments = {"/usr/bin/python3", "-I", "-c",

@@ -31,7 +31,7 @@ TEST(FormattedComponents, AllSixLevelsOfHeadingsAreKnown) {
     }
 }
 
-TEST(FormattedComponents, StylesAreToldByElements) {
+TEST(FormattedComponents, StylesAreRecognisedByElements) {
     EXPECT_EQ(
         formattedComponentsFromHTML("a<b>b<i>c</i></b><u>d</u><strong>e</strong><em>f</em>"),
         (Components{Component::text(
@@ -39,7 +39,7 @@ TEST(FormattedComponents, StylesAreToldByElements) {
              part("d", Modifiers::underline), part("e", Modifiers::bold), part("f", Modifiers::italic)})}));
 }
 
-TEST(FormattedComponents, StylesAreToldByInlineStyles) {
+TEST(FormattedComponents, StylesAreRecognisedByInlineStyles) {
     EXPECT_EQ(formattedComponentsFromHTML(
                   "<span style='FONT-WEIGHT: 700 !important'>a</span>"
                   "<b style='font-weight:normal'>b</b>"

@@ -9,8 +9,8 @@
 
 namespace zelto {
 
-// Looks through HTML, as a browser would read it, for what could load or run something: the first that is
-// found, or nothing. Written apart from the cleaner, by what is forbidden instead of what is allowed.
+// Searches HTML, as a browser would parse it, for what could load or run something: the first such piece, or
+// `nullopt`. Written independently of the cleaner: by what is forbidden, not by what is allowed.
 class LoadingMarkupFinder {
   public:
     bool enter(const GumboNode& node) {

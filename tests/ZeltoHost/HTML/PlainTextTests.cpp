@@ -57,7 +57,7 @@ TEST(PlainText, TextOfNoSizeIsHiddenUntilItHasOne) {
               "yes");
 }
 
-TEST(PlainText, ALinkTellsItsAddressUnlessItsTextDoes) {
+TEST(PlainText, ALinkShowsItsAddressUnlessItsTextDoes) {
     EXPECT_EQ(plainTextFromHTML("<a href='https://a.example/x?y'>read <b>on</b></a>!"),
               "read on <https://a.example/x?y>!");
     EXPECT_EQ(plainTextFromHTML("<a href='https://a.example/'>a.example</a>"), "a.example");
@@ -81,7 +81,7 @@ TEST(PlainText, BytesThatAreNotUTF8BecomeReplacementCharacters) {
     EXPECT_TRUE(isValidUTF8(plainTextFromHTML(std::string_view("\0\xED\xA0\x80<p \xFE=\xFF>", 12))));
 }
 
-TEST(PlainText, NothingGivesNothing) {
+TEST(PlainText, AnEmptyTextGivesAnEmptyText) {
     EXPECT_EQ(plainTextFromHTML(""), "");
     EXPECT_EQ(plainTextFromHTML("<p> </p><br>"), "");
 }

@@ -6,10 +6,10 @@
 namespace zelto {
 namespace {
 
-using testing::answerOf;
 using testing::exampleMail;
 using testing::fileWith;
 using testing::readMail;
+using testing::resultOf;
 using Text = std::optional<std::string>;
 using Format = IntegrationLinkFormat;
 using LinkType = IntegrationLinkType;
@@ -25,29 +25,29 @@ MailDataInteractor kickoff(InteractorOptions options = {}) {
 }
 
 Text htmlOf(MailDataInteractor& interactor, const IntegrationExportHtmlOptions& options = {}) {
-    return answerOf<Text>([&](auto completion) { interactor.html(options, std::move(completion)); });
+    return resultOf<Text>([&](auto completion) { interactor.html(options, std::move(completion)); });
 }
 
 Text plainTextOf(MailDataInteractor& interactor, std::optional<LinkType> type = std::nullopt) {
-    return answerOf<Text>([&](auto completion) { interactor.messagePlainText(type, std::move(completion)); });
+    return resultOf<Text>([&](auto completion) { interactor.messagePlainText(type, std::move(completion)); });
 }
 
 Text linkOf(MailDataInteractor& interactor, const LinkType& type) {
-    return answerOf<Text>([&](auto completion) { interactor.link(type, std::move(completion)); });
+    return resultOf<Text>([&](auto completion) { interactor.link(type, std::move(completion)); });
 }
 
 IntegrationAttachments attachmentsOf(MailDataInteractor& interactor) {
-    return answerOf<IntegrationAttachments>(
+    return resultOf<IntegrationAttachments>(
         [&](auto completion) { interactor.availableAttachments(std::move(completion)); });
 }
 
 using Fetched = Result<std::optional<URL>, AttachmentFetchError>;
 
 Fetched fetched(MailDataInteractor& interactor, std::int64_t id) {
-    return answerOf<Fetched>([&](auto completion) { interactor.fetchAttachment(id, std::move(completion)); });
+    return resultOf<Fetched>([&](auto completion) { interactor.fetchAttachment(id, std::move(completion)); });
 }
 
-TEST(MailDataInteractor, TellsTheParties) {
+TEST(MailDataInteractor, GivesTheParties) {
     auto interactor = kickoff();
     EXPECT_EQ(interactor.exportTarget(), IntegrationExportTarget::email);
     const auto all = interactor.addresses();
@@ -91,7 +91,7 @@ TEST(MailDataInteractor, ASubdomainIsInternalAndALikeNameIsNot) {
     EXPECT_TRUE(interactor.externalAddresses().to.has_value());
 }
 
-TEST(MailDataInteractor, TellsSubjectTitleAndDates) {
+TEST(MailDataInteractor, GivesSubjectTitleAndDates) {
     auto interactor = kickoff();
     EXPECT_EQ(interactor.subject(), "Project kick-off: lighthouse relaunch & first week");
     EXPECT_EQ(interactor.title(), "Project kick-off: lighthouse relaunch & first week");
@@ -117,7 +117,7 @@ TEST(MailDataInteractor, GivesEachLink) {
         linkOf(interactor, LinkType::backlink(Format::html)),
         "<a href=\"mid:kickoff-2025.43@harbour.example\">Project kick-off: lighthouse relaunch &amp; first "
         "week</a>");
-    const auto components = answerOf<std::optional<IntegrationLinkComponents>>([&](auto completion) {
+    const auto components = resultOf<std::optional<IntegrationLinkComponents>>([&](auto completion) {
         interactor.linkComponents(LinkType::backlink(Format::mrkdwn), std::move(completion));
     });
     EXPECT_EQ(components, (IntegrationLinkComponents{"Project kick-off: lighthouse relaunch & first week",
@@ -197,11 +197,11 @@ TEST(MailDataInteractor, HostileTextBecomesNoMarkup) {
 TEST(MailDataInteractor, GivesTheHeaderAsHTMLAndAsData) {
     auto interactor = kickoff();
     const auto html =
-        answerOf<Text>([&](auto completion) { interactor.htmlHeader(std::move(completion)); }).value();
+        resultOf<Text>([&](auto completion) { interactor.htmlHeader(std::move(completion)); }).value();
     EXPECT_NE(html.find("<b>Cc:</b></td><td>Reis, Joana &lt;joana@quay.example&gt;"), std::string::npos);
     EXPECT_NE(html.find("relaunch &amp; first week"), std::string::npos);
 
-    const auto header = answerOf<IntegrationHeaderComponents>(
+    const auto header = resultOf<IntegrationHeaderComponents>(
         [&](auto completion) { interactor.headerComponents(std::move(completion)); });
     using Address = IntegrationHeaderComponents::Address;
     ASSERT_EQ(header.sendersInfo.size(), 3U);
@@ -212,7 +212,7 @@ TEST(MailDataInteractor, GivesTheHeaderAsHTMLAndAsData) {
     EXPECT_TRUE(header.date.value.starts_with("17 October 2025, 09:12 ")) << header.date.value;
 
     auto nobody = interactorOf("Subject: x\n\ny");
-    const auto empty = answerOf<IntegrationHeaderComponents>(
+    const auto empty = resultOf<IntegrationHeaderComponents>(
         [&](auto completion) { nobody.headerComponents(std::move(completion)); });
     ASSERT_EQ(empty.sendersInfo.size(), 1U);
     EXPECT_EQ(empty.sendersInfo[0].value[0], Address::noSender("No sender"));
@@ -225,7 +225,7 @@ TEST(MailDataInteractor, GivesEvernoteContentWithItsImages) {
     IntegrationExportHtmlOptions options;
     options.customHeader = "<p>above</p>";
     const auto enml =
-        answerOf<Enml>([&](auto completion) { interactor.enml(options, std::move(completion)); }).value();
+        resultOf<Enml>([&](auto completion) { interactor.enml(options, std::move(completion)); }).value();
     EXPECT_LT(enml.enml.find("above"), enml.enml.find("lighthouse site"));
     EXPECT_NE(enml.enml.find("<en-media"), std::string::npos);
     ASSERT_EQ(enml.inlineAttachments.size(), 1U);
@@ -235,13 +235,13 @@ TEST(MailDataInteractor, GivesEvernoteContentWithItsImages) {
 
     const auto html = htmlOf(interactor).value();
     const auto fromHTML =
-        answerOf<Enml>([&](auto completion) { interactor.enml(html, std::move(completion)); }).value();
+        resultOf<Enml>([&](auto completion) { interactor.enml(html, std::move(completion)); }).value();
     ASSERT_EQ(fromHTML.inlineAttachments.size(), 1U);
     EXPECT_EQ(fromHTML.inlineAttachments[0].data, enml.inlineAttachments[0].data);
 
     options.skipInlineImages = true;
     const auto bare =
-        answerOf<Enml>([&](auto completion) { interactor.enml(options, std::move(completion)); }).value();
+        resultOf<Enml>([&](auto completion) { interactor.enml(options, std::move(completion)); }).value();
     EXPECT_TRUE(bare.inlineAttachments.empty());
     EXPECT_EQ(bare.enml.find("<en-media"), std::string::npos);
 }
@@ -289,7 +289,7 @@ TEST(MailDataInteractor, AMailThatWasChangedGivesErrorsAndNothing) {
 
 TEST(MailDataInteractor, GivesTheBodyAsComponents) {
     auto interactor = kickoff();
-    const auto components = answerOf<std::vector<FormattedBodyComponent>>(
+    const auto components = resultOf<std::vector<FormattedBodyComponent>>(
         [&](auto completion) { interactor.formattedBodyComponents(std::move(completion)); });
     bool bold = false;
     bool heading = false;
@@ -311,17 +311,17 @@ TEST(MailDataInteractor, AMailIsNoMeeting) {
     EXPECT_FALSE(interactor.meetTranscriptStartDate().has_value());
     EXPECT_FALSE(interactor.meetTranscriptEndDate().has_value());
     EXPECT_FALSE(interactor.meetTranscriptAttendees().has_value());
-    EXPECT_FALSE(answerOf<Text>([&](auto completion) {
+    EXPECT_FALSE(resultOf<Text>([&](auto completion) {
                      interactor.meetTranscript(IntegrationMeetingTranscriptContent::summary,
                                                IntegrationMeetingTranscriptFormat::text, std::nullopt,
                                                std::move(completion));
                  }).has_value());
-    EXPECT_TRUE(answerOf<std::vector<FormattedBodyComponent>>([&](auto completion) {
+    EXPECT_TRUE(resultOf<std::vector<FormattedBodyComponent>>([&](auto completion) {
                     interactor.formattedMeetingSummaryComponents(std::move(completion));
                 }).empty());
 }
 
-TEST(MailDataInteractor, ManyThreadsGetTheSameAnswers) {
+TEST(MailDataInteractor, ManyThreadsGetTheSameResults) {
     auto interactor = kickoff();
     const auto text = plainTextOf(interactor);
     std::vector<std::jthread> threads;

@@ -114,7 +114,7 @@ TEST(MailLimits, ABoundaryThatBeginsAnotherOneIsNotTakenForIt) {
     EXPECT_EQ(plainBodyOf(**opened), "inner\n\nouter");
 }
 
-TEST(MailLimits, ATextLargerThanTheLimitIsToldAndNothingElseIsLost) {
+TEST(MailLimits, ATextLargerThanTheLimitIsReportedAndNothingElseIsLost) {
     MailLimits limits;
     limits.bodyBytes = 100;
     const auto opened = openMail("From: a@b.example\nSubject: s\n\n" + std::string(101, 'x') + "\n", limits);

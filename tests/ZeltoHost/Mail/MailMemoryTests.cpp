@@ -16,7 +16,7 @@ std::size_t peakMemory() {
     return static_cast<std::size_t>(usage.ru_maxrss) << 10U;
 }
 
-// A mail with that many bytes in an attachment, in a preamble or in a part that is a line without end.
+// A mail with that many bytes in an attachment, in a preamble or in an endless line.
 std::filesystem::path bigMail(std::string_view head, std::string_view line, std::size_t bytes,
                               std::string_view tail) {
     const auto path = testing::fileWith("", "big.eml");
@@ -45,7 +45,7 @@ TEST(MailMemory, ABigMailIsReadAndItsAttachmentDecodedInLittleMemory) {
     const auto before = peakMemory();
     const auto message = MailReader::open(path).value();
     MailDataInteractor interactor(message);
-    const auto attachments = testing::answerOf<IntegrationAttachments>(
+    const auto attachments = testing::resultOf<IntegrationAttachments>(
         [&](auto completion) { interactor.availableAttachments(std::move(completion)); });
     ASSERT_EQ(attachments.list.size(), 1U);
     EXPECT_GT(attachments.list[0].size, static_cast<std::int64_t>(mailBytes / 4 * 3 - (2U << 20)));

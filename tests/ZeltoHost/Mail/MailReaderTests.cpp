@@ -26,7 +26,7 @@ std::vector<std::string> attachmentNames(const MailMessage& message) {
 
 using Names = std::vector<std::string>;
 
-// A mail of one part with that header of its own.
+// A mail with one attachment that has this header.
 std::shared_ptr<const MailMessage> mailWithAttachment(const std::string& header) {
     return readMail("From: a@b.example\nContent-Type: multipart/mixed; boundary=b\n\n--b\n\nhello\n--b\n" +
                     header + "\n\nAAAA\n--b--\n");

@@ -21,7 +21,7 @@ std::filesystem::path fileWith(std::string_view content, std::string_view name =
 Result<std::shared_ptr<const MailMessage>, MailError> openMail(std::string_view content,
                                                                const MailLimits& limits = {});
 
-// A mail that must be readable.
+// Reads a mail; the test fails if it cannot be read.
 std::shared_ptr<const MailMessage> readMail(std::string_view content);
 
 // One of the mails in examples/mails.
@@ -29,15 +29,15 @@ std::filesystem::path exampleMail(std::string_view name);
 
 std::string contentOf(const std::filesystem::path& path);
 
-// What an operation completes with, before it returns and once.
-template <class T> T answerOf(std::invocable<Callback<T>> auto operation) {
-    std::optional<T> answer;
+// The result of an operation, which must complete once and before it returns.
+template <class T> T resultOf(std::invocable<Callback<T>> auto operation) {
+    std::optional<T> response;
     operation(Callback<T>([&](T value) {
-        EXPECT_FALSE(answer.has_value()) << "the completion came twice";
-        answer.emplace(std::move(value));
+        EXPECT_FALSE(response.has_value()) << "the completion came twice";
+        response.emplace(std::move(value));
     }));
-    EXPECT_TRUE(answer.has_value()) << "the completion did not come";
-    return std::move(answer).value();
+    EXPECT_TRUE(response.has_value()) << "the completion did not come";
+    return std::move(response).value();
 }
 
 } // namespace zelto::testing

@@ -5,7 +5,7 @@
 namespace zelto {
 namespace {
 
-using testing::answerOf;
+using testing::resultOf;
 using Text = std::optional<std::string>;
 using Content = IntegrationMeetingTranscriptContent;
 using Format = IntegrationMeetingTranscriptFormat;
@@ -20,11 +20,11 @@ MeetingNoteDataInteractor planning(InteractorOptions options = {}) {
 
 Text pieceOf(MeetingNoteDataInteractor& interactor, Content content, Format format,
              std::optional<LinkType> link = std::nullopt) {
-    return answerOf<Text>(
+    return resultOf<Text>(
         [&](auto completion) { interactor.meetTranscript(content, format, link, std::move(completion)); });
 }
 
-TEST(MeetingNoteDataInteractor, TellsWhatTheMeetingWas) {
+TEST(MeetingNoteDataInteractor, GivesWhatTheMeetingWas) {
     auto interactor = planning();
     EXPECT_EQ(interactor.exportTarget(), IntegrationExportTarget::meetingNote);
     EXPECT_EQ(interactor.title(), "Weekly planning: lighthouse relaunch");
@@ -65,13 +65,13 @@ TEST(MeetingNoteDataInteractor, GivesThePiecesWithTheirLink) {
     EXPECT_NE(html.find("https://notes.harbour.example/lighthouse/43"), std::string::npos);
 }
 
-TEST(MeetingNoteDataInteractor, APieceThatIsAbsentGivesNothing) {
+TEST(MeetingNoteDataInteractor, AnAbsentPieceGivesNullopt) {
     MeetingNoteDataInteractor interactor(MeetingNote{.title = "x"});
     for (const auto content : {Content::summary, Content::transcript, Content::notes}) {
         EXPECT_FALSE(pieceOf(interactor, content, Format::text).has_value());
         EXPECT_FALSE(pieceOf(interactor, content, Format::html).has_value());
     }
-    EXPECT_TRUE(answerOf<Components>([&](auto completion) {
+    EXPECT_TRUE(resultOf<Components>([&](auto completion) {
                     interactor.formattedMeetingSummaryComponents(std::move(completion));
                 }).empty());
     EXPECT_FALSE(interactor.meetTranscriptAttendees().has_value());
@@ -80,7 +80,7 @@ TEST(MeetingNoteDataInteractor, APieceThatIsAbsentGivesNothing) {
 
 TEST(MeetingNoteDataInteractor, TheBodyIsAllPiecesUnderHeadings) {
     auto interactor = planning();
-    const auto text = answerOf<Text>([&](auto completion) {
+    const auto text = resultOf<Text>([&](auto completion) {
                           interactor.messagePlainText(LinkType::safeBacklink(IntegrationLinkFormat::markdown),
                                                       std::move(completion));
                       }).value();
@@ -91,25 +91,25 @@ TEST(MeetingNoteDataInteractor, TheBodyIsAllPiecesUnderHeadings) {
 
     MeetingNoteDataInteractor one(MeetingNote{.title = "x", .notes = MeetingNoteText{"alone", false}});
     EXPECT_EQ(
-        answerOf<Text>([&](auto completion) { one.messagePlainText(std::nullopt, std::move(completion)); }),
+        resultOf<Text>([&](auto completion) { one.messagePlainText(std::nullopt, std::move(completion)); }),
         "alone");
 }
 
 TEST(MeetingNoteDataInteractor, GivesHTMLWithTheHeader) {
     auto interactor = planning();
     const auto html =
-        answerOf<Text>([&](auto completion) { interactor.html({}, std::move(completion)); }).value();
+        resultOf<Text>([&](auto completion) { interactor.html({}, std::move(completion)); }).value();
     EXPECT_NE(html.find("<title>Weekly planning: lighthouse relaunch</title>"), std::string::npos);
     EXPECT_NE(html.find("Attendees:"), std::string::npos);
     EXPECT_NE(html.find("Ana Reis &lt;ana@quay.example&gt;"), std::string::npos);
     EXPECT_NE(html.find("21 October 2025, 14:00"), std::string::npos);
     EXPECT_NE(html.find("both sites up"), std::string::npos);
 
-    const auto header = answerOf<IntegrationHeaderComponents>(
+    const auto header = resultOf<IntegrationHeaderComponents>(
         [&](auto completion) { interactor.headerComponents(std::move(completion)); });
     ASSERT_EQ(header.sendersInfo.size(), 2U);
     EXPECT_EQ(header.sendersInfo[0].text, "Organiser:");
-    const auto block = answerOf<Text>([&](auto completion) { interactor.htmlHeader(std::move(completion)); });
+    const auto block = resultOf<Text>([&](auto completion) { interactor.htmlHeader(std::move(completion)); });
     EXPECT_NE(block->find("Organiser:"), std::string::npos);
 }
 
@@ -118,42 +118,42 @@ TEST(MeetingNoteDataInteractor, GivesLinksAndEvernoteContentAndComponents) {
     options.webLink = URL::parse("https://web.example/1");
     auto interactor = planning(options);
     const auto linkOf = [&](const LinkType& type) {
-        return answerOf<Text>([&](auto completion) { interactor.link(type, std::move(completion)); });
+        return resultOf<Text>([&](auto completion) { interactor.link(type, std::move(completion)); });
     };
     EXPECT_EQ(linkOf(LinkType::altBacklink(IntegrationLinkFormat::raw)),
               "https://notes.harbour.example/lighthouse/43");
     EXPECT_EQ(linkOf(LinkType::webLink(IntegrationLinkFormat::raw, IntegrationWebLinkVisibility::anyone, {})),
               "https://web.example/1");
-    const auto components = answerOf<std::optional<IntegrationLinkComponents>>([&](auto completion) {
+    const auto components = resultOf<std::optional<IntegrationLinkComponents>>([&](auto completion) {
         interactor.linkComponents(LinkType::backlink(IntegrationLinkFormat::raw), std::move(completion));
     });
     EXPECT_EQ(components->text, "Weekly planning: lighthouse relaunch");
 
     using Enml = std::optional<IntegrationsInteractorEnml>;
-    EXPECT_NE(answerOf<Enml>([&](auto completion) {
+    EXPECT_NE(resultOf<Enml>([&](auto completion) {
                   interactor.enml(IntegrationExportHtmlOptions(), std::move(completion));
               })->enml.find("both sites up"),
               std::string::npos);
-    EXPECT_NE(answerOf<Enml>([&](auto completion) {
+    EXPECT_NE(resultOf<Enml>([&](auto completion) {
                   interactor.enml(std::string("<p>given</p>"), std::move(completion));
               })->enml.find("given"),
               std::string::npos);
-    EXPECT_FALSE(answerOf<Components>([&](auto completion) {
+    EXPECT_FALSE(resultOf<Components>([&](auto completion) {
                      interactor.formattedBodyComponents(std::move(completion));
                  }).empty());
-    EXPECT_FALSE(answerOf<Components>([&](auto completion) {
+    EXPECT_FALSE(resultOf<Components>([&](auto completion) {
                      interactor.formattedMeetingSummaryComponents(std::move(completion));
                  }).empty());
 }
 
 TEST(MeetingNoteDataInteractor, ANoteHasNoAttachments) {
     auto interactor = planning();
-    EXPECT_TRUE(answerOf<IntegrationAttachments>([&](auto completion) {
+    EXPECT_TRUE(resultOf<IntegrationAttachments>([&](auto completion) {
                     interactor.availableAttachments(std::move(completion));
                 }).list.empty());
     using Fetched = Result<std::optional<URL>, AttachmentFetchError>;
     EXPECT_EQ(
-        answerOf<Fetched>([&](auto completion) { interactor.fetchAttachment(1, std::move(completion)); }),
+        resultOf<Fetched>([&](auto completion) { interactor.fetchAttachment(1, std::move(completion)); }),
         failure(AttachmentFetchError::unknownAttachment));
 }
 

@@ -9,12 +9,12 @@
 
 namespace zelto {
 
-// What a shell command writes to standard output.
+// The standard output of a shell command.
 inline std::string outputOf(const std::string& command) {
     return runProcess({.arguments = {"/bin/sh", "-c", command}, .keptOutput = 1 << 20}).output;
 }
 
-// Runs the script over HTML as it stands.
+// Runs the script on HTML that was not cleaned.
 inline void runScriptUncleaned(const std::filesystem::path& html, const std::filesystem::path& pdf) {
     runProcess({.arguments = {"/usr/bin/python3", "-I", "-c", std::string(weasyPrintScript), pdf.string()},
                 .input = TemporaryFolder::read(html)});

@@ -33,7 +33,7 @@ class PDFConverterTest : public testing::Test {
         return converted.value();
     }
 
-    // Runs it as a shell script that is told the input and the output.
+    // Uses a shell script that gets the input and the output as its arguments.
     PDFConverterOptions script(const std::string& body) {
         const auto path = folder_.write("converter.sh", "#!/bin/sh\n" + body + "\n");
         std::filesystem::permissions(path, std::filesystem::perms::owner_all);
@@ -150,7 +150,7 @@ TEST_F(PDFConverterTest, ALongChainOfRepliesIsNoTrouble) {
     EXPECT_NE(outputOf("pdftotext '" + target().string() + "' -").find("innermost"), std::string::npos);
 }
 
-TEST_F(PDFConverterTest, TooLittleMemoryIsToldAsTooLarge) {
+TEST_F(PDFConverterTest, TooLittleMemoryIsReportedAsTooLarge) {
     std::string html = "<p>";
     for (int i = 0; i < 60000; ++i) {
         html += "<b>word</b> ";
@@ -160,7 +160,7 @@ TEST_F(PDFConverterTest, TooLittleMemoryIsToldAsTooLarge) {
     EXPECT_EQ(result.error().code, PDFErrorCode::tooLarge) << result.error().status << result.error().detail;
 }
 
-TEST_F(PDFConverterTest, AFileThatGrowsTooLargeIsToldAsSuch) {
+TEST_F(PDFConverterTest, AFileThatGrowsTooLargeIsReportedAsSuch) {
     const auto result = convert("<p>text</p>", {.fileSize = 1000});
     ASSERT_FALSE(result);
     EXPECT_EQ(result.error().code, PDFErrorCode::tooLarge) << result.error().status << result.error().detail;
@@ -183,20 +183,20 @@ TEST_F(PDFConverterTest, AConverterThatHangsIsStopped) {
     EXPECT_EQ(convert("x", options).error().code, PDFErrorCode::timedOut);
 }
 
-TEST_F(PDFConverterTest, AConverterThatFailsIsToldWithItsStatusAndWords) {
+TEST_F(PDFConverterTest, AConverterThatFailsIsReportedWithItsStatusAndWords) {
     const auto error = convert("x", script("echo no ink >&2; exit 3")).error();
     EXPECT_EQ(error.code, PDFErrorCode::failed);
     EXPECT_EQ(error.status, 3);
     EXPECT_EQ(error.detail, "no ink\n");
 }
 
-TEST_F(PDFConverterTest, AConverterThatDiesBySignalIsTold) {
+TEST_F(PDFConverterTest, AConverterThatDiesBySignalIsReported) {
     const auto error = convert("x", script("kill -KILL $$")).error();
     EXPECT_EQ(error.code, PDFErrorCode::failed);
     EXPECT_EQ(error.status, 128 + 9);
 }
 
-TEST_F(PDFConverterTest, AConverterThatLeavesNothingIsTold) {
+TEST_F(PDFConverterTest, AConverterThatLeavesNothingIsReported) {
     EXPECT_EQ(convert("x", script("exit 0")).error().code, PDFErrorCode::notAPDF);
 }
 
@@ -213,13 +213,13 @@ TEST_F(PDFConverterTest, NothingButTheTargetIsLeftBehind) {
     EXPECT_EQ(filesBesideTarget(), before + 1);
 }
 
-TEST_F(PDFConverterTest, AMissingConverterIsTold) {
+TEST_F(PDFConverterTest, AMissingConverterIsReported) {
     const auto error = convert("x", {.command = {"no-such-converter-anywhere"}}).error();
     EXPECT_EQ(error.code, PDFErrorCode::converterMissing);
     EXPECT_NE(error.message().find("no-such-converter-anywhere"), std::string::npos);
 }
 
-TEST_F(PDFConverterTest, ATargetThatCannotBeWrittenIsTold) {
+TEST_F(PDFConverterTest, ATargetThatCannotBeWrittenIsReported) {
     PDFConverter converter(script("printf '%%PDF-1.4' > \"$2\""));
     EXPECT_EQ(convert(converter, "x", folder_ / "absent" / "out.pdf").error().code,
               PDFErrorCode::cannotWrite);
@@ -243,13 +243,13 @@ TEST_F(PDFConverterTest, ConversionsThatRunOrWaitAreCanceledWhenTheConverterGoes
 TEST_F(PDFConverterTest, TheConverterMayEndInItsOwnCompletion) {
     auto converter = std::make_unique<PDFConverter>(script("printf '%%PDF-1.4' > \"$2\""));
     Event done;
-    auto& told = *converter;
-    told.convert("x", target(),
-                 [owner = std::move(converter), &done](const Result<void, PDFError>& result) mutable {
-                     EXPECT_TRUE(result);
-                     owner.reset();
-                     done.set();
-                 });
+    auto& released = *converter;
+    released.convert("x", target(),
+                     [owner = std::move(converter), &done](const Result<void, PDFError>& result) mutable {
+                         EXPECT_TRUE(result);
+                         owner.reset();
+                         done.set();
+                     });
     done.wait();
 }
 

@@ -8,7 +8,7 @@
 namespace zelto {
 namespace {
 
-TEST(HostPlatformInteractor, TellsWhyTheLastConversionFailed) {
+TEST(HostPlatformInteractor, ReportsWhyTheLastConversionFailed) {
     const TemporaryFolder folder;
     HostPlatformInteractor interactor([](const URL&, Callback<bool> done) { done(true); },
                                       {.command = {"/nonexistent/converter"}});

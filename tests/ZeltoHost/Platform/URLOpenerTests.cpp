@@ -17,7 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 using Outcome = Result<void, OpenError>;
 
-// A program that writes its arguments, each with a NUL behind it, into a file.
+// A program that writes its arguments, each followed by a NUL, to a file.
 class Opener {
   public:
     explicit Opener(const std::string& end = "exit 0")
@@ -73,7 +73,7 @@ TEST(URLOpener, NoShellSeesTheURL) {
          {"things:add?title=$(touch%20x)", "things:add?title=$(touch${IFS}x)", "things:;x&y", "bear:'a'",
           "bear:-rf", "omnifocus:///add?name=!!*()~", "agenda://a?b='c';d&&e"}) {
         if (!URL::parse(text)) {
-            continue; // such a URL cannot even be made
+            continue; // such a URL cannot be created
         }
         EXPECT_TRUE(open(opener, text));
         EXPECT_EQ(program.opened(), words({text}));
@@ -123,7 +123,7 @@ TEST(URLOpener, AnOpenerThatHangsIsStopped) {
     EXPECT_EQ(error.message(), "The opener '" + program.path() + "' did not end in time and was stopped");
 }
 
-TEST(URLOpener, AMissingOpenerIsTold) {
+TEST(URLOpener, AMissingOpenerIsReported) {
     URLOpener opener({"zelto-no-such-opener"});
     const auto error = errorOf(open(opener, "bear://a"));
     EXPECT_EQ(error.code, OpenErrorCode::openerMissing);
@@ -133,7 +133,7 @@ TEST(URLOpener, AMissingOpenerIsTold) {
     EXPECT_EQ(errorOf(open(none, "bear://a")).code, OpenErrorCode::openerMissing);
 }
 
-TEST(URLOpener, AURLThatFitsIntoAnArgumentIsOpenedAndALongerOneIsTold) {
+TEST(URLOpener, AURLThatFitsIntoAnArgumentIsOpenedAndALongerOneIsReported) {
     const Opener program;
     URLOpener opener({program.path()});
     const std::string start = "bear://a?text=";
@@ -168,7 +168,7 @@ TEST(URLOpener, AnApplicationThatTheOpenerLeavesRunningLivesOn) {
 
 TEST(URLOpener, AProgramThatIsTheApplicationItselfOutlivesTheProcess) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
-    // The process that ends begins this test anew, and finds the folder by what it inherits.
+    // The ended process runs this test again, and finds the folder in its environment.
     constexpr auto variable = "ZELTO_TEST_OPENER_FOLDER";
     std::optional<TemporaryFolder> made;
     if (std::getenv(variable) == nullptr) {

@@ -62,7 +62,7 @@ TEST(Process, ArgumentsReachTheProgramAsTheyStand) {
     EXPECT_EQ(result.errorOutput, "");
 }
 
-TEST(Process, TheExitStatusIsTold) {
+TEST(Process, TheExitStatusIsReported) {
     const auto result = runProcess(shell("echo out; echo err >&2; exit 3"));
     EXPECT_EQ(result.end, ProcessEnd(ProcessExited{3}));
     EXPECT_FALSE(result.succeeded());
@@ -75,7 +75,7 @@ TEST(Process, AStatusOf127IsNoFailureToStart) {
     EXPECT_EQ(runProcess(shell("exit 127")).end, ProcessEnd(ProcessExited{127}));
 }
 
-TEST(Process, TheSignalThatEndedItIsTold) {
+TEST(Process, TheSignalThatEndedItIsReported) {
     const auto result = runProcess(shell("kill -TERM $$"));
     EXPECT_EQ(result.end, ProcessEnd(ProcessSignaled{SIGTERM}));
     EXPECT_EQ(describe(result.end), "was ended by the signal SIGTERM");
@@ -156,7 +156,7 @@ TEST(Process, ItEndsWithTheProgramThoughOthersHoldItsOutput) {
 TEST(Process, TheWallTimeEndsTheWholeGroup) {
     auto request = shell("sleep 1000 & echo $!; trap '' TERM; wait");
     std::string child;
-    // A busy machine may take long to begin the program.
+    // A busy machine may take long to start the program.
     for (const auto wallTime : {300ms, 3'000ms, 30'000ms}) {
         request.limits.wallTime = wallTime;
         const auto result = runProcess(request);

@@ -8,7 +8,7 @@
 
 namespace zelto {
 
-// A connection to a port of this machine that sends bytes as they are told.
+// A connection to a port of this machine that sends the given bytes.
 class RawClient {
   public:
     // `isIPv6`: to [::1] instead of 127.0.0.1.
@@ -16,10 +16,10 @@ class RawClient {
 
     bool isConnected() const { return static_cast<bool>(socket_); }
 
-    // False once the other end has gone.
+    // False if the peer has closed.
     bool send(std::string_view bytes) const;
 
-    // All that comes until the other end closes; a test fails if it does not within a minute.
+    // Everything that arrives until the peer closes; the test fails if it does not close within a minute.
     std::string receiveAll() const;
 
     static std::string exchange(std::uint16_t port, std::string_view bytes);

@@ -47,7 +47,7 @@ bool hasIPv6() {
            ::bind(socket.number(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
-// A listener at work on a thread of its own; it takes the code "good".
+// A listener that runs on a thread of its own; it accepts the code "good".
 class Serving {
   public:
     explicit Serving(bool takesFragment = false, SignInListenerLimits limits = {})
@@ -73,10 +73,10 @@ class Serving {
 
     void stop() { stop_.request_stop(); }
 
-    // Whether the answer has come; a test fails if it ends neither so nor so.
+    // Whether the expected response has arrived; the test fails if the listener does not end.
     bool outcome() {
-        constexpr std::chrono::minutes longest{1};
-        if (outcome_.wait_for(longest) != std::future_status::ready) {
+        constexpr std::chrono::minutes maximum{1};
+        if (outcome_.wait_for(maximum) != std::future_status::ready) {
             ADD_FAILURE() << "the listener goes on";
             stop();
         }
@@ -105,7 +105,7 @@ class Serving {
 
 } // namespace
 
-TEST(SignInListener, TakesTheAnswerAndEnds) {
+TEST(SignInListener, TakesTheResponseAndEnds) {
     Serving serving;
     EXPECT_EQ(serving.redirect().absoluteString(), "http://" + serving.host() + path);
     EXPECT_EQ(serving.good(), takenPage);
@@ -114,7 +114,7 @@ TEST(SignInListener, TakesTheAnswerAndEnds) {
     EXPECT_FALSE(RawClient(serving.port()).isConnected());
 }
 
-TEST(SignInListener, TakesTheGoodAnswerAfterAThousandBadOnes) {
+TEST(SignInListener, TakesTheGoodResponseAfterAThousandBadOnes) {
     Serving serving;
     const std::string bad[] = {
         serving.request("/"),
@@ -136,10 +136,10 @@ TEST(SignInListener, TakesTheGoodAnswerAfterAThousandBadOnes) {
     EXPECT_TRUE(serving.isWaiting());
     EXPECT_EQ(serving.good(), takenPage);
     EXPECT_TRUE(serving.outcome());
-    EXPECT_EQ(serving.traffic(), (SignInTraffic{.refused = 700, .otherAnswers = 300}));
+    EXPECT_EQ(serving.traffic(), (SignInTraffic{.refused = 700, .otherResponses = 300}));
 }
 
-TEST(SignInListener, AnswersOnBothLoopbackAddressesAndOnNoOther) {
+TEST(SignInListener, ListensOnBothLoopbackAddressesAndOnNoOther) {
     Serving serving;
     const RawClient other(serving.port(), true);
     ASSERT_EQ(other.isConnected(), hasIPv6());
@@ -196,7 +196,7 @@ TEST(SignInListener, IsNotHeldUpByConnectionsThatSayNothing) {
     }
     EXPECT_EQ(serving.good(), takenPage);
     EXPECT_TRUE(serving.outcome());
-    // The oldest have made room.
+    // The oldest connections were ended.
     EXPECT_GE(serving.traffic().refused, 100U - SignInListenerLimits().connections);
 }
 
@@ -221,7 +221,7 @@ TEST(SignInListener, TakesARequestThatComesByteByByte) {
     EXPECT_TRUE(serving.outcome());
 }
 
-TEST(SignInListener, TakesTheAnswerWhileItIsFlooded) {
+TEST(SignInListener, TakesTheResponseWhileItIsFlooded) {
     Serving serving;
     std::jthread flood([&](const std::stop_token& stop) {
         while (!stop.stop_requested()) {
@@ -229,12 +229,12 @@ TEST(SignInListener, TakesTheAnswerWhileItIsFlooded) {
             client.isConnected() && client.send(serving.request("/flood"));
         }
     });
-    // One that the flood has driven out asks again, as a person would.
-    std::string answer;
-    for (int attempt = 0; attempt < 100 && answer != takenPage; ++attempt) {
-        answer = serving.good();
+    // A client that the flood has displaced tries again, as a user would.
+    std::string response;
+    for (int attempt = 0; attempt < 100 && response != takenPage; ++attempt) {
+        response = serving.good();
     }
-    EXPECT_EQ(answer, takenPage);
+    EXPECT_EQ(response, takenPage);
     EXPECT_TRUE(serving.outcome());
 }
 
@@ -270,11 +270,11 @@ TEST(SignInListener, OfTheImplicitFlowShowsThePageThatPostsTheFragment) {
     EXPECT_EQ(post("access_token=bad"), refusedPage);
     EXPECT_EQ(post("access_token=good&state=s"), takenPage);
     EXPECT_TRUE(serving.outcome());
-    EXPECT_EQ(serving.traffic(), (SignInTraffic{.refused = 0, .otherAnswers = 1}));
+    EXPECT_EQ(serving.traffic(), (SignInTraffic{.refused = 0, .otherResponses = 1}));
 }
 
 TEST(SignInListener, AtAFixedAddressTakesItsHostAndPath) {
-    // A port that was free a moment ago, unless another program has taken it since.
+    // A port that was free a moment ago, unless another program has taken it.
     std::uint16_t port = 0;
     std::string address;
     auto listener = SignInListener::listen("/x", false);

@@ -23,15 +23,15 @@ const std::string formType = "Content-Type: application/x-www-form-urlencoded;ch
 
 } // namespace
 
-TEST(SignInRequest, IsAnAnswerAtTheOnePath) {
-    const SignInRequest answer{SignInRequestKind::answer, {{"code", "a b"}, {"state", "s"}}};
-    EXPECT_EQ(readSignInRequest(get("/sign-in/asana?code=a+b&state=s"), rules), answer);
+TEST(SignInRequest, IsAResponseAtTheExpectedPath) {
+    const SignInRequest response{SignInRequestKind::response, {{"code", "a b"}, {"state", "s"}}};
+    EXPECT_EQ(readSignInRequest(get("/sign-in/asana?code=a+b&state=s"), rules), response);
     EXPECT_EQ(
         readSignInRequest(get("/sign-in/asana?code=a%20b&state=s", "hOST:[::1]:8217  \r\nA: b\r\n"), rules),
-        answer);
+        response);
     EXPECT_EQ(readSignInRequest(
                   "GET /sign-in/asana?code=a+b&state=s HTTP/1.0\r\nHost: 127.0.0.1:8217\r\n\r\nmore", rules),
-              answer);
+              response);
 }
 
 TEST(SignInRequest, IsIncompleteUntilItsHeadHasEnded) {
@@ -39,7 +39,7 @@ TEST(SignInRequest, IsIncompleteUntilItsHeadHasEnded) {
     for (std::size_t size = 0; size < whole.size(); ++size) {
         EXPECT_EQ(readSignInRequest(whole.substr(0, size), rules).kind, incomplete) << size;
     }
-    EXPECT_EQ(readSignInRequest(whole, rules).kind, answer);
+    EXPECT_EQ(readSignInRequest(whole, rules).kind, response);
 }
 
 TEST(SignInRequest, IsRefusedForAnythingElse) {
@@ -93,14 +93,14 @@ TEST(SignInRequest, IsRefusedForAnythingElse) {
 TEST(SignInRequest, OfMoreThanEightKibibytesOfHeadIsRefusedBeforeItsEnd) {
     const auto start = get("/sign-in/asana?code=a&state=s", "Host: 127.0.0.1:8217\r\nA: ");
     const auto head = start.substr(0, start.size() - 2);
-    const auto filled = head + std::string(longestSignInHead - head.size(), 'a');
+    const auto filled = head + std::string(maximumSignInHead - head.size(), 'a');
     EXPECT_EQ(readSignInRequest(filled, rules).kind, incomplete);
-    EXPECT_EQ(readSignInRequest(filled + "\r\n\r\n", rules).kind, answer);
+    EXPECT_EQ(readSignInRequest(filled + "\r\n\r\n", rules).kind, response);
     EXPECT_EQ(readSignInRequest(filled + "a", rules).kind, refused);
     EXPECT_EQ(readSignInRequest(filled + "a\r\n\r\n", rules).kind, refused);
 }
 
-TEST(SignInRequest, OfTheImplicitFlowGetsAPageAndPostsTheAnswer) {
+TEST(SignInRequest, OfTheImplicitFlowGetsAPageAndPostsTheResponse) {
     EXPECT_EQ(readSignInRequest(get("/sign-in/asana"), fragmentRules).kind, fragmentPage);
     EXPECT_EQ(readSignInRequest(get("/sign-in/asana?error=access_denied"), fragmentRules).kind, fragmentPage);
     const auto whole = post("access_token=a&state=s", formType + "Content-Length: 22\r\n");
@@ -108,7 +108,7 @@ TEST(SignInRequest, OfTheImplicitFlowGetsAPageAndPostsTheAnswer) {
         EXPECT_EQ(readSignInRequest(whole.substr(0, whole.size() - missing), fragmentRules).kind, incomplete);
     }
     EXPECT_EQ(readSignInRequest(whole, fragmentRules),
-              (SignInRequest{answer, {{"access_token", "a"}, {"state", "s"}}}));
+              (SignInRequest{response, {{"access_token", "a"}, {"state", "s"}}}));
 }
 
 TEST(SignInRequest, OfTheImplicitFlowIsRefusedWithABodyThatIsNoForm) {

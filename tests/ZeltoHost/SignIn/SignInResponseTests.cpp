@@ -8,15 +8,15 @@ namespace {
 
 constexpr auto mark = "the-mark";
 
-// What an answer at the service comes to: "value X", the error's text, or "ignored".
+// The interpretation of a response: "value X", the error's text, or "ignored".
 std::string outcome(ServiceType type, std::string_view form) {
     const SignInExpectation expectation(signInServiceFor(type).value(), mark);
     const auto items = parseFormItems(form);
-    const auto answer = items ? expectation.read(*items) : std::nullopt;
-    if (!answer) {
+    const auto response = items ? expectation.read(*items) : std::nullopt;
+    if (!response) {
         return "ignored";
     }
-    return *answer ? "value " + (*answer)->value : answer->error().message;
+    return *response ? "value " + (*response)->value : response->error().message;
 }
 
 constexpr auto code = ServiceType::GoogleDrive;
@@ -57,7 +57,7 @@ TEST(SignInResponse, FromAnotherIssuerIsIgnored) {
     }
 }
 
-TEST(SignInResponse, ThatSaysNoIsToldInPlainWords) {
+TEST(SignInResponse, ThatRefusesIsReportedInPlainWords) {
     const std::string form = "state=the-mark&error_description=%3Cscript%3Ealert(1)%3C/script%3E&error=";
     EXPECT_EQ(outcome(code, form + "access_denied"), "The access was denied on the page of GoogleDrive.");
     EXPECT_EQ(outcome(code, form + "invalid_scope"),

@@ -18,7 +18,7 @@ namespace zelto {
 
 namespace {
 
-constexpr auto tokenAnswer =
+constexpr auto tokenResponse =
     R"({"access_token":"canary-access","refresh_token":"canary-refresh","expires_in":3600})";
 
 std::unique_ptr<SignIn> begun(ServiceType type, SignInOptions options = {}) {
@@ -32,23 +32,23 @@ std::string itemOf(const SignIn& signIn, std::string_view name) {
     return onlyValue(parseFormItems(signIn.address().query().value()).value(), name).value_or("");
 }
 
-// A browser that comes back with an answer in the query; gives the status line.
+// A browser that returns with a response in the query; gives the status line.
 std::string comeBack(const SignIn& signIn, const std::string& query) {
     const auto& redirect = signIn.redirect();
     const auto port = redirect.port().value();
-    const auto answer =
+    const auto response =
         RawClient::exchange(port, "GET " + redirect.percentEncodedPath() + "?" + query +
                                       " HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) + "\r\n\r\n");
-    return answer.substr(0, answer.find('\r'));
+    return response.substr(0, response.find('\r'));
 }
 
-std::string goodAnswer(const SignIn& signIn) {
+std::string goodResponse(const SignIn& signIn) {
     return "code=canary-code&state=" + itemOf(signIn, "state");
 }
 
 using TokenResult = Result<SignInToken, SignInError>;
 
-// What the sign-in ends with while a browser does its part.
+// The result of the sign-in while a browser does its part.
 TokenResult outcome(SignIn& signIn, const std::function<void()>& browse, const std::stop_token& stop = {}) {
     auto ended = std::async(std::launch::async, [&] { return signIn.finish(stop); });
     browse();
@@ -68,13 +68,13 @@ TEST(SignIn, GetsTheTokenOfEveryServiceWithACode) {
             continue;
         }
         const std::string body = service->tokenObject.empty()
-                                     ? tokenAnswer
-                                     : R"({"ok":true,"authed_user":)" + std::string(tokenAnswer) + "}";
+                                     ? tokenResponse
+                                     : R"({"ok":true,"authed_user":)" + std::string(tokenResponse) + "}";
         const TestHTTPServer server({PlayedResponse::json(body)});
         const ServiceRoute route(server);
         const auto signIn = begun(each.value);
         const auto token =
-            outcome(*signIn, [&] { EXPECT_EQ(comeBack(*signIn, goodAnswer(*signIn)), "HTTP/1.1 200 OK"); });
+            outcome(*signIn, [&] { EXPECT_EQ(comeBack(*signIn, goodResponse(*signIn)), "HTTP/1.1 200 OK"); });
         ASSERT_TRUE(token) << token.error().message;
         EXPECT_EQ(*token,
                   (SignInToken{
@@ -132,17 +132,17 @@ TEST(SignIn, GetsTheTokenOfTheImplicitFlow) {
         EXPECT_EQ(comeBack(*signIn, ""), "HTTP/1.1 200 OK");
         const auto body = "access_token=canary-access&token_type=bearer&state=" + itemOf(*signIn, "state");
         const auto port = signIn->redirect().port().value();
-        const auto answer = RawClient::exchange(
+        const auto response = RawClient::exchange(
             port, "POST /sign-in/meistertask HTTP/1.1\r\nHost: 127.0.0.1:" + std::to_string(port) +
                       "\r\nContent-Type: application/x-www-form-urlencoded\r\nContent-Length: " +
                       std::to_string(body.size()) + "\r\n\r\n" + body);
-        EXPECT_TRUE(answer.starts_with("HTTP/1.1 200 OK"));
+        EXPECT_TRUE(response.starts_with("HTTP/1.1 200 OK"));
     });
     ASSERT_TRUE(token) << token.error().message;
     EXPECT_EQ(*token, SignInToken{.accessToken = "canary-access"});
 }
 
-TEST(SignIn, TellsADenialAndAsksForNoToken) {
+TEST(SignIn, ReportsADenialAndAsksForNoToken) {
     const TestHTTPServer server(std::vector<PlayedResponse>{});
     const ServiceRoute route(server);
     const auto signIn = begun(ServiceType::Asana);
@@ -155,9 +155,9 @@ TEST(SignIn, TellsADenialAndAsksForNoToken) {
               "denied: The access was denied on the page of Asana.");
 }
 
-TEST(SignIn, TellsWhatTheTokenEndpointSays) {
+TEST(SignIn, ReportsWhatTheTokenEndpointSays) {
     struct Row {
-        PlayedResponse answer;
+        PlayedResponse response;
         std::string complaint;
     };
 
@@ -167,22 +167,23 @@ TEST(SignIn, TellsWhatTheTokenEndpointSays) {
          "(invalid_grant)."},
         {PlayedResponse::json("", 500),
          "refused: Asana has trouble of its own; try again later (server_error)."},
-        {PlayedResponse::json("{}"), "badAnswer: Asana answered without a token."},
-        {PlayedResponse::json(R"({"access_token":"a\r\nb"})"), "badAnswer: Asana answered without a token."},
+        {PlayedResponse::json("{}"), "badResponse: Asana answered without a token."},
+        {PlayedResponse::json(R"({"access_token":"a\r\nb"})"),
+         "badResponse: Asana answered without a token."},
         {PlayedResponse{.status = 302, .fields = {{"Location", "https://elsewhere.example/"}}},
          "refused: Asana refused the sign-in."},
     };
     for (const auto& row : rows) {
-        const TestHTTPServer server({row.answer});
+        const TestHTTPServer server({row.response});
         const ServiceRoute route(server);
         const auto signIn = begun(ServiceType::Asana);
-        EXPECT_EQ(complaint(outcome(*signIn, [&] { comeBack(*signIn, goodAnswer(*signIn)); })),
+        EXPECT_EQ(complaint(outcome(*signIn, [&] { comeBack(*signIn, goodResponse(*signIn)); })),
                   row.complaint);
     }
     const TestHTTPServer server({PlayedResponse::reset()});
     const ServiceRoute route(server);
     const auto signIn = begun(ServiceType::Asana);
-    const auto lost = outcome(*signIn, [&] { comeBack(*signIn, goodAnswer(*signIn)); });
+    const auto lost = outcome(*signIn, [&] { comeBack(*signIn, goodResponse(*signIn)); });
     ASSERT_FALSE(lost);
     EXPECT_EQ(lost.error().code, SignInErrorCode::connectionError);
     EXPECT_TRUE(lost.error().message.starts_with("Asana could not be reached: ")) << lost.error().message;
@@ -190,21 +191,21 @@ TEST(SignIn, TellsWhatTheTokenEndpointSays) {
 
 TEST(SignIn, DoesNotBeginWithoutARequestToken) {
     struct Row {
-        PlayedResponse answer;
+        PlayedResponse response;
         SignInErrorCode code;
     };
 
     const Row rows[] = {
         {PlayedResponse{.status = 401, .body = "invalid key"}, SignInErrorCode::refused},
         {PlayedResponse{.status = 503}, SignInErrorCode::refused},
-        {PlayedResponse{.body = "hello"}, SignInErrorCode::badAnswer},
-        {PlayedResponse{.body = "oauth_token=a&oauth_token_secret=b"}, SignInErrorCode::badAnswer},
+        {PlayedResponse{.body = "hello"}, SignInErrorCode::badResponse},
+        {PlayedResponse{.body = "oauth_token=a&oauth_token_secret=b"}, SignInErrorCode::badResponse},
         {PlayedResponse{.body = "oauth_token=a&oauth_token_secret=b&"
                                 "oauth_callback_confirmed=false"},
-         SignInErrorCode::badAnswer},
+         SignInErrorCode::badResponse},
         {PlayedResponse::reset(), SignInErrorCode::connectionError}};
     for (const auto& row : rows) {
-        const TestHTTPServer server({row.answer});
+        const TestHTTPServer server({row.response});
         const ServiceRoute route(server);
         const auto signIn = SignIn::begin(signInServiceFor(ServiceType::Trello).value(), {});
         ASSERT_FALSE(signIn);
@@ -217,7 +218,7 @@ TEST(SignIn, EndsWhenItsTimeHasRunOut) {
     EXPECT_EQ(complaint(signIn->finish()), "timedOut: The browser did not come back with an answer in time.");
 }
 
-TEST(SignIn, TellsWhatCameInsteadOfTheAnswer) {
+TEST(SignIn, ReportsWhatCameInsteadOfTheResponse) {
     const auto signIn = begun(ServiceType::Asana, {.limit = std::chrono::seconds(5)});
     EXPECT_EQ(
         complaint(outcome(*signIn,
@@ -248,12 +249,12 @@ TEST(SignIn, EndsAtAStopWhileTheTokenIsFetched) {
     const ServiceRoute route(server);
     const auto signIn = begun(ServiceType::Asana);
     const auto ended = outcome(
-        *signIn, [&] { comeBack(*signIn, goodAnswer(*signIn)); }, stop.get_token());
+        *signIn, [&] { comeBack(*signIn, goodResponse(*signIn)); }, stop.get_token());
     EXPECT_FALSE(ended);
 }
 
 TEST(SignIn, TakesAPastedAddress) {
-    const TestHTTPServer server({PlayedResponse::json(tokenAnswer)});
+    const TestHTTPServer server({PlayedResponse::json(tokenResponse)});
     const ServiceRoute route(server);
     const auto signIn = begun(ServiceType::Asana);
     const auto redirect = signIn->redirect().absoluteString();
@@ -262,12 +263,13 @@ TEST(SignIn, TakesAPastedAddress) {
         EXPECT_EQ(signIn->paste("code=canary-code"), PasteOutcome::noAddress);
         EXPECT_EQ(signIn->paste("\x1b[31m\xff"), PasteOutcome::noAddress);
         EXPECT_EQ(signIn->paste(std::string(1 << 20, 'a')), PasteOutcome::noAddress);
-        EXPECT_EQ(signIn->paste("https://evil.example/?" + goodAnswer(*signIn)), PasteOutcome::otherAddress);
-        EXPECT_EQ(signIn->paste(redirect + "/more?" + goodAnswer(*signIn)), PasteOutcome::otherAddress);
-        EXPECT_EQ(signIn->paste(redirect), PasteOutcome::otherAnswer);
-        EXPECT_EQ(signIn->paste(redirect + "?code=canary-code&state=wrong"), PasteOutcome::otherAnswer);
-        EXPECT_EQ(signIn->paste("  " + redirect + "?" + goodAnswer(*signIn) + "\r\n"), PasteOutcome::taken);
-        EXPECT_EQ(signIn->paste(redirect + "?" + goodAnswer(*signIn)), PasteOutcome::otherAnswer);
+        EXPECT_EQ(signIn->paste("https://evil.example/?" + goodResponse(*signIn)),
+                  PasteOutcome::otherAddress);
+        EXPECT_EQ(signIn->paste(redirect + "/more?" + goodResponse(*signIn)), PasteOutcome::otherAddress);
+        EXPECT_EQ(signIn->paste(redirect), PasteOutcome::otherResponse);
+        EXPECT_EQ(signIn->paste(redirect + "?code=canary-code&state=wrong"), PasteOutcome::otherResponse);
+        EXPECT_EQ(signIn->paste("  " + redirect + "?" + goodResponse(*signIn) + "\r\n"), PasteOutcome::taken);
+        EXPECT_EQ(signIn->paste(redirect + "?" + goodResponse(*signIn)), PasteOutcome::otherResponse);
     });
     ASSERT_TRUE(token) << token.error().message;
     EXPECT_EQ(token->accessToken, "canary-access");
@@ -282,7 +284,7 @@ TEST(SignIn, TakesAPastedAddressWithAFragment) {
 }
 
 TEST(SignIn, AtAnAddressElsewhereTakesWhatIsPastedAlone) {
-    const TestHTTPServer server({PlayedResponse::json(tokenAnswer)});
+    const TestHTTPServer server({PlayedResponse::json(tokenResponse)});
     const ServiceRoute route(server);
     for (const auto* address : {"https://example.org/oauth-redirect/asana", "com.example.app://auth/asana"}) {
         const auto signIn = begun(ServiceType::Asana, {.redirect = URL::parse(address)});
@@ -296,27 +298,27 @@ TEST(SignIn, AtAnAddressElsewhereTakesWhatIsPastedAlone) {
     }
 }
 
-TEST(SignIn, TakesNoAnswerOfAnotherServicesSignIn) {
-    const TestHTTPServer server({PlayedResponse::json(tokenAnswer)});
+TEST(SignIn, TakesNoResponseOfAnotherServicesSignIn) {
+    const TestHTTPServer server({PlayedResponse::json(tokenResponse)});
     const ServiceRoute route(server);
     const auto asana = begun(ServiceType::Asana);
     const auto zoom = begun(ServiceType::ZoomMeeting);
     const auto token = outcome(*zoom, [&] {
-        // A server that sends the other one's answer, and one that answers in the other one's name.
-        EXPECT_EQ(comeBack(*zoom, goodAnswer(*asana)), "HTTP/1.1 400 Bad Request");
-        EXPECT_EQ(comeBack(*zoom, goodAnswer(*zoom) + "&iss=https://app.asana.com"),
+        // A server that sends the other one's response, and one that responds in the other one's name.
+        EXPECT_EQ(comeBack(*zoom, goodResponse(*asana)), "HTTP/1.1 400 Bad Request");
+        EXPECT_EQ(comeBack(*zoom, goodResponse(*zoom) + "&iss=https://app.asana.com"),
                   "HTTP/1.1 400 Bad Request");
-        EXPECT_EQ(comeBack(*zoom, goodAnswer(*zoom) + "&iss=https://zoom.us"), "HTTP/1.1 200 OK");
+        EXPECT_EQ(comeBack(*zoom, goodResponse(*zoom) + "&iss=https://zoom.us"), "HTTP/1.1 200 OK");
     });
     EXPECT_TRUE(token);
 }
 
 TEST(SignIn, LogsNothingOfItsSecrets) {
     const LogCapture log;
-    const TestHTTPServer server({PlayedResponse::json(tokenAnswer)});
+    const TestHTTPServer server({PlayedResponse::json(tokenResponse)});
     const ServiceRoute route(server);
     const auto signIn = begun(ServiceType::Asana);
-    const auto token = outcome(*signIn, [&] { comeBack(*signIn, goodAnswer(*signIn)); });
+    const auto token = outcome(*signIn, [&] { comeBack(*signIn, goodResponse(*signIn)); });
     ASSERT_TRUE(token);
     const auto verifier =
         onlyValue(parseFormItems(server.requests().at(0).body).value(), "code_verifier").value();

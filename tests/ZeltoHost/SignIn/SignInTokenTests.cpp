@@ -18,7 +18,7 @@ SignInToken tokenOf(ServiceType type, std::string_view body) {
 
 } // namespace
 
-TEST(SignInToken, IsReadFromTheTokenEndpointsAnswer) {
+TEST(SignInToken, IsReadFromTheTokenEndpointsResponse) {
     EXPECT_EQ(tokenOf(ServiceType::Asana, R"({"access_token":"a","refresh_token":"r","expires_in":3600})"),
               (SignInToken{.accessToken = "a", .refreshToken = "r", .expiresIn = 3600}));
     EXPECT_EQ(tokenOf(ServiceType::TodoIst, R"({"access_token":"a","token_type":"Bearer"})"),
@@ -41,7 +41,7 @@ TEST(SignInToken, OfSlackIsTheUsers) {
               "(invalid_code).");
 }
 
-TEST(SignInToken, ThatIsRefusedIsToldInPlainWordsWithoutTheServersOwn) {
+TEST(SignInToken, ThatIsRefusedIsReportedInPlainWordsWithoutTheServersOwn) {
     EXPECT_EQ(complaint(ServiceType::Asana, 400,
                         R"({"error":"invalid_grant","error_description":"code secret-code is bad"})"),
               "Asana does not take the code of its own page; it is spent or too old. Sign in again "
@@ -81,7 +81,7 @@ TEST(SignInToken, ReplacesAllThatTheAccountHadBefore) {
     EXPECT_EQ(credentials, expected);
 }
 
-TEST(SignInToken, OfTheImplicitFlowIsReadFromTheAnswerItself) {
+TEST(SignInToken, OfTheImplicitFlowIsReadFromTheResponseItself) {
     EXPECT_EQ(signInTokenOf(parseFormItems("access_token=a&expires_in=7200&state=s").value()),
               (SignInToken{.accessToken = "a", .expiresIn = 7200}));
     EXPECT_EQ(signInTokenOf(parseFormItems("access_token=a&expires_in=x").value()),

@@ -18,7 +18,7 @@ namespace {
 
 constexpr auto fileName = "accounts.sqlite";
 
-// A closed storage with three accounts, all of it in one file.
+// A closed storage with three accounts, in a single file.
 std::string filledFile() {
     const TemporaryFolder folder;
     {
@@ -33,8 +33,9 @@ std::string filledFile() {
     return TemporaryFolder::read(folder / fileName);
 }
 
-// Damage must be told by a refusal to open, or by an error beside the list; never by a shorter list alone.
-testing::AssertionResult isWholeOrTold(const std::string& content) {
+// Damage must be reported by a refusal to open, or by an error next to the list; never just by a shorter
+// list.
+testing::AssertionResult isWholeOrReported(const std::string& content) {
     const TemporaryFolder folder;
     folder.write(fileName, content);
     const auto storage = SQLiteAccountStorage::open(folder.path());
@@ -127,21 +128,21 @@ TEST(AccountFile, AMissingTableIsDamage) {
     }
 }
 
-TEST(AccountFile, ACutFileIsTold) {
+TEST(AccountFile, ACutFileIsReported) {
     const auto whole = filledFile();
     for (std::size_t length = 0; length < whole.size(); length += 509) {
-        EXPECT_TRUE(isWholeOrTold(whole.substr(0, length))) << length;
+        EXPECT_TRUE(isWholeOrReported(whole.substr(0, length))) << length;
     }
 }
 
 TEST(AccountFile, AChangedByteNeverLosesAccountsSilently) {
     const auto whole = filledFile();
     std::minstd_rand random(1);
-    // Every byte of the file's header, and a sample of the rest.
+    // Every byte of the file's header, and a sample of the others.
     for (std::size_t at = 0; at < whole.size(); at += at < 200 ? 1 : 1 + random() % 100) {
         auto changed = whole;
         changed[at] = static_cast<char>(changed[at] ^ static_cast<char>(1U << random() % 8U));
-        EXPECT_TRUE(isWholeOrTold(changed)) << at;
+        EXPECT_TRUE(isWholeOrReported(changed)) << at;
     }
 }
 
@@ -195,7 +196,7 @@ TEST(AccountFile, WhatAKilledMakerLeftIsRemovedWhenItIsOld) {
     EXPECT_EQ(filesIn(folder.path()), (std::vector<std::string>{".zelto-new-young", fileName}));
 }
 
-TEST(AccountFile, AnotherProcessThatHoldsItTooLongIsTold) {
+TEST(AccountFile, AnotherProcessThatHoldsItTooLongIsReported) {
     const TemporaryFolder folder;
     const auto storage = opened(folder);
     storage->save(account(ServiceType::Bear, "a"));

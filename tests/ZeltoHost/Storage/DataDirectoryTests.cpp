@@ -118,7 +118,7 @@ TEST(DataDirectory, OneWithOtherFilesThatOthersMayEnterIsRefusedAndLeftAsItIs) {
 
 TEST(DataDirectory, OneOfAnotherUserIsRefused) {
     const TemporaryFolder folder;
-    std::filesystem::path foreign = "/"; // belongs to root
+    std::filesystem::path foreign = "/"; // owned by root
     if (::geteuid() == 0) {
         foreign = folderWithMode(folder, "data", 0777);
         ASSERT_EQ(::chown(foreign.c_str(), 65534, 65534), 0);

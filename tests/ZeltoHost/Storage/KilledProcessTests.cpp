@@ -20,12 +20,12 @@
 #include <unistd.h>
 #include <utime.h>
 
-// No storage may be open here when a process is forked: SQLite does not survive a fork.
+// No storage may be open when a process is forked: SQLite does not survive a fork.
 namespace zelto {
 
 namespace {
 
-// Carries what processes have done, in messages small enough to stay whole.
+// Reports what processes have done, in messages small enough to be atomic.
 struct Done {
     int process = 0;
     int count = 0;
@@ -42,14 +42,14 @@ class DonePipe {
         writing_ = FileDescriptor(ends[1]);
     }
 
-    void tell(Done done) const {
+    void report(Done done) const {
         while (::write(writing_.number(), &done, sizeof done) != sizeof done) {
             pollfd room{writing_.number(), POLLOUT, 0};
             ::poll(&room, 1, -1);
         }
     }
 
-    // Waits for the next one, but not for ever.
+    // Waits for the next message, with a deadline.
     Done wait() const {
         pollfd there{reading_.number(), POLLIN, 0};
         if (::poll(&there, 1, 120'000) != 1) {
@@ -92,7 +92,7 @@ std::string nameOf(int process, int count) {
     return std::to_string(process) + "." + std::to_string(count);
 }
 
-// Saves one account of its own after the other and tells of each; 0 if all worked.
+// Saves one account of its own after the other and reports each; 0 if all succeeded.
 int writeAccounts(const std::filesystem::path& folder, int process, int count, const DonePipe* pipe) {
     const auto storage = SQLiteAccountStorage::open(folder);
     if (!storage) {
@@ -105,7 +105,7 @@ int writeAccounts(const std::filesystem::path& folder, int process, int count, c
             return 2;
         }
         if (pipe != nullptr) {
-            pipe->tell({process, each});
+            pipe->report({process, each});
         }
     }
     return 0;
@@ -130,7 +130,7 @@ void expectSound(const std::filesystem::path& folder) {
 TEST(KilledProcess, EightProcessesThatWriteAtOnceLoseNothing) {
     constexpr int processes = 8;
     constexpr int accounts = 200;
-    const TemporaryFolder folder; // not even the file is there yet
+    const TemporaryFolder folder; // without even the file
     std::vector<pid_t> writers;
     for (int process = 0; process < processes; ++process) {
         writers.push_back(
@@ -166,7 +166,7 @@ TEST(KilledProcess, TwoHundredKillsLoseNothingThatWasStored) {
             const auto done = pipe.wait();
             stored.insert(nameOf(done.process, done.count));
         }
-        // Not always just behind a write.
+        // Not always directly after a write.
         const auto moment = std::chrono::steady_clock::now() + std::chrono::microseconds(random() % 2000);
         while (std::chrono::steady_clock::now() < moment) {
         }
@@ -188,7 +188,7 @@ TEST(KilledProcess, TwoHundredKillsLoseNothingThatWasStored) {
         EXPECT_TRUE(found.contains(name)) << name;
     }
     EXPECT_LE(found.size(), stored.size() + static_cast<std::size_t>(started))
-        << "at most one each is untold";
+        << "at most one each is not reported";
 }
 
 namespace {
@@ -205,7 +205,7 @@ const std::array<State, 6> states{
     State{"Bear+b"},
 };
 
-// Goes through the steps, telling of each; the first one is to open.
+// Performs and reports the steps; the first one opens the storage.
 int takeSteps(const std::filesystem::path& folder, const DonePipe& pipe) {
     const auto opening = SQLiteAccountStorage::open(folder);
     if (!opening) {
@@ -213,17 +213,18 @@ int takeSteps(const std::filesystem::path& folder, const DonePipe& pipe) {
     }
     auto& storage = **opening;
     int step = 0;
-    const auto told = [&](const Result<void, StorageError>& result) {
-        pipe.tell({0, ++step});
+    const auto reported = [&](const Result<void, StorageError>& result) {
+        pipe.report({0, ++step});
         return result.has_value();
     };
     const auto bear = account(ServiceType::Bear, "a");
     auto changed = bear;
     changed.displayName = "changed";
-    const bool allWorked =
-        told(storage.trySave(bear)) && told(storage.trySave(account(ServiceType::Bear, "b"))) &&
-        told(storage.trySave(changed)) &&
-        told(storage.trySetLastUsedConfiguration(ServiceType::Bear, bear)) && told(storage.tryRemove(bear));
+    const bool allWorked = reported(storage.trySave(bear)) &&
+                           reported(storage.trySave(account(ServiceType::Bear, "b"))) &&
+                           reported(storage.trySave(changed)) &&
+                           reported(storage.trySetLastUsedConfiguration(ServiceType::Bear, bear)) &&
+                           reported(storage.tryRemove(bear));
     return allWorked ? 0 : 1;
 }
 
@@ -240,7 +241,7 @@ pid_t tracedSteps(const std::filesystem::path& folder, const DonePipe& pipe) {
     return pid;
 }
 
-// Calls that leave the disk as it is: a kill there is the same as one at the next call.
+// Calls that do not change the disk: a kill there is the same as one at the next call.
 bool onlyLooks(std::uint64_t call) {
     constexpr std::array calls{SYS_read,    SYS_pread64,        SYS_fcntl,  SYS_fstat,    SYS_newfstatat,
                                SYS_lseek,   SYS_mmap,           SYS_munmap, SYS_brk,      SYS_getpid,
@@ -250,7 +251,7 @@ bool onlyLooks(std::uint64_t call) {
     return std::ranges::find(calls, static_cast<long>(call)) != calls.end();
 }
 
-// Kills it at its n-th system call of the others; whether there was one, else it has ended by itself.
+// Kills the process at its n-th system call of the other kinds; false if it ended by itself before.
 bool killedAtCall(pid_t pid, int calls) {
     for (int seen = 0;;) {
         ::ptrace(PTRACE_SYSCALL, pid, nullptr, nullptr);
@@ -307,10 +308,10 @@ TEST(KilledProcess, AtWhicheverSystemCallTheStateIsTheOneBeforeOrBehindTheStep) 
     EXPECT_GT(calls, 50) << "fewer system calls than a storage can do with: was it traced?";
 }
 
-TEST(KilledProcess, AFullDiskIsToldAndLosesNothing) {
+TEST(KilledProcess, AFullDiskIsReportedAndLosesNothing) {
     const TemporaryFolder folder;
     ASSERT_EQ(statusOf(forked([&] { return writeAccounts(folder.path(), 0, 10, nullptr); })), 0);
-    // A file may not grow any more, which is what a quota does.
+    // Files may not grow any more, as with a quota.
     const auto writer = forked([&] {
         std::signal(SIGXFSZ, SIG_IGN);
         const auto storage = SQLiteAccountStorage::open(folder.path());

@@ -27,7 +27,7 @@ ServiceAccountConfiguration fullAccount() {
     return made;
 }
 
-// What a record is behind its JSON: the secrets stay in the key chain.
+// A record as it is in JSON: the secrets stay in the key chain.
 ServiceAccountConfiguration withoutSecrets(ServiceAccountConfiguration account) {
     account.credentials->accessToken.reset();
     account.credentials->password.reset();
@@ -59,7 +59,7 @@ TEST(SQLiteAccountStorage, NoSecretReachesTheFile) {
     EXPECT_GE(files, 2);
 }
 
-TEST(SQLiteAccountStorage, AnUnknownIdentifierGivesNothing) {
+TEST(SQLiteAccountStorage, AnUnknownIdentifierGivesNullopt) {
     const TemporaryFolder folder;
     const auto storage = opened(folder);
     storage->save(account(ServiceType::Bear, "a"));
@@ -148,7 +148,7 @@ TEST(SQLiteAccountStorage, EveryServiceTypeIsKept) {
     }
 }
 
-// Its identifier is another one at each call.
+// Its identifier is different at each call.
 TEST(SQLiteAccountStorage, ACalendarAccountIsReplacedAndRemovedByItsUserName) {
     const TemporaryFolder folder;
     const auto storage = opened(folder);
@@ -218,7 +218,7 @@ TEST(SQLiteAccountStorage, WhatOneHasStoredAnotherSees) {
     EXPECT_EQ(identifiers(*one), std::vector<std::string>{});
 }
 
-TEST(SQLiteAccountStorage, ARecordThatCannotBeReadStaysAndIsTold) {
+TEST(SQLiteAccountStorage, ARecordThatCannotBeReadStaysAndIsReported) {
     const TemporaryFolder folder;
     const auto storage = opened(folder);
     storage->save(account(ServiceType::Bear, "a"));
@@ -251,7 +251,7 @@ TEST(SQLiteAccountStorage, AnAccountThatHasNoJSONIsAnErrorAndIsLogged) {
     EXPECT_TRUE(storage->lastError()) << "a later success does not hide it";
 }
 
-TEST(SQLiteAccountStorage, AFileThatIsGoneIsToldAndNotWritten) {
+TEST(SQLiteAccountStorage, ARemovedFileIsReportedAndNotWritten) {
     const TemporaryFolder folder;
     const auto storage = opened(folder);
     for (const auto* suffix : {"", "-wal", "-shm"}) {
