@@ -1,15 +1,40 @@
 #pragma once
 
+#include <Platform/Data.h>
+#include <Platform/HTTP/URLError.h>
+#include <Platform/HTTP/URLResponse.h>
+
+#include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 namespace zelto {
 
-// What is known of a failed request beside its error.
+// What is known of a request that got no response of success, beside its ServiceClientError.
 struct ServiceRefusal {
-    std::string words;           // the service's own, cleaned and cut; empty where it says nothing
-    bool nothingWasSent = false; // the service could not be reached at all
+    // What the service said about it, for people; empty if it said nothing that can be shown. At most
+    // `maximumLength` characters in one line, without secrets.
+    std::string words;
+    // The request never left this machine. If false, it is not known whether the service has acted on it.
+    bool nothingWasSent = false;
+
+    static constexpr std::size_t maximumLength = 300;
 
     bool operator==(const ServiceRefusal&) const = default;
 };
+
+// How a service's own text is shown to people: control characters and runs of white space are one blank each,
+// secrets are masked, and what is longer than `maximumLength` characters is cut.
+std::string cleanedWords(std::string_view text);
+
+// The words in the body of a refusal, cleaned: the messages that its JSON has where services put them, else a
+// plain text that is not HTML.
+std::string wordsOfErrorBody(std::string_view body);
+
+// What the end of a data task says; nothing for a response with a status of success.
+std::optional<ServiceRefusal> serviceRefusal(const std::optional<Data>& data,
+                                             const std::shared_ptr<const URLResponse>& response,
+                                             const std::optional<URLError>& error);
 
 } // namespace zelto
