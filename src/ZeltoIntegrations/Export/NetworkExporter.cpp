@@ -23,8 +23,24 @@ Completion<void, ServiceClientError> NetworkExporter::reported(StepRun& run, Mak
         [](const auto&) { return std::optional<std::string>(); });
 }
 
-void NetworkExporter::logFailure(const Making& making, ServiceClientError error) {
+void NetworkExporter::reportRefusal(StepRun& run, const Making& making, std::string_view words) {
+    refuse(run, run.report().begin(making.kind, making.name), making, words);
+}
+
+void NetworkExporter::refuse(StepRun& run, std::size_t place, const Making& making,
+                             ServiceClientError error) {
+    run.report().refused(place, error);
     lvxLogWarn(std::string(making.warning) + std::string(nameOf(error)), making.function);
+}
+
+void NetworkExporter::refuse(StepRun& run, std::size_t place, const Making& making, std::string_view words) {
+    const auto error = ServiceClientError::apiCallError;
+    auto cleaned = cleanedWords(words);
+    lvxLogWarn(std::string(making.warning) + std::string(nameOf(error)) +
+                   (cleaned.empty() ? "" : ": " + cleaned),
+               making.function);
+    run.report().note({.words = std::move(cleaned)});
+    run.report().refused(place, error);
 }
 
 } // namespace zelto

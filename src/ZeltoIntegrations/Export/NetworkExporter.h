@@ -6,6 +6,7 @@
 
 #include <Platform/JSON/JSONDecoder.h>
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -42,11 +43,18 @@ class NetworkExporter : public StepExporter {
                 .function = function};
     }
 
+    // For a service that never refuses by a response of success.
+    struct NeverRefused {
+        template <class T> std::optional<std::string> operator()(const T&) const { return std::nullopt; }
+    };
+
     // The completion of such a request: reports how it ended and logs its failure. The step's result and the
-    // identifier for the report are made of the value.
-    template <class T, class R, class ResultOf, class IdentifierOf>
+    // identifier for the report are made of the value. Some services refuse by a response of success:
+    // `refusalOf` gives the words of such a value, and the request counts as failed with `apiCallError`.
+    template <class T, class R, class ResultOf, class IdentifierOf, class RefusalOf = NeverRefused>
     static Completion<T, ServiceClientError> reported(StepRun& run, Making making, StepCompletion<R> done,
-                                                      ResultOf resultOf, IdentifierOf identifierOf);
+                                                      ResultOf resultOf, IdentifierOf identifierOf,
+                                                      RefusalOf refusalOf = {});
 
     // The same for a request whose value holds the identifier, is it, or has none.
     template <class T>
@@ -62,6 +70,10 @@ class NetworkExporter : public StepExporter {
                                                                 StepCompletion<std::string> done);
     static Completion<void, ServiceClientError> reported(StepRun& run, Making making,
                                                          StepCompletion<void> done);
+
+    // Reports and logs a part of what a request makes that the service refused in these words, while the
+    // other parts were made.
+    static void reportRefusal(StepRun& run, const Making& making, std::string_view words);
 
     // The run's client with the account's credentials; null for an account without credentials, and for a run
     // that was cancelled.
@@ -79,19 +91,23 @@ class NetworkExporter : public StepExporter {
     }
 
   private:
-    static void logFailure(const Making& making, ServiceClientError error);
+    static void refuse(StepRun& run, std::size_t place, const Making& making, ServiceClientError error);
+    static void refuse(StepRun& run, std::size_t place, const Making& making, std::string_view words);
 };
 
-template <class T, class R, class ResultOf, class IdentifierOf>
+template <class T, class R, class ResultOf, class IdentifierOf, class RefusalOf>
 Completion<T, ServiceClientError> NetworkExporter::reported(StepRun& run, Making making,
                                                             StepCompletion<R> done, ResultOf resultOf,
-                                                            IdentifierOf identifierOf) {
+                                                            IdentifierOf identifierOf, RefusalOf refusalOf) {
     const auto place = run.report().begin(making.kind, making.name);
-    return [&run, place, making = std::move(making), done = std::move(done), resultOf,
-            identifierOf](Result<T, ServiceClientError> value) mutable {
+    return [&run, place, making = std::move(making), done = std::move(done), resultOf, identifierOf,
+            refusalOf](Result<T, ServiceClientError> value) mutable {
         if (!value) {
-            run.report().refused(place, value.error());
-            logFailure(making, value.error());
+            refuse(run, place, making, value.error());
+            return done(failure(making.error));
+        }
+        if (const std::optional<std::string> words = refusalOf(value)) {
+            refuse(run, place, making, *words);
             return done(failure(making.error));
         }
         run.report().made(place, identifierOf(value));
