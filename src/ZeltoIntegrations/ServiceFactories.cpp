@@ -6,6 +6,7 @@
 #include <ZeltoIntegrations/IntegrationsManager.h>
 #include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
 #include <ZeltoIntegrations/Things/ThingsExporter.h>
+#include <ZeltoIntegrations/Todoist/TodoistExporter.h>
 #include <ZeltoIntegrations/Trello/TrelloExporter.h>
 #include <ZeltoIntegrations/TwoDo/TwoDoExporter.h>
 
@@ -43,7 +44,7 @@ constexpr ExporterRow exporters[] = {
     {ServiceType::OmniFocus, make<OmniFocusExporter>},
     {ServiceType::Type2Do, make<TwoDoExporter>},
     {ServiceType::Things, make<ThingsExporter>},
-    {ServiceType::TodoIst, nullptr},
+    {ServiceType::TodoIst, make<TodoistExporter>},
     {ServiceType::Asana, make<AsanaExporter>},
     {ServiceType::OneNote, nullptr},
     {ServiceType::Evernote, nullptr},

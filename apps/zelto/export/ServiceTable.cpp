@@ -4,6 +4,7 @@
 #include "export/AdaptedSession.h"
 #include "export/services/ApplicationAdapters.h"
 #include "export/services/AsanaAdapter.h"
+#include "export/services/TodoistAdapter.h"
 #include "export/services/TrelloAdapter.h"
 
 #include <algorithm>
@@ -34,8 +35,8 @@ std::unique_ptr<ExportSession> open(IntegrationsManager& manager, const ServiceA
 constexpr ServiceRow rows[] = {
     {ServiceType::Agenda, open<AgendaAdapter>}, {ServiceType::Asana, open<AsanaAdapter>},
     {ServiceType::Bear, open<BearAdapter>},     {ServiceType::OmniFocus, open<OmniFocusAdapter>},
-    {ServiceType::Things, open<ThingsAdapter>}, {ServiceType::Trello, open<TrelloAdapter>},
-    {ServiceType::Type2Do, open<TwoDoAdapter>},
+    {ServiceType::Things, open<ThingsAdapter>}, {ServiceType::TodoIst, open<TodoistAdapter>},
+    {ServiceType::Trello, open<TrelloAdapter>}, {ServiceType::Type2Do, open<TwoDoAdapter>},
 };
 
 } // namespace

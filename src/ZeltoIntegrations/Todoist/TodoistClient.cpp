@@ -1,0 +1,65 @@
+#include <ZeltoIntegrations/Todoist/TodoistClient.h>
+
+#include <ZeltoIntegrations/Client/MappedRequest.h>
+
+#include <Platform/JSON/JSONRecordDescription.h>
+
+#include <utility>
+
+namespace zelto {
+
+// Everything of these kinds.
+struct TodoistReading {
+    std::string sync_token = "*";
+    std::vector<std::string> resource_types = {"projects", "user"};
+};
+
+// Commands, and which kinds of what they make come back.
+struct TodoistWriting {
+    std::vector<std::string> resource_types = {"notes"};
+    std::vector<TodoistCommand> commands;
+};
+
+ZELTO_JSON_CODED(TodoistReading);
+ZELTO_JSON_CODED(TodoistWriting);
+ZELTO_JSON_RECORD(TodoistReading, sync_token, resource_types);
+ZELTO_JSON_RECORD(TodoistWriting, resource_types, commands);
+
+namespace {
+
+constexpr auto syncPath = "/sync";
+constexpr auto uploadsPath = "/uploads";
+
+template <class T> ServiceRequest syncRequest(const T& body) {
+    return ServiceRequest("POST", TodoistClient::apiBaseURL, syncPath)
+        .header("Content-Type", "application/json")
+        .json(body);
+}
+
+ServiceResult<JSONValue> objectOf(JSONValue response) {
+    if (!response.asObject()) {
+        return failure(ServiceClientError::dataParseError);
+    }
+    return response;
+}
+
+} // namespace
+
+void TodoistClient::getAllData(Completion<TodoistFetchResponse, ServiceClientError> completion) {
+    performRequest<TodoistFetchResponse>(*this, syncRequest(TodoistReading()), std::move(completion));
+}
+
+void TodoistClient::addTask(const std::vector<TodoistCommand>& commands,
+                            Completion<TodoistUploadResponse, ServiceClientError> completion) {
+    performRequest<TodoistUploadResponse>(*this, syncRequest(TodoistWriting{.commands = commands}),
+                                          std::move(completion));
+}
+
+void TodoistClient::uploadAttachment(const std::string& fileName, const std::filesystem::path& path,
+                                     Completion<JSONValue, ServiceClientError> completion) {
+    performMapped<JSONValue>(
+        *this, ServiceRequest("POST", apiBaseURL, uploadsPath).upload(path, {{"file_name", fileName}}),
+        objectOf, std::move(completion));
+}
+
+} // namespace zelto

@@ -1,0 +1,86 @@
+#pragma once
+
+#include <ZeltoIntegrations/Content/AttachmentsValidation.h>
+#include <ZeltoIntegrations/Export/CachedValue.h>
+#include <ZeltoIntegrations/Export/NetworkExporter.h>
+#include <ZeltoIntegrations/Export/WebLinkCache.h>
+#include <ZeltoIntegrations/Todoist/TodoistExportConfiguration.h>
+#include <ZeltoIntegrations/Todoist/TodoistRecords.h>
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+class TodoistClient;
+struct TodoistCommand;
+struct TodoistFile;
+struct TodoistUploadResponse;
+
+// Makes a task in a project, with the message's text or link as a comment and a comment for each attachment.
+// Files are uploaded first, since the one request that makes the task refers to them. The first failure ends
+// the export, and what was uploaded by then stays on the service.
+class TodoistExporter final : public NetworkExporter {
+  public:
+    using NetworkExporter::NetworkExporter;
+
+    using Configuration = TodoistExportConfiguration;
+    using FullData = TodoistFullData;
+
+    // What was loaded last, and where the last task went; kept in the account.
+    CachedValue<TodoistSaveToInfo> lastExportInfo{*this, "lastExportInfo"};
+    WebLinkCache webLinks{*this};
+    CachedValue<TodoistUser> myUser{*this, "myUser"};
+    CachedValue<std::vector<TodoistProject>> myProjects{*this, "myProjects"};
+
+    // A stored target is offered as it stands, whether or not its project is still there.
+    void loadConfiguration(Completion<TodoistExportConfiguration, IntegrationLoadError> completion);
+
+    // The size of a file is limited by the account's plan; without a known user by that of a free account.
+    ServiceExporterAttachmentsValidator createAttachmentsValidator() const;
+
+    IntegrationExportContentTypes contentTypes(IntegrationExportTarget target) const;
+
+    // No value for a type that is not supported, and where the host has no text.
+    void loadPreview(IntegrationExportContentType type,
+                     Callback<std::optional<IntegrationExportPreview>> completion);
+
+    // The user and the projects: those that were loaded last, or with `force` from the service. No value
+    // where they were never loaded.
+    void loadData(bool force, Completion<std::optional<TodoistFullData>, IntegrationLoadError> completion);
+
+    // Fails with `unsupportedFormat` before it returns; with `createBodyError` without a text, `oauthError`
+    // without credentials, `uploadAttachmentError` when a file is missing on one side or the other,
+    // `createTaskError` when the service does not take the task as a whole, and `canceled`.
+    std::shared_ptr<ExportProgress> export_(TodoistExportConfiguration configuration,
+                                            Completion<void, IntegrationExportError> completion);
+
+    // Loads from the service.
+    void fetchServiceData(Completion<void, IntegrationLoadError> withCompletion) override;
+    std::optional<std::string> loadUserEmail() override;
+
+  private:
+    using Commands = std::shared_ptr<const std::vector<TodoistCommand>>;
+    using Files = std::vector<Step<TodoistFile>>;
+
+    TodoistExportConfiguration offered(IntegrationAttachments attachments) const;
+    std::optional<TodoistSaveToInfo> createDefaultSaveToInfo() const;
+
+    void fetchData(StepRun& run, LoadCompletion<std::optional<TodoistFullData>> done);
+    std::optional<TodoistFullData> loadedData() const;
+
+    void uploadAttachment(StepRun& run, std::int64_t attachmentPk, StepCompletion<TodoistFile> done);
+    void upload(StepRun& run, const File& file, StepCompletion<TodoistFile> done);
+    void addTask(StepRun& run, const TodoistExportConfiguration& configuration, const Step<std::string>& text,
+                 const Files& files, StepCompletion<void> done);
+    Commands commandsOf(const TodoistExportConfiguration& configuration, const Step<std::string>& text,
+                        const Files& files) const;
+    static ExporterResult<void> commentsResult(StepRun& run, const TodoistUploadResponse& response,
+                                               const std::vector<TodoistCommand>& commands);
+    std::shared_ptr<TodoistClient> createTodoistClient(StepRun& run);
+};
+
+} // namespace zelto
