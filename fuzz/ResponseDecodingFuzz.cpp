@@ -1,6 +1,7 @@
 // A foreign response becomes a value or one typed error, by its status and its body; nothing else happens.
 
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
+#include <ZeltoIntegrations/Todoist/TodoistResponses.h>
 
 #include <Platform/JSON/JSONRecordDescription.h>
 #include <Platform/UTF8.h>
@@ -68,6 +69,8 @@ void checkValues(const ServiceResponse& response) {
         checkRecord<Empty>(response, {strategy});
         checkRecord<std::vector<FuzzBoard>>(response, {strategy});
         checkRecord<FuzzBoard>(response, {strategy});
+        checkRecord<TodoistFetchResponse>(response, {strategy});
+        checkRecord<TodoistUploadResponse>(response, {strategy});
     }
 }
 
