@@ -76,9 +76,10 @@ void AsanaClient::createTask(const std::optional<std::string>& withTitle,
 
 void AsanaClient::uploadFile(const std::filesystem::path& fromPath, const std::string& forTaskId,
                              ServiceCompletion<void> completion) {
-    performDiscarding<Empty>(
-        *this, createUrlRequest("tasks/" + pathSegment(forTaskId) + "/attachments", "POST").upload(fromPath),
-        std::move(completion));
+    performDiscarding<Empty>(*this,
+                             createUrlRequest("tasks/" + pathSegment(forTaskId) + "/attachments", "POST")
+                                 .upload(fromPath, {}, "file", "uploadFile(fromPath:forTaskId:completion:)"),
+                             std::move(completion));
 }
 
 void AsanaClient::getAllData(ServiceCompletion<AsanaFullData> completion) {

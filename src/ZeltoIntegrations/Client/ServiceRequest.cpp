@@ -6,8 +6,8 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <system_error>
 #include <utility>
+#include <vector>
 
 namespace zelto {
 
@@ -53,12 +53,16 @@ ServiceRequest&& ServiceRequest::upload(std::filesystem::path file, Parameters p
                                         std::string fieldName, std::string_view function) && {
     addBody_ = [file = std::move(file), parameters = std::move(parameters), fieldName = std::move(fieldName),
                 function](URLRequest& request) {
-        std::error_code error;
-        if (!std::filesystem::is_regular_file(file, error)) {
+        HTTPBody content;
+        if (!content.appendFile(file)) {
             Logger::shared().error("Failed to uploadFile - no file on path", function);
             return false;
         }
-        ExportServiceHelper::makeFilesUploadRequest(parameters, {file}, request, fieldName);
+        const ExporterHelperMultipartData part{.name = fieldName,
+                                               .dataId = file.filename().native(),
+                                               .contentType = ExportServiceHelper::mimeType(file),
+                                               .data = std::move(content)};
+        ExportServiceHelper::makeFilesUploadRequest(parameters, std::vector{part}, request);
         return true;
     };
     return std::move(*this);
@@ -75,6 +79,10 @@ RequestMaker ServiceRequest::maker() && {
 }
 
 std::string pathSegment(std::string_view text) {
+    // These two would name another folder.
+    if (text == "." || text == "..") {
+        return text.size() == 1 ? "%2E" : "%2E%2E";
+    }
     return percentEncodeBytes(text, AllowedCharacters::pathSegment);
 }
 

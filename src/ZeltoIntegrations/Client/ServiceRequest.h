@@ -40,18 +40,18 @@ class ServiceRequest {
     // A form-encoded body with its "Content-Type".
     ServiceRequest&& form(const Parameters& parameters) &&;
 
-    // A multipart form with the file, which is opened when the request is sent. A file that is not there then
-    // is logged under the function's name, and nothing is sent.
+    // A multipart form with the file, which is opened when the request is made by `maker`. A file that is not
+    // there then, or cannot be read, is logged under the function's name, and there is no request.
     ServiceRequest&& upload(std::filesystem::path file, Parameters parameters = {},
                             std::string fieldName = "file",
                             std::string_view function = "uploadFile(fromPath:completion:)") &&;
 
-    // What a client sends; called for each try.
+    // What a client sends. Each call makes it anew, from the file as it is then.
     RequestMaker maker() &&;
 
   private:
     URLRequest request_;
-    std::function<bool(URLRequest&)> addBody_; // when the request is sent
+    std::function<bool(URLRequest&)> addBody_; // when the request is made
 };
 
 // An identifier or a name as one segment of a path.
