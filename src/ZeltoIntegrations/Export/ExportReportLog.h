@@ -18,7 +18,7 @@ class ExportReportLog {
     void made(std::size_t place, std::optional<std::string> identifier);
     void refused(std::size_t place, ServiceClientError reason);
 
-    // What the service says of a refusal in its own words; for the request that begins or ends next.
+    // What the service says of a refusal in its own words; for the request under way that is refused next.
     void note(ServiceRefusal refusal);
 
     // The run has ended: for a request without an end it is not known whether it has worked.

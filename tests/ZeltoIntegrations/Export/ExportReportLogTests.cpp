@@ -1,0 +1,99 @@
+#include <ZeltoIntegrations/Export/ExportReportLog.h>
+
+#include <gtest/gtest.h>
+
+#include <thread>
+
+namespace zelto {
+
+namespace {
+
+using Made = ExportReport::Made;
+using Refused = ExportReport::Refused;
+using Error = ServiceClientError;
+
+} // namespace
+
+TEST(ExportReportLog, ARequestUnderWayIsNotTold) {
+    ExportReportLog log;
+    EXPECT_EQ(log.report(), ExportReport());
+    log.begin("card", "a");
+    EXPECT_EQ(log.report(), ExportReport());
+}
+
+TEST(ExportReportLog, TellsWhatWasMadeAndRefusedInTheOrderOfTheRequests) {
+    ExportReportLog log;
+    const auto first = log.begin("card", "a");
+    const auto second = log.begin("file", "b");
+    const auto third = log.begin("file", "c");
+    const auto fourth = log.begin("file", "d");
+    log.refused(fourth, Error::forbidden);
+    log.made(third, std::nullopt);
+    log.refused(second, Error::itemNotFound);
+    log.made(first, "1");
+    EXPECT_EQ(log.report(), (ExportReport{{Made{"card", "a", "1"}, Made{"file", "c", std::nullopt}},
+                                          {Refused{"file", "b", Error::itemNotFound},
+                                           Refused{"file", "d", Error::forbidden}}}));
+}
+
+TEST(ExportReportLog, ARequestWithoutAnEndIsRefusedOnceTheRunHasEnded) {
+    ExportReportLog log;
+    log.made(log.begin("card", "a"), "1");
+    log.refused(log.begin("file", "b"), Error::forbidden);
+    log.begin("file", "c");
+    log.close();
+    EXPECT_EQ(log.report(), (ExportReport{{Made{"card", "a", "1"}},
+                                          {Refused{"file", "b", Error::forbidden},
+                                           Refused{"file", "c", Error::connectionError}}}));
+}
+
+TEST(ExportReportLog, AnEndThatComesAfterTheRunIsTaken) {
+    ExportReportLog log;
+    const auto place = log.begin("card", "a");
+    log.close();
+    log.made(place, "1");
+    EXPECT_EQ(log.report(), (ExportReport{{Made{"card", "a", "1"}}, {}}));
+}
+
+TEST(ExportReportLog, WordsOfTheServiceGoToTheRefusalBehindThem) {
+    ExportReportLog log;
+    const auto first = log.begin("card", "a");
+    log.note({.words = "no such list", .nothingWasSent = false});
+    log.refused(first, Error::apiCallError);
+    const auto second = log.begin("file", "b");
+    log.note({.words = "", .nothingWasSent = true});
+    log.refused(second, Error::connectionError);
+    log.refused(log.begin("file", "c"), Error::forbidden);
+    EXPECT_EQ(log.report(), (ExportReport{{},
+                                          {Refused{"card", "a", Error::apiCallError, "no such list", false},
+                                           Refused{"file", "b", Error::connectionError, "", true},
+                                           Refused{"file", "c", Error::forbidden}}}));
+}
+
+TEST(ExportReportLog, WordsFromBeforeARequestAreNotItsOwn) {
+    ExportReportLog log;
+    log.note({.words = "of another", .nothingWasSent = true});
+    log.refused(log.begin("card", "a"), Error::forbidden);
+    EXPECT_EQ(log.report().refused, (std::vector{Refused{"card", "a", Error::forbidden}}));
+}
+
+TEST(ExportReportLog, TakesRequestsOfManyThreads) {
+    ExportReportLog log;
+    {
+        std::vector<std::jthread> threads;
+        for (int i = 0; i < 8; ++i) {
+            threads.emplace_back([&log] {
+                for (int round = 0; round < 100; ++round) {
+                    log.made(log.begin("file", "a"), "1");
+                    log.refused(log.begin("file", "b"), Error::forbidden);
+                    log.report();
+                }
+            });
+        }
+    }
+    const auto report = log.report();
+    EXPECT_EQ(report.made, std::vector(800, Made{"file", "a", "1"}));
+    EXPECT_EQ(report.refused, std::vector(800, Refused{"file", "b", Error::forbidden}));
+}
+
+} // namespace zelto
