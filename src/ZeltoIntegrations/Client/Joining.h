@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Platform/Completion.h>
+#include <ZeltoIntegrations/Client/Trampoline.h>
 
 #include <cstddef>
 #include <functional>
@@ -14,7 +15,7 @@
 namespace zelto {
 
 // Works on the items of a list one after the other, and completes with the list as it is then, or with the
-// first failure, behind which nothing more is done.
+// first failure, behind which nothing more is done. Work may end before the call returns that began it.
 template <class Item, class E> class InOrder : public std::enable_shared_from_this<InOrder<Item, E>> {
   public:
     // It keeps alive what it calls; the item lives until its completion was called.
@@ -32,7 +33,12 @@ template <class Item, class E> class InOrder : public std::enable_shared_from_th
         if (index_ == items_.size()) {
             return completion_(std::move(items_));
         }
-        work_(items_[index_++], [self = this->shared_from_this()](Result<void, E> result) {
+        const auto self = this->shared_from_this();
+        rounds_.run([&] { workOn(items_[index_++], self); });
+    }
+
+    void workOn(Item& item, const std::shared_ptr<InOrder>& self) {
+        work_(item, [self](Result<void, E> result) {
             if (!result) {
                 return self->completion_(failure(result.error()));
             }
@@ -44,6 +50,7 @@ template <class Item, class E> class InOrder : public std::enable_shared_from_th
     const Work work_;
     Completion<std::vector<Item>, E> completion_;
     std::size_t index_ = 0;
+    Trampoline rounds_;
 };
 
 // Collects the results of several requests that run side by side. Completes when each has ended: with all

@@ -2,6 +2,7 @@
 
 #include <Platform/Completion.h>
 #include <ZeltoIntegrations/Client/ServiceClientError.h>
+#include <ZeltoIntegrations/Client/Trampoline.h>
 
 #include <functional>
 #include <iterator>
@@ -22,7 +23,8 @@ template <class Item> struct Page {
 };
 
 // Asks for page after page and completes with all items in their order, or with the first failure. A list
-// whose `next` repeats has no end; it completes with `dataParseError`.
+// whose `next` repeats has no end; it completes with `dataParseError`. Pages may come before the call returns
+// that asks for them, in any number.
 template <class Item> class PageLoader : public std::enable_shared_from_this<PageLoader<Item>> {
   public:
     using PageCompletion = Completion<Page<Item>, ServiceClientError>;
@@ -32,17 +34,21 @@ template <class Item> class PageLoader : public std::enable_shared_from_this<Pag
 
     static void load(Fetch fetch, Completion<std::vector<Item>, ServiceClientError> completion) {
         const auto loader = std::make_shared<PageLoader>(std::move(fetch), std::move(completion));
-        loader->fetchPage(std::nullopt);
+        loader->fetchNext();
     }
 
     PageLoader(Fetch fetch, Completion<std::vector<Item>, ServiceClientError> completion)
         : fetch_(std::move(fetch)), completion_(std::move(completion)) {}
 
   private:
-    void fetchPage(const std::optional<std::string>& next) {
-        fetch_(next, [self = this->shared_from_this()](Result<Page<Item>, ServiceClientError> page) {
-            self->take(std::move(page));
-        });
+    void fetchNext() {
+        const auto self = this->shared_from_this();
+        rounds_.run([&] { fetchPage(self); });
+    }
+
+    void fetchPage(const std::shared_ptr<PageLoader>& self) {
+        const auto next = next_; // which the page may replace while it is asked for
+        fetch_(next, [self](Result<Page<Item>, ServiceClientError> page) { self->take(std::move(page)); });
     }
 
     void take(Result<Page<Item>, ServiceClientError> page) {
@@ -57,13 +63,16 @@ template <class Item> class PageLoader : public std::enable_shared_from_this<Pag
         if (!seen_.insert(*page->next).second) {
             return completion_(failure(ServiceClientError::dataParseError));
         }
-        fetchPage(page->next);
+        next_ = std::move(page->next);
+        fetchNext();
     }
 
     const Fetch fetch_;
     Completion<std::vector<Item>, ServiceClientError> completion_;
     std::vector<Item> items_;
+    std::optional<std::string> next_;
     std::set<std::string> seen_;
+    Trampoline rounds_;
 };
 
 } // namespace zelto
