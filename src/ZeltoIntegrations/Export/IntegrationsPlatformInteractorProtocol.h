@@ -31,10 +31,10 @@ class IntegrationsPlatformInteractorProtocol {
 
     virtual std::shared_ptr<IntegrationsDateFormatter> dateFormatter() = 0;
 
-    // Renders HTML into a PDF file at the path, and tells whether that worked.
+    // Renders HTML into a PDF file at the path, and says whether that worked.
     virtual void convert(std::string html, std::filesystem::path toPdf, Callback<bool> completion) = 0;
 
-    // Opens a URL on the user's system, and tells whether that worked.
+    // Opens a URL on the user's system, and says whether that worked.
     virtual void executeAction(URL url, Callback<bool> completion) = 0;
 
     // Analytics: one export, one import. An error is the case's name.

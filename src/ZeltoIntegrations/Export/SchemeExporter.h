@@ -19,7 +19,7 @@ class SchemeExporter : public StepExporter {
 
     IntegrationExportContentTypes contentTypes(IntegrationExportTarget target) const;
 
-    // Nothing for a type that is not supported, and where the host has no such text.
+    // No value for a type that is not supported, and where the host has no such text.
     void loadPreview(IntegrationExportContentType type,
                      Callback<std::optional<IntegrationExportPreview>> completion);
 

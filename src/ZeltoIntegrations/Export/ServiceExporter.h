@@ -76,7 +76,7 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     void saveConfiguration();
 
   protected:
-    // The result of one export, told once: the first call counts.
+    // Delivers the result of one export: the first call counts.
     template <class T> using ResultMediator = std::function<void(ExporterResult<T>)>;
     // Produces the configuration that the exporter itself would have offered.
     template <class C> using OriginalConfigBlock = std::function<void(Completion<C, IntegrationLoadError>)>;
@@ -128,15 +128,15 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     ResultMediator<T> createResultMediator(C configuration, OriginalConfigBlock<C> originalConfigBlock,
                                            Completion<T, IntegrationExportError> completion) {
         auto closing = std::make_shared<Completion<T, IntegrationExportError>>(std::move(completion));
-        auto told = std::make_shared<std::atomic_flag>();
-        return
-            [self = shared_from_this(), configuration = std::move(configuration),
-             originalConfigBlock = std::move(originalConfigBlock), closing, told](ExporterResult<T> result) {
-                if (told->test_and_set()) {
-                    return;
-                }
-                self->close(configuration, originalConfigBlock, closing, std::move(result));
-            };
+        auto isDelivered = std::make_shared<std::atomic_flag>();
+        return [self = shared_from_this(), configuration = std::move(configuration),
+                originalConfigBlock = std::move(originalConfigBlock), closing,
+                isDelivered](ExporterResult<T> result) {
+            if (isDelivered->test_and_set()) {
+                return;
+            }
+            self->close(configuration, originalConfigBlock, closing, std::move(result));
+        };
     }
 
     // The same for an export without a value, which is compared with what loadConfiguration() offers.

@@ -22,7 +22,7 @@ class ExportServiceHelper {
   public:
     using Parameters = std::map<std::string, std::string>;
 
-    // Nothing for `Calendar`, the only service without a product name.
+    // No value for `Calendar`, the only service without a product name.
     static std::optional<std::string> getServiceProductNameFor(ServiceType type);
 
     // The product name, and "+" and the user name where one is given. A service without a product name gives
@@ -62,7 +62,7 @@ class ExportServiceHelper {
     // name=value pairs joined by "&"; all but letters and digits is escaped, so a blank is %20.
     static std::string urlEncodedString(const Parameters& parameters);
 
-    // A form-encoded POST; nothing for a text that is no URL.
+    // A form-encoded POST; no value for a text that is no URL.
     static std::optional<URLRequest> urlEncodedRequest(std::string_view url, const Parameters& parameters);
 
     // For JSON that is made by hand. Control characters other than \n, \b, \f, \r and \t pass as they are.

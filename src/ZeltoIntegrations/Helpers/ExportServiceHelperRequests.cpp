@@ -65,7 +65,7 @@ class FormDataBody {
     HTTPBody body_;
 };
 
-// Nothing if the name or the parent is not UTF-8.
+// No value if the name or the parent is not UTF-8.
 std::optional<std::string> driveMetadata(const std::string& fileName, const std::string& mimeType,
                                          const std::optional<std::string>& parentId) {
     JSONObject metadata = {{"name", fileName}, {"mimeType", mimeType}};

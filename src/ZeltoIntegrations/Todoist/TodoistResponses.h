@@ -1,6 +1,6 @@
 #pragma once
 
-// What the service responds with, as it writes it. For the sources of this folder and their tests.
+// The service's responses, as it writes them. For the sources of this folder and their tests.
 
 #include <ZeltoIntegrations/Todoist/TodoistCommands.h>
 #include <ZeltoIntegrations/Todoist/TodoistRecords.h>

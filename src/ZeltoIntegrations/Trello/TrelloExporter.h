@@ -39,7 +39,7 @@ class TrelloExporter final : public NetworkExporter {
     // The target plays no part.
     IntegrationExportContentTypes contentTypes(IntegrationExportTarget target) const;
 
-    // Nothing for a type that is not supported, and where the host has no link.
+    // No value for a type that is not supported, and where the host has no link.
     void loadPreview(IntegrationExportContentType type,
                      Callback<std::optional<IntegrationExportPreview>> completion);
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the service answers, as it writes it. For the sources of this folder and their tests.
+// The service's responses, as it writes them. For the sources of this folder and their tests.
 
 #include <ZeltoIntegrations/Trello/TrelloRecords.h>
 
@@ -71,8 +71,8 @@ std::vector<TrelloBoard> toTrelloBoards(std::vector<TrelloBoardResponse> respons
 // The boards that are open and have an open list, with their open lists alone, in the same order.
 std::vector<TrelloBoard> activeBoards(std::vector<TrelloBoard> boards);
 
-// Generous: only an answer that says that there is no enterprise, no paid workspace and no product is that of
-// a free account. One that leaves something out is not.
+// Generous: only a response that says that there is no enterprise, no paid workspace and no product is that
+// of a free account. One that leaves something out is not.
 TrelloUser toTrelloUser(GetUserResponse response);
 
 } // namespace zelto
