@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <condition_variable>
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -47,13 +48,21 @@ class FakeAuthoriser : public ServiceAuthoriser {
         return refreshRequest_;
     }
 
-    void updateToken(const ServiceResult<OAuthToken>& result) override {
+    ServiceResult<void> updateToken(const ServiceResult<OAuthToken>& result) override {
         const std::lock_guard guard(lock_);
         updates_.push_back(result);
-        if (result) {
-            token_ = result->accessToken;
-            isStale_ = staysStale_;
+        if (!result) {
+            return failure(result.error());
         }
+        token_ = result->accessToken;
+        isStale_ = staysStale_;
+        ++generation_;
+        return {};
+    }
+
+    std::uint64_t tokenGeneration() const override {
+        const std::lock_guard guard(lock_);
+        return generation_;
     }
 
     void setStale(bool stale) {
@@ -104,6 +113,7 @@ class FakeAuthoriser : public ServiceAuthoriser {
     std::optional<URLRequest> refreshRequest_ = standardRefreshRequest();
     bool isStale_ = false;
     bool staysStale_ = false;
+    std::uint64_t generation_ = 0;
     int authorizations_ = 0;
     int checks_ = 0;
     std::vector<ServiceResult<OAuthToken>> updates_;

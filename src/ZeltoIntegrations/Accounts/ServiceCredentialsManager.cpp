@@ -52,15 +52,16 @@ void ServiceCredentialsManager::fill(const ServiceAccountCredentials& from, Serv
     forEachField(from, to, copy);
 }
 
-void ServiceCredentialsManager::store(const ServiceAccountCredentials& credentials) {
+bool ServiceCredentialsManager::store(const ServiceAccountCredentials& credentials) {
     maskInLog(credentials);
     CredentialsData data;
     forEachField(credentials, data, copy);
     const auto text = JSONEncoder().encode(data);
     if (!text) {
-        return lvxLogError("Failed to encode service credentials", "store(credentials:)");
+        lvxLogError("Failed to encode service credentials", "store(credentials:)");
+        return false;
     }
-    store(dataOf(*text), credentials.serviceCredentialsKey);
+    return store(dataOf(*text), credentials.serviceCredentialsKey);
 }
 
 void ServiceCredentialsManager::load(ServiceAccountCredentials& credentials) {
@@ -76,14 +77,40 @@ void ServiceCredentialsManager::load(ServiceAccountCredentials& credentials) {
     maskInLog(credentials);
 }
 
+Result<std::optional<ServiceAccountCredentials>, KeyChainError>
+ServiceCredentialsManager::stored(const std::string& serviceCredentialsKey) {
+    constexpr auto function = "stored(serviceCredentialsKey:)";
+    const auto value = LVXKeyChainStoreFactory::keyChainStore()->read(serviceCredentialsKey);
+    if (!value) {
+        lvxLogError("Failed to load " + serviceCredentialsKey + " from keychain: " + value.error().message,
+                    function);
+        return failure(value.error());
+    }
+    if (!*value) {
+        return std::nullopt;
+    }
+    const auto data = JSONDecoder().decode<CredentialsData>(viewOf(**value));
+    if (!data) {
+        lvxLogError("Failed to decode service credentials", function);
+        return failure(KeyChainError{KeyChainErrorKind::damaged, "The account's record is damaged."});
+    }
+    ServiceAccountCredentials credentials;
+    credentials.serviceCredentialsKey = serviceCredentialsKey;
+    forEachField(*data, credentials, copy);
+    maskInLog(credentials);
+    return credentials;
+}
+
 void ServiceCredentialsManager::remove(const ServiceAccountCredentials& credentials) {
     remove(credentials.serviceCredentialsKey);
 }
 
-void ServiceCredentialsManager::store(const Data& value, const std::string& key) {
-    if (!LVXKeyChainStoreFactory::keyChainStore()->set(value, key)) {
+bool ServiceCredentialsManager::store(const Data& value, const std::string& key) {
+    const bool isStored = LVXKeyChainStoreFactory::keyChainStore()->set(value, key);
+    if (!isStored) {
         lvxLogError("Failed to save " + key + " to keychain with error", "store(value:forKey:)");
     }
+    return isStored;
 }
 
 std::optional<Data> ServiceCredentialsManager::load(const std::string& key) {

@@ -2,31 +2,37 @@
 
 #include <ZeltoIntegrations/Accounts/ServiceAccountCredentials.h>
 
+#include <TrovenhalCommon/KeyChain/KeyChainError.h>
 #include <ZeltoCommonLogger/LoggerClient.h>
 
 #include <Platform/Data.h>
+#include <Platform/Result.h>
 
 #include <optional>
 #include <string>
 
 namespace zelto {
 
-// The one place where an account's secrets meet the key chain. Nothing is reported to the caller: a failure
-// ends in the log, and a secret that could not be saved shows up later as a failed authorisation. What passes
-// through is masked in the log from then on. Any thread; two calls on one key are ordered by the key chain
-// alone.
+// The one place where an account's secrets meet the key chain. A failure ends in the log, and a secret that
+// could not be saved shows up later as a failed authorisation. What passes through is masked in the log from
+// then on. Any thread; two calls on one key are ordered by the key chain alone.
 class ServiceCredentialsManager : private LoggerClient {
   public:
     // Copies the seven fields, absent ones too; the key of `to` stays.
     static void fill(const ServiceAccountCredentials& from, ServiceAccountCredentials& to);
 
-    static void store(const ServiceAccountCredentials& credentials);
+    // Whether the key chain holds them now.
+    static bool store(const ServiceAccountCredentials& credentials);
     // Fills the fields that are absent; one that is present stays.
     static void load(ServiceAccountCredentials& credentials);
+    // The record of that key as it lies in the key chain; `nullopt` if there is none. One that cannot be read
+    // is an error.
+    static Result<std::optional<ServiceAccountCredentials>, KeyChainError>
+    stored(const std::string& serviceCredentialsKey);
     static void remove(const ServiceAccountCredentials& credentials);
 
   private:
-    static void store(const Data& value, const std::string& key);
+    static bool store(const Data& value, const std::string& key);
     static std::optional<Data> load(const std::string& key);
     static void remove(const std::string& key);
 };

@@ -48,6 +48,15 @@ ExportServiceHelper::Parameters refreshForm(const AuthorisationRules::Refresh& r
     return form;
 }
 
+bool hasSameTokens(const ServiceAccountCredentials& one, const ServiceAccountCredentials& other) {
+    return one.accessToken == other.accessToken && one.refreshToken == other.refreshToken;
+}
+
+// A record without tokens is that of an account that was signed out.
+bool hasTokens(const ServiceAccountCredentials& credentials) {
+    return credentials.accessToken || credentials.refreshToken;
+}
+
 } // namespace
 
 constinit const AuthorisationRules AccountAuthoriser::tokenAlone;
@@ -55,8 +64,17 @@ constinit const AuthorisationRules AccountAuthoriser::tokenAlone;
 AccountAuthoriser::AccountAuthoriser(ServiceAccountCredentials accountCredentials,
                                      const AuthorisationRules& rules)
     : rules_(rules), accountCredentials_(std::move(accountCredentials)) {
-    ServiceCredentialsManager::load(accountCredentials_);
+    const auto stored = ServiceCredentialsManager::stored(accountCredentials_.serviceCredentialsKey);
+    if (stored && *stored) {
+        lastStored_ = *stored;
+        accountCredentials_ = **stored;
+    }
     maskInLog(accountCredentials_);
+}
+
+void AccountAuthoriser::setTokensObserver(TokensObserver observer) {
+    const std::lock_guard guard(lock_);
+    tokensObserver_ = std::move(observer);
 }
 
 ServiceAccountCredentials AccountAuthoriser::accountCredentials() const {
@@ -68,6 +86,7 @@ void AccountAuthoriser::setAccountCredentials(ServiceAccountCredentials accountC
     maskInLog(accountCredentials);
     const std::lock_guard guard(lock_);
     accountCredentials_ = std::move(accountCredentials);
+    ++tokenGeneration_;
 }
 
 bool AccountAuthoriser::authorize(URLRequest& request) {
@@ -113,16 +132,53 @@ std::optional<URLRequest> AccountAuthoriser::createRefreshTokenRequest() {
     return request;
 }
 
-void AccountAuthoriser::updateToken(const ServiceResult<OAuthToken>& result) {
+ServiceResult<void> AccountAuthoriser::updateToken(const ServiceResult<OAuthToken>& result) {
     if (!rules_.refresh) {
-        return;
+        return result ? ServiceResult<void>() : failure(result.error());
     }
+    if (!result && takeNewerTokens()) {
+        return {};
+    }
+    const bool isChanged = result || isServiceError(result.error());
     if (result) {
         takeIn(*result, *rules_.refresh);
-    } else if (isServiceError(result.error())) {
+    } else if (isChanged) {
         forgetTokens();
     }
-    ServiceCredentialsManager::store(accountCredentials());
+    store();
+    if (isChanged) {
+        tellObserver();
+    }
+    return result ? ServiceResult<void>() : failure(result.error());
+}
+
+std::string AccountAuthoriser::refreshKey() const {
+    const std::lock_guard guard(lock_);
+    return accountCredentials_.serviceCredentialsKey;
+}
+
+bool AccountAuthoriser::takeNewerTokens() {
+    const auto stored = ServiceCredentialsManager::stored(refreshKey());
+    if (!stored || !*stored || !hasTokens(**stored)) {
+        return false;
+    }
+    {
+        const std::lock_guard guard(lock_);
+        const bool isKnown = lastStored_ && hasSameTokens(**stored, *lastStored_);
+        lastStored_ = *stored;
+        if (isKnown || hasSameTokens(**stored, accountCredentials_)) {
+            return false;
+        }
+        accountCredentials_ = **stored;
+        ++tokenGeneration_;
+    }
+    tellObserver();
+    return true;
+}
+
+std::uint64_t AccountAuthoriser::tokenGeneration() const {
+    const std::lock_guard guard(lock_);
+    return tokenGeneration_;
 }
 
 std::optional<std::string> AccountAuthoriser::sentToken(const std::optional<std::string>& token) {
@@ -131,6 +187,7 @@ std::optional<std::string> AccountAuthoriser::sentToken(const std::optional<std:
 
 void AccountAuthoriser::takeIn(const OAuthToken& token, const AuthorisationRules::Refresh& rules) {
     const std::lock_guard guard(lock_);
+    ++tokenGeneration_;
     auto& credentials = accountCredentials_;
     credentials.accessToken = token.accessToken;
     switch (rules.refreshToken) {
@@ -152,9 +209,28 @@ void AccountAuthoriser::takeIn(const OAuthToken& token, const AuthorisationRules
 
 void AccountAuthoriser::forgetTokens() {
     const std::lock_guard guard(lock_);
+    ++tokenGeneration_;
     accountCredentials_.accessToken.reset();
     accountCredentials_.refreshToken.reset();
     accountCredentials_.expirationDate.reset();
+}
+
+void AccountAuthoriser::store() {
+    auto credentials = accountCredentials();
+    if (ServiceCredentialsManager::store(credentials)) {
+        const std::lock_guard guard(lock_);
+        lastStored_ = std::move(credentials);
+    }
+}
+
+void AccountAuthoriser::tellObserver() {
+    std::unique_lock guard(lock_);
+    const auto observer = tokensObserver_;
+    const auto credentials = accountCredentials_;
+    guard.unlock();
+    if (observer) {
+        observer(credentials);
+    }
 }
 
 } // namespace zelto

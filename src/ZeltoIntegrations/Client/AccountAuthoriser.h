@@ -3,6 +3,8 @@
 #include <ZeltoIntegrations/Accounts/ServiceAccountCredentials.h>
 #include <ZeltoIntegrations/Client/ServiceAuthoriser.h>
 
+#include <cstdint>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <span>
@@ -56,10 +58,17 @@ struct AuthorisationRules {
 // field can hold counts as absent.
 class AccountAuthoriser : public ServiceAuthoriser {
   public:
-    // Fills what the credentials lack from the key chain. The rules live as long as the process; without any
-    // there is the token and nothing else.
+    // Starts from the record that the key chain has for the credentials' key, absent fields included; from
+    // the given fields if it has none. The rules live as long as the process; without any there is the token
+    // and nothing else.
     explicit AccountAuthoriser(ServiceAccountCredentials accountCredentials,
                                const AuthorisationRules& rules = tokenAlone);
+
+    // Called with the credentials after a refresh, also one of somebody else, has changed the tokens and the
+    // key chain holds them; on the thread of the refresh, before any request goes on. To be set before the
+    // first request.
+    using TokensObserver = std::function<void(const ServiceAccountCredentials&)>;
+    void setTokensObserver(TokensObserver observer);
 
     ServiceAccountCredentials accountCredentials() const;
     void setAccountCredentials(ServiceAccountCredentials accountCredentials);
@@ -67,7 +76,14 @@ class AccountAuthoriser : public ServiceAuthoriser {
     bool authorize(URLRequest& request) override;
     bool shouldRefreshToken() override;
     std::optional<URLRequest> createRefreshTokenRequest() override;
-    void updateToken(const ServiceResult<OAuthToken>& result) override;
+    // A token that was given is stored. A refusal by the service wipes the tokens, here and in the key chain,
+    // unless newer ones lie there: they are taken, and this was no failure.
+    ServiceResult<void> updateToken(const ServiceResult<OAuthToken>& result) override;
+
+    // The key of the account's record.
+    std::string refreshKey() const override;
+    bool takeNewerTokens() override;
+    std::uint64_t tokenGeneration() const override;
 
     // The token as it is sent; nothing when it is absent, or holds anything but visible ASCII, or too much.
     static std::optional<std::string> sentToken(const std::optional<std::string>& token);
@@ -77,10 +93,17 @@ class AccountAuthoriser : public ServiceAuthoriser {
 
     void takeIn(const OAuthToken& token, const AuthorisationRules::Refresh& rules);
     void forgetTokens();
+    void store();
+    void tellObserver();
 
     const AuthorisationRules& rules_;
     mutable std::mutex lock_;
     ServiceAccountCredentials accountCredentials_;
+    // What the key chain held when it was last read or written. The tokens here may be newer: a write can
+    // fail.
+    std::optional<ServiceAccountCredentials> lastStored_;
+    std::uint64_t tokenGeneration_ = 0;
+    TokensObserver tokensObserver_;
 };
 
 } // namespace zelto

@@ -14,23 +14,13 @@ namespace {
 
 constexpr std::string_view sentMethods[] = {"POST", "GET", "DELETE", "PUT", "PATCH"};
 
-// How the refresh ended that the operation has waited for, if it has.
-std::optional<ServiceClientError> refreshError(const Operation& operation) {
-    for (const auto& each : operation.dependencies()) {
-        if (const auto* refresh = dynamic_cast<const TokenRefreshOperation*>(each.get())) {
-            const auto result = refresh->refreshResult();
-            return result ? std::nullopt : std::optional(result.error());
-        }
-    }
-    return std::nullopt;
-}
-
 } // namespace
 
 ServiceAsyncOperation::ServiceAsyncOperation(std::shared_ptr<URLSession> urlSession, JSONDecoder decoder,
                                              std::shared_ptr<ServiceAuthoriser> authoriser,
-                                             URLRequest request, ResponseCompletion completion)
-    : ServiceOperation(std::move(urlSession), decoder), request_(std::move(request)),
+                                             std::shared_ptr<const RequestMaker> request,
+                                             ResponseCompletion completion)
+    : ServiceOperation(std::move(urlSession), decoder), makeRequest_(std::move(request)),
       authoriser_(std::move(authoriser)), completion_(std::move(completion)) {}
 
 void ServiceAsyncOperation::asyncMain(std::function<void()> onComplete) {
@@ -38,8 +28,8 @@ void ServiceAsyncOperation::asyncMain(std::function<void()> onComplete) {
         complete(failure(*error));
         return onComplete();
     }
-    // `onComplete` keeps the operation alive until the answer has come.
-    perform(std::move(request_),
+    // `onComplete` keeps the operation alive until the response has come.
+    perform(*std::move(request_),
             [this, onComplete = std::move(onComplete)](ServiceResult<ServiceResponse> result) {
                 complete(std::move(result));
                 onComplete();
@@ -60,25 +50,60 @@ std::optional<ServiceClientError> ServiceAsyncOperation::containedPreflight() {
 }
 
 std::optional<ServiceClientError> ServiceAsyncOperation::preflight() {
-    if (const auto error = refreshError(*this)) {
+    if (const auto error = failedRefresh()) {
         return error;
     }
-    if (std::ranges::find(sentMethods, request_.method) == std::end(sentMethods)) {
+    request_ = (*makeRequest_)();
+    if (!request_ || std::ranges::find(sentMethods, request_->method) == std::end(sentMethods)) {
         return ServiceClientError::internalError;
     }
+    tokenGeneration_ = authoriser_->tokenGeneration();
     if (authoriser_->shouldRefreshToken()) {
         return ServiceClientError::authorizationError;
     }
-    // A credential that would end its header field and begin another counts as none.
-    if (!authoriser_->authorize(request_) || request_.headers.firstInvalid()) {
-        return ServiceClientError::oauthError;
+    return sign();
+}
+
+// How the refresh ended that the operation has waited for, if it has.
+std::optional<ServiceClientError> ServiceAsyncOperation::failedRefresh() {
+    for (const auto& each : dependencies()) {
+        if (const auto* refresh = dynamic_cast<const TokenRefreshOperation*>(each.get())) {
+            const auto result = refresh->refreshResult();
+            if (result) {
+                return std::nullopt;
+            }
+            setRefusal({refresh->refusal().words, true});
+            return result.error();
+        }
     }
     return std::nullopt;
 }
 
+// A token may be replaced at any time; it must be known which one the request carries.
+std::optional<ServiceClientError> ServiceAsyncOperation::sign() {
+    for (;;) {
+        // A credential that would end its header field and begin another counts as none.
+        if (!authoriser_->authorize(*request_) || request_->headers.firstInvalid()) {
+            return ServiceClientError::oauthError;
+        }
+        const auto generation = authoriser_->tokenGeneration();
+        if (generation == tokenGeneration_) {
+            return std::nullopt;
+        }
+        tokenGeneration_ = generation;
+        request_ = (*makeRequest_)();
+        if (!request_) {
+            return ServiceClientError::internalError;
+        }
+    }
+}
+
 void ServiceAsyncOperation::complete(ServiceResult<ServiceResponse> result) {
     auto completion = std::move(completion_);
-    containingExceptions("The completion of a request", [&] { completion(std::move(result), *this); });
+    RequestTry ended{tokenGeneration_, task() != nullptr, isCancelled(),
+                     result ? ServiceRefusal() : refusal()};
+    containingExceptions("The completion of a request",
+                         [&] { completion(std::move(result), std::move(ended)); });
 }
 
 } // namespace zelto

@@ -4,7 +4,9 @@
 #include <ZeltoIntegrations/Client/OAuthToken.h>
 #include <ZeltoIntegrations/Client/ServiceClientError.h>
 
+#include <cstdint>
 #include <optional>
+#include <string>
 
 namespace zelto {
 
@@ -24,8 +26,18 @@ class ServiceAuthoriser {
     // Gets a new token; nothing if the service or the account has no refresh.
     virtual std::optional<URLRequest> createRefreshTokenRequest() = 0;
 
-    // Takes the outcome of that request in, and stores the credentials.
-    virtual void updateToken(const ServiceResult<OAuthToken>& result) = 0;
+    // Takes the outcome of that request in, and stores the credentials. Gives what it means for the requests
+    // that wait: a failure is none if somebody else has stored newer tokens meanwhile.
+    virtual ServiceResult<void> updateToken(const ServiceResult<OAuthToken>& result) = 0;
+
+    // What the account's refreshes are kept apart by, among all clients that it has. Empty: they are not.
+    virtual std::string refreshKey() const { return {}; }
+
+    // Takes the tokens that somebody else has stored since this one last looked. False if there are none.
+    virtual bool takeNewerTokens() { return false; }
+
+    // Another number after each change of the tokens.
+    virtual std::uint64_t tokenGeneration() const { return 0; }
 };
 
 } // namespace zelto

@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/Client/ServiceAsyncOperation.h>
 #include <ZeltoIntegrations/Client/TokenRefreshOperation.h>
 
+#include <Platform/Operations/ContainedException.h>
 #include <Platform/Operations/OperationQueue.h>
 
 #include <atomic>
@@ -18,8 +19,15 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
     Core(std::shared_ptr<ServiceAuthoriser> authoriser, JSONDecoder decoder)
         : accountAuthoriser_(std::move(authoriser)), jsonDecoder_(decoder) {}
 
-    std::shared_ptr<Operation> enqueueFirst(URLRequest request, std::shared_ptr<Operation> targetOperation,
+    void setRefusalObserver(RefusalObserver observer) {
+        const std::lock_guard guard(lock_);
+        refusalObserver_ = std::move(observer);
+    }
+
+    std::shared_ptr<Operation> enqueueFirst(RequestMaker makeRequest,
+                                            std::shared_ptr<Operation> targetOperation,
                                             ServiceCompletion<ServiceResponse> completion) {
+        auto request = std::make_shared<const RequestMaker>(std::move(makeRequest));
         Retry retry{shared_from_this(),         request,        targetOperation,
                     finishedRefreshOperation(), cancellations_, std::move(completion)};
         return enqueue(std::move(request), nullptr, targetOperation, std::move(retry));
@@ -36,32 +44,55 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
     // The end of a request's first try.
     struct Retry {
         std::shared_ptr<Core> core;
-        URLRequest request; // unsigned
+        std::shared_ptr<const RequestMaker> request;
         std::shared_ptr<Operation> targetOperation;
         RefreshOperation finishedRefreshOperation; // when the request came
         std::uint64_t cancellations;               // till then
         ServiceCompletion<ServiceResponse> completion;
 
-        void operator()(ServiceResult<ServiceResponse> result, const ServiceOperation& operation) {
+        void operator()(ServiceResult<ServiceResponse> result, RequestTry ended) {
             if (result || result.error() != ServiceClientError::authorizationError) {
-                return completion(std::move(result));
+                return core->complete(std::move(completion), std::move(result), ended.refusal);
             }
-            if (operation.isCancelled() || core->cancellations_ != cancellations) {
-                return completion(failure(ServiceClientError::connectionError));
+            if (ended.wasCancelled || core->cancellations_ != cancellations) {
+                return core->complete(std::move(completion), failure(ServiceClientError::connectionError),
+                                      ended.refusal);
             }
-            const bool wasSent = operation.task() != nullptr;
-            core->enqueueSecond(std::move(*this), wasSent);
+            core->enqueueSecond(std::move(*this), std::move(ended));
         }
     };
 
-    void enqueueSecond(Retry first, bool wasSent) {
-        // A request that found its token stale has waited for every refresh that has ended since it came.
-        const auto refresh = getOrCreateRefreshOperation(wasSent ? nullptr : &first.finishedRefreshOperation);
+    void complete(ServiceCompletion<ServiceResponse> completion, ServiceResult<ServiceResponse> result,
+                  const ServiceRefusal& refusal) {
+        if (!result) {
+            tellObserver(refusal);
+        }
+        completion(std::move(result));
+    }
+
+    static ServiceRefusal ofBothTries(ServiceRefusal first, ServiceRefusal second) {
+        return {second.words.empty() ? std::move(first.words) : std::move(second.words),
+                first.nothingWasSent && second.nothingWasSent};
+    }
+
+    void tellObserver(const ServiceRefusal& refusal) {
+        std::unique_lock guard(lock_);
+        const auto observer = refusalObserver_;
+        guard.unlock();
+        if (observer) {
+            containingExceptions("An observer of refusals", [&] { observer(refusal); });
+        }
+    }
+
+    void enqueueSecond(Retry first, RequestTry refused) {
         const auto operation =
-            enqueue(std::move(first.request), refresh, first.targetOperation,
-                    [completion = std::move(first.completion)](ServiceResult<ServiceResponse> result,
-                                                               const ServiceOperation&) mutable {
-                        completion(std::move(result));
+            enqueue(std::move(first.request), refreshFor(first.finishedRefreshOperation, refused),
+                    first.targetOperation,
+                    [core = first.core, completion = std::move(first.completion),
+                     before = std::move(refused.refusal)](ServiceResult<ServiceResponse> result,
+                                                          RequestTry second) mutable {
+                        core->complete(std::move(completion), std::move(result),
+                                       ofBothTries(std::move(before), std::move(second.refusal)));
                     });
         // Whoever cancelled in between has not found it in the queue.
         if (first.cancellations != cancellations_) {
@@ -69,7 +100,8 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
         }
     }
 
-    std::shared_ptr<Operation> enqueue(URLRequest request, const RefreshOperation& refresh,
+    std::shared_ptr<Operation> enqueue(std::shared_ptr<const RequestMaker> request,
+                                       const RefreshOperation& refresh,
                                        const std::shared_ptr<Operation>& targetOperation,
                                        ServiceAsyncOperation::ResponseCompletion completion) {
         auto operation = std::make_shared<ServiceAsyncOperation>(
@@ -85,21 +117,34 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
     }
 
     RefreshOperation finishedRefreshOperation() {
-        const std::lock_guard guard(refreshLock_);
+        const std::lock_guard guard(lock_);
         const bool isFinished = currentRefreshOperation_ && currentRefreshOperation_->isFinished();
         return isFinished ? currentRefreshOperation_ : nullptr;
     }
 
+    // What a request waits for before its second try: nothing if the token it was refused with has been
+    // replaced since.
+    RefreshOperation refreshFor(const RefreshOperation& finishedBefore, const RequestTry& refused) {
+        const auto generation = refused.tokenGeneration;
+        if (!refused.wasSent) {
+            // A request that found its token stale has waited for every refresh that has ended since it came.
+            return getOrCreateRefreshOperation(generation, &finishedBefore);
+        }
+        const bool isReplaced = accountAuthoriser_->tokenGeneration() != generation;
+        return isReplaced ? nullptr : getOrCreateRefreshOperation(generation, nullptr);
+    }
+
     // The refresh in progress, else a new one. With `finishedBefore`, one that has finished will do if it is
     // not that one.
-    RefreshOperation getOrCreateRefreshOperation(const RefreshOperation* finishedBefore) {
-        const std::lock_guard guard(refreshLock_);
+    RefreshOperation getOrCreateRefreshOperation(std::uint64_t replacedGeneration,
+                                                 const RefreshOperation* finishedBefore) {
+        const std::lock_guard guard(lock_);
         auto& current = currentRefreshOperation_;
         const bool willDo =
             current && (!current->isFinished() || (finishedBefore && current != *finishedBefore));
         if (!willDo) {
-            current =
-                std::make_shared<TokenRefreshOperation>(defaultUrlSession_, jsonDecoder_, accountAuthoriser_);
+            current = std::make_shared<TokenRefreshOperation>(defaultUrlSession_, jsonDecoder_,
+                                                              accountAuthoriser_, replacedGeneration);
             defaultQueue_.addOperation(current);
         }
         return current;
@@ -110,7 +155,8 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
         std::make_shared<URLSession>(URLSessionConfiguration::ephemeral());
     const std::shared_ptr<ServiceAuthoriser> accountAuthoriser_;
     const JSONDecoder jsonDecoder_;
-    std::mutex refreshLock_;
+    std::mutex lock_; // guards what follows
+    RefusalObserver refusalObserver_;
     RefreshOperation currentRefreshOperation_; // in progress, or the last one
     std::atomic<std::uint64_t> cancellations_ = 0;
 };
@@ -122,6 +168,10 @@ ServiceClient::~ServiceClient() = default;
 
 void ServiceClient::cancelAllOperations() {
     core_->cancelAllOperations();
+}
+
+void ServiceClient::setRefusalObserver(RefusalObserver observer) {
+    core_->setRefusalObserver(std::move(observer));
 }
 
 URLRequest ServiceClient::jsonRequest(std::string_view apiBaseURL, std::string_view path,
@@ -137,10 +187,10 @@ URLRequest ServiceClient::jsonRequest(std::string_view apiBaseURL, std::string_v
     return request;
 }
 
-std::shared_ptr<Operation> ServiceClient::enqueueRequest(URLRequest request,
+std::shared_ptr<Operation> ServiceClient::enqueueRequest(RequestMaker makeRequest,
                                                          std::shared_ptr<Operation> targetOperation,
                                                          ServiceCompletion<ServiceResponse> completion) {
-    return core_->enqueueFirst(std::move(request), std::move(targetOperation), std::move(completion));
+    return core_->enqueueFirst(std::move(makeRequest), std::move(targetOperation), std::move(completion));
 }
 
 } // namespace zelto

@@ -8,7 +8,9 @@
 #include <ZeltoIntegrations/Client/RequestMaker.h>
 #include <ZeltoIntegrations/Client/ServiceAuthoriser.h>
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
+#include <ZeltoIntegrations/Client/ServiceRefusal.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -18,8 +20,9 @@ namespace zelto {
 
 // The base of every client of a service: sends requests, signed by the account's authoriser, all at once. A
 // token that is known to be stale, or that the service refuses with 401, is refreshed, once for however many
-// requests wait, and the request is repeated once; nothing else is. Each client has its own queue and
-// session.
+// requests wait, and the request is repeated once; nothing else is. A request that was refused with a token
+// that has been replaced since is repeated at once. Each client has its own queue and session; the refreshes
+// of one account's clients are kept apart.
 //
 // Any thread. Completions are called on the thread on which the session delivers, or on which a request was
 // refused. Releasing the client stops nothing: each completion still comes.
@@ -30,15 +33,29 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
     ServiceClient(const ServiceClient&) = delete;
     ServiceClient& operator=(const ServiceClient&) = delete;
 
-    // Sends the request and completes with the answer as T: std::string for the body as text, Data for its
+    // Called with what is known of each request that got no response of success, before its completion and on
+    // the same thread. To be set before the first request.
+    using RefusalObserver = std::function<void(const ServiceRefusal&)>;
+    void setRefusalObserver(RefusalObserver observer);
+
+    // Sends the request and completes with the response as T: std::string for the body as text, Data for its
     // bytes, Empty, or any type with JSON. POST, GET, DELETE, PUT and PATCH are sent. `targetOperation`,
     // which must not have begun, will not begin before the result was told. Gives the operation that was
     // queued; cancelling it cancels the request, which then ends with `connectionError`.
     template <class T>
     std::shared_ptr<Operation> perform(URLRequest request, std::shared_ptr<Operation> targetOperation,
                                        ServiceCompletion<T> completion) {
+        return perform<T>(RequestMaker([request = std::move(request)] { return std::optional(request); }),
+                          std::move(targetOperation), std::move(completion));
+    }
+
+    // The same for a request that is made anew for each try, once the token is the one that will be sent.
+    // Without a request the result is `internalError`.
+    template <class T>
+    std::shared_ptr<Operation> perform(RequestMaker makeRequest, std::shared_ptr<Operation> targetOperation,
+                                       ServiceCompletion<T> completion) {
         return enqueueRequest(
-            std::move(request), std::move(targetOperation),
+            std::move(makeRequest), std::move(targetOperation),
             [decoder = jsonDecoder_,
              completion = std::move(completion)](ServiceResult<ServiceResponse> result) mutable {
                 completion(result ? serviceValue<T>(std::move(*result), decoder) : failure(result.error()));
@@ -77,7 +94,8 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
   private:
     class Core;
 
-    std::shared_ptr<Operation> enqueueRequest(URLRequest request, std::shared_ptr<Operation> targetOperation,
+    std::shared_ptr<Operation> enqueueRequest(RequestMaker makeRequest,
+                                              std::shared_ptr<Operation> targetOperation,
                                               ServiceCompletion<ServiceResponse> completion);
 
     const JSONDecoder jsonDecoder_;

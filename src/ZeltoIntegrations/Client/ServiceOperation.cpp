@@ -20,6 +20,16 @@ std::shared_ptr<URLSessionDataTask> ServiceOperation::task() const {
     return task_;
 }
 
+ServiceRefusal ServiceOperation::refusal() const {
+    const std::lock_guard guard(lock_);
+    return refusal_;
+}
+
+void ServiceOperation::setRefusal(ServiceRefusal refusal) {
+    const std::lock_guard guard(lock_);
+    refusal_ = std::move(refusal);
+}
+
 void ServiceOperation::perform(URLRequest request, ResultCallback resultCallback) {
     // Kept here, since a session that makes no task drops the task's completion uncalled.
     resultCallback_ = std::move(resultCallback);
@@ -28,6 +38,9 @@ void ServiceOperation::perform(URLRequest request, ResultCallback resultCallback
                                                         std::shared_ptr<const URLResponse> response,
                                                         std::optional<URLError> error) mutable {
         auto callback = std::move(self->resultCallback_);
+        if (auto refusal = serviceRefusal(data, response, error)) {
+            self->setRefusal(*std::move(refusal));
+        }
         callback(serviceOutcome(std::move(url), std::move(data), response, error));
     };
     const auto task = urlSession_->dataTask(std::move(request), std::move(completion));

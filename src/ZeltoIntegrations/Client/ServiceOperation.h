@@ -4,6 +4,7 @@
 #include <Platform/JSON/JSONDecoder.h>
 #include <TrovenhalCommon/Operations/LVXAsyncOperation.h>
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
+#include <ZeltoIntegrations/Client/ServiceRefusal.h>
 
 #include <functional>
 #include <memory>
@@ -22,6 +23,10 @@ class ServiceOperation : public LVXAsyncOperation {
     // The task that was sent; nothing before.
     std::shared_ptr<URLSessionDataTask> task() const;
 
+    // What is known of the request's failure, once there is one. Nothing was sent of a request without a
+    // task.
+    ServiceRefusal refusal() const;
+
   protected:
     using ResultCallback = Callback<ServiceResult<ServiceResponse>>;
 
@@ -30,12 +35,15 @@ class ServiceOperation : public LVXAsyncOperation {
     // Sends the request as it is. Once for an operation.
     void perform(URLRequest request, ResultCallback resultCallback);
 
+    void setRefusal(ServiceRefusal refusal);
+
     const std::shared_ptr<URLSession> urlSession_;
     const JSONDecoder decoder_;
     mutable std::mutex lock_;
 
   private:
     std::shared_ptr<URLSessionDataTask> task_;
+    ServiceRefusal refusal_{{}, true};
     ResultCallback resultCallback_;
 };
 

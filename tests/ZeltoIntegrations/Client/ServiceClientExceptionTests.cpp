@@ -32,9 +32,9 @@ class ThrowingAuthoriser : public FakeAuthoriser {
         return FakeAuthoriser::createRefreshTokenRequest();
     }
 
-    void updateToken(const ServiceResult<OAuthToken>& result) override {
+    ServiceResult<void> updateToken(const ServiceResult<OAuthToken>& result) override {
         throwIf(updating);
-        FakeAuthoriser::updateToken(result);
+        return FakeAuthoriser::updateToken(result);
     }
 
     void mendItself() { where_ = nowhere; }

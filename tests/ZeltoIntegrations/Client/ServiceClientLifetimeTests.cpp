@@ -28,6 +28,10 @@ class CancellingAuthoriser : public FakeAuthoriser {
     ServiceClient* client = nullptr;
 };
 
+std::shared_ptr<const RequestMaker> made(const URLRequest& request) {
+    return std::make_shared<const RequestMaker>([request] { return std::optional(request); });
+}
+
 // Holds every answer back until it is let go.
 class HeldServer {
   public:
@@ -224,9 +228,10 @@ TEST(ServiceOperation, HasItsTaskOnceItRuns) {
     Completed<ServiceResult<ServiceResponse>> end;
     const auto operation = std::make_shared<ServiceAsyncOperation>(
         std::make_shared<URLSession>(URLSessionConfiguration::ephemeral()), JSONDecoder(),
-        std::make_shared<FakeAuthoriser>(), itemRequest(),
-        [told = end.callback<ServiceCompletion<ServiceResponse>>()](
-            auto result, const ServiceOperation&) mutable { told(std::move(result)); });
+        std::make_shared<FakeAuthoriser>(), made(itemRequest()),
+        [told = end.callback<ServiceCompletion<ServiceResponse>>()](auto result, const RequestTry&) mutable {
+            told(std::move(result));
+        });
     EXPECT_EQ(operation->task(), nullptr);
     OperationQueue queue;
     queue.addOperation(operation);
@@ -242,9 +247,10 @@ TEST(ServiceOperation, ThatGetsNoTaskIsAnInternalError) {
     session->finishTasksAndInvalidate();
     Completed<ServiceResult<ServiceResponse>> end;
     const auto operation = std::make_shared<ServiceAsyncOperation>(
-        session, JSONDecoder(), std::make_shared<FakeAuthoriser>(), itemRequest(),
-        [told = end.callback<ServiceCompletion<ServiceResponse>>()](
-            auto result, const ServiceOperation&) mutable { told(std::move(result)); });
+        session, JSONDecoder(), std::make_shared<FakeAuthoriser>(), made(itemRequest()),
+        [told = end.callback<ServiceCompletion<ServiceResponse>>()](auto result, const RequestTry&) mutable {
+            told(std::move(result));
+        });
     operation->start();
     EXPECT_TRUE(operation->isFinished());
     EXPECT_EQ(end.value().error(), E::internalError);
@@ -254,7 +260,7 @@ TEST(TokenRefreshOperation, ThatGetsNoTaskIsAnInternalErrorAndTakenIn) {
     const auto session = std::make_shared<URLSession>(URLSessionConfiguration::ephemeral());
     session->finishTasksAndInvalidate();
     const auto authoriser = FakeAuthoriser::stale();
-    const auto operation = std::make_shared<TokenRefreshOperation>(session, JSONDecoder(), authoriser);
+    const auto operation = std::make_shared<TokenRefreshOperation>(session, JSONDecoder(), authoriser, 0);
     EXPECT_TRUE(operation->refreshResult());
     operation->start();
     EXPECT_TRUE(operation->isFinished());
@@ -266,7 +272,7 @@ TEST(TokenRefreshOperation, ThatGetsNoTaskIsAnInternalErrorAndTakenIn) {
 TEST(TokenRefreshOperation, ThatIsCancelledBeforeItBeginsIsAConnectionError) {
     const auto authoriser = FakeAuthoriser::stale();
     const auto operation = std::make_shared<TokenRefreshOperation>(
-        std::make_shared<URLSession>(URLSessionConfiguration::ephemeral()), JSONDecoder(), authoriser);
+        std::make_shared<URLSession>(URLSessionConfiguration::ephemeral()), JSONDecoder(), authoriser, 0);
     operation->cancel();
     operation->waitUntilFinished();
     EXPECT_EQ(operation->refreshResult(), failure(E::connectionError));
@@ -276,7 +282,7 @@ TEST(TokenRefreshOperation, ThatIsCancelledBeforeItBeginsIsAConnectionError) {
 TEST(ServiceAsyncOperation, LooksAtTheFirstRefreshAmongItsDependencies) {
     const auto refresh = [](const std::shared_ptr<FakeAuthoriser>& authoriser) {
         return std::make_shared<TokenRefreshOperation>(
-            std::make_shared<URLSession>(URLSessionConfiguration::ephemeral()), JSONDecoder(), authoriser);
+            std::make_shared<URLSession>(URLSessionConfiguration::ephemeral()), JSONDecoder(), authoriser, 0);
     };
     const auto withoutRefresh = FakeAuthoriser::stale();
     withoutRefresh->setRefreshRequest(std::nullopt);
@@ -289,9 +295,10 @@ TEST(ServiceAsyncOperation, LooksAtTheFirstRefreshAmongItsDependencies) {
     // The method is none that is sent: the refresh's error comes first.
     const auto operation = std::make_shared<ServiceAsyncOperation>(
         std::make_shared<URLSession>(URLSessionConfiguration::ephemeral()), JSONDecoder(),
-        std::make_shared<FakeAuthoriser>(), itemRequest("HEAD"),
-        [told = end.callback<ServiceCompletion<ServiceResponse>>()](
-            auto result, const ServiceOperation&) mutable { told(std::move(result)); });
+        std::make_shared<FakeAuthoriser>(), made(itemRequest("HEAD")),
+        [told = end.callback<ServiceCompletion<ServiceResponse>>()](auto result, const RequestTry&) mutable {
+            told(std::move(result));
+        });
     const auto other = std::make_shared<Operation>();
     other->start();
     operation->addDependency(other);
