@@ -7,6 +7,7 @@
 #include "sandbox/SandboxRoute.h"
 
 #include <ZeltoCommonLogger/StandardErrorLog.h>
+#include <ZeltoIntegrations/Client/TokenRefreshes.h>
 #include <ZeltoIntegrations/RegisterIntegrationsTypes.h>
 
 #include <Platform/Text.h>
@@ -155,5 +156,7 @@ int main(int argc, char** argv) {
     zelto::cli::blankSecretArguments(argc, argv);
     zelto::cli::takeTokenOfEnvironment();
     zelto::cli::reserveStandardDescriptors();
-    return zelto::cli::run(arguments);
+    const int status = zelto::cli::run(arguments);
+    zelto::TokenRefreshes::endAll();
+    return status;
 }

@@ -49,34 +49,36 @@ void storeSecrets(const ServiceAccountConfiguration& configuration) {
     }
 }
 
-// The account with the tokens that its client may have got meanwhile: they lie in the key chain alone.
-ServiceAccountConfiguration withStoredTokens(ServiceAccountConfiguration account) {
-    if (account.credentials) {
-        ServiceAccountCredentials stored;
-        stored.serviceCredentialsKey = account.credentials->serviceCredentialsKey;
-        ServiceCredentialsManager::load(stored);
-        if (stored.accessToken) {
-            ServiceCredentialsManager::fill(stored, *account.credentials);
-        }
-    }
+// The account with its secrets under a key of this flow's own.
+ServiceAccountConfiguration underKeyOfItsOwn(ServiceAccountConfiguration account) {
+    auto& key = account.credentials->serviceCredentialsKey;
+    key = ServiceAccountCredentials::flowKey(key);
     return account;
 }
 
-// What the fetch of an exporter's data says about the account that is being connected.
+// The account with other secrets under its own key.
+ServiceAccountConfiguration withSecrets(ServiceAccountConfiguration account,
+                                        const ServiceAccountCredentials& secrets) {
+    ServiceCredentialsManager::fill(secrets, *account.credentials);
+    return account;
+}
+
+// What an exporter's fetch says about the account that is being connected.
 AccountResult loadAccount(const Result<void, IntegrationLoadError>& fetched,
                           const ServiceAccountConfiguration& temporary,
                           const ServiceAccountConfiguration& configuration, ServiceExporter& exporter,
                           ServiceConfigurationsStorage& storage) {
-    const auto fetchedAccount = withStoredTokens(exporter.accountConfiguration());
-    // An exporter that refreshed a token during the fetch has saved the temporary account.
+    // With the tokens that were refreshed meanwhile.
+    const auto fetchedAccount = exporter.accountConfiguration();
     storage.remove(temporary);
     removeSecrets(temporary);
-    if (!fetched) {
+    if (!fetched || !fetchedAccount.credentials) {
         return failure(AccountError::dataLoadingError());
     }
     std::optional<ServiceAccountConfiguration> account;
     if (configuration.serviceType() == ServiceType::TickTick && configuration.userName()) {
-        account = createAccount(configuration, *configuration.userName());
+        account =
+            createAccount(withSecrets(configuration, *fetchedAccount.credentials), *configuration.userName());
     } else if (const auto email = exporter.loadUserEmail()) {
         account = createAccount(fetchedAccount, *email);
     }
@@ -84,6 +86,18 @@ AccountResult loadAccount(const Result<void, IntegrationLoadError>& fetched,
         return failure(AccountError::dataLoadingError());
     }
     return *std::move(account);
+}
+
+// What a meeting creator's fetch says. Its client keeps refreshed tokens in the key chain alone.
+AccountResult checkedAccount(const Result<void, IntegrationLoadError>& fetched,
+                             const ServiceAccountConfiguration& temporary,
+                             const ServiceAccountConfiguration& configuration) {
+    const auto stored = ServiceCredentialsManager::stored(temporary.credentials->serviceCredentialsKey);
+    removeSecrets(temporary);
+    if (!fetched) {
+        return failure(AccountError::dataLoadingError());
+    }
+    return stored && *stored ? withSecrets(configuration, **stored) : configuration;
 }
 
 } // namespace
@@ -106,14 +120,11 @@ std::string IntegrationsManager::temporaryIdentifier(ServiceType serviceType) co
 }
 
 AccountCheck IntegrationsManager::accountCheck(ServiceType serviceType) {
-    using enum ServiceType;
-    constexpr ServiceType fetching[] = {TodoIst,  Asana, OneNote, Evernote, Trello,      MeisterTask,
-                                        TickTick, Slack, Hubspot, Notion,   GoogleDrive, Dropbox};
-    if (std::ranges::find(fetching, serviceType) != std::end(fetching)) {
-        return AccountCheck::byExporter;
-    }
-    // Zoom and GoTo are meeting services too, but there is nothing to check while they are connected.
-    return serviceType == MicrosoftTeams ? AccountCheck::byMeetingCreator : AccountCheck::none;
+    return factsOf(serviceType).accountCheck;
+}
+
+void IntegrationsManager::setFlowNote(FlowNote note) {
+    flowNote_ = std::move(note);
 }
 
 std::map<int, std::vector<ServiceAccountConfiguration>>
@@ -218,35 +229,48 @@ void IntegrationsManager::fetchAccount(const ServiceAccountConfiguration& config
 
 void IntegrationsManager::fetchAccountByExporter(const ServiceAccountConfiguration& configuration,
                                                  AccountCompletion completion) {
-    const auto temporary = createAccount(configuration, temporaryUserName);
+    auto temporary = createAccount(configuration, temporaryUserName);
+    if (!temporary) {
+        return completion(failure(AccountError::dataLoadingError()));
+    }
+    temporary = underKeyOfItsOwn(*std::move(temporary));
     const auto exporter =
-        temporary ? createServiceExporter(*temporary, std::make_shared<IntegrationsDataInteractorStub>())
-                  : nullptr;
+        createServiceExporter(*temporary, std::make_shared<IntegrationsDataInteractorStub>());
     if (!exporter) {
         return completion(failure(AccountError::dataLoadingError()));
     }
     exporter->fetchServiceData(
-        [temporary = *temporary, configuration, exporter, storage = configurationStorage_,
+        [note = noteFlow(temporary->credentials->serviceCredentialsKey), temporary = *temporary,
+         configuration, exporter, storage = configurationStorage_,
          completion = std::move(completion)](const Result<void, IntegrationLoadError>& fetched) mutable {
-            completion(loadAccount(fetched, temporary, configuration, *exporter, *storage));
+            auto account = loadAccount(fetched, temporary, configuration, *exporter, *storage);
+            note = nullptr;
+            completion(std::move(account));
         });
 }
 
 void IntegrationsManager::fetchAccountByMeetingCreator(const ServiceAccountConfiguration& configuration,
                                                        AccountCompletion completion) {
+    if (!configuration.credentials) {
+        return completion(failure(AccountError::dataLoadingError()));
+    }
+    const auto temporary = underKeyOfItsOwn(configuration);
     const auto fetcher =
-        std::dynamic_pointer_cast<IntegrationsServiceDataFetcher>(createMeetingCreator(configuration));
+        std::dynamic_pointer_cast<IntegrationsServiceDataFetcher>(createMeetingCreator(temporary));
     if (!fetcher) {
         return completion(failure(AccountError::dataLoadingError()));
     }
-    fetcher->fetchServiceData([configuration, fetcher, completion = std::move(completion)](
-                                  const Result<void, IntegrationLoadError>& fetched) mutable {
-        if (fetched) {
-            completion(configuration);
-        } else {
-            completion(failure(AccountError::dataLoadingError()));
-        }
-    });
+    fetcher->fetchServiceData(
+        [note = noteFlow(temporary.credentials->serviceCredentialsKey), temporary, configuration, fetcher,
+         completion = std::move(completion)](const Result<void, IntegrationLoadError>& fetched) mutable {
+            auto account = checkedAccount(fetched, temporary, configuration);
+            note = nullptr;
+            completion(std::move(account));
+        });
+}
+
+std::shared_ptr<void> IntegrationsManager::noteFlow(const std::string& serviceCredentialsKey) const {
+    return flowNote_ ? flowNote_(serviceCredentialsKey) : nullptr;
 }
 
 } // namespace zelto

@@ -2,6 +2,7 @@
 
 #include <ZeltoIntegrations/Accounts/IntegrationAccountCreationError.h>
 #include <ZeltoIntegrations/Accounts/ServiceConfigurationsStorage.h>
+#include <ZeltoIntegrations/Accounts/ServiceFacts.h>
 #include <ZeltoIntegrations/Client/MeetingCreator.h>
 #include <ZeltoIntegrations/Content/IntegrationError.h>
 #include <ZeltoIntegrations/Content/IntegrationsDataInteractorProtocol.h>
@@ -20,15 +21,11 @@
 
 namespace zelto {
 
-// Who asks a service whose an account is, while the account is being connected.
-enum class AccountCheck {
-    none, // it is taken as it comes
-    byExporter,
-    byMeetingCreator,
-};
-
 // The one object that a host holds: the accounts, the two flows that connect them, and the factory of
 // exporters, importers and meeting creators.
+//
+// A flow asks the service with secrets under a key of its own, which is gone when the flow has ended: nothing
+// is taken from another flow, and only a flow that succeeds writes the account's key.
 //
 // It has no state beyond what it is made with, and no lock. Synchronous operations run on the caller's
 // thread; a completion of the flows comes once, on the thread of the data fetch (or at once where there is
@@ -50,6 +47,12 @@ class IntegrationsManager {
     std::string temporaryIdentifier(ServiceType serviceType) const;
 
     static AccountCheck accountCheck(ServiceType serviceType);
+
+    // Called when a flow begins to ask a service, with the key in the key chain that it uses till its end;
+    // what it gives is held till then. A host that may be killed meanwhile notes the key by it, and removes
+    // later what was left there. To be set before the first flow.
+    using FlowNote = std::function<std::shared_ptr<void>(const std::string& serviceCredentialsKey)>;
+    void setFlowNote(FlowNote note);
 
     // By the raw value of the type; within a group the storage's order stands.
     std::map<int, std::vector<ServiceAccountConfiguration>> servicesConfigurationsGroupedByType() const;
@@ -125,11 +128,13 @@ class IntegrationsManager {
                                 AccountCompletion completion);
     void fetchAccountByMeetingCreator(const ServiceAccountConfiguration& configuration,
                                       AccountCompletion completion);
+    std::shared_ptr<void> noteFlow(const std::string& serviceCredentialsKey) const;
 
     const std::shared_ptr<ServiceConfigurationsStorage> configurationStorage_;
     const std::shared_ptr<IntegrationsPlatformInteractorProtocol> platformInteractor_;
     const EmailValidator emailValidator_;
     const std::string attachmentsPath_;
+    FlowNote flowNote_;
 };
 
 } // namespace zelto

@@ -34,10 +34,18 @@ struct FakeService {
     Result<void, IntegrationLoadError> fetched;
     std::optional<std::string> email = "alice@example.org";
     bool refreshesToken = false;
+    std::function<void()> duringFetch = [] {};
     int fetches = 0;
     int emailLoads = 0;
     std::vector<std::string> identifiersSeen; // of the accounts that exporters were made for
 };
+
+// What a client does with a refreshed token.
+ServiceAccountCredentials refreshed(ServiceAccountCredentials credentials) {
+    credentials.accessToken = "refreshed";
+    ServiceCredentialsManager::store(credentials);
+    return credentials;
+}
 
 class FakeExporter final : public ServiceExporter {
   public:
@@ -52,13 +60,10 @@ class FakeExporter final : public ServiceExporter {
     void fetchServiceData(Completion<void, IntegrationLoadError> completion) override {
         ++service_.fetches;
         if (service_.refreshesToken) {
-            // A client stores a refreshed token under the account's key alone; a cached value saves the
-            // account.
-            auto credentials = accountConfiguration().credentials.value();
-            credentials.accessToken = "refreshed";
-            ServiceCredentialsManager::store(credentials);
+            takeRefreshedTokens(refreshed(accountConfiguration().credentials.value()));
             setCachedValue(std::optional(1), "count");
         }
+        std::exchange(service_.duringFetch, [] {})();
         completion(service_.fetched);
     }
 
@@ -72,14 +77,20 @@ class FakeExporter final : public ServiceExporter {
 };
 
 struct FakeMeetingCreator final : MeetingCreator, IntegrationsServiceDataFetcher {
-    explicit FakeMeetingCreator(FakeService& service) : service(service) {}
+    FakeMeetingCreator(FakeService& service, ServiceAccountCredentials credentials)
+        : service(service), credentials(std::move(credentials)) {}
 
     void fetchServiceData(Completion<void, IntegrationLoadError> completion) override {
         ++service.fetches;
+        if (service.refreshesToken) {
+            refreshed(credentials);
+        }
+        std::exchange(service.duringFetch, [] {})();
         completion(service.fetched);
     }
 
     FakeService& service;
+    const ServiceAccountCredentials credentials;
 };
 
 struct PlainMeetingCreator final : MeetingCreator {};
@@ -97,14 +108,15 @@ class ManagerUnderTest : public IntegrationsManager {
     bool hasMeetingCreators = true;
     bool meetingCreatorFetches = true;
 
-    std::shared_ptr<MeetingCreator> createMeetingCreator(const ServiceAccountConfiguration&) override {
+    std::shared_ptr<MeetingCreator>
+    createMeetingCreator(const ServiceAccountConfiguration& configuration) override {
         if (!hasMeetingCreators) {
             return nullptr;
         }
         if (!meetingCreatorFetches) {
             return std::make_shared<PlainMeetingCreator>();
         }
-        return std::make_shared<FakeMeetingCreator>(service_);
+        return std::make_shared<FakeMeetingCreator>(service_, configuration.credentials.value());
     }
 
   protected:
@@ -247,7 +259,7 @@ TEST_F(IntegrationsManagerTest, AFailedFetchLeavesNoTemporaryAccountBehind) {
     const auto result = trySave(account(ServiceType::Asana, std::nullopt));
     EXPECT_EQ(result.error(), Error::dataLoadingError());
     EXPECT_TRUE(storage->loadConfigurations().empty());
-    EXPECT_EQ(stored("Asana+temp_user_name"), std::nullopt);
+    EXPECT_EQ(keyChain.keys(), Texts{});
     EXPECT_TRUE(interactor->added().empty());
 }
 
@@ -255,7 +267,7 @@ TEST_F(IntegrationsManagerTest, ASuccessfulFetchLeavesNoTemporaryAccountBehindEi
     service.refreshesToken = true;
     ASSERT_TRUE(trySave(account(ServiceType::Trello, std::nullopt)));
     EXPECT_FALSE(storage->load("Trello+temp_user_name"));
-    EXPECT_EQ(stored("Trello+temp_user_name"), std::nullopt);
+    EXPECT_EQ(keyChain.keys(), Texts{"ServiceCredentials - Trello+alice@example.org"});
     EXPECT_EQ(storage->loadConfigurations().size(), 1u);
     // What the exporter cached came along.
     EXPECT_EQ(storage->loadConfigurations()[0].getCachedItem<int>("count"), 1);
@@ -309,6 +321,81 @@ TEST_F(IntegrationsManagerTest, TeamsGivesDataLoadingErrorWhenItCannotFetch) {
     manager.hasMeetingCreators = false;
     EXPECT_EQ(trySave(account(ServiceType::MicrosoftTeams, "alice")).error(), Error::dataLoadingError());
     EXPECT_TRUE(storage->loadConfigurations().empty());
+}
+
+TEST_F(IntegrationsManagerTest, TokensThatWereRefreshedWhileAServiceWasAskedAreTheAccounts) {
+    service.refreshesToken = true;
+    for (const auto type : {ServiceType::Asana, ServiceType::MicrosoftTeams}) {
+        const auto old = account(type, "alice@example.org", "old");
+        EXPECT_EQ(trySave(old).value().credentials->accessToken, "refreshed") << nameOf(type);
+        EXPECT_EQ(stored(old.identifier()), R"({"accessToken":"refreshed"})") << nameOf(type);
+        ServiceCredentialsManager::store(*old.credentials);
+        EXPECT_EQ(tryUpdate(old, old).value().credentials->accessToken, "refreshed") << nameOf(type);
+        EXPECT_EQ(stored(old.identifier()), R"({"accessToken":"refreshed"})") << nameOf(type);
+    }
+    EXPECT_EQ(keyChain.keys(), (Texts{"ServiceCredentials - Asana+alice@example.org",
+                                      "ServiceCredentials - Microsoft Teams+alice@example.org"}));
+}
+
+TEST_F(IntegrationsManagerTest, AFlowThatFailsLeavesTheAccountsTokensAsTheyWere) {
+    service.refreshesToken = true;
+    service.fetched = failure(IntegrationLoadError::connectionError);
+    for (const auto type : {ServiceType::Asana, ServiceType::MicrosoftTeams}) {
+        const auto old = account(type, "alice@example.org", "old");
+        ServiceCredentialsManager::store(*old.credentials);
+        EXPECT_FALSE(tryUpdate(account(type, "alice@example.org", "new"), old)) << nameOf(type);
+        EXPECT_EQ(keyChain.keys(), Texts{old.credentials->serviceCredentialsKey});
+        EXPECT_EQ(stored(old.identifier()), R"({"accessToken":"old"})") << nameOf(type);
+        keyChain.clear();
+    }
+}
+
+TEST_F(IntegrationsManagerTest, AFlowTakesNothingOfAnotherThatRunsAtTheSameTime) {
+    service.refreshesToken = true;
+    for (const auto type : {ServiceType::Asana, ServiceType::MicrosoftTeams}) {
+        std::optional<AccountResult> inner;
+        service.duringFetch = [&] {
+            service.refreshesToken = false;
+            service.email = "bob@example.org";
+            inner = trySave(account(type, "bob@example.org", "bobs"));
+            service.email = "alice@example.org";
+        };
+        service.refreshesToken = true;
+        EXPECT_EQ(trySave(account(type, "alice@example.org", "alices")).value().credentials->accessToken,
+                  "refreshed");
+        ASSERT_TRUE(inner && *inner);
+        EXPECT_EQ((*inner)->credentials->accessToken, "bobs") << nameOf(type);
+        EXPECT_EQ((*inner)->userName(), "bob@example.org");
+    }
+}
+
+TEST_F(IntegrationsManagerTest, AFlowTakesNothingThatAKilledOneLeft) {
+    ServiceCredentialsManager::store(
+        *account(ServiceType::Asana, "temp_user_name", "of somebody else").credentials);
+    EXPECT_EQ(trySave(account(ServiceType::Asana, std::nullopt)).value().credentials->accessToken, "token");
+    EXPECT_EQ(stored("Asana+alice@example.org"), R"({"accessToken":"token"})");
+}
+
+TEST_F(IntegrationsManagerTest, AFlowIsNotedFromTheBeginningOfItsFetchToTheEndOfItsKey) {
+    for (const auto type : {ServiceType::Asana, ServiceType::MicrosoftTeams}) {
+        service = {};
+        service.refreshesToken = true;
+        std::weak_ptr<std::string> noted;
+        manager.setFlowNote([&](const std::string& key) {
+            auto note = std::make_shared<std::string>(key);
+            noted = note;
+            return note;
+        });
+        service.duringFetch = [&] {
+            const auto note = noted.lock();
+            ASSERT_TRUE(note);
+            EXPECT_TRUE(ServiceAccountCredentials::isFlowKey(*note)) << *note;
+            EXPECT_TRUE(keyChain.text(*note)) << *note;
+        };
+        manager.trySaveServiceConfiguration(
+            account(type, "alice@example.org"),
+            [&](const AccountResult& result) { EXPECT_TRUE(result && noted.expired()); });
+    }
 }
 
 TEST_F(IntegrationsManagerTest, UpdatingAsAnotherUserGivesAccountMismatchAndChangesNoSecret) {

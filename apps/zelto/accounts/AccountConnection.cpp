@@ -6,6 +6,7 @@
 
 #include <ZeltoHost/Platform/EmailValidator.h>
 #include <ZeltoHost/Platform/HostPlatformInteractor.h>
+#include <ZeltoHost/Storage/ConnectingFlow.h>
 #include <ZeltoIntegrations/Content/IntegrationsDataInteractorStub.h>
 
 namespace zelto::cli {
@@ -15,12 +16,12 @@ namespace {
 using AccountResult = Result<ServiceAccountConfiguration, IntegrationAccountCreationError>;
 using Account = ServiceAccountConfiguration;
 
-// A process that was killed while it connected has left it.
-void removeTemporary(const Workspace& workspace, IntegrationsManager& manager, ServiceType type) {
-    const auto left = workspace.storage().tryLoad(manager.temporaryIdentifier(type));
-    if (left && *left) {
-        manager.removeServiceConfiguration(**left);
-    }
+// A flow that cannot be noted is run all the same: only a kill would leave something of it.
+IntegrationsManager::FlowNote flowNote(const std::filesystem::path& directory) {
+    return [directory](const std::string& serviceCredentialsKey) -> std::shared_ptr<void> {
+        auto flow = ConnectingFlow::begin(directory, serviceCredentialsKey);
+        return flow ? *std::move(flow) : nullptr;
+    };
 }
 
 Failure connectFailure(const IntegrationAccountCreationError& error, const Account& account,
@@ -58,7 +59,9 @@ Outcome<Account> checked(const Workspace& workspace, const Account& account) {
 IntegrationsManager managerOf(const Workspace& workspace) {
     auto interactor =
         std::make_shared<HostPlatformInteractor>([](const URL&, Callback<bool> done) { done(false); });
-    return IntegrationsManager(workspace.sharedStorage(), std::move(interactor), isEmailAddress, {});
+    IntegrationsManager manager(workspace.sharedStorage(), std::move(interactor), isEmailAddress, {});
+    manager.setFlowNote(flowNote(workspace.directory()));
+    return manager;
 }
 
 Verification verificationOf(const Account& account, IntegrationsManager& manager) {
@@ -94,12 +97,11 @@ std::string noticeOf(Verification verification, ServiceType type) {
 Outcome<Account> connectAccount(const Workspace& workspace, const Account& account) {
     auto manager = managerOf(workspace);
     const auto type = account.serviceType();
-    // Two of one service would meet under the temporary identifier.
+    // Two of one user at once would both find that there is no such account yet.
     const auto lock = workspace.lock(manager.temporaryIdentifier(type));
     if (!lock) {
         return failure(lock.error());
     }
-    removeTemporary(workspace, manager, type);
     const auto verification = verificationOf(account, manager);
     const auto connected = waitFor<AccountResult>(
         [&](auto done) { manager.trySaveServiceConfiguration(account, std::move(done)); });
@@ -123,7 +125,6 @@ Outcome<Account> reconnectAccount(const Workspace& workspace, const Account& wit
     if (!lock) {
         return failure(lock.error());
     }
-    removeTemporary(workspace, manager, type);
     const auto verification = verificationOf(withNew, manager);
     const auto updated = waitFor<AccountResult>(
         [&](auto done) { manager.tryUpdateServiceConfiguration(withNew, fromOld, std::move(done)); });

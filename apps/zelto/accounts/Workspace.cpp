@@ -6,6 +6,10 @@
 #include "base/ShellText.h"
 #include "base/Terminal.h"
 
+#include <ZeltoHost/Storage/AccountRefreshLock.h>
+#include <ZeltoHost/Storage/ConnectingFlow.h>
+#include <ZeltoIntegrations/Accounts/ServiceFacts.h>
+
 #include <Platform/FileManager.h>
 #include <Platform/Joined.h>
 #include <Platform/Text.h>
@@ -30,6 +34,7 @@ std::filesystem::path dataDirectory(const Invocation& invocation) {
 void installKeyChain(const Invocation& invocation) {
     LVXKeyChainStoreFactory::setStore(std::make_shared<DeferredKeyChain>(
         invocation.value("--keychain"), dataDirectory(invocation) / "keychain"));
+    RefreshLock::install(std::make_shared<AccountRefreshLock>(dataDirectory(invocation)));
 }
 
 std::string reconnectCommand(const ServiceAccountConfiguration& account) {
@@ -79,6 +84,9 @@ Outcome<Workspace> Workspace::open(const Invocation& invocation, bool readOnly) 
     if (!storage) {
         return failure(failureOf(storage.error()));
     }
+    if (!readOnly) {
+        ConnectingFlow::removeLeftovers(directory, **storage);
+    }
     return Workspace(*std::move(storage), std::move(directory));
 }
 
@@ -102,7 +110,7 @@ Outcome<AccountLock> Workspace::lock(const std::string& identifier) const {
 }
 
 Outcome<std::optional<AccountLock>> Workspace::lockForUse(ServiceAccountConfiguration& account) const {
-    if (!account.credentials || !AccountLock::isNeededFor(account.serviceType())) {
+    if (!account.credentials || !factsOf(account.serviceType()).refreshesTokens) {
         return std::nullopt;
     }
     auto taken = lock(account.identifier());

@@ -16,7 +16,8 @@ namespace zelto::cli {
 // Where this call keeps accounts: --data-dir, else the user's data directory.
 std::filesystem::path dataDirectory(const Invocation& invocation);
 
-// Puts the key chain of --keychain in force; it is opened when it is first needed.
+// Puts the key chain of --keychain in force, which is opened when it is first needed, and the lock that keeps
+// refreshes apart between processes.
 void installKeyChain(const Invocation& invocation);
 
 // The accounts of a data directory.
@@ -24,6 +25,8 @@ class Workspace {
   public:
     // `readOnly`: nothing will be stored, so a directory that is not there is not made either.
     static Outcome<Workspace> open(const Invocation& invocation, bool readOnly = false);
+
+    const std::filesystem::path& directory() const { return directory_; }
 
     SQLiteAccountStorage& storage() const { return *storage_; }
 

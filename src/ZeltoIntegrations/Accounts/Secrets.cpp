@@ -13,27 +13,7 @@ namespace zelto {
 
 namespace {
 
-// In the order of RegistrationInternal.h, which is made when this is built.
-enum Service : std::size_t {
-    asana,
-    dropbox,
-    evernote,
-    googleDrive,
-    goTo,
-    hubspot,
-    meisterTask,
-    microsoftTeams,
-    notion,
-    oneNote,
-    slack,
-    tickTick,
-    todoist,
-    trello,
-    zoom,
-    serviceCount
-};
-
-static_assert(std::size(registration::serviceNames) == serviceCount);
+constexpr auto serviceCount = std::size(registration::serviceNames);
 
 struct Client {
     std::string id;
@@ -67,7 +47,7 @@ class Clients {
         return true;
     }
 
-    const Client& operator[](Service service) {
+    const Client& operator[](std::size_t service) {
         std::call_once(reading_, [this] { read(); });
         return clients_[service];
     }
@@ -95,135 +75,17 @@ class Clients {
     std::array<SecretRegistry::Registration, serviceCount> masks_;
 };
 
-const std::string& id(Service service) {
+const std::string& id(std::size_t service) {
     return Clients::shared()[service].id;
 }
 
-const std::string& secret(Service service) {
+const std::string& secret(std::size_t service) {
     return Clients::shared()[service].secret;
 }
 
 } // namespace
 
-const std::string& Secrets::asanaClientKey() {
-    return id(asana);
-}
-
-const std::string& Secrets::asanaClientSecret() {
-    return secret(asana);
-}
-
-const std::string& Secrets::dropboxClientID() {
-    return id(dropbox);
-}
-
-const std::string& Secrets::dropboxClientSecret() {
-    return secret(dropbox);
-}
-
-const std::string& Secrets::evernoteConsumerKey() {
-    return id(evernote);
-}
-
-const std::string& Secrets::evernoteConsumerSecret() {
-    return secret(evernote);
-}
-
-const std::string& Secrets::googleDriveClientID() {
-    return id(googleDrive);
-}
-
-const std::string& Secrets::googleDriveClientSecret() {
-    return secret(googleDrive);
-}
-
-const std::string& Secrets::goToClientKey() {
-    return id(goTo);
-}
-
-const std::string& Secrets::goToClientSecret() {
-    return secret(goTo);
-}
-
-const std::string& Secrets::hubspotClientID() {
-    return id(hubspot);
-}
-
-const std::string& Secrets::hubspotClientSecret() {
-    return secret(hubspot);
-}
-
-const std::string& Secrets::meisterTaskClientKey() {
-    return id(meisterTask);
-}
-
-const std::string& Secrets::meisterTaskClientSecret() {
-    return secret(meisterTask);
-}
-
-const std::string& Secrets::microsoftTeamsClientKey() {
-    return id(microsoftTeams);
-}
-
-const std::string& Secrets::microsoftTeamsClientSecret() {
-    return secret(microsoftTeams);
-}
-
-const std::string& Secrets::notionClientKey() {
-    return id(notion);
-}
-
-const std::string& Secrets::notionClientSecret() {
-    return secret(notion);
-}
-
-const std::string& Secrets::oneNoteClientKey() {
-    return id(oneNote);
-}
-
-const std::string& Secrets::oneNoteClientSecret() {
-    return secret(oneNote);
-}
-
-const std::string& Secrets::slackClientID() {
-    return id(slack);
-}
-
-const std::string& Secrets::slackClientSecret() {
-    return secret(slack);
-}
-
-const std::string& Secrets::tickTickClientKey() {
-    return id(tickTick);
-}
-
-const std::string& Secrets::tickTickClientSecret() {
-    return secret(tickTick);
-}
-
-const std::string& Secrets::todoistClientKey() {
-    return id(todoist);
-}
-
-const std::string& Secrets::todoistClientSecret() {
-    return secret(todoist);
-}
-
-const std::string& Secrets::trelloClientKey() {
-    return id(trello);
-}
-
-const std::string& Secrets::trelloClientSecret() {
-    return secret(trello);
-}
-
-const std::string& Secrets::zoomClientKey() {
-    return id(zoom);
-}
-
-const std::string& Secrets::zoomClientSecret() {
-    return secret(zoom);
-}
+#include <ZeltoIntegrations/Accounts/SecretsGettersInternal.inc>
 
 bool Secrets::overrideClient(std::string_view serviceName, std::optional<std::string> clientID,
                              std::optional<std::string> clientSecret) {

@@ -14,36 +14,9 @@ namespace zelto {
 struct Secrets {
     Secrets() = delete;
 
-    static const std::string& asanaClientKey();
-    static const std::string& asanaClientSecret();
-    static const std::string& dropboxClientID();
-    static const std::string& dropboxClientSecret();
-    static const std::string& evernoteConsumerKey();
-    static const std::string& evernoteConsumerSecret();
-    static const std::string& googleDriveClientID();
-    static const std::string& googleDriveClientSecret();
-    static const std::string& goToClientKey();
-    static const std::string& goToClientSecret();
-    static const std::string& hubspotClientID();
-    static const std::string& hubspotClientSecret();
-    static const std::string& meisterTaskClientKey();
-    static const std::string& meisterTaskClientSecret();
-    static const std::string& microsoftTeamsClientKey();
-    static const std::string& microsoftTeamsClientSecret();
-    static const std::string& notionClientKey();
-    static const std::string& notionClientSecret();
-    static const std::string& oneNoteClientKey();
-    static const std::string& oneNoteClientSecret();
-    static const std::string& slackClientID();
-    static const std::string& slackClientSecret();
-    static const std::string& tickTickClientKey();
-    static const std::string& tickTickClientSecret();
-    static const std::string& todoistClientKey();
-    static const std::string& todoistClientSecret();
-    static const std::string& trelloClientKey();
-    static const std::string& trelloClientSecret();
-    static const std::string& zoomClientKey();
-    static const std::string& zoomClientSecret();
+    // The identifier and the secret of each service's client, by the names that its constants use:
+    // asanaClientKey(), asanaClientSecret(), dropboxClientID() and so on (written by make-registration).
+#include <ZeltoIntegrations/Accounts/SecretsGetters.inc>
 
     // Puts a client of one's own in place of the one that was built in; what is absent stays. False, and
     // without effect, when the name is none of serviceNames() or a value was read before.

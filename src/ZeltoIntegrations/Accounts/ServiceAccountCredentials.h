@@ -6,6 +6,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace zelto {
 
@@ -14,6 +15,10 @@ namespace zelto {
 struct ServiceAccountCredentials {
     // For the account of that identifier: no secrets, `serviceCredentialsKey` made from the identifier.
     static ServiceAccountCredentials forIdentifier(const std::string& identifier);
+
+    // A key that no account has: for the secrets of a flow that connects or reconnects an account.
+    static std::string flowKey(const std::string& serviceCredentialsKey);
+    static bool isFlowKey(std::string_view serviceCredentialsKey);
 
     std::optional<std::string> accessToken;
     std::optional<std::string> refreshToken;

@@ -14,13 +14,17 @@ namespace {
 
 constexpr std::string_view sentMethods[] = {"POST", "GET", "DELETE", "PUT", "PATCH"};
 
+bool isSentMethod(std::string_view method) {
+    return std::ranges::find(sentMethods, method) != std::end(sentMethods);
+}
+
 } // namespace
 
 ServiceAsyncOperation::ServiceAsyncOperation(std::shared_ptr<URLSession> urlSession, JSONDecoder decoder,
                                              std::shared_ptr<ServiceAuthoriser> authoriser,
-                                             std::shared_ptr<const RequestMaker> request,
+                                             std::shared_ptr<const RequestSource> request,
                                              ResponseCompletion completion)
-    : ServiceOperation(std::move(urlSession), decoder), makeRequest_(std::move(request)),
+    : ServiceOperation(std::move(urlSession), decoder), source_(std::move(request)),
       authoriser_(std::move(authoriser)), completion_(std::move(completion)) {}
 
 void ServiceAsyncOperation::asyncMain(std::function<void()> onComplete) {
@@ -53,13 +57,16 @@ std::optional<ServiceClientError> ServiceAsyncOperation::preflight() {
     if (const auto error = failedRefresh()) {
         return error;
     }
-    request_ = (*makeRequest_)();
-    if (!request_ || std::ranges::find(sentMethods, request_->method) == std::end(sentMethods)) {
+    if (source_->method && !isSentMethod(*source_->method)) {
         return ServiceClientError::internalError;
     }
     tokenGeneration_ = authoriser_->tokenGeneration();
     if (authoriser_->shouldRefreshToken()) {
         return ServiceClientError::authorizationError;
+    }
+    request_ = source_->make();
+    if (!request_ || !isSentMethod(request_->method)) {
+        return ServiceClientError::internalError;
     }
     return sign();
 }
@@ -91,7 +98,7 @@ std::optional<ServiceClientError> ServiceAsyncOperation::sign() {
             return std::nullopt;
         }
         tokenGeneration_ = generation;
-        request_ = (*makeRequest_)();
+        request_ = source_->make();
         if (!request_) {
             return ServiceClientError::internalError;
         }

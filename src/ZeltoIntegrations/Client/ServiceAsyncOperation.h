@@ -29,7 +29,7 @@ class ServiceAsyncOperation final : public ServiceOperation {
     // the operation was cancelled before it began.
     ServiceAsyncOperation(std::shared_ptr<URLSession> urlSession, JSONDecoder decoder,
                           std::shared_ptr<ServiceAuthoriser> authoriser,
-                          std::shared_ptr<const RequestMaker> request, ResponseCompletion completion);
+                          std::shared_ptr<const RequestSource> request, ResponseCompletion completion);
 
   protected:
     void asyncMain(std::function<void()> onComplete) override;
@@ -43,7 +43,7 @@ class ServiceAsyncOperation final : public ServiceOperation {
     std::optional<ServiceClientError> sign();
     void complete(ServiceResult<ServiceResponse> result);
 
-    std::shared_ptr<const RequestMaker> makeRequest_;
+    std::shared_ptr<const RequestSource> source_;
     std::optional<URLRequest> request_; // signed
     const std::shared_ptr<ServiceAuthoriser> authoriser_;
     std::uint64_t tokenGeneration_ = 0;

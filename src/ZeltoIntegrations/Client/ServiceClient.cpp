@@ -24,10 +24,9 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
         refusalObserver_ = std::move(observer);
     }
 
-    std::shared_ptr<Operation> enqueueFirst(RequestMaker makeRequest,
-                                            std::shared_ptr<Operation> targetOperation,
+    std::shared_ptr<Operation> enqueueFirst(RequestSource source, std::shared_ptr<Operation> targetOperation,
                                             ServiceCompletion<ServiceResponse> completion) {
-        auto request = std::make_shared<const RequestMaker>(std::move(makeRequest));
+        auto request = std::make_shared<const RequestSource>(std::move(source));
         Retry retry{shared_from_this(),         request,        targetOperation,
                     finishedRefreshOperation(), cancellations_, std::move(completion)};
         return enqueue(std::move(request), nullptr, targetOperation, std::move(retry));
@@ -44,7 +43,7 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
     // The end of a request's first try.
     struct Retry {
         std::shared_ptr<Core> core;
-        std::shared_ptr<const RequestMaker> request;
+        std::shared_ptr<const RequestSource> request;
         std::shared_ptr<Operation> targetOperation;
         RefreshOperation finishedRefreshOperation; // when the request came
         std::uint64_t cancellations;               // till then
@@ -100,7 +99,7 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
         }
     }
 
-    std::shared_ptr<Operation> enqueue(std::shared_ptr<const RequestMaker> request,
+    std::shared_ptr<Operation> enqueue(std::shared_ptr<const RequestSource> request,
                                        const RefreshOperation& refresh,
                                        const std::shared_ptr<Operation>& targetOperation,
                                        ServiceAsyncOperation::ResponseCompletion completion) {
@@ -187,10 +186,10 @@ URLRequest ServiceClient::jsonRequest(std::string_view apiBaseURL, std::string_v
     return request;
 }
 
-std::shared_ptr<Operation> ServiceClient::enqueueRequest(RequestMaker makeRequest,
+std::shared_ptr<Operation> ServiceClient::enqueueRequest(RequestSource source,
                                                          std::shared_ptr<Operation> targetOperation,
                                                          ServiceCompletion<ServiceResponse> completion) {
-    return core_->enqueueFirst(std::move(makeRequest), std::move(targetOperation), std::move(completion));
+    return core_->enqueueFirst(std::move(source), std::move(targetOperation), std::move(completion));
 }
 
 } // namespace zelto

@@ -45,8 +45,8 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
     template <class T>
     std::shared_ptr<Operation> perform(URLRequest request, std::shared_ptr<Operation> targetOperation,
                                        ServiceCompletion<T> completion) {
-        return perform<T>(RequestMaker([request = std::move(request)] { return std::optional(request); }),
-                          std::move(targetOperation), std::move(completion));
+        return performSource<T>(RequestSource::of(std::move(request)), std::move(targetOperation),
+                                std::move(completion));
     }
 
     // The same for a request that is made anew for each try, once the token is the one that will be sent.
@@ -54,24 +54,8 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
     template <class T>
     std::shared_ptr<Operation> perform(RequestMaker makeRequest, std::shared_ptr<Operation> targetOperation,
                                        ServiceCompletion<T> completion) {
-        return enqueueRequest(
-            std::move(makeRequest), std::move(targetOperation),
-            [decoder = jsonDecoder_,
-             completion = std::move(completion)](ServiceResult<ServiceResponse> result) mutable {
-                completion(result ? serviceValue<T>(std::move(*result), decoder) : failure(result.error()));
-            });
-    }
-
-    // The same for a request that is made when it is sent. Without a request the result is `internalError`.
-    template <class T>
-    std::shared_ptr<Operation> perform(RequestMaker makeRequest, std::shared_ptr<Operation> targetOperation,
-                                       ServiceCompletion<T> completion) {
-        auto request = makeRequest();
-        if (!request) {
-            completion(failure(ServiceClientError::internalError));
-            return nullptr;
-        }
-        return perform<T>(*std::move(request), std::move(targetOperation), std::move(completion));
+        return performSource<T>({std::move(makeRequest), std::nullopt}, std::move(targetOperation),
+                                std::move(completion));
     }
 
     // Every request that has not ended ends with `connectionError`, and none of them is repeated. A refresh
@@ -94,7 +78,18 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
   private:
     class Core;
 
-    std::shared_ptr<Operation> enqueueRequest(RequestMaker makeRequest,
+    template <class T>
+    std::shared_ptr<Operation> performSource(RequestSource source, std::shared_ptr<Operation> targetOperation,
+                                             ServiceCompletion<T> completion) {
+        return enqueueRequest(
+            std::move(source), std::move(targetOperation),
+            [decoder = jsonDecoder_,
+             completion = std::move(completion)](ServiceResult<ServiceResponse> result) mutable {
+                completion(result ? serviceValue<T>(std::move(*result), decoder) : failure(result.error()));
+            });
+    }
+
+    std::shared_ptr<Operation> enqueueRequest(RequestSource source,
                                               std::shared_ptr<Operation> targetOperation,
                                               ServiceCompletion<ServiceResponse> completion);
 

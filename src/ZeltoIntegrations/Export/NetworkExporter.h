@@ -84,7 +84,15 @@ class NetworkExporter : public StepExporter {
                 return nullptr;
             }
             auto authoriser = std::make_shared<Authoriser>(*credentials);
+            authoriser->setTokensObserver([weakly = weak_from_this()](const auto& refreshed) {
+                if (const auto exporter = weakly.lock()) {
+                    static_cast<NetworkExporter&>(*exporter).takeRefreshedTokens(refreshed);
+                }
+            });
             auto client = std::make_shared<Client>(std::move(authoriser), JSONDecoder());
+            client->setRefusalObserver([report = run.sharedReport()](const ServiceRefusal& refusal) {
+                report->note(refusal);
+            });
             updateActiveClient(client);
             return client;
         });

@@ -1,5 +1,7 @@
 #include <ZeltoIntegrations/Export/ServiceExporter.h>
 
+#include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
+
 #include <utility>
 
 namespace zelto {
@@ -68,6 +70,17 @@ void ServiceExporter::saveConfiguration() {
         configurationStorage_->save(account);
         guard.lock();
     } while (saved != accountChanges_);
+}
+
+void ServiceExporter::takeRefreshedTokens(const ServiceAccountCredentials& credentials) {
+    modifyAccountConfiguration([&](ServiceAccountConfiguration& account) {
+        if (account.credentials) {
+            ServiceCredentialsManager::fill(credentials, *account.credentials);
+        }
+    });
+    if (configurationStorage_->load(accountConfiguration().identifier())) {
+        saveConfiguration();
+    }
 }
 
 std::shared_ptr<ExportProgress> ServiceExporter::refuseFormat(std::size_t unitCount,

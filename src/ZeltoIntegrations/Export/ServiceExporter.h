@@ -76,6 +76,10 @@ class ServiceExporter : public LoggerClient, public std::enable_shared_from_this
     void saveConfiguration();
 
   protected:
+    // Takes refreshed tokens into the exporter's copy of the account, and saves the account if it is still
+    // stored: one that was removed meanwhile stays removed.
+    void takeRefreshedTokens(const ServiceAccountCredentials& credentials);
+
     // Delivers the result of one export: the first call counts.
     template <class T> using ResultMediator = std::function<void(ExporterResult<T>)>;
     // Produces the configuration that the exporter itself would have offered.

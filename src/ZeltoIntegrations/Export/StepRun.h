@@ -60,6 +60,9 @@ class StepRun : public std::enable_shared_from_this<StepRun> {
 
     ExportReportLog& report() const { return *report_; }
 
+    // For what may outlive the run.
+    std::shared_ptr<ExportReportLog> sharedReport() const { return report_; }
+
     bool isCancelled() const;
     void cancel();
 

@@ -52,6 +52,34 @@ using Texts = std::vector<std::string>;
 
 } // namespace
 
+TEST(ServiceCredentialsManager, TellsARecordFromNoneAndFromOneThatCannotBeRead) {
+    const MemoryKeyChain keyChain;
+    const auto key = withKeyAlone().serviceCredentialsKey;
+    const auto stored = [&] { return ServiceCredentialsManager::stored(key); };
+    EXPECT_EQ(stored().value(), std::nullopt);
+    EXPECT_TRUE(ServiceCredentialsManager::store(filled()));
+    EXPECT_EQ(stored().value(), filled());
+    keyChain.setText(key, "{}");
+    EXPECT_EQ(stored().value(), withKeyAlone());
+    keyChain.setText(key, "no JSON");
+    EXPECT_EQ(stored().error().kind, KeyChainErrorKind::damaged);
+    keyChain.setLocked(true);
+    EXPECT_EQ(stored().error().kind, KeyChainErrorKind::locked);
+    EXPECT_FALSE(ServiceCredentialsManager::store(filled()));
+}
+
+TEST(ServiceAccountCredentials, AFlowsKeyIsOfNoAccountAndNeverTheSame) {
+    const auto key = withKeyAlone().serviceCredentialsKey;
+    const auto one = ServiceAccountCredentials::flowKey(key);
+    EXPECT_TRUE(one.starts_with(key));
+    EXPECT_NE(one, ServiceAccountCredentials::flowKey(key));
+    EXPECT_TRUE(ServiceAccountCredentials::isFlowKey(one));
+    for (const auto& other : {key, std::string(), one.substr(1), one + "0", one.substr(0, one.size() - 1),
+                              std::string("ServiceCredentials - "), std::string(100, '-')}) {
+        EXPECT_FALSE(ServiceAccountCredentials::isFlowKey(other)) << other;
+    }
+}
+
 TEST(ServiceCredentialsManager, StoreThenLoadOfARecordWithOnlyTheKeyRestoresAllFields) {
     const MemoryKeyChain keyChain;
     ServiceCredentialsManager::store(filled());

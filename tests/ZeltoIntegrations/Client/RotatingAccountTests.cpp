@@ -1,8 +1,10 @@
 #include "ServiceClientFixture.h"
 
 #include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
+#include <ZeltoIntegrations/Client/TokenRefreshes.h>
 #include <ZeltoIntegrations/Zoom/ZoomAuthoriser.h>
 
+#include <Support/FreshProcess.h>
 #include <Support/MemoryKeyChain.h>
 #include <Support/RotatingService.h>
 
@@ -10,6 +12,7 @@
 
 #include <atomic>
 #include <deque>
+#include <thread>
 
 namespace zelto {
 
@@ -102,6 +105,122 @@ TEST_F(RotatingAccount, ManyClientsAtOnceThatAreRefusedRefreshOnce) {
         ASSERT_EQ(service.refreshCount(), round);
         ASSERT_FALSE(service.hasEndedTheGrant());
     }
+}
+
+TEST_F(RotatingAccount, ARecordIsTakenWholeAlsoIfItHasNoTokens) {
+    keyChain.setText(keyAlone().serviceCredentialsKey, "{}");
+    ZoomAuthoriser authoriser(service.freshCredentials(identifier));
+    EXPECT_EQ(authoriser.accountCredentials(), keyAlone());
+}
+
+TEST_F(RotatingAccount, TokensThatAnotherProcessHasStoredAreTakenAndNothingIsSent) {
+    ServiceCredentialsManager::store(service.expiredCredentials(identifier));
+    const auto mine = client(keyAlone());
+    // As another process does.
+    auto fresh = service.freshCredentials(identifier);
+    fresh.accessToken = "access-1";
+    fresh.refreshToken = "refresh of the other process";
+    ServiceCredentialsManager::store(fresh);
+    EXPECT_TRUE(performed(*mine, itemRequest()));
+    EXPECT_EQ(service.refreshCount(), 0);
+}
+
+TEST_F(RotatingAccount, ARefreshThatIsRefusedIsNoFailureIfNewerTokensLieInTheKeyChain) {
+    const auto spent = service.expiredCredentials(identifier);
+    ServiceCredentialsManager::store(spent);
+    const auto authoriser = std::make_shared<ZoomAuthoriser>(keyAlone());
+    std::vector<ServiceAccountCredentials> observed;
+    authoriser->setTokensObserver([&](const auto& credentials) { observed.push_back(credentials); });
+    ASSERT_TRUE(authoriser->createRefreshTokenRequest());
+    auto newer = service.freshCredentials(identifier);
+    newer.refreshToken = "newer";
+    ServiceCredentialsManager::store(newer);
+    for (const auto error : {ServiceClientError::authorizationError, ServiceClientError::connectionError}) {
+        const auto generation = authoriser->tokenGeneration();
+        authoriser->setAccountCredentials(spent);
+        EXPECT_EQ(authoriser->updateToken(failure(error)).has_value(), observed.empty()) << nameOf(error);
+        EXPECT_NE(authoriser->tokenGeneration(), generation);
+        if (error == ServiceClientError::authorizationError) {
+            EXPECT_EQ(observed, std::vector{newer});
+            EXPECT_EQ(stored(), newer);
+        }
+    }
+}
+
+TEST_F(RotatingAccount, ARefusalSignsOutOnceAndAnotherClientFindsNoTokens) {
+    auto spent = service.expiredCredentials(identifier);
+    spent.refreshToken = "spent";
+    ServiceCredentialsManager::store(spent);
+    EXPECT_EQ(performed(*client(keyAlone()), itemRequest()), failure(ServiceClientError::authorizationError));
+    EXPECT_EQ(stored(), keyAlone());
+    EXPECT_EQ(performed(*client(spent), itemRequest()), failure(ServiceClientError::oauthError));
+}
+
+TEST_F(RotatingAccount, TheKeyChainIsReadOnceForAClientAndOnceForARefreshThatWritesOnce) {
+    const auto key = keyAlone().serviceCredentialsKey;
+    using Calls = std::vector<std::string>;
+    ServiceCredentialsManager::store(service.freshCredentials(identifier));
+    keyChain.takeCalls();
+    const auto mine = client(keyAlone());
+    EXPECT_TRUE(Requests(*mine, 10).allEndWith("{}"));
+    EXPECT_EQ(keyChain.takeCalls(), Calls{"read " + key});
+    service.refuseAccessToken();
+    EXPECT_TRUE(Requests(*mine, 10).allEndWith("{}"));
+    EXPECT_EQ(keyChain.takeCalls(), (Calls{"read " + key, "write " + key}));
+}
+
+TEST_F(RotatingAccount, TokensThatCouldNotBeStoredAreKeptForTheClient) {
+    ServiceCredentialsManager::store(service.expiredCredentials(identifier));
+    const auto mine = client(keyAlone());
+    keyChain.setLocked(true);
+    EXPECT_TRUE(performed(*mine, itemRequest()));
+    keyChain.setLocked(false);
+    EXPECT_EQ(stored().refreshToken, "refresh-1");
+    service.refuseAccessToken();
+    EXPECT_TRUE(performed(*mine, itemRequest())) << "what lies in the key chain is older";
+    EXPECT_EQ(stored().refreshToken, "refresh-3");
+    EXPECT_EQ(service.refreshCount(), 2);
+}
+
+TEST_F(RotatingAccount, ItsOwnerHasTheTokensBeforeARequestGoesOn) {
+    const auto authoriser = std::make_shared<ZoomAuthoriser>(service.expiredCredentials(identifier));
+    authoriser->setTokensObserver([&](const ServiceAccountCredentials& credentials) {
+        EXPECT_EQ(credentials.refreshToken, "refresh-2");
+        EXPECT_EQ(stored(), credentials);
+        EXPECT_EQ(service.requestCount(), 0);
+    });
+    ServiceClient client(authoriser, {});
+    EXPECT_TRUE(performed(client, itemRequest()));
+    EXPECT_EQ(service.requestCount(), 1);
+}
+
+TEST(TokenRefreshes, ThatWereSentAreWaitedForAtTheEndAndNoneIsSentAfterIt) {
+    expectInFreshProcess([] {
+        const MemoryKeyChain keyChain;
+        RotatingService service;
+        Event arrived;
+        Event gate;
+        const TestHTTPServer server([&](const ReceivedRequest& request) {
+            arrived.set();
+            gate.wait();
+            return service.answer(request);
+        });
+        const ServiceRoute route(server);
+        ServiceClient client(std::make_shared<ZoomAuthoriser>(service.expiredCredentials(identifier)), {});
+        Requests cancelled(client, 3);
+        arrived.wait();
+        client.cancelAllOperations();
+        const bool endAtOnce = cancelled.allEndWith(failure(ServiceClientError::connectionError));
+        std::jthread opener([&] { gate.set(); });
+        TokenRefreshes::endAll();
+        const auto stored = ServiceCredentialsManager::stored(
+            ServiceAccountCredentials::forIdentifier(identifier).serviceCredentialsKey);
+        const bool isStored = stored && *stored && (*stored)->refreshToken == "refresh-2";
+        const auto sent = server.requests().size();
+        ServiceClient late(std::make_shared<ZoomAuthoriser>(service.expiredCredentials("Zoom+late")), {});
+        const bool isRefused = performed(late, itemRequest()) == failure(ServiceClientError::connectionError);
+        return endAtOnce && isStored && isRefused && server.requests().size() == sent;
+    });
 }
 
 // The old token is refused one request after the other, each when the one before has been repeated.

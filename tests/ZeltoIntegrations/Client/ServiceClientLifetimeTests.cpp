@@ -28,8 +28,8 @@ class CancellingAuthoriser : public FakeAuthoriser {
     ServiceClient* client = nullptr;
 };
 
-std::shared_ptr<const RequestMaker> made(const URLRequest& request) {
-    return std::make_shared<const RequestMaker>([request] { return std::optional(request); });
+std::shared_ptr<const RequestSource> made(const URLRequest& request) {
+    return std::make_shared<const RequestSource>(RequestSource::of(request));
 }
 
 // Holds every answer back until it is let go.

@@ -150,7 +150,7 @@ TEST(ServiceClientRefresh, AfterARefreshThatFailedTheNextStaleRequestTriesAgain)
     EXPECT_EQ(performed(client, itemRequest()), "ok");
 }
 
-TEST(ServiceClientRefresh, TwoClientsOfOneAccountRefreshEachForItself) {
+TEST(ServiceClientRefresh, ClientsOfAccountsWithoutAKeyRefreshEachForItself) {
     TokenServer server;
     server.refreshGate().set();
     const ServiceRoute route(server.http());

@@ -1,0 +1,93 @@
+#include <ZeltoHost/Storage/AccountRefreshLock.h>
+
+#include <ZeltoHost/Storage/DataDirectory.h>
+#include <ZeltoHost/Storage/FileLockInternal.h>
+
+#include <Platform/Operations/OperationQueue.h>
+
+#include <utility>
+
+#include <sys/file.h>
+
+namespace zelto {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// The system tells nobody when a file's lock is free. Another process's refresh takes longer than this.
+constexpr std::chrono::milliseconds interval{20};
+
+Result<FileDescriptor, StorageError> lockFileOf(const std::filesystem::path& dataDirectory,
+                                                const std::string& key) {
+    if (auto prepared = prepareDataDirectory(dataDirectory); !prepared) {
+        return failure(prepared.error());
+    }
+    return openLockFile(lockPath(dataDirectory, "refresh of " + key));
+}
+
+std::shared_ptr<void> heldBy(FileDescriptor file) {
+    return std::make_shared<FileDescriptor>(std::move(file));
+}
+
+} // namespace
+
+AccountRefreshLock::AccountRefreshLock(std::filesystem::path dataDirectory,
+                                       std::chrono::milliseconds longestWait)
+    : dataDirectory_(std::move(dataDirectory)), longestWait_(longestWait) {}
+
+AccountRefreshLock::~AccountRefreshLock() {
+    watch_.request_stop();
+    if (watch_.joinable()) {
+        watch_.join();
+    }
+    for (auto& each : waiting_) {
+        each.taken(nullptr);
+    }
+}
+
+void AccountRefreshLock::take(const std::string& serviceCredentialsKey,
+                              Callback<std::shared_ptr<void>> taken) {
+    auto file = lockFileOf(dataDirectory_, serviceCredentialsKey);
+    if (!file) {
+        return taken(nullptr);
+    }
+    if (lockFile(*file, LOCK_EX | LOCK_NB)) {
+        return taken(heldBy(*std::move(file)));
+    }
+    wait({*std::move(file), std::move(taken), Clock::now() + longestWait_});
+}
+
+void AccountRefreshLock::wait(Waiting waiting) {
+    const std::lock_guard guard(lock_);
+    waiting_.push_back(std::move(waiting));
+    if (!watch_.joinable()) {
+        watch_ = std::jthread([this](const std::stop_token& stop) { watch(stop); });
+    }
+    changed_.notify_all();
+}
+
+void AccountRefreshLock::watch(const std::stop_token& stop) {
+    std::unique_lock guard(lock_);
+    while (changed_.wait(guard, stop, [this] { return !waiting_.empty(); })) {
+        std::erase_if(waiting_, isSettled);
+        changed_.wait_for(guard, stop, interval, [] { return false; });
+        if (stop.stop_requested()) {
+            return;
+        }
+    }
+}
+
+// The refresh goes on in the pool: it reads the key chain, and others wait here.
+bool AccountRefreshLock::isSettled(Waiting& waiting) {
+    const bool isLocked = lockFile(waiting.file, LOCK_EX | LOCK_NB);
+    if (!isLocked && Clock::now() < waiting.deadline) {
+        return false;
+    }
+    auto held = isLocked ? heldBy(std::move(waiting.file)) : nullptr;
+    OperationQueue().addOperation(
+        [held = std::move(held), taken = std::move(waiting.taken)]() mutable { taken(std::move(held)); });
+    return true;
+}
+
+} // namespace zelto

@@ -1,0 +1,197 @@
+#include "ServiceClientFixture.h"
+
+#include <ZeltoIntegrations/Accounts/LiveSecrets.h>
+#include <ZeltoIntegrations/Client/ServiceRefusal.h>
+
+#include <Support/FailingResponses.h>
+
+#include <gtest/gtest.h>
+
+namespace zelto {
+
+namespace {
+
+using E = ServiceClientError;
+
+// A client whose refusals are kept.
+class ObservedClient {
+  public:
+    explicit ObservedClient(
+        const std::shared_ptr<ServiceAuthoriser>& authoriser = std::make_shared<FakeAuthoriser>())
+        : client_(authoriser, {}) {
+        client_.setRefusalObserver([this](const ServiceRefusal& refusal) { refusals_.push_back(refusal); });
+    }
+
+    // What was observed by the time the completion came.
+    std::vector<ServiceRefusal> refusalsOf(URLRequest request) {
+        Completed<std::vector<ServiceRefusal>> observed;
+        client_.perform<std::string>(
+            std::move(request), nullptr,
+            [this, told = observed.callback<Callback<std::vector<ServiceRefusal>>>()](const auto&) mutable {
+                told(refusals_);
+            });
+        return observed.value();
+    }
+
+  private:
+    std::vector<ServiceRefusal> refusals_;
+    ServiceClient client_;
+};
+
+} // namespace
+
+TEST(ServiceWords, AreTakenFromWhereServicesPutThem) {
+    const std::pair<const char*, const char*> rows[] = {
+        {R"({"errors":[{"message":"project: Not a recognized ID","help":"x"}]})",
+         "project: Not a recognized ID"},
+        {R"({"errors":[{"message":"one"},{"x":1},{"message":"two"}]})", "one; two"},
+        {R"({"errors":["one","two"]})", "one; two"},
+        {R"({"errors":[],"message":"outside"})", "outside"},
+        {R"({"error":{"code":401,"message":"Invalid Credentials"}})", "Invalid Credentials"},
+        {R"({"error":"invalid_grant","error_description":"The grant has expired."})",
+         "The grant has expired."},
+        {R"({"error":"invalid_grant"})", "invalid_grant"},
+        {R"({"message":"Not found","error":"x"})", "Not found"},
+        {R"({"ok":false,"error":"channel_not_found"})", "channel_not_found"},
+        {R"([{"message":"first"},"second"])", "first; second"},
+        {R"("a text")", "a text"},
+        {R"({"error":1})", ""},
+        {R"({"error":{"message":{"x":"y"}}})", ""},
+        {"invalid id\n", "invalid id"},
+        {"<html><body>Bad gateway</body></html>", ""},
+        {" <!doctype html>", ""},
+        {"{\"message\":", ""},
+        {"", ""},
+        {"\xff\xfe", ""},
+    };
+    for (const auto& [body, words] : rows) {
+        EXPECT_EQ(wordsOfErrorBody(body), words) << body;
+    }
+    EXPECT_EQ(wordsOfErrorBody(std::string(10'000, 'a')), "") << "a page, not a message";
+}
+
+TEST(ServiceWords, AreOneLineWithoutControlCharactersAndAreCut) {
+    EXPECT_EQ(cleanedWords(" a\r\n\tb \x1b[31mc\x7f\u0085d\u202e e  "), "a b [31mc d e");
+    EXPECT_EQ(cleanedWords(std::string("nul\0byte", 8)), "nul byte");
+    EXPECT_EQ(cleanedWords("gr\xc3\xbc\xc3\x9f \xff"), "gr\xc3\xbc\xc3\x9f \xef\xbf\xbd");
+    for (const std::size_t length : {299U, 300U, 301U}) {
+        EXPECT_EQ(cleanedWords(std::string(length, 'q')),
+                  std::string(std::min<std::size_t>(length, 300), 'q'));
+    }
+    std::string accents;
+    for (int each = 0; each < 301; ++each) {
+        accents += "e\xcc\x81";
+    }
+    EXPECT_EQ(cleanedWords(accents), accents.substr(0, 900));
+}
+
+TEST(ServiceWords, HoldNoSecret) {
+    auto secret = ServiceAccountCredentials::forIdentifier("x");
+    secret.accessToken = "canary-token-words";
+    maskInLog(secret);
+    EXPECT_EQ(wordsOfErrorBody(R"({"message":"canary-token-words is bad"})"), "*** is bad");
+}
+
+TEST(ServiceRefusal, HoldsTheWordsOfTheResponseBeforeTheCompletion) {
+    const TestHTTPServer server(Answers{PlayedResponse::json(R"({"message":"no such board"})", 404)});
+    const ServiceRoute route(server);
+    EXPECT_EQ(ObservedClient().refusalsOf(itemRequest()),
+              (std::vector<ServiceRefusal>{{"no such board", false}}));
+}
+
+TEST(ServiceRefusal, IsNoneOfASuccessNorOfATryThatWasRepeated) {
+    const TestHTTPServer server(Answers{{.status = 401, .body = "expired"}, freshToken(), {.body = "ok"}});
+    const ServiceRoute route(server);
+    ObservedClient client(std::make_shared<FakeAuthoriser>("old-token"));
+    EXPECT_TRUE(client.refusalsOf(itemRequest()).empty());
+}
+
+TEST(ServiceRefusal, OfARefreshIsThatOfEachRequestThatWaitedForIt) {
+    const TestHTTPServer server(
+        Answers{PlayedResponse::json(R"({"error":"invalid_grant","error_description":"revoked"})", 400)});
+    const ServiceRoute route(server);
+    ObservedClient client(FakeAuthoriser::stale());
+    EXPECT_EQ(client.refusalsOf(itemRequest()), (std::vector<ServiceRefusal>{{"revoked", true}}));
+}
+
+TEST(ServiceRefusal, OfAServiceWithoutARefreshKeepsTheFirstWords) {
+    const TestHTTPServer server(Answers{{.status = 401, .body = "invalid token"}});
+    const ServiceRoute route(server);
+    const auto authoriser = std::make_shared<FakeAuthoriser>();
+    authoriser->setRefreshRequest(std::nullopt);
+    EXPECT_EQ(ObservedClient(authoriser).refusalsOf(itemRequest()),
+              (std::vector<ServiceRefusal>{{"invalid token", false}}));
+}
+
+TEST(ServiceRefusal, KnowsWhetherAnythingWasSent) {
+    const auto of = [](const PlayedResponse& response) {
+        const TestHTTPServer server([&](const ReceivedRequest&) { return response; });
+        const ServiceRoute route(server);
+        return ObservedClient().refusalsOf(itemRequest("POST"));
+    };
+    EXPECT_EQ(of(PlayedResponse::reset()), (std::vector<ServiceRefusal>{{"", false}}));
+    EXPECT_EQ(of(PlayedResponse::bytes("garbage")), (std::vector<ServiceRefusal>{{"", false}}));
+    // Nobody listens there any more.
+    std::optional<TestHTTPServer> gone(std::in_place, Answers{});
+    const auto address = gone->url();
+    gone.reset();
+    const ServiceRoute route(address);
+    EXPECT_EQ(ObservedClient().refusalsOf(itemRequest("POST")), (std::vector<ServiceRefusal>{{"", true}}));
+    EXPECT_EQ(ObservedClient(std::make_shared<FakeAuthoriser>(std::nullopt)).refusalsOf(itemRequest()),
+              (std::vector<ServiceRefusal>{{"", true}}));
+}
+
+TEST(ServiceRefusal, OfEachTransportErrorSaysWhetherAnythingWasSent) {
+    for (const auto& each : casesOf<URLErrorCode>()) {
+        const auto refusal = serviceRefusal(std::nullopt, nullptr, URLError{each.value, "It failed."});
+        const bool isUnsent =
+            each.value == URLErrorCode::invalidRequest || each.value == URLErrorCode::cannotFindHost ||
+            each.value == URLErrorCode::cannotConnect || each.value == URLErrorCode::secureConnection;
+        EXPECT_EQ(refusal, (ServiceRefusal{"", isUnsent})) << each.name;
+    }
+}
+
+TEST(RequestMaker, IsCalledForEachTryWithTheTokenThatWillBeSent) {
+    const TestHTTPServer server(Answers{{.status = 401}, freshToken(), {.body = "ok"}});
+    const ServiceRoute route(server);
+    const auto authoriser = std::make_shared<FakeAuthoriser>("old-token");
+    ServiceClient client(authoriser, {});
+    Completed<ServiceResult<std::string>> end;
+    client.perform<std::string>(
+        [authoriser] {
+            return std::optional(
+                itemRequest("GET", "/items/" + std::to_string(authoriser->updates().size())));
+        },
+        nullptr, end.callback<ServiceCompletion<std::string>>());
+    EXPECT_EQ(end.value(), "ok");
+    const auto texts = server.texts();
+    EXPECT_EQ(texts[0], signedRequest("old-token", "/items/0"));
+    EXPECT_EQ(texts[2], signedRequest("new-token", "/items/1"));
+}
+
+TEST(RequestMaker, IsNotCalledBeforeARefreshOfAStaleTokenHasEnded) {
+    const TestHTTPServer server(Answers{freshToken(), {.body = "ok"}});
+    const ServiceRoute route(server);
+    const auto authoriser = FakeAuthoriser::stale();
+    ServiceClient client(authoriser, {});
+    Completed<ServiceResult<std::string>> end;
+    client.perform<std::string>(
+        [authoriser] {
+            EXPECT_EQ(authoriser->updates().size(), 1U);
+            return std::optional(itemRequest());
+        },
+        nullptr, end.callback<ServiceCompletion<std::string>>());
+    EXPECT_EQ(end.value(), "ok");
+}
+
+TEST(RequestMaker, WithoutARequestIsAnInternalError) {
+    const TestHTTPServer server(Answers{});
+    const ServiceRoute route(server);
+    ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
+    Completed<ServiceResult<std::string>> end;
+    client.perform<std::string>([] { return std::optional<URLRequest>(); }, nullptr,
+                                end.callback<ServiceCompletion<std::string>>());
+    EXPECT_EQ(end.value(), failure(E::internalError));
+}
+
+} // namespace zelto
