@@ -90,9 +90,8 @@ class NetworkExporter : public StepExporter {
                 }
             });
             auto client = std::make_shared<Client>(std::move(authoriser), JSONDecoder());
-            client->setRefusalObserver([report = run.sharedReport()](const ServiceRefusal& refusal) {
-                report->note(refusal);
-            });
+            client->setRefusalObserver(
+                [report = run.sharedReport()](const ServiceRefusal& refusal) { report->note(refusal); });
             updateActiveClient(client);
             return client;
         });

@@ -16,7 +16,12 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <csignal>
 #include <cstdlib>
+#include <type_traits>
+
+#include <unistd.h>
 
 namespace zelto {
 
@@ -25,6 +30,7 @@ namespace {
 constexpr auto identifier = "Zoom+work";
 constexpr auto directoryVariable = "ZELTO_TEST_LOCK_DIRECTORY";
 constexpr auto serviceVariable = "ZELTO_TEST_LOCK_SERVICE";
+constexpr auto killVariable = "ZELTO_TEST_LOCK_KILL"; // the step before which the process is killed
 
 using Held = std::shared_ptr<void>;
 
@@ -48,18 +54,57 @@ bool useAccount(const std::filesystem::path& directory) {
     return client.call();
 }
 
-// In a process that startUser has started: whether it could use the account.
+// A key chain in a file that kills its process before or behind one of its calls: 0 is before the first one,
+// 1 behind it, 2 before the second one and so on.
+class KillingKeyChain final : public LVXKeyChainStore {
+  public:
+    KillingKeyChain(const std::filesystem::path& file, int step) : file_(file), step_(step) {}
+
+    Result<std::optional<Data>, KeyChainError> read(const std::string& key) override {
+        return called([&] { return file_.read(key); });
+    }
+
+    Result<void, KeyChainError> write(const std::string& key, const Data& value) override {
+        return called([&] { return file_.write(key, value); });
+    }
+
+    Result<bool, KeyChainError> erase(const std::string& key) override {
+        return called([&] { return file_.erase(key); });
+    }
+
+  private:
+    template <class F> std::invoke_result_t<F> called(F call) {
+        count();
+        auto result = call();
+        count();
+        return result;
+    }
+
+    void count() {
+        if (steps_++ == step_) {
+            ::kill(::getpid(), SIGKILL);
+        }
+    }
+
+    FileKeyChainStore file_;
+    const int step_;
+    std::atomic<int> steps_ = 0;
+};
+
+// In a process that asUser has started: whether it could use the account.
 bool worksAsUser(const char* directory) {
-    const InstalledKeyChain keyChain(
-        std::make_shared<FileKeyChainStore>(std::filesystem::path(directory) / "keychain"));
+    const auto* kill = std::getenv(killVariable);
+    const InstalledKeyChain keyChain(std::make_shared<KillingKeyChain>(
+        std::filesystem::path(directory) / "keychain", kill ? std::atoi(kill) : -1));
     URLSessionConfiguration::setDefaults({.route = URL::parse(std::getenv(serviceVariable))});
     return useAccount(directory);
 }
 
-// The test below in a process of its own, where it is one of the eight.
-ProcessRequest asUser(const std::filesystem::path& directory, const URL& service) {
+// The test below in a process of its own, where it uses the account.
+ProcessRequest asUser(const std::filesystem::path& directory, const URL& service, int killedBefore = -1) {
     return {.arguments = {"/usr/bin/env", std::string(directoryVariable) + "=" + directory.string(),
                           std::string(serviceVariable) + "=" + service.absoluteString(),
+                          std::string(killVariable) + "=" + std::to_string(killedBefore),
                           std::filesystem::read_symlink("/proc/self/exe").string(),
                           "--gtest_filter=AccountRefreshLock.LetsEightProcessesRefreshOnceInSum"}};
 }
@@ -165,6 +210,28 @@ TEST(AccountRefreshLock, LetsEightProcessesRefreshOnceInSum) {
         }
         EXPECT_EQ(service.refreshCount(), round);
         EXPECT_FALSE(service.hasEndedTheGrant());
+    }
+}
+
+// A refresh reads the key chain for the client, then again at its turn, is sent, and writes.
+TEST(AccountRefreshLock, AProcessKilledAtAnyStepLosesTheAccountOnlyBetweenTheResponseAndItsStoring) {
+    constexpr int beforeWriting = 4;
+    constexpr int lastStep = 5;
+    for (int step = 0; step <= lastStep; ++step) {
+        SCOPED_TRACE("step " + std::to_string(step));
+        RotatingService service;
+        const TestHTTPServer server([&](const ReceivedRequest& request) { return service.answer(request); });
+        const TemporaryFolder folder;
+        const auto directory = std::filesystem::path(folder / "data");
+        storeStaleAccount(directory, service);
+        ProcessRunner runner;
+        Completed<ProcessResult> killed;
+        runner.start(asUser(directory, server.url(), step), killed.callback<Callback<ProcessResult>>());
+        EXPECT_FALSE(killed.value().succeeded());
+        Completed<ProcessResult> next;
+        runner.start(asUser(directory, server.url()), next.callback<Callback<ProcessResult>>());
+        EXPECT_EQ(next.value().succeeded(), step != beforeWriting);
+        EXPECT_EQ(service.hasEndedTheGrant(), step == beforeWriting);
     }
 }
 

@@ -199,7 +199,7 @@ TEST_F(TrelloExportTest, WithoutACardNothingIsUploadedThoughTheStepsRun) {
     EXPECT_EQ(one.pdfPaths.size(), 1U);
     EXPECT_EQ(log.messages(LogLevel::warn), Texts{"Trello creation card error: serviceInternalError"});
     EXPECT_EQ(one.exporter()->exportReport(),
-              (ExportReport{{}, {Refused{"card", "Title", ServiceClientError::serviceInternalError}}}));
+              (ExportReport{{}, {Refused{"card", "Title", ServiceClientError::serviceInternalError, "no"}}}));
 }
 
 TEST_F(TrelloExportTest, WithoutHtmlThereIsNoPdfAndTheAttachmentsGoOn) {
@@ -243,7 +243,7 @@ TEST_F(TrelloExportTest, AFailedUploadLeavesTheCardAndGoesOnWithTheOthers) {
     EXPECT_EQ(
         one.exporter()->exportReport(),
         (ExportReport{{Made{"card", "Title", "c1"}, Made{"file", "Title.pdf", {}}, Made{"file", "b.txt", {}}},
-                      {Refused{"file", "a.txt", ServiceClientError::apiCallError}}}));
+                      {Refused{"file", "a.txt", ServiceClientError::apiCallError, "no"}}}));
 }
 
 TEST_F(TrelloExportTest, TheFirstFailureInTheOrderOfTheStepsIsReported) {

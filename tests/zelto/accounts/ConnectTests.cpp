@@ -10,6 +10,13 @@ using Connect = ConnectedProgram;
 
 const std::string goThere = "urllib.request.urlopen(address).read()\n";
 
+// The notes of flows that have not removed what they had in the key chain; beside them lies their lock.
+std::size_t flowsLeft(const ZeltoProgram& zelto) {
+    const auto files = ZeltoProgram::filesBelow(zelto.dataDirectory() / "flows");
+    EXPECT_FALSE(files.empty());
+    return files.empty() ? 0 : files.size() - 1;
+}
+
 } // namespace
 
 TEST_F(Connect, SignsInToTrelloInTheBrowser) {
@@ -22,8 +29,7 @@ TEST_F(Connect, SignsInToTrelloInTheBrowser) {
     const auto credentials = stored(sandboxAccount);
     EXPECT_TRUE(credentials.accessToken);
     EXPECT_TRUE(credentials.tokenSecret);
-    // Nothing of the temporary account is left.
-    EXPECT_EQ(stored("Trello+temp_user_name").accessToken, std::nullopt);
+    EXPECT_EQ(flowsLeft(zelto), 0U);
 }
 
 TEST_F(Connect, FollowsTheSandboxsPagesByItself) {
@@ -71,7 +77,7 @@ TEST_F(Connect, SeveralAtOnceMakeOneAccount) {
         " connect trello --follow 2>> told & done; wait; grep -c 'is connected already' told");
     EXPECT_EQ(outcome.output, "Connected " + sandboxAccount + ".\n3\n");
     EXPECT_EQ(run({"targets", sandboxAccount, "--refresh"}).status, 0);
-    EXPECT_EQ(stored("Trello+temp_user_name").accessToken, std::nullopt);
+    EXPECT_EQ(flowsLeft(zelto), 0U);
 }
 
 TEST_F(Connect, OfAnAccountThatIsThereNamesReconnect) {
@@ -90,7 +96,7 @@ TEST_F(Connect, ToldBySomebodyElsesTokenKeepsNothing) {
     EXPECT_EQ(outcome.text("error"), "dataLoadingError");
     EXPECT_NE(outcome.text("message").find("Trello"), std::string::npos);
     EXPECT_EQ(stored(sandboxAccount).accessToken, std::nullopt);
-    EXPECT_EQ(stored("Trello+temp_user_name").accessToken, std::nullopt);
+    EXPECT_EQ(flowsLeft(zelto), 0U);
     EXPECT_EQ(zelto.run({"accounts", "--json"}).json().find("accounts")->asArray()->size(), 0U);
 }
 
