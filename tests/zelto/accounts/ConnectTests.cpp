@@ -49,15 +49,18 @@ TEST_F(Connect, SignsInAtEveryServiceAsFarAsThisVersionGoes) {
     }
     EXPECT_TRUE(stored("Zoom").refreshToken);
     EXPECT_TRUE(stored("Zoom").expirationDate);
-    for (const auto* name : {"todoist", "asana", "onenote", "evernote", "meistertask", "ticktick", "slack",
-                             "hubspot", "notion", "googledrive", "dropbox", "teams"}) {
+    const auto asana = run({"connect", "asana", "--follow", "--json"});
+    EXPECT_EQ(asana.status, 0) << asana.output;
+    EXPECT_EQ(asana.json().find("verified")->asBool(), true);
+    for (const auto* name : {"todoist", "onenote", "evernote", "meistertask", "ticktick", "slack", "hubspot",
+                             "notion", "googledrive", "dropbox", "teams"}) {
         const auto outcome = run({"connect", name, "--follow", "--json"});
         // The sign-in itself has worked: what fails is what comes behind it.
         EXPECT_EQ(outcome.text("error"), "dataLoadingError") << name << outcome.output;
         EXPECT_NE(outcome.text("message").find("so nothing was kept"), std::string::npos);
         EXPECT_NE(outcome.errorOutput.find("This version has no client for"), std::string::npos);
     }
-    EXPECT_EQ(zelto.run({"accounts"}).output, "Zoom\nGoTo\n");
+    EXPECT_EQ(zelto.run({"accounts"}).output, "Zoom\nGoTo\nAsana+robin@sandbox.example\n");
 }
 
 TEST_F(Connect, ToldOfADenialKeepsNothing) {
