@@ -8,6 +8,9 @@ class CancellableServiceClient {
     virtual ~CancellableServiceClient() = default;
 
     virtual void cancelAllOperations() = 0;
+
+    // The same, and lets no request begin any more: what is asked for later ends as a cancelled one does.
+    virtual void close() { cancelAllOperations(); }
 };
 
 } // namespace zelto

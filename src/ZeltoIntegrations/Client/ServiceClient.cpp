@@ -37,6 +37,11 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
         defaultQueue_.cancelAllOperations();
     }
 
+    void close() {
+        isClosed_ = true;
+        cancelAllOperations();
+    }
+
   private:
     using RefreshOperation = std::shared_ptr<TokenRefreshOperation>;
 
@@ -111,7 +116,14 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
         if (targetOperation) {
             targetOperation->addDependency(operation);
         }
+        if (isClosed_) {
+            operation->cancel();
+        }
         defaultQueue_.addOperation(operation);
+        // Whoever closed the client in between has not found it in the queue.
+        if (isClosed_) {
+            operation->cancel();
+        }
         return operation;
     }
 
@@ -158,6 +170,7 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
     RefusalObserver refusalObserver_;
     RefreshOperation currentRefreshOperation_; // in progress, or the last one
     std::atomic<std::uint64_t> cancellations_ = 0;
+    std::atomic<bool> isClosed_ = false;
 };
 
 ServiceClient::ServiceClient(std::shared_ptr<ServiceAuthoriser> authoriser, JSONDecoder decoder)
@@ -167,6 +180,10 @@ ServiceClient::~ServiceClient() = default;
 
 void ServiceClient::cancelAllOperations() {
     core_->cancelAllOperations();
+}
+
+void ServiceClient::close() {
+    core_->close();
 }
 
 void ServiceClient::setRefusalObserver(RefusalObserver observer) {

@@ -61,6 +61,7 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
     // Every request that has not ended ends with `connectionError`, and none of them is repeated. A refresh
     // under way goes on without them, and its token is taken in.
     void cancelAllOperations() override;
+    void close() override;
 
   protected:
     // A request as most services take it: to the base and the path, joined as texts, with "Content-Type" and

@@ -25,7 +25,7 @@ void StepRun::cancel() {
         operations = operations_;
     }
     if (client) {
-        client->cancelAllOperations();
+        client->close();
     }
     for (const auto& each : operations | std::views::reverse) {
         if (const auto operation = each.lock()) {

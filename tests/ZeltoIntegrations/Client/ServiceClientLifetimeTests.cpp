@@ -72,6 +72,19 @@ TEST(ServiceClientLifetime, CancellingEndsRunningRequestsAsConnectionErrors) {
     EXPECT_TRUE(requests.allEndWith(failure(E::connectionError)));
 }
 
+TEST(ServiceClientLifetime, AClosedClientEndsWhatRunsAndSendsNothingMore) {
+    HeldServer server;
+    const ServiceRoute route(server.http());
+    ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
+    Requests running(client, 1);
+    server.waitForRequest();
+    client.close();
+    EXPECT_TRUE(running.allEndWith(failure(E::connectionError)));
+    Requests later(client, 10);
+    EXPECT_TRUE(later.allEndWith(failure(E::connectionError)));
+    EXPECT_EQ(server.http().requests().size(), 1u);
+}
+
 TEST(ServiceClientLifetime, CancellingEndsRequestsThatWaitForARefreshAndLosesNoToken) {
     HeldServer server;
     const ServiceRoute route(server.http());
