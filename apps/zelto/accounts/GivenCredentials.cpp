@@ -126,7 +126,9 @@ Given tokensGiven(const Invocation& invocation, Credentials credentials) {
     }
     credentials.accessToken = *std::move(*token);
     credentials.refreshToken = *std::move(refreshToken);
-    credentials.expirationDate = *expiry;
+    // A token that nothing can refresh is sent until the service refuses it.
+    const bool isAlone = !*expiry && !credentials.refreshToken;
+    credentials.expirationDate = isAlone ? Date::distantFuture() : *expiry;
     maskInLog(credentials);
     return credentials;
 }
