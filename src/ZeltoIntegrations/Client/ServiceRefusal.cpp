@@ -106,7 +106,7 @@ bool isNothingSent(URLErrorCode code) {
     case URLErrorCode::connectionLost:
     case URLErrorCode::timedOut:
     case URLErrorCode::bodyUnreadable:
-    case URLErrorCode::badAnswer:
+    case URLErrorCode::badResponse:
     case URLErrorCode::responseTooLarge:
         return false;
     }

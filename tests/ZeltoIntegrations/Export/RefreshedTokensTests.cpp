@@ -1,4 +1,5 @@
 #include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
+#include <ZeltoIntegrations/Client/ServiceClient.h>
 #include <ZeltoIntegrations/Export/NetworkExporter.h>
 #include <ZeltoIntegrations/Zoom/ZoomAuthoriser.h>
 
