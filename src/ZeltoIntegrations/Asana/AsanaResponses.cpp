@@ -59,8 +59,14 @@ std::vector<AsanaProject> toAsanaProjects(std::vector<AsanaProjectResponse> resp
 }
 
 std::vector<AsanaProject> archivedLast(std::vector<AsanaProject> projects) {
-    std::ranges::stable_partition(projects, [](const AsanaProject& project) { return !project.isArchived; });
-    return projects;
+    std::vector<AsanaProject> ordered;
+    ordered.reserve(projects.size());
+    for (const bool archived : {false, true}) {
+        std::ranges::copy_if(projects, std::back_inserter(ordered), [archived](const AsanaProject& project) {
+            return project.isArchived == archived;
+        });
+    }
+    return ordered;
 }
 
 } // namespace zelto
