@@ -110,7 +110,8 @@ std::shared_ptr<ExportProgress> AsanaExporter::export_(AsanaExportConfiguration 
     }
     auto steps = exportSteps(FailureRule::stop, unitCount, std::move(finish));
 
-    const auto pdf = steps.add<File>(&AsanaExporter::makePdf, titleOr(configuration.userTitle));
+    const auto pdf =
+        steps.add<File>(&AsanaExporter::makePdf, titleOr(configuration.userTitle), ExportError::convertError);
     const auto task = steps.add<TaskID>(&AsanaExporter::createAsanaTask, configuration);
     steps.add<void>(&AsanaExporter::uploadPdf, pdf, task);
     for (const auto& attachment : selected) {

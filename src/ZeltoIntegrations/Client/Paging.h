@@ -1,6 +1,7 @@
 #pragma once
 
 #include <Platform/Completion.h>
+#include <ZeltoCommonLogger/Logger.h>
 #include <ZeltoIntegrations/Client/ServiceClientError.h>
 #include <ZeltoIntegrations/Client/Trampoline.h>
 
@@ -23,10 +24,12 @@ template <class Item> struct Page {
 };
 
 // Asks for page after page and completes with all items in their order, or with the first failure. A list
-// whose `next` repeats has no end; it completes with `dataParseError`. Pages may come before the call returns
-// that asks for them, in any number.
+// whose `next` repeats, or that has more than `maximumPageCount` pages, has no end; it is logged and
+// completes with `dataParseError`. Pages may come before the call returns that asks for them, in any number.
 template <class Item> class PageLoader : public std::enable_shared_from_this<PageLoader<Item>> {
   public:
+    static constexpr std::size_t maximumPageCount = 20'000;
+
     using PageCompletion = Completion<Page<Item>, ServiceClientError>;
 
     // Asks for one page; the first one without a `next`. It keeps alive what it calls.
@@ -60,7 +63,8 @@ template <class Item> class PageLoader : public std::enable_shared_from_this<Pag
         if (!page->next) {
             return completion_(std::move(items_));
         }
-        if (!seen_.insert(*page->next).second) {
+        if (!seen_.insert(*page->next).second || seen_.size() >= maximumPageCount) {
+            Logger::shared().error("A list does not end: its pages repeat or are too many", "take(page:)");
             return completion_(failure(ServiceClientError::dataParseError));
         }
         next_ = std::move(page->next);

@@ -53,18 +53,19 @@ std::shared_ptr<ExportProgress> SchemeExporter::exportURL(Request request, URLMa
     return steps.execute();
 }
 
-void SchemeExporter::makeContent(StepRun&, const Request& request, StepCompletion<Content> done) {
+void SchemeExporter::makeContent(StepRun& run, const Request& request, StepCompletion<Content> done) {
     Content content;
     content.title = titleOr(request.userTitle);
     loadText(dataInteractor(), *contentTextFor(request.saveAs, texts), {},
-             [this, content = std::move(content), note = request.userNote, linkApart = request.linkApart,
+             [this, &run, content = std::move(content), note = request.userNote,
+              linkApart = request.linkApart,
               done = std::move(done)](std::optional<std::string> text) mutable {
                  if (!text) {
                      return done(failure(IntegrationExportError::createBodyError));
                  }
                  content.text =
                      ExportServiceHelper::isNotEmpty(note) ? *note + noteSeparator + *text : *std::move(text);
-                 if (!linkApart) {
+                 if (!linkApart || run.isCancelled()) {
                      return done(std::move(content));
                  }
                  addLink(std::move(content), std::move(done));

@@ -2,9 +2,13 @@
 
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 
+#include <Platform/FileManager.h>
+
 #include <utility>
 
 namespace zelto {
+
+using ExportError = IntegrationExportError;
 
 IntegrationExportPreview StepExporter::pdfPreview() const {
     return IntegrationExportPreview::pdf(ExportServiceHelper::pdfName(dataInteractor().title()));
@@ -23,22 +27,23 @@ StepExporter::ExportSteps StepExporter::exportSteps(FailureRule rule, std::size_
     return ExportSteps(shared_from_this(), tasks(), std::move(run), std::move(progress));
 }
 
-void StepExporter::makePdf(StepRun&, const std::string& title, StepCompletion<File> done) {
+void StepExporter::makePdf(StepRun& run, const std::string& title, ExportError error,
+                           StepCompletion<File> done) {
     dataInteractor().html(IntegrationExportHtmlOptions{},
-                          [this, title, done = std::move(done)](std::optional<std::string> html) mutable {
+                          [this, &run, title, error, done = std::move(done)](auto html) mutable {
                               const auto path = ExportServiceHelper::pdfFilePath(title);
-                              if (!html || !path) {
-                                  return done(failure(IntegrationExportError::convertError));
+                              if (!html || !path || run.isCancelled()) {
+                                  return done(failure(error));
                               }
-                              convert(*std::move(html), *path, std::move(done));
+                              convert(*std::move(html), *path, error, std::move(done));
                           });
 }
 
-void StepExporter::convert(std::string html, const File& path, StepCompletion<File> done) {
+void StepExporter::convert(std::string html, const File& path, ExportError error, StepCompletion<File> done) {
     platformInteractor().convert(std::move(html), path,
-                                 [path, done = std::move(done)](bool isConverted) mutable {
+                                 [path, error, done = std::move(done)](bool isConverted) mutable {
                                      if (!isConverted) {
-                                         return done(failure(IntegrationExportError::convertError));
+                                         return done(failure(error));
                                      }
                                      done(std::move(path));
                                  });
@@ -55,11 +60,20 @@ void StepExporter::fetchAttachment(StepRun&, std::int64_t attachmentPk, Integrat
 }
 
 void StepExporter::makeText(StepRun&, const ContentText& row, const WebLinkSettings& settings,
-                            StepCompletion<std::string> done) {
-    loadText(dataInteractor(), row, settings, [done = std::move(done)](auto text) mutable {
-        done(text ? ExporterResult<std::string>(*std::move(text))
-                  : failure(IntegrationExportError::createBodyError));
+                            ExportError missing, StepCompletion<std::string> done) {
+    loadText(dataInteractor(), row, settings, [missing, done = std::move(done)](auto text) mutable {
+        done(text ? ExporterResult<std::string>(*std::move(text)) : failure(missing));
     });
+}
+
+void StepExporter::makeTextFile(StepRun&, const std::string& title, const Step<std::string>& text,
+                                ExportError error, StepCompletion<File> done) {
+    const auto path = ExportServiceHelper::txtFilePath(title);
+    const auto content = resultOf(text);
+    if (!path || !content || !FileManager::writeFileAtomically(*path, *content)) {
+        return done(failure(error));
+    }
+    done(*path);
 }
 
 std::shared_ptr<const ExportReportLog> StepExporter::reportLog() const {

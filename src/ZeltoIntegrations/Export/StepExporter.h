@@ -51,16 +51,21 @@ class StepExporter : public ServiceExporter {
 
     // Steps.
 
-    // The message as a PDF file of that title, which stays there. Fails with `convertError`.
-    void makePdf(StepRun& run, const std::string& title, StepCompletion<File> done);
+    // The message as a PDF file of that title, which stays there. Fails with `error` if it cannot be made.
+    void makePdf(StepRun& run, const std::string& title, IntegrationExportError error,
+                 StepCompletion<File> done);
 
     // An attachment as a local file. Fails with `missing` if the host has none.
     void fetchAttachment(StepRun& run, std::int64_t attachmentPk, IntegrationExportError missing,
                          StepCompletion<File> done);
 
-    // The text of a row of the service's table. Fails with `createBodyError` if the host has none.
+    // The text of a row of the service's table. Fails with `missing` if the host has none.
     void makeText(StepRun& run, const ContentText& row, const WebLinkSettings& settings,
-                  StepCompletion<std::string> done);
+                  IntegrationExportError missing, StepCompletion<std::string> done);
+
+    // A text as a file of that title, which stays there. Fails with `error` if it cannot be written.
+    void makeTextFile(StepRun& run, const std::string& title, const Step<std::string>& text,
+                      IntegrationExportError error, StepCompletion<File> done);
 
     // Loads data behind what runs: a member function of the exporter, called as a step of its own with these
     // arguments.
@@ -112,7 +117,7 @@ class StepExporter : public ServiceExporter {
         (exporter.*fetch)(run, std::move(done));
     }
 
-    void convert(std::string html, const File& path, StepCompletion<File> done);
+    void convert(std::string html, const File& path, IntegrationExportError error, StepCompletion<File> done);
 
     mutable std::mutex reportLock_;
     std::shared_ptr<ExportReportLog> report_;

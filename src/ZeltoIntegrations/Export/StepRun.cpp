@@ -39,9 +39,23 @@ void StepRun::begin(const std::vector<std::shared_ptr<Operation>>& operations) {
     operations_.assign(operations.begin(), operations.end());
 }
 
+bool StepRun::hasEnded(std::size_t index) const {
+    std::shared_ptr<Operation> operation;
+    {
+        const std::lock_guard guard(lock_);
+        operation = index < operations_.size() ? operations_[index].lock() : nullptr;
+    }
+    return !operation || operation->isFinished();
+}
+
 void StepRun::countStep() {
+    std::int64_t counted = 0;
+    {
+        const std::lock_guard guard(lock_);
+        counted = ++countedSteps_;
+    }
     if (progress_) {
-        progress_->setCompletedUnitCount(progress_->completedUnitCount() + 1);
+        progress_->setCompletedUnitCount(counted);
     }
 }
 
@@ -56,12 +70,15 @@ std::shared_ptr<CancellableServiceClient> StepRun::presentClient() const {
     return isCancelled_ ? nullptr : client_;
 }
 
-bool StepRun::adopt(std::shared_ptr<CancellableServiceClient> client) {
+std::shared_ptr<CancellableServiceClient> StepRun::adopt(std::shared_ptr<CancellableServiceClient> client) {
     const std::lock_guard guard(lock_);
-    if (!isCancelled_) {
+    if (isCancelled_) {
+        return nullptr;
+    }
+    if (!client_) {
         client_ = std::move(client);
     }
-    return !isCancelled_;
+    return client_;
 }
 
 } // namespace zelto

@@ -55,7 +55,7 @@ class StepRun : public std::enable_shared_from_this<StepRun> {
             return std::static_pointer_cast<Client>(std::move(present));
         }
         const std::shared_ptr<Client> made = isCancelled() ? nullptr : make();
-        return made && adopt(made) ? made : nullptr;
+        return std::static_pointer_cast<Client>(adopt(made));
     }
 
     ExportReportLog& report() const { return *report_; }
@@ -70,17 +70,22 @@ class StepRun : public std::enable_shared_from_this<StepRun> {
     void begin(const std::vector<std::shared_ptr<Operation>>& operations);
 
   protected:
+    // The step with that place in the list has ended, whether or not it has called back.
+    bool hasEnded(std::size_t index) const;
+
     void countStep();
     void countRemainder();
 
   private:
     std::shared_ptr<CancellableServiceClient> presentClient() const;
-    bool adopt(std::shared_ptr<CancellableServiceClient> client);
+    // The client that the run has then: another step may have been quicker. Null once it is cancelled.
+    std::shared_ptr<CancellableServiceClient> adopt(std::shared_ptr<CancellableServiceClient> client);
 
     const std::shared_ptr<ExportProgress> progress_;
     const std::shared_ptr<ExportReportLog> report_;
     mutable std::mutex lock_; // guards what follows
     bool isCancelled_ = false;
+    std::int64_t countedSteps_ = 0;
     std::shared_ptr<CancellableServiceClient> client_;
     std::vector<std::weak_ptr<Operation>> operations_;
 };
@@ -144,11 +149,16 @@ template <class E> class TypedRun : public StepRun {
     void endAs(std::size_t index) { decisiveStep_ = index; }
 
   private:
-    // A step without an outcome was never called back by a host that drops its callbacks on purpose.
+    // Of a step that has ended. Without an outcome it was never called back, by a host that drops its
+    // callbacks on purpose.
     std::optional<E> failureOf(std::size_t index) const {
-        const std::lock_guard guard(outcomesLock_);
+        std::unique_lock guard(outcomesLock_);
         const auto found = outcomes_.find(index);
-        return found == outcomes_.end() ? std::optional(E::internalError) : found->second;
+        if (found != outcomes_.end()) {
+            return found->second;
+        }
+        guard.unlock();
+        return hasEnded(index) ? std::optional(E::internalError) : std::nullopt;
     }
 
     std::optional<E> firstFailure(std::size_t stepCount) const {
@@ -170,8 +180,9 @@ template <class E> class TypedRun : public StepRun {
 // A step that keeps its result for the later ones.
 template <class R, class E> using StepOf = std::shared_ptr<ExporterAsyncOperation<Result<R, E>>>;
 
-// Lays out the steps of one run of an exporter or importer, and starts it. The owner lives until the run has
-// ended and each of its callbacks was called.
+// Lays out the steps of one run of an exporter or importer, and starts it. On a queue of one they run in
+// their order; on another one side by side, and the run ends when all have ended. The owner lives until the
+// run has ended and each of its callbacks was called.
 template <class Owner, class E> class Steps {
   public:
     using Run = TypedRun<E>;
@@ -208,6 +219,9 @@ template <class Owner, class E> class Steps {
         const auto last = TaskRunner::createSyncTask(
             [run = run_, stepCount = operations_.size()] { run->conclude(stepCount); });
         last->setCompletionBlock([run = run_] { run->end(failure(CancelledError<E>::value)); });
+        for (const auto& step : operations_) {
+            last->addDependency(step);
+        }
         operations_.push_back(last);
         run_->begin(operations_);
         tasks_.execute(operations_);

@@ -16,8 +16,7 @@ std::vector<std::string> TodoistExportConfiguration::diff(const TodoistExportCon
         .field("saveAs", saveAs, userConfig.saveAs)
         .field("dueDate", dueDate, userConfig.dueDate)
         .field("userTitle", userTitle, userConfig.userTitle)
-        .field("webLinkVisibility", webLinkVisibility, userConfig.webLinkVisibility)
-        .field("teamId", teamId, userConfig.teamId)
+        .webLinks(*this, userConfig)
         .attachments(attachments, userConfig.attachments, attachmentsAreSelectedByDefault)
         .part("project", &TodoistSaveToInfo::project, saveTo, userConfig.saveTo)
         .names();

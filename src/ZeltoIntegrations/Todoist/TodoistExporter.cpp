@@ -137,8 +137,8 @@ TodoistExporter::export_(TodoistExportConfiguration configuration,
     const auto selected = configuration.attachments.selected();
     auto steps = exportSteps(FailureRule::stop, selected.size() + 3, std::move(finish));
 
-    const auto text =
-        steps.add<std::string>(&TodoistExporter::makeText, *row, webLinkSettingsOf(configuration));
+    const auto text = steps.add<std::string>(&TodoistExporter::makeText, *row,
+                                             webLinkSettingsOf(configuration), ExportError::createBodyError);
     Files files;
     for (const auto& attachment : selected) {
         files.push_back(steps.add<TodoistFile>(&TodoistExporter::uploadAttachment, attachment.id));
@@ -217,8 +217,10 @@ TodoistExporter::Commands TodoistExporter::commandsOf(const TodoistExportConfigu
 // The task is there; what the service has not taken of its comments is missing in it.
 ExporterResult<void> TodoistExporter::commentsResult(StepRun& run, const TodoistUploadResponse& response,
                                                      const std::vector<TodoistCommand>& commands) {
+    ExporterResult<void> result;
     for (const auto& command : commands) {
         if (const auto words = response.errorOf(command)) {
+            result = failure(ExportError::createTaskError);
             reportRefusal(run,
                           {.kind = "comment",
                            .name = command.name,
@@ -228,7 +230,7 @@ ExporterResult<void> TodoistExporter::commentsResult(StepRun& run, const Todoist
                           *words);
         }
     }
-    return response.isOk() ? ExporterResult<void>() : failure(ExportError::createTaskError);
+    return result;
 }
 
 std::shared_ptr<TodoistClient> TodoistExporter::createTodoistClient(StepRun& run) {

@@ -48,13 +48,9 @@ void decodeJSON(const JSONReader& reader, TodoistCommandStatus& status) {
     }
 }
 
-bool TodoistUploadResponse::isOk() const {
-    return std::ranges::none_of(sync_status, isRefused);
-}
-
 std::optional<std::string> TodoistUploadResponse::errorOf(const TodoistCommand& command) const {
     const auto found = sync_status.find(command.uuid);
-    return found == sync_status.end() ? std::nullopt : found->second.error;
+    return found == sync_status.end() ? std::string() : found->second.error;
 }
 
 std::optional<std::string> TodoistUploadResponse::errorOfTask(const TodoistCommand& command) const {
@@ -62,7 +58,7 @@ std::optional<std::string> TodoistUploadResponse::errorOfTask(const TodoistComma
         return errorOf(command);
     }
     const auto found = std::ranges::find_if(sync_status, isRefused);
-    return found == sync_status.end() ? std::nullopt : found->second.error;
+    return found == sync_status.end() ? std::string() : found->second.error;
 }
 
 std::optional<std::string> TodoistUploadResponse::identifierOf(const TodoistCommand& command) const {

@@ -38,8 +38,7 @@ struct TodoistUploadResponse {
     std::map<std::string, TodoistCommandStatus> sync_status; // by the commands' `uuid`
     std::map<std::string, std::string> temp_id_mapping;      // from a `temp_id` to the service's identifier
 
-    bool isOk() const;
-    // Why the command was refused; nullopt if it was not, and for one without a status.
+    // Why the command was refused; nullopt if it was not. One without a status was refused without a word.
     std::optional<std::string> errorOf(const TodoistCommand& command) const;
     // The same for the command that the others depend on: without a status of its own, an error of any other
     // counts as its own.

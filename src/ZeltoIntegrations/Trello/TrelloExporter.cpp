@@ -14,8 +14,8 @@ namespace {
 
 using Type = IntegrationExportContentType;
 using ExportError = IntegrationExportError;
+using Loaded = Result<std::optional<TrelloFullData>, IntegrationLoadError>;
 
-constexpr auto descriptionSeparator = "\n\n";
 const auto cardLink = IntegrationLinkType::safeBacklink(IntegrationLinkFormat::markdown);
 constexpr ContentText previews[] = {
     {Type::backLink, ContentText::Source::link, ContentText::Link::backlink, IntegrationLinkFormat::raw}};
@@ -93,10 +93,7 @@ void TrelloExporter::loadBoards(TrelloClient& client, std::optional<IntegrationL
             return done(failure(loadError(boards.error())));
         }
         allBoards.set(*boards);
-        if (userError) {
-            return done(failure(*userError));
-        }
-        done(loadedData());
+        done(userError ? Loaded(failure(*userError)) : Loaded(loadedData()));
     });
 }
 
@@ -131,7 +128,8 @@ std::shared_ptr<ExportProgress> TrelloExporter::export_(TrelloExportConfiguratio
 
     const auto card = steps.add<CardID>(&TrelloExporter::createTrelloCard, configuration);
     if (makesPdf) {
-        const auto pdf = steps.add<File>(&TrelloExporter::makePdf, titleOr(configuration.userTitle));
+        const auto pdf = steps.add<File>(&TrelloExporter::makePdf, titleOr(configuration.userTitle),
+                                         ExportError::convertError);
         steps.add<void>(&TrelloExporter::uploadFileToTrelloCard, card, pdf);
     }
     for (const auto& attachment : selected) {
@@ -145,6 +143,9 @@ std::shared_ptr<ExportProgress> TrelloExporter::export_(TrelloExportConfiguratio
 void TrelloExporter::createTrelloCard(StepRun& run, const TrelloExportConfiguration& configuration,
                                       StepCompletion<CardID> done) {
     dataInteractor().link(cardLink, [this, &run, configuration, done = std::move(done)](auto link) mutable {
+        if (run.isCancelled()) {
+            return done(failure(ExportError::canceled));
+        }
         checkDescription(run, configuration, std::move(link), std::move(done));
     });
 }
@@ -163,7 +164,7 @@ void TrelloExporter::checkDescription(StepRun& run, const TrelloExportConfigurat
 void TrelloExporter::warnOfLongDescription(const std::string& name, const std::string& link,
                                            const std::string& text) {
     const auto length = characterCount(text);
-    const auto composed = characterCount(link + descriptionSeparator) + length;
+    const auto composed = characterCount(link + "\n\n") + length;
     if (length == 0 || composed <= TrelloConstants::symbolsLimit) {
         return;
     }

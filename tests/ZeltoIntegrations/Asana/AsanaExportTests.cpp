@@ -214,7 +214,7 @@ TEST_F(AsanaExportTest, AFailureStopsTheStepsBehindItUncalled) {
     EXPECT_EQ(log.messages(LogLevel::warn), Texts{"Asana creation attachment error: apiCallError"});
     EXPECT_EQ(one.exporter()->exportReport(),
               (ExportReport{{Made{"task", "Title", "t1"}, Made{"file", "Title.pdf", {}}},
-                            {Refused{"file", "a.txt", ServiceClientError::apiCallError}}}));
+                            {Refused{"file", "a.txt", ServiceClientError::apiCallError, "no"}}}));
 }
 
 TEST_F(AsanaExportTest, AnAttachmentThatTheHostDoesNotHaveIsAnInternalErrorAndStops) {
@@ -242,7 +242,7 @@ TEST_F(AsanaExportTest, AFileThatVanishesBeforeItsUploadIsLoggedAndNotSent) {
     EXPECT_EQ(log.messages(LogLevel::warn), Texts{"Asana creation attachment error: internalError"});
     EXPECT_EQ(service.made(), (Texts{"task", "file Title.pdf"}));
     EXPECT_EQ(one.exporter()->exportReport().refused,
-              (std::vector{Refused{"file", "a.txt", ServiceClientError::internalError}}));
+              (std::vector{Refused{"file", "a.txt", ServiceClientError::internalError, "", true}}));
 }
 
 TEST_F(AsanaExportTest, APdfThatTheHostSaysItMadeAndDidNotIsNotSent) {

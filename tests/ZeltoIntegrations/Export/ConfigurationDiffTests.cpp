@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
+#include <variant>
+
 namespace zelto {
 
 namespace {
@@ -49,6 +52,58 @@ TEST(ConfigurationDiff, AttachmentsNotSelectedByDefaultAreComparedWithThoseSelec
 
 TEST(ConfigurationDiff, AnotherSelectionOfTheSameSizeIsNoChange) {
     EXPECT_EQ(changed({selected, allowed}, {allowed, selected}, false), Names());
+}
+
+namespace {
+
+struct Board {
+    int place = 0;
+};
+
+struct Task {
+    int project = 0;
+    std::optional<int> assignee;
+};
+
+// What a choice of one of several cases looks like.
+struct Choice {
+    std::variant<Board, Task> value;
+};
+
+Names changedChoice(const std::optional<Choice>& original, const std::optional<Choice>& user) {
+    return ConfigurationDiff()
+        .casePart("place", &Board::place, original, user)
+        .casePart("project", &Task::project, original, user)
+        .casePart("assignee", &Task::assignee, original, user)
+        .names();
+}
+
+struct LinkFields {
+    int webLinkVisibility = 0;
+    std::optional<int> teamId;
+};
+
+} // namespace
+
+TEST(ConfigurationDiff, TheMembersOfAChoiceAreComparedByItsCase) {
+    EXPECT_EQ(changedChoice(Choice{Board{1}}, Choice{Board{1}}), Names());
+    EXPECT_EQ(changedChoice(Choice{Board{1}}, Choice{Board{2}}), Names{"place"});
+    EXPECT_EQ(changedChoice(Choice{Task{1, 7}}, Choice{Task{1, 8}}), Names{"assignee"});
+    EXPECT_EQ(changedChoice(Choice{Task{1, 7}}, Choice{Task{2, std::nullopt}}),
+              (Names{"project", "assignee"}));
+}
+
+TEST(ConfigurationDiff, AnotherCaseOfAChoiceChangesTheMembersOfBoth) {
+    EXPECT_EQ(changedChoice(Choice{Board{1}}, Choice{Task{1, std::nullopt}}), (Names{"place", "project"}));
+    EXPECT_EQ(changedChoice(std::nullopt, Choice{Board{1}}), Names{"place"});
+    EXPECT_EQ(changedChoice(Choice{Board{1}}, std::nullopt), Names{"place"});
+    EXPECT_EQ(changedChoice(std::nullopt, std::nullopt), Names());
+}
+
+TEST(ConfigurationDiff, WebLinksAreTheirVisibilityAndTeam) {
+    EXPECT_EQ(ConfigurationDiff().webLinks(LinkFields{0, 1}, LinkFields{0, 1}).names(), Names());
+    EXPECT_EQ(ConfigurationDiff().webLinks(LinkFields{0, 1}, LinkFields{2, {}}).names(),
+              (Names{"webLinkVisibility", "teamId"}));
 }
 
 } // namespace zelto

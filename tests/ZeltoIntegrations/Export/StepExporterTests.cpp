@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <map>
 #include <mutex>
@@ -257,6 +258,53 @@ TEST_F(StepExporterTest, ARunIsReleasedWithItsExporterWhenItHasEnded) {
     EXPECT_TRUE(run(3, FailureRule::goOn));
     exporter.reset();
     EXPECT_TRUE(isGone(weakly));
+}
+
+namespace {
+
+// Steps of an owner whose queue lets four run at a time.
+struct SideBySide : std::enable_shared_from_this<SideBySide> {
+    using Run = TypedRun<Error>;
+
+    // Each of three steps waits until all have begun; the second one fails.
+    void step(StepRun& run, int number, Done done) {
+        clients[static_cast<std::size_t>(number)] =
+            run.client<FakeClient>([] { return std::make_shared<FakeClient>(); });
+        if (++begun == 3) {
+            allBegan.set();
+        }
+        allBegan.wait();
+        done(number == 1 ? ExporterResult<int>(failure(Error::convertError)) : number);
+    }
+
+    void start(std::function<void(VoidResult)> finish) {
+        auto progress = std::make_shared<ExportProgress>(3);
+        auto run = std::make_shared<Run>(progress, std::make_shared<ExportReportLog>(), FailureRule::stop,
+                                         std::move(finish));
+        Steps<SideBySide, Error> steps(shared_from_this(), tasks, std::move(run), progress);
+        for (const int number : {0, 1, 2}) {
+            steps.add<int>(&SideBySide::step, number);
+        }
+        counted = steps.execute();
+    }
+
+    TaskRunner tasks{4};
+    std::atomic<int> begun = 0;
+    Event allBegan;
+    std::array<std::shared_ptr<FakeClient>, 3> clients;
+    std::shared_ptr<ExportProgress> counted;
+};
+
+} // namespace
+
+TEST_F(StepExporterTest, OnAQueueOfSeveralTheRunEndsWhenAllHaveEndedAndHasOneClient) {
+    const auto owner = std::make_shared<SideBySide>();
+    owner->start(finish());
+    EXPECT_EQ(completed.value().error(), Error::convertError);
+    EXPECT_EQ(owner->begun, 3);
+    EXPECT_EQ(owner->counted->completedUnitCount(), 2);
+    EXPECT_TRUE(owner->clients[0] && owner->clients[0] == owner->clients[1] &&
+                owner->clients[1] == owner->clients[2]);
 }
 
 TEST_F(StepExporterTest, LoadingGivesItsValue) {

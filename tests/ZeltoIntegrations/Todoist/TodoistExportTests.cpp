@@ -259,7 +259,8 @@ TEST_F(TodoistExportTest, AFailedUploadEndsTheExportAndIsReportedWithWhatWasUplo
     EXPECT_EQ(one.run().error(), Error::uploadAttachmentError);
     EXPECT_EQ(asked, (Texts{"messagePlainText", "fetchAttachment", "fetchAttachment"}));
     EXPECT_EQ(service.made(), (Texts{"file a.txt", "file b.txt"}));
-    EXPECT_EQ(report(), (ExportReport{{Made{"file", "a.txt", {}}}, {Refused{"file", "b.txt", refused}}}));
+    EXPECT_EQ(report(),
+              (ExportReport{{Made{"file", "a.txt", {}}}, {Refused{"file", "b.txt", refused, "no"}}}));
 }
 
 TEST_F(TodoistExportTest, ARefusedTaskIsAFailureWithTheServicesWords) {
@@ -312,10 +313,10 @@ TEST_F(TodoistExportTest, AnErrorOfAnotherCommandIsOfTheTaskThatHasNoStatus) {
     EXPECT_EQ(report(), (ExportReport{{}, {Refused{"task", "Title", refused, "no"}}}));
 }
 
-TEST_F(TodoistExportTest, ATaskWithoutAMappingHasNoIdentifier) {
+TEST_F(TodoistExportTest, ATaskWithoutAStatusCountsAsRefused) {
     service.respondTo("commands", PlayedResponse::json(R"({"sync_status":{},"temp_id_mapping":{}})"));
-    EXPECT_TRUE(one.run());
-    EXPECT_EQ(report(), (ExportReport{{Made{"task", "Title", {}}}, {}}));
+    EXPECT_EQ(one.run().error(), Error::createTaskError);
+    EXPECT_EQ(report(), (ExportReport{{}, {Refused{"task", "Title", refused}}}));
 }
 
 TEST_F(TodoistExportTest, AnUploadsResponseTooDeepForARequestEndsInATaskError) {

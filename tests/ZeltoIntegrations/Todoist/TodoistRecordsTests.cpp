@@ -133,13 +133,12 @@ TEST(TodoistResponses, ACommandHasItsStatusAndItsIdentifier) {
     const TodoistCommand task{.temp_id = "t1", .uuid = "u1"};
     const TodoistCommand note{.temp_id = "t2", .uuid = "u2"};
     const TodoistUploadResponse ok{.sync_status = {{"u1", {}}, {"u2", {}}}, .temp_id_mapping = {{"t1", "9"}}};
-    EXPECT_TRUE(ok.isOk());
+    EXPECT_EQ(ok.errorOf(note), std::nullopt);
     EXPECT_EQ(ok.errorOfTask(task), std::nullopt);
     EXPECT_EQ(ok.identifierOf(task), "9");
     EXPECT_EQ(ok.identifierOf(note), std::nullopt);
 
     const TodoistUploadResponse noNote{.sync_status = {{"u1", {}}, {"u2", {"n"}}}};
-    EXPECT_FALSE(noNote.isOk());
     EXPECT_EQ(noNote.errorOfTask(task), std::nullopt);
     EXPECT_EQ(noNote.errorOf(task), std::nullopt);
     EXPECT_EQ(noNote.errorOf(note), "n");
@@ -148,11 +147,11 @@ TEST(TodoistResponses, ACommandHasItsStatusAndItsIdentifier) {
     EXPECT_EQ(noTask.errorOfTask(task), "t");
 
     const TodoistUploadResponse withoutTask{.sync_status = {{"u2", {"n"}}}};
-    EXPECT_EQ(withoutTask.errorOf(task), std::nullopt);
+    EXPECT_EQ(withoutTask.errorOf(task), "");
     EXPECT_EQ(withoutTask.errorOfTask(task), "n");
 
-    EXPECT_TRUE(TodoistUploadResponse().isOk());
-    EXPECT_EQ(TodoistUploadResponse().errorOfTask(task), std::nullopt);
+    EXPECT_EQ(TodoistUploadResponse().errorOf(note), "");
+    EXPECT_EQ(TodoistUploadResponse().errorOfTask(task), "");
 }
 
 TEST(TodoistResponses, WhatIsRequiredMustBeThereAndOfItsType) {
