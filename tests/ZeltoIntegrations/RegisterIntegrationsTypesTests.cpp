@@ -2,7 +2,7 @@
 
 #include <ZeltoIntegrations/Asana/AsanaRecords.h>
 #include <ZeltoIntegrations/OneNote/OneNoteNotebook.h>
-#include <ZeltoIntegrations/Todoist/TodoistProject.h>
+#include <ZeltoIntegrations/Todoist/TodoistRecords.h>
 
 #include <TrovenhalCommon/AnyCodable.h>
 

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <ZeltoIntegrations/Todoist/TodoistProject.h>
-
 #include <Platform/JSON/JSONCoding.h>
 
 #include <optional>
@@ -9,6 +7,15 @@
 #include <vector>
 
 namespace zelto {
+
+struct TodoistProject {
+    std::string id;
+    std::optional<std::string> name;
+
+    bool operator==(const TodoistProject&) const = default;
+};
+
+ZELTO_JSON_CODED(TodoistProject);
 
 // The person whose account it is, as the service writes it.
 struct TodoistUser {
