@@ -176,6 +176,31 @@ Result<void, FileError> FileManager::writeAll(const FileDescriptor& file, std::s
     return {};
 }
 
+Result<void, FileError> FileManager::syncFile(const FileDescriptor& file, const path& where) {
+    while (fsync(file.number()) != 0) {
+        if (errno != EINTR) {
+            return systemFailure(where);
+        }
+    }
+    return {};
+}
+
+Result<void, FileError> FileManager::moveWithoutReplacing(const path& from, const path& to) {
+    if (holdsNul(from) || holdsNul(to)) {
+        return failure(FileError::fromSystem(EINVAL, to));
+    }
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) {
+        return {};
+    }
+    // Not every file system can do it in one step.
+    const bool isUnsupported = errno == EINVAL || errno == ENOSYS;
+    if (!isUnsupported || link(from.c_str(), to.c_str()) != 0) {
+        return systemFailure(to);
+    }
+    unlink(from.c_str());
+    return {};
+}
+
 Result<void, FileError> FileManager::syncDirectory(const path& directory) {
     const auto opened = openFile(directory, O_RDONLY | O_DIRECTORY);
     if (!opened) {

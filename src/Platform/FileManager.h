@@ -57,6 +57,14 @@ struct FileManager {
     static Result<void, FileError> writeAll(const FileDescriptor& file, std::string_view bytes,
                                             const std::filesystem::path& path);
 
+    // Flushes an open file to the disk: what a full disk or a quota refuses late is an error here.
+    static Result<void, FileError> syncFile(const FileDescriptor& file, const std::filesystem::path& path);
+
+    // Renames a file within its file system; `alreadyExists` if the new name is taken, even by a symbolic
+    // link. Whoever else takes the name at the same moment is not replaced either.
+    static Result<void, FileError> moveWithoutReplacing(const std::filesystem::path& from,
+                                                        const std::filesystem::path& to);
+
     // Flushes a directory to the disk, and with it what was created, renamed and removed in it, where its
     // file system can.
     static Result<void, FileError> syncDirectory(const std::filesystem::path& directory);

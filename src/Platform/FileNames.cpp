@@ -12,6 +12,7 @@ namespace {
 
 constexpr auto npos = std::string_view::npos;
 constexpr std::size_t maximumExtensionLength = 32;
+constexpr std::size_t maximumNameLength = 255; // bytes, of file systems
 
 // The extension with its "."; empty if the name has none.
 std::string_view extensionOf(std::string_view name) {
@@ -108,6 +109,12 @@ std::string cleanedFileName(std::string_view name, std::string_view fallback) {
     const auto cut = fileNameCutTo(cleaned, cleanedFileNameLimit);
     const auto shown = withoutDotsAndBlanksAtTheEnds(cut);
     return std::string(shown.empty() ? fallback : shown);
+}
+
+std::string numberedFileName(std::string_view name, std::size_t number) {
+    const auto suffix = " (" + std::to_string(number) + ")";
+    auto numbered = fileNameCutTo(name, maximumNameLength - suffix.size());
+    return numbered.insert(numbered.size() - extensionOf(numbered).size(), suffix);
 }
 
 } // namespace zelto

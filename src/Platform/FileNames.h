@@ -21,4 +21,8 @@ std::string cleanedFileName(std::string_view name, std::string_view fallback = "
 // is longer than 32 bytes or than half of the limit.
 std::string fileNameCutTo(std::string_view name, std::size_t bytes);
 
+// The name with " (<number>)" before its extension, for when the name itself is taken; characters before it
+// are removed where file systems would not allow the length.
+std::string numberedFileName(std::string_view name, std::size_t number);
+
 } // namespace zelto

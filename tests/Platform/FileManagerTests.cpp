@@ -467,3 +467,40 @@ TEST(FileDescriptor, ClosesWhatItOwnsOnce) {
     }
     EXPECT_EQ(fcntl(number, F_GETFD), -1);
 }
+
+TEST(MoveWithoutReplacing, MovesToAFreeNameAlone) {
+    const auto from = freshPath();
+    makeFile(from, "new");
+    const auto to = from.parent_path() / "other.txt";
+    EXPECT_TRUE(FileManager::moveWithoutReplacing(from, to));
+    EXPECT_EQ(contentOf(to), "new");
+    EXPECT_EQ(entriesOf(from.parent_path()), 1);
+}
+
+TEST(MoveWithoutReplacing, ReplacesNeitherAFileNorAFolderNorALink) {
+    const auto from = freshPath();
+    makeFile(from, "new");
+    const auto folder = from.parent_path();
+    makeFile(folder / "file", "old");
+    fs::create_directory(folder / "folder");
+    fs::create_symlink("nowhere", folder / "link");
+    for (const auto* name : {"file", "folder", "link"}) {
+        const auto moved = FileManager::moveWithoutReplacing(from, folder / name);
+        ASSERT_FALSE(moved) << name;
+        EXPECT_EQ(moved.error().code, FileErrorCode::alreadyExists) << name;
+        EXPECT_EQ(moved.error().path, folder / name);
+    }
+    EXPECT_EQ(contentOf(from), "new");
+    EXPECT_EQ(contentOf(folder / "file"), "old");
+    EXPECT_EQ(entriesOf(folder), 4);
+}
+
+TEST(MoveWithoutReplacing, ReportsWhatIsWrong) {
+    const auto from = freshPath();
+    const auto missing = FileManager::moveWithoutReplacing(from, from.parent_path() / "other");
+    ASSERT_FALSE(missing);
+    EXPECT_EQ(missing.error().code, FileErrorCode::notFound);
+    makeFile(from, "new");
+    EXPECT_FALSE(FileManager::moveWithoutReplacing(from, from.parent_path() / std::string("a\0b", 3)));
+    EXPECT_EQ(contentOf(from), "new");
+}

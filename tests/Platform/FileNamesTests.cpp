@@ -119,3 +119,16 @@ TEST(FileNameCutTo, TakesWholeCharactersAwayBeforeTheExtension) {
     EXPECT_EQ(fileNameCutTo("\u00e9bc.txt", 5), "\u00e9bc.");
     EXPECT_EQ(fileNameCutTo(std::string(300, '\xff') + ".txt", 255), std::string(251, '\xff') + ".txt");
 }
+
+TEST(NumberedFileName, PutsTheNumberBeforeTheExtension) {
+    EXPECT_EQ(numberedFileName("report.pdf", 1), "report (1).pdf");
+    EXPECT_EQ(numberedFileName("report.pdf.part", 12), "report.pdf (12).part");
+    EXPECT_EQ(numberedFileName("report", 2), "report (2)");
+    EXPECT_EQ(numberedFileName(".bashrc", 1), ".bashrc (1)");
+}
+
+TEST(NumberedFileName, FitsWhatFileSystemsAllow) {
+    const std::string longest(251, 'a');
+    EXPECT_EQ(numberedFileName(longest + ".pdf", 12), longest.substr(0, 246) + " (12).pdf");
+    EXPECT_EQ(numberedFileName(std::string(255, 'a'), 1), longest + " (1)");
+}
