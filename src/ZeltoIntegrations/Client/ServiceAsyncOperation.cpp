@@ -1,5 +1,6 @@
 #include <ZeltoIntegrations/Client/ServiceAsyncOperation.h>
 
+#include <ZeltoIntegrations/Client/FileDownload.h>
 #include <ZeltoIntegrations/Client/TokenRefreshOperation.h>
 
 #include <Platform/Operations/ContainedException.h>
@@ -42,6 +43,14 @@ void ServiceAsyncOperation::asyncMain(std::function<void()> onComplete) {
 
 void ServiceAsyncOperation::endBeforeStart() {
     complete(failure(ServiceClientError::connectionError));
+}
+
+std::shared_ptr<URLSessionDataTask> ServiceAsyncOperation::makeTask(URLRequest request,
+                                                                    DataTaskCompletion completion) {
+    if (const auto& download = source_->download) {
+        return download->makeTask(urlSession_->configuration(), std::move(request), std::move(completion));
+    }
+    return ServiceOperation::makeTask(std::move(request), std::move(completion));
 }
 
 std::optional<ServiceClientError> ServiceAsyncOperation::containedPreflight() {

@@ -34,6 +34,7 @@ class ServiceAsyncOperation final : public ServiceOperation {
   protected:
     void asyncMain(std::function<void()> onComplete) override;
     void endBeforeStart() override;
+    std::shared_ptr<URLSessionDataTask> makeTask(URLRequest request, DataTaskCompletion completion) override;
 
   private:
     // The error that keeps the request from being sent; without one it is signed.

@@ -190,6 +190,16 @@ void ServiceClient::setRefusalObserver(RefusalObserver observer) {
     core_->setRefusalObserver(std::move(observer));
 }
 
+std::shared_ptr<Operation> ServiceClient::download(RequestMaker makeRequest, std::filesystem::path goal,
+                                                   DownloadProgress onBytes, DownloadCompletion completion) {
+    auto download = std::make_shared<FileDownload>(std::move(goal), std::move(onBytes));
+    return enqueueRequest(
+        {std::move(makeRequest), std::nullopt, download}, nullptr,
+        [download, completion = std::move(completion)](const ServiceResult<ServiceResponse>& result) mutable {
+            completion(download->end(result));
+        });
+}
+
 URLRequest ServiceClient::jsonRequest(std::string_view apiBaseURL, std::string_view path,
                                       std::string httpMethod) {
     auto url = URL::parse(std::string(apiBaseURL).append(path));

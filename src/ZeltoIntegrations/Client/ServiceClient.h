@@ -5,11 +5,13 @@
 #include <Platform/JSON/JSONEncoder.h>
 #include <Platform/Operations/Operation.h>
 #include <ZeltoIntegrations/Client/CancellableServiceClient.h>
+#include <ZeltoIntegrations/Client/FileDownload.h>
 #include <ZeltoIntegrations/Client/RequestMaker.h>
 #include <ZeltoIntegrations/Client/ServiceAuthoriser.h>
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
 #include <ZeltoIntegrations/Client/ServiceRefusal.h>
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -57,6 +59,13 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
         return performSource<T>({std::move(makeRequest), std::nullopt}, std::move(targetOperation),
                                 std::move(completion));
     }
+
+    // The same for a response whose body goes to a file as it comes, whatever its size, and completes with
+    // the path at which the file then lies: the goal, or beside it under a numbered name if the goal's is
+    // taken. Nothing of it remains after a failure. `onBytes`, which may be null, is told how many bytes of
+    // the file have come.
+    std::shared_ptr<Operation> download(RequestMaker makeRequest, std::filesystem::path goal,
+                                        DownloadProgress onBytes, DownloadCompletion completion);
 
     // Every request that has not ended ends with `connectionError`, and none of them is repeated. A refresh
     // under way goes on without them, and its token is taken in.

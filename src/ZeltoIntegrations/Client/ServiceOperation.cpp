@@ -30,6 +30,11 @@ void ServiceOperation::setRefusal(ServiceRefusal refusal) {
     refusal_ = std::move(refusal);
 }
 
+std::shared_ptr<URLSessionDataTask> ServiceOperation::makeTask(URLRequest request,
+                                                               DataTaskCompletion completion) {
+    return urlSession_->dataTask(std::move(request), std::move(completion));
+}
+
 void ServiceOperation::perform(URLRequest request, ResultCallback resultCallback) {
     // Kept here, since a session that makes no task drops the task's completion uncalled.
     resultCallback_ = std::move(resultCallback);
@@ -43,7 +48,7 @@ void ServiceOperation::perform(URLRequest request, ResultCallback resultCallback
         }
         callback(serviceOutcome(std::move(url), std::move(data), response, error));
     };
-    const auto task = urlSession_->dataTask(std::move(request), std::move(completion));
+    const auto task = makeTask(std::move(request), std::move(completion));
     if (!task) {
         auto callback = std::move(resultCallback_);
         return callback(failure(ServiceClientError::internalError));

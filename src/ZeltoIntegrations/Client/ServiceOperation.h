@@ -35,6 +35,9 @@ class ServiceOperation : public LVXAsyncOperation {
     // Sends the request as it is. Once for an operation.
     void perform(URLRequest request, ResultCallback resultCallback);
 
+    // The task that sends the request, whose end calls the completion.
+    virtual std::shared_ptr<URLSessionDataTask> makeTask(URLRequest request, DataTaskCompletion completion);
+
     void setRefusal(ServiceRefusal refusal);
 
     const std::shared_ptr<URLSession> urlSession_;
