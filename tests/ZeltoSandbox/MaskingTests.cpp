@@ -1,4 +1,4 @@
-#include "SandboxCaller.h"
+#include <ZeltoSandbox/SandboxCaller.h>
 
 #include <ZeltoSandbox/Masking.h>
 #include <ZeltoSandbox/OAuth/SecretTable.h>

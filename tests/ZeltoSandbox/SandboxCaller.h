@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Support/LoopbackSocket.h"
+#include <Support/LoopbackSocket.h>
 
 #include <Platform/JSON/JSONValue.h>
 #include <ZeltoSandbox/HTTP/SandboxRequest.h>

@@ -1,4 +1,4 @@
-#include "SandboxCaller.h"
+#include <ZeltoSandbox/SandboxCaller.h>
 
 #include <Platform/Base64.h>
 #include <Platform/Crypto/Digest.h>

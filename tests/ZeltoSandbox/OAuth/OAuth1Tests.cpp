@@ -1,4 +1,4 @@
-#include "SandboxCaller.h"
+#include <ZeltoSandbox/SandboxCaller.h>
 
 #include <Platform/Date.h>
 #include <Platform/PercentEncoding.h>

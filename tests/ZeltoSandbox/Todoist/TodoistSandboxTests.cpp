@@ -1,5 +1,5 @@
-#include "MultipartBody.h"
-#include "SandboxCaller.h"
+#include <ZeltoSandbox/MultipartBody.h>
+#include <ZeltoSandbox/SandboxCaller.h>
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "SandboxCaller.h"
+#include <ZeltoSandbox/SandboxCaller.h>
 
 #include <Support/Eventually.h>
 
