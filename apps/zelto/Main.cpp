@@ -33,7 +33,7 @@ void guardMemory() {
     ::prctl(PR_SET_DUMPABLE, 0);
 }
 
-// For wrong usage, which is told as JSON too.
+// For wrong usage, which is reported as JSON too.
 bool wantsJSON(const std::vector<std::string>& arguments) {
     const auto end = std::ranges::find(arguments, "--");
     return std::find(arguments.begin(), end, "--json") != end;
@@ -46,7 +46,7 @@ std::string jsonLine(JSONObject document) {
                   "\n";
 }
 
-// Texts in a failure may come from a file or a service. What is wrong is told in a whole sentence.
+// Texts in a failure may come from a file or a service. What is wrong is said in a whole sentence.
 std::string sentence(std::string_view text) {
     auto clean = repairedUTF8(text);
     if (!clean.ends_with('.') && !clean.ends_with('?')) {
@@ -138,11 +138,11 @@ int run(const std::vector<std::string>& arguments) {
     if (outcome) {
         return report(*outcome, asJSON, invocation->has("--quiet"));
     }
-    auto told = outcome.error();
-    if (told.next.empty()) {
-        told.next = helpCommand(invocation->command);
+    auto reported = outcome.error();
+    if (reported.next.empty()) {
+        reported.next = helpCommand(invocation->command);
     }
-    return report(told, asJSON, terminal);
+    return report(reported, asJSON, terminal);
 }
 
 } // namespace

@@ -19,7 +19,7 @@ namespace zelto {
 namespace {
 
 constexpr std::size_t keptOutput = 64 << 20;
-constexpr std::chrono::minutes longestRun{2};
+constexpr std::chrono::minutes maximumRun{2};
 
 int statusOf(const ProcessEnd& end) {
     const auto* exited = std::get_if<ProcessExited>(&end);
@@ -33,7 +33,7 @@ std::string readTerminal(int terminal) {
     std::array<char, 4096> buffer{};
     for (;;) {
         pollfd waited{terminal, POLLIN, 0};
-        constexpr int milliseconds = std::chrono::milliseconds(longestRun).count();
+        constexpr int milliseconds = std::chrono::milliseconds(maximumRun).count();
         if (::poll(&waited, 1, milliseconds) <= 0) {
             ADD_FAILURE() << "the program on the terminal does not end";
             return text;
@@ -104,7 +104,7 @@ ProgramOutcome ZeltoProgram::run(const Arguments& arguments, const std::string& 
     request.arguments.insert(request.arguments.end(), arguments.begin(), arguments.end());
     request.workingDirectory = home / "cwd";
     request.input = input;
-    request.limits.wallTime = longestRun;
+    request.limits.wallTime = maximumRun;
     auto result = runProcess(request);
     return {statusOf(result.end), std::move(result.output), std::move(result.errorOutput)};
 }
@@ -113,7 +113,7 @@ ProgramOutcome ZeltoProgram::runShell(const std::string& line) const {
     ProcessRequest request{
         .arguments = {"/bin/bash", "-c", line}, .environment = environment(), .keptOutput = keptOutput};
     request.workingDirectory = home / "cwd";
-    request.limits.wallTime = longestRun;
+    request.limits.wallTime = maximumRun;
     auto result = runProcess(request);
     return {statusOf(result.end), std::move(result.output), std::move(result.errorOutput)};
 }

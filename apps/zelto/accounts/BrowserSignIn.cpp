@@ -64,7 +64,7 @@ std::string hostName() {
     return ::gethostname(name.data(), name.size() - 1) == 0 ? name.substr(0, name.find('\0')) : "HOST";
 }
 
-std::string howToAnswer(const SignIn& signIn) {
+std::string waysBack(const SignIn& signIn) {
     const auto redirect = signIn.redirect();
     if (!signIn.listens()) {
         return "Then paste the address that the browser ends at here; it begins with\n" +
@@ -78,9 +78,8 @@ std::string howToAnswer(const SignIn& signIn) {
            redirect.absoluteString() + "\n\n";
 }
 
-void tellAddress(const SignIn& signIn, const URL& page) {
-    writeError("Open this address in a browser:\n\n  " + page.absoluteString() + "\n\n" +
-               howToAnswer(signIn));
+void showAddress(const SignIn& signIn, const URL& page) {
+    writeError("Open this address in a browser:\n\n  " + page.absoluteString() + "\n\n" + waysBack(signIn));
 }
 
 // The words of --opener, or of what opens addresses on this system.
@@ -101,7 +100,7 @@ class Opening {
         changed_.notify_all();
     }
 
-    // Nothing if it went well, or a stop is asked for before it is known.
+    // `nullopt` if it went well, or if a stop is asked for before it is known.
     std::optional<std::string> trouble(const std::stop_token& stop) {
         std::unique_lock guard(lock_);
         return changed_.wait(guard, stop, [this] { return outcome_.has_value(); }) ? *outcome_ : std::nullopt;
@@ -115,10 +114,10 @@ class Opening {
 
 // An opener may run for as long as the browser does.
 std::shared_ptr<Opening> openBrowser(std::vector<std::string> words, const URL& page) {
-    constexpr std::chrono::hours longest{24};
+    constexpr std::chrono::hours maximumRun{24};
     // Never ended: the user's browser would end with it.
     static URLOpener* opener = nullptr;
-    opener = new URLOpener(std::move(words), longest);
+    opener = new URLOpener(std::move(words), maximumRun);
     auto opening = std::make_shared<Opening>();
     opener->open(page, [opening](const Result<void, OpenError>& opened) {
         opening->end(opened ? std::nullopt : std::optional(opened.error().message()));
@@ -126,11 +125,11 @@ std::shared_ptr<Opening> openBrowser(std::vector<std::string> words, const URL& 
     return opening;
 }
 
-// Shows the page to the user by whatever way was chosen. The function tells whether the answer may be pasted.
+// Shows the page to the user by whatever way was chosen. The function says whether an address may be pasted.
 Outcome<std::function<bool(const std::stop_token&)>> show(const Invocation& invocation, const SignIn& signIn,
                                                           const URL& page, const std::string& service) {
     if (invocation.has("--no-browser") || invocation.value("--opener") == "-" || !signIn.listens()) {
-        tellAddress(signIn, page);
+        showAddress(signIn, page);
         return [](const std::stop_token&) { return true; };
     }
     auto words = openerWords(invocation);
@@ -138,13 +137,14 @@ Outcome<std::function<bool(const std::stop_token&)>> show(const Invocation& invo
         return failure(words.error());
     }
     if (!invocation.has("--quiet")) {
-        writeError("The page of " + service + " opens in the browser; its answer is waited for.\n");
+        writeError("The page of " + service +
+                   " opens in the browser; zelto waits until you have agreed there.\n");
     }
     return [opening = openBrowser(*std::move(words), page), page, &signIn](const std::stop_token& stop) {
         const auto trouble = opening->trouble(stop);
         if (trouble) {
             writeError("zelto: " + escapeControlCharacters(*trouble) + ".\n");
-            tellAddress(signIn, page);
+            showAddress(signIn, page);
         }
         return trouble.has_value();
     };
@@ -198,7 +198,7 @@ Outcome<SignInToken> signInByBrowser(const Invocation& invocation, const SignInS
         trouble && !stop.stop_requested()) {
         return failure(failureOf(*trouble, invocation));
     }
-    if (pasted && pasted->endedWithoutAnswer() && !stop.stop_requested()) {
+    if (pasted && pasted->endedWithoutAddress() && !stop.stop_requested()) {
         return failure(Failure{"canceled", "Standard input ended before the address was pasted.", ""});
     }
     return failure(failureOf(token.error(), invocation));

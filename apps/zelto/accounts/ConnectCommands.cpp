@@ -21,7 +21,7 @@ Failure cannotSignIn(ServiceType type) {
             "zelto services"};
 }
 
-// What is wrong is told before anything is asked of the user.
+// What is wrong is reported before anything is asked of the user.
 Outcome<void> checkBeforehand(const Invocation& invocation, ServiceType type) {
     if (!canSignIn(type)) {
         return failure(cannotSignIn(type));
@@ -75,7 +75,7 @@ Report reportOf(const Account& account, const std::string& verb, const Workspace
     return report;
 }
 
-// The name that the account starts with; most services tell their own.
+// The name that the account starts with; most services give their own.
 std::optional<std::string> startingName(const Invocation& invocation, ServiceType type) {
     return takesPassword(type) ? invocation.value("--login") : invocation.value("--name");
 }

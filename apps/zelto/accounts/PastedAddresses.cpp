@@ -26,16 +26,16 @@ class InterruptibleLines {
               [[maybe_unused]] const auto done = ::eventfd_write(event_.number(), 1);
           }) {}
 
-    // Nothing at the end of the input, or at a stop.
+    // `nullopt` at the end of the input, or at a stop.
     std::optional<std::string> next() {
-        constexpr std::size_t longest = 64 * 1024;
+        constexpr std::size_t maximumLine = 64 * 1024;
         for (;;) {
             if (const auto end = text_.find('\n'); end != std::string::npos) {
                 auto line = text_.substr(0, end);
                 text_.erase(0, end + 1);
                 return line;
             }
-            if (text_.size() > longest) {
+            if (text_.size() > maximumLine) {
                 text_.clear();
             }
             if (!read()) {

@@ -9,15 +9,16 @@
 
 namespace zelto::cli {
 
-// Reads lines of standard input while it lives, and gives each to the sign-in; what is wrong with one is told
-// on standard error. Where nothing else can bring the answer, the end of the input ends the waiting.
+// Reads lines of standard input while it lives, and gives each to the sign-in; what is wrong with one is
+// written to standard error. Where the response cannot come another way, the end of the input ends the
+// waiting.
 class PastedAddresses {
   public:
     // Nothing is read if `isWanted` says so; it may take its time, until a stop is asked for.
     PastedAddresses(SignIn& signIn, std::stop_source& ending,
                     std::function<bool(const std::stop_token&)> isWanted);
 
-    bool endedWithoutAnswer() const { return hasEnded_; }
+    bool endedWithoutAddress() const { return hasEnded_; }
 
   private:
     std::atomic<bool> hasEnded_ = false;

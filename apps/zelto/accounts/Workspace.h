@@ -40,7 +40,7 @@ class Workspace {
     Outcome<ServiceAccountConfiguration> account(const std::string& idOrService, IntegrationsManager& manager,
                                                  bool mayConnect) const;
 
-    // Takes the account's lock; that this waits for another process is told on standard error.
+    // Takes the account's lock; that this waits for another process is written to standard error.
     Outcome<AccountLock> lock(const std::string& identifier) const;
 
     // The lock of an account whose token may be refreshed, taken before its secrets are loaded; nothing for

@@ -25,7 +25,7 @@ std::vector<SecretRegistry::Registration> registered(const std::map<std::string,
     std::vector<SecretRegistry::Registration> secrets;
     for (const auto& [name, value] : headers) {
         secrets.push_back(SecretRegistry::shared().add(value));
-        // The credential may turn up without its scheme.
+        // The credential may appear without its scheme.
         if (const auto blank = value.find(' '); blank != std::string::npos) {
             secrets.push_back(SecretRegistry::shared().add(trimmed(std::string_view(value).substr(blank))));
         }

@@ -103,9 +103,9 @@ std::string_view sentenceOf(URLErrorCode code) {
     case URLErrorCode::bodyUnreadable:
         return "The file to be sent can no longer be read";
     case URLErrorCode::badResponse:
-        return "The server's answer is broken";
+        return "The server's response is malformed";
     case URLErrorCode::responseTooLarge:
-        return "The server's answer is too large";
+        return "The server's response is too large";
     }
     return {};
 }

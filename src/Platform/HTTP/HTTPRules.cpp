@@ -48,7 +48,7 @@ std::optional<std::string> problemOf(const Target& target) {
         return "The address holds a user name or password, which is not sent. Use a header field.";
     }
     if (target.port == 0) {
-        return "The address has the port 0, where nobody answers.";
+        return "The address has the port 0, which no server can have.";
     }
     return std::nullopt;
 }

@@ -12,7 +12,7 @@ std::string_view withoutQuery(const URL& url) {
 } // namespace
 
 std::string URLResponse::description() const {
-    return "answer from " + std::string(withoutQuery(url_));
+    return "response from " + std::string(withoutQuery(url_));
 }
 
 std::string HTTPURLResponse::description() const {

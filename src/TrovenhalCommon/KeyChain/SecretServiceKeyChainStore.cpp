@@ -121,10 +121,10 @@ class Session {
     // The error that the service's last error stands for.
     Result<void, KeyChainError> failed() const {
         if (cancellable_.isOver()) {
-            return unavailableError("it does not answer, or waits for the user.");
+            return unavailableError("it does not respond, or waits for the user.");
         }
         if (!error_.get()) {
-            return unavailableError("it gave no answer.");
+            return unavailableError("it gave no result.");
         }
         const auto& error = *error_.get();
         if (isLockedError(error)) {

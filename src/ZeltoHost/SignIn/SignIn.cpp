@@ -56,10 +56,10 @@ std::string counted(std::size_t count, const std::string& what) {
 }
 
 SignInError timedOut(const SignInTraffic& traffic) {
-    std::string text = "The browser did not come back with an answer in time.";
+    std::string text = "The browser did not come back in time.";
     if (traffic.otherResponses + traffic.refused > 0) {
         text += " " + counted(traffic.refused + traffic.otherResponses, "other request") +
-                " came instead, among them " + counted(traffic.otherResponses, "answer") +
+                " came instead, among them " + counted(traffic.otherResponses, "response") +
                 " of another sign-in.";
     }
     return {SignInErrorCode::timedOut, text};

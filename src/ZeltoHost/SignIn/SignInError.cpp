@@ -19,7 +19,7 @@ struct KnownRefusal {
 constexpr auto unknownClient =
     " does not know this program's client identifier or its secret; name your own registration";
 constexpr auto unknownRedirect =
-    " is not told to send its answer to this address; register it there, or name the registered one";
+    " does not know this redirect address; register it there, or name the registered one";
 constexpr auto spentCode = " does not take the code of its own page; it is spent or too old. Sign in again";
 constexpr auto troubled = " has trouble of its own; try again later";
 
@@ -60,7 +60,7 @@ std::string refusalText(const std::string& service, std::string_view code) {
 }
 
 SignInError responseWithoutToken(const std::string& service) {
-    return {SignInErrorCode::badResponse, service + " answered without a token."};
+    return {SignInErrorCode::badResponse, service + " responded without a token."};
 }
 
 } // namespace zelto

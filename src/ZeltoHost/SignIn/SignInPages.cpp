@@ -11,16 +11,16 @@ namespace zelto {
 namespace {
 
 constexpr std::string_view script =
-    "const answer=location.hash.slice(1)||location.search.slice(1);"
+    "const response=location.hash.slice(1)||location.search.slice(1);"
     "history.replaceState(null,'',location.pathname);"
     "const show=id=>document.getElementById(id).hidden=false;"
-    "fetch(location.pathname,{method:'POST',body:new URLSearchParams(answer)})"
+    "fetch(location.pathname,{method:'POST',body:new URLSearchParams(response)})"
     ".then(r=>show(r.ok?'taken':'refused'),()=>show('refused'));";
 
 constexpr std::string_view takenText =
-    "zelto has the answer. This page can be closed; the terminal tells how it goes on.";
+    "zelto has the response. This page can be closed; the terminal shows how it goes on.";
 constexpr std::string_view refusedText =
-    "This is not the answer that zelto waits for. The terminal has the right address.";
+    "This is not the response that zelto waits for. The terminal has the right address.";
 
 std::string page(const std::string& content) {
     return "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>zelto</title></head>\n"
@@ -71,7 +71,7 @@ const std::string& fragmentResponse() {
     static const auto& whole = neverDestroyed(httpResponse(
         "200 OK", "script-src 'sha256-" + base64Encoded(viewOf(sha256(script))) + "'; connect-src 'self'; ",
         page(hiddenParagraph("taken", takenText) + hiddenParagraph("refused", refusedText) + "<noscript>" +
-             paragraph("Without scripts this page cannot hand on its answer. Paste this page's whole "
+             paragraph("Without scripts this page cannot hand on the response. Paste this page's whole "
                        "address into the terminal.") +
              "</noscript><script>" + std::string(script) + "</script>")));
     return whole;

@@ -31,7 +31,7 @@ Reply replyOf(const std::optional<Data>& body, const std::shared_ptr<const URLRe
     }
     const auto head = std::dynamic_pointer_cast<const HTTPURLResponse>(response);
     if (!head) {
-        return failure(SignInError{SignInErrorCode::badResponse, service + " answered with no HTTP."});
+        return failure(SignInError{SignInErrorCode::badResponse, service + " did not respond by HTTP."});
     }
     return SignInReply{head->statusCode(), head->header("Location").value_or(""),
                        std::string(viewOf(body.value_or(Data())))};

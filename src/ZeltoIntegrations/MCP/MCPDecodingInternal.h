@@ -12,7 +12,7 @@
 namespace zelto {
 
 inline MCPError tooLargeForMemory() {
-    return URLError{URLErrorCode::responseTooLarge, "There is not enough memory for the answer."};
+    return URLError{URLErrorCode::responseTooLarge, "There is not enough memory for the response."};
 }
 
 // The result of decoding. Lack of memory becomes an error too, since a call must always end. The records of

@@ -132,7 +132,7 @@ class MCPHTTPTransport::WaitingRequest {
     }
 
     static MCPError noResult() {
-        return MCPAuthorizationError{"The provider of credentials gave no answer."};
+        return MCPAuthorizationError{"The provider of credentials gave no result."};
     }
 
   private:

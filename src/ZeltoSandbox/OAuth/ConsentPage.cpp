@@ -93,8 +93,10 @@ SandboxResponse verifierPage(std::string_view service, std::string_view verifier
 
 std::optional<bool> automaticDecision(const SandboxRequest& request, SandboxConsent setting) {
     const auto* header = request.head.field("Zelto-Sandbox-Consent");
-    if (const auto told = header ? std::optional(*header) : request.queryValue("sandbox_consent")) {
-        return *told == "allow" ? std::optional(true) : *told == "deny" ? std::optional(false) : std::nullopt;
+    if (const auto asked = header ? std::optional(*header) : request.queryValue("sandbox_consent")) {
+        return *asked == "allow"  ? std::optional(true)
+               : *asked == "deny" ? std::optional(false)
+                                  : std::nullopt;
     }
     switch (setting) {
     case SandboxConsent::ask:

@@ -26,16 +26,16 @@ const std::string headEnd =
     "Connection: close\r\n\r\n";
 
 const std::string takenPage =
-    "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 197\r\n" + headEnd +
+    "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 199\r\n" + headEnd +
     "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>zelto</title></head>\n"
-    "<body><p>zelto has the answer. This page can be closed; the terminal tells how it goes on.</p>"
+    "<body><p>zelto has the response. This page can be closed; the terminal shows how it goes on.</p>"
     "</body></html>\n";
 
 const std::string refusedPage =
-    "HTTP/1.1 400 Bad Request\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 196\r\n" +
+    "HTTP/1.1 400 Bad Request\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 198\r\n" +
     headEnd +
     "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>zelto</title></head>\n"
-    "<body><p>This is not the answer that zelto waits for. The terminal has the right address.</p>"
+    "<body><p>This is not the response that zelto waits for. The terminal has the right address.</p>"
     "</body></html>\n";
 
 bool hasIPv6() {
@@ -241,23 +241,23 @@ TEST(SignInListener, TakesTheResponseWhileItIsFlooded) {
 TEST(SignInListener, OfTheImplicitFlowShowsThePageThatPostsTheFragment) {
     Serving serving(true);
     const auto page = serving.ask(path);
-    EXPECT_EQ(
-        page,
-        "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 768\r\n"
-        "Content-Security-Policy: default-src 'none'; script-src "
-        "'sha256-SggVmePicCDG+h1RSb+9O+ubEYQFC623vwW5vHzNTz8='; connect-src 'self'; base-uri 'none'; "
-        "form-action 'none'; frame-ancestors 'none'\r\n"
-        "X-Content-Type-Options: nosniff\r\nReferrer-Policy: no-referrer\r\nCache-Control: no-store\r\n"
-        "Connection: close\r\n\r\n"
-        "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>zelto</title></head>\n"
-        "<body><p id=\"taken\" hidden>zelto has the answer. This page can be closed; the terminal tells "
-        "how it goes on.</p><p id=\"refused\" hidden>This is not the answer that zelto waits for. The "
-        "terminal has the right address.</p><noscript><p>Without scripts this page cannot hand on its "
-        "answer. Paste this page's whole address into the terminal.</p></noscript><script>const "
-        "answer=location.hash.slice(1)||location.search.slice(1);history.replaceState(null,'',location."
-        "pathname);const show=id=>document.getElementById(id).hidden=false;fetch(location.pathname,"
-        "{method:'POST',body:new URLSearchParams(answer)}).then(r=>show(r.ok?'taken':'refused'),()=>show("
-        "'refused'));</script></body></html>\n");
+    EXPECT_EQ(page,
+              "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 778\r\n"
+              "Content-Security-Policy: default-src 'none'; script-src "
+              "'sha256-lqypqW5hjIlb1GKv6e5zN4eIioHI1ktuJ41FcfFqoZ0='; connect-src 'self'; base-uri 'none'; "
+              "form-action 'none'; frame-ancestors 'none'\r\n"
+              "X-Content-Type-Options: nosniff\r\nReferrer-Policy: no-referrer\r\nCache-Control: no-store\r\n"
+              "Connection: close\r\n\r\n"
+              "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>zelto</title></head>\n"
+              "<body><p id=\"taken\" hidden>zelto has the response. This page can be closed; the "
+              "terminal shows how it goes on.</p><p id=\"refused\" hidden>This is not the response that "
+              "zelto waits for. The terminal has the right address.</p><noscript><p>Without scripts "
+              "this page cannot hand on the response. Paste this page's whole address into the "
+              "terminal.</p></noscript><script>const response=location.hash.slice(1)||location.sear"
+              "ch.slice(1);history.replaceState(null,'',location.pathname);const "
+              "show=id=>document.getElementById(id).hidden=false;fetch(location.pathname,{method:'P"
+              "OST',body:new URLSearchParams(response)}).then(r=>show(r.ok?'taken':'refused'),()=>s"
+              "how('refused'));</script></body></html>\n");
     EXPECT_EQ(serving.ask(std::string(path) + "?access_token=good"), page);
     EXPECT_TRUE(serving.isWaiting());
     const auto post = [&](const std::string& body) {

@@ -62,9 +62,10 @@ TEST(SignInResponse, ThatRefusesIsReportedInPlainWords) {
     EXPECT_EQ(outcome(code, form + "access_denied"), "The access was denied on the page of GoogleDrive.");
     EXPECT_EQ(outcome(code, form + "invalid_scope"),
               "GoogleDrive does not grant the permissions that are asked for (invalid_scope).");
-    EXPECT_EQ(outcome(code, form + "redirect_uri_mismatch"),
-              "GoogleDrive is not told to send its answer to this address; register it there, or name the "
-              "registered one (redirect_uri_mismatch).");
+    EXPECT_EQ(
+        outcome(code, form + "redirect_uri_mismatch"),
+        "GoogleDrive does not know this redirect address; register it there, or name the registered one "
+        "(redirect_uri_mismatch).");
     EXPECT_EQ(outcome(code, form + "server_error"),
               "GoogleDrive has trouble of its own; try again later (server_error).");
     EXPECT_EQ(outcome(code, form + "user_is_odd-1"), "GoogleDrive refused the sign-in (user_is_odd-1).");

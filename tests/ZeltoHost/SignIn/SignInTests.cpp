@@ -167,9 +167,9 @@ TEST(SignIn, ReportsWhatTheTokenEndpointSays) {
          "(invalid_grant)."},
         {PlayedResponse::json("", 500),
          "refused: Asana has trouble of its own; try again later (server_error)."},
-        {PlayedResponse::json("{}"), "badResponse: Asana answered without a token."},
+        {PlayedResponse::json("{}"), "badResponse: Asana responded without a token."},
         {PlayedResponse::json(R"({"access_token":"a\r\nb"})"),
-         "badResponse: Asana answered without a token."},
+         "badResponse: Asana responded without a token."},
         {PlayedResponse{.status = 302, .fields = {{"Location", "https://elsewhere.example/"}}},
          "refused: Asana refused the sign-in."},
     };
@@ -215,20 +215,19 @@ TEST(SignIn, DoesNotBeginWithoutARequestToken) {
 
 TEST(SignIn, EndsWhenItsTimeHasRunOut) {
     const auto signIn = begun(ServiceType::Asana, {.limit = std::chrono::milliseconds(1)});
-    EXPECT_EQ(complaint(signIn->finish()), "timedOut: The browser did not come back with an answer in time.");
+    EXPECT_EQ(complaint(signIn->finish()), "timedOut: The browser did not come back in time.");
 }
 
 TEST(SignIn, ReportsWhatCameInsteadOfTheResponse) {
     const auto signIn = begun(ServiceType::Asana, {.limit = std::chrono::seconds(5)});
-    EXPECT_EQ(
-        complaint(outcome(*signIn,
-                          [&] {
-                              comeBack(*signIn, "code=x&state=wrong");
-                              comeBack(*signIn, "code=x&state=wrong");
-                              comeBack(*signIn, "code=%zz");
-                          })),
-        "timedOut: The browser did not come back with an answer in time. 3 other requests came instead, "
-        "among them 2 answers of another sign-in.");
+    EXPECT_EQ(complaint(outcome(*signIn,
+                                [&] {
+                                    comeBack(*signIn, "code=x&state=wrong");
+                                    comeBack(*signIn, "code=x&state=wrong");
+                                    comeBack(*signIn, "code=%zz");
+                                })),
+              "timedOut: The browser did not come back in time. 3 other requests came instead, "
+              "among them 2 responses of another sign-in.");
 }
 
 TEST(SignIn, EndsAtAStop) {

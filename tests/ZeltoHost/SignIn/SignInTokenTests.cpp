@@ -35,7 +35,7 @@ TEST(SignInToken, OfSlackIsTheUsers) {
                       R"({"ok":true,"access_token":"bot","authed_user":{"id":"U1","access_token":"user"}})"),
               (SignInToken{.accessToken = "user"}));
     EXPECT_EQ(complaint(ServiceType::Slack, 200, R"({"ok":true,"access_token":"bot","authed_user":{}})"),
-              "Slack answered without a token.");
+              "Slack responded without a token.");
     EXPECT_EQ(complaint(ServiceType::Slack, 200, R"({"ok":false,"error":"invalid_code"})"),
               "Slack does not take the code of its own page; it is spent or too old. Sign in again "
               "(invalid_code).");
@@ -56,7 +56,7 @@ TEST(SignInToken, ThatIsRefusedIsReportedInPlainWordsWithoutTheServersOwn) {
               "Zoom refused the sign-in.");
     for (const auto* body : {"", "{}", "[]", "null", R"({"access_token":""})", R"({"access_token":7})", "x",
                              R"({"token":"a"})"}) {
-        EXPECT_EQ(complaint(ServiceType::ZoomMeeting, 200, body), "Zoom answered without a token.") << body;
+        EXPECT_EQ(complaint(ServiceType::ZoomMeeting, 200, body), "Zoom responded without a token.") << body;
     }
 }
 

@@ -131,7 +131,7 @@ TEST(ServiceOutcome, AConnectionErrorIsLogged) {
               (Lines{"Connection error Nothing moved. for request: https://api.example/1/items?limit=5 with "
                      "response nil",
                      "Connection error nil for request: https://api.example/1/items?limit=5 with response "
-                     "HTTP 200 answer from https://api.example/1/items"}));
+                     "HTTP 200 response from https://api.example/1/items"}));
     EXPECT_EQ(log.messages().size(), 2u);
 }
 

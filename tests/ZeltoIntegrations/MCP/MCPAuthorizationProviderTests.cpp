@@ -93,7 +93,7 @@ std::shared_ptr<FreeProvider> providerThat(FreeProvider::Responder response) {
     return std::make_shared<FreeProvider>(std::move(response));
 }
 
-const MCPError noResponse(MCPAuthorizationError{"The provider of credentials gave no answer."});
+const MCPError noResponse(MCPAuthorizationError{"The provider of credentials gave no result."});
 
 TEST(MCPAuthorizationProvider, ItsFailureAtADisconnectLeavesTheSession) {
     TestHTTPServer server([](const ReceivedRequest& request) {

@@ -24,7 +24,7 @@ TEST_F(Connect, SignsInToTrelloInTheBrowser) {
     const auto outcome = run({"connect", "trello", "--opener", browser(goThere)});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.output, "Connected " + sandboxAccount + ".\n");
-    EXPECT_EQ(outcome.errorOutput, "The page of Trello opens in the browser; its answer is waited for.\n");
+    EXPECT_EQ(outcome.errorOutput, "The page of Trello opens in the browser; zelto waits until you have agreed there.\n");
     EXPECT_EQ(zelto.run({"accounts"}).output, sandboxAccount + "\n");
     const auto credentials = stored(sandboxAccount);
     EXPECT_TRUE(credentials.accessToken);
@@ -63,7 +63,7 @@ TEST_F(Connect, SignsInAtEveryServiceAsFarAsThisVersionGoes) {
     EXPECT_EQ(zelto.run({"accounts"}).output, "Zoom\nGoTo\nAsana+robin@sandbox.example\n");
 }
 
-TEST_F(Connect, ToldOfADenialKeepsNothing) {
+TEST_F(Connect, KeepsNothingAfterADenial) {
     sandbox->setConsent(SandboxConsent::deny);
     const auto outcome = run({"connect", "zoom", "--opener", browser(goThere)});
     EXPECT_EQ(outcome.status, 1);
@@ -77,7 +77,7 @@ TEST_F(Connect, ToldOfADenialKeepsNothing) {
 TEST_F(Connect, SeveralAtOnceMakeOneAccount) {
     const auto outcome = zelto.runShell(
         "for i in 1 2 3 4; do zelto --keychain file --sandbox " + sandbox->url().absoluteString() +
-        " connect trello --follow 2>> told & done; wait; grep -c 'is connected already' told");
+        " connect trello --follow 2>> said & done; wait; grep -c 'is connected already' said");
     EXPECT_EQ(outcome.output, "Connected " + sandboxAccount + ".\n3\n");
     EXPECT_EQ(run({"targets", sandboxAccount, "--refresh"}).status, 0);
     EXPECT_EQ(flowsLeft(zelto), 0U);
@@ -94,7 +94,7 @@ TEST_F(Connect, OfAnAccountThatIsThereNamesReconnect) {
     EXPECT_EQ(stored(sandboxAccount), before);
 }
 
-TEST_F(Connect, ToldBySomebodyElsesTokenKeepsNothing) {
+TEST_F(Connect, KeepsNothingWithATokenThatIsRefused) {
     const auto outcome = run({"connect", "trello", "--token", "no-such-token", "--json"});
     EXPECT_EQ(outcome.text("error"), "dataLoadingError");
     EXPECT_NE(outcome.text("message").find("Trello"), std::string::npos);
@@ -224,13 +224,13 @@ TEST_F(Connect, PrintsTheAddressAndTakesThePastedOne) {
         << text;
 }
 
-TEST_F(Connect, TakesTheAnswerThatWasPasted) {
+TEST_F(Connect, TakesTheAddressThatWasPasted) {
     sandbox->setConsent(SandboxConsent::allow);
     const auto outcome =
         drive("class Stay(urllib.request.HTTPRedirectHandler):\n"
-              "    def redirect_request(self, *rest): return None\n"
+              "    def redirect_request(self, *arguments): return None\n"
               "try: urllib.request.build_opener(Stay).open(until(r'^  (http.*)$'))\n"
-              "except urllib.error.HTTPError as answer: target = answer.headers['Location']\n"
+              "except urllib.error.HTTPError as response: target = response.headers['Location']\n"
               "zelto.stdin.write('nonsense\\n' + target + '\\n')\n"
               "zelto.stdin.flush()\n"
               "sys.exit(zelto.wait())\n",

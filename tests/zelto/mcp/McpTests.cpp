@@ -27,7 +27,7 @@ TEST(Mcp, ListsItsCommands) {
               "zelto mcp call  Call a tool\n");
 }
 
-TEST(Mcp, PingTellsWhoAnswersAndEndsTheSession) {
+TEST(Mcp, PingNamesTheServerAndEndsTheSession) {
     MCPServer server(echoing());
     const ZeltoProgram zelto;
     const auto outcome = zelto.run({"mcp", "ping", server.url().absoluteString()});
@@ -156,7 +156,7 @@ TEST(Mcp, GivesUpAfterTheTimeoutAndEndsTheSession) {
     }
 }
 
-TEST(Mcp, GivesUpAfterTheTimeoutHoweverFastTheAnswersAre) {
+TEST(Mcp, GivesUpAfterTheTimeoutHoweverFastTheResponsesAre) {
     const auto start = std::chrono::steady_clock::now();
     cli::McpSession session({.server = URL::parse("http://127.0.0.1:9/").value(),
                              .repeat = 1'000'000'000,
