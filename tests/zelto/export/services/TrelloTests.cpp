@@ -114,7 +114,7 @@ TEST_F(TrelloCommands, ARefusedTokenNamesTheWayToReconnect) {
     EXPECT_EQ(exported.status, 1);
     EXPECT_EQ(exported.text("error"), "createTaskError");
     EXPECT_EQ(exported.text("message"), "Trello did not make the card \"Title\": it does not accept the "
-                                        "account's sign-in any more.");
+                                        "account's sign-in any more (\"invalid token\").");
     EXPECT_EQ(exported.text("next"), "zelto reconnect Trello+me@example.org");
 }
 
@@ -236,8 +236,9 @@ TEST_F(TrelloCommands, AFailedUploadNamesWhatWasMade) {
     const auto message = outcome.text("message");
     EXPECT_TRUE(message.starts_with("Trello did not take the file \"")) << message;
     EXPECT_NE(
-        message.find("it had too many requests; wait some minutes. On Trello already, and made again by "
-                     "another export: card \"Title\"."),
+        message.find(
+            "it had too many requests; wait some minutes (\"no\"). On Trello already, and made again by "
+            "another export: card \"Title\"."),
         std::string::npos)
         << message;
     EXPECT_NE(outcome.json().find("made"), nullptr);
@@ -294,14 +295,15 @@ TEST_F(TrelloCommands, AVeryLongTitleIsCutInMessages) {
         {"export", mail, "--to", "trello", "--as", "backLink", "--title", std::string(5000, 'a'), "--json"});
     EXPECT_EQ(outcome.text("message"),
               "Trello did not make the card \"" + std::string(100, 'a') +
-                  "…\": it refused the request, and may not have what it was to go into any more.");
+                  "…\": it refused the request, and may not have what it was to go into any more (\"no\").");
 }
 
 TEST_F(TrelloCommands, AListThatHasGoneIsNamed) {
     service.refuse("/1/cards?", 404);
     const auto outcome = exportLink({"--json"});
-    EXPECT_EQ(outcome.text("message"),
-              "Trello did not make the card \"Title\": what it was to go into is not there any more.");
+    EXPECT_EQ(
+        outcome.text("message"),
+        "Trello did not make the card \"Title\": what it was to go into is not there any more (\"no\").");
     EXPECT_EQ(outcome.text("next"), "zelto targets Trello+me@example.org --refresh");
 }
 
