@@ -2,6 +2,8 @@
 
 #include <export/services/AsanaAdapter.h>
 
+#include <Support/AsanaExport.h>
+
 namespace zelto {
 
 namespace {
@@ -92,6 +94,21 @@ TEST(AsanaTargets, OfAWorkspaceWithoutProjectsAreMissed) {
     EXPECT_EQ(failure.message, "No target is chosen: Asana shows no workspace with a project to put it into; "
                                "make one there first.");
     EXPECT_EQ(failure.next, "zelto targets Asana+me --refresh");
+}
+
+TEST(AsanaLimits, OfAFileAreTheSameForEveryAccount) {
+    AsanaExport fixture;
+    constexpr std::uint64_t limit = std::uint64_t{100} << 20;
+    const auto passed = [&](std::uint64_t size) {
+        const cli::SentRequest upload{.method = "POST",
+                                      .url = "https://app.asana.com/api/1.0/tasks/t/attachments",
+                                      .parts = {{.name = "file", .fileName = "a.bin", .size = size}}};
+        return cli::AsanaAdapter::passedLimits(*fixture.exporter(), fixture.configuration, {upload});
+    };
+    EXPECT_TRUE(passed(limit - 1).empty());
+    EXPECT_TRUE(passed(limit).empty());
+    EXPECT_EQ(passed(limit + 1),
+              (std::vector<cli::PassedLimit>{{"the file \"a.bin\"", limit, limit + 1, "bytes"}}));
 }
 
 } // namespace zelto

@@ -2,6 +2,8 @@
 
 #include <export/services/TodoistAdapter.h>
 
+#include <Support/TodoistExport.h>
+
 namespace zelto {
 
 namespace {
@@ -30,7 +32,97 @@ class TodoistCommands : public ConnectedProgram {
     }
 };
 
+constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20;
+
+using Texts = std::vector<std::string>;
+
+class TodoistLimits : public testing::Test {
+  protected:
+    // "what: actual of limit unit" for each limit that the requests pass.
+    Texts passed(const std::vector<cli::SentRequest>& requests) {
+        Texts all;
+        for (const auto& [what, limit, actual, unit] :
+             cli::TodoistAdapter::passedLimits(*fixture.exporter(), fixture.configuration, requests)) {
+            all.push_back(what + ": " + std::to_string(actual) + " of " + std::to_string(limit) + " " + unit);
+        }
+        return all;
+    }
+
+    static cli::SentRequest upload(std::uint64_t size) {
+        return {.method = "POST",
+                .url = "https://api.todoist.com/api/v1/uploads",
+                .parts = {{.name = "file", .fileName = "a.bin", .size = size}}};
+    }
+
+    TodoistExport fixture;
+};
+
+JSONValue command(const std::string& type, const std::string& content, const std::string& mark = "1") {
+    return JSONObject{{"type", type},
+                      {"temp_id", "temp-" + mark},
+                      {"uuid", "uuid-" + mark},
+                      {"args", JSONObject{{"content", content}}}};
+}
+
+cli::SentRequest sync(JSONValue::Array commands) {
+    return {.method = "POST",
+            .url = "https://api.todoist.com/api/v1/sync",
+            .text = JSONValue(JSONObject{{"commands", std::move(commands)}}).text().value()};
+}
+
+// A letter that is one character for a reader, two code points and three bytes.
+std::string umlauts(std::size_t count) {
+    std::string text;
+    for (std::size_t i = 0; i < count; ++i) {
+        text += "a\xcc\x88";
+    }
+    return text;
+}
+
 } // namespace
+
+TEST_F(TodoistLimits, OfATasksNameCountCodePoints) {
+    const auto name = [&](const std::string& text) { return passed({sync({command("item_add", text)})}); };
+    EXPECT_EQ(name(std::string(499, 'a')), Texts{});
+    EXPECT_EQ(name(std::string(500, 'a')), Texts{});
+    EXPECT_EQ(name(std::string(501, 'a')), Texts{"the task's name: 501 of 500 characters"});
+    EXPECT_EQ(name(umlauts(250)), Texts{});
+    EXPECT_EQ(name(umlauts(250) + "a"), Texts{"the task's name: 501 of 500 characters"});
+}
+
+TEST_F(TodoistLimits, OfACommentCountCodePoints) {
+    const auto comment = [&](const std::string& text) { return passed({sync({command("note_add", text)})}); };
+    EXPECT_EQ(comment(std::string(14'999, 'a')), Texts{});
+    EXPECT_EQ(comment(std::string(15'000, 'a')), Texts{});
+    EXPECT_EQ(comment(std::string(15'001, 'a')), Texts{"the comment's text: 15001 of 15000 characters"});
+    EXPECT_EQ(comment(umlauts(7500)), Texts{});
+    EXPECT_EQ(comment(umlauts(7500) + "a"), Texts{"the comment's text: 15001 of 15000 characters"});
+}
+
+TEST_F(TodoistLimits, OfAFileFollowThePlan) {
+    EXPECT_EQ(passed({upload(5 * mebibyte - 1), upload(5 * mebibyte)}), Texts{});
+    EXPECT_EQ(passed({upload(5 * mebibyte + 1)}), Texts{"the file \"a.bin\": 5242881 of 5242880 bytes"});
+    fixture.exporter()->myUser.set(TodoistUser{.email = "me@example.org", .isPremium = true});
+    EXPECT_EQ(passed({upload(100 * mebibyte - 1), upload(100 * mebibyte)}), Texts{});
+    EXPECT_EQ(passed({upload(100 * mebibyte + 1)}),
+              Texts{"the file \"a.bin\": 104857601 of 104857600 bytes"});
+}
+
+TEST_F(TodoistLimits, OfTheCommandsCountThoseOfTheRequest) {
+    for (const std::size_t count : {99, 100, 101}) {
+        EXPECT_EQ(passed({sync(JSONValue::Array(count, command("note_add", "")))}),
+                  count > 100 ? Texts{"the list of commands: 101 of 100 commands"} : Texts{});
+    }
+}
+
+TEST(TodoistAdapter, StandsInForAServiceThatCarriesOutEveryCommand) {
+    EXPECT_EQ(cli::TodoistAdapter::standInResponse(
+                  sync({command("item_add", "a", "1"), command("note_add", "b", "2")})),
+              R"({"sync_status":{"uuid-1":"ok","uuid-2":"ok"},"temp_id_mapping":{"temp-1":"NEW-TASK"}})");
+    EXPECT_EQ(
+        cli::TodoistAdapter::standInResponse({.method = "POST", .url = {}, .parts = {{.name = "file"}}}),
+        R"({"file_url":"https://NEW-FILE","resource_type":"file"})");
+}
 
 TEST_F(TodoistCommands, AMailBecomesATaskOfTheFirstProject) {
     const auto project = firstProject();
@@ -51,7 +143,15 @@ TEST_F(TodoistCommands, ADryRunShowsTheUploadAndTheCommands) {
     EXPECT_NE(text.find("    Authorization: Bearer ***\n"), std::string::npos) << text;
 }
 
-TEST_F(TodoistCommands, ADryRunTellsOfALimitThatWouldBePassed) {
+TEST_F(TodoistCommands, ADueDateIsATimeOfDayInTheZoneOfTheMachine) {
+    for (const auto* zone : {"America/New_York", "Asia/Tokyo"}) {
+        zelto.variables["TZ"] = zone;
+        const auto text = exportTitle({"--due", "2026-12-24T09:00", "--dry-run"}).output;
+        EXPECT_NE(text.find(R"("due":{"date":"2026-12-24T09:00:00"})"), std::string::npos) << zone << text;
+    }
+}
+
+TEST_F(TodoistCommands, ADryRunNamesALimitThatWouldBePassed) {
     const auto outcome =
         run({"export", mail, "--to", "todoist", "--title", std::string(501, 'a'), "--dry-run"});
     EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
@@ -61,9 +161,14 @@ TEST_F(TodoistCommands, ADryRunTellsOfALimitThatWouldBePassed) {
         << outcome.output << outcome.errorOutput;
 }
 
-TEST_F(TodoistCommands, AWebLinksSettingsGoIntoTheConfiguration) {
-    const auto outcome = exportTitle({"--as", "webLink", "--visibility", "team", "--team", "7", "--dry-run"});
+TEST_F(TodoistCommands, AWebLinksSettingsAreOfferedAgain) {
+    const auto outcome = exportTitle(
+        {"--as", "webLink", "--web-link", "https://mail.example/1", "--visibility", "team", "--team", "7"});
     EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
+    const auto offered = JSONValue::parse(run({"config", mail, "--to", "todoist"}).output);
+    ASSERT_TRUE(offered);
+    EXPECT_EQ(offered->find("teamId")->text().value(), "7");
+    EXPECT_EQ(offered->find("webLinkVisibility")->text().value(), "2");
 }
 
 TEST(TodoistAdapter, ATargetIsAProject) {
