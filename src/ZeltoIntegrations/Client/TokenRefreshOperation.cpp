@@ -23,21 +23,16 @@ ServiceResult<void> TokenRefreshOperation::refreshResult() const {
 
 void TokenRefreshOperation::asyncMain(std::function<void()> onComplete) {
     // `onComplete` keeps the operation alive until the response has come.
-    TokenRefreshes::takeTurn(authoriser_->refreshKey(),
-                             [this, onComplete = std::move(onComplete)](auto turn) mutable {
-                                 refresh(std::move(turn), std::move(onComplete));
-                             });
+    TokenRefreshes::acquire(authoriser_->refreshKey(),
+                            [this, onComplete = std::move(onComplete)](auto permit) mutable {
+                                refresh(std::move(permit), std::move(onComplete));
+                            });
 }
 
-void TokenRefreshOperation::endBeforeStart() {
-    fail(ServiceClientError::connectionError);
-}
-
-void TokenRefreshOperation::refresh(std::shared_ptr<TokenRefreshes::Turn> turn,
+void TokenRefreshOperation::refresh(std::shared_ptr<TokenRefreshes::Permit> permit,
                                     std::function<void()> onComplete) {
-    Held held{std::move(turn), TokenRefreshes::beginSending()};
-    if (!held.turn || !held.sending) {
-        fail(ServiceClientError::connectionError);
+    Held held{std::move(permit), TokenRefreshes::beginSending()};
+    if (!held.permit || !held.sending) {
         return onComplete();
     }
     auto request = refreshRequest();
@@ -57,15 +52,15 @@ std::optional<URLRequest> TokenRefreshOperation::refreshRequest() {
     std::optional<URLRequest> request;
     const bool isAsked = containingExceptions("An authoriser", [&] {
         if (isReplaced()) {
-            return;
+            return setResult({});
         }
         request = authoriser_->createRefreshTokenRequest();
         if (!request) {
-            fail(ServiceClientError::oauthError);
+            setResult(failure(ServiceClientError::oauthError));
         }
     });
     if (!isAsked) {
-        fail(ServiceClientError::internalError);
+        setResult(failure(ServiceClientError::internalError));
     }
     return request;
 }
@@ -82,13 +77,12 @@ bool TokenRefreshOperation::isReplaced() {
 void TokenRefreshOperation::end(const ServiceResult<OAuthToken>& token) {
     ServiceResult<void> result = failure(token ? ServiceClientError::internalError : token.error());
     containingExceptions("An authoriser", [&] { result = authoriser_->updateToken(token); });
-    const std::lock_guard guard(lock_);
-    refreshResult_ = result;
+    setResult(result);
 }
 
-void TokenRefreshOperation::fail(ServiceClientError error) {
+void TokenRefreshOperation::setResult(ServiceResult<void> result) {
     const std::lock_guard guard(lock_);
-    refreshResult_ = failure(error);
+    refreshResult_ = result;
 }
 
 } // namespace zelto

@@ -22,30 +22,30 @@ class TokenRefreshOperation final : public ServiceOperation {
     // new token that nobody takes in is lost with the account's access.
     void cancel() override;
 
-    // Success until the refresh has failed; what counts is how it stands when the operation has finished.
+    // A connection error until the refresh has ended otherwise; what counts is how it stands when the
+    // operation has finished.
     ServiceResult<void> refreshResult() const;
 
   protected:
     void asyncMain(std::function<void()> onComplete) override;
-    void endBeforeStart() override;
 
   private:
-    // Held from the account's turn until the tokens are stored.
+    // Held from the account's permit until the tokens are stored.
     struct Held {
-        std::shared_ptr<TokenRefreshes::Turn> turn;
+        std::shared_ptr<TokenRefreshes::Permit> permit;
         std::shared_ptr<TokenRefreshes::Sending> sending;
     };
 
-    void refresh(std::shared_ptr<TokenRefreshes::Turn> turn, std::function<void()> onComplete);
+    void refresh(std::shared_ptr<TokenRefreshes::Permit> permit, std::function<void()> onComplete);
     // The request to send; without one the result says why.
     std::optional<URLRequest> refreshRequest();
     bool isReplaced();
     void end(const ServiceResult<OAuthToken>& token);
-    void fail(ServiceClientError error);
+    void setResult(ServiceResult<void> result);
 
     const std::shared_ptr<ServiceAuthoriser> authoriser_;
     const std::uint64_t replacedGeneration_;
-    ServiceResult<void> refreshResult_;
+    ServiceResult<void> refreshResult_ = failure(ServiceClientError::connectionError);
 };
 
 } // namespace zelto

@@ -13,13 +13,13 @@
 
 namespace zelto {
 
-using TurnCallback = Callback<std::shared_ptr<TokenRefreshes::Turn>>;
+using PermitCallback = Callback<std::shared_ptr<TokenRefreshes::Permit>>;
 
 namespace {
 
 struct State {
     std::mutex lock;
-    std::map<std::string, std::deque<Callback<>>> waiting; // by the key whose turn is taken
+    std::map<std::string, std::deque<Callback<>>> waiting; // by the key whose permit is held
     std::shared_ptr<RefreshLock> refreshLock;
     std::condition_variable hasEnded;
     std::size_t sendingCount = 0;
@@ -34,29 +34,29 @@ State& state() {
 
 } // namespace
 
-class TokenRefreshes::Turn {
+class TokenRefreshes::Permit {
   public:
-    explicit Turn(std::string key) : key_(std::move(key)) {}
+    explicit Permit(std::string key) : key_(std::move(key)) {}
 
-    ~Turn() {
+    ~Permit() {
         lock_ = nullptr;
         if (!key_.empty()) {
             passOn();
         }
     }
 
-    Turn(const Turn&) = delete;
-    Turn& operator=(const Turn&) = delete;
+    Permit(const Permit&) = delete;
+    Permit& operator=(const Permit&) = delete;
 
-    static void lockThen(std::shared_ptr<Turn> turn, TurnCallback taken) {
+    static void lockThen(std::shared_ptr<Permit> permit, PermitCallback acquired) {
         const auto lock = RefreshLock::installed();
-        if (!lock || turn->key_.empty()) {
-            return taken(std::move(turn));
+        if (!lock || permit->key_.empty()) {
+            return acquired(std::move(permit));
         }
-        const auto key = turn->key_;
-        lock->take(key, [turn = std::move(turn), taken = std::move(taken)](auto held) mutable {
-            turn->lock_ = std::move(held);
-            taken(turn->lock_ ? std::move(turn) : nullptr);
+        const auto key = permit->key_;
+        lock->take(key, [permit = std::move(permit), acquired = std::move(acquired)](auto held) mutable {
+            permit->lock_ = std::move(held);
+            acquired(permit->lock_ ? std::move(permit) : nullptr);
         });
     }
 
@@ -95,18 +95,19 @@ class TokenRefreshes::Sending {
     Sending& operator=(const Sending&) = delete;
 };
 
-void TokenRefreshes::takeTurn(const std::string& serviceCredentialsKey, TurnCallback taken) {
+void TokenRefreshes::acquire(const std::string& serviceCredentialsKey, PermitCallback acquired) {
     if (!serviceCredentialsKey.empty()) {
         const std::lock_guard guard(state().lock);
         const auto [waiting, isFree] = state().waiting.try_emplace(serviceCredentialsKey);
         if (!isFree) {
-            waiting->second.push_back([key = serviceCredentialsKey, taken = std::move(taken)]() mutable {
-                Turn::lockThen(std::make_shared<Turn>(std::move(key)), std::move(taken));
-            });
+            waiting->second.push_back(
+                [key = serviceCredentialsKey, acquired = std::move(acquired)]() mutable {
+                    Permit::lockThen(std::make_shared<Permit>(std::move(key)), std::move(acquired));
+                });
             return;
         }
     }
-    Turn::lockThen(std::make_shared<Turn>(serviceCredentialsKey), std::move(taken));
+    Permit::lockThen(std::make_shared<Permit>(serviceCredentialsKey), std::move(acquired));
 }
 
 std::shared_ptr<TokenRefreshes::Sending> TokenRefreshes::beginSending() {

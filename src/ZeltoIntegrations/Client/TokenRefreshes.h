@@ -12,13 +12,12 @@ class TokenRefreshes {
   public:
     TokenRefreshes() = delete;
 
-    // One account's turn to refresh, in this process and in the others (RefreshLock); the next one's comes
-    // when it goes.
-    class Turn;
+    // Lets one refresh of an account run, in this process and in the others (RefreshLock), while it lives.
+    class Permit;
 
-    // Completes when the account's turn has come, at once or on a thread of the pool; with null when there is
-    // none to be had. An empty key waits for nobody.
-    static void takeTurn(const std::string& serviceCredentialsKey, Callback<std::shared_ptr<Turn>> taken);
+    // Completes with the account's permit once nobody else holds it, at once or on a thread of the pool; with
+    // null when there is none to be had. An empty key waits for nobody.
+    static void acquire(const std::string& serviceCredentialsKey, Callback<std::shared_ptr<Permit>> acquired);
 
     // A refresh that is sent, until its tokens are stored.
     class Sending;

@@ -32,7 +32,7 @@ std::shared_ptr<const RequestSource> made(const URLRequest& request) {
     return std::make_shared<const RequestSource>(RequestSource::of(request));
 }
 
-// Holds every answer back until it is let go.
+// Holds every response back until it is let go.
 class HeldServer {
   public:
     ~HeldServer() { gate_.set(); }
@@ -159,7 +159,7 @@ TEST(ServiceClientLifetime, ARequestThatIsCancelledIsNotRepeated) {
     EXPECT_TRUE(authoriser->updates().empty());
 }
 
-TEST(ServiceClientLifetime, CancellingAtAnyMomentTellsEachRequestOnce) {
+TEST(ServiceClientLifetime, CancellingAtAnyMomentEndsEachRequestOnce) {
     const TestHTTPServer server([&](const ReceivedRequest& request) {
         return isRefresh(request) ? freshToken() : PlayedResponse{.status = 401};
     });
@@ -242,8 +242,8 @@ TEST(ServiceOperation, HasItsTaskOnceItRuns) {
     const auto operation = std::make_shared<ServiceAsyncOperation>(
         std::make_shared<URLSession>(URLSessionConfiguration::ephemeral()), JSONDecoder(),
         std::make_shared<FakeAuthoriser>(), made(itemRequest()),
-        [told = end.callback<ServiceCompletion<ServiceResponse>>()](auto result, const RequestTry&) mutable {
-            told(std::move(result));
+        [ended = end.callback<ServiceCompletion<ServiceResponse>>()](auto result, const RequestTry&) mutable {
+            ended(std::move(result));
         });
     EXPECT_EQ(operation->task(), nullptr);
     OperationQueue queue;
@@ -261,8 +261,8 @@ TEST(ServiceOperation, ThatGetsNoTaskIsAnInternalError) {
     Completed<ServiceResult<ServiceResponse>> end;
     const auto operation = std::make_shared<ServiceAsyncOperation>(
         session, JSONDecoder(), std::make_shared<FakeAuthoriser>(), made(itemRequest()),
-        [told = end.callback<ServiceCompletion<ServiceResponse>>()](auto result, const RequestTry&) mutable {
-            told(std::move(result));
+        [ended = end.callback<ServiceCompletion<ServiceResponse>>()](auto result, const RequestTry&) mutable {
+            ended(std::move(result));
         });
     operation->start();
     EXPECT_TRUE(operation->isFinished());
@@ -274,7 +274,7 @@ TEST(TokenRefreshOperation, ThatGetsNoTaskIsAnInternalErrorAndTakenIn) {
     session->finishTasksAndInvalidate();
     const auto authoriser = FakeAuthoriser::stale();
     const auto operation = std::make_shared<TokenRefreshOperation>(session, JSONDecoder(), authoriser, 0);
-    EXPECT_TRUE(operation->refreshResult());
+    EXPECT_EQ(operation->refreshResult(), failure(E::connectionError)) << "before it has begun";
     operation->start();
     EXPECT_TRUE(operation->isFinished());
     EXPECT_EQ(operation->refreshResult(), failure(E::internalError));
@@ -309,8 +309,8 @@ TEST(ServiceAsyncOperation, LooksAtTheFirstRefreshAmongItsDependencies) {
     const auto operation = std::make_shared<ServiceAsyncOperation>(
         std::make_shared<URLSession>(URLSessionConfiguration::ephemeral()), JSONDecoder(),
         std::make_shared<FakeAuthoriser>(), made(itemRequest("HEAD")),
-        [told = end.callback<ServiceCompletion<ServiceResponse>>()](auto result, const RequestTry&) mutable {
-            told(std::move(result));
+        [ended = end.callback<ServiceCompletion<ServiceResponse>>()](auto result, const RequestTry&) mutable {
+            ended(std::move(result));
         });
     const auto other = std::make_shared<Operation>();
     other->start();
