@@ -25,13 +25,13 @@ class InstalledKeyChain {
     InstalledKeyChain& operator=(const InstalledKeyChain&) = delete;
 };
 
-// A key chain in memory that keeps what was asked of it, and fails where it is told to. Any thread.
+// A key chain in memory that keeps what was asked of it, and fails where a test says so. Any thread.
 class RecordingKeyChainStore final : public LVXKeyChainStore {
   public:
     Result<std::optional<Data>, KeyChainError> read(const std::string& key) override {
         const std::lock_guard guard(lock_);
         calls_.push_back("read " + key);
-        if (isLocked_) {
+        if (isLocked_ || isUnreadable_) {
             return failure(lockedError());
         }
         const auto value = values_.find(key);
@@ -62,6 +62,11 @@ class RecordingKeyChainStore final : public LVXKeyChainStore {
         isLocked_ = locked;
     }
 
+    void setUnreadable(bool unreadable) {
+        const std::lock_guard guard(lock_);
+        isUnreadable_ = unreadable;
+    }
+
     // "read KEY", "write KEY", "erase KEY", in order.
     std::vector<std::string> takeCalls() {
         const std::lock_guard guard(lock_);
@@ -90,6 +95,7 @@ class RecordingKeyChainStore final : public LVXKeyChainStore {
     std::map<std::string, Data> values_;
     std::vector<std::string> calls_;
     bool isLocked_ = false;
+    bool isUnreadable_ = false;
 };
 
 // An empty key chain in memory, installed as long as this lives.
@@ -118,6 +124,9 @@ class MemoryKeyChain {
 
     // While it is locked, it can be neither read nor written.
     void setLocked(bool locked) const { store_->setLocked(locked); }
+
+    // While it is unreadable, it can be written.
+    void setUnreadable(bool unreadable) const { store_->setUnreadable(unreadable); }
 
   private:
     std::shared_ptr<RecordingKeyChainStore> store_ = std::make_shared<RecordingKeyChainStore>();

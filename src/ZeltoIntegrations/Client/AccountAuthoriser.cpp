@@ -15,20 +15,20 @@ namespace zelto {
 namespace {
 
 // Servers refuse headers long before this, and what is longer is no token.
-constexpr std::size_t longestToken = 32 * 1024;
+constexpr std::size_t maximumTokenLength = 32 * 1024;
 
 bool isVisibleOrBlank(char c) {
     return c == ' ' || isVisibleASCII(c);
 }
 
-// Without the line end that pasting leaves; nothing for what holds a character that is not taken.
+// Without the line end that pasting leaves; no value if a character of it is not taken.
 std::optional<std::string> tokenWithin(const std::optional<std::string>& token, bool (*isTaken)(char)) {
     if (!token) {
         return std::nullopt;
     }
     const auto end = token->find_last_not_of("\r\n");
     const auto sent = std::string_view(*token).substr(0, end == std::string::npos ? 0 : end + 1);
-    if (sent.size() > longestToken || !std::ranges::all_of(sent, isTaken)) {
+    if (sent.size() > maximumTokenLength || !std::ranges::all_of(sent, isTaken)) {
         return std::nullopt;
     }
     return std::string(sent);
@@ -136,20 +136,31 @@ ServiceResult<void> AccountAuthoriser::updateToken(const ServiceResult<OAuthToke
     if (!rules_.refresh) {
         return result ? ServiceResult<void>() : failure(result.error());
     }
-    if (!result && takeNewerTokens()) {
+    if (!result) {
+        return endFailedRefresh(result.error());
+    }
+    takeIn(*result, *rules_.refresh);
+    store();
+    notifyObserver();
+    return {};
+}
+
+ServiceResult<void> AccountAuthoriser::endFailedRefresh(ServiceClientError error) {
+    const auto stored = takeIfNewer();
+    if (stored == StoredTokens::newer) {
         return {};
     }
-    const bool isChanged = result || isServiceError(result.error());
-    if (result) {
-        takeIn(*result, *rules_.refresh);
-    } else if (isChanged) {
+    if (isServiceError(error)) {
         forgetTokens();
     }
-    store();
-    if (isChanged) {
-        tellObserver();
+    // What cannot be read may be newer, and tokens that somebody else has wiped do not come back.
+    if (stored == StoredTokens::notNewer) {
+        store();
     }
-    return result ? ServiceResult<void>() : failure(result.error());
+    if (isServiceError(error)) {
+        notifyObserver();
+    }
+    return failure(error);
 }
 
 std::string AccountAuthoriser::refreshKey() const {
@@ -158,22 +169,33 @@ std::string AccountAuthoriser::refreshKey() const {
 }
 
 bool AccountAuthoriser::takeNewerTokens() {
+    return takeIfNewer() == StoredTokens::newer;
+}
+
+AccountAuthoriser::StoredTokens AccountAuthoriser::takeIfNewer() {
     const auto stored = ServiceCredentialsManager::stored(refreshKey());
-    if (!stored || !*stored || !hasTokens(**stored)) {
-        return false;
+    if (!stored) {
+        return StoredTokens::unreadable;
     }
     {
         const std::lock_guard guard(lock_);
+        wasRemoved_ = !*stored && lastStored_;
+        if (!*stored) {
+            return StoredTokens::notNewer;
+        }
+        if (!hasTokens(**stored)) {
+            return StoredTokens::wiped;
+        }
         const bool isKnown = lastStored_ && hasSameTokens(**stored, *lastStored_);
         lastStored_ = *stored;
         if (isKnown || hasSameTokens(**stored, accountCredentials_)) {
-            return false;
+            return StoredTokens::notNewer;
         }
         accountCredentials_ = **stored;
         ++tokenGeneration_;
     }
-    tellObserver();
-    return true;
+    notifyObserver();
+    return StoredTokens::newer;
 }
 
 std::uint64_t AccountAuthoriser::tokenGeneration() const {
@@ -215,7 +237,26 @@ void AccountAuthoriser::forgetTokens() {
     accountCredentials_.expirationDate.reset();
 }
 
+bool AccountAuthoriser::isStillRemoved() {
+    {
+        const std::lock_guard guard(lock_);
+        if (!wasRemoved_) {
+            return false;
+        }
+    }
+    // The record is also gone for a moment while an account is being replaced.
+    const auto stored = ServiceCredentialsManager::stored(refreshKey());
+    const std::lock_guard guard(lock_);
+    if (stored) {
+        wasRemoved_ = !*stored;
+    }
+    return wasRemoved_;
+}
+
 void AccountAuthoriser::store() {
+    if (isStillRemoved()) {
+        return;
+    }
     auto credentials = accountCredentials();
     if (ServiceCredentialsManager::store(credentials)) {
         const std::lock_guard guard(lock_);
@@ -223,7 +264,7 @@ void AccountAuthoriser::store() {
     }
 }
 
-void AccountAuthoriser::tellObserver() {
+void AccountAuthoriser::notifyObserver() {
     std::unique_lock guard(lock_);
     const auto observer = tokensObserver_;
     const auto credentials = accountCredentials_;

@@ -60,13 +60,13 @@ class AccountAuthoriser : public ServiceAuthoriser {
   public:
     // Starts from the record that the key chain has for the credentials' key, absent fields included; from
     // the given fields if it has none. The rules live as long as the process; without any there is the token
-    // and nothing else.
+    // alone.
     explicit AccountAuthoriser(ServiceAccountCredentials accountCredentials,
                                const AuthorisationRules& rules = tokenAlone);
 
-    // Called with the credentials after a refresh, also one of somebody else, has changed the tokens and the
-    // key chain holds them; on the thread of the refresh, before any request goes on. To be set before the
-    // first request.
+    // Called with the credentials after a refresh, also one of somebody else, has changed the tokens, behind
+    // the write to the key chain if there is one; on the thread of the refresh, before any request goes on.
+    // To be set before the first request.
     using TokensObserver = std::function<void(const ServiceAccountCredentials&)>;
     void setTokensObserver(TokensObserver observer);
 
@@ -77,7 +77,8 @@ class AccountAuthoriser : public ServiceAuthoriser {
     bool shouldRefreshToken() override;
     std::optional<URLRequest> createRefreshTokenRequest() override;
     // A token that was given is stored. A refusal by the service wipes the tokens, here and in the key chain,
-    // unless newer ones lie there: they are taken, and this was no failure.
+    // unless newer ones lie there: they are taken, and this was no failure. A failure writes nothing to a key
+    // chain that cannot be read, and no outcome writes the record of an account that was removed from it.
     ServiceResult<void> updateToken(const ServiceResult<OAuthToken>& result) override;
 
     // The key of the account's record.
@@ -85,16 +86,28 @@ class AccountAuthoriser : public ServiceAuthoriser {
     bool takeNewerTokens() override;
     std::uint64_t tokenGeneration() const override;
 
-    // The token as it is sent; nothing when it is absent, or holds anything but visible ASCII, or too much.
+    // The token as it is sent; no value when it is absent, or holds anything but visible ASCII, or too much.
     static std::optional<std::string> sentToken(const std::optional<std::string>& token);
 
   private:
     static const AuthorisationRules tokenAlone;
 
+    // What lies in the key chain, compared with the tokens here.
+    enum class StoredTokens {
+        unreadable,
+        wiped,    // a record without tokens
+        notNewer, // or no record
+        newer,    // and taken
+    };
+
     void takeIn(const OAuthToken& token, const AuthorisationRules::Refresh& rules);
+    ServiceResult<void> endFailedRefresh(ServiceClientError error);
+    StoredTokens takeIfNewer();
     void forgetTokens();
+    // Not for an account that was removed meanwhile.
     void store();
-    void tellObserver();
+    bool isStillRemoved();
+    void notifyObserver();
 
     const AuthorisationRules& rules_;
     mutable std::mutex lock_;
@@ -102,6 +115,7 @@ class AccountAuthoriser : public ServiceAuthoriser {
     // What the key chain held when it was last read or written. The tokens here may be newer: a write can
     // fail.
     std::optional<ServiceAccountCredentials> lastStored_;
+    bool wasRemoved_ = false; // the record, when the key chain was last read
     std::uint64_t tokenGeneration_ = 0;
     TokensObserver tokensObserver_;
 };

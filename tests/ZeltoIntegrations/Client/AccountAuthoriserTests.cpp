@@ -295,9 +295,9 @@ TEST(AccountAuthoriser, RefusesATokenThatNoHeaderCanHold) {
             EXPECT_EQ(hasRequest, token == "to ken" && row.refresh != "(none)") << row.name << token;
         }
     }
-    auto longest = credentials();
-    longest.accessToken = std::string(16 * 1024, 'a');
-    EXPECT_NE(signedItem(*authoriserNamed("Zoom", longest)), "(refused)");
+    auto longToken = credentials();
+    longToken.accessToken = std::string(16 * 1024, 'a');
+    EXPECT_NE(signedItem(*authoriserNamed("Zoom", longToken)), "(refused)");
 }
 
 TEST(AccountAuthoriser, ItsSecretsAreMaskedInTheLogFromTheBeginning) {
@@ -351,7 +351,7 @@ TEST(InstapaperAuthoriser, NeedsATextBodyAndBothCredentials) {
     EXPECT_TRUE(refuses(credentials(), request));
 }
 
-TEST(InstapaperAuthoriser, CorrectsTheLengthThatTheRequestTells) {
+TEST(InstapaperAuthoriser, CorrectsTheLengthThatTheRequestHas) {
     const MemoryKeyChain keyChain;
     auto request =
         *ExportServiceHelper::urlEncodedRequest("https://www.instapaper.com/api/add", {{"url", "x"}});

@@ -1,6 +1,7 @@
 #include "ServiceClientFixture.h"
 
 #include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
+#include <ZeltoIntegrations/Client/RefreshLock.h>
 #include <ZeltoIntegrations/Client/TokenRefreshes.h>
 #include <ZeltoIntegrations/Zoom/ZoomAuthoriser.h>
 
@@ -19,6 +20,15 @@ namespace zelto {
 namespace {
 
 constexpr auto identifier = "Zoom+alice";
+
+// Never completes.
+class DroppingLock final : public RefreshLock {
+  public:
+    void take(const std::string&, Callback<std::shared_ptr<void>> taken) override {
+        const CallbackGuard::Abandonment abandonment;
+        const auto dropped = std::move(taken);
+    }
+};
 
 // One account of a service that rotates, and a key chain.
 class RotatingAccount : public testing::Test {
@@ -145,6 +155,71 @@ TEST_F(RotatingAccount, ARefreshThatIsRefusedIsNoFailureIfNewerTokensLieInTheKey
             EXPECT_EQ(stored(), newer);
         }
     }
+}
+
+TEST_F(RotatingAccount, ARefusalWhileTheKeyChainCannotBeReadWipesNothingInIt) {
+    const auto spent = service.expiredCredentials(identifier);
+    ServiceCredentialsManager::store(spent);
+    ZoomAuthoriser authoriser(keyAlone());
+    auto newer = service.freshCredentials(identifier);
+    newer.refreshToken = "newer";
+    ServiceCredentialsManager::store(newer);
+    keyChain.takeCalls();
+    keyChain.setUnreadable(true);
+    for (const auto error : {ServiceClientError::connectionError, ServiceClientError::authorizationError}) {
+        EXPECT_EQ(authoriser.updateToken(failure(error)), failure(error));
+        EXPECT_EQ(authoriser.accountCredentials(), isServiceError(error) ? keyAlone() : spent);
+        EXPECT_EQ(keyChain.takeCalls(), std::vector{"read " + spent.serviceCredentialsKey});
+    }
+    keyChain.setUnreadable(false);
+    EXPECT_EQ(stored(), newer);
+    EXPECT_TRUE(performed(*client(spent), itemRequest()));
+}
+
+TEST_F(RotatingAccount, NoOutcomeOfARefreshStoresAnAccountThatWasRemovedMeanwhile) {
+    const auto key = keyAlone().serviceCredentialsKey;
+    const OAuthToken token{"access-9", "refresh-9", 3600};
+    const ServiceResult<OAuthToken> outcomes[] = {token, failure(ServiceClientError::connectionError),
+                                                  failure(ServiceClientError::authorizationError)};
+    for (const auto& outcome : outcomes) {
+        ServiceCredentialsManager::store(service.expiredCredentials(identifier));
+        ZoomAuthoriser authoriser(keyAlone());
+        keyChain.clear();
+        EXPECT_FALSE(authoriser.takeNewerTokens()); // as before each refresh
+        EXPECT_EQ(authoriser.updateToken(outcome).has_value(), outcome.has_value());
+        EXPECT_FALSE(keyChain.text(key));
+    }
+}
+
+TEST_F(RotatingAccount, ARefreshThatFailsBringsNoTokensBackThatSomebodyElseHasWiped) {
+    ServiceCredentialsManager::store(service.expiredCredentials(identifier));
+    ZoomAuthoriser authoriser(keyAlone());
+    ServiceCredentialsManager::store(keyAlone());
+    EXPECT_FALSE(authoriser.updateToken(failure(ServiceClientError::connectionError)));
+    EXPECT_EQ(stored(), keyAlone());
+    EXPECT_FALSE(authoriser.takeNewerTokens());
+    EXPECT_TRUE(authoriser.updateToken(OAuthToken{"access-9", "refresh-9", 3600}));
+    EXPECT_EQ(stored().refreshToken, "refresh-9") << "these work";
+}
+
+TEST_F(RotatingAccount, ANewTokenIsStoredIfTheAccountWasOnlyBeingReplaced) {
+    const auto old = service.expiredCredentials(identifier);
+    ServiceCredentialsManager::store(old);
+    ZoomAuthoriser authoriser(keyAlone());
+    keyChain.clear();
+    EXPECT_FALSE(authoriser.takeNewerTokens());
+    ServiceCredentialsManager::store(old);
+    EXPECT_TRUE(authoriser.updateToken(OAuthToken{"access-9", "refresh-9", 3600}));
+    EXPECT_EQ(stored().refreshToken, "refresh-9");
+}
+
+TEST_F(RotatingAccount, ARefreshWhoseLockNeverComesIsAConnectionError) {
+    RefreshLock::install(std::make_shared<DroppingLock>());
+    const auto mine = client(service.expiredCredentials(identifier));
+    EXPECT_EQ(performed(*mine, itemRequest()), failure(ServiceClientError::connectionError));
+    RefreshLock::install(nullptr);
+    EXPECT_EQ(service.refreshCount(), 0);
+    EXPECT_TRUE(performed(*mine, itemRequest()));
 }
 
 TEST_F(RotatingAccount, ARefusalSignsOutOnceAndAnotherClientFindsNoTokens) {
