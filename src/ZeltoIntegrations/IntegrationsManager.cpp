@@ -25,7 +25,7 @@ bool isAccountExist(ServiceConfigurationsStorage& storage, const ServiceAccountC
     });
 }
 
-// The account under another name, and with it another key in the key chain; nothing without credentials.
+// The account under another name, and with it another key in the key chain; no value without credentials.
 std::optional<ServiceAccountConfiguration> createAccount(const ServiceAccountConfiguration& from,
                                                          const std::string& name) {
     if (!from.credentials) {
@@ -88,16 +88,17 @@ AccountResult loadAccount(const Result<void, IntegrationLoadError>& fetched,
     return *std::move(account);
 }
 
-// What a meeting creator's fetch says. Its client keeps refreshed tokens in the key chain alone.
+// What a meeting creator's fetch says. Its client keeps refreshed tokens in the key chain alone: if that
+// cannot be read, the tokens at hand may be spent.
 AccountResult checkedAccount(const Result<void, IntegrationLoadError>& fetched,
                              const ServiceAccountConfiguration& temporary,
                              const ServiceAccountConfiguration& configuration) {
     const auto stored = ServiceCredentialsManager::stored(temporary.credentials->serviceCredentialsKey);
     removeSecrets(temporary);
-    if (!fetched) {
+    if (!fetched || !stored) {
         return failure(AccountError::dataLoadingError());
     }
-    return stored && *stored ? withSecrets(configuration, **stored) : configuration;
+    return *stored ? withSecrets(configuration, **stored) : configuration;
 }
 
 } // namespace

@@ -24,8 +24,8 @@ namespace zelto {
 // The one object that a host holds: the accounts, the two flows that connect them, and the factory of
 // exporters, importers and meeting creators.
 //
-// A flow asks the service with secrets under a key of its own, which is gone when the flow has ended: nothing
-// is taken from another flow, and only a flow that succeeds writes the account's key.
+// A flow asks the service with secrets under a key of its own, which is gone when the flow has ended: it
+// takes no secret of another flow, and only a flow that succeeds writes the account's key.
 //
 // It has no state beyond what it is made with, and no lock. Synchronous operations run on the caller's
 // thread; a completion of the flows comes once, on the thread of the data fetch (or at once where there is
@@ -58,7 +58,7 @@ class IntegrationsManager {
     std::map<int, std::vector<ServiceAccountConfiguration>> servicesConfigurationsGroupedByType() const;
     std::vector<ServiceAccountConfiguration> servicesConfigurations() const;
 
-    // Removes the secrets and the record, and tells the platform interactor.
+    // Removes the secrets and the record, and notifies the platform interactor.
     void removeServiceConfiguration(const ServiceAccountConfiguration& configuration);
 
     void setLastUsedConfiguration(ServiceType serviceType,
@@ -70,7 +70,7 @@ class IntegrationsManager {
 
     // Connects an account as it stands after authorisation: the secrets are filled, the user name may be
     // missing. Services with data are asked for the user's e-mail first, under a temporary account that is
-    // removed again. Nothing is stored unless all went well.
+    // removed again. It is stored only if all went well.
     void trySaveServiceConfiguration(const ServiceAccountConfiguration& configuration,
                                      AccountCompletion completion);
 
@@ -85,10 +85,10 @@ class IntegrationsManager {
                                      const ServiceAccountConfiguration& with, AccountCompletion completion);
 
     std::optional<ServiceAccountConfiguration> loadServiceConfiguration(const std::string& identifier) const;
-    // One by one, so that the host is told of each.
+    // One by one, so that the host is notified of each.
     void removeAllServiceConfigurations();
 
-    // An exporter for the account's service, as the class that is asked for; nothing where the service has
+    // An exporter for the account's service, as the class that is asked for; null where the service has
     // none or one of another class.
     template <class T = ServiceExporter>
     std::shared_ptr<T>
@@ -107,7 +107,7 @@ class IntegrationsManager {
         return std::dynamic_pointer_cast<T>(makeServiceImporter(configuration, std::move(actionSource)));
     }
 
-    // Nothing for an account without credentials, and for a service that is none of meetings.
+    // Null for an account without credentials, and for a service that is none of meetings.
     virtual std::shared_ptr<MeetingCreator>
     createMeetingCreator(const ServiceAccountConfiguration& configuration);
 
@@ -121,8 +121,8 @@ class IntegrationsManager {
                         std::optional<std::string> actionSource);
 
   private:
-    // Gives the account under the name that the service knows it by, and as it stands where there is nothing
-    // to fetch.
+    // Gives the account under the name that the service knows it by, and as it stands where there is no
+    // data to fetch.
     void fetchAccount(const ServiceAccountConfiguration& configuration, AccountCompletion completion);
     void fetchAccountByExporter(const ServiceAccountConfiguration& configuration,
                                 AccountCompletion completion);

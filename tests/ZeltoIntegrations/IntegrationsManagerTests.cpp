@@ -199,7 +199,7 @@ TEST_F(IntegrationsManagerTest, SavingAKnownSchemeAccountGivesAccountAlreadyExis
     EXPECT_TRUE(interactor->added().empty());
 }
 
-TEST_F(IntegrationsManagerTest, SavingANewSchemeAccountTellsTheHostAfterTheSave) {
+TEST_F(IntegrationsManagerTest, SavingANewSchemeAccountNotifiesTheHostAfterTheSave) {
     interactor->onAdded = [&] { EXPECT_TRUE(storage->load("Bear+alice")); };
     const auto result = trySave(account(ServiceType::Bear, "alice"));
     EXPECT_EQ(result.value(), account(ServiceType::Bear, "alice"));
@@ -207,7 +207,7 @@ TEST_F(IntegrationsManagerTest, SavingANewSchemeAccountTellsTheHostAfterTheSave)
     EXPECT_TRUE(stored("Bear+alice"));
 }
 
-TEST_F(IntegrationsManagerTest, SavingStoresTheSecretsThenTheRecordThenTellsTheHostThenCompletes) {
+TEST_F(IntegrationsManagerTest, SavingStoresTheSecretsThenTheRecordThenNotifiesTheHostThenCompletes) {
     Texts order;
     storage->onChange = [&] { order.push_back(stored("Bear+alice") ? "record" : "record before secrets"); };
     interactor->onAdded = [&] { order.push_back("host"); };
@@ -337,6 +337,19 @@ TEST_F(IntegrationsManagerTest, TokensThatWereRefreshedWhileAServiceWasAskedAreT
                                       "ServiceCredentials - Microsoft Teams+alice@example.org"}));
 }
 
+TEST_F(IntegrationsManagerTest, TeamsGivesDataLoadingErrorWhenItsRefreshedTokensCannotBeRead) {
+    service.refreshesToken = true;
+    const auto old = account(ServiceType::MicrosoftTeams, "alice", "old");
+    ServiceCredentialsManager::store(*old.credentials);
+    service.duringFetch = [&] { keyChain.setUnreadable(true); };
+    EXPECT_EQ(tryUpdate(account(ServiceType::MicrosoftTeams, "alice", "spent"), old).error(),
+              Error::dataLoadingError());
+    EXPECT_EQ(trySave(account(ServiceType::MicrosoftTeams, "bob")).error(), Error::dataLoadingError());
+    EXPECT_EQ(keyChain.keys(), Texts{old.credentials->serviceCredentialsKey});
+    EXPECT_EQ(stored("Microsoft Teams+alice"), R"({"accessToken":"old"})");
+    EXPECT_TRUE(storage->loadConfigurations().empty());
+}
+
 TEST_F(IntegrationsManagerTest, AFlowThatFailsLeavesTheAccountsTokensAsTheyWere) {
     service.refreshesToken = true;
     service.fetched = failure(IntegrationLoadError::connectionError);
@@ -429,7 +442,7 @@ TEST_F(IntegrationsManagerTest, UpdatingASchemeAccountComparesTheTwoDirectly) {
     EXPECT_EQ(service.fetches, 0);
 }
 
-TEST_F(IntegrationsManagerTest, AFailedFetchWhileUpdatingIsTold) {
+TEST_F(IntegrationsManagerTest, AFailedFetchWhileUpdatingGivesDataLoadingError) {
     service.fetched = failure(IntegrationLoadError::internalError);
     EXPECT_EQ(tryUpdate(account(ServiceType::Slack, "a"), account(ServiceType::Slack, "a")).error(),
               Error::dataLoadingError());
@@ -445,7 +458,7 @@ TEST_F(IntegrationsManagerTest, ReplacingByAnAccountWithoutUserNameOrCredentials
     EXPECT_TRUE(stored("Asana+alice"));
 }
 
-TEST_F(IntegrationsManagerTest, ReplacingPutsOneAccountInThePlaceOfAnotherWithoutTellingTheHost) {
+TEST_F(IntegrationsManagerTest, ReplacingPutsOneAccountInThePlaceOfAnotherWithoutNotifyingTheHost) {
     const auto old = account(ServiceType::Asana, "alice", "old");
     storage->save(old);
     ServiceCredentialsManager::store(*old.credentials);
@@ -464,7 +477,7 @@ TEST_F(IntegrationsManagerTest, ReplacingPutsOneAccountInThePlaceOfAnotherWithou
     EXPECT_EQ(storage->calls(), (Texts{"save Asana+alice", "remove Asana+alice", "save Asana+bob"}));
 }
 
-TEST_F(IntegrationsManagerTest, RemovingTakesTheSecretsAndTheRecordAndTellsTheHost) {
+TEST_F(IntegrationsManagerTest, RemovingTakesTheSecretsAndTheRecordAndNotifiesTheHost) {
     const auto bear = account(ServiceType::Bear, "alice");
     trySave(bear);
     manager.removeServiceConfiguration(bear);
@@ -473,7 +486,7 @@ TEST_F(IntegrationsManagerTest, RemovingTakesTheSecretsAndTheRecordAndTellsTheHo
     EXPECT_EQ(interactor->removed(), (Texts{"Bear+alice"}));
 }
 
-TEST_F(IntegrationsManagerTest, RemovingTakesTheSecretsThenTheRecordThenTellsTheHost) {
+TEST_F(IntegrationsManagerTest, RemovingTakesTheSecretsThenTheRecordThenNotifiesTheHost) {
     const auto bear = account(ServiceType::Bear, "alice");
     trySave(bear);
     Texts order;
@@ -492,7 +505,7 @@ TEST_F(IntegrationsManagerTest, AnAccountWithoutCredentialsIsRemovedWithoutTheKe
     EXPECT_EQ(interactor->removed(), (Texts{"Things"}));
 }
 
-TEST_F(IntegrationsManagerTest, RemovingAllTellsTheHostOfEachOne) {
+TEST_F(IntegrationsManagerTest, RemovingAllNotifiesTheHostOfEachOne) {
     trySave(account(ServiceType::Bear, "a"));
     trySave(account(ServiceType::Things, "b"));
     manager.removeAllServiceConfigurations();
