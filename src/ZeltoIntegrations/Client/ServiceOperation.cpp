@@ -36,6 +36,9 @@ std::shared_ptr<URLSessionDataTask> ServiceOperation::makeTask(URLRequest reques
 }
 
 void ServiceOperation::perform(URLRequest request, ResultCallback resultCallback) {
+    if (isCancelled()) {
+        return resultCallback(failure(ServiceClientError::connectionError));
+    }
     // Kept here, since a session that makes no task drops the task's completion uncalled.
     resultCallback_ = std::move(resultCallback);
     DataTaskCompletion completion = [self = std::static_pointer_cast<ServiceOperation>(shared_from_this()),

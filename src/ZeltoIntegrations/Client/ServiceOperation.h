@@ -20,11 +20,11 @@ class ServiceOperation : public LVXAsyncOperation {
     // The task that runs, and with it the request, ends as a connection error.
     void cancel() override;
 
-    // The task that was sent; nothing before.
+    // The task that was sent; null before.
     std::shared_ptr<URLSessionDataTask> task() const;
 
-    // What is known of the request's failure, once there is one. Nothing was sent of a request without a
-    // task.
+    // What is known of the request's failure, once there is one. No part of a request without a task was
+    // sent.
     ServiceRefusal refusal() const;
 
   protected:

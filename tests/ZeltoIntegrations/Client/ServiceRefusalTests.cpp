@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace zelto {
 
 namespace {
@@ -22,20 +24,32 @@ class ObservedClient {
         client_.setRefusalObserver([this](const ServiceRefusal& refusal) { refusals_.push_back(refusal); });
     }
 
+    ServiceClient& client() { return client_; }
+
     // What was observed by the time the completion came.
     std::vector<ServiceRefusal> refusalsOf(URLRequest request) {
         Completed<std::vector<ServiceRefusal>> observed;
         client_.perform<std::string>(
             std::move(request), nullptr,
-            [this, told = observed.callback<Callback<std::vector<ServiceRefusal>>>()](const auto&) mutable {
-                told(refusals_);
-            });
+            [this, completed = observed.callback<Callback<std::vector<ServiceRefusal>>>()](
+                const auto&) mutable { completed(refusals_); });
         return observed.value();
     }
 
   private:
     std::vector<ServiceRefusal> refusals_;
     ServiceClient client_;
+};
+
+// Calls a function while it signs.
+class SigningObserver final : public FakeAuthoriser {
+  public:
+    bool authorize(URLRequest& request) override {
+        onSigning();
+        return FakeAuthoriser::authorize(request);
+    }
+
+    std::function<void()> onSigning = [] {};
 };
 
 } // namespace
@@ -139,6 +153,20 @@ TEST(ServiceRefusal, KnowsWhetherAnythingWasSent) {
     EXPECT_EQ(ObservedClient().refusalsOf(itemRequest("POST")), (std::vector<ServiceRefusal>{{"", true}}));
     EXPECT_EQ(ObservedClient(std::make_shared<FakeAuthoriser>(std::nullopt)).refusalsOf(itemRequest()),
               (std::vector<ServiceRefusal>{{"", true}}));
+}
+
+TEST(ServiceRefusal, OfARequestThatIsCancelledBeforeItIsSentSaysThatNothingWasSent) {
+    const TestHTTPServer server(Answers{});
+    const ServiceRoute route(server);
+    const std::vector<ServiceRefusal> nothingSent = {{"", true}};
+    ObservedClient closed;
+    closed.client().close();
+    EXPECT_EQ(closed.refusalsOf(itemRequest()), nothingSent);
+    const auto authoriser = std::make_shared<SigningObserver>();
+    ObservedClient cancelled(authoriser);
+    authoriser->onSigning = [&] { cancelled.client().cancelAllOperations(); };
+    EXPECT_EQ(cancelled.refusalsOf(itemRequest()), nothingSent);
+    EXPECT_TRUE(server.requests().empty());
 }
 
 TEST(ServiceRefusal, OfEachTransportErrorSaysWhetherAnythingWasSent) {
