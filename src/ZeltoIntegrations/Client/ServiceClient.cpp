@@ -8,8 +8,6 @@
 
 #include <atomic>
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <mutex>
 
 namespace zelto {
@@ -69,7 +67,7 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
     void complete(ServiceCompletion<ServiceResponse> completion, ServiceResult<ServiceResponse> result,
                   const ServiceRefusal& refusal) {
         if (!result) {
-            tellObserver(refusal);
+            notifyObserver(refusal);
         }
         completion(std::move(result));
     }
@@ -79,7 +77,7 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
                 first.nothingWasSent && second.nothingWasSent};
     }
 
-    void tellObserver(const ServiceRefusal& refusal) {
+    void notifyObserver(const ServiceRefusal& refusal) {
         std::unique_lock guard(lock_);
         const auto observer = refusalObserver_;
         guard.unlock();
@@ -116,6 +114,7 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
         if (targetOperation) {
             targetOperation->addDependency(operation);
         }
+        // Before it is queued, so that nothing of it is sent.
         if (isClosed_) {
             operation->cancel();
         }
@@ -133,8 +132,8 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
         return isFinished ? currentRefreshOperation_ : nullptr;
     }
 
-    // What a request waits for before its second try: nothing if the token it was refused with has been
-    // replaced since.
+    // What a request waits for before its second try: no refresh if the token it was refused with has
+    // been replaced since.
     RefreshOperation refreshFor(const RefreshOperation& finishedBefore, const RequestTry& refused) {
         const auto generation = refused.tokenGeneration;
         if (!refused.wasSent) {
@@ -198,19 +197,6 @@ std::shared_ptr<Operation> ServiceClient::download(RequestMaker makeRequest, std
         [download, completion = std::move(completion)](const ServiceResult<ServiceResponse>& result) mutable {
             completion(download->end(result));
         });
-}
-
-URLRequest ServiceClient::jsonRequest(std::string_view apiBaseURL, std::string_view path,
-                                      std::string httpMethod) {
-    auto url = URL::parse(std::string(apiBaseURL).append(path));
-    if (!url) {
-        std::fputs("zelto: the path of a request makes no URL\n", stderr);
-        std::abort();
-    }
-    URLRequest request(std::move(*url), std::move(httpMethod));
-    request.headers.set("Content-Type", "application/json");
-    request.headers.set("Accept", "application/json");
-    return request;
 }
 
 std::shared_ptr<Operation> ServiceClient::enqueueRequest(RequestSource source,

@@ -2,7 +2,6 @@
 
 #include <Platform/HTTP/URLRequest.h>
 #include <Platform/JSON/JSONDecoder.h>
-#include <Platform/JSON/JSONEncoder.h>
 #include <Platform/Operations/Operation.h>
 #include <ZeltoIntegrations/Client/CancellableServiceClient.h>
 #include <ZeltoIntegrations/Client/FileDownload.h>
@@ -15,19 +14,18 @@
 #include <functional>
 #include <memory>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace zelto {
 
 // The base of every client of a service: sends requests, signed by the account's authoriser, all at once. A
 // token that is known to be stale, or that the service refuses with 401, is refreshed, once for however many
-// requests wait, and the request is repeated once; nothing else is. A request that was refused with a token
-// that has been replaced since is repeated at once. Each client has its own queue and session; the refreshes
-// of one account's clients are kept apart.
+// requests wait, and the request is repeated once, but for no other error. A request that was refused with a
+// token that has been replaced since is repeated at once. Each client has its own queue and session; the
+// refreshes of one account's clients are kept apart.
 //
 // Any thread. Completions are called on the thread on which the session delivers, or on which a request was
-// refused. Releasing the client stops nothing: each completion still comes.
+// refused. Releasing the client stops no request: each completion still comes.
 class ServiceClient : public CancellableServiceClient, public std::enable_shared_from_this<ServiceClient> {
   public:
     ServiceClient(std::shared_ptr<ServiceAuthoriser> authoriser, JSONDecoder decoder);
@@ -42,8 +40,8 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
 
     // Sends the request and completes with the response as T: std::string for the body as text, Data for its
     // bytes, Empty, or any type with JSON. POST, GET, DELETE, PUT and PATCH are sent. `targetOperation`,
-    // which must not have begun, will not begin before the result was told. Gives the operation that was
-    // queued; cancelling it cancels the request, which then ends with `connectionError`.
+    // which must not have begun, will not begin before the completion was called. Gives the operation that
+    // was queued; cancelling it cancels the request, which then ends with `connectionError`.
     template <class T>
     std::shared_ptr<Operation> perform(URLRequest request, std::shared_ptr<Operation> targetOperation,
                                        ServiceCompletion<T> completion) {
@@ -71,19 +69,6 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
     // under way goes on without them, and its token is taken in.
     void cancelAllOperations() override;
     void close() override;
-
-  protected:
-    // A request as most services take it: to the base and the path, joined as texts, with "Content-Type" and
-    // "Accept" of JSON. The process stops when that is no URL: what comes from outside is percent-encoded
-    // before it goes into a path.
-    static URLRequest jsonRequest(std::string_view apiBaseURL, std::string_view path, std::string httpMethod);
-
-    // Leaves the request without a body when the value has no JSON.
-    template <class T> static void setJSONBody(URLRequest& request, const T& value) {
-        if (auto text = JSONEncoder().encode(value)) {
-            request.body = HTTPBody(std::move(*text));
-        }
-    }
 
   private:
     class Core;

@@ -4,7 +4,7 @@
 
 #include <TrovenhalCommon/KeyChain/FileKeyChainStore.h>
 #include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
-#include <ZeltoIntegrations/Client/ServiceClient.h>
+#include <ZeltoIntegrations/Client/MappedRequest.h>
 #include <ZeltoIntegrations/Zoom/ZoomAuthoriser.h>
 
 #include <Support/Completed.h>
@@ -34,24 +34,15 @@ constexpr auto killVariable = "ZELTO_TEST_LOCK_KILL"; // the step before which t
 
 using Held = std::shared_ptr<void>;
 
-class ZoomTestClient final : public ServiceClient {
-  public:
-    using ServiceClient::ServiceClient;
-
-    bool call() {
-        Completed<ServiceResult<Empty>> worked;
-        perform<Empty>(jsonRequest("https://api.zoom.us", "/v2/users/me", "GET"), nullptr,
-                       worked.callback<ServiceCompletion<Empty>>());
-        return worked.value().has_value();
-    }
-};
-
 // What a program does with an account, with nothing but the lock around a refresh. True if it worked.
 bool useAccount(const std::filesystem::path& directory) {
     RefreshLock::install(std::make_shared<AccountRefreshLock>(directory));
-    ZoomTestClient client(
+    ServiceClient client(
         std::make_shared<ZoomAuthoriser>(ServiceAccountCredentials::forIdentifier(identifier)), {});
-    return client.call();
+    Completed<ServiceResult<Empty>> worked;
+    performRequest<Empty>(client, ServiceRequest("GET", "https://api.zoom.us", "/v2/users/me").jsonHeaders(),
+                          worked.callback<ServiceCompletion<Empty>>());
+    return worked.value().has_value();
 }
 
 // A key chain in a file that kills its process before or behind one of its calls: 0 is before the first one,
@@ -168,7 +159,7 @@ TEST(AccountRefreshLock, GivesUpOnOneThatNeverComes) {
     EXPECT_FALSE(second.value());
 }
 
-TEST(AccountRefreshLock, GivesNothingToWhoeverWaitsWhenItIsReleased) {
+TEST(AccountRefreshLock, GivesNullToWhoeverWaitsWhenItIsReleased) {
     const TemporaryFolder folder;
     AccountRefreshLock mine(folder / "data");
     Completed<Held> first;
@@ -213,7 +204,7 @@ TEST(AccountRefreshLock, LetsEightProcessesRefreshOnceInSum) {
     }
 }
 
-// A refresh reads the key chain for the client, then again at its turn, is sent, and writes.
+// A refresh reads the key chain for the client, then again once it has the lock, is sent, and writes.
 TEST(AccountRefreshLock, AProcessKilledAtAnyStepLosesTheAccountOnlyBetweenTheResponseAndItsStoring) {
     constexpr int beforeWriting = 4;
     constexpr int lastStep = 5;

@@ -1,5 +1,7 @@
 #include "ServiceClientFixture.h"
 
+#include <ZeltoIntegrations/Client/MappedRequest.h>
+
 #include <Support/LogCapture.h>
 
 #include <Platform/Operations/BlockOperation.h>
@@ -16,46 +18,23 @@ namespace {
 using E = ServiceClientError;
 using Texts = std::vector<std::string>;
 
-// Shows the request maker of subclasses.
-class ItemClient : public ServiceClient {
-  public:
-    using ServiceClient::jsonRequest;
-    using ServiceClient::ServiceClient;
-    using ServiceClient::setJSONBody;
-};
-
 } // namespace
 
-TEST(ServiceClient, SendsTheSignedRequestAndGivesTheAnswer) {
+TEST(ServiceClient, SendsTheSignedRequestAndGivesTheResponse) {
     const TestHTTPServer server(Answers{PlayedResponse::json(R"({"error":"just a field"})")});
     const ServiceRoute route(server);
-    ItemClient client(std::make_shared<FakeAuthoriser>(), {});
-    auto request = ItemClient::jsonRequest("https://api.example/1/", "items?full=1", "POST");
-    ItemClient::setJSONBody(request, OAuthErrorBody{"e"});
-    EXPECT_EQ(performed<OAuthErrorBody>(client, request), OAuthErrorBody{"just a field"});
+    ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
+    Completed<ServiceResult<OAuthErrorBody>> end;
+    performRequest<OAuthErrorBody>(client,
+                                   ServiceRequest("POST", "https://api.example/1/", "items", {{"full", "1"}})
+                                       .jsonHeaders()
+                                       .json(OAuthErrorBody{"e"}),
+                                   end.callback<ServiceCompletion<OAuthErrorBody>>());
+    EXPECT_EQ(end.value(), OAuthErrorBody{"just a field"});
     EXPECT_EQ(server.texts(),
               Texts{"POST /1/items?full=1\nContent-Type: application/json\nAccept: application/json\n"
                     "Authorization: Bearer good-token\nContent-Length: 13\n\n{\"error\":\"e\"}"});
     EXPECT_EQ(server.requests()[0].headers.value("Host"), "api.example");
-}
-
-TEST(ServiceClient, MakesRequestsWithTheCommonTimeOutAndCachePolicy) {
-    const auto request = ItemClient::jsonRequest("https://api.example/1/", "items", "PATCH");
-    EXPECT_EQ(request.url.absoluteString(), "https://api.example/1/items");
-    EXPECT_EQ(request.method, "PATCH");
-    EXPECT_EQ(request.timeout, TimeInterval(60));
-    EXPECT_EQ(request.cachePolicy, URLRequestCachePolicy::useProtocolCachePolicy);
-    EXPECT_FALSE(request.body);
-}
-
-TEST(ServiceClientDeathTest, APathThatMakesNoURLStopsTheProcess) {
-    EXPECT_DEATH(ItemClient::jsonRequest("https://api.example/1/", "no url", "GET"), "makes no URL");
-}
-
-TEST(ServiceClient, AValueWithoutJSONLeavesTheRequestWithoutABody) {
-    auto request = itemRequest("POST");
-    ItemClient::setJSONBody(request, OAuthErrorBody{"\xff"});
-    EXPECT_FALSE(request.body);
 }
 
 TEST(ServiceClient, SendsFiveMethods) {
@@ -96,7 +75,7 @@ TEST(ServiceClient, SendsNoCredentialThatWouldBreakItsHeader) {
     }
 }
 
-TEST(ServiceClient, GivesTheAnswerAsTheTypeThatIsAskedFor) {
+TEST(ServiceClient, GivesTheResponseAsTheTypeThatIsAskedFor) {
     const TestHTTPServer server(
         Answers{{.body = "\xff"}, {.body = "\xff"}, {.status = 204}, {.body = ""}, {.body = "{}"}});
     const ServiceRoute route(server);
@@ -115,9 +94,9 @@ TEST(ServiceClient, DecodesWithItsOwnDecoder) {
     EXPECT_EQ(performed<Date>(client, itemRequest()), Date::fromReferenceSeconds(60));
 }
 
-TEST(ServiceClient, TellsEveryOtherFailureAtOnce) {
+TEST(ServiceClient, GivesEveryOtherFailureAtOnce) {
     struct Row {
-        PlayedResponse answer;
+        PlayedResponse response;
         E error;
     };
 
@@ -135,11 +114,11 @@ TEST(ServiceClient, TellsEveryOtherFailureAtOnce) {
         {PlayedResponse::bytes("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\ncut"), E::connectionError},
     };
     for (const auto& row : rows) {
-        const TestHTTPServer server(Answers{row.answer});
+        const TestHTTPServer server(Answers{row.response});
         const ServiceRoute route(server);
         const auto authoriser = std::make_shared<FakeAuthoriser>();
         ServiceClient client(authoriser, {});
-        EXPECT_EQ(performed(client, itemRequest("POST")), failure(row.error)) << row.answer.status;
+        EXPECT_EQ(performed(client, itemRequest("POST")), failure(row.error)) << row.response.status;
         EXPECT_TRUE(authoriser->updates().empty());
     }
 }
@@ -166,23 +145,24 @@ TEST(ServiceClient, LogsWhatTheServiceSaidWithoutTheToken) {
 }
 
 TEST(ServiceClient, TheTargetOperationWaitsForTheResult) {
-    Event answering;
+    Event responding;
     const TestHTTPServer server([&](const ReceivedRequest&) {
-        answering.wait();
+        responding.wait();
         return PlayedResponse{};
     });
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
-    std::atomic<bool> wasTold = false;
+    std::atomic<bool> isCompleted = false;
     Completed<bool> begun;
     const auto target = std::make_shared<BlockOperation>(
-        [&, began = begun.callback<Callback<bool>>()]() mutable { began(wasTold); });
-    const auto operation = client.perform<std::string>(itemRequest(), target, [&](auto) { wasTold = true; });
+        [&, began = begun.callback<Callback<bool>>()]() mutable { began(isCompleted); });
+    const auto operation =
+        client.perform<std::string>(itemRequest(), target, [&](auto) { isCompleted = true; });
     EXPECT_EQ(target->dependencies(), std::vector{operation});
     OperationQueue queue;
     queue.addOperation(target);
     EXPECT_FALSE(target->isReady());
-    answering.set();
+    responding.set();
     EXPECT_TRUE(begun.value());
 }
 
@@ -191,11 +171,12 @@ TEST(ServiceClient, TheTargetOperationWaitsForTheSecondTryToo) {
         const TestHTTPServer server(Answers{{.status = 401}, freshToken(), {.body = "ok"}});
         const ServiceRoute route(server);
         ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
-        std::atomic<bool> wasTold = false;
+        std::atomic<bool> isCompleted = false;
         Completed<bool> begun;
         const auto target = std::make_shared<BlockOperation>(
-            [&, began = begun.callback<Callback<bool>>()]() mutable { began(wasTold); });
-        client.perform<std::string>(itemRequest(), target, [&](auto result) { wasTold = result == "ok"; });
+            [&, began = begun.callback<Callback<bool>>()]() mutable { began(isCompleted); });
+        client.perform<std::string>(itemRequest(), target,
+                                    [&](auto result) { isCompleted = result == "ok"; });
         OperationQueue queue;
         queue.addOperation(target);
         ASSERT_TRUE(begun.value());
@@ -203,7 +184,7 @@ TEST(ServiceClient, TheTargetOperationWaitsForTheSecondTryToo) {
 }
 
 TEST(ServiceClient, RunsItsRequestsInParallel) {
-    // Each answer waits for the requests of all.
+    // Each response waits for the requests of all.
     constexpr int count = 20;
     std::atomic<int> arrived = 0;
     Event allArrived;

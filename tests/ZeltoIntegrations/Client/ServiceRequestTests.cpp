@@ -55,6 +55,7 @@ TEST(ServiceRequest, HasNoHeaderAndNoBodyButThoseThatAreAskedFor) {
     EXPECT_EQ(request.method, "DELETE");
     EXPECT_EQ(request.url.absoluteString(), "https://api.example/1/items/1");
     EXPECT_EQ(request.timeout, TimeInterval(60));
+    EXPECT_EQ(request.cachePolicy, URLRequestCachePolicy::useProtocolCachePolicy);
     EXPECT_EQ(headersOf(request), Texts{});
     EXPECT_FALSE(request.body);
 }
@@ -96,6 +97,7 @@ TEST(ServiceRequest, AValueWithoutJSONLeavesItWithoutABody) {
     const auto request =
         made(ServiceRequest("POST", base, "items").json(std::numeric_limits<double>::quiet_NaN()));
     EXPECT_EQ(bodyOf(request), "no body");
+    EXPECT_EQ(bodyOf(made(ServiceRequest("POST", base, "items").json(std::string("\xff")))), "no body");
 }
 
 TEST(ServiceRequest, AFormIsEncodedInTheOrderOfItsNames) {
