@@ -15,7 +15,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-// The system tells nobody when a file's lock is free. Another process's refresh takes longer than this.
+// The system notifies nobody when a file's lock is free. Another process's refresh takes longer than this.
 constexpr std::chrono::milliseconds interval{20};
 
 Result<FileDescriptor, StorageError> lockFileOf(const std::filesystem::path& dataDirectory,
@@ -32,9 +32,8 @@ std::shared_ptr<void> heldBy(FileDescriptor file) {
 
 } // namespace
 
-AccountRefreshLock::AccountRefreshLock(std::filesystem::path dataDirectory,
-                                       std::chrono::milliseconds longestWait)
-    : dataDirectory_(std::move(dataDirectory)), longestWait_(longestWait) {}
+AccountRefreshLock::AccountRefreshLock(std::filesystem::path dataDirectory, std::chrono::milliseconds timeout)
+    : dataDirectory_(std::move(dataDirectory)), timeout_(timeout) {}
 
 AccountRefreshLock::~AccountRefreshLock() {
     watch_.request_stop();
@@ -55,7 +54,7 @@ void AccountRefreshLock::take(const std::string& serviceCredentialsKey,
     if (lockFile(*file, LOCK_EX | LOCK_NB)) {
         return taken(heldBy(*std::move(file)));
     }
-    wait({*std::move(file), std::move(taken), Clock::now() + longestWait_});
+    wait({*std::move(file), std::move(taken), Clock::now() + timeout_});
 }
 
 void AccountRefreshLock::wait(Waiting waiting) {

@@ -31,7 +31,7 @@ class ServiceAccountConfiguration {
     std::string identifier() const;
 
     // Cached values lie in `additionalInfo` as JSON under "cached_" and the key. One that is missing or does
-    // not decode is nothing; one that does not encode removes the entry; an absent one is stored as "null".
+    // not decode is no value; one that does not encode removes the entry; an absent one is stored as "null".
     template <class T> std::optional<T> getCachedItem(const std::string& key) const {
         const auto text = cachedText(key);
         if (!text) {

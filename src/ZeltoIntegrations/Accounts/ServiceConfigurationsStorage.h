@@ -20,7 +20,7 @@ class ServiceConfigurationsStorage {
     virtual void remove(const ServiceAccountConfiguration& configuration) = 0;
     virtual std::optional<ServiceAccountConfiguration> load(const std::string& identifier) = 0;
 
-    // The account used last for a type. Setting nothing forgets which that was.
+    // The account used last for a type. Setting no value forgets which that was.
     virtual void
     setLastUsedConfiguration(ServiceType serviceType,
                              const std::optional<ServiceAccountConfiguration>& configuration) = 0;

@@ -51,7 +51,7 @@ ZELTO_ENUM(ServiceType);
 // in with a user name and a password.
 ServiceAuthFlow serviceAuthFlow(ServiceType type);
 
-// The name of the product; nothing for `Calendar`, the only service without one.
+// The name of the product; no value for `Calendar`, the only service without one.
 std::optional<std::string> productName(ServiceType type);
 
 // The identifier of an account: the product name, and "+" and the user name where one is given. A service

@@ -23,7 +23,7 @@ class ServiceAuthoriser {
     // The present token must not be sent any more.
     virtual bool shouldRefreshToken() = 0;
 
-    // Gets a new token; nothing if the service or the account has no refresh.
+    // Gets a new token; no value if the service or the account has no refresh.
     virtual std::optional<URLRequest> createRefreshTokenRequest() = 0;
 
     // Takes the outcome of that request in, and stores the credentials. Gives what it means for the requests

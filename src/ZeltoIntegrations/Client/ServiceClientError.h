@@ -10,8 +10,8 @@ namespace zelto {
 // How a request to a service failed. The raw value is also the error's numeric code.
 enum class ServiceClientError : int {
     internalError = 100,
-    connectionError = 101, // no whole answer, or the request was cancelled
-    dataParseError = 102,  // a good answer that is not what was asked for
+    connectionError = 101, // no whole response, or the request was cancelled
+    dataParseError = 102,  // a response of success that is not what was asked for
     serviceInternalError = 103,
     authorizationError = 104, // the service does not take the token
     apiCallError = 105,
@@ -29,7 +29,7 @@ bool isServiceError(ServiceClientError error);
 template <class T> using ServiceResult = Result<T, ServiceClientError>;
 template <class T> using ServiceCompletion = Completion<T, ServiceClientError>;
 
-// What a host is told, unless a service's exporter names another case.
+// What a host is given, unless a service's exporter names another case.
 IntegrationLoadError loadError(ServiceClientError error);
 IntegrationExportError exportError(ServiceClientError error);
 

@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view function = "perform(request:resultCallback:)";
 
 // Messages are put together for somebody who reads them alone.
-template <class F> void tell(LogLevel level, F message) {
+template <class F> void log(LogLevel level, F message) {
     if (auto& logger = Logger::shared(); logger.isEnabled(level)) {
         logger.log(level, message(), function);
     }
@@ -53,7 +53,7 @@ ServiceResult<ServiceResponse> serviceOutcome(URL url, std::optional<Data> data,
                                               const std::shared_ptr<const URLResponse>& response,
                                               const std::optional<URLError>& error) {
     if (error || !data) {
-        tell(LogLevel::error, [&] {
+        log(LogLevel::error, [&] {
             return "Connection error " + (error ? error->message : "nil") +
                    " for request: " + url.absoluteString() + " with response " +
                    (response ? response->description() : "nil");
@@ -64,20 +64,20 @@ ServiceResult<ServiceResponse> serviceOutcome(URL url, std::optional<Data> data,
     const int status = http ? http->statusCode() : 0;
     if (!isSuccess(status)) {
         const auto text = isValidUTF8(viewOf(*data)) ? viewOf(*data) : std::string_view();
-        tell(LogLevel::error, [&] {
+        log(LogLevel::error, [&] {
             return "API call error for request: " + url.absoluteString() +
                    "\nwith status code: " + std::to_string(status) +
                    "\nwith error response: " + std::string(text);
         });
         return failure(statusError(status, text));
     }
-    tell(LogLevel::trace, [&] { return "API call success for request: " + url.absoluteString(); });
+    log(LogLevel::trace, [&] { return "API call success for request: " + url.absoluteString(); });
     return ServiceResponse{std::move(url), status, std::move(*data)};
 }
 
-ServiceClientError dataParseError(const ServiceResponse& answer, const DecodingError& error) {
-    tell(LogLevel::error, [&] {
-        return "Data parse error for request: " + answer.url.absoluteString() +
+ServiceClientError dataParseError(const ServiceResponse& response, const DecodingError& error) {
+    log(LogLevel::error, [&] {
+        return "Data parse error for request: " + response.url.absoluteString() +
                " with error: " + error.message();
     });
     return ServiceClientError::dataParseError;

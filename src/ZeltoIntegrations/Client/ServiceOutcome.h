@@ -17,39 +17,40 @@
 
 namespace zelto {
 
-// An answer with a status of success.
+// A response with a status of success.
 struct ServiceResponse {
     URL url; // that was asked for
     int status = 0;
     Data body;
 };
 
-// What the end of a data task means: the answer, or the error that its status and body stand for. Logs both.
+// What the end of a data task means: the response, or the error that its status and body stand for. Logs
+// both.
 ServiceResult<ServiceResponse> serviceOutcome(URL url, std::optional<Data> data,
                                               const std::shared_ptr<const URLResponse>& response,
                                               const std::optional<URLError>& error);
 
-// The value that a service answered with: the body itself for a text or bytes, else its JSON.
-template <class T> ServiceResult<T> serviceValue(ServiceResponse answer, const JSONDecoder& decoder);
+// The value that a service responded with: the body itself for a text or bytes, else its JSON.
+template <class T> ServiceResult<T> serviceValue(ServiceResponse response, const JSONDecoder& decoder);
 
-ServiceClientError dataParseError(const ServiceResponse& answer, const DecodingError& error);
+ServiceClientError dataParseError(const ServiceResponse& response, const DecodingError& error);
 
-template <class T> ServiceResult<T> serviceValue(ServiceResponse answer, const JSONDecoder& decoder) {
+template <class T> ServiceResult<T> serviceValue(ServiceResponse response, const JSONDecoder& decoder) {
     if constexpr (std::is_same_v<T, Data>) {
-        return std::move(answer.body);
+        return std::move(response.body);
     } else {
         if constexpr (std::is_same_v<T, std::string>) {
-            if (isValidUTF8(viewOf(answer.body))) {
-                return std::string(viewOf(answer.body));
+            if (isValidUTF8(viewOf(response.body))) {
+                return std::string(viewOf(response.body));
             }
         } else if constexpr (std::is_same_v<T, Empty>) {
-            if (answer.status == 204) {
+            if (response.status == 204) {
                 return Empty{};
             }
         }
-        auto value = decoder.decode<T>(viewOf(answer.body));
+        auto value = decoder.decode<T>(viewOf(response.body));
         if (!value) {
-            return failure(dataParseError(answer, value.error()));
+            return failure(dataParseError(response, value.error()));
         }
         return std::move(*value);
     }

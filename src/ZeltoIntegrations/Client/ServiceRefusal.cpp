@@ -13,7 +13,7 @@ namespace zelto {
 namespace {
 
 // A longer text without JSON is a page, not a message.
-constexpr std::size_t longestPlainText = 2000;
+constexpr std::size_t maximumPlainTextSize = 2000;
 
 // Controls, and the marks that would change how the text around them is shown.
 bool isUnshown(char32_t c) {
@@ -125,8 +125,8 @@ std::string wordsOfErrorBody(std::string_view body) {
     if (const auto json = JSONValue::parse(text)) {
         return cleanedWords(messageOfBody(*json));
     }
-    const bool isMessage = text.size() <= longestPlainText && isValidUTF8(text) && !text.starts_with('<') &&
-                           !text.starts_with('{') && !text.starts_with('[');
+    const bool isMessage = text.size() <= maximumPlainTextSize && isValidUTF8(text) &&
+                           !text.starts_with('<') && !text.starts_with('{') && !text.starts_with('[');
     return isMessage ? cleanedWords(text) : std::string();
 }
 

@@ -13,7 +13,7 @@ namespace zelto {
 
 // What is known of a request that got no response of success, beside its ServiceClientError.
 struct ServiceRefusal {
-    // What the service said about it, for people; empty if it said nothing that can be shown. At most
+    // What the service said about it, for people; empty if none of it can be shown. At most
     // `maximumLength` characters in one line, without secrets.
     std::string words;
     // The request never left this machine. If false, it is not known whether the service has acted on it.
@@ -32,7 +32,7 @@ std::string cleanedWords(std::string_view text);
 // plain text that is not HTML.
 std::string wordsOfErrorBody(std::string_view body);
 
-// What the end of a data task says; nothing for a response with a status of success.
+// What the end of a data task says; no value for a response with a status of success.
 std::optional<ServiceRefusal> serviceRefusal(const std::optional<Data>& data,
                                              const std::shared_ptr<const URLResponse>& response,
                                              const std::optional<URLError>& error);

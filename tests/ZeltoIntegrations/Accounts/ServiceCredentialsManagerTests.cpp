@@ -52,7 +52,7 @@ using Texts = std::vector<std::string>;
 
 } // namespace
 
-TEST(ServiceCredentialsManager, TellsARecordFromNoneAndFromOneThatCannotBeRead) {
+TEST(ServiceCredentialsManager, DistinguishesARecordFromNoneAndFromOneThatCannotBeRead) {
     const MemoryKeyChain keyChain;
     const auto key = withKeyAlone().serviceCredentialsKey;
     const auto stored = [&] { return ServiceCredentialsManager::stored(key); };

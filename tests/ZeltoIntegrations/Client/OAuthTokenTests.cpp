@@ -12,13 +12,13 @@ Result<OAuthToken, DecodingError> tokenOf(std::string_view text) {
 
 } // namespace
 
-TEST(OAuthToken, IsReadFromATokenEndpointsAnswer) {
+TEST(OAuthToken, IsReadFromATokenEndpointsResponse) {
     EXPECT_EQ(tokenOf(R"({"access_token":"a","refresh_token":"r","expires_in":3600,"token_type":"bearer"})"),
               (OAuthToken{"a", "r", 3600}));
     EXPECT_EQ(tokenOf(R"({"access_token":"a","expires_in":0.5})"), (OAuthToken{"a", std::nullopt, 0.5}));
 }
 
-TEST(OAuthToken, LivesForNoTimeWhenTheAnswerDoesNotSay) {
+TEST(OAuthToken, LivesForNoTimeWhenTheResponseDoesNotSay) {
     EXPECT_EQ(tokenOf(R"({"access_token":"a"})"), (OAuthToken{"a", std::nullopt, 0}));
     EXPECT_EQ(tokenOf(R"({"access_token":"a","refresh_token":null,"expires_in":null})"),
               (OAuthToken{"a", std::nullopt, 0}));

@@ -23,8 +23,8 @@ inline bool isRefresh(const ReceivedRequest& request) {
 }
 
 inline const PlayedResponse& freshToken() {
-    static const auto answer = PlayedResponse::json(R"({"access_token":"new-token","expires_in":3600})");
-    return answer;
+    static const auto response = PlayedResponse::json(R"({"access_token":"new-token","expires_in":3600})");
+    return response;
 }
 
 // What goes over the wire: the text of a signed GET of an item, and of a refresh.

@@ -20,13 +20,13 @@ using Texts = std::vector<std::string>;
 const std::string refreshText = "POST /token\nContent-Type: application/x-www-form-urlencoded\n"
                                 "Content-Length: 24\n\ngrant_type=refresh_token";
 
-// Answers requests with what the token is worth, refreshes with what it is told.
+// Responds to requests by what their token is worth, and to refreshes as the test says.
 class TokenServer {
   public:
-    explicit TokenServer(PlayedResponse refreshAnswer = freshToken())
-        : refreshAnswer_(std::move(refreshAnswer)) {}
+    explicit TokenServer(PlayedResponse refreshResponse = freshToken())
+        : refreshResponse_(std::move(refreshResponse)) {}
 
-    // Refreshes are answered when the gate is open.
+    // Refreshes get their response when the gate is open.
     Event& refreshGate() { return refreshGate_; }
 
     const TestHTTPServer& http() const { return server_; }
@@ -40,14 +40,14 @@ class TokenServer {
         if (isRefresh(request)) {
             ++refreshes_;
             refreshGate_.wait();
-            return refreshAnswer_;
+            return refreshResponse_;
         }
         ++requests_;
         const bool isGood = request.headers.value("Authorization") == "Bearer new-token";
         return {.status = isGood ? 200 : 401, .body = "ok"};
     }
 
-    const PlayedResponse refreshAnswer_;
+    const PlayedResponse refreshResponse_;
     Event refreshGate_;
     std::atomic<int> refreshes_ = 0;
     std::atomic<int> requests_ = 0;
@@ -206,10 +206,10 @@ TEST(ServiceClientRefresh, IsSharedByAllRequestsThatTheServiceRefusesMeanwhile) 
     EXPECT_LE(server.requestCount(), 2 * count);
 }
 
-TEST(ServiceClientRefresh, ThatFailsIsToldToEachWaitingRequestOnce) {
+TEST(ServiceClientRefresh, ThatFailsIsGivenToEachWaitingRequestOnce) {
     struct Row {
         const char* name;
-        PlayedResponse answer;
+        PlayedResponse response;
         E error;
     };
 
@@ -232,7 +232,7 @@ TEST(ServiceClientRefresh, ThatFailsIsToldToEachWaitingRequestOnce) {
     };
     constexpr int count = 100;
     for (const auto& row : rows) {
-        TokenServer server(row.answer);
+        TokenServer server(row.response);
         const ServiceRoute route(server.http());
         const auto authoriser = FakeAuthoriser::stale();
         ServiceClient client(authoriser, {});
@@ -249,7 +249,7 @@ TEST(ServiceClientRefresh, ThatFailsIsToldToEachWaitingRequestOnce) {
     }
 }
 
-TEST(ServiceClientRefresh, ThatNeverAnswersIsToldToEachWaitingRequestOnce) {
+TEST(ServiceClientRefresh, ThatNeverEndsIsGivenToEachWaitingRequestOnce) {
     Event end;
     const TestHTTPServer server([&](const ReceivedRequest&) {
         end.wait();
@@ -266,7 +266,7 @@ TEST(ServiceClientRefresh, ThatNeverAnswersIsToldToEachWaitingRequestOnce) {
     end.set();
 }
 
-TEST(ServiceClientRefresh, ThatCannotBeAskedForIsToldToEachWaitingRequestOnce) {
+TEST(ServiceClientRefresh, ThatCannotBeAskedForIsGivenToEachWaitingRequestOnce) {
     const TestHTTPServer server(Answers{});
     const ServiceRoute route(server);
     const auto authoriser = FakeAuthoriser::stale();

@@ -45,12 +45,12 @@ std::optional<E> expectedError(int status) {
     return status >= 500 ? E::serviceInternalError : E::apiCallError;
 }
 
-ServiceResponse answer(int status, std::string_view body) {
+ServiceResponse responseOf(int status, std::string_view body) {
     return {url(), status, dataOf(body)};
 }
 
 template <class T> ServiceResult<T> valueOf(int status, std::string_view body) {
-    return serviceValue<T>(answer(status, body), JSONDecoder());
+    return serviceValue<T>(responseOf(status, body), JSONDecoder());
 }
 
 } // namespace
@@ -61,7 +61,7 @@ TEST(ServiceOutcome, EveryStatusHasItsMeaning) {
     }
 }
 
-TEST(ServiceOutcome, AnAnswerOfSuccessIsGivenAsItCame) {
+TEST(ServiceOutcome, AResponseOfSuccessIsGivenAsItCame) {
     for (const int status : {200, 201, 204, 299}) {
         const auto outcome = outcomeOf(status, "the body");
         ASSERT_TRUE(outcome);
@@ -179,9 +179,9 @@ TEST(ServiceValue, ARecordIsTheBodysJSONByTheGivenDecoder) {
     EXPECT_EQ(valueOf<OAuthToken>(200, R"({"access_token":"a"})"), (OAuthToken{"a", std::nullopt, 0}));
     EXPECT_EQ(valueOf<OAuthToken>(204, "").error(), E::dataParseError);
     const JSONDecoder iso{.dateStrategy = DateStrategy::iso8601};
-    EXPECT_EQ(serviceValue<Date>(answer(200, "\"2001-01-01T00:01:00Z\""), iso),
+    EXPECT_EQ(serviceValue<Date>(responseOf(200, "\"2001-01-01T00:01:00Z\""), iso),
               Date::fromReferenceSeconds(60));
-    EXPECT_EQ(serviceValue<Date>(answer(200, "\"2001-01-01T00:01:00Z\""), JSONDecoder()).error(),
+    EXPECT_EQ(serviceValue<Date>(responseOf(200, "\"2001-01-01T00:01:00Z\""), JSONDecoder()).error(),
               E::dataParseError);
 }
 
