@@ -8,10 +8,10 @@
 
 #include <Platform/Completion.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -116,7 +116,8 @@ template <class E> class TypedRun : public StepRun {
             result = failure(CancelledError<E>::value);
         }
         const std::lock_guard guard(outcomesLock_);
-        outcomes_.emplace(index, result ? std::nullopt : std::optional(result.error()));
+        outcomes_.resize(std::max(outcomes_.size(), index + 1));
+        outcomes_[index] = {true, result ? std::nullopt : std::optional(result.error())};
         return result;
     }
 
@@ -153,9 +154,8 @@ template <class E> class TypedRun : public StepRun {
     // callbacks on purpose.
     std::optional<E> failureOf(std::size_t index) const {
         std::unique_lock guard(outcomesLock_);
-        const auto found = outcomes_.find(index);
-        if (found != outcomes_.end()) {
-            return found->second;
+        if (index < outcomes_.size() && outcomes_[index].isThere) {
+            return outcomes_[index].error;
         }
         guard.unlock();
         return hasEnded(index) ? std::optional(E::internalError) : std::nullopt;
@@ -170,10 +170,15 @@ template <class E> class TypedRun : public StepRun {
         return std::nullopt;
     }
 
+    struct Outcome {
+        bool isThere = false;
+        std::optional<E> error;
+    };
+
     const FailureRule rule_;
     std::optional<std::size_t> decisiveStep_;
     mutable std::mutex outcomesLock_; // guards what follows
-    std::map<std::size_t, std::optional<E>> outcomes_;
+    std::vector<Outcome> outcomes_;   // by step
     Finish finish_;
 };
 
@@ -219,8 +224,10 @@ template <class Owner, class E> class Steps {
         const auto last = TaskRunner::createSyncTask(
             [run = run_, stepCount = operations_.size()] { run->conclude(stepCount); });
         last->setCompletionBlock([run = run_] { run->end(failure(CancelledError<E>::value)); });
-        for (const auto& step : operations_) {
-            last->addDependency(step);
+        if (!tasks_.isSerial()) {
+            for (const auto& step : operations_) {
+                last->addDependency(step);
+            }
         }
         operations_.push_back(last);
         run_->begin(operations_);

@@ -19,6 +19,9 @@ class TaskRunner {
   public:
     explicit TaskRunner(int maxConcurrentOperationCount = OperationQueue::defaultMaxConcurrentOperationCount);
 
+    // Steps run one after the other in the order of their addition.
+    bool isSerial() const { return queue_.maxConcurrentOperationCount() == 1; }
+
     // Adds the steps to the queue, with no others in between.
     void execute(const std::vector<std::shared_ptr<Operation>>& operations);
 
