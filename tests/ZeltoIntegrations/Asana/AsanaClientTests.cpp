@@ -139,7 +139,9 @@ TEST_F(AsanaClientTest, AListOfAnyLengthIsWhole) {
     const std::pair<int, std::size_t> rows[] = {{0, 1}, {99, 1}, {100, 1}, {101, 2}, {200, 2}};
     for (const auto& [count, requests] : rows) {
         const auto before = std::ssize(service.lines());
-        service.onRequest = [count = count](const auto& request) { return projectsPage(count, request); };
+        service.onRequest = [projects = count](const auto& request) {
+            return projectsPage(projects, request);
+        };
         const auto all = projects().value();
         EXPECT_EQ(std::ssize(all), count);
         EXPECT_TRUE(all.empty() || all.back().id == std::to_string(count - 1)) << count;
