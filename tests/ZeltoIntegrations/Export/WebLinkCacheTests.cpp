@@ -31,8 +31,9 @@ struct Configuration {
 
 class WebLinkCacheTest : public testing::Test {
   protected:
-    std::shared_ptr<LinkingExporter> exporterOf(const ServiceAccountConfiguration& account) {
-        return std::make_shared<LinkingExporter>(account, storage, std::make_shared<FakePlatformInteractor>(),
+    std::shared_ptr<LinkingExporter> exporterOf(const ServiceAccountConfiguration& ofAccount) {
+        return std::make_shared<LinkingExporter>(ofAccount, storage,
+                                                 std::make_shared<FakePlatformInteractor>(),
                                                  std::make_shared<FakeDataInteractor>(), "test", true);
     }
 
