@@ -49,6 +49,20 @@ void storeSecrets(const ServiceAccountConfiguration& configuration) {
     }
 }
 
+std::shared_ptr<void> noted(const IntegrationsManager::FlowNote& flowNote,
+                            const std::string& serviceCredentialsKey) {
+    return flowNote ? flowNote(serviceCredentialsKey) : nullptr;
+}
+
+// Notes the key, since a kill between the two leaves secrets without an account.
+void saveAccount(const ServiceAccountConfiguration& account, ServiceConfigurationsStorage& storage,
+                 const IntegrationsManager::FlowNote& flowNote) {
+    const auto note =
+        account.credentials ? noted(flowNote, account.credentials->serviceCredentialsKey) : nullptr;
+    storeSecrets(account);
+    storage.save(account);
+}
+
 // The account with its secrets under a key of this flow's own.
 ServiceAccountConfiguration underKeyOfItsOwn(ServiceAccountConfiguration account) {
     auto& key = account.credentials->serviceCredentialsKey;
@@ -163,18 +177,18 @@ void IntegrationsManager::storeServiceConfiguration(const ServiceAccountConfigur
 
 void IntegrationsManager::trySaveServiceConfiguration(const ServiceAccountConfiguration& configuration,
                                                       AccountCompletion completion) {
-    fetchAccount(configuration, [storage = configurationStorage_, interactor = platformInteractor_,
-                                 completion = std::move(completion)](AccountResult account) mutable {
-        if (account && isAccountExist(*storage, *account)) {
-            account = failure(AccountError::accountAlreadyExist(*account));
-        }
-        if (account) {
-            storeSecrets(*account);
-            storage->save(*account);
-            interactor->integrationServiceDidAdded(*account);
-        }
-        completion(std::move(account));
-    });
+    fetchAccount(configuration,
+                 [storage = configurationStorage_, interactor = platformInteractor_, flowNote = flowNote_,
+                  completion = std::move(completion)](AccountResult account) mutable {
+                     if (account && isAccountExist(*storage, *account)) {
+                         account = failure(AccountError::accountAlreadyExist(*account));
+                     }
+                     if (account) {
+                         saveAccount(*account, *storage, flowNote);
+                         interactor->integrationServiceDidAdded(*account);
+                     }
+                     completion(std::move(account));
+                 });
 }
 
 void IntegrationsManager::tryUpdateServiceConfiguration(const ServiceAccountConfiguration& withNew,
@@ -241,7 +255,7 @@ void IntegrationsManager::fetchAccountByExporter(const ServiceAccountConfigurati
         return completion(failure(AccountError::dataLoadingError()));
     }
     exporter->fetchServiceData(
-        [note = noteFlow(temporary->credentials->serviceCredentialsKey), temporary = *temporary,
+        [note = noted(flowNote_, temporary->credentials->serviceCredentialsKey), temporary = *temporary,
          configuration, exporter, storage = configurationStorage_,
          completion = std::move(completion)](const Result<void, IntegrationLoadError>& fetched) mutable {
             auto account = loadAccount(fetched, temporary, configuration, *exporter, *storage);
@@ -261,17 +275,13 @@ void IntegrationsManager::fetchAccountByMeetingCreator(const ServiceAccountConfi
     if (!fetcher) {
         return completion(failure(AccountError::dataLoadingError()));
     }
-    fetcher->fetchServiceData(
-        [note = noteFlow(temporary.credentials->serviceCredentialsKey), temporary, configuration, fetcher,
-         completion = std::move(completion)](const Result<void, IntegrationLoadError>& fetched) mutable {
-            auto account = checkedAccount(fetched, temporary, configuration);
-            note = nullptr;
-            completion(std::move(account));
-        });
-}
-
-std::shared_ptr<void> IntegrationsManager::noteFlow(const std::string& serviceCredentialsKey) const {
-    return flowNote_ ? flowNote_(serviceCredentialsKey) : nullptr;
+    fetcher->fetchServiceData([note = noted(flowNote_, temporary.credentials->serviceCredentialsKey),
+                               temporary, configuration, fetcher, completion = std::move(completion)](
+                                  const Result<void, IntegrationLoadError>& fetched) mutable {
+        auto account = checkedAccount(fetched, temporary, configuration);
+        note = nullptr;
+        completion(std::move(account));
+    });
 }
 
 } // namespace zelto

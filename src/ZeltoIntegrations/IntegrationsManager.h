@@ -49,8 +49,10 @@ class IntegrationsManager {
     static AccountCheck accountCheck(ServiceType serviceType);
 
     // Called when a flow begins to ask a service, with the key in the key chain that it uses till its end;
-    // what it gives is held till then. A host that may be killed meanwhile notes the key by it, and removes
-    // later what was left there. To be set before the first flow.
+    // what it gives is held till then. Called again with the key of a new account, and held from before its
+    // secrets are written until its record is saved. A host that may be killed meanwhile notes the keys by
+    // it, and removes later what was left there: secrets of a flow, and secrets that no account has. To be
+    // set before the first flow.
     using FlowNote = std::function<std::shared_ptr<void>(const std::string& serviceCredentialsKey)>;
     void setFlowNote(FlowNote note);
 
@@ -128,7 +130,6 @@ class IntegrationsManager {
                                 AccountCompletion completion);
     void fetchAccountByMeetingCreator(const ServiceAccountConfiguration& configuration,
                                       AccountCompletion completion);
-    std::shared_ptr<void> noteFlow(const std::string& serviceCredentialsKey) const;
 
     const std::shared_ptr<ServiceConfigurationsStorage> configurationStorage_;
     const std::shared_ptr<IntegrationsPlatformInteractorProtocol> platformInteractor_;

@@ -411,6 +411,23 @@ TEST_F(IntegrationsManagerTest, AFlowIsNotedFromTheBeginningOfItsFetchToTheEndOf
     }
 }
 
+TEST_F(IntegrationsManagerTest, ANewAccountsKeyIsNotedFromBeforeItsSecretsUntilItsRecordIsSaved) {
+    const auto key = account(ServiceType::Bear, "alice").credentials->serviceCredentialsKey;
+    Texts order;
+    manager.setFlowNote([&](const std::string& noted) {
+        order.push_back("noted " + noted + (keyChain.text(noted) ? " with secrets" : ""));
+        return std::shared_ptr<void>(&order, [&](void*) { order.push_back("note gone"); });
+    });
+    storage->onChange = [&] { order.push_back(keyChain.text(key) ? "record" : "record before secrets"); };
+    interactor->onAdded = [&] { order.push_back("host"); };
+    ASSERT_TRUE(trySave(account(ServiceType::Bear, "alice")));
+    EXPECT_EQ(order, (Texts{"noted " + key, "record", "note gone", "host"}));
+    order.clear();
+    EXPECT_FALSE(trySave(account(ServiceType::Bear, "alice")));
+    ASSERT_TRUE(trySave({ServiceType::Things, std::nullopt, true})) << "without secrets there is no note";
+    EXPECT_EQ(order, (Texts{"record", "host"}));
+}
+
 TEST_F(IntegrationsManagerTest, UpdatingAsAnotherUserGivesAccountMismatchAndChangesNoSecret) {
     const auto old = account(ServiceType::Slack, "bob@example.org", "old");
     ServiceCredentialsManager::store(*old.credentials);

@@ -7,9 +7,11 @@
 
 #include <Platform/UUID.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <optional>
+#include <map>
+#include <set>
 #include <system_error>
 #include <vector>
 
@@ -61,22 +63,53 @@ std::vector<path> notesIn(const path& folder) {
     return notes;
 }
 
-// The note of a flow that no process runs any more.
-std::optional<std::string> leftKey(const path& note) {
-    const FileDescriptor file(::open(note.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
-    return file && lockFile(file, LOCK_EX | LOCK_NB) ? std::optional(contentOf(file)) : std::nullopt;
+// What the notes say.
+struct Notes {
+    std::map<path, std::string> left; // the keys of flows that no process runs any more
+    std::set<std::string> held;       // the keys of those under way
+};
+
+Notes readNotes(const path& folder) {
+    Notes notes;
+    for (const auto& note : notesIn(folder)) {
+        const FileDescriptor file(::open(note.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
+        if (!file) {
+            continue;
+        }
+        if (lockFile(file, LOCK_EX | LOCK_NB)) {
+            notes.left.emplace(note, contentOf(file));
+        } else {
+            notes.held.insert(contentOf(file));
+        }
+    }
+    return notes;
+}
+
+bool isAccountKey(const std::string& key) {
+    return key.starts_with(ServiceAccountCredentials::forIdentifier("").serviceCredentialsKey);
 }
 
 bool removeSecrets(const std::string& key) {
     return LVXKeyChainStoreFactory::keyChainStore()->erase(key).has_value();
 }
 
-void removeAccounts(const std::string& key, ServiceConfigurationsStorage& storage) {
-    for (const auto& account : storage.loadConfigurations()) {
-        if (account.credentials && account.credentials->serviceCredentialsKey == key) {
-            storage.remove(account);
-        }
+// Whether nothing is left that the key stands for. A damaged note may name anything: nothing is removed that
+// belongs to an account or is no key of ours.
+bool removeLeftover(const std::string& key, const std::vector<ServiceAccountConfiguration>& accounts,
+                    const std::set<std::string>& heldKeys, SQLiteAccountStorage& storage) {
+    const auto isOfKey = [&](const ServiceAccountConfiguration& account) {
+        return account.credentials && account.credentials->serviceCredentialsKey == key;
+    };
+    const auto account = std::ranges::find_if(accounts, isOfKey);
+    if (ServiceAccountCredentials::isFlowKey(key)) {
+        const bool isRemoved = account == accounts.end() || storage.tryRemove(*account);
+        return removeSecrets(key) && isRemoved;
     }
+    if (account != accounts.end() || !isAccountKey(key)) {
+        return true;
+    }
+    // Another flow may be about to save the account.
+    return !heldKeys.contains(key) && removeSecrets(key);
 }
 
 } // namespace
@@ -108,27 +141,23 @@ ConnectingFlow::~ConnectingFlow() {
     ::unlink(path_.c_str());
 }
 
-void ConnectingFlow::removeLeftovers(const path& dataDirectory, ServiceConfigurationsStorage& storage) {
+void ConnectingFlow::removeLeftovers(const path& dataDirectory, SQLiteAccountStorage& storage) {
     const auto folder = folderOf(dataDirectory);
     if (notesIn(folder).empty()) {
         return;
     }
-    const auto notes = lockNotes(folder);
-    if (!notes) {
+    const auto lock = lockNotes(folder);
+    if (!lock) {
         return;
     }
-    for (const auto& note : notesIn(folder)) {
-        const auto key = leftKey(note);
-        if (!key) {
-            continue;
-        }
-        bool isRemoved = true;
-        // A damaged note may name anything, but not the key of an account.
-        if (ServiceAccountCredentials::isFlowKey(*key)) {
-            removeAccounts(*key, storage);
-            isRemoved = removeSecrets(*key);
-        }
-        if (isRemoved) {
+    // Before the accounts: a flow that ends in between has saved its own.
+    const auto notes = readNotes(folder);
+    const auto accounts = storage.tryLoadConfigurations();
+    if (!accounts) {
+        return;
+    }
+    for (const auto& [note, key] : notes.left) {
+        if (removeLeftover(key, *accounts, notes.held, storage)) {
             ::unlink(note.c_str());
         }
     }

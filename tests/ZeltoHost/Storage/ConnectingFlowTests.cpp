@@ -4,7 +4,6 @@
 
 #include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
 
-#include <Support/FakeStorage.h>
 #include <Support/MemoryKeyChain.h>
 
 #include <gtest/gtest.h>
@@ -57,7 +56,9 @@ class ConnectingFlowTest : public testing::Test {
 
     const TemporaryFolder folder;
     const std::filesystem::path directory = std::filesystem::path(folder / "data");
-    FakeStorage storage;
+    // The forked processes do not use it.
+    const std::shared_ptr<SQLiteAccountStorage> sharedStorage = opened(folder / "accounts");
+    SQLiteAccountStorage& storage = *sharedStorage;
     const MemoryKeyChain keyChain;
 };
 
@@ -97,6 +98,44 @@ TEST_F(ConnectingFlowTest, ASweepLeavesAllAccountsAsTheyAre) {
     EXPECT_EQ(keyChain.keys(), Texts{"ServiceCredentials - Trello+alice"});
     EXPECT_EQ(storage.loadConfigurations(), std::vector{trello});
     EXPECT_EQ(noteCount(), 0U);
+}
+
+TEST_F(ConnectingFlowTest, SecretsOfANewAccountAreRemovedIfItWasNotSaved) {
+    auto trello = account(ServiceType::Trello, "alice");
+    trello.credentials = ServiceAccountCredentials::forIdentifier(trello.identifier());
+    const auto key = trello.credentials->serviceCredentialsKey;
+    ServiceCredentialsManager::store(*trello.credentials);
+    killFlow(key);
+    // Not while another flow may be about to save it.
+    auto other = ConnectingFlow::begin(directory, key);
+    ConnectingFlow::removeLeftovers(directory, storage);
+    EXPECT_EQ(keyChain.keys(), Texts{key});
+    EXPECT_EQ(noteCount(), 2U);
+    other->reset();
+    ConnectingFlow::removeLeftovers(directory, storage);
+    EXPECT_EQ(keyChain.keys(), Texts{});
+    EXPECT_EQ(noteCount(), 0U);
+}
+
+TEST_F(ConnectingFlowTest, SecretsThatAreNoneOfOursStayWhateverADamagedNoteNames) {
+    keyChain.setText("somebody's", "secret");
+    killFlow("somebody's");
+    ConnectingFlow::removeLeftovers(directory, storage);
+    EXPECT_EQ(keyChain.keys(), Texts{"somebody's"});
+    EXPECT_EQ(noteCount(), 0U);
+}
+
+TEST_F(ConnectingFlowTest, NothingIsRemovedWhileTheAccountsCannotBeRead) {
+    auto trello = account(ServiceType::Trello, "alice");
+    trello.credentials = ServiceAccountCredentials::forIdentifier(trello.identifier());
+    ServiceCredentialsManager::store(*trello.credentials);
+    storage.save(trello);
+    killFlow(trello.credentials->serviceCredentialsKey);
+    sql(std::filesystem::path(folder / "accounts") / "accounts.sqlite",
+        "ALTER TABLE accounts RENAME TO moved;");
+    ConnectingFlow::removeLeftovers(directory, storage);
+    EXPECT_EQ(keyChain.keys(), Texts{trello.credentials->serviceCredentialsKey});
+    EXPECT_EQ(noteCount(), 1U);
 }
 
 TEST_F(ConnectingFlowTest, ASweepWithoutLeftoversOpensNoKeyChainAndMakesNoFile) {
