@@ -9,21 +9,21 @@ PlayedResponse RotatingService::answer(const ReceivedRequest& request) {
     }
     const bool isGood =
         !hasEnded_ && generation_ > refused_ &&
-        request.headers.value("Authorization") == "Bearer access-" + std::to_string(generation_);
+        request.headers.value("Authorization") == "Bearer access-" + grant_ + std::to_string(generation_);
     requests_ += isGood;
     return PlayedResponse::json("{}", isGood ? 200 : 401);
 }
 
 PlayedResponse RotatingService::refreshed(const std::string& body) {
     // In a form "-" is percent-encoded.
-    const auto sent = "refresh%5Ftoken=refresh%2D" + std::to_string(generation_);
+    const auto sent = "refresh%5Ftoken=refresh%2D" + grant_ + std::to_string(generation_);
     const bool isPresent = (body + "&").contains(sent + "&");
     if (hasEnded_ || !isPresent) {
         hasEnded_ = true;
         return PlayedResponse::json(R"({"error":"invalid_grant"})", 400);
     }
     ++refreshes_;
-    const auto number = std::to_string(++generation_);
+    const auto number = grant_ + std::to_string(++generation_);
     return PlayedResponse::json(R"({"access_token":"access-)" + number + R"(","refresh_token":"refresh-)" +
                                 number + R"(","expires_in":3600})");
 }
@@ -32,8 +32,8 @@ ServiceAccountCredentials RotatingService::credentials(const std::string& accoun
                                                        double secondsLeft) const {
     const std::lock_guard guard(lock_);
     auto credentials = ServiceAccountCredentials::forIdentifier(accountIdentifier);
-    credentials.accessToken = "access-" + std::to_string(generation_);
-    credentials.refreshToken = "refresh-" + std::to_string(generation_);
+    credentials.accessToken = "access-" + grant_ + std::to_string(generation_);
+    credentials.refreshToken = "refresh-" + grant_ + std::to_string(generation_);
     credentials.expirationDate = Date::now() + TimeInterval(secondsLeft);
     return credentials;
 }
