@@ -106,6 +106,8 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
                                        const RefreshOperation& refresh,
                                        const std::shared_ptr<Operation>& targetOperation,
                                        ServiceAsyncOperation::ResponseCompletion completion) {
+        // The operation may release the client, and this with it, as soon as it is in the queue.
+        const auto self = shared_from_this();
         auto operation = std::make_shared<ServiceAsyncOperation>(
             defaultUrlSession_, jsonDecoder_, accountAuthoriser_, std::move(request), std::move(completion));
         if (refresh) {

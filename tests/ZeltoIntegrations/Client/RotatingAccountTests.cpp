@@ -148,7 +148,8 @@ TEST_F(RotatingAccount, ARefreshThatIsRefusedIsNoFailureIfNewerTokensLieInTheKey
     for (const auto error : {ServiceClientError::authorizationError, ServiceClientError::connectionError}) {
         const auto generation = authoriser->tokenGeneration();
         authoriser->setAccountCredentials(spent);
-        EXPECT_EQ(authoriser->updateToken(failure(error)).has_value(), observed.empty()) << nameOf(error);
+        const bool isFirst = observed.empty();
+        EXPECT_EQ(authoriser->updateToken(failure(error)).has_value(), isFirst) << nameOf(error);
         EXPECT_NE(authoriser->tokenGeneration(), generation);
         if (error == ServiceClientError::authorizationError) {
             EXPECT_EQ(observed, std::vector{newer});
