@@ -228,7 +228,7 @@ TEST_F(StepExporterTest, ARunHasOneClient) {
         return std::make_shared<FakeClient>();
     };
     for (const int number : {1, 2}) {
-        exporter->work[number] = [&](StepRun& run, Done done) {
+        exporter->work[number] = [&, number](StepRun& run, Done done) {
             EXPECT_TRUE(run.client<FakeClient>(make));
             done(number);
         };
