@@ -129,9 +129,10 @@ TEST_F(AsanaExporterTest, EachRequestThatFailsEndsTheLoadingAndNothingIsStored) 
         for (const auto& failing : answers) {
             for (auto last = lines.begin(); last != lines.end(); ++last) {
                 SCOPED_TRACE(*last + " " + failing.name);
-                service.onRequest = [&](const ReceivedRequest& request) {
-                    const bool isMeant = request.method + " " + request.target == *last;
-                    return isMeant ? std::optional(failing.answer) : std::nullopt;
+                service.onRequest = [line = *last,
+                                     response = failing.answer](const ReceivedRequest& request) {
+                    const bool isMeant = request.method + " " + request.target == line;
+                    return isMeant ? std::optional(response) : std::nullopt;
                 };
                 const auto before = service.lines().size();
                 EXPECT_EQ(one.load(true).error(), loadErrorFor(failing));
