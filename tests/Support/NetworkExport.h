@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -30,7 +31,10 @@ template <std::derived_from<NetworkExporter> Exporter> class NetworkExport : pub
         storeToken();
         data->linkText = "[mail](zelto://m)";
         data->htmlText = "<p>Body</p>";
-        data->fileOf = [this](std::int64_t id) { return URL::file(files.at(static_cast<std::size_t>(id))); };
+        data->fileOf = [this](std::int64_t id) {
+            const std::lock_guard guard(readingLock_);
+            return URL::file(files.at(static_cast<std::size_t>(id)));
+        };
         interactor->makePdf = [this](const std::string& html, const std::filesystem::path& path,
                                      Callback<bool> done) {
             pdfPaths.push_back(path);
@@ -40,7 +44,11 @@ template <std::derived_from<NetworkExporter> Exporter> class NetworkExport : pub
     }
 
     // The exporter goes before what it uses.
-    ~NetworkExport() { this->releaseExporter(); }
+    ~NetworkExport() {
+        this->releaseExporter();
+        // A cancelled export ends without waiting for the host, which may have been reading its files.
+        const std::lock_guard guard(readingLock_);
+    }
 
     // Adds a selected attachment of that content.
     void attach(std::string_view name, std::string_view content = "content") {
@@ -80,6 +88,8 @@ template <std::derived_from<NetworkExporter> Exporter> class NetworkExport : pub
     std::vector<std::filesystem::path> pdfPaths; // that were made
 
   private:
+    std::mutex readingLock_;
+
     void storeToken() {
         account.credentials = ServiceAccountCredentials::forIdentifier(account.identifier());
         auto secrets = *account.credentials;
