@@ -21,9 +21,8 @@ void AsanaExporter::loadConfiguration(Completion<AsanaExportConfiguration, Integ
 
 AsanaExportConfiguration AsanaExporter::offered(IntegrationAttachments attachments) const {
     const auto types = contentTypes(exportTarget());
-    auto saveTo = lastExportInfo();
     return {
-        .saveTo = saveTo ? std::move(saveTo) : createDefaultSaveToInfo(),
+        .saveTo = lastExportInfo().or_else([this] { return createDefaultSaveToInfo(); }),
         .saveAs = lastExportContentType().value_or(types.default_),
         .userTitle = dataInteractor().title(),
         .userNote = std::nullopt,
@@ -61,16 +60,10 @@ void AsanaExporter::loadPreview(IntegrationExportContentType type,
     completion(type == Type::pdf ? std::optional(pdfPreview()) : std::nullopt);
 }
 
-void AsanaExporter::loadData(bool force,
-                             Completion<std::optional<AsanaFullData>, IntegrationLoadError> completion) {
-    StepExporter::loadData(force, &AsanaExporter::loadedData, &AsanaExporter::fetchData,
-                           std::move(completion));
-}
-
-void AsanaExporter::fetchData(StepRun& run, LoadCompletion<std::optional<AsanaFullData>> done) {
-    const auto client = createAsanaClient(run);
+void AsanaExporter::fetchData(StepRun& run, DataCompletion done) {
+    const auto client = createAsanaClient(run, done);
     if (!client) {
-        return done(failure(IntegrationLoadError::oauthError));
+        return;
     }
     client->getAllData([this, done = std::move(done)](auto data) mutable {
         if (!data) {
@@ -83,21 +76,11 @@ void AsanaExporter::fetchData(StepRun& run, LoadCompletion<std::optional<AsanaFu
 }
 
 std::optional<AsanaFullData> AsanaExporter::loadedData() const {
-    auto user = myUser();
-    auto workspaces = myWorkspaces();
-    if (!user || !workspaces) {
-        return std::nullopt;
-    }
-    return AsanaFullData{.user = *std::move(user), .workspaces = *std::move(workspaces)};
-}
-
-void AsanaExporter::fetchServiceData(Completion<void, IntegrationLoadError> withCompletion) {
-    loadData(true, discarding<std::optional<AsanaFullData>>(std::move(withCompletion)));
+    return dataOf(myUser(), myWorkspaces());
 }
 
 std::optional<std::string> AsanaExporter::loadUserEmail() {
-    auto user = myUser();
-    return user ? std::move(user->email) : std::nullopt;
+    return myUser().and_then([](const auto& user) { return user.email; });
 }
 
 std::shared_ptr<ExportProgress> AsanaExporter::export_(AsanaExportConfiguration configuration,
@@ -122,9 +105,9 @@ std::shared_ptr<ExportProgress> AsanaExporter::export_(AsanaExportConfiguration 
 
 void AsanaExporter::createAsanaTask(StepRun& run, const AsanaExportConfiguration& configuration,
                                     StepCompletion<TaskID> done) {
-    const auto client = createAsanaClient(run);
+    const auto client = createAsanaClient(run, done);
     if (!client) {
-        return done(failure(ExportError::oauthError));
+        return;
     }
     if (!configuration.saveTo) {
         return done(failure(ExportError::createTaskError));
@@ -148,20 +131,15 @@ void AsanaExporter::uploadPdf(StepRun& run, const Step<File>& pdf, const Step<Ta
 
 void AsanaExporter::uploadAttachment(StepRun& run, std::int64_t withPk, const Step<TaskID>& forTask,
                                      StepCompletion<void> done) {
-    fetchAttachment(run, withPk, ExportError::internalError,
-                    [this, &run, task = *resultOf(forTask), done = std::move(done)](auto file) mutable {
-                        if (!file) {
-                            return done(failure(file.error()));
-                        }
-                        uploadFile(run, *file, task, std::move(done));
-                    });
+    withAttachment(run, withPk, ExportError::internalError, std::move(done), &AsanaExporter::uploadFile,
+                   *resultOf(forTask));
 }
 
 void AsanaExporter::uploadFile(StepRun& run, const File& file, const TaskID& forTaskId,
                                StepCompletion<void> done) {
-    const auto client = createAsanaClient(run);
+    const auto client = createAsanaClient(run, done);
     if (!client) {
-        return done(failure(ExportError::oauthError));
+        return;
     }
     client->uploadFile(file, forTaskId,
                        reported(run,
@@ -170,8 +148,9 @@ void AsanaExporter::uploadFile(StepRun& run, const File& file, const TaskID& for
                                 std::move(done)));
 }
 
-std::shared_ptr<AsanaClient> AsanaExporter::createAsanaClient(StepRun& run) {
-    return clientOf<AsanaClient, AsanaAuthoriser>(run);
+template <class Done>
+std::shared_ptr<AsanaClient> AsanaExporter::createAsanaClient(StepRun& run, Done& done) {
+    return clientOf<AsanaClient, AsanaAuthoriser>(run, done);
 }
 
 } // namespace zelto

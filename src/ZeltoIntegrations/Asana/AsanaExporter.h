@@ -3,8 +3,7 @@
 #include <ZeltoIntegrations/Asana/AsanaExportConfiguration.h>
 #include <ZeltoIntegrations/Asana/AsanaRecords.h>
 #include <ZeltoIntegrations/Content/AttachmentsValidation.h>
-#include <ZeltoIntegrations/Export/CachedValue.h>
-#include <ZeltoIntegrations/Export/NetworkExporter.h>
+#include <ZeltoIntegrations/Export/AccountDataExporter.h>
 
 #include <cstdint>
 #include <memory>
@@ -18,12 +17,11 @@ class AsanaClient;
 
 // Makes a task in a project of a workspace, with the message as a PDF and attachments. A task that was made
 // stays when something behind it fails; the PDF and the fetched attachments stay where they were written.
-class AsanaExporter final : public NetworkExporter {
+class AsanaExporter final : public AccountDataExporter<AsanaFullData> {
   public:
-    using NetworkExporter::NetworkExporter;
+    using AccountDataExporter::AccountDataExporter;
 
     using Configuration = AsanaExportConfiguration;
-    using FullData = AsanaFullData;
 
     // What was loaded last, and where the last task went; kept in the account.
     CachedValue<AsanaSaveToInfo> lastExportInfo{*this, "lastExportInfo"};
@@ -42,18 +40,12 @@ class AsanaExporter final : public NetworkExporter {
     void loadPreview(IntegrationExportContentType type,
                      Callback<std::optional<IntegrationExportPreview>> completion);
 
-    // The user and the workspaces: those that were loaded last, or with `force` from the service. No value
-    // where they were never loaded.
-    void loadData(bool force, Completion<std::optional<AsanaFullData>, IntegrationLoadError> completion);
-
     // Fails with `unsupportedFormat` before it returns; with `convertError` without a PDF, `oauthError`
     // without credentials, `createTaskError` without a task, `internalError` for an attachment that the host
     // does not have, `uploadAttachmentError` for a file that the service does not take, and `canceled`.
     std::shared_ptr<ExportProgress> export_(AsanaExportConfiguration configuration,
                                             Completion<void, IntegrationExportError> completion);
 
-    // Loads from the service.
-    void fetchServiceData(Completion<void, IntegrationLoadError> withCompletion) override;
     std::optional<std::string> loadUserEmail() override;
 
   private:
@@ -62,8 +54,8 @@ class AsanaExporter final : public NetworkExporter {
     AsanaExportConfiguration offered(IntegrationAttachments attachments) const;
     std::optional<AsanaSaveToInfo> createDefaultSaveToInfo() const;
 
-    void fetchData(StepRun& run, LoadCompletion<std::optional<AsanaFullData>> done);
-    std::optional<AsanaFullData> loadedData() const;
+    void fetchData(StepRun& run, DataCompletion done) override;
+    std::optional<AsanaFullData> loadedData() const override;
 
     void createAsanaTask(StepRun& run, const AsanaExportConfiguration& configuration,
                          StepCompletion<TaskID> done);
@@ -71,7 +63,7 @@ class AsanaExporter final : public NetworkExporter {
     void uploadAttachment(StepRun& run, std::int64_t withPk, const Step<TaskID>& forTask,
                           StepCompletion<void> done);
     void uploadFile(StepRun& run, const File& file, const TaskID& forTaskId, StepCompletion<void> done);
-    std::shared_ptr<AsanaClient> createAsanaClient(StepRun& run);
+    template <class Done> std::shared_ptr<AsanaClient> createAsanaClient(StepRun& run, Done& done);
 };
 
 } // namespace zelto

@@ -75,8 +75,18 @@ class NetworkExporter : public StepExporter {
     // other parts were made.
     static void reportRefusal(StepRun& run, const Making& making, std::string_view words);
 
-    // The run's client with the account's credentials; null for an account without credentials, and for a run
-    // that was cancelled.
+    // The run's client with the account's credentials. Where there is none, for an account without
+    // credentials and a run that was cancelled, the step has ended with `oauthError`, and null is returned.
+    template <class Client, class Authoriser, class R, class E>
+    std::shared_ptr<Client> clientOf(StepRun& run, Completion<R, E>& done) {
+        auto client = clientOf<Client, Authoriser>(run);
+        if (!client) {
+            done(failure(E::oauthError));
+        }
+        return client;
+    }
+
+  private:
     template <class Client, class Authoriser> std::shared_ptr<Client> clientOf(StepRun& run) {
         return run.client<Client>([&]() -> std::shared_ptr<Client> {
             const auto credentials = accountConfiguration().credentials;
@@ -97,7 +107,6 @@ class NetworkExporter : public StepExporter {
         });
     }
 
-  private:
     static void refuse(StepRun& run, std::size_t place, const Making& making, ServiceClientError error);
     static void refuse(StepRun& run, std::size_t place, const Making& making, std::string_view words);
 };

@@ -59,6 +59,22 @@ class StepExporter : public ServiceExporter {
     void fetchAttachment(StepRun& run, std::int64_t attachmentPk, IntegrationExportError missing,
                          StepCompletion<File> done);
 
+    // The same as a part of a step that goes on with the file: `next` is a member function of the exporter
+    // that gets the run, the file, the arguments and `done`.
+    template <class R, class Exporter, class... Parameters, class... Arguments>
+    void withAttachment(StepRun& run, std::int64_t attachmentPk, IntegrationExportError missing,
+                        StepCompletion<R> done, void (Exporter::*next)(Parameters...),
+                        Arguments... arguments) {
+        fetchAttachment(run, attachmentPk, missing,
+                        [this, &run, next, ... arguments = std::move(arguments),
+                         done = std::move(done)](ExporterResult<File> file) mutable {
+                            if (!file) {
+                                return done(failure(file.error()));
+                            }
+                            (static_cast<Exporter&>(*this).*next)(run, *file, arguments..., std::move(done));
+                        });
+    }
+
     // The text of a row of the service's table. Fails with `missing` if the host has none.
     void makeText(StepRun& run, const ContentText& row, const WebLinkSettings& settings,
                   IntegrationExportError missing, StepCompletion<std::string> done);
@@ -85,38 +101,10 @@ class StepExporter : public ServiceExporter {
         steps.execute();
     }
 
-    // The same for data that the exporter keeps in its account: those that were loaded last, or with `force`
-    // from the service.
-    template <class Data, class Exporter>
-    void loadData(bool force, std::optional<Data> (Exporter::*loaded)() const,
-                  void (Exporter::*fetch)(StepRun&, LoadCompletion<std::optional<Data>>),
-                  LoadCompletion<std::optional<Data>> completion) {
-        load(std::move(completion), &StepExporter::loadDataStep<Data, Exporter>, force, loaded, fetch);
-    }
-
-    // For loading whose value does not matter.
-    template <class T>
-    static LoadCompletion<T> discarding(Completion<void, IntegrationLoadError> completion) {
-        return [completion = std::move(completion)](const Result<T, IntegrationLoadError>& loaded) mutable {
-            completion(loaded ? Result<void, IntegrationLoadError>() : failure(loaded.error()));
-        };
-    }
-
     // Of the last export that was begun; null before.
     std::shared_ptr<const ExportReportLog> reportLog() const;
 
   private:
-    template <class Data, class Exporter>
-    void loadDataStep(StepRun& run, bool force, std::optional<Data> (Exporter::*loaded)() const,
-                      void (Exporter::*fetch)(StepRun&, LoadCompletion<std::optional<Data>>),
-                      LoadCompletion<std::optional<Data>> done) {
-        auto& exporter = static_cast<Exporter&>(*this);
-        if (!force) {
-            return done((exporter.*loaded)());
-        }
-        (exporter.*fetch)(run, std::move(done));
-    }
-
     void convert(std::string html, const File& path, IntegrationExportError error, StepCompletion<File> done);
 
     mutable std::mutex reportLock_;

@@ -117,7 +117,7 @@ template <class E> class TypedRun : public StepRun {
         }
         const std::lock_guard guard(outcomesLock_);
         outcomes_.resize(std::max(outcomes_.size(), index + 1));
-        outcomes_[index] = {true, result ? std::nullopt : std::optional(result.error())};
+        outcomes_[index] = result ? Outcome() : Outcome(failure(result.error()));
         return result;
     }
 
@@ -150,19 +150,22 @@ template <class E> class TypedRun : public StepRun {
     void endAs(std::size_t index) { decisiveStep_ = index; }
 
   private:
+    using Outcome = Result<void, E>;
+
     // Of a step that has ended. Without an outcome it was never called back, by a host that drops its
     // callbacks on purpose.
     std::optional<E> failureOf(std::size_t index) const {
         std::unique_lock guard(outcomesLock_);
-        if (index < outcomes_.size() && outcomes_[index].isThere) {
-            return outcomes_[index].error;
+        if (index < outcomes_.size() && outcomes_[index]) {
+            const auto& outcome = *outcomes_[index];
+            return outcome ? std::nullopt : std::optional(outcome.error());
         }
         guard.unlock();
         return hasEnded(index) ? std::optional(E::internalError) : std::nullopt;
     }
 
     std::optional<E> firstFailure(std::size_t stepCount) const {
-        for (std::size_t index = 0; index < stepCount; ++index) {
+        for (auto index = leadingSuccesses(); index < stepCount; ++index) {
             if (const auto error = failureOf(index)) {
                 return error;
             }
@@ -170,15 +173,22 @@ template <class E> class TypedRun : public StepRun {
         return std::nullopt;
     }
 
-    struct Outcome {
-        bool isThere = false;
-        std::optional<E> error;
-    };
+    // How many steps, from the first one on, have succeeded. It is counted on from the last time: each step
+    // asks for a failure of those before it.
+    std::size_t leadingSuccesses() const {
+        const std::lock_guard guard(outcomesLock_);
+        while (leadingSuccesses_ < outcomes_.size() && outcomes_[leadingSuccesses_] &&
+               *outcomes_[leadingSuccesses_]) {
+            ++leadingSuccesses_;
+        }
+        return leadingSuccesses_;
+    }
 
     const FailureRule rule_;
     std::optional<std::size_t> decisiveStep_;
-    mutable std::mutex outcomesLock_; // guards what follows
-    std::vector<Outcome> outcomes_;   // by step
+    mutable std::mutex outcomesLock_;              // guards what follows
+    std::vector<std::optional<Outcome>> outcomes_; // by step
+    mutable std::size_t leadingSuccesses_ = 0;
     Finish finish_;
 };
 

@@ -45,9 +45,8 @@ void TodoistExporter::loadConfiguration(
 
 TodoistExportConfiguration TodoistExporter::offered(IntegrationAttachments attachments) const {
     const auto types = contentTypes(exportTarget());
-    auto saveTo = lastExportInfo();
     TodoistExportConfiguration configuration{
-        .saveTo = saveTo ? std::move(saveTo) : createDefaultSaveToInfo(),
+        .saveTo = lastExportInfo().or_else([this] { return createDefaultSaveToInfo(); }),
         .saveAs = ExportServiceHelper::saveAs(lastExportContentType(), types),
         .attachments = std::move(attachments),
         .userTitle = dataInteractor().title(),
@@ -87,16 +86,10 @@ void TodoistExporter::loadPreview(IntegrationExportContentType type,
     loadTextPreview(dataInteractor(), type, texts, webLinks.settings(), std::move(completion));
 }
 
-void TodoistExporter::loadData(bool force,
-                               Completion<std::optional<TodoistFullData>, IntegrationLoadError> completion) {
-    StepExporter::loadData(force, &TodoistExporter::loadedData, &TodoistExporter::fetchData,
-                           std::move(completion));
-}
-
-void TodoistExporter::fetchData(StepRun& run, LoadCompletion<std::optional<TodoistFullData>> done) {
-    const auto client = createTodoistClient(run);
+void TodoistExporter::fetchData(StepRun& run, DataCompletion done) {
+    const auto client = createTodoistClient(run, done);
     if (!client) {
-        return done(failure(IntegrationLoadError::oauthError));
+        return;
     }
     client->getAllData([this, done = std::move(done)](auto loaded) mutable {
         if (!loaded) {
@@ -109,21 +102,11 @@ void TodoistExporter::fetchData(StepRun& run, LoadCompletion<std::optional<Todoi
 }
 
 std::optional<TodoistFullData> TodoistExporter::loadedData() const {
-    auto user = myUser();
-    auto projects = myProjects();
-    if (!user || !projects) {
-        return std::nullopt;
-    }
-    return TodoistFullData{.user = *std::move(user), .projects = *std::move(projects)};
-}
-
-void TodoistExporter::fetchServiceData(Completion<void, IntegrationLoadError> withCompletion) {
-    loadData(true, discarding<std::optional<TodoistFullData>>(std::move(withCompletion)));
+    return dataOf(myUser(), myProjects());
 }
 
 std::optional<std::string> TodoistExporter::loadUserEmail() {
-    const auto known = myUser();
-    return known ? std::optional(known->email) : std::nullopt;
+    return myUser().transform([](const auto& user) { return user.email; });
 }
 
 std::shared_ptr<ExportProgress>
@@ -149,19 +132,14 @@ TodoistExporter::export_(TodoistExportConfiguration configuration,
 
 void TodoistExporter::uploadAttachment(StepRun& run, std::int64_t attachmentPk,
                                        StepCompletion<TodoistFile> done) {
-    fetchAttachment(run, attachmentPk, ExportError::uploadAttachmentError,
-                    [this, &run, done = std::move(done)](ExporterResult<File> file) mutable {
-                        if (!file) {
-                            return done(failure(file.error()));
-                        }
-                        upload(run, *file, std::move(done));
-                    });
+    withAttachment(run, attachmentPk, ExportError::uploadAttachmentError, std::move(done),
+                   &TodoistExporter::upload);
 }
 
 void TodoistExporter::upload(StepRun& run, const File& file, StepCompletion<TodoistFile> done) {
-    const auto client = createTodoistClient(run);
+    const auto client = createTodoistClient(run, done);
     if (!client) {
-        return done(failure(ExportError::oauthError));
+        return;
     }
     const auto name = file.filename().native();
     client->uploadAttachment(
@@ -175,9 +153,9 @@ void TodoistExporter::upload(StepRun& run, const File& file, StepCompletion<Todo
 
 void TodoistExporter::addTask(StepRun& run, const TodoistExportConfiguration& configuration,
                               const Step<std::string>& text, const Files& files, StepCompletion<void> done) {
-    const auto client = createTodoistClient(run);
+    const auto client = createTodoistClient(run, done);
     if (!client) {
-        return done(failure(ExportError::oauthError));
+        return;
     }
     if (!configuration.saveTo) {
         return done(failure(ExportError::createTaskError));
@@ -233,8 +211,9 @@ ExporterResult<void> TodoistExporter::commentsResult(StepRun& run, const Todoist
     return result;
 }
 
-std::shared_ptr<TodoistClient> TodoistExporter::createTodoistClient(StepRun& run) {
-    return clientOf<TodoistClient, TodoistAuthoriser>(run);
+template <class Done>
+std::shared_ptr<TodoistClient> TodoistExporter::createTodoistClient(StepRun& run, Done& done) {
+    return clientOf<TodoistClient, TodoistAuthoriser>(run, done);
 }
 
 } // namespace zelto

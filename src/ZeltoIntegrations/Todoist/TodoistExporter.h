@@ -1,8 +1,7 @@
 #pragma once
 
 #include <ZeltoIntegrations/Content/AttachmentsValidation.h>
-#include <ZeltoIntegrations/Export/CachedValue.h>
-#include <ZeltoIntegrations/Export/NetworkExporter.h>
+#include <ZeltoIntegrations/Export/AccountDataExporter.h>
 #include <ZeltoIntegrations/Export/WebLinkCache.h>
 #include <ZeltoIntegrations/Todoist/TodoistExportConfiguration.h>
 #include <ZeltoIntegrations/Todoist/TodoistRecords.h>
@@ -23,12 +22,11 @@ struct TodoistUploadResponse;
 // Makes a task in a project, with the message's text or link as a comment and a comment for each attachment.
 // Files are uploaded first, since the one request that makes the task refers to them. The first failure ends
 // the export, and what was uploaded by then stays on the service.
-class TodoistExporter final : public NetworkExporter {
+class TodoistExporter final : public AccountDataExporter<TodoistFullData> {
   public:
-    using NetworkExporter::NetworkExporter;
+    using AccountDataExporter::AccountDataExporter;
 
     using Configuration = TodoistExportConfiguration;
-    using FullData = TodoistFullData;
 
     // What was loaded last, and where the last task went; kept in the account.
     CachedValue<TodoistSaveToInfo> lastExportInfo{*this, "lastExportInfo"};
@@ -48,18 +46,12 @@ class TodoistExporter final : public NetworkExporter {
     void loadPreview(IntegrationExportContentType type,
                      Callback<std::optional<IntegrationExportPreview>> completion);
 
-    // The user and the projects: those that were loaded last, or with `force` from the service. No value
-    // where they were never loaded.
-    void loadData(bool force, Completion<std::optional<TodoistFullData>, IntegrationLoadError> completion);
-
     // Fails with `unsupportedFormat` before it returns; with `createBodyError` without a text, `oauthError`
     // without credentials, `uploadAttachmentError` when a file is missing on one side or the other,
     // `createTaskError` when the service does not take the task as a whole, and `canceled`.
     std::shared_ptr<ExportProgress> export_(TodoistExportConfiguration configuration,
                                             Completion<void, IntegrationExportError> completion);
 
-    // Loads from the service.
-    void fetchServiceData(Completion<void, IntegrationLoadError> withCompletion) override;
     std::optional<std::string> loadUserEmail() override;
 
   private:
@@ -69,8 +61,8 @@ class TodoistExporter final : public NetworkExporter {
     TodoistExportConfiguration offered(IntegrationAttachments attachments) const;
     std::optional<TodoistSaveToInfo> createDefaultSaveToInfo() const;
 
-    void fetchData(StepRun& run, LoadCompletion<std::optional<TodoistFullData>> done);
-    std::optional<TodoistFullData> loadedData() const;
+    void fetchData(StepRun& run, DataCompletion done) override;
+    std::optional<TodoistFullData> loadedData() const override;
 
     void uploadAttachment(StepRun& run, std::int64_t attachmentPk, StepCompletion<TodoistFile> done);
     void upload(StepRun& run, const File& file, StepCompletion<TodoistFile> done);
@@ -80,7 +72,7 @@ class TodoistExporter final : public NetworkExporter {
                         const Files& files) const;
     static ExporterResult<void> commentsResult(StepRun& run, const TodoistUploadResponse& response,
                                                const std::vector<TodoistCommand>& commands);
-    std::shared_ptr<TodoistClient> createTodoistClient(StepRun& run);
+    template <class Done> std::shared_ptr<TodoistClient> createTodoistClient(StepRun& run, Done& done);
 };
 
 } // namespace zelto

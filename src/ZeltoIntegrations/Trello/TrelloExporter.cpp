@@ -28,9 +28,8 @@ void TrelloExporter::loadConfiguration(LoadCompletion<TrelloExportConfiguration>
 
 TrelloExportConfiguration TrelloExporter::offered(IntegrationAttachments attachments) const {
     const auto types = contentTypes(exportTarget());
-    auto saveTo = lastExportInfo();
     return {
-        .saveTo = saveTo ? std::move(saveTo) : createDefaultSaveToInfo(),
+        .saveTo = lastExportInfo().or_else([this] { return createDefaultSaveToInfo(); }),
         .saveAs = lastExportContentType().value_or(types.default_),
         .userTitle = dataInteractor().title(),
         .attachments = std::move(attachments),
@@ -66,15 +65,10 @@ void TrelloExporter::loadPreview(IntegrationExportContentType type,
     loadTextPreview(dataInteractor(), type, previews, {}, std::move(completion));
 }
 
-void TrelloExporter::loadData(bool force, LoadCompletion<std::optional<TrelloFullData>> completion) {
-    StepExporter::loadData(force, &TrelloExporter::loadedData, &TrelloExporter::fetchData,
-                           std::move(completion));
-}
-
-void TrelloExporter::fetchData(StepRun& run, LoadCompletion<std::optional<TrelloFullData>> done) {
-    const auto client = createTrelloClient(run);
+void TrelloExporter::fetchData(StepRun& run, DataCompletion done) {
+    const auto client = createTrelloClient(run, done);
     if (!client) {
-        return done(failure(IntegrationLoadError::oauthError));
+        return;
     }
     client->getUser([this, client, done = std::move(done)](auto loaded) mutable {
         if (loaded) {
@@ -98,21 +92,11 @@ void TrelloExporter::loadBoards(TrelloClient& client, std::optional<IntegrationL
 }
 
 std::optional<TrelloFullData> TrelloExporter::loadedData() const {
-    auto person = user();
-    auto boards = allBoards();
-    if (!person || !boards) {
-        return std::nullopt;
-    }
-    return TrelloFullData{.user = *std::move(person), .boards = *std::move(boards)};
-}
-
-void TrelloExporter::fetchServiceData(Completion<void, IntegrationLoadError> withCompletion) {
-    loadData(true, discarding<std::optional<TrelloFullData>>(std::move(withCompletion)));
+    return dataOf(user(), allBoards());
 }
 
 std::optional<std::string> TrelloExporter::loadUserEmail() {
-    const auto known = user();
-    return known ? std::optional(known->email) : std::nullopt;
+    return user().transform([](const auto& user) { return user.email; });
 }
 
 std::shared_ptr<ExportProgress> TrelloExporter::export_(TrelloExportConfiguration configuration,
@@ -175,9 +159,9 @@ void TrelloExporter::warnOfLongDescription(const std::string& name, const std::s
 
 void TrelloExporter::addCard(StepRun& run, const TrelloExportConfiguration& configuration,
                              const std::optional<std::string>& link, StepCompletion<CardID> done) {
-    const auto client = createTrelloClient(run);
+    const auto client = createTrelloClient(run, done);
     if (!client) {
-        return done(failure(ExportError::oauthError));
+        return;
     }
     if (!configuration.saveTo) {
         return done(failure(ExportError::createTaskError));
@@ -201,9 +185,9 @@ void TrelloExporter::uploadFileToTrelloCard(StepRun& run, const Step<CardID>& cr
     if (!card || !file) {
         return done(failure(ExportError::uploadAttachmentError));
     }
-    const auto client = createTrelloClient(run);
+    const auto client = createTrelloClient(run, done);
     if (!client) {
-        return done(failure(ExportError::oauthError));
+        return;
     }
     client->addAttachment(*file, *card,
                           reported(run,
@@ -213,8 +197,9 @@ void TrelloExporter::uploadFileToTrelloCard(StepRun& run, const Step<CardID>& cr
                                    std::move(done)));
 }
 
-std::shared_ptr<TrelloClient> TrelloExporter::createTrelloClient(StepRun& run) {
-    return clientOf<TrelloClient, TrelloAuthoriser>(run);
+template <class Done>
+std::shared_ptr<TrelloClient> TrelloExporter::createTrelloClient(StepRun& run, Done& done) {
+    return clientOf<TrelloClient, TrelloAuthoriser>(run, done);
 }
 
 } // namespace zelto

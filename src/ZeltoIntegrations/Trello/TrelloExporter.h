@@ -1,8 +1,7 @@
 #pragma once
 
 #include <ZeltoIntegrations/Content/AttachmentsValidation.h>
-#include <ZeltoIntegrations/Export/CachedValue.h>
-#include <ZeltoIntegrations/Export/NetworkExporter.h>
+#include <ZeltoIntegrations/Export/AccountDataExporter.h>
 #include <ZeltoIntegrations/Trello/TrelloExportConfiguration.h>
 #include <ZeltoIntegrations/Trello/TrelloRecords.h>
 
@@ -18,12 +17,11 @@ class TrelloClient;
 // Makes a card on a list of a board, with a link to the message, a PDF of it where that is asked for, and
 // attachments. A card that was made stays on the board when something behind it fails; the PDF and the
 // fetched attachments stay where they were written.
-class TrelloExporter final : public NetworkExporter {
+class TrelloExporter final : public AccountDataExporter<TrelloFullData> {
   public:
-    using NetworkExporter::NetworkExporter;
+    using AccountDataExporter::AccountDataExporter;
 
     using Configuration = TrelloExportConfiguration;
-    using FullData = TrelloFullData;
 
     // What was loaded last, and where the last card went; kept in the account.
     CachedValue<TrelloSaveToInfo> lastExportInfo{*this, "lastExportInfo"};
@@ -43,18 +41,12 @@ class TrelloExporter final : public NetworkExporter {
     void loadPreview(IntegrationExportContentType type,
                      Callback<std::optional<IntegrationExportPreview>> completion);
 
-    // The user and the active boards: those that were loaded last, or with `force` from the service. Nothing
-    // where a part of it was never loaded.
-    void loadData(bool force, Completion<std::optional<TrelloFullData>, IntegrationLoadError> completion);
-
     // Fails with `unsupportedFormat` before it returns; with `oauthError` without credentials,
     // `createTaskError` without a card, `convertError` without a PDF, `uploadAttachmentError` when a file is
     // missing on one side or the other, and `canceled`.
     std::shared_ptr<ExportProgress> export_(TrelloExportConfiguration configuration,
                                             Completion<void, IntegrationExportError> completion);
 
-    // Loads from the service.
-    void fetchServiceData(Completion<void, IntegrationLoadError> withCompletion) override;
     std::optional<std::string> loadUserEmail() override;
 
   private:
@@ -63,10 +55,9 @@ class TrelloExporter final : public NetworkExporter {
     std::optional<TrelloSaveToInfo> createDefaultSaveToInfo() const;
     TrelloExportConfiguration offered(IntegrationAttachments attachments) const;
 
-    void fetchData(StepRun& run, LoadCompletion<std::optional<TrelloFullData>> done);
-    void loadBoards(TrelloClient& client, std::optional<IntegrationLoadError> userError,
-                    LoadCompletion<std::optional<TrelloFullData>> done);
-    std::optional<TrelloFullData> loadedData() const;
+    void fetchData(StepRun& run, DataCompletion done) override;
+    void loadBoards(TrelloClient& client, std::optional<IntegrationLoadError> userError, DataCompletion done);
+    std::optional<TrelloFullData> loadedData() const override;
 
     void createTrelloCard(StepRun& run, const TrelloExportConfiguration& configuration,
                           StepCompletion<CardID> done);
@@ -78,7 +69,7 @@ class TrelloExporter final : public NetworkExporter {
                  const std::optional<std::string>& link, StepCompletion<CardID> done);
     void uploadFileToTrelloCard(StepRun& run, const Step<CardID>& createTrelloCardOperation,
                                 const Step<File>& fetchAttachmentOperation, StepCompletion<void> done);
-    std::shared_ptr<TrelloClient> createTrelloClient(StepRun& run);
+    template <class Done> std::shared_ptr<TrelloClient> createTrelloClient(StepRun& run, Done& done);
 };
 
 } // namespace zelto

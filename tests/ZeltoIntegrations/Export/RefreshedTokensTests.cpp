@@ -1,6 +1,6 @@
 #include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
 #include <ZeltoIntegrations/Client/ServiceClient.h>
-#include <ZeltoIntegrations/Export/NetworkExporter.h>
+#include <ZeltoIntegrations/Export/AccountDataExporter.h>
 #include <ZeltoIntegrations/Zoom/ZoomAuthoriser.h>
 
 #include <Support/Completed.h>
@@ -21,17 +21,16 @@ namespace {
 using Texts = std::vector<std::string>;
 
 // Loads one item from a service that rotates.
-class RotatingExporter final : public NetworkExporter {
+class RotatingExporter final : public AccountDataExporter<Empty> {
   public:
-    using NetworkExporter::NetworkExporter;
-
-    void fetchServiceData(Completion<void, IntegrationLoadError> withCompletion) override {
-        load<Empty>(discarding<Empty>(std::move(withCompletion)), &RotatingExporter::loadItem);
-    }
+    using AccountDataExporter::AccountDataExporter;
 
   private:
-    void loadItem(StepRun& run, LoadCompletion<Empty> done) {
-        const auto client = clientOf<ServiceClient, ZoomAuthoriser>(run);
+    std::optional<Empty> loadedData() const override { return std::nullopt; }
+
+    void fetchData(StepRun& run, DataCompletion done) override {
+        const auto client = clientOf<ServiceClient, ZoomAuthoriser>(run, done);
+        ASSERT_TRUE(client);
         client->perform<Empty>(URLRequest(*URL::parse("https://api.example/item")), nullptr,
                                [done = std::move(done)](ServiceResult<Empty> item) mutable {
                                    if (!item) {
