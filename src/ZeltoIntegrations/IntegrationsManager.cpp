@@ -49,6 +49,10 @@ void storeSecrets(const ServiceAccountConfiguration& configuration) {
     }
 }
 
+bool haveOneKey(const ServiceAccountCredentials& one, const ServiceAccountCredentials& other) {
+    return one.serviceCredentialsKey == other.serviceCredentialsKey;
+}
+
 std::shared_ptr<void> noted(const IntegrationsManager::FlowNote& flowNote,
                             const std::string& serviceCredentialsKey) {
     return flowNote ? flowNote(serviceCredentialsKey) : nullptr;
@@ -212,10 +216,14 @@ void IntegrationsManager::replaceServiceConfiguration(const ServiceAccountConfig
     if (!replacement) {
         return completion(failure(AccountError::dataLoadingError()));
     }
-    removeSecrets(old);
-    configurationStorage_->remove(old);
-    configurationStorage_->save(*replacement);
-    storeSecrets(*replacement);
+    // The new account is there before the old one goes: a process that is killed in between loses neither.
+    saveAccount(*replacement, *configurationStorage_, flowNote_);
+    if (old.credentials && !haveOneKey(*old.credentials, *replacement->credentials)) {
+        removeSecrets(old);
+    }
+    if (old.identifier() != replacement->identifier()) {
+        configurationStorage_->remove(old);
+    }
     completion(*replacement);
 }
 

@@ -491,7 +491,29 @@ TEST_F(IntegrationsManagerTest, ReplacingPutsOneAccountInThePlaceOfAnotherWithou
     EXPECT_EQ(service.fetches, 0);
     EXPECT_TRUE(interactor->added().empty());
     EXPECT_TRUE(interactor->removed().empty());
-    EXPECT_EQ(storage->calls(), (Texts{"save Asana+alice", "remove Asana+alice", "save Asana+bob"}));
+    EXPECT_EQ(storage->calls(), (Texts{"save Asana+alice", "save Asana+bob", "remove Asana+alice"}));
+}
+
+TEST_F(IntegrationsManagerTest, ReplacingHasTheNewAccountWithItsSecretsBeforeTheOldOneGoes) {
+    const auto old = account(ServiceType::Asana, "alice", "old");
+    storage->save(old);
+    ServiceCredentialsManager::store(*old.credentials);
+    Texts found;
+    storage->onChange = [&] {
+        found.push_back(stored("Asana+alice").value_or("none") + " " + stored("Asana+bob").value_or("none"));
+    };
+    ASSERT_TRUE(replace(old, account(ServiceType::Asana, "bob", "new")));
+    EXPECT_EQ(found,
+              (Texts{R"({"accessToken":"old"} {"accessToken":"new"})", R"(none {"accessToken":"new"})"}));
+}
+
+TEST_F(IntegrationsManagerTest, ReplacingAnAccountByItselfKeepsItWithTheNewSecrets) {
+    const auto old = account(ServiceType::Asana, "alice", "old");
+    storage->save(old);
+    ServiceCredentialsManager::store(*old.credentials);
+    ASSERT_TRUE(replace(old, account(ServiceType::Asana, "alice", "new")));
+    EXPECT_EQ(stored("Asana+alice"), R"({"accessToken":"new"})");
+    EXPECT_EQ(storage->calls(), (Texts{"save Asana+alice", "save Asana+alice"}));
 }
 
 TEST_F(IntegrationsManagerTest, RemovingTakesTheSecretsAndTheRecordAndNotifiesTheHost) {
