@@ -80,7 +80,8 @@ Outcome<Workspace> Workspace::open(const Invocation& invocation, bool readOnly) 
         }
         directory = *std::move(empty);
     }
-    auto storage = SQLiteAccountStorage::open(directory);
+    auto storage =
+        readOnly ? SQLiteAccountStorage::openForReading(directory) : SQLiteAccountStorage::open(directory);
     if (!storage) {
         return failure(failureOf(storage.error()));
     }

@@ -77,10 +77,10 @@ StorageResult fillNewFile(const path& file) {
     if (!connection) {
         return failure(connection.error());
     }
-    auto done =
-        (*connection)
-            ->execute("PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL; PRAGMA application_id = " +
-                      std::to_string(accountApplicationId));
+    // Without a log, which would stay behind when its content cannot be written back at the closing.
+    auto done = (*connection)
+                    ->execute("PRAGMA synchronous = FULL; PRAGMA application_id = " +
+                              std::to_string(accountApplicationId));
     return done ? migrate(**connection, accountSchemaSteps()) : done;
 }
 
@@ -180,6 +180,13 @@ StorageResult checkTables(SQLiteConnection& connection) {
     return {};
 }
 
+// Whether there may be more in the log than in the file.
+bool hasLog(const path& file) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(file.native() + "-wal", error);
+    return !error && size > 0;
+}
+
 } // namespace
 
 Result<std::unique_ptr<SQLiteConnection>, StorageError> openAccountFile(const path& directory) {
@@ -212,6 +219,21 @@ Result<std::unique_ptr<SQLiteConnection>, StorageError> openAccountFile(const pa
         return failure(done.error());
     }
     return connection;
+}
+
+std::unique_ptr<SQLiteConnection> readAccountFile(const path& directory) {
+    using Access = SQLiteConnection::Access;
+    const auto file = directory / accountFileName;
+    for (const auto access : {Access::readOnly, Access::immutable}) {
+        if (access == Access::immutable && hasLog(file)) {
+            break;
+        }
+        auto connection = SQLiteConnection::open(file, access);
+        if (connection && checkContent(**connection) && checkTables(**connection)) {
+            return std::move(*connection);
+        }
+    }
+    return nullptr;
 }
 
 } // namespace zelto

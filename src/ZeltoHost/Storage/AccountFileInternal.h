@@ -13,4 +13,8 @@ inline constexpr const char* accountFileName = "accounts.sqlite";
 Result<std::unique_ptr<SQLiteConnection>, StorageError>
 openAccountFile(const std::filesystem::path& directory);
 
+// Opens an account file to read it alone, on a disk that is full or cannot be written to; null where it
+// cannot be read either.
+std::unique_ptr<SQLiteConnection> readAccountFile(const std::filesystem::path& directory);
+
 } // namespace zelto

@@ -152,7 +152,7 @@ void ConnectingFlow::removeLeftovers(const path& dataDirectory, SQLiteAccountSto
     }
     // Before the accounts: a flow that ends in between has saved its own.
     const auto notes = readNotes(folder);
-    const auto accounts = storage.tryLoadConfigurations();
+    const auto accounts = storage.tryLoadAllConfigurations();
     if (!accounts) {
         return;
     }

@@ -32,9 +32,12 @@ Result<void, StorageError> makePrivate(const std::filesystem::path& directory) {
 }
 
 Result<void, StorageError> makeMissing(const std::filesystem::path& directory) {
-    std::error_code ignored;
-    if (directory.empty() || std::filesystem::exists(directory, ignored)) {
+    std::error_code error;
+    if (directory.empty() || std::filesystem::exists(directory, error)) {
         return {};
+    }
+    if (error) {
+        return failure(StorageError::fromSystem(error.value(), directory));
     }
     if (auto parents = makeMissing(directory.parent_path()); !parents) {
         return parents;

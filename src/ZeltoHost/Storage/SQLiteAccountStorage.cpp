@@ -4,7 +4,18 @@
 #include <ZeltoHost/Storage/AccountRecordsInternal.h>
 #include <ZeltoHost/Storage/DataDirectory.h>
 
+#include <vector>
+
 namespace zelto {
+
+namespace {
+
+bool isTemporary(const ServiceAccountConfiguration& account) {
+    return account.credentials &&
+           ServiceAccountCredentials::isFlowKey(account.credentials->serviceCredentialsKey);
+}
+
+} // namespace
 
 Result<std::shared_ptr<SQLiteAccountStorage>, StorageError>
 SQLiteAccountStorage::open(const std::filesystem::path& directory) {
@@ -16,6 +27,20 @@ SQLiteAccountStorage::open(const std::filesystem::path& directory) {
         return failure(connection.error());
     }
     return std::shared_ptr<SQLiteAccountStorage>(new SQLiteAccountStorage(std::move(*connection)));
+}
+
+Result<std::shared_ptr<SQLiteAccountStorage>, StorageError>
+SQLiteAccountStorage::openForReading(const std::filesystem::path& directory) {
+    auto storage = open(directory);
+    if (storage || (storage.error().code != StorageErrorCode::noSpace &&
+                    storage.error().code != StorageErrorCode::cannotAccess)) {
+        return storage;
+    }
+    auto connection = readAccountFile(directory);
+    if (!connection) {
+        return storage;
+    }
+    return std::shared_ptr<SQLiteAccountStorage>(new SQLiteAccountStorage(std::move(connection)));
 }
 
 SQLiteAccountStorage::SQLiteAccountStorage(std::unique_ptr<SQLiteConnection> connection)
@@ -76,6 +101,15 @@ SQLiteAccountStorage::tryLastUsedConfiguration(ServiceType serviceType) {
 }
 
 Result<std::vector<ServiceAccountConfiguration>, StorageError> SQLiteAccountStorage::tryLoadConfigurations() {
+    auto accounts = tryLoadAllConfigurations();
+    if (accounts) {
+        std::erase_if(*accounts, isTemporary);
+    }
+    return accounts;
+}
+
+Result<std::vector<ServiceAccountConfiguration>, StorageError>
+SQLiteAccountStorage::tryLoadAllConfigurations() {
     constexpr auto function = "loadConfigurations()";
     auto stored = perform(function, [](auto& connection) { return allAccounts(connection); });
     if (!stored) {

@@ -33,6 +33,10 @@ class SQLiteAccountStorage final : public ServiceConfigurationsStorage, private 
     // storage.
     static Result<std::shared_ptr<SQLiteAccountStorage>, StorageError>
     open(const std::filesystem::path& directory);
+    // The same for whoever only reads: on a disk that is full or cannot be written to, what is stored is
+    // there, and storing fails with `cannotAccess`.
+    static Result<std::shared_ptr<SQLiteAccountStorage>, StorageError>
+    openForReading(const std::filesystem::path& directory);
 
     ~SQLiteAccountStorage() override;
 
@@ -60,8 +64,10 @@ class SQLiteAccountStorage final : public ServiceConfigurationsStorage, private 
     tryLastUsedConfiguration(ServiceType serviceType);
 
     // Fails if the file cannot be read; records that cannot be read are left out, logged and given by
-    // lastError().
+    // lastError(). The temporary accounts of connecting flows are left out too.
     Result<std::vector<ServiceAccountConfiguration>, StorageError> tryLoadConfigurations();
+    // With the temporary ones.
+    Result<std::vector<ServiceAccountConfiguration>, StorageError> tryLoadAllConfigurations();
 
     // The latest failure of any operation, even if later ones succeeded; `nullopt` if all have succeeded.
     std::optional<StorageError> lastError() const;

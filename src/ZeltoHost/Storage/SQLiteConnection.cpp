@@ -1,9 +1,11 @@
 #include <ZeltoHost/Storage/SQLiteConnectionInternal.h>
 
-#include <sqlite3.h>
+#include <Platform/PercentEncoding.h>
 
 #include <random>
 #include <thread>
+
+#include <sqlite3.h>
 
 namespace zelto {
 
@@ -15,6 +17,12 @@ constexpr milliseconds maximumWait{5000};
 
 // Time in which this process did not run must not count as waiting.
 constexpr int minimumAttempts = 1000;
+
+// SQLite reads "?" and "#" of a URI as the ends of its path.
+std::string uriOf(const std::filesystem::path& path, SQLiteConnection::Access access) {
+    return "file:" + percentEncodeBytes(path.native(), AllowedCharacters::path) +
+           (access == SQLiteConnection::Access::immutable ? "?immutable=1" : "");
+}
 
 StorageErrorCode codeOf(int result) {
     switch (result & 0xff) {
@@ -106,12 +114,12 @@ int SQLiteConnection::waitForOthers(void* connection, int calls) {
 }
 
 Result<std::unique_ptr<SQLiteConnection>, StorageError>
-SQLiteConnection::open(const std::filesystem::path& path) {
+SQLiteConnection::open(const std::filesystem::path& path, Access access) {
     std::unique_ptr<SQLiteConnection> connection(new SQLiteConnection(path));
     sqlite3* database = nullptr;
-    const int opened =
-        sqlite3_open_v2(path.c_str(), &database,
-                        SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE, nullptr);
+    const int flags = (access == Access::readWrite ? SQLITE_OPEN_READWRITE : SQLITE_OPEN_READONLY) |
+                      SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX | SQLITE_OPEN_EXRESCODE;
+    const int opened = sqlite3_open_v2(uriOf(path, access).c_str(), &database, flags, nullptr);
     connection->database_.reset(database);
     if (opened != SQLITE_OK) {
         return failure(connection->error());

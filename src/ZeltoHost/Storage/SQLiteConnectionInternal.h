@@ -52,8 +52,15 @@ class SQLiteStatement {
 // One connection to a database file. One thread at a time. Waits up to five seconds for other processes.
 class SQLiteConnection {
   public:
+    enum class Access {
+        readWrite,
+        readOnly,  // needs the files beside a log to be there already
+        immutable, // takes the file as it is, without its log; nobody else may write to it
+    };
+
     // The file must exist.
-    static Result<std::unique_ptr<SQLiteConnection>, StorageError> open(const std::filesystem::path& path);
+    static Result<std::unique_ptr<SQLiteConnection>, StorageError> open(const std::filesystem::path& path,
+                                                                        Access access = Access::readWrite);
 
     SQLiteConnection(const SQLiteConnection&) = delete;
     SQLiteConnection& operator=(const SQLiteConnection&) = delete;

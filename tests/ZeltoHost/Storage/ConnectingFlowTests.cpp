@@ -69,7 +69,7 @@ TEST_F(ConnectingFlowTest, ThatWasKilledLeavesNothingAfterTheNextSweep) {
     ASSERT_EQ(noteCount(), 1U);
     ConnectingFlow::removeLeftovers(directory, storage);
     EXPECT_EQ(keyChain.keys(), Texts{});
-    EXPECT_TRUE(storage.loadConfigurations().empty());
+    EXPECT_TRUE(storage.tryLoadAllConfigurations()->empty());
     EXPECT_EQ(noteCount(), 0U);
 }
 
@@ -79,10 +79,17 @@ TEST_F(ConnectingFlowTest, ThatRunsIsNotTouched) {
     ASSERT_TRUE(flow);
     ConnectingFlow::removeLeftovers(directory, storage);
     EXPECT_EQ(keyChain.keys(), Texts{key});
-    EXPECT_EQ(storage.loadConfigurations().size(), 1U);
+    EXPECT_EQ(storage.tryLoadAllConfigurations()->size(), 1U);
     EXPECT_EQ(noteCount(), 1U);
     flow->reset();
     EXPECT_EQ(noteCount(), 0U);
+}
+
+TEST_F(ConnectingFlowTest, HasAnAccountThatIsNotListedButLoaded) {
+    storedByFlow("Trello+temp_user_name");
+    EXPECT_EQ(storage.tryLoadConfigurations(), std::vector<ServiceAccountConfiguration>());
+    EXPECT_TRUE(storage.loadConfigurations().empty());
+    EXPECT_TRUE(storage.load("Trello+temp_user_name"));
 }
 
 TEST_F(ConnectingFlowTest, ASweepLeavesAllAccountsAsTheyAre) {

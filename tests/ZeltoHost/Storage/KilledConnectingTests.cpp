@@ -7,8 +7,7 @@
 #include <TrovenhalCommon/KeyChain/FileKeyChainStore.h>
 #include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
 #include <ZeltoIntegrations/Client/MappedRequest.h>
-#include <ZeltoIntegrations/Export/CachedValue.h>
-#include <ZeltoIntegrations/Export/NetworkExporter.h>
+#include <ZeltoIntegrations/Export/AccountDataExporter.h>
 #include <ZeltoIntegrations/IntegrationsManager.h>
 #include <ZeltoIntegrations/OneNote/OneNoteAuthoriser.h>
 
@@ -87,31 +86,28 @@ ServiceRequest userRequest() {
 }
 
 // Asks a service that rotates its tokens who the user is, and keeps that in the account.
-class RotatingExporter final : public NetworkExporter {
+class RotatingExporter final : public AccountDataExporter<User> {
   public:
-    using NetworkExporter::NetworkExporter;
-
-    void fetchServiceData(Completion<void, IntegrationLoadError> withCompletion) override {
-        load<Empty>(discarding<Empty>(std::move(withCompletion)), &RotatingExporter::fetchUser);
-    }
+    using AccountDataExporter::AccountDataExporter;
 
     std::optional<std::string> loadUserEmail() override {
-        const auto fetched = user();
-        return fetched ? std::optional(fetched->at("email")) : std::nullopt;
+        return user().transform([](const User& fetched) { return fetched.at("email"); });
     }
 
     CachedValue<User> user{*this, "user"};
 
   private:
-    void fetchUser(StepRun& run, LoadCompletion<Empty> done) {
-        const auto client = clientOf<ServiceClient, OneNoteAuthoriser>(run);
+    std::optional<User> loadedData() const override { return user(); }
+
+    void fetchData(StepRun& run, DataCompletion done) override {
+        const auto client = clientOf<ServiceClient, OneNoteAuthoriser>(run, done);
         performRequest<User>(*client, userRequest(),
                              [this, done = std::move(done)](ServiceResult<User> fetched) mutable {
                                  if (!fetched) {
                                      return done(failure(loadError(fetched.error())));
                                  }
                                  user.set(*fetched);
-                                 done(Empty());
+                                 done(*std::move(fetched));
                              });
     }
 };

@@ -1,5 +1,7 @@
 #include "StorageTestSupport.h"
 
+#include <Support/TracedProcess.h>
+
 #include <Platform/FileDescriptor.h>
 
 #include <gtest/gtest.h>
@@ -13,9 +15,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sys/ptrace.h>
 #include <sys/resource.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utime.h>
@@ -228,46 +228,16 @@ int takeSteps(const std::filesystem::path& folder, const DonePipe& pipe) {
     return allWorked ? 0 : 1;
 }
 
-pid_t tracedSteps(const std::filesystem::path& folder, const DonePipe& pipe) {
-    const auto pid = forked([&] {
-        if (::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) != 0) {
-            return 3;
-        }
-        ::raise(SIGSTOP);
-        return takeSteps(folder, pipe);
-    });
-    statusOf(pid);
-    ::ptrace(PTRACE_SETOPTIONS, pid, nullptr, PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL);
-    return pid;
-}
-
-// Calls that do not change the disk: a kill there is the same as one at the next call.
-bool onlyLooks(std::uint64_t call) {
-    constexpr std::array calls{SYS_read,    SYS_pread64,        SYS_fcntl,  SYS_fstat,    SYS_newfstatat,
-                               SYS_lseek,   SYS_mmap,           SYS_munmap, SYS_brk,      SYS_getpid,
-                               SYS_geteuid, SYS_futex,          SYS_close,  SYS_mprotect, SYS_poll,
-                               SYS_uname,   SYS_getdents64,     SYS_access, SYS_stat,     SYS_lstat,
-                               SYS_ppoll,   SYS_clock_nanosleep};
-    return std::ranges::find(calls, static_cast<long>(call)) != calls.end();
-}
-
-// Kills the process at its n-th system call of the other kinds; false if it ended by itself before.
-bool killedAtCall(pid_t pid, int calls) {
-    for (int seen = 0;;) {
-        ::ptrace(PTRACE_SYSCALL, pid, nullptr, nullptr);
-        const int status = statusOf(pid);
-        if (!WIFSTOPPED(status)) {
-            EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
-            return false;
-        }
-        __ptrace_syscall_info call{};
-        ::ptrace(PTRACE_GET_SYSCALL_INFO, pid, sizeof call, &call);
-        if (call.op == PTRACE_SYSCALL_INFO_ENTRY && !onlyLooks(call.entry.nr) && ++seen == calls) {
-            ::kill(pid, SIGKILL);
-            statusOf(pid);
-            return true;
-        }
-    }
+// Kills the steps at their n-th call that changes files; false if they ended by themselves before.
+bool killedAtCall(const std::filesystem::path& folder, const DonePipe& pipe, int calls) {
+    int seen = 0;
+    const auto result = runTraced([&] { return takeSteps(folder, pipe); },
+                                  [&](const TracedCall& call) {
+                                      return call.changesFiles() && ++seen == calls ? TracedDecision::kill()
+                                                                                    : TracedDecision::goOn();
+                                  });
+    EXPECT_EQ(result.value_or(0), 0);
+    return !result;
 }
 
 void age(const std::filesystem::path& folder) {
@@ -281,13 +251,13 @@ void age(const std::filesystem::path& folder) {
 
 } // namespace
 
-TEST(KilledProcess, AtWhicheverSystemCallTheStateIsTheOneBeforeOrBehindTheStep) {
+TEST(KilledProcess, AtWhicheverChangingCallTheStateIsTheOneBeforeOrBehindTheStep) {
     int calls = 1;
     for (bool killed = true; killed; ++calls) {
         SCOPED_TRACE("system call " + std::to_string(calls));
         const TemporaryFolder folder;
         const DonePipe pipe;
-        killed = killedAtCall(tracedSteps(folder.path(), pipe), calls);
+        killed = killedAtCall(folder.path(), pipe, calls);
         std::size_t done = 0;
         while (const auto step = pipe.next()) {
             done = static_cast<std::size_t>(step->count);
