@@ -10,4 +10,8 @@ namespace zelto {
 // text without a secret is unchanged. Time is linear in the length; any thread.
 std::string maskSecrets(std::string_view text);
 
+// Whether a value under this key counts as a secret: "access_token", "cookie". The key may be written in any
+// case, with or without "_" and "-".
+bool isSecretKey(std::string_view key);
+
 } // namespace zelto

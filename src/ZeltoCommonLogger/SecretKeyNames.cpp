@@ -1,5 +1,7 @@
 #include <ZeltoCommonLogger/SecretKeyNamesInternal.h>
 
+#include <ZeltoCommonLogger/LogMasking.h>
+
 #include <Platform/ASCII.h>
 
 #include <algorithm>
@@ -51,6 +53,10 @@ SecretKeyKind secretKeyKind(std::string_view key) {
         return SecretKeyKind::header;
     }
     return isIn(ambiguousKeys) ? SecretKeyKind::ambiguous : SecretKeyKind::none;
+}
+
+bool isSecretKey(std::string_view key) {
+    return secretKeyKind(key) != SecretKeyKind::none;
 }
 
 } // namespace zelto

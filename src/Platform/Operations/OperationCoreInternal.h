@@ -48,9 +48,8 @@ class ReadyOperations {
 // - the queue is a list whose links are members of the operations, and only operations with dependencies or a
 //   completion block allocate Operation::Links;
 // - what is ready is kept in a deque in the order of addition, with a map only for what becomes ready late;
-// - a job of the pool runs drain(), which takes one ready operation after another, until its time slice is
-// over
-//   and other work waits. At most one of these jobs waits in the pool at a time: a thread that takes an
+// - a job of the pool runs drain(), which takes one ready operation after another until its time slice is
+//   over and other work waits. At most one of these jobs waits in the pool at a time: a thread that takes an
 //   operation and sees that more could run posts the next;
 // - an operation that drain() ran is removed from the queue under the lock that drain() takes for the next.
 //

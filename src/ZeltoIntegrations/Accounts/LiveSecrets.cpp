@@ -1,5 +1,6 @@
 #include <ZeltoIntegrations/Accounts/LiveSecrets.h>
 
+#include <ZeltoCommonLogger/LogMasking.h>
 #include <ZeltoCommonLogger/SecretRegistry.h>
 
 #include <functional>
@@ -49,14 +50,16 @@ void maskInLog(const ServiceAccountCredentials& credentials) {
     // Never destroyed: other threads may still pass secrets when the process ends.
     static auto& secrets = *new LiveSecrets;
     for (const auto* field : {&credentials.accessToken, &credentials.refreshToken, &credentials.tokenSecret,
-                              &credentials.password, &credentials.loginName}) {
+                              &credentials.password}) {
         if (*field) {
             secrets.add(**field);
         }
     }
     if (credentials.additionalInfo) {
         for (const auto& [key, value] : *credentials.additionalInfo) {
-            secrets.add(value);
+            if (isSecretKey(key)) {
+                secrets.add(value);
+            }
         }
     }
 }

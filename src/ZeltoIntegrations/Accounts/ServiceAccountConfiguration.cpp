@@ -10,6 +10,13 @@ std::string cacheKey(const std::string& key) {
     return "cached_" + key;
 }
 
+// An account is worth more than a field of it that may be absent: one of another kind reads as absent.
+template <class T>
+std::optional<T> optionalOfKind(const JSONReader& reader, std::string_view key, JSONKind kind) {
+    const auto member = reader.find(key);
+    return member && member->kind() == kind ? std::optional(member->as<T>()) : std::nullopt;
+}
+
 } // namespace
 
 ServiceAccountConfiguration::ServiceAccountConfiguration(ServiceType serviceType,
@@ -62,10 +69,10 @@ ServiceAccountConfiguration makeFromJSON(const JSONReader& reader,
                                          std::type_identity<ServiceAccountConfiguration>) {
     using TextMap = std::map<std::string, std::string>;
     ServiceAccountConfiguration account(reader.required<ServiceType>("serviceType"),
-                                        reader.optional<std::string>("username"),
+                                        optionalOfKind<std::string>(reader, "username", JSONKind::string),
                                         reader.required<bool>("enabled"));
-    account.displayName = reader.optional<std::string>("displayName");
-    account.credentials = reader.optional<ServiceAccountCredentials>("credentials");
+    account.displayName = optionalOfKind<std::string>(reader, "displayName", JSONKind::string);
+    account.credentials = optionalOfKind<ServiceAccountCredentials>(reader, "credentials", JSONKind::object);
     // What is no map of texts reads as an empty one: the cache is lost, the account is not.
     account.additionalInfo =
         reader.required<AnyCodable>("additionalInfo").value<TextMap>().value_or(TextMap());

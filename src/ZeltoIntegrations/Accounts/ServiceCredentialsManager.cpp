@@ -7,6 +7,9 @@
 #include <Platform/JSON/JSONCoding.h>
 #include <Platform/JSON/JSONRecordDescription.h>
 
+#include <map>
+#include <mutex>
+
 namespace zelto {
 
 // The value of a key in the key chain.
@@ -44,6 +47,18 @@ constexpr auto fillAbsent = [](const auto& from, auto& to) {
         to = from;
     }
 };
+
+// Held while a record is removed, and while one is stored that may have been.
+struct Removals {
+    std::mutex lock;
+    std::map<std::string, std::uint64_t> counts; // by key
+};
+
+Removals& removals() {
+    // Never destroyed: other threads may still store tokens when the process ends.
+    static auto& all = *new Removals;
+    return all;
+}
 
 } // namespace
 
@@ -102,7 +117,23 @@ ServiceCredentialsManager::stored(const std::string& serviceCredentialsKey) {
 }
 
 void ServiceCredentialsManager::remove(const ServiceAccountCredentials& credentials) {
+    const std::lock_guard guard(removals().lock);
+    ++removals().counts[credentials.serviceCredentialsKey];
     remove(credentials.serviceCredentialsKey);
+}
+
+std::uint64_t ServiceCredentialsManager::removalCount(const std::string& serviceCredentialsKey) {
+    const std::lock_guard guard(removals().lock);
+    const auto found = removals().counts.find(serviceCredentialsKey);
+    return found == removals().counts.end() ? 0 : found->second;
+}
+
+bool ServiceCredentialsManager::storeUnlessRemoved(const ServiceAccountCredentials& credentials,
+                                                   std::uint64_t removalCount) {
+    const std::lock_guard guard(removals().lock);
+    const auto found = removals().counts.find(credentials.serviceCredentialsKey);
+    const bool wasRemoved = found != removals().counts.end() && found->second != removalCount;
+    return !wasRemoved && store(credentials);
 }
 
 bool ServiceCredentialsManager::store(const Data& value, const std::string& key) {

@@ -8,6 +8,7 @@
 #include <Platform/Data.h>
 #include <Platform/Result.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -30,6 +31,12 @@ class ServiceCredentialsManager : private LoggerClient {
     static Result<std::optional<ServiceAccountCredentials>, KeyChainError>
     stored(const std::string& serviceCredentialsKey);
     static void remove(const ServiceAccountCredentials& credentials);
+
+    // How often this process has removed the record of that key.
+    static std::uint64_t removalCount(const std::string& serviceCredentialsKey);
+    // Stores only if the record was not removed since that count was taken: whoever obtained tokens meanwhile
+    // must not bring an account back.
+    static bool storeUnlessRemoved(const ServiceAccountCredentials& credentials, std::uint64_t removalCount);
 
   private:
     static bool store(const Data& value, const std::string& key);

@@ -63,7 +63,8 @@ constinit const AuthorisationRules AccountAuthoriser::tokenAlone;
 
 AccountAuthoriser::AccountAuthoriser(ServiceAccountCredentials accountCredentials,
                                      const AuthorisationRules& rules)
-    : rules_(rules), accountCredentials_(std::move(accountCredentials)) {
+    : rules_(rules), accountCredentials_(std::move(accountCredentials)),
+      removalCount_(ServiceCredentialsManager::removalCount(accountCredentials_.serviceCredentialsKey)) {
     const auto stored = ServiceCredentialsManager::stored(accountCredentials_.serviceCredentialsKey);
     if (stored && *stored) {
         lastStored_ = *stored;
@@ -173,7 +174,9 @@ bool AccountAuthoriser::takeNewerTokens() {
 }
 
 AccountAuthoriser::StoredTokens AccountAuthoriser::takeIfNewer() {
-    const auto stored = ServiceCredentialsManager::stored(refreshKey());
+    const auto key = refreshKey();
+    const auto removalCount = ServiceCredentialsManager::removalCount(key);
+    const auto stored = ServiceCredentialsManager::stored(key);
     if (!stored) {
         return StoredTokens::unreadable;
     }
@@ -183,6 +186,7 @@ AccountAuthoriser::StoredTokens AccountAuthoriser::takeIfNewer() {
         if (!*stored) {
             return StoredTokens::notNewer;
         }
+        removalCount_ = removalCount;
         if (!hasTokens(**stored)) {
             return StoredTokens::wiped;
         }
@@ -257,8 +261,11 @@ void AccountAuthoriser::store() {
     if (isStillRemoved()) {
         return;
     }
-    auto credentials = accountCredentials();
-    if (ServiceCredentialsManager::store(credentials)) {
+    std::unique_lock copying(lock_);
+    auto credentials = accountCredentials_;
+    const auto removalCount = removalCount_;
+    copying.unlock();
+    if (ServiceCredentialsManager::storeUnlessRemoved(credentials, removalCount)) {
         const std::lock_guard guard(lock_);
         lastStored_ = std::move(credentials);
     }

@@ -115,7 +115,8 @@ class AccountAuthoriser : public ServiceAuthoriser {
     // What the key chain held when it was last read or written. The tokens here may be newer: a write can
     // fail.
     std::optional<ServiceAccountCredentials> lastStored_;
-    bool wasRemoved_ = false; // the record, when the key chain was last read
+    bool wasRemoved_ = false;    // the record, when the key chain was last read
+    std::uint64_t removalCount_; // when the key chain was last found to hold it
     std::uint64_t tokenGeneration_ = 0;
     TokensObserver tokensObserver_;
 };

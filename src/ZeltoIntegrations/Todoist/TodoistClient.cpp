@@ -57,9 +57,11 @@ void TodoistClient::addTask(const std::vector<TodoistCommand>& commands,
 
 void TodoistClient::uploadAttachment(const std::string& fileName, const std::filesystem::path& path,
                                      Completion<JSONValue, ServiceClientError> completion) {
-    performMapped<JSONValue>(
-        *this, ServiceRequest("POST", apiBaseURL, uploadsPath).upload(path, {{"file_name", fileName}}),
-        objectOf, std::move(completion));
+    performMapped<JSONValue>(*this,
+                             ServiceRequest("POST", apiBaseURL, uploadsPath)
+                                 .upload(path, {{"file_name", fileName}}, "file",
+                                         "uploadAttachment(fileName:filePath:completion:)"),
+                             objectOf, std::move(completion));
 }
 
 } // namespace zelto

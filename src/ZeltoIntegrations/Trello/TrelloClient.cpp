@@ -66,7 +66,9 @@ void TrelloClient::addAttachment(const std::filesystem::path& filePath, const st
         return completion(failure(ServiceClientError::internalError));
     }
     performDiscarding<AttachmentResponse>(
-        *this, createTrelloRequest(attachmentsPath(toCard), {}, "POST").upload(filePath),
+        *this,
+        createTrelloRequest(attachmentsPath(toCard), {}, "POST")
+            .upload(filePath, {}, "file", "addAttachment(filePath:toCard:completion:)"),
         std::move(completion));
 }
 

@@ -20,19 +20,23 @@ class TrelloClient final : public ServiceClient {
     using Boards = Completion<std::vector<TrelloBoard>, ServiceClientError>;
 
     // Closed boards too, and lists that were closed since.
+    // https://developer.atlassian.com/cloud/trello/rest/api-group-members/#api-members-id-boards-get
     void getAllBoards(Boards completion);
     // Those that a card can be put on: open boards with an open list.
     void getAllActiveBoards(Boards completion);
 
     // Completes with the new card's id.
+    // https://developer.atlassian.com/cloud/trello/rest/api-group-cards/#api-cards-post
     void addCard(const std::optional<std::string>& cardName,
                  const std::optional<std::string>& cardDescription, const std::string& inListWithID,
                  Completion<std::string, ServiceClientError> completion);
 
     // Sends the file as it is read; nothing of it is held in memory.
+    // https://developer.atlassian.com/cloud/trello/rest/api-group-cards/#api-cards-id-attachments-post
     void addAttachment(const std::filesystem::path& filePath, const std::string& toCard,
                        Completion<void, ServiceClientError> completion);
 
+    // https://developer.atlassian.com/cloud/trello/rest/api-group-members/#api-members-id-get
     void getUser(Completion<TrelloUser, ServiceClientError> completion);
 
     static constexpr std::string_view apiBaseURL = "https://api.trello.com/1/";

@@ -22,20 +22,23 @@ void pass(const std::string& secret) {
 
 } // namespace
 
-TEST(LiveSecrets, EveryTextOfARecordButItsKeyIsMasked) {
+TEST(LiveSecrets, TokensSecretsAndPasswordsOfARecordAreMasked) {
     auto credentials = ServiceAccountCredentials::forIdentifier("Asana+alice");
     credentials.accessToken = "live-access-token";
     credentials.refreshToken = "live-refresh-token";
     credentials.tokenSecret = "live-token-secret";
     credentials.password = "live-password";
     credentials.loginName = "live-login-name";
-    credentials.additionalInfo.emplace()["team"] = "live-additional-value";
+    credentials.additionalInfo.emplace() = {{"sessionToken", "live-session-token"}, {"team", "live-team"}};
     maskInLog(credentials);
     for (const auto* secret : {"live-access-token", "live-refresh-token", "live-token-secret",
-                               "live-password", "live-login-name", "live-additional-value"}) {
+                               "live-password", "live-session-token"}) {
         EXPECT_TRUE(isMasked(secret)) << secret;
     }
-    EXPECT_FALSE(isMasked(credentials.serviceCredentialsKey));
+    for (const auto& text :
+         {credentials.serviceCredentialsKey, *credentials.loginName, std::string("live-team")}) {
+        EXPECT_FALSE(isMasked(text)) << text;
+    }
 }
 
 TEST(LiveSecrets, OfVeryManyThoseThatWerePassedLastStayMasked) {

@@ -112,6 +112,22 @@ TEST(ServiceAccountConfiguration, MissingOrMistypedFieldsFailToDecode) {
     EXPECT_FALSE(decoded(R"({"serviceType":46,"enabled":true,"credentials":{},"additionalInfo":{}})"));
 }
 
+TEST(ServiceAccountConfiguration, AMistypedOptionalFieldCountsAsAbsent) {
+    for (const auto* value : {"5", "true", "[]", "{}", "null"}) {
+        const auto account =
+            decoded(R"({"serviceType":46,"username":)" + std::string(value) + R"(,"displayName":)" + value +
+                    R"(,"enabled":true,"additionalInfo":{}})");
+        ASSERT_TRUE(account) << value;
+        EXPECT_EQ(*account, ServiceAccountConfiguration(ServiceType(46), std::nullopt, true)) << value;
+    }
+    for (const auto* value : {"5", "true", "[]", "\"x\"", "null"}) {
+        const auto account = decoded(R"({"serviceType":46,"username":"alice","credentials":)" +
+                                     std::string(value) + R"(,"enabled":true,"additionalInfo":{}})");
+        ASSERT_TRUE(account) << value;
+        EXPECT_EQ(*account, ServiceAccountConfiguration(ServiceType(46), "alice", true)) << value;
+    }
+}
+
 TEST(ServiceAccountConfiguration, EqualityComparesEveryField) {
     const auto account = alice(ServiceType::Bear);
     EXPECT_EQ(account, alice(ServiceType::Bear));

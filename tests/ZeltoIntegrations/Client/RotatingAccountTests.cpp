@@ -192,6 +192,35 @@ TEST_F(RotatingAccount, NoOutcomeOfARefreshStoresAnAccountThatWasRemovedMeanwhil
     }
 }
 
+TEST_F(RotatingAccount, ATokenThatComesAfterTheRemovalOfItsAccountIsNotStored) {
+    const auto key = keyAlone().serviceCredentialsKey;
+    const OAuthToken token{"access-9", "refresh-9", 3600};
+    const ServiceResult<OAuthToken> outcomes[] = {token, failure(ServiceClientError::connectionError),
+                                                  failure(ServiceClientError::authorizationError)};
+    for (const auto& outcome : outcomes) {
+        ServiceCredentialsManager::store(service.expiredCredentials(identifier));
+        ZoomAuthoriser authoriser(keyAlone());
+        EXPECT_FALSE(authoriser.takeNewerTokens()); // as before each refresh
+        ServiceCredentialsManager::remove(keyAlone());
+        EXPECT_EQ(authoriser.updateToken(outcome).has_value(), outcome.has_value());
+        EXPECT_FALSE(keyChain.text(key));
+    }
+}
+
+TEST_F(RotatingAccount, ATokenOfARemovedAccountDoesNotReplaceThatOfTheAccountThatWasConnectedSince) {
+    ServiceCredentialsManager::store(service.expiredCredentials(identifier));
+    ZoomAuthoriser authoriser(keyAlone());
+    ServiceCredentialsManager::remove(keyAlone());
+    auto connected = service.freshCredentials(identifier);
+    connected.refreshToken = "refresh-of-the-new-one";
+    ServiceCredentialsManager::store(connected);
+    EXPECT_TRUE(authoriser.updateToken(OAuthToken{"access-9", "refresh-9", 3600}));
+    EXPECT_EQ(stored(), connected);
+    EXPECT_TRUE(authoriser.takeNewerTokens());
+    EXPECT_TRUE(authoriser.updateToken(OAuthToken{"access-10", "refresh-10", 3600}));
+    EXPECT_EQ(stored().refreshToken, "refresh-10");
+}
+
 TEST_F(RotatingAccount, ARefreshThatFailsBringsNoTokensBackThatSomebodyElseHasWiped) {
     ServiceCredentialsManager::store(service.expiredCredentials(identifier));
     ZoomAuthoriser authoriser(keyAlone());

@@ -24,7 +24,6 @@ ServiceAccountCredentials canaries(const std::string& identifier) {
     credentials.refreshToken = "canary-refresh/1+=&%\"Ж";
     credentials.tokenSecret = "canary-token-secret/2+=&%\"Ж";
     credentials.password = "canary-password/3+=&%\"Ж";
-    credentials.loginName = "canary-login/4+=&%\"Ж";
     credentials.additionalInfo = std::map<std::string, std::string>{{"cookie", "canary-additional/6+=&%\"Ж"}};
     return credentials;
 }
@@ -34,7 +33,6 @@ std::vector<std::string> secretsOf(const ServiceAccountCredentials& credentials)
             *credentials.refreshToken,
             *credentials.tokenSecret,
             *credentials.password,
-            *credentials.loginName,
             credentials.additionalInfo->at("cookie"),
             passphrase};
 }
