@@ -20,6 +20,23 @@ bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
+// The sum of what each byte of the well-formed pieces counts; each ill-formed piece counts as one.
+template <class UnitsOf> std::size_t sumOfUnits(std::string_view text, UnitsOf unitsOf) {
+    std::size_t units = 0;
+    while (!text.empty()) {
+        const auto valid = text.substr(0, validUTF8Length(text));
+        for (const char byte : valid) {
+            units += unitsOf(byte);
+        }
+        text.remove_prefix(valid.size());
+        if (!text.empty()) {
+            text.remove_prefix(illFormedLength(text));
+            ++units;
+        }
+    }
+    return units;
+}
+
 // Creating an iterator of ICU costs as much as walking some thousand characters, so each thread keeps one.
 icu::BreakIterator& iteratorOfThread() {
     thread_local const std::unique_ptr<icu::BreakIterator> iterator = [] {
@@ -210,19 +227,14 @@ std::string_view prefixUTF16Units(std::string_view text, std::size_t limit) {
 }
 
 std::size_t utf16Length(std::string_view text) {
-    std::size_t units = 0;
-    while (!text.empty()) {
-        const auto valid = text.substr(0, validUTF8Length(text));
-        for (const char byte : valid) {
-            units += (isContinuation(byte) ? 0u : 1u) + (static_cast<unsigned char>(byte) >= 0xF0 ? 1u : 0u);
-        }
-        text.remove_prefix(valid.size());
-        if (!text.empty()) {
-            text.remove_prefix(illFormedLength(text));
-            ++units;
-        }
-    }
-    return units;
+    return sumOfUnits(text, [](char byte) {
+        const bool isPair = static_cast<unsigned char>(byte) >= 0xF0;
+        return isContinuation(byte) ? 0u : isPair ? 2u : 1u;
+    });
+}
+
+std::size_t codePointCount(std::string_view text) {
+    return sumOfUnits(text, [](char byte) { return isContinuation(byte) ? 0u : 1u; });
 }
 
 } // namespace zelto

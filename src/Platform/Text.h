@@ -32,6 +32,9 @@ std::string_view prefixUTF16Units(std::string_view text, std::size_t limit);
 // The length in UTF-16 code units. Each ill-formed piece counts as one.
 std::size_t utf16Length(std::string_view text);
 
+// The length in code points. Each ill-formed piece counts as one.
+std::size_t codePointCount(std::string_view text);
+
 // Transliterated to Latin letters by ICU's "Any-Latin"; letters keep or get diacritics ("Жуков" gives
 // "Žukov"). `nullopt` if the text is not UTF-8.
 std::optional<std::string> toLatin(std::string_view text);

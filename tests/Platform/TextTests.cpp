@@ -104,6 +104,18 @@ TEST(Text, MeasuresInUTF16Units) {
     EXPECT_EQ(utf16Length("a\xff\xe2\x82z"), 4u);
 }
 
+TEST(Text, CountsCodePoints) {
+    EXPECT_EQ(codePointCount(""), 0u);
+    EXPECT_EQ(codePointCount("abc"), 3u);
+    EXPECT_EQ(codePointCount("\r\n"), 2u);
+    EXPECT_EQ(codePointCount("\u0436\u4e2d"), 2u);
+    EXPECT_EQ(codePointCount("a\u0308"), 2u);
+    EXPECT_EQ(codePointCount("\U0001F600"), 1u);
+    EXPECT_EQ(codePointCount(family), 5u);
+    EXPECT_EQ(codePointCount("a\xff\xe2\x82z"), 4u);
+    EXPECT_EQ(codePointCount("\x80\x80"), 2u);
+}
+
 TEST(Text, ACyrillicTitleComesOutInLatinLetters) {
     const auto latin = toLatin("\u041f\u0440\u0438\u0432\u0435\u0442, \u0416\u0443\u043a\u043e\u0432");
     EXPECT_EQ(latin, "Privet, \u017Dukov");

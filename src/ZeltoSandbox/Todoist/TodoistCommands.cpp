@@ -13,17 +13,11 @@ namespace zelto::sandbox {
 
 namespace {
 
-constexpr std::size_t maximumItemContent = 500;    // characters
-constexpr std::size_t maximumNoteContent = 15'000; // characters
+constexpr std::size_t maximumItemContent = 500;    // code points, which is what Todoist counts
+constexpr std::size_t maximumNoteContent = 15'000; // the same
 constexpr std::size_t maximumUUID = 100;           // bytes
 constexpr std::size_t dateLength = std::string_view("2026-12-24").size();
 constexpr std::size_t dateTimeLength = std::string_view("2026-12-24T09:00:00").size();
-
-// Code points, which is what Todoist counts.
-std::size_t codePointCount(std::string_view text) {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(text, [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
 
 // The error for an argument that is not among the allowed ones; nullopt if there is none.
 std::optional<TodoistError> unknownArgument(const JSONObject& arguments,

@@ -3,8 +3,8 @@
 #include <ZeltoIntegrations/Todoist/TodoistConstants.h>
 
 #include <Platform/JSON/JSONValue.h>
+#include <Platform/Text.h>
 
-#include <algorithm>
 #include <string_view>
 #include <utility>
 
@@ -17,11 +17,6 @@ constexpr std::size_t maximumTaskName = 500;
 constexpr std::size_t maximumComment = 15'000;
 
 constexpr std::size_t maximumCommands = 100; // of one request
-
-std::size_t codePointCount(std::string_view text) {
-    return static_cast<std::size_t>(
-        std::ranges::count_if(text, [](char byte) { return (byte & 0xc0) != 0x80; }));
-}
 
 // None of a request that has no commands.
 JSONValue::Array commandsOf(const SentRequest& request) {
