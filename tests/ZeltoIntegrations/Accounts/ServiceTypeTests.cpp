@@ -1,11 +1,9 @@
-#include <ZeltoIntegrations/Accounts/ServiceFacts.h>
 #include <ZeltoIntegrations/Accounts/ServiceType.h>
 
 #include <Platform/JSON/JSONCoding.h>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <set>
 #include <vector>
 
@@ -97,24 +95,6 @@ TEST(ServiceAuthFlow, HasThreeRawValuesAndNoOther) {
     EXPECT_EQ(fromRawValue<ServiceAuthFlow>(2), systemPermission);
     EXPECT_EQ(fromRawValue<ServiceAuthFlow>(3), std::nullopt);
     EXPECT_EQ(fromRawValue<ServiceAuthFlow>(-1), std::nullopt);
-}
-
-TEST(ServiceFacts, HaveOneRowForEachServiceInDeclaredOrder) {
-    for (const auto& each : casesOf<ServiceType>()) {
-        EXPECT_EQ(factsOf(each.value).type, each.value) << each.name;
-    }
-}
-
-TEST(ServiceFacts, JustTheServicesWithARefreshReplaceTheirTokens) {
-    std::vector<ServiceType> refreshing;
-    for (const auto& each : casesOf<ServiceType>()) {
-        if (factsOf(each.value).refreshesTokens) {
-            refreshing.push_back(each.value);
-        }
-    }
-    using enum ServiceType;
-    EXPECT_EQ(refreshing, (std::vector<ServiceType>{Asana, OneNote, Hubspot, Notion, GoogleDrive, Dropbox,
-                                                    G2Meeting, ZoomMeeting, MicrosoftTeams}));
 }
 
 } // namespace zelto
