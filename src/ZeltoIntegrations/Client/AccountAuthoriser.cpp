@@ -147,18 +147,24 @@ ServiceResult<void> AccountAuthoriser::updateToken(const ServiceResult<OAuthToke
 }
 
 ServiceResult<void> AccountAuthoriser::endFailedRefresh(ServiceClientError error) {
-    const auto stored = takeIfNewer();
+    auto stored = takeIfNewer();
+    // A host may remove an account and store it again at once.
+    if (stored == StoredTokens::removed) {
+        stored = takeIfNewer();
+    }
     if (stored == StoredTokens::newer) {
         return {};
     }
-    if (isServiceError(error)) {
+    const bool isRefused = isServiceError(error);
+    if (isRefused) {
         forgetTokens();
     }
-    // What cannot be read may be newer, and tokens that somebody else has wiped do not come back.
-    if (stored == StoredTokens::notNewer) {
+    // What cannot be read may be newer, and tokens that somebody else has wiped do not come back. What lies
+    // there already is not written: somebody may sign in again at this moment.
+    if (stored == StoredTokens::older || (stored == StoredTokens::same && isRefused)) {
         store();
     }
-    if (isServiceError(error)) {
+    if (isRefused) {
         notifyObserver();
     }
     return failure(error);
@@ -184,7 +190,7 @@ AccountAuthoriser::StoredTokens AccountAuthoriser::takeIfNewer() {
         const std::lock_guard guard(lock_);
         wasRemoved_ = !*stored && lastStored_;
         if (!*stored) {
-            return StoredTokens::notNewer;
+            return wasRemoved_ ? StoredTokens::removed : StoredTokens::older;
         }
         removalCount_ = removalCount;
         if (!hasTokens(**stored)) {
@@ -192,8 +198,11 @@ AccountAuthoriser::StoredTokens AccountAuthoriser::takeIfNewer() {
         }
         const bool isKnown = lastStored_ && hasSameTokens(**stored, *lastStored_);
         lastStored_ = *stored;
+        if (**stored == accountCredentials_) {
+            return StoredTokens::same;
+        }
         if (isKnown || hasSameTokens(**stored, accountCredentials_)) {
-            return StoredTokens::notNewer;
+            return StoredTokens::older;
         }
         accountCredentials_ = **stored;
         ++tokenGeneration_;
@@ -242,19 +251,23 @@ void AccountAuthoriser::forgetTokens() {
 }
 
 bool AccountAuthoriser::isStillRemoved() {
+    const auto key = refreshKey();
+    const auto removalCount = ServiceCredentialsManager::removalCount(key);
     {
         const std::lock_guard guard(lock_);
-        if (!wasRemoved_) {
+        if (!wasRemoved_ && removalCount == removalCount_) {
             return false;
         }
     }
-    // The record is also gone for a moment while an account is being replaced.
-    const auto stored = ServiceCredentialsManager::stored(refreshKey());
+    // A host may remove an account and store it again at once; with other tokens it is another one.
+    const auto stored = ServiceCredentialsManager::stored(key);
     const std::lock_guard guard(lock_);
-    if (stored) {
-        wasRemoved_ = !*stored;
+    if (stored && *stored && lastStored_ && hasSameTokens(**stored, *lastStored_)) {
+        wasRemoved_ = false;
+        removalCount_ = removalCount;
+        return false;
     }
-    return wasRemoved_;
+    return true;
 }
 
 void AccountAuthoriser::store() {

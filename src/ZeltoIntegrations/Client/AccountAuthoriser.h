@@ -95,9 +95,11 @@ class AccountAuthoriser : public ServiceAuthoriser {
     // What lies in the key chain, compared with the tokens here.
     enum class StoredTokens {
         unreadable,
-        wiped,    // a record without tokens
-        notNewer, // or no record
-        newer,    // and taken
+        removed, // with their record
+        wiped,   // a record without tokens
+        same,    // the whole record
+        older,   // or no record yet
+        newer,   // and taken
     };
 
     void takeIn(const OAuthToken& token, const AuthorisationRules::Refresh& rules);

@@ -13,6 +13,7 @@
 
 #include <atomic>
 #include <deque>
+#include <functional>
 #include <thread>
 
 namespace zelto {
@@ -28,6 +29,52 @@ class DroppingLock final : public RefreshLock {
         const CallbackGuard::Abandonment abandonment;
         const auto dropped = std::move(taken);
     }
+};
+
+// A key chain of one key, which others change right behind a read.
+class ChangingKeyChainStore final : public LVXKeyChainStore {
+  public:
+    std::optional<Data> value;
+    std::deque<std::function<void()>> afterReads; // of the next reads
+
+    Result<std::optional<Data>, KeyChainError> read(const std::string&) override {
+        auto found = value;
+        if (!afterReads.empty()) {
+            const auto change = std::move(afterReads.front());
+            afterReads.pop_front();
+            change();
+        }
+        return found;
+    }
+
+    Result<void, KeyChainError> write(const std::string&, const Data& written) override {
+        value = written;
+        return {};
+    }
+
+    Result<bool, KeyChainError> erase(const std::string&) override {
+        return std::exchange(value, std::nullopt).has_value();
+    }
+};
+
+// An account whose refresh fails while somebody signs in to it again.
+class AccountSignedInMeanwhile : public testing::Test {
+  protected:
+    void SetUp() override {
+        newer.accessToken = "newer";
+        newer.refreshToken = "newer refresh";
+        ServiceCredentialsManager::store(old);
+    }
+
+    ServiceAccountCredentials stored() const {
+        return ServiceCredentialsManager::stored(old.serviceCredentialsKey).value().value();
+    }
+
+    const std::shared_ptr<ChangingKeyChainStore> keyChain = std::make_shared<ChangingKeyChainStore>();
+    const InstalledKeyChain installed{keyChain};
+    RotatingService service;
+    const ServiceAccountCredentials old = service.expiredCredentials(identifier);
+    ServiceAccountCredentials newer = service.freshCredentials(identifier);
 };
 
 // One account of a service that rotates, and a key chain.
@@ -207,6 +254,16 @@ TEST_F(RotatingAccount, ATokenThatComesAfterTheRemovalOfItsAccountIsNotStored) {
     }
 }
 
+TEST_F(RotatingAccount, ATokenIsStoredForAnAccountThatWasRemovedAndPutBackAsItWas) {
+    const auto old = service.expiredCredentials(identifier);
+    ServiceCredentialsManager::store(old);
+    ZoomAuthoriser authoriser(keyAlone());
+    ServiceCredentialsManager::remove(keyAlone());
+    ServiceCredentialsManager::store(old);
+    EXPECT_TRUE(authoriser.updateToken(OAuthToken{"access-9", "refresh-9", 3600}));
+    EXPECT_EQ(stored().refreshToken, "refresh-9");
+}
+
 TEST_F(RotatingAccount, ATokenOfARemovedAccountDoesNotReplaceThatOfTheAccountThatWasConnectedSince) {
     ServiceCredentialsManager::store(service.expiredCredentials(identifier));
     ZoomAuthoriser authoriser(keyAlone());
@@ -219,6 +276,39 @@ TEST_F(RotatingAccount, ATokenOfARemovedAccountDoesNotReplaceThatOfTheAccountTha
     EXPECT_TRUE(authoriser.takeNewerTokens());
     EXPECT_TRUE(authoriser.updateToken(OAuthToken{"access-10", "refresh-10", 3600}));
     EXPECT_EQ(stored().refreshToken, "refresh-10");
+}
+
+TEST_F(AccountSignedInMeanwhile, ItsTokensAreTakenAlsoIfTheRecordWasJustBeingReplaced) {
+    for (const auto error : {ServiceClientError::connectionError, ServiceClientError::authorizationError}) {
+        ServiceCredentialsManager::store(old);
+        ZoomAuthoriser authoriser(old);
+        keyChain->value.reset();
+        keyChain->afterReads = {[&] { ServiceCredentialsManager::store(newer); }};
+        EXPECT_TRUE(authoriser.updateToken(failure(error))) << nameOf(error);
+        EXPECT_EQ(authoriser.accountCredentials(), newer) << nameOf(error);
+        EXPECT_EQ(stored(), newer) << nameOf(error);
+    }
+}
+
+TEST_F(AccountSignedInMeanwhile, AConnectionErrorOverwritesNoTokensThatAreStoredBehindTheLastLook) {
+    ZoomAuthoriser authoriser(old);
+    keyChain->afterReads = {[&] { ServiceCredentialsManager::store(newer); }};
+    EXPECT_EQ(authoriser.updateToken(failure(ServiceClientError::connectionError)),
+              failure(ServiceClientError::connectionError));
+    EXPECT_EQ(stored(), newer);
+    EXPECT_TRUE(authoriser.takeNewerTokens());
+    EXPECT_EQ(authoriser.accountCredentials(), newer);
+}
+
+TEST_F(RotatingAccount, AConnectionErrorStoresTokensThatCouldNotBeStoredBefore) {
+    ServiceCredentialsManager::store(service.expiredCredentials(identifier));
+    ZoomAuthoriser authoriser(keyAlone());
+    keyChain.setLocked(true);
+    EXPECT_TRUE(authoriser.updateToken(OAuthToken{"access-9", "refresh-9", 3600}));
+    keyChain.setLocked(false);
+    EXPECT_NE(stored().refreshToken, "refresh-9");
+    EXPECT_FALSE(authoriser.updateToken(failure(ServiceClientError::connectionError)));
+    EXPECT_EQ(stored().refreshToken, "refresh-9");
 }
 
 TEST_F(RotatingAccount, ARefreshThatFailsBringsNoTokensBackThatSomebodyElseHasWiped) {
