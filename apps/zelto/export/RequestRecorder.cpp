@@ -14,14 +14,21 @@ namespace {
 
 using sandbox::FormPart;
 
-// All of a text that an export composes; what is longer is shown by its size alone.
+// A text that is longer may be a file's, and is shown by its size alone.
 constexpr std::size_t maximumText = std::size_t{16} << 20;
+// JSON is what an export composes, and what limits are checked in: the text of a mail, at most 64 MiB, of
+// which each byte may need six.
+constexpr std::size_t maximumJSON = std::size_t{512} << 20;
 constexpr std::size_t maximumPartText = std::size_t{64} << 10;
 constexpr std::size_t maximumHeader = std::size_t{8} << 20;
 
+bool isJSON(std::string_view mediaType) {
+    return mediaType == "application/json" || mediaType.ends_with("+json");
+}
+
 bool isText(std::string_view mediaType) {
-    return mediaType.starts_with("text/") || mediaType == "application/json" ||
-           mediaType.ends_with("+json") || mediaType == "application/x-www-form-urlencoded";
+    return mediaType.starts_with("text/") || isJSON(mediaType) ||
+           mediaType == "application/x-www-form-urlencoded";
 }
 
 SentPart sent(const FormPart& part) {
@@ -58,8 +65,9 @@ void addBody(SentRequest& sent, sandbox::RequestHead head,
     }
     std::ranges::transform(request->parts, std::back_inserter(sent.parts),
                            [](const FormPart& part) { return zelto::cli::sent(part); });
-    if (sent.bodySize <= maximumText && isText(request->contentType)) {
-        sent.text = repairedUTF8(sandbox::SpoolRange::all(body).text(maximumText));
+    const auto maximum = isJSON(request->contentType) ? maximumJSON : maximumText;
+    if (sent.bodySize <= maximum && isText(request->contentType)) {
+        sent.text = repairedUTF8(sandbox::SpoolRange::all(body).text(maximum));
     }
 }
 

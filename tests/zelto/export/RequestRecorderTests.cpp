@@ -1,13 +1,19 @@
+#include <export/PassedLimit.h>
 #include <export/PlaceholderSecrets.h>
 #include <export/RequestDescription.h>
 #include <export/RequestRecorder.h>
 
 #include <Support/SessionTasks.h>
 #include <Support/TemporaryFolder.h>
+#include <ZeltoIntegrations/Client/ServiceRequest.h>
 
 #include <Platform/Base64.h>
 
 #include <gtest/gtest.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <utility>
 
 namespace zelto::cli {
 
@@ -108,6 +114,41 @@ TEST_F(Recorder, ShowsOtherBodiesByTheirSize) {
     EXPECT_NE(text.find("    body: 3 bytes\n\n2. POST https://api.service.example/f\n"), std::string::npos)
         << text;
     EXPECT_TRUE(text.ends_with("    body: 7 bytes\n")) << text;
+}
+
+TEST_F(Recorder, KeepsJSONWholeWhateverItsLengthForTheLimitsToBeChecked) {
+    const auto json = "{\"a\":\"" + std::string(std::size_t{17} << 20, 'x') + "\"}";
+    send("POST", "https://api.service.example/", {{"Content-Type", "application/json; charset=utf-8"}}, json);
+    const auto requests = recorder->requests();
+    ASSERT_EQ(requests.size(), 1U);
+    EXPECT_EQ(requests[0].bodySize, json.size());
+    EXPECT_TRUE(requests[0].text == json);
+}
+
+TEST_F(Recorder, KeepsOtherTextsUpToSixteenMebibytes) {
+    constexpr std::size_t limit = std::size_t{16} << 20;
+    for (const auto length : {limit, limit + 1}) {
+        send("PUT", "https://api.service.example/f", {{"Content-Type", "text/plain"}},
+             std::string(length, 'x'));
+        const auto request = recorder->requests().back();
+        EXPECT_EQ(request.bodySize, length);
+        EXPECT_EQ(request.text.has_value(), length == limit);
+    }
+}
+
+TEST_F(Recorder, KnowsTheSizeOfAnUploadedFileWhateverItIs) {
+    constexpr std::uint64_t size = (std::uint64_t{100} << 20) + 1;
+    const TemporaryFolder folder;
+    const auto file = folder.write("large.bin", "");
+    std::filesystem::resize_file(file, size);
+    URLSession session(URLSessionConfiguration::ephemeral());
+    auto upload = ServiceRequest("POST", "https://api.service.example/", "uploads")
+                      .upload(file, {{"file_name", "large.bin"}})
+                      .maker()();
+    EXPECT_EQ(TaskEnd::of(session, std::move(upload).value()).text(), "2");
+    LimitCheck limits;
+    limits.checkFiles(recorder->requests(), size - 1);
+    EXPECT_EQ(limits.passed(), (std::vector{PassedLimit{"the file \"large.bin\"", size - 1, size, "bytes"}}));
 }
 
 TEST_F(Recorder, CutsAVeryLongTextAndSaysHowLongItIs) {

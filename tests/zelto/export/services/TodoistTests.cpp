@@ -161,6 +161,25 @@ TEST_F(TodoistCommands, ADryRunNamesALimitThatWouldBePassed) {
         << outcome.output << outcome.errorOutput;
 }
 
+TEST_F(TodoistCommands, ADryRunChecksATextOfManyMebibytes) {
+    std::string text;
+    while (text.size() < std::size_t{17} << 20) {
+        text += std::string(70, 'a') + "\n";
+    }
+    const auto large = zelto.home.write("large.eml", mailWith("Large", text)).string();
+    const auto outcome =
+        run({"export", large, "--to", "todoist", "--as", "emailBacklink", "--dry-run", "--json"});
+    EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
+    const auto document = JSONValue::parse(outcome.output);
+    ASSERT_TRUE(document);
+    const auto* limits = document->find("limits");
+    ASSERT_TRUE(limits && limits->asArray() && limits->asArray()->size() == 1)
+        << outcome.output.substr(0, 2000);
+    const auto& limit = limits->asArray()->front();
+    EXPECT_EQ(*limit.find("what")->asString(), "the comment's text");
+    EXPECT_GT(limit.find("actual")->asInt64().value(), std::int64_t{17} << 20);
+}
+
 TEST_F(TodoistCommands, AWebLinksSettingsAreOfferedAgain) {
     const auto outcome = exportTitle(
         {"--as", "webLink", "--web-link", "https://mail.example/1", "--visibility", "team", "--team", "7"});
