@@ -21,7 +21,9 @@ static int failed(const MCPError& error) {
         print(tool->result, stderr); // why it failed
     }
     const auto* connection = std::get_if<URLError>(&error.value);
-    const std::string name(protocol ? protocol->caseName() : connection ? connection->message : "no answer");
+    const std::string name(protocol     ? protocol->caseName()
+                           : connection ? connection->message
+                                        : "no response");
     std::fprintf(stderr, "call-a-tool: %s\n", name.c_str());
     return 1;
 }

@@ -36,7 +36,7 @@ Failure connectFailure(const IntegrationAccountCreationError& error, const Accou
                 "zelto services"};
     }
     return {std::string(error.name()),
-            service + " did not tell whose account this is, so nothing was kept: it could not be reached, or "
+            service + " did not say whose account this is, so nothing was kept: it could not be reached, or "
                       "does not accept these credentials.",
             command + " --verbose"};
 }

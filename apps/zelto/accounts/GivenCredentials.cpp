@@ -43,7 +43,7 @@ class InputLines {
     std::optional<std::string> text_;
 };
 
-// Nothing if the option is not given.
+// `nullopt` if the option is not given.
 Outcome<std::optional<std::string>> tokenOf(const Invocation& invocation, std::string_view option,
                                             InputLines& input,
                                             const std::optional<std::string>& fromEnvironment = {}) {

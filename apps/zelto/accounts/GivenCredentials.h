@@ -17,7 +17,7 @@ bool takesPassword(ServiceType type);
 bool canSignIn(ServiceType type);
 
 // The credentials that the command line, standard input or $ZELTO_TOKEN give, as a record under the given
-// key. Nothing if none are given, which means a sign-in in the browser.
+// key. `nullopt` if none are given, which means a sign-in in the browser.
 Outcome<std::optional<ServiceAccountCredentials>>
 givenCredentials(const Invocation& invocation, ServiceType type, const std::string& accountIdentifier);
 

@@ -19,7 +19,7 @@ std::optional<std::string> takeVariable(const char* name);
 void takeTokenOfEnvironment();
 const std::optional<std::string>& tokenOfEnvironment();
 
-// All of standard input, without line ends at its end. Nothing if there are more than 64 KiB.
+// All of standard input, without line ends at its end. `nullopt` if there are more than 64 KiB.
 std::optional<std::string> secretOfStandardInput();
 
 } // namespace zelto::cli

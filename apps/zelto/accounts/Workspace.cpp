@@ -63,7 +63,7 @@ Failure failureOf(const IntegrationAccountCreationError& error) {
         }
 
         Failure operator()(const IntegrationAccountCreationError::DataLoadingError&) const {
-            return {"dataLoadingError", "The service did not tell what the account is.", "zelto services"};
+            return {"dataLoadingError", "The service did not say what the account is.", "zelto services"};
         }
     };
 

@@ -43,8 +43,8 @@ class Workspace {
     // Takes the account's lock; that this waits for another process is written to standard error.
     Outcome<AccountLock> lock(const std::string& identifier) const;
 
-    // The lock of an account whose token may be refreshed, taken before its secrets are loaded; nothing for
-    // all others. The account becomes what it is once nobody else has it.
+    // The lock of an account whose token may be refreshed, taken before its secrets are loaded; `nullopt`
+    // for all others. The account becomes what it is once nobody else has it.
     Outcome<std::optional<AccountLock>> lockForUse(ServiceAccountConfiguration& account) const;
 
   private:

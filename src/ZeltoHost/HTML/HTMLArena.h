@@ -8,8 +8,8 @@
 namespace zelto {
 
 // The memory of one parsed document. It is freed as a whole, which is faster than freeing a million nodes one
-// by one. A parser in C cannot be told to stop, so an arena that reaches a limit jumps to `escape`; only
-// frames of C may lie between the two.
+// by one. A parser in C cannot be stopped from outside, so an arena that reaches a limit jumps to `escape`;
+// only frames of C may lie between the two.
 class HTMLArena {
   public:
     // The limits: allocated bytes, and CPU time of the thread.

@@ -16,7 +16,7 @@ namespace zelto {
 // AccountRefreshLock.) The lock ends with this object, and with its process however
 // that ends.
 //
-// It lies in a file below "locks" in the data directory, whose name tells nothing of the account.
+// It lies in a file below "locks" in the data directory, whose name says nothing of the account.
 class AccountLock {
   public:
     // Waits for as long as another one has it; `onWait` is called once before.

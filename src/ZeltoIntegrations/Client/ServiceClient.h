@@ -60,8 +60,8 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
 
     // The same for a response whose body goes to a file as it comes, whatever its size, and completes with
     // the path at which the file then lies: the goal, or beside it under a numbered name if the goal's is
-    // taken. Nothing of it remains after a failure. `onBytes`, which may be null, is told how many bytes of
-    // the file have come.
+    // taken. Nothing of it remains after a failure. `onBytes`, which may be null, is called with the number
+    // of the file's bytes that have come.
     std::shared_ptr<Operation> download(RequestMaker makeRequest, std::filesystem::path goal,
                                         DownloadProgress onBytes, DownloadCompletion completion);
 

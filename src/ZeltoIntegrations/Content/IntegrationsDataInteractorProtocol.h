@@ -20,7 +20,7 @@ namespace zelto {
 
 // The content of the one mail or meeting note at hand; the host implements it, and each exporter gets an
 // object of its own. Called from any thread. A completion comes once, on any thread, at once or later; one
-// that carries an optional text gets nothing when the body cannot be made. No operation may block on a
+// that carries an optional text gets `nullopt` when the body cannot be made. No operation may block on a
 // completion of this system.
 class IntegrationsDataInteractorProtocol {
   public:

@@ -42,7 +42,7 @@ class ExportServiceHelper {
     static Result<std::filesystem::path, FileError> pdfFilePath(std::string_view name, bool sanitise = true);
     static Result<std::filesystem::path, FileError> txtFilePath(std::string_view name, bool sanitise = true);
 
-    // False for nothing and for a text of white space and line ends alone.
+    // False for `nullopt` and for a text of white space and line ends alone.
     static bool isNotEmpty(const std::optional<std::string>& text);
 
     // Sets a multipart/related body of the file's metadata and its content in Base64, as the drives'
