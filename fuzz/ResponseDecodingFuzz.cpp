@@ -1,7 +1,9 @@
 // A foreign response becomes a value or one typed error, by its status and its body; nothing else happens.
 
+#include <ZeltoIntegrations/Asana/AsanaResponses.h>
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
 #include <ZeltoIntegrations/Todoist/TodoistResponses.h>
+#include <ZeltoIntegrations/Trello/TrelloResponses.h>
 
 #include <Platform/JSON/JSONRecordDescription.h>
 #include <Platform/UTF8.h>
@@ -59,19 +61,23 @@ template <class T> void checkRecord(const ServiceResponse& response, const JSOND
     require(decoder.decode<T>(*text).has_value());
 }
 
+template <class... T> void checkRecords(const ServiceResponse& response, const JSONDecoder& decoder) {
+    (checkRecord<T>(response, decoder), ...);
+}
+
 void checkValues(const ServiceResponse& response) {
     require(serviceValue<Data>(response, {}) == response.body);
     const auto text = serviceValue<std::string>(response, {});
     require(text.has_value() == isValidUTF8(viewOf(response.body)));
     for (const auto strategy : {DateStrategy::default_, DateStrategy::iso8601}) {
-        checkRecord<OAuthToken>(response, {strategy});
-        checkRecord<OAuthErrorBody>(response, {strategy});
-        checkRecord<Empty>(response, {strategy});
-        checkRecord<std::vector<FuzzBoard>>(response, {strategy});
-        checkRecord<FuzzBoard>(response, {strategy});
-        checkRecord<TodoistFetchResponse>(response, {strategy});
-        checkRecord<TodoistUploadResponse>(response, {strategy});
+        checkRecords<std::vector<FuzzBoard>, FuzzBoard>(response, {strategy});
     }
+    checkRecords<OAuthToken, OAuthErrorBody, Empty>(response, {});
+    checkRecords<std::vector<TrelloBoardResponse>, AddCardResponse, AttachmentResponse, GetUserResponse>(
+        response, {});
+    checkRecords<AsanaProjectsResponse, AsanaTaskResponse, AsanaUsersResponse, AsanaSingleUserResponse,
+                 AsanaWorkspacesResponse>(response, {});
+    checkRecords<TodoistFetchResponse, TodoistUploadResponse>(response, {});
 }
 
 void checkError(int status, std::string_view body, ServiceClientError error) {
