@@ -39,12 +39,12 @@ std::string service(const std::string& call) {
 }
 
 std::string keyringProcess() {
-    const auto answer = outputOf("gdbus call --session --dest org.freedesktop.DBus --object-path "
-                                 "/org/freedesktop/DBus --method "
-                                 "org.freedesktop.DBus.GetConnectionUnixProcessID org.freedesktop.secrets");
+    const auto reply = outputOf("gdbus call --session --dest org.freedesktop.DBus --object-path "
+                                "/org/freedesktop/DBus --method "
+                                "org.freedesktop.DBus.GetConnectionUnixProcessID org.freedesktop.secrets");
     // "(uint32 1234,)"
-    const auto begin = answer.find(' ') + 1;
-    return answer.substr(begin, answer.find(',') - begin);
+    const auto begin = reply.find(' ') + 1;
+    return reply.substr(begin, reply.find(',') - begin);
 }
 
 TEST(SecretServiceAbsent, ABusWithoutTheServiceDoesNotOfferIt) {
@@ -189,7 +189,7 @@ TEST(SecretServiceLocked, ALockedCollectionIsLockedAndNotEmpty) {
 }
 
 // Later than the test above, in the same session.
-TEST(SecretServiceLocked, AServiceThatDoesNotAnswerIsUnavailableInTime) {
+TEST(SecretServiceLocked, AServiceThatDoesNotReplyIsUnavailableInTime) {
     const auto process = keyringProcess();
     ASSERT_EQ(kill(std::stoi(process), SIGSTOP), 0);
     SecretServiceKeyChainStore store("zelto", std::chrono::milliseconds(300));

@@ -10,7 +10,7 @@
 
 namespace zelto {
 
-// Answers as Asana does. Every workspace has the same users and projects.
+// Responds as Asana does. Every workspace has the same users and projects.
 class AsanaService {
   public:
     Replaceable<std::string> user{R"({"data":{"gid":"u1","name":"Me","email":"me@example.org"}})"};
@@ -49,7 +49,7 @@ class AsanaService {
 
 using AsanaServer = ServiceServer<AsanaService>;
 
-// The workspace that the service tells of.
+// The workspace that the service lists.
 inline AsanaWorkspace asanaWorkspace() {
     return {.id = "w1",
             .name = "Work",

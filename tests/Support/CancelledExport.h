@@ -122,7 +122,7 @@ template <class Export, class Server> class CancelledExport {
     Export one_;
 };
 
-// Cancels the export at each of its events: it ends once, sends nothing more, and tells what it has made.
+// Cancels the export at each of its events: it ends once, sends nothing more, and reports what it has made.
 template <class Export, class Server>
 void expectOneEndAtEachCancellation(const std::function<void(Export&)>& prepare) {
     Server service;
@@ -142,7 +142,7 @@ void expectOneEndAtEachCancellation(const std::function<void(Export&)>& prepare)
             EXPECT_TRUE(*outcome.result);
         }
         EXPECT_EQ(std::ssize(outcome.lines), std::count(events.begin(), events.begin() + at + 1, "request"));
-        // What was answered is told as made; what was cut off, as not known.
+        // What has a response is reported as made; what was cut off, as not known.
         EXPECT_EQ(outcome.report.made.size() + outcome.report.refused.size(), outcome.made.size());
         EXPECT_EQ(outcome.report.refused.size(), event == "request" ? 1U : 0U);
         EXPECT_EQ(std::count(outcome.events.begin(), outcome.events.end(), "analytics"), 1);

@@ -16,27 +16,27 @@
 
 namespace zelto {
 
-// Which request of an export gets a failing answer, and what the export comes to.
+// Which request of an export gets a failing response, and what the export comes to.
 struct FailingStep {
     std::string part; // of its line or body
     IntegrationExportError error;
     std::string warning;               // before the name of the request's error
-    std::vector<std::string> requests; // as made() of the server tells them
+    std::vector<std::string> requests; // as made() of the server gives them
     std::size_t madeCount;             // of these
 };
 
-// Exports once for each step and answer: the failure is logged, reported and told to the host once. An export
-// is made ready by the function.
+// Exports once for each step and response: the failure is logged, reported and given to the host once. An
+// export is made ready by the function.
 template <class Export, class Server>
-void expectFailuresAt(std::span<const FailingStep> steps, std::span<const FailingResponse> answers,
+void expectFailuresAt(std::span<const FailingStep> steps, std::span<const FailingResponse> responses,
                       const std::function<void(Export&)>& prepare) {
     for (const auto& step : steps) {
-        for (const auto& failing : answers) {
+        for (const auto& failing : responses) {
             SCOPED_TRACE(step.part + " " + failing.name);
             Export one;
             prepare(one);
             Server service;
-            service.respondTo(step.part, failing.answer);
+            service.respondTo(step.part, failing.response);
             const LogCapture log;
             const auto result = one.run();
             ASSERT_FALSE(result);

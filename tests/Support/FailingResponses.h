@@ -10,7 +10,7 @@ namespace zelto {
 // A response that fails a request, and the name of the ServiceClientError that the request ends with.
 struct FailingResponse {
     std::string name;
-    PlayedResponse answer;
+    PlayedResponse response;
     std::string error;
 };
 

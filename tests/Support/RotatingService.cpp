@@ -2,7 +2,7 @@
 
 namespace zelto {
 
-PlayedResponse RotatingService::answer(const ReceivedRequest& request) {
+PlayedResponse RotatingService::respond(const ReceivedRequest& request) {
     const std::lock_guard guard(lock_);
     if (request.target.ends_with("/token")) {
         return refreshed(request.body);

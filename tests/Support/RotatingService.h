@@ -19,7 +19,7 @@ class RotatingService {
     // The name consists of letters.
     explicit RotatingService(std::string grant = {}) : grant_(std::move(grant)) {}
 
-    PlayedResponse answer(const ReceivedRequest& request);
+    PlayedResponse respond(const ReceivedRequest& request);
 
     // Its present tokens. The access token has expired, or has an hour left.
     ServiceAccountCredentials expiredCredentials(const std::string& accountIdentifier) const;

@@ -36,11 +36,11 @@ template <PlayedService Service> class ServiceServer : public Service {
     Replaceable<Handler> onRequest;
 
     // Requests whose line or body contains the part get this response, instead of what onRequest was before.
-    void respondTo(const std::string& part, const PlayedResponse& answer) {
-        onRequest = [part, answer](const ReceivedRequest& request) {
+    void respondTo(const std::string& part, const PlayedResponse& response) {
+        onRequest = [part, response](const ReceivedRequest& request) {
             const bool isMeant = request.target.find(part) != std::string::npos ||
                                  request.body.find(part) != std::string::npos;
-            return isMeant ? std::optional(answer) : std::nullopt;
+            return isMeant ? std::optional(response) : std::nullopt;
         };
     }
 
@@ -77,7 +77,7 @@ template <PlayedService Service> class ServiceServer : public Service {
     }
 
   private:
-    PlayedResponse answer(const ReceivedRequest& request) const {
+    PlayedResponse respond(const ReceivedRequest& request) const {
         if (const auto handler = onRequest.get(); *handler) {
             if (auto own = (*handler)(request)) {
                 return *std::move(own);
@@ -88,7 +88,7 @@ template <PlayedService Service> class ServiceServer : public Service {
 
   public:
     // Behind what it uses: no request comes before the rest is there, or after it is gone.
-    TestHTTPServer server{[this](const ReceivedRequest& request) { return answer(request); }};
+    TestHTTPServer server{[this](const ReceivedRequest& request) { return respond(request); }};
 
   private:
     const ServiceRoute route_{server};

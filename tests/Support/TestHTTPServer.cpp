@@ -213,7 +213,7 @@ class Playlist {
   public:
     explicit Playlist(std::vector<PlayedResponse> responses) : responses_(std::move(responses)) {}
 
-    ~Playlist() { EXPECT_EQ(next_, responses_.size()) << "answers that nobody asked for"; }
+    ~Playlist() { EXPECT_EQ(next_, responses_.size()) << "responses that no request came for"; }
 
     PlayedResponse next(const ReceivedRequest& request) {
         const std::lock_guard guard(lock_);

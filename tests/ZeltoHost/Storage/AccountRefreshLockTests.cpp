@@ -184,7 +184,7 @@ TEST(AccountRefreshLock, LetsEightProcessesRefreshOnceInSum) {
         return;
     }
     RotatingService service;
-    const TestHTTPServer server([&](const ReceivedRequest& request) { return service.answer(request); });
+    const TestHTTPServer server([&](const ReceivedRequest& request) { return service.respond(request); });
     const TemporaryFolder folder;
     const auto directory = std::filesystem::path(folder / "data");
     constexpr int rounds = 5;
@@ -211,7 +211,7 @@ TEST(AccountRefreshLock, AProcessKilledAtAnyStepLosesTheAccountOnlyBetweenTheRes
     for (int step = 0; step <= lastStep; ++step) {
         SCOPED_TRACE("step " + std::to_string(step));
         RotatingService service;
-        const TestHTTPServer server([&](const ReceivedRequest& request) { return service.answer(request); });
+        const TestHTTPServer server([&](const ReceivedRequest& request) { return service.respond(request); });
         const TemporaryFolder folder;
         const auto directory = std::filesystem::path(folder / "data");
         storeStaleAccount(directory, service);

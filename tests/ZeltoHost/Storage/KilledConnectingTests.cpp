@@ -55,11 +55,11 @@ constexpr auto bobsSignIn = "bobs";
 // A service at which several sign-ins have been made.
 class SignInService {
   public:
-    PlayedResponse answer(const ReceivedRequest& request) {
+    PlayedResponse respond(const ReceivedRequest& request) {
         const auto access = request.headers.value("Authorization").value_or("");
         for (auto& [signIn, service] : signIns_) {
             if (access.contains("access-" + signIn) || request.body.contains("refresh%2D" + signIn)) {
-                auto response = service.answer(request);
+                auto response = service.respond(request);
                 return response.body == "{}" && response.status == 200 ? userOf(signIn) : response;
             }
         }
@@ -353,7 +353,8 @@ class Machine {
     const Path directory_ = Path(folder_ / "data");
     const InstalledKeyChain keyChain_{std::make_shared<FileKeyChainStore>(keyChainFile(directory_))};
     SignInService service_;
-    const TestHTTPServer server_{[this](const ReceivedRequest& request) { return service_.answer(request); }};
+    const TestHTTPServer server_{
+        [this](const ReceivedRequest& request) { return service_.respond(request); }};
     const ServiceRoute route_{server_};
 };
 

@@ -35,7 +35,7 @@ TEST(AsanaExportCancellation, AtEachEventEndsOnceAndSendsNothingMore) {
     expectOneEndAtEachCancellation<AsanaExport, AsanaServer>(attachOne);
 }
 
-TEST(AsanaExportCancellation, CutsOffARequestThatIsNeverAnswered) {
+TEST(AsanaExportCancellation, CutsOffARequestThatGetsNoResponse) {
     AsanaExport one;
     Event release;
     Event received;
@@ -54,7 +54,7 @@ TEST(AsanaExportCancellation, CutsOffARequestThatIsNeverAnswered) {
     release.set();
 }
 
-TEST(AsanaExportCancellation, DoesNotWaitForAHostThatNeverAnswers) {
+TEST(AsanaExportCancellation, DoesNotWaitForAHostThatNeverCallsBack) {
     AsanaExport one;
     AsanaServer service;
     Callback<bool> kept;
@@ -75,7 +75,7 @@ TEST(AsanaExportCancellation, DoesNotWaitForAHostThatNeverAnswers) {
     EXPECT_EQ(completed.value().error(), Error::canceled);
     EXPECT_EQ(one.exporter()->exportReport(), ExportReport());
 
-    // An answer that comes in the end changes nothing.
+    // A late callback changes nothing.
     kept(true);
     const std::weak_ptr<AsanaExporter> exporter = one.exporter();
     one.releaseExporter();

@@ -125,12 +125,12 @@ TEST_F(AsanaExporterTest, EachRequestThatFailsEndsTheLoadingAndNothingIsStored) 
         "GET /api/1.0/users/me", "GET /api/1.0/workspaces", "GET /api/1.0/workspaces/w1/users",
         "GET /api/1.0/workspaces/w1/projects?opt_fields=id,name,archived,public&limit=100",
         "GET /api/1.0/workspaces/w1/projects?opt_fields=id,name,archived,public&limit=100&offset=o"};
-    for (const auto answers : {failingResponses(), unreadableResponses()}) {
-        for (const auto& failing : answers) {
+    for (const auto responses : {failingResponses(), unreadableResponses()}) {
+        for (const auto& failing : responses) {
             for (auto last = lines.begin(); last != lines.end(); ++last) {
                 SCOPED_TRACE(*last + " " + failing.name);
                 service.onRequest = [line = *last,
-                                     response = failing.answer](const ReceivedRequest& request) {
+                                     response = failing.response](const ReceivedRequest& request) {
                     const bool isMeant = request.method + " " + request.target == line;
                     return isMeant ? std::optional(response) : std::nullopt;
                 };

@@ -80,7 +80,7 @@ class SlowServer {
     static std::string fileAt(const std::string& path) { return path + std::string(1000 - path.size(), 'x'); }
 
   private:
-    PlayedResponse answer(const ReceivedRequest& request) {
+    PlayedResponse respond(const ReceivedRequest& request) {
         const auto file = fileAt(request.target);
         return {.raw = okHead + file.substr(0, 100),
                 .stream = [this, left = file.substr(100)](const auto& send) {
@@ -90,7 +90,7 @@ class SlowServer {
     }
 
     Event gate_;
-    TestHTTPServer server_{[this](const ReceivedRequest& request) { return answer(request); }};
+    TestHTTPServer server_{[this](const ReceivedRequest& request) { return respond(request); }};
 };
 
 // One download from a slow server, of which the first bytes have come.
@@ -141,7 +141,7 @@ class FileSizeLimit {
 TEST(Download, BringsAFileByteForByte) {
     for (const std::size_t size : {std::size_t{0}, std::size_t{1}, std::size_t{5} << 20}) {
         const auto content = bytesOf(size);
-        const TestHTTPServer server(Answers{{.body = content}});
+        const TestHTTPServer server(Responses{{.body = content}});
         const ServiceRoute route(server);
         const TemporaryFolder folder;
         auto client = signedIn();
@@ -162,7 +162,7 @@ TEST(Download, BringsAFileByteForByte) {
 
 TEST(Download, HasNoLimitButTheDisk) {
     const auto content = bytesOf(300'000);
-    const TestHTTPServer server(Answers{{.body = content}, {.body = content}});
+    const TestHTTPServer server(Responses{{.body = content}, {.body = content}});
     const auto before = URLSessionConfiguration::ephemeral();
     auto small = before;
     small.maximumResponseSize = 100'000;
@@ -179,7 +179,7 @@ TEST(Download, HasNoLimitButTheDisk) {
 }
 
 TEST(Download, LeavesFilesThatAreThereAndTakesANumberedName) {
-    const TestHTTPServer server(Answers{{.body = "new"}});
+    const TestHTTPServer server(Responses{{.body = "new"}});
     const ServiceRoute route(server);
     const TemporaryFolder folder;
     folder.write("report.pdf", "old");
@@ -193,7 +193,7 @@ TEST(Download, LeavesFilesThatAreThereAndTakesANumberedName) {
 }
 
 TEST(Download, TakesItsGoalBesideAPartThatAnotherProcessHasLeft) {
-    const TestHTTPServer server(Answers{{.body = "new"}});
+    const TestHTTPServer server(Responses{{.body = "new"}});
     const ServiceRoute route(server);
     const TemporaryFolder folder;
     folder.write("report.pdf.part", "cut");
@@ -222,7 +222,7 @@ TEST(Download, TwoFilesOfOneNameBothArrive) {
 }
 
 TEST(Download, FollowsNoSymbolicLinkThatWasPlanted) {
-    const TestHTTPServer server(Answers{{.body = "new"}});
+    const TestHTTPServer server(Responses{{.body = "new"}});
     const ServiceRoute route(server);
     const TemporaryFolder folder;
     const TemporaryFolder outside;
@@ -266,7 +266,7 @@ TEST(Download, ThatBreaksOffIsAConnectionErrorAndLeavesNothing) {
 }
 
 TEST(Download, IsRepeatedBehindARefreshOfTheToken) {
-    const TestHTTPServer server(Answers{
+    const TestHTTPServer server(Responses{
         {.status = 401, .body = std::string(3 << 20, 'x'), .closes = true}, freshToken(), {.body = "ok"}});
     const ServiceRoute route(server);
     const TemporaryFolder folder;
@@ -280,7 +280,7 @@ TEST(Download, IsRepeatedBehindARefreshOfTheToken) {
 }
 
 TEST(Download, HasNoThirdTry) {
-    const TestHTTPServer server(Answers{{.status = 401}, freshToken(), {.status = 401}});
+    const TestHTTPServer server(Responses{{.status = 401}, freshToken(), {.status = 401}});
     const ServiceRoute route(server);
     const TemporaryFolder folder;
     ServiceClient client(std::make_shared<FakeAuthoriser>("old-token"), {});
@@ -289,8 +289,8 @@ TEST(Download, HasNoThirdTry) {
 }
 
 TEST(Download, ThatIsRefusedEndsWithTheErrorAndTheWordsOfTheService) {
-    const TestHTTPServer server(Answers{PlayedResponse::json(R"({"message":"No such file."})", 404),
-                                        {.status = 403, .body = std::string(3 << 20, 'x')}});
+    const TestHTTPServer server(Responses{PlayedResponse::json(R"({"message":"No such file."})", 404),
+                                          {.status = 403, .body = std::string(3 << 20, 'x')}});
     const ServiceRoute route(server);
     const TemporaryFolder folder;
     auto client = signedIn();
@@ -309,7 +309,7 @@ TEST(Download, IsDecodedAsItsEncodingSays) {
         "\000\045\355\130\175\340\001\000\000",
         49);
     const TestHTTPServer server(
-        Answers{{.body = std::string(packed), .fields = {{"Content-Encoding", "gzip"}}}});
+        Responses{{.body = std::string(packed), .fields = {{"Content-Encoding", "gzip"}}}});
     const ServiceRoute route(server);
     const TemporaryFolder folder;
     auto client = signedIn();
@@ -342,7 +342,7 @@ TEST(Download, ThatIsCancelledAmidEndsOnceAndLeavesNothing) {
 }
 
 TEST(Download, OfAClosedClientIsNotSent) {
-    const TestHTTPServer server(Answers{});
+    const TestHTTPServer server(Responses{});
     const ServiceRoute route(server);
     const TemporaryFolder folder;
     auto client = signedIn();
@@ -364,7 +364,7 @@ TEST(Download, GoesOnWhenItsClientIsReleased) {
 }
 
 TEST(Download, ThatCannotBeWrittenNamesTheFileAndLeavesNothing) {
-    const TestHTTPServer server(Answers{{.body = std::string(1'000'000, 'x'), .closes = true}});
+    const TestHTTPServer server(Responses{{.body = std::string(1'000'000, 'x'), .closes = true}});
     const ServiceRoute route(server);
     const TemporaryFolder folder;
     auto client = signedIn();
@@ -385,7 +385,7 @@ TEST(Download, ThatCannotBeWrittenNamesTheFileAndLeavesNothing) {
 }
 
 TEST(Download, IntoAFolderThatIsNotThereSaysSo) {
-    const TestHTTPServer server(Answers{{.body = "ok"}});
+    const TestHTTPServer server(Responses{{.body = "ok"}});
     const ServiceRoute route(server);
     const TemporaryFolder folder;
     auto client = signedIn();
@@ -423,7 +423,7 @@ TEST(Download, WithoutARequestIsAnInternalError) {
 }
 
 TEST(Download, WithoutANameIsRefusedBeforeAnythingIsWritten) {
-    const TestHTTPServer server(Answers{{.body = "ok"}});
+    const TestHTTPServer server(Responses{{.body = "ok"}});
     const ServiceRoute route(server);
     const TemporaryFolder folder;
     auto client = signedIn();

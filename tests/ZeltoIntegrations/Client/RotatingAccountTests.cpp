@@ -97,7 +97,7 @@ class RotatingAccount : public testing::Test {
 
     const MemoryKeyChain keyChain;
     RotatingService service;
-    const TestHTTPServer server{[this](const ReceivedRequest& request) { return service.answer(request); }};
+    const TestHTTPServer server{[this](const ReceivedRequest& request) { return service.respond(request); }};
     const ServiceRoute route{server};
 };
 
@@ -398,7 +398,7 @@ TEST(TokenRefreshes, ThatWereSentAreWaitedForAtTheEndAndNoneIsSentAfterIt) {
         const TestHTTPServer server([&](const ReceivedRequest& request) {
             arrived.set();
             gate.wait();
-            return service.answer(request);
+            return service.respond(request);
         });
         const ServiceRoute route(server);
         ServiceClient client(std::make_shared<ZoomAuthoriser>(service.expiredCredentials(identifier)), {});

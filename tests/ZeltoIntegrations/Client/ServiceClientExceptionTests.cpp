@@ -70,7 +70,7 @@ TEST(ServiceClientException, OfAnAuthoriserIsAnInternalErrorToEachRequestAndTheN
 
 TEST(ServiceClientException, WhileARefreshIsTakenInLeavesTheErrorThatItEndedWith) {
     const ContainedExceptions contained;
-    const TestHTTPServer server(Answers{{.status = 503}});
+    const TestHTTPServer server(Responses{{.status = 503}});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<ThrowingAuthoriser>(ThrowingAuthoriser::updating), {});
     EXPECT_EQ(performed(client, itemRequest()), failure(E::serviceInternalError));
@@ -78,7 +78,7 @@ TEST(ServiceClientException, WhileARefreshIsTakenInLeavesTheErrorThatItEndedWith
 
 TEST(ServiceClientException, OfACompletionDoesNotKeepTheTargetOperationWaiting) {
     const ContainedExceptions contained;
-    const TestHTTPServer server(Answers{{.body = "ok"}});
+    const TestHTTPServer server(Responses{{.body = "ok"}});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
     Completed<bool> begun;

@@ -12,7 +12,7 @@
 
 namespace zelto {
 
-using Answers = std::vector<PlayedResponse>;
+using Responses = std::vector<PlayedResponse>;
 
 inline URLRequest itemRequest(std::string method = "GET", const std::string& path = "/items") {
     return URLRequest(*URL::parse("https://api.example" + path), std::move(method));

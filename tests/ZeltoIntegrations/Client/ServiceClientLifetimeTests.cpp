@@ -45,7 +45,7 @@ class HeldServer {
     void waitForRequest() { arrival_.value(); }
 
   private:
-    PlayedResponse answer(const ReceivedRequest& request) {
+    PlayedResponse respond(const ReceivedRequest& request) {
         if (!hasArrived_.exchange(true)) {
             arrived_(true);
         }
@@ -57,7 +57,7 @@ class HeldServer {
     std::atomic<bool> hasArrived_ = false;
     Completed<bool> arrival_;
     Callback<bool> arrived_ = arrival_.callback<Callback<bool>>();
-    TestHTTPServer server_{[this](const ReceivedRequest& request) { return answer(request); }};
+    TestHTTPServer server_{[this](const ReceivedRequest& request) { return respond(request); }};
 };
 
 } // namespace
@@ -142,7 +142,7 @@ TEST(ServiceClientLifetime, CancellingOneRequestLeavesTheOthers) {
 }
 
 TEST(ServiceClientLifetime, ACancelledClientSendsNewRequests) {
-    const TestHTTPServer server(Answers{{.body = "ok"}});
+    const TestHTTPServer server(Responses{{.body = "ok"}});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
     client.cancelAllOperations();
@@ -150,7 +150,7 @@ TEST(ServiceClientLifetime, ACancelledClientSendsNewRequests) {
 }
 
 TEST(ServiceClientLifetime, ARequestThatIsCancelledIsNotRepeated) {
-    const TestHTTPServer server(Answers{});
+    const TestHTTPServer server(Responses{});
     const ServiceRoute route(server);
     const auto authoriser = std::make_shared<CancellingAuthoriser>();
     ServiceClient client(authoriser, {});
@@ -221,7 +221,7 @@ TEST(ServiceClientLifetime, ReleasingTheClientAtAnyMomentLeavesNothing) {
 }
 
 TEST(ServiceClientLifetime, AClientMayBeReleasedInItsOwnCompletion) {
-    const TestHTTPServer server(Answers{{.body = "ok"}});
+    const TestHTTPServer server(Responses{{.body = "ok"}});
     const ServiceRoute route(server);
     auto client = std::make_shared<ServiceClient>(std::make_shared<FakeAuthoriser>(), JSONDecoder());
     Completed<bool> done;

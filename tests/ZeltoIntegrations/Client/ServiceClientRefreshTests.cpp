@@ -36,7 +36,7 @@ class TokenServer {
     int requestCount() const { return requests_; }
 
   private:
-    PlayedResponse answer(const ReceivedRequest& request) {
+    PlayedResponse respond(const ReceivedRequest& request) {
         if (isRefresh(request)) {
             ++refreshes_;
             refreshGate_.wait();
@@ -51,7 +51,7 @@ class TokenServer {
     Event refreshGate_;
     std::atomic<int> refreshes_ = 0;
     std::atomic<int> requests_ = 0;
-    TestHTTPServer server_{[this](const ReceivedRequest& request) { return answer(request); }};
+    TestHTTPServer server_{[this](const ReceivedRequest& request) { return respond(request); }};
 };
 
 ServiceAccountCredentials zoomCredentials(std::optional<Date> expiration) {
@@ -65,7 +65,7 @@ ServiceAccountCredentials zoomCredentials(std::optional<Date> expiration) {
 } // namespace
 
 TEST(ServiceClientRefresh, ARequestThatTheServiceRefusesIsRepeatedBehindARefresh) {
-    const TestHTTPServer server(Answers{{.status = 401}, freshToken(), {.body = "ok"}});
+    const TestHTTPServer server(Responses{{.status = 401}, freshToken(), {.body = "ok"}});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<FakeAuthoriser>("old-token"), {});
     EXPECT_EQ(performed(client, itemRequest()), "ok");
@@ -73,7 +73,7 @@ TEST(ServiceClientRefresh, ARequestThatTheServiceRefusesIsRepeatedBehindARefresh
 }
 
 TEST(ServiceClientRefresh, AStaleTokenIsRefreshedBeforeAnythingIsSent) {
-    const TestHTTPServer server(Answers{freshToken(), {.body = "ok"}});
+    const TestHTTPServer server(Responses{freshToken(), {.body = "ok"}});
     const ServiceRoute route(server);
     ServiceClient client(FakeAuthoriser::stale(), {});
     EXPECT_EQ(performed(client, itemRequest()), "ok");
@@ -81,14 +81,14 @@ TEST(ServiceClientRefresh, AStaleTokenIsRefreshedBeforeAnythingIsSent) {
 }
 
 TEST(ServiceClientRefresh, ThereIsNoThirdTry) {
-    const TestHTTPServer server(Answers{{.status = 401}, freshToken(), {.status = 401}});
+    const TestHTTPServer server(Responses{{.status = 401}, freshToken(), {.status = 401}});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<FakeAuthoriser>("old-token"), {});
     EXPECT_EQ(performed(client, itemRequest()), failure(E::authorizationError));
 }
 
 TEST(ServiceClientRefresh, ATokenThatIsStaleAfterItsRefreshIsAnAuthorizationError) {
-    const TestHTTPServer server(Answers{freshToken()});
+    const TestHTTPServer server(Responses{freshToken()});
     const ServiceRoute route(server);
     const auto authoriser = FakeAuthoriser::stale();
     authoriser->setStaysStale();
@@ -97,7 +97,7 @@ TEST(ServiceClientRefresh, ATokenThatIsStaleAfterItsRefreshIsAnAuthorizationErro
 }
 
 TEST(ServiceClientRefresh, ARefusalByAServiceWithoutRefreshEndsAsOAuthError) {
-    const TestHTTPServer server(Answers{{.status = 401}});
+    const TestHTTPServer server(Responses{{.status = 401}});
     const ServiceRoute route(server);
     const auto authoriser = std::make_shared<FakeAuthoriser>();
     authoriser->setRefreshRequest(std::nullopt);
@@ -107,14 +107,14 @@ TEST(ServiceClientRefresh, ARefusalByAServiceWithoutRefreshEndsAsOAuthError) {
 }
 
 TEST(ServiceClientRefresh, TheErrorOfTheRefreshComesBeforeAllOtherChecks) {
-    const TestHTTPServer server(Answers{{.status = 503}});
+    const TestHTTPServer server(Responses{{.status = 503}});
     const ServiceRoute route(server);
     ServiceClient client(FakeAuthoriser::stale(), {});
     EXPECT_EQ(performed(client, itemRequest()), failure(E::serviceInternalError));
 }
 
 TEST(ServiceClientRefresh, TheOutcomeIsTakenInOnce) {
-    const TestHTTPServer server(Answers{{.status = 401}, freshToken(), {}});
+    const TestHTTPServer server(Responses{{.status = 401}, freshToken(), {}});
     const ServiceRoute route(server);
     const auto authoriser = std::make_shared<FakeAuthoriser>("old-token");
     ServiceClient client(authoriser, {});
@@ -125,14 +125,14 @@ TEST(ServiceClientRefresh, TheOutcomeIsTakenInOnce) {
 }
 
 TEST(ServiceClientRefresh, AfterARefreshTheNextRefusalMakesANewOne) {
-    const TestHTTPServer server(Answers{{.status = 401},
-                                        freshToken(),
-                                        {},
-                                        {.status = 401},
-                                        freshToken(),
-                                        {},
-                                        {.status = 401},
-                                        {.status = 500}});
+    const TestHTTPServer server(Responses{{.status = 401},
+                                          freshToken(),
+                                          {},
+                                          {.status = 401},
+                                          freshToken(),
+                                          {},
+                                          {.status = 401},
+                                          {.status = 500}});
     const ServiceRoute route(server);
     const auto authoriser = std::make_shared<FakeAuthoriser>("old-token");
     ServiceClient client(authoriser, {});
@@ -143,7 +143,7 @@ TEST(ServiceClientRefresh, AfterARefreshTheNextRefusalMakesANewOne) {
 }
 
 TEST(ServiceClientRefresh, AfterARefreshThatFailedTheNextStaleRequestTriesAgain) {
-    const TestHTTPServer server(Answers{PlayedResponse::reset(), freshToken(), {.body = "ok"}});
+    const TestHTTPServer server(Responses{PlayedResponse::reset(), freshToken(), {.body = "ok"}});
     const ServiceRoute route(server);
     ServiceClient client(FakeAuthoriser::stale(), {});
     EXPECT_EQ(performed(client, itemRequest()), failure(E::connectionError));
@@ -267,7 +267,7 @@ TEST(ServiceClientRefresh, ThatNeverEndsIsGivenToEachWaitingRequestOnce) {
 }
 
 TEST(ServiceClientRefresh, ThatCannotBeAskedForIsGivenToEachWaitingRequestOnce) {
-    const TestHTTPServer server(Answers{});
+    const TestHTTPServer server(Responses{});
     const ServiceRoute route(server);
     const auto authoriser = FakeAuthoriser::stale();
     authoriser->setRefreshRequest(std::nullopt);
@@ -279,7 +279,7 @@ TEST(ServiceClientRefresh, ThatCannotBeAskedForIsGivenToEachWaitingRequestOnce) 
 TEST(ServiceClientRefresh, ReachesTheKeyChain) {
     const MemoryKeyChain keyChain;
     const ClockOverride clock(Date::fromReferenceSeconds(1000));
-    const TestHTTPServer server(Answers{
+    const TestHTTPServer server(Responses{
         PlayedResponse::json(R"({"access_token":"new-token","refresh_token":"refresh-2","expires_in":3600})"),
         {}});
     const ServiceRoute route(server);
@@ -291,7 +291,7 @@ TEST(ServiceClientRefresh, ReachesTheKeyChain) {
 
 TEST(ServiceClientRefresh, AnInvalidGrantSignsTheAccountOut) {
     const MemoryKeyChain keyChain;
-    const TestHTTPServer server(Answers{PlayedResponse::json(R"({"error":"invalid_grant"})", 400)});
+    const TestHTTPServer server(Responses{PlayedResponse::json(R"({"error":"invalid_grant"})", 400)});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<ZoomAuthoriser>(zoomCredentials(std::nullopt)), {});
     EXPECT_EQ(performed(client, itemRequest()), failure(E::authorizationError));
@@ -301,7 +301,7 @@ TEST(ServiceClientRefresh, AnInvalidGrantSignsTheAccountOut) {
 
 TEST(ServiceClientRefresh, ARefusalByASlackWorkspaceEndsAsOAuthErrorAndKeepsTheToken) {
     const MemoryKeyChain keyChain;
-    const TestHTTPServer server(Answers{{.status = 401}});
+    const TestHTTPServer server(Responses{{.status = 401}});
     const ServiceRoute route(server);
     auto credentials = ServiceAccountCredentials::forIdentifier("Slack+alice");
     credentials.accessToken = "xoxp-1";
@@ -341,7 +341,7 @@ TEST(ServiceClientRefresh, AClockThatIsOffOrJumpsCostsOneRefreshAtMost) {
 TEST(ServiceClientRefresh, LogsNoSecret) {
     const MemoryKeyChain keyChain;
     const TestHTTPServer server(
-        Answers{{.status = 400, .body = "you sent refresh-token-canary of client " + std::string("x")}});
+        Responses{{.status = 400, .body = "you sent refresh-token-canary of client " + std::string("x")}});
     const ServiceRoute route(server);
     auto credentials = zoomCredentials(std::nullopt);
     credentials.accessToken = "access-token-canary";

@@ -21,7 +21,7 @@ using Texts = std::vector<std::string>;
 } // namespace
 
 TEST(ServiceClient, SendsTheSignedRequestAndGivesTheResponse) {
-    const TestHTTPServer server(Answers{PlayedResponse::json(R"({"error":"just a field"})")});
+    const TestHTTPServer server(Responses{PlayedResponse::json(R"({"error":"just a field"})")});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
     Completed<ServiceResult<OAuthErrorBody>> end;
@@ -49,7 +49,7 @@ TEST(ServiceClient, SendsFiveMethods) {
 }
 
 TEST(ServiceClient, RefusesEveryOtherMethodUnsent) {
-    const TestHTTPServer server(Answers{});
+    const TestHTTPServer server(Responses{});
     const ServiceRoute route(server);
     const auto authoriser = FakeAuthoriser::stale();
     ServiceClient client(authoriser, {});
@@ -60,14 +60,14 @@ TEST(ServiceClient, RefusesEveryOtherMethodUnsent) {
 }
 
 TEST(ServiceClient, SendsNothingWithoutACredential) {
-    const TestHTTPServer server(Answers{});
+    const TestHTTPServer server(Responses{});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<FakeAuthoriser>(std::nullopt), {});
     EXPECT_EQ(performed(client, itemRequest()), failure(E::oauthError));
 }
 
 TEST(ServiceClient, SendsNoCredentialThatWouldBreakItsHeader) {
-    const TestHTTPServer server(Answers{});
+    const TestHTTPServer server(Responses{});
     const ServiceRoute route(server);
     for (const auto& token : {std::string("a\r\nX-Evil: 1"), std::string("a\n"), std::string("a\0b", 3)}) {
         ServiceClient client(std::make_shared<FakeAuthoriser>(token), {});
@@ -77,7 +77,7 @@ TEST(ServiceClient, SendsNoCredentialThatWouldBreakItsHeader) {
 
 TEST(ServiceClient, GivesTheResponseAsTheTypeThatIsAskedFor) {
     const TestHTTPServer server(
-        Answers{{.body = "\xff"}, {.body = "\xff"}, {.status = 204}, {.body = ""}, {.body = "{}"}});
+        Responses{{.body = "\xff"}, {.body = "\xff"}, {.status = 204}, {.body = ""}, {.body = "{}"}});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
     EXPECT_EQ(performed<Data>(client, itemRequest()), dataOf("\xff"));
@@ -88,7 +88,7 @@ TEST(ServiceClient, GivesTheResponseAsTheTypeThatIsAskedFor) {
 }
 
 TEST(ServiceClient, DecodesWithItsOwnDecoder) {
-    const TestHTTPServer server(Answers{{.body = "\"2001-01-01T00:01:00Z\""}});
+    const TestHTTPServer server(Responses{{.body = "\"2001-01-01T00:01:00Z\""}});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<FakeAuthoriser>(), {.dateStrategy = DateStrategy::iso8601});
     EXPECT_EQ(performed<Date>(client, itemRequest()), Date::fromReferenceSeconds(60));
@@ -114,7 +114,7 @@ TEST(ServiceClient, GivesEveryOtherFailureAtOnce) {
         {PlayedResponse::bytes("HTTP/1.1 200 OK\r\nContent-Length: 10\r\n\r\ncut"), E::connectionError},
     };
     for (const auto& row : rows) {
-        const TestHTTPServer server(Answers{row.response});
+        const TestHTTPServer server(Responses{row.response});
         const ServiceRoute route(server);
         const auto authoriser = std::make_shared<FakeAuthoriser>();
         ServiceClient client(authoriser, {});
@@ -125,14 +125,14 @@ TEST(ServiceClient, GivesEveryOtherFailureAtOnce) {
 
 TEST(ServiceClient, AnInvalidGrantOfAnOrdinaryRequestIsRetriedAsA401) {
     const TestHTTPServer server(
-        Answers{PlayedResponse::json(R"({"error":"invalid_grant"})", 400), freshToken(), {.body = "ok"}});
+        Responses{PlayedResponse::json(R"({"error":"invalid_grant"})", 400), freshToken(), {.body = "ok"}});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
     EXPECT_EQ(performed(client, itemRequest()), "ok");
 }
 
 TEST(ServiceClient, LogsWhatTheServiceSaidWithoutTheToken) {
-    const TestHTTPServer server(Answers{{.status = 404, .body = "gone"}});
+    const TestHTTPServer server(Responses{{.status = 404, .body = "gone"}});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<FakeAuthoriser>("token-0123456789"), {});
     const LogCapture log;
@@ -168,7 +168,7 @@ TEST(ServiceClient, TheTargetOperationWaitsForTheResult) {
 
 TEST(ServiceClient, TheTargetOperationWaitsForTheSecondTryToo) {
     for (int round = 0; round < 50; ++round) {
-        const TestHTTPServer server(Answers{{.status = 401}, freshToken(), {.body = "ok"}});
+        const TestHTTPServer server(Responses{{.status = 401}, freshToken(), {.body = "ok"}});
         const ServiceRoute route(server);
         ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
         std::atomic<bool> isCompleted = false;

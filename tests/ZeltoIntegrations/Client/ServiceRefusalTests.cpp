@@ -107,14 +107,14 @@ TEST(ServiceWords, HoldNoSecret) {
 }
 
 TEST(ServiceRefusal, HoldsTheWordsOfTheResponseBeforeTheCompletion) {
-    const TestHTTPServer server(Answers{PlayedResponse::json(R"({"message":"no such board"})", 404)});
+    const TestHTTPServer server(Responses{PlayedResponse::json(R"({"message":"no such board"})", 404)});
     const ServiceRoute route(server);
     EXPECT_EQ(ObservedClient().refusalsOf(itemRequest()),
               (std::vector<ServiceRefusal>{{"no such board", false}}));
 }
 
 TEST(ServiceRefusal, IsNoneOfASuccessNorOfATryThatWasRepeated) {
-    const TestHTTPServer server(Answers{{.status = 401, .body = "expired"}, freshToken(), {.body = "ok"}});
+    const TestHTTPServer server(Responses{{.status = 401, .body = "expired"}, freshToken(), {.body = "ok"}});
     const ServiceRoute route(server);
     ObservedClient client(std::make_shared<FakeAuthoriser>("old-token"));
     EXPECT_TRUE(client.refusalsOf(itemRequest()).empty());
@@ -122,14 +122,14 @@ TEST(ServiceRefusal, IsNoneOfASuccessNorOfATryThatWasRepeated) {
 
 TEST(ServiceRefusal, OfARefreshIsThatOfEachRequestThatWaitedForIt) {
     const TestHTTPServer server(
-        Answers{PlayedResponse::json(R"({"error":"invalid_grant","error_description":"revoked"})", 400)});
+        Responses{PlayedResponse::json(R"({"error":"invalid_grant","error_description":"revoked"})", 400)});
     const ServiceRoute route(server);
     ObservedClient client(FakeAuthoriser::stale());
     EXPECT_EQ(client.refusalsOf(itemRequest()), (std::vector<ServiceRefusal>{{"revoked", true}}));
 }
 
 TEST(ServiceRefusal, OfAServiceWithoutARefreshKeepsTheFirstWords) {
-    const TestHTTPServer server(Answers{{.status = 401, .body = "invalid token"}});
+    const TestHTTPServer server(Responses{{.status = 401, .body = "invalid token"}});
     const ServiceRoute route(server);
     const auto authoriser = std::make_shared<FakeAuthoriser>();
     authoriser->setRefreshRequest(std::nullopt);
@@ -146,7 +146,7 @@ TEST(ServiceRefusal, KnowsWhetherAnythingWasSent) {
     EXPECT_EQ(of(PlayedResponse::reset()), (std::vector<ServiceRefusal>{{"", false}}));
     EXPECT_EQ(of(PlayedResponse::bytes("garbage")), (std::vector<ServiceRefusal>{{"", false}}));
     // Nobody listens there any more.
-    std::optional<TestHTTPServer> gone(std::in_place, Answers{});
+    std::optional<TestHTTPServer> gone(std::in_place, Responses{});
     const auto address = gone->url();
     gone.reset();
     const ServiceRoute route(address);
@@ -156,7 +156,7 @@ TEST(ServiceRefusal, KnowsWhetherAnythingWasSent) {
 }
 
 TEST(ServiceRefusal, OfARequestThatIsCancelledBeforeItIsSentSaysThatNothingWasSent) {
-    const TestHTTPServer server(Answers{});
+    const TestHTTPServer server(Responses{});
     const ServiceRoute route(server);
     const std::vector<ServiceRefusal> nothingSent = {{"", true}};
     ObservedClient closed;
@@ -180,7 +180,7 @@ TEST(ServiceRefusal, OfEachTransportErrorSaysWhetherAnythingWasSent) {
 }
 
 TEST(RequestMaker, IsCalledForEachTryWithTheTokenThatWillBeSent) {
-    const TestHTTPServer server(Answers{{.status = 401}, freshToken(), {.body = "ok"}});
+    const TestHTTPServer server(Responses{{.status = 401}, freshToken(), {.body = "ok"}});
     const ServiceRoute route(server);
     const auto authoriser = std::make_shared<FakeAuthoriser>("old-token");
     ServiceClient client(authoriser, {});
@@ -198,7 +198,7 @@ TEST(RequestMaker, IsCalledForEachTryWithTheTokenThatWillBeSent) {
 }
 
 TEST(RequestMaker, IsNotCalledBeforeARefreshOfAStaleTokenHasEnded) {
-    const TestHTTPServer server(Answers{freshToken(), {.body = "ok"}});
+    const TestHTTPServer server(Responses{freshToken(), {.body = "ok"}});
     const ServiceRoute route(server);
     const auto authoriser = FakeAuthoriser::stale();
     ServiceClient client(authoriser, {});
@@ -213,7 +213,7 @@ TEST(RequestMaker, IsNotCalledBeforeARefreshOfAStaleTokenHasEnded) {
 }
 
 TEST(RequestMaker, WithoutARequestIsAnInternalError) {
-    const TestHTTPServer server(Answers{});
+    const TestHTTPServer server(Responses{});
     const ServiceRoute route(server);
     ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
     Completed<ServiceResult<std::string>> end;

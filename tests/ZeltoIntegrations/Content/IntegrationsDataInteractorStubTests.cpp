@@ -4,7 +4,7 @@
 
 namespace zelto {
 
-TEST(IntegrationsDataInteractorStub, AnswersForAnEmptyMail) {
+TEST(IntegrationsDataInteractorStub, DescribesAnEmptyMail) {
     IntegrationsDataInteractorStub stub;
     EXPECT_EQ(stub.exportTarget(), IntegrationExportTarget::email);
     EXPECT_EQ(stub.addresses(), IntegrationsInteractorAddresses());

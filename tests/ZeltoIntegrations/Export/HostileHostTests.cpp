@@ -79,7 +79,7 @@ TEST_F(HostileHost, AnOpenerThatThrowsEndsTheExportOnce) {
     EXPECT_EQ(one.interactor->exportEvents().size(), 1u);
 }
 
-TEST_F(HostileHost, AnOpenerThatThrowsBehindItsAnswerDoesNotChangeIt) {
+TEST_F(HostileHost, AnOpenerThatThrowsAfterItsCallbackDoesNotChangeTheResult) {
     const ContainedExceptions contained;
     one.interactor->openURL = [](const URL&, Callback<bool> done) {
         done(true);

@@ -66,7 +66,7 @@ class RefreshedTokens : public testing::Test {
     RotatingService service;
     ServiceAccountConfiguration account{ServiceType::ZoomMeeting, "alice", true};
     const std::shared_ptr<FakeStorage> storage = std::make_shared<FakeStorage>();
-    const TestHTTPServer server{[this](const ReceivedRequest& request) { return service.answer(request); }};
+    const TestHTTPServer server{[this](const ReceivedRequest& request) { return service.respond(request); }};
     const ServiceRoute route{server};
 };
 

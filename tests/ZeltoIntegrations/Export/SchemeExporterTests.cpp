@@ -118,7 +118,7 @@ TYPED_TEST(SchemeExporterTest, APlatformThatDoesNotOpenGivesXUrlCallbackError) {
     EXPECT_EQ(this->one.interactor->exportEvents().at(0).exportError, "xUrlCallbackError");
 }
 
-TYPED_TEST(SchemeExporterTest, AnExportCancelledBeforeThePlatformAnswersIsCanceled) {
+TYPED_TEST(SchemeExporterTest, AnExportCancelledBeforeThePlatformCallsBackIsCanceled) {
     this->one.interactor->openURL = [this](const URL&, Callback<bool> done) {
         this->one.cancel();
         done(true);

@@ -128,7 +128,7 @@ TEST_F(TrelloClientTest, WithoutATokenNothingIsSent) {
     EXPECT_EQ(service.lines(), Texts{});
 }
 
-TEST_F(TrelloClientTest, AnAnswerWithoutTheIdIsNone) {
+TEST_F(TrelloClientTest, AResponseWithoutTheIdIsNotDecoded) {
     service.onRequest = [](const auto&) { return PlayedResponse::json("{}"); };
     EXPECT_EQ(addCard("n", "d", "l1").error(), Error::dataParseError);
     EXPECT_EQ(addAttachment(folder.write("a", "x"), "c1").error(), Error::dataParseError);

@@ -17,12 +17,12 @@ using Texts = std::vector<std::string>;
 using Error = IntegrationExportError;
 using Loaded = LoadResult<TrelloFullData>;
 
-// Tells when it is read, and answers when it is let.
+// Tells when it is read, and responds once it is released.
 class SlowKeyChain final : public LVXKeyChainStore {
   public:
     Result<std::optional<Data>, KeyChainError> read(const std::string&) override {
         asked.set();
-        answer.wait();
+        released.wait();
         return dataOf(R"({"accessToken":"token"})");
     }
 
@@ -31,7 +31,7 @@ class SlowKeyChain final : public LVXKeyChainStore {
     Result<bool, KeyChainError> erase(const std::string&) override { return true; }
 
     Event asked;
-    Event answer;
+    Event released;
 };
 
 std::ptrdiff_t entriesIn(const char* folder) {
@@ -89,14 +89,14 @@ TEST(TrelloExportCancellation, DoesNotWaitForTheKeyChainAndSendsNothingOnceItIsO
     keyChain->asked.wait();
     progress->cancel();
     EXPECT_EQ(completed.value().error(), Error::canceled);
-    keyChain->answer.set();
+    keyChain->released.set();
     const std::weak_ptr<TrelloExporter> exporter = one.exporter();
     one.releaseExporter();
     EXPECT_TRUE(isGone(exporter));
     EXPECT_EQ(service.lines(), Texts{});
 }
 
-TEST(TrelloExportCancellation, CutsOffARequestThatIsNeverAnswered) {
+TEST(TrelloExportCancellation, CutsOffARequestThatGetsNoResponse) {
     TrelloExport one;
     Event release;
     Event received;
@@ -115,7 +115,7 @@ TEST(TrelloExportCancellation, CutsOffARequestThatIsNeverAnswered) {
     release.set();
 }
 
-TEST(TrelloExportCancellation, DoesNotWaitForAHostThatNeverAnswers) {
+TEST(TrelloExportCancellation, DoesNotWaitForAHostThatNeverCallsBack) {
     TrelloExport one;
     TrelloServer service;
     Callback<bool> kept;
@@ -136,7 +136,7 @@ TEST(TrelloExportCancellation, DoesNotWaitForAHostThatNeverAnswers) {
     EXPECT_EQ(completed.value().error(), Error::canceled);
     EXPECT_EQ(one.exporter()->exportReport().made.size(), 1U);
 
-    // An answer that comes in the end changes nothing.
+    // A late callback changes nothing.
     kept(true);
     const std::weak_ptr<TrelloExporter> exporter = one.exporter();
     one.releaseExporter();

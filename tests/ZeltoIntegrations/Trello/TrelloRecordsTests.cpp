@@ -96,7 +96,7 @@ TEST(TrelloResponses, ABoardWithoutAnOpenListIsNotActive) {
                                                               {.id = "1", .lists = {{.id = "v"}}}}));
 }
 
-TEST(TrelloResponses, OnlyAnAnswerThatSaysAllThreeIsThatOfAFreeAccount) {
+TEST(TrelloResponses, OnlyAResponseWithAllThreeFieldsIsThatOfAFreeAccount) {
     EXPECT_EQ(userOf(R"({"email":"e","fullName":"f","avatarUrl":"a","idPremOrgsAdmin":[],"products":[]})"),
               (TrelloUser{.email = "e", .fullName = "f", .avatarUrl = "a", .isPremium = false}));
     EXPECT_FALSE(userOf(R"({"email":"e","idEnterprise":null,"idPremOrgsAdmin":[],"products":[]})").isPremium);
