@@ -7,12 +7,15 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace zelto {
 
 // Responds as Asana does. Every workspace has the same users and projects.
 class AsanaService {
   public:
+    static constexpr std::string_view tokenPath = "/-/oauth_token";
+
     Replaceable<std::string> user{R"({"data":{"gid":"u1","name":"Me","email":"me@example.org"}})"};
     Replaceable<std::string> workspaces{R"({"data":[{"gid":"w1","name":"Work"}]})"};
     Replaceable<std::string> users{R"({"data":[{"gid":"u1","name":"Me"},{"gid":"u2","name":"You"}]})"};
@@ -20,9 +23,6 @@ class AsanaService {
         R"({"data":[{"gid":"p1","name":"Plan","archived":false,"public":true}],"next_page":null})"};
 
     PlayedResponse usualResponse(const ReceivedRequest& request) const {
-        if (request.target == "/-/oauth_token") {
-            return PlayedResponse::json(R"({"access_token":"fresh","expires_in":3600})");
-        }
         if (request.method == "POST") {
             return isTask(request)
                        ? PlayedResponse::json(R"({"data":{"gid":"t1","resource_type":"task"}})", 201)
@@ -66,15 +66,6 @@ class AsanaExport : public NetworkExport<AsanaExporter> {
             .workspace = workspace, .project = workspace.projects.front(), .user = workspace.users.front()};
         configuration.userTitle = "Title";
         configuration.supportedContentTypes = {IntegrationExportContentType::pdf};
-    }
-
-    // The token "token" has expired, and "refresh-1" brings a new one.
-    void expireToken() {
-        auto secrets = *account.credentials;
-        secrets.accessToken = "token";
-        secrets.refreshToken = "refresh-1";
-        secrets.expirationDate = Date::fromReferenceSeconds(0);
-        ServiceCredentialsManager::store(secrets);
     }
 };
 

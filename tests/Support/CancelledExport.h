@@ -2,6 +2,7 @@
 
 #include <Support/Completed.h>
 #include <Support/Event.h>
+#include <Support/ExportScenario.h>
 
 #include <ZeltoIntegrations/Content/IntegrationError.h>
 #include <ZeltoIntegrations/Export/ExportProgress.h>
@@ -31,17 +32,15 @@ struct Cancelled {
 
 // Runs one export and cancels it at its n-th event, on the thread of the event. Events are "started", the
 // texts that the host is asked for, "convert", "request", "progress", "analytics", "storage", "completion"
-// and "ended". They are numbered from 0, "started"; one that never comes cancels nothing. The export is made
-// ready by the function.
-template <class Export, class Server> class CancelledExport {
+// and "ended". They are numbered from 0, "started"; one that never comes cancels nothing.
+template <ExportScenario Scenario> class CancelledExport {
   public:
-    using Prepare = std::function<void(Export&)>;
+    using Server = typename Scenario::Server;
     static constexpr std::size_t never = 1000;
 
-    CancelledExport(Server& service, const Prepare& prepare, std::size_t cancelledAt = never)
+    explicit CancelledExport(Server& service, std::size_t cancelledAt = never)
         : cancelledAt_(cancelledAt), service_(service), linesBefore_(std::ssize(service.lines())),
           madeBefore_(std::ssize(service.made())) {
-        prepare(one_);
         one_.data->onAsked = [this](const std::string& what) {
             started_.wait();
             happens(what);
@@ -100,11 +99,9 @@ template <class Export, class Server> class CancelledExport {
     }
 
     void expectNothingIsLeft() {
-        const std::weak_ptr exporter = one_.exporter();
         const std::weak_ptr progress = progress_;
-        one_.releaseExporter();
         progress_ = nullptr;
-        EXPECT_TRUE(isGone(exporter) && isGone(progress));
+        EXPECT_TRUE(one_.isGoneOnceReleased() && isGone(progress));
         EXPECT_TRUE(eventually([&] {
             return one_.data.use_count() == 1 && one_.interactor.use_count() == 1 &&
                    one_.storage.use_count() == 1;
@@ -119,21 +116,19 @@ template <class Export, class Server> class CancelledExport {
     Cancelled outcome_;
     Event started_;
     std::shared_ptr<ExportProgress> progress_;
-    Export one_;
+    Prepared<Scenario> one_;
 };
 
 // Cancels the export at each of its events: it ends once, sends nothing more, and reports what it has made.
-template <class Export, class Server>
-void expectOneEndAtEachCancellation(const std::function<void(Export&)>& prepare) {
-    Server service;
-    const auto events = CancelledExport<Export, Server>(service, prepare).run().events;
+template <ExportScenario Scenario> void expectOneEndAtEachCancellation() {
+    typename Scenario::Server service;
+    const auto events = CancelledExport<Scenario>(service).run().events;
     const auto lastProgress =
         std::find(events.rbegin(), events.rend(), "progress").base() - events.begin() - 1;
     for (std::ptrdiff_t at = 0; at < std::ssize(events); ++at) {
         const auto& event = events[static_cast<std::size_t>(at)];
         SCOPED_TRACE(std::to_string(at) + " " + event);
-        const auto outcome =
-            CancelledExport<Export, Server>(service, prepare, static_cast<std::size_t>(at)).run();
+        const auto outcome = CancelledExport<Scenario>(service, static_cast<std::size_t>(at)).run();
         EXPECT_EQ(outcome.completions, 1);
         if (at <= lastProgress) {
             ASSERT_FALSE(*outcome.result);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <Support/ExportScenario.h>
 #include <Support/FailingResponses.h>
 #include <Support/LogCapture.h>
 
@@ -8,8 +9,7 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <initializer_list>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -20,37 +20,38 @@ namespace zelto {
 struct FailingStep {
     std::string part; // of its line or body
     IntegrationExportError error;
-    std::string warning;               // before the name of the request's error
+    // Before the name of the request's error; `nullopt` where the service logs no failure.
+    std::optional<std::string> warning;
     std::vector<std::string> requests; // as made() of the server gives them
     std::size_t madeCount;             // of these
+    // Successful responses that fail it as well.
+    std::vector<FailingResponse> unreadable = {};
 };
 
-// Exports once for each step and response: the failure is logged, reported and given to the host once. An
-// export is made ready by the function.
-template <class Export, class Server>
-void expectFailuresAt(std::span<const FailingStep> steps, std::span<const FailingResponse> responses,
-                      const std::function<void(Export&)>& prepare) {
-    for (const auto& step : steps) {
-        for (const auto& failing : responses) {
-            SCOPED_TRACE(step.part + " " + failing.name);
-            Export one;
-            prepare(one);
-            Server service;
-            service.respondTo(step.part, failing.response);
-            const LogCapture log;
-            const auto result = one.run();
-            ASSERT_FALSE(result);
-            EXPECT_EQ(result.error(), step.error);
-            EXPECT_EQ(log.messages(LogLevel::warn), std::vector{step.warning + failing.error});
-            EXPECT_EQ(service.made(), step.requests);
-            const auto report = one.exporter()->exportReport();
-            ASSERT_EQ(report.refused.size(), 1U);
-            EXPECT_EQ(nameOf(report.refused.front().reason), failing.error);
-            EXPECT_EQ(report.made.size(), step.madeCount);
-            const auto events = one.interactor->exportEvents();
-            ASSERT_EQ(events.size(), 1U);
-            EXPECT_EQ(events.front().exportError, nameOf(step.error));
-        }
+// What is logged when that response fails that step.
+inline std::vector<std::string> warningsOf(const FailingStep& step, const FailingResponse& failing) {
+    return step.warning ? std::vector{*step.warning + failing.error} : std::vector<std::string>();
+}
+
+// Exports once for each response: the failure is logged, reported and given to the host once.
+template <ExportScenario Scenario>
+void expectFailuresAt(const FailingStep& step, std::span<const FailingResponse> responses) {
+    for (const auto& failing : responses) {
+        SCOPED_TRACE(step.part + " " + failing.name);
+        Prepared<Scenario> one;
+        typename Scenario::Server service;
+        service.respondTo(step.part, failing.response);
+        const LogCapture log;
+        EXPECT_EQ(one.run(), failure(step.error));
+        EXPECT_EQ(log.messages(LogLevel::warn), warningsOf(step, failing));
+        EXPECT_EQ(service.made(), step.requests);
+        const auto report = one.exporter()->exportReport();
+        ASSERT_EQ(report.refused.size(), 1U);
+        EXPECT_EQ(nameOf(report.refused.front().reason), failing.error);
+        EXPECT_EQ(report.made.size(), step.madeCount);
+        const auto events = one.interactor->exportEvents();
+        ASSERT_EQ(events.size(), 1U);
+        EXPECT_EQ(events.front().exportError, nameOf(step.error));
     }
 }
 

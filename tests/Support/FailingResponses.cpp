@@ -31,13 +31,20 @@ std::span<const FailingResponse> failingResponses() {
     return responses;
 }
 
-std::span<const FailingResponse> unreadableResponses() {
-    static const FailingResponse responses[] = {
+IntegrationLoadError loadErrorOf(const FailingResponse& failing) {
+    if (failing.error == "oauthError") {
+        return IntegrationLoadError::oauthError;
+    }
+    return failing.error == "connectionError" ? IntegrationLoadError::connectionError
+                                              : IntegrationLoadError::internalError;
+}
+
+std::vector<FailingResponse> unreadableResponses() {
+    return {
         {"no record", PlayedResponse::json("{}"), "dataParseError"},
         {"no JSON", PlayedResponse::json("<html>"), "dataParseError"},
         {"nothing", {.status = 204}, "dataParseError"},
     };
-    return responses;
 }
 
 } // namespace zelto

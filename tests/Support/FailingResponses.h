@@ -1,9 +1,12 @@
 #pragma once
 
+#include <ZeltoIntegrations/Content/IntegrationError.h>
+
 #include <Support/TestHTTPServer.h>
 
 #include <span>
 #include <string>
+#include <vector>
 
 namespace zelto {
 
@@ -18,7 +21,10 @@ struct FailingResponse {
 // account whose tokens are not refreshed.
 std::span<const FailingResponse> failingResponses();
 
+// What loading the data of an account ends with when one of its requests gets that response.
+IntegrationLoadError loadErrorOf(const FailingResponse& failing);
+
 // Successful responses that fail a request which expects a record with required fields.
-std::span<const FailingResponse> unreadableResponses();
+std::vector<FailingResponse> unreadableResponses();
 
 } // namespace zelto

@@ -5,6 +5,7 @@
 #include <functional>
 #include <mutex>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zelto {
@@ -23,6 +24,9 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     std::function<std::optional<URL>(std::int64_t)> fileOf = [](std::int64_t) { return std::nullopt; };
     // Called before a text is given, with the name of the operation.
     std::function<void(const std::string&)> onAsked = [](const std::string&) {};
+    // Gets the name of the operation and the call of its completion.
+    std::function<void(const std::string&, std::move_only_function<void()>)> onCompletion =
+        [](const std::string&, auto complete) { complete(); };
     std::function<void()> onTitle = [] {};
 
     // The link types that were asked for, in order.
@@ -56,7 +60,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
 
     void link(IntegrationLinkType type, Callback<std::optional<std::string>> completion) override {
         ask("link", type);
-        completion(linkText);
+        complete("link", std::move(completion), linkText);
     }
 
     void linkComponents(IntegrationLinkType type,
@@ -72,7 +76,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
             askedHtml_.push_back(std::move(options));
         }
         onAsked("html");
-        completion(htmlText);
+        complete("html", std::move(completion), htmlText);
     }
 
     void enml(std::string, Callback<std::optional<IntegrationsInteractorEnml>> completion) override {
@@ -91,7 +95,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     void messagePlainText(std::optional<IntegrationLinkType> linkType,
                           Callback<std::optional<std::string>> completion) override {
         ask("messagePlainText", linkType);
-        completion(plainText);
+        complete("messagePlainText", std::move(completion), plainText);
     }
 
     std::optional<Date> meetTranscriptStartDate() override { return std::nullopt; }
@@ -109,7 +113,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
         ask("meetTranscript", linkType);
         const bool isSummary = content == IntegrationMeetingTranscriptContent::summary &&
                                format == IntegrationMeetingTranscriptFormat::text;
-        completion(isSummary ? summary : std::nullopt);
+        complete("meetTranscript", std::move(completion), isSummary ? summary : std::nullopt);
     }
 
     void availableAttachments(Callback<IntegrationAttachments> completion) override {
@@ -119,10 +123,10 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     void fetchAttachment(std::int64_t attachmentPk,
                          Completion<std::optional<URL>, AttachmentFetchError> completion) override {
         onAsked("fetchAttachment");
-        if (auto file = fileOf(attachmentPk)) {
-            return completion(std::move(file));
-        }
-        completion(failure(AttachmentFetchError::unknownAttachment));
+        using Fetched = Result<std::optional<URL>, AttachmentFetchError>;
+        auto file = fileOf(attachmentPk);
+        complete("fetchAttachment", std::move(completion),
+                 file ? Fetched(std::move(file)) : failure(AttachmentFetchError::unknownAttachment));
     }
 
     void formattedBodyComponents(Callback<std::vector<FormattedBodyComponent>> completion) override {
@@ -141,6 +145,12 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
             askedLinks_.push_back(*type);
         }
         onAsked(operation);
+    }
+
+    template <class C, class T> void complete(const std::string& operation, C completion, T value) {
+        onCompletion(operation, [completion = std::move(completion), value = std::move(value)]() mutable {
+            completion(std::move(value));
+        });
     }
 
     mutable std::mutex lock_;

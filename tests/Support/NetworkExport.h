@@ -24,8 +24,11 @@ template <class FullData> using LoadResult = Result<std::optional<FullData>, Int
 
 // An export to a service on the web: the account "me@example.org" has the access token "token", and the host
 // gives the files of attachments and makes PDFs.
-template <std::derived_from<NetworkExporter> Exporter> class NetworkExport : public ServiceExport<Exporter> {
+template <std::derived_from<NetworkExporter> ExporterType>
+class NetworkExport : public ServiceExport<ExporterType> {
   public:
+    using Exporter = ExporterType;
+
     explicit NetworkExport(ServiceType service)
         : ServiceExport<Exporter>(ServiceAccountConfiguration(service, "me@example.org", true)) {
         storeToken();
@@ -62,6 +65,22 @@ template <std::derived_from<NetworkExporter> Exporter> class NetworkExport : pub
         attachment.state = IntegrationAttachmentState::selected;
         this->configuration.attachments.list.push_back(attachment);
         files.push_back(file);
+    }
+
+    // The token "token" has expired, and "refresh-1" brings a new one.
+    void expireToken() {
+        auto secrets = *account.credentials;
+        secrets.accessToken = "token";
+        secrets.refreshToken = "refresh-1";
+        secrets.expirationDate = Date::fromReferenceSeconds(0);
+        ServiceCredentialsManager::store(secrets);
+    }
+
+    // The access token and the refresh token as they are in the key chain.
+    ServiceAccountCredentials storedTokens() const {
+        auto secrets = *account.credentials;
+        ServiceCredentialsManager::load(secrets);
+        return secrets;
     }
 
     auto load(bool force) {

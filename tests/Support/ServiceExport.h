@@ -34,10 +34,17 @@ template <class Exporter> class ServiceExport {
     // The next one is made anew, with the account as it is set then.
     void releaseExporter() { exporter_ = nullptr; }
 
+    // Releases the exporter; whether nothing else keeps it.
+    [[nodiscard]] bool isGoneOnceReleased() {
+        const std::weak_ptr<Exporter> released = exporter_;
+        releaseExporter();
+        return isGone(released);
+    }
+
     std::shared_ptr<Exporter>
     exporterFor(std::shared_ptr<IntegrationsDataInteractorProtocol> interactorOfData) const {
         return std::make_shared<Exporter>(account, storage, interactor, std::move(interactorOfData), "test",
-                                          true);
+                                          attachmentsAreSelectedByDefault);
     }
 
     std::shared_ptr<ExportProgress> start(Done done) {
@@ -65,6 +72,7 @@ template <class Exporter> class ServiceExport {
     }
 
     ServiceAccountConfiguration account;
+    bool attachmentsAreSelectedByDefault = true;
     Configuration configuration;
     std::shared_ptr<FakeDataInteractor> data = std::make_shared<FakeDataInteractor>();
     std::shared_ptr<FakePlatformInteractor> interactor = std::make_shared<FakePlatformInteractor>();

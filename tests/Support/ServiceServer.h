@@ -20,6 +20,8 @@ std::string withoutBoundary(const std::string& text);
 
 // What a stand-in of a service must provide: the service's response to a request, on any thread, and a name
 // for what a request creates; `nullopt` if it creates nothing. Uploads by a form are recognised without it.
+// It may have `tokenPath`, the path of its refreshes, whose response is the token "fresh"; and `comparable`,
+// which replaces what is random in the text of a request.
 template <class T>
 concept PlayedService = requires(const T& service, const ReceivedRequest& request) {
     { service.usualResponse(request) } -> std::same_as<PlayedResponse>;
@@ -40,6 +42,14 @@ template <PlayedService Service> class ServiceServer : public Service {
         onRequest = [part, response](const ReceivedRequest& request) {
             const bool isMeant = request.target.find(part) != std::string::npos ||
                                  request.body.find(part) != std::string::npos;
+            return isMeant ? std::optional(response) : std::nullopt;
+        };
+    }
+
+    // The same for the requests of this line alone.
+    void respondToLine(const std::string& line, const PlayedResponse& response) {
+        onRequest = [line, response](const ReceivedRequest& request) {
+            const bool isMeant = request.method + " " + request.target == line;
             return isMeant ? std::optional(response) : std::nullopt;
         };
     }
@@ -67,11 +77,14 @@ template <PlayedService Service> class ServiceServer : public Service {
         return made;
     }
 
-    // The text of each request, with "B" for the boundary.
+    // The text of each request, with "B" for the boundary and without what else is random.
     std::vector<std::string> texts() const {
         auto texts = server.texts();
         for (auto& text : texts) {
             text = withoutBoundary(text);
+            if constexpr (requires { Service::comparable(text); }) {
+                text = Service::comparable(text);
+            }
         }
         return texts;
     }
@@ -81,6 +94,11 @@ template <PlayedService Service> class ServiceServer : public Service {
         if (const auto handler = onRequest.get(); *handler) {
             if (auto own = (*handler)(request)) {
                 return *std::move(own);
+            }
+        }
+        if constexpr (requires { Service::tokenPath; }) {
+            if (request.target == Service::tokenPath) {
+                return PlayedResponse::json(R"({"access_token":"fresh","expires_in":3600})");
             }
         }
         return this->usualResponse(request);

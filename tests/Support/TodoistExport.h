@@ -57,6 +57,8 @@ class TodoistService {
         return hasCommands(request) ? std::optional<std::string>("task") : std::nullopt;
     }
 
+    static std::string comparable(const std::string& text) { return withoutUUIDs(text); }
+
     static std::vector<JSONValue> commands(const ReceivedRequest& request) {
         const auto body = JSONValue::parse(request.body);
         const auto* all = body ? body->find("commands") : nullptr;

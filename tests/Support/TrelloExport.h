@@ -31,7 +31,7 @@ class TrelloService {
     }
 
     std::optional<std::string> madeBy(const ReceivedRequest& request) const {
-        return request.target.starts_with("/1/cards?") ? "card" : request.target;
+        return request.target.starts_with("/1/cards?") ? std::optional<std::string>("card") : std::nullopt;
     }
 };
 

@@ -1,6 +1,3 @@
-#include <ZeltoIntegrations/IntegrationsManager.h>
-
-#include <Support/HostMistakes.h>
 #include <Support/TodoistExport.h>
 
 #include <gtest/gtest.h>
@@ -11,25 +8,10 @@ namespace {
 
 using Texts = std::vector<std::string>;
 using Type = IntegrationExportContentType;
-using State = IntegrationAttachmentState;
 using Visibility = IntegrationWebLinkVisibility;
 
 class TodoistExporterTest : public testing::Test {
   protected:
-    // The state of attachments of these sizes in an offered configuration.
-    std::vector<State> statesOf(const std::vector<std::int64_t>& sizes) {
-        one.data->attachments.list.clear();
-        for (const auto size : sizes) {
-            one.data->attachments.list.push_back(
-                {static_cast<std::int64_t>(one.data->attachments.list.size()), "a", size, State::selected});
-        }
-        std::vector<State> states;
-        for (const auto& attachment : one.offered().attachments.list) {
-            states.push_back(attachment.state);
-        }
-        return states;
-    }
-
     const std::vector<TodoistProject> projects{{"p1", "Inbox"}, {"p2", "Work"}};
     const TodoistUser user{.email = "me@example.org"};
     TodoistExport one;
@@ -71,78 +53,6 @@ TEST_F(TodoistExporterTest, PreviewIsTheTextOrTheRawLink) {
     }
     one.data->plainText = std::nullopt;
     EXPECT_EQ(one.preview(Type::emailWeblink), std::nullopt);
-}
-
-TEST_F(TodoistExporterTest, DataComeFromTheServiceWhenForcedAndFromTheCacheElse) {
-    EXPECT_EQ(one.load(false).value(), std::optional<TodoistFullData>());
-    EXPECT_EQ(service.lines(), Texts{});
-
-    const TodoistFullData all{.user = user, .projects = projects};
-    EXPECT_EQ(one.load(true).value(), std::optional(all));
-    EXPECT_EQ(service.lines(), Texts{"POST /api/v1/sync"});
-
-    EXPECT_EQ(one.load(false).value(), std::optional(all));
-    EXPECT_EQ(service.lines().size(), 1U);
-    // It is the account that keeps them.
-    const auto stored = one.storage->load(one.account.identifier()).value();
-    EXPECT_EQ(stored.getCachedItem<TodoistUser>("myUser"), user);
-    EXPECT_EQ(stored.getCachedItem<std::vector<TodoistProject>>("myProjects"), projects);
-}
-
-TEST_F(TodoistExporterTest, DataWithoutCredentialsAreAnOauthError) {
-    one.account.credentials = std::nullopt;
-    EXPECT_EQ(one.load(true).error(), IntegrationLoadError::oauthError);
-    EXPECT_EQ(service.lines(), Texts{});
-}
-
-TEST_F(TodoistExporterTest, EachFailureIsALoadErrorOfItsKindAndLeavesWhatWasLoaded) {
-    using enum IntegrationLoadError;
-    ASSERT_TRUE(one.load(true));
-    const std::pair<PlayedResponse, IntegrationLoadError> rows[] = {
-        {PlayedResponse::json("no", 400), internalError}, {PlayedResponse::json("no", 401), oauthError},
-        {PlayedResponse::json("no", 403), internalError}, {PlayedResponse::json("no", 404), internalError},
-        {PlayedResponse::json("no", 429), internalError}, {PlayedResponse::json("no", 500), internalError},
-        {PlayedResponse::json("{}"), internalError},      {PlayedResponse::json("<html>"), internalError},
-        {PlayedResponse::reset(), connectionError}};
-    for (const auto& [response, error] : rows) {
-        service.respondTo("/sync", response);
-        EXPECT_EQ(one.load(true).error(), error) << response.status << response.body;
-        EXPECT_EQ(one.load(false).value(),
-                  (std::optional(TodoistFullData{.user = user, .projects = projects})));
-    }
-}
-
-TEST_F(TodoistExporterTest, AStorageThatThrowsIsAnInternalErrorAndTheNextLoadingRuns) {
-    const ContainedExceptions contained;
-    const DroppedCallbacks dropped;
-    one.storage->onChange = [] { throw std::runtime_error("the storage threw"); };
-    EXPECT_EQ(one.load(true).error(), IntegrationLoadError::internalError);
-    one.storage->onChange = [] {};
-    EXPECT_TRUE(one.load(true));
-}
-
-TEST_F(TodoistExporterTest, ServiceDataAreFetchedByForce) {
-    EXPECT_EQ(one.exporter()->loadUserEmail(), std::nullopt);
-    EXPECT_TRUE(one.fetch());
-    EXPECT_EQ(one.exporter()->loadUserEmail(), "me@example.org");
-    service.refuse("/sync", 401);
-    EXPECT_EQ(one.fetch().error(), IntegrationLoadError::oauthError);
-}
-
-TEST_F(TodoistExporterTest, ConnectingAnAccountNamesItByTheUsersEmailAndKeepsItsProjects) {
-    IntegrationsManager manager(
-        one.storage, one.interactor, [](const auto&) { return true; }, "");
-    ServiceAccountConfiguration fresh(ServiceType::TodoIst, std::nullopt, true);
-    fresh.credentials = ServiceAccountCredentials::forIdentifier("new");
-    fresh.credentials->accessToken = "token";
-    using Connected = Result<ServiceAccountConfiguration, IntegrationAccountCreationError>;
-    Completed<Connected> completed;
-    manager.trySaveServiceConfiguration(fresh, completed.callback<IntegrationsManager::AccountCompletion>());
-    const auto connected = completed.value();
-    ASSERT_TRUE(connected);
-    EXPECT_EQ(connected->identifier(), "Todoist+me@example.org");
-    EXPECT_EQ(connected->getCachedItem<std::vector<TodoistProject>>("myProjects"), projects);
-    EXPECT_NE(manager.createServiceExporter<TodoistExporter>(*connected, one.data), nullptr);
 }
 
 TEST_F(TodoistExporterTest, ConfigurationOffersTheFirstProject) {
@@ -187,24 +97,6 @@ TEST_F(TodoistExporterTest, ATypeThatTheTargetDoesNotHaveIsNotOfferedAgain) {
     one.exporter()->setLastExportContentType(Type::emailBacklink);
     one.data->target = IntegrationExportTarget::meetingNote;
     EXPECT_EQ(one.offered().saveAs, Type::mtSummaryWeblink);
-}
-
-TEST_F(TodoistExporterTest, AttachmentsArePassedBelowTheLimitOfTheAccount) {
-    constexpr std::int64_t freeLimit = 5'242'880;
-    constexpr std::int64_t premiumLimit = 104'857'600;
-    const auto sizes = {freeLimit - 1, freeLimit, freeLimit + 1, premiumLimit - 1};
-    const std::vector<State> forFree = {State::allowed, State::restricted, State::restricted,
-                                        State::restricted};
-    EXPECT_EQ(statesOf(sizes), forFree);
-    one.exporter()->myUser.set(user);
-    EXPECT_EQ(statesOf(sizes), forFree);
-    one.exporter()->myUser.set(TodoistUser{.email = "e", .isPremium = true});
-    EXPECT_EQ(statesOf({premiumLimit - 1, premiumLimit, premiumLimit + 1}),
-              (std::vector{State::allowed, State::restricted, State::restricted}));
-}
-
-TEST_F(TodoistExporterTest, NoNumberAndNoTotalOfAttachmentsIsTooMuch) {
-    EXPECT_EQ(statesOf(std::vector<std::int64_t>(300, 5'000'000)), std::vector<State>(300, State::allowed));
 }
 
 } // namespace zelto

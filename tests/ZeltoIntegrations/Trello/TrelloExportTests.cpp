@@ -2,8 +2,6 @@
 
 #include <Platform/URLComponents.h>
 
-#include <Support/Event.h>
-#include <Support/HostMistakes.h>
 #include <Support/LogCapture.h>
 #include <Support/TrelloExport.h>
 
@@ -17,16 +15,11 @@ using Texts = std::vector<std::string>;
 using Type = IntegrationExportContentType;
 using Error = IntegrationExportError;
 using Made = ExportReport::Made;
-using VoidResult = ExporterResult<void>;
 using Refused = ExportReport::Refused;
 
 class TrelloExportTest : public testing::Test {
   protected:
     std::vector<ExportEvent> events() const { return one.interactor->exportEvents(); }
-
-    std::optional<std::string> lastEventError() const {
-        return events().empty() ? "no event" : events().back().exportError;
-    }
 
     const std::string signature = "key=" + TrelloConstants::clientKey() + "&token=token";
     TrelloExport one;
@@ -82,40 +75,11 @@ TEST_F(TrelloExportTest, RequestsAreTheseAndNoOthers) {
                                       upload("198", "a.txt", "text/plain", "first")}));
 }
 
-TEST_F(TrelloExportTest, StepsShareOneConnection) {
-    for (const auto* name : {"a.txt", "b.txt", "c.txt"}) {
-        one.attach(name);
-    }
-    ASSERT_TRUE(one.run());
-    EXPECT_EQ(service.lines().size(), 5U);
-    EXPECT_EQ(service.server.connectionCount(), 1);
-}
-
-TEST_F(TrelloExportTest, OnlySelectedAttachmentsGoAlong) {
-    one.attach("a.txt");
-    one.attach("b.txt");
-    one.attach("c.txt");
-    one.configuration.attachments.list[0].state = IntegrationAttachmentState::allowed;
-    one.configuration.attachments.list[2].state = IntegrationAttachmentState::restricted;
-    one.configuration.saveAs = Type::backLink;
-    ASSERT_TRUE(one.run());
-    EXPECT_EQ(one.progress->totalUnitCount(), 3);
-    EXPECT_EQ(service.made(), (Texts{"card", "file b.txt"}));
-}
-
 TEST_F(TrelloExportTest, WithoutALinkTheCardHasNoDescription) {
     one.configuration.saveAs = Type::backLink;
     one.data->linkText = std::nullopt;
     ASSERT_TRUE(one.run());
     EXPECT_EQ(service.lines(), Texts{"POST /1/cards?idList=l1&name=Title&" + signature});
-}
-
-TEST_F(TrelloExportTest, WithoutAUserTitleTheMessagesTitleIsTaken) {
-    one.configuration.userTitle = std::nullopt;
-    one.data->titleText = "Subject/1";
-    ASSERT_TRUE(one.run());
-    EXPECT_NE(service.lines().front().find("name=Subject/1&"), std::string::npos);
-    EXPECT_EQ(service.made(), (Texts{"card", "file Subject_1.pdf"}));
 }
 
 TEST_F(TrelloExportTest, ALongTextIsWarnedOfAndChangesNothing) {
@@ -148,45 +112,6 @@ TEST_F(TrelloExportTest, TheLimitCountsLinkSeparatorAndText) {
               Texts{"Description for export 'Title' is too long: 15991. Leave first 16000 symbols."});
 }
 
-TEST_F(TrelloExportTest, AMissingTextIsNoFailure) {
-    one.configuration.saveAs = Type::backLink;
-    one.data->plainText = std::nullopt;
-    EXPECT_TRUE(one.run());
-}
-
-TEST_F(TrelloExportTest, OtherTypesAreRefusedAtOnce) {
-    one.attach("a.txt");
-    for (const auto& type : casesOf<Type>()) {
-        if (type.value == Type::pdf || type.value == Type::backLink) {
-            continue;
-        }
-        one.configuration.saveAs = type.value;
-        Completed<TrelloExport::VoidResult> completed;
-        const auto progress = one.start(completed.callback<TrelloExport::Done>());
-        EXPECT_TRUE(completed.hasCome()) << type.name;
-        EXPECT_EQ(completed.value().error(), Error::unsupportedFormat) << type.name;
-        EXPECT_EQ(progress->totalUnitCount(), 3) << type.name;
-        EXPECT_EQ(lastEventError(), "unsupportedFormat") << type.name;
-        EXPECT_EQ(events().back().exportType, type.value) << type.name;
-    }
-    EXPECT_EQ(service.lines(), Texts{});
-}
-
-TEST_F(TrelloExportTest, WithoutCredentialsNoStepHasAClient) {
-    one.account.credentials = std::nullopt;
-    one.attach("a.txt");
-    EXPECT_EQ(one.run().error(), Error::oauthError);
-    EXPECT_EQ(service.lines(), Texts{});
-    EXPECT_EQ(lastEventError(), "oauthError");
-}
-
-TEST_F(TrelloExportTest, WithoutATargetThereIsNoCard) {
-    one.configuration.saveTo = std::nullopt;
-    one.attach("a.txt");
-    EXPECT_EQ(one.run().error(), Error::createTaskError);
-    EXPECT_EQ(service.lines(), Texts{});
-}
-
 TEST_F(TrelloExportTest, WithoutACardNothingIsUploadedThoughTheStepsRun) {
     one.attach("a.txt");
     service.refuse("/1/cards?", 500);
@@ -200,36 +125,6 @@ TEST_F(TrelloExportTest, WithoutACardNothingIsUploadedThoughTheStepsRun) {
     EXPECT_EQ(log.messages(LogLevel::warn), Texts{"Trello creation card error: serviceInternalError"});
     EXPECT_EQ(one.exporter()->exportReport(),
               (ExportReport{{}, {Refused{"card", "Title", ServiceClientError::serviceInternalError, "no"}}}));
-}
-
-TEST_F(TrelloExportTest, WithoutHtmlThereIsNoPdfAndTheAttachmentsGoOn) {
-    one.data->htmlText = std::nullopt;
-    one.attach("a.txt");
-    EXPECT_EQ(one.run().error(), Error::convertError);
-    EXPECT_EQ(service.made(), (Texts{"card", "file a.txt"}));
-}
-
-TEST_F(TrelloExportTest, AFailedConversionIsAConvertError) {
-    one.interactor->makePdf = [](const auto&, const auto&, Callback<bool> done) { done(false); };
-    EXPECT_EQ(one.run().error(), Error::convertError);
-    EXPECT_EQ(service.made(), Texts{"card"});
-    EXPECT_EQ(lastEventError(), "convertError");
-}
-
-TEST_F(TrelloExportTest, AnAttachmentThatTheHostDoesNotHaveIsNotUploaded) {
-    one.attach("a.txt");
-    one.attach("b.txt");
-    const auto fileOf = one.data->fileOf;
-    one.data->fileOf = [&](std::int64_t id) { return id == 0 ? std::nullopt : fileOf(id); };
-    EXPECT_EQ(one.run().error(), Error::uploadAttachmentError);
-    EXPECT_EQ(service.made(), (Texts{"card", "file Title.pdf", "file b.txt"}));
-}
-
-TEST_F(TrelloExportTest, AnAttachmentThatIsNoFileIsNotUploaded) {
-    one.attach("a.txt");
-    one.data->fileOf = [](std::int64_t) { return URL::parse("https://example.org/a.txt"); };
-    EXPECT_EQ(one.run().error(), Error::uploadAttachmentError);
-    EXPECT_EQ(service.made(), (Texts{"card", "file Title.pdf"}));
 }
 
 TEST_F(TrelloExportTest, AFailedUploadLeavesTheCardAndGoesOnWithTheOthers) {
@@ -255,25 +150,6 @@ TEST_F(TrelloExportTest, TheFirstFailureInTheOrderOfTheStepsIsReported) {
     EXPECT_EQ(one.run().error(), Error::createTaskError);
 }
 
-TEST_F(TrelloExportTest, FilesStayWhereTheyWereWritten) {
-    one.attach("a.txt");
-    ASSERT_TRUE(one.run());
-    EXPECT_TRUE(std::filesystem::exists(one.pdfPaths.at(0)));
-    EXPECT_TRUE(std::filesystem::exists(one.files.at(0)));
-}
-
-TEST_F(TrelloExportTest, WhatTheNextExportStartsWithIsStoredAlsoAfterAFailure) {
-    one.configuration.saveAs = Type::backLink;
-    service.refuse("/1/cards?", 404);
-    ASSERT_FALSE(one.run());
-    const auto next = one.offered();
-    EXPECT_EQ(next.saveTo, one.configuration.saveTo);
-    EXPECT_EQ(next.saveAs, Type::backLink);
-    EXPECT_EQ(next.userTitle, "Title"); // of the message
-    const auto stored = one.storage->load(one.account.identifier()).value();
-    EXPECT_EQ(stored.getCachedItem<TrelloSaveToInfo>("lastExportInfo"), one.configuration.saveTo);
-}
-
 TEST_F(TrelloExportTest, AnalyticsNameWhatTheUserChanged) {
     one.data->titleText = "Subject";
     one.configuration.saveAs = Type::backLink;
@@ -286,72 +162,6 @@ TEST_F(TrelloExportTest, AnalyticsNameWhatTheUserChanged) {
     // The second time, that is what is offered.
     ASSERT_TRUE(one.run());
     EXPECT_EQ(events().back().modifiedFields, Texts{"userTitle"});
-}
-
-TEST_F(TrelloExportTest, ARefusedTokenIsNotTriedAgain) {
-    one.configuration.saveAs = Type::backLink;
-    service.refuse("/1/cards?", 401);
-    const LogCapture log;
-    EXPECT_EQ(one.run().error(), Error::createTaskError);
-    EXPECT_EQ(service.made(), Texts{"card"});
-    EXPECT_EQ(log.messages(LogLevel::warn), Texts{"Trello creation card error: oauthError"});
-}
-
-TEST_F(TrelloExportTest, AProgressHandlerMayHoldItsExporter) {
-    one.configuration.saveAs = Type::backLink;
-    Completed<ExporterResult<void>> completed;
-    const auto start = std::make_shared<Event>();
-    one.data->onAsked = [start](const std::string&) { start->wait(); };
-    one.start(completed.callback<TrelloExport::Done>())
-        ->setProgressHandler([exporter = one.exporter()](float) {});
-    start->set();
-    EXPECT_TRUE(completed.value());
-    const std::weak_ptr<TrelloExporter> exporter = one.exporter();
-    one.releaseExporter();
-    EXPECT_TRUE(isGone(exporter));
-}
-
-TEST_F(TrelloExportTest, AConversionThatTheHostDropsUncalledHasFailed) {
-    const DroppedCallbacks dropped;
-    one.interactor->makePdf = [](const auto&, const auto&, Callback<bool> done) {
-        const auto letGo = std::move(done);
-    };
-    EXPECT_EQ(one.run().error(), Error::convertError);
-    EXPECT_EQ(service.made(), Texts{"card"});
-    EXPECT_EQ(lastEventError(), "convertError");
-    const std::weak_ptr<TrelloExporter> exporter = one.exporter();
-    one.releaseExporter();
-    EXPECT_TRUE(isGone(exporter));
-}
-
-TEST_F(TrelloExportTest, AHostThatThrowsEndsItsStepAlone) {
-    const ContainedExceptions contained;
-    const DroppedCallbacks dropped;
-    one.attach("a.txt");
-
-    struct Row {
-        std::string operation;
-        VoidResult result;
-        Texts made;
-    };
-
-    const Row rows[] = {
-        {"link", {}, {"card", "file Title.pdf", "file a.txt"}},
-        {"html", failure(Error::convertError), {"card", "file a.txt"}},
-        {"fetchAttachment", failure(Error::internalError), {"card", "file Title.pdf"}},
-    };
-    for (const auto& [operation, result, made] : rows) {
-        one.data->onAsked = [&](const std::string& asked) {
-            if (asked == operation) {
-                throw std::runtime_error("the host threw");
-            }
-        };
-        const auto before = std::ssize(service.made());
-        EXPECT_EQ(one.run(), result) << operation;
-        const auto all = service.made();
-        EXPECT_EQ(Texts(all.begin() + before, all.end()), made) << operation;
-    }
-    EXPECT_TRUE(contained.haveCome(3));
 }
 
 TEST_F(TrelloExportTest, HostileTitlesArriveAsTheyAre) {
