@@ -35,13 +35,12 @@ class NetworkExport : public ServiceExport<ExporterType> {
         data->linkText = "[mail](zelto://m)";
         data->htmlText = "<p>Body</p>";
         data->fileOf = [this](std::int64_t id) {
-            const std::lock_guard guard(readingLock_);
+            const std::lock_guard guard(hostLock_);
             return URL::file(files.at(static_cast<std::size_t>(id)));
         };
         interactor->makePdf = [this](const std::string& html, const std::filesystem::path& path,
                                      Callback<bool> done) {
-            pdfPaths.push_back(path);
-            std::ofstream(path, std::ios::binary) << "%PDF " << html;
+            writePdf(html, path);
             done(true);
         };
     }
@@ -49,8 +48,8 @@ class NetworkExport : public ServiceExport<ExporterType> {
     // The exporter goes before what it uses.
     ~NetworkExport() {
         this->releaseExporter();
-        // A cancelled export ends without waiting for the host, which may have been reading its files.
-        const std::lock_guard guard(readingLock_);
+        // A cancelled export ends without waiting for the host, which may have been at work on its files.
+        const std::lock_guard guard(hostLock_);
     }
 
     // Adds a selected attachment of that content.
@@ -107,7 +106,13 @@ class NetworkExport : public ServiceExport<ExporterType> {
     std::vector<std::filesystem::path> pdfPaths; // that were made
 
   private:
-    std::mutex readingLock_;
+    std::mutex hostLock_;
+
+    void writePdf(const std::string& html, const std::filesystem::path& path) {
+        const std::lock_guard guard(hostLock_);
+        pdfPaths.push_back(path);
+        std::ofstream(path, std::ios::binary) << "%PDF " << html;
+    }
 
     void storeToken() {
         account.credentials = ServiceAccountCredentials::forIdentifier(account.identifier());
