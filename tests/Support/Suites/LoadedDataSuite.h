@@ -41,7 +41,7 @@ template <class Facts> class LoadedData : public testing::Test {
   protected:
     using Export = typename Facts::Export;
     using Exporter = typename Export::Exporter;
-    using Data = std::optional<typename Exporter::FullData>;
+    using Value = std::optional<typename Exporter::FullData>;
 
     // All that fails the loading, at each of its requests.
     void forEachFailure(const std::function<void(const FailingResponse&)>& expect) {
@@ -73,14 +73,14 @@ template <class Facts> class LoadedData : public testing::Test {
 TYPED_TEST_SUITE_P(LoadedData);
 
 TYPED_TEST_P(LoadedData, ComesFromTheServiceWhenForcedAndFromTheAccountElse) {
-    using Data = typename TestFixture::Data;
-    EXPECT_EQ(this->one.load(false).value(), Data());
+    using Value = typename TestFixture::Value;
+    EXPECT_EQ(this->one.load(false).value(), Value());
     EXPECT_EQ(this->service.lines(), std::vector<std::string>{});
 
-    EXPECT_EQ(this->one.load(true).value(), Data(TypeParam::data()));
+    EXPECT_EQ(this->one.load(true).value(), Value(TypeParam::data()));
     EXPECT_EQ(this->service.lines(), TypeParam::lines());
 
-    EXPECT_EQ(this->one.load(false).value(), Data(TypeParam::data()));
+    EXPECT_EQ(this->one.load(false).value(), Value(TypeParam::data()));
     EXPECT_EQ(this->service.lines(), TypeParam::lines());
     this->expectIn(this->one.storage->load(this->one.account.identifier()).value());
 }
@@ -89,7 +89,7 @@ TYPED_TEST_P(LoadedData, IsNoneWithoutOneOfItsParts) {
     this->forEachPart([&](const auto& part) {
         ASSERT_TRUE(this->one.load(true));
         ((*this->one.exporter()).*part.member).set(std::nullopt);
-        EXPECT_EQ(this->one.load(false).value(), typename TestFixture::Data()) << part.key;
+        EXPECT_EQ(this->one.load(false).value(), typename TestFixture::Value()) << part.key;
     });
 }
 
@@ -97,7 +97,7 @@ TYPED_TEST_P(LoadedData, WithoutCredentialsIsAnOauthError) {
     this->one.account.credentials = std::nullopt;
     EXPECT_EQ(this->one.load(true).error(), IntegrationLoadError::oauthError);
     EXPECT_EQ(this->one.fetch().error(), IntegrationLoadError::oauthError);
-    EXPECT_EQ(this->one.load(false).value(), typename TestFixture::Data());
+    EXPECT_EQ(this->one.load(false).value(), typename TestFixture::Value());
     EXPECT_EQ(this->service.lines(), std::vector<std::string>{});
 }
 
@@ -106,7 +106,7 @@ TYPED_TEST_P(LoadedData, IsNoneAfterAnyFailureAtAnyRequest) {
         this->one.releaseExporter();
         EXPECT_EQ(this->one.load(true).error(), loadErrorOf(failing));
         EXPECT_EQ(this->one.fetch().error(), loadErrorOf(failing));
-        EXPECT_EQ(this->one.load(false).value(), typename TestFixture::Data());
+        EXPECT_EQ(this->one.load(false).value(), typename TestFixture::Value());
     });
 }
 
@@ -114,7 +114,7 @@ TYPED_TEST_P(LoadedData, StaysAfterAnyFailureAtAnyRequest) {
     ASSERT_TRUE(this->one.load(true));
     this->forEachFailure([&](const FailingResponse& failing) {
         EXPECT_EQ(this->one.load(true).error(), loadErrorOf(failing));
-        EXPECT_EQ(this->one.load(false).value(), typename TestFixture::Data(TypeParam::data()));
+        EXPECT_EQ(this->one.load(false).value(), typename TestFixture::Value(TypeParam::data()));
         EXPECT_EQ(this->one.exporter()->loadUserEmail(), TypeParam::email);
     });
 }
@@ -133,7 +133,7 @@ TYPED_TEST_P(LoadedData, InAStorageThatThrowsIsAnInternalErrorAndTheNextLoadingR
     this->one.storage->onChange = [] { throw std::runtime_error("the storage threw"); };
     EXPECT_EQ(this->one.load(true).error(), IntegrationLoadError::internalError);
     this->one.storage->onChange = [] {};
-    EXPECT_EQ(this->one.load(true).value(), typename TestFixture::Data(TypeParam::data()));
+    EXPECT_EQ(this->one.load(true).value(), typename TestFixture::Value(TypeParam::data()));
 }
 
 TYPED_TEST_P(LoadedData, NamesAnAccountThatIsConnectedAndIsKeptInIt) {
