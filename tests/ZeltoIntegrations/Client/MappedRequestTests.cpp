@@ -40,7 +40,7 @@ class MappedRequest : public testing::Test {
   protected:
     // The end of what the function sends by a client of a service that responds so.
     template <class T, class Error, class Send> Result<T, Error> end(PlayedResponse response, Send send) {
-        const TestHTTPServer server(Answers{std::move(response)});
+        const TestHTTPServer server(Responses{std::move(response)});
         const ServiceRoute route(server);
         ServiceClient client(std::make_shared<FakeAuthoriser>(), {});
         Completed<Result<T, Error>> completed;
