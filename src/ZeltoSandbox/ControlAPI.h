@@ -16,7 +16,7 @@ class ControlAPI {
     ControlAPI(ServiceDispatcher& dispatcher, RequestLog& log, std::function<void(JSONObject&)> addFigures)
         : dispatcher_(dispatcher), log_(log), addFigures_(std::move(addFigures)) {}
 
-    // The path behind "/control/".
+    // The path after "/control/".
     SandboxResponse respond(const RequestHead& head, std::string_view path, std::string_view query,
                             const SpooledBytes& body) const;
 

@@ -68,7 +68,7 @@ Outcome<Report> runAccountsRemove(const Invocation& invocation, const Terminal& 
         return failure(
             Failure{"unknownAccount", "There is no account \"" + identifier + "\".", "zelto accounts"});
     }
-    // Whoever refreshes its token now would store the new one behind the removal.
+    // Whoever refreshes its token now would store the new one after the removal.
     const auto lock = workspace->lockForUse(**account);
     if (!lock) {
         return failure(lock.error());

@@ -26,7 +26,7 @@ const OptionSpec target = {"--target", "PATH",
                            "targets` lists",
                            ValueKind::target};
 
-// The options of a sign-in, behind those that are the command's own.
+// The options of a sign-in, after those that are the command's own.
 std::vector<OptionSpec> withSignInOptions(std::vector<OptionSpec> options) {
     const std::vector<OptionSpec> shared = {
         {"--no-browser", "",

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t lineWidth = 80;
 
-// Words broken into lines, all but the first behind an indent.
+// Words broken into lines, all but the first indented.
 std::string wrapped(std::string_view text, std::size_t indent, std::size_t firstColumn) {
     std::string lines;
     std::size_t column = firstColumn;

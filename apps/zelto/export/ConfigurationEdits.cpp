@@ -32,7 +32,7 @@ std::vector<std::string> splitTags(const std::string& text) {
     std::vector<std::string> tags;
     for (std::size_t start = 0; start <= text.size();) {
         const auto end = std::min(text.find(',', start), text.size());
-        // A blank behind a comma belongs to no tag.
+        // A blank after a comma belongs to no tag.
         if (const auto tag = trimmed(std::string_view(text).substr(start, end - start)); !tag.empty()) {
             tags.emplace_back(tag);
         }

@@ -15,7 +15,7 @@ namespace zelto::cli {
 // "requests" of a JSON document.
 JSONValue described(const std::vector<SentRequest>& requests);
 
-// Each request behind its number: method, URL, headers, and the body, of which a text is shown whole up to a
+// Each request after its number: method, URL, headers, and the body, of which a text is shown whole up to a
 // limit and a multipart form as the list of its parts.
 std::string linesOf(const std::vector<SentRequest>& requests, const Terminal& terminal);
 

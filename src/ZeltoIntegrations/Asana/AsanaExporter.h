@@ -16,7 +16,7 @@ namespace zelto {
 class AsanaClient;
 
 // Makes a task in a project of a workspace, with the message as a PDF and attachments. A task that was made
-// stays when something behind it fails; the PDF and the fetched attachments stay where they were written.
+// stays when something after it fails; the PDF and the fetched attachments stay where they were written.
 class AsanaExporter final : public AccountDataExporter<AsanaFullData> {
   public:
     using AccountDataExporter::AccountDataExporter;

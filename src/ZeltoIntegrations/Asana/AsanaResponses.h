@@ -99,7 +99,7 @@ std::vector<AsanaWorkspace> toAsanaWorkspaces(AsanaWorkspacesResponse response);
 
 std::vector<AsanaProject> toAsanaProjects(std::vector<AsanaProjectResponse> responses);
 
-// The archived projects behind the others; else the order stays.
+// The archived projects after the others; else the order stays.
 std::vector<AsanaProject> archivedLast(std::vector<AsanaProject> projects);
 
 } // namespace zelto

@@ -64,9 +64,9 @@ class AccountAuthoriser : public ServiceAuthoriser {
     explicit AccountAuthoriser(ServiceAccountCredentials accountCredentials,
                                const AuthorisationRules& rules = tokenAlone);
 
-    // Called with the credentials after a refresh, also one of somebody else, has changed the tokens, behind
-    // the write to the key chain if there is one; on the thread of the refresh, before any request goes on.
-    // To be set before the first request.
+    // Called with the credentials when a refresh, of this object or of somebody else, has changed the tokens:
+    // after they were written to the key chain, on the thread of the refresh, before any request goes on. To
+    // be set before the first request.
     using TokensObserver = std::function<void(const ServiceAccountCredentials&)>;
     void setTokensObserver(TokensObserver observer);
 

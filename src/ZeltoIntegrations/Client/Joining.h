@@ -15,7 +15,7 @@
 namespace zelto {
 
 // Works on the items of a list one after the other, and completes with the list as it is then, or with the
-// first failure, behind which nothing more is done. Work may end before the call returns that began it.
+// first failure, after which nothing more is done. Work may end before the call returns that began it.
 template <class Item, class E> class InOrder : public std::enable_shared_from_this<InOrder<Item, E>> {
   public:
     // It keeps alive what it calls; the item lives until its completion was called.

@@ -16,7 +16,7 @@
 
 namespace zelto {
 
-// One page of a list, and what asks for the one behind it: the text of a page number, an offset, a cursor or
+// One page of a list, and what asks for the next one: the text of a page number, an offset, a cursor or
 // a path, as the service has it. Without that it is the last page.
 template <class Item> struct Page {
     std::vector<Item> items;

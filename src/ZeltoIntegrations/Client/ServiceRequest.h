@@ -19,7 +19,7 @@ class ServiceRequest {
   public:
     using Parameters = ExportServiceHelper::Parameters;
 
-    // To the base and the path, joined as texts, with the query form-encoded behind them. The process stops
+    // To the base and the path, joined as texts, with the query form-encoded after them. The process stops
     // when that is no URL: what comes from outside goes into a path by `pathSegment` alone.
     ServiceRequest(std::string method, std::string_view apiBaseURL, std::string_view path,
                    const Parameters& query = {});

@@ -31,7 +31,7 @@ class FileSizeLimitValidationRule final : public AttachmentsValidationRule {
     const std::int64_t fileSizeLimit;
 };
 
-// Passes the attachments from the start while their sum is within the limit, and none behind the first that
+// Passes the attachments from the start while their sum is within the limit, and none after the first that
 // would pass it.
 class TotalFilesSizeLimitValidationRule final : public AttachmentsValidationRule {
   public:

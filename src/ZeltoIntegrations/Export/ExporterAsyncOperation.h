@@ -13,7 +13,7 @@
 namespace zelto {
 
 // A step of an export or import: it ends when its callback is called, and keeps the value that it was called
-// with for the steps behind it. One that is cancelled while it runs ends at once, and what its task still
+// with for the steps after it. One that is cancelled while it runs ends at once, and what its task still
 // does has no effect on the queue.
 template <class R> class ExporterAsyncOperation : public LVXAsyncOperation {
   public:

@@ -83,8 +83,8 @@ class StepExporter : public ServiceExporter {
     void makeTextFile(StepRun& run, const std::string& title, const Step<std::string>& text,
                       IntegrationExportError error, StepCompletion<File> done);
 
-    // Loads data behind what runs: a member function of the exporter, called as a step of its own with these
-    // arguments.
+    // Loads data once the steps that wait already have ended: a member function of the exporter, called as a
+    // step of its own with these arguments.
     template <class T, class Exporter, class... Parameters, class... Arguments>
     void load(LoadCompletion<T> completion, void (Exporter::*step)(Parameters...), Arguments... arguments) {
         auto loaded = std::make_shared<StepOf<T, IntegrationLoadError>>();

@@ -23,7 +23,7 @@ namespace zelto {
 // What a run does when a step has failed.
 enum class FailureRule {
     goOn, // every step runs; the first failure in their order is the result
-    stop, // the steps behind it are not called, and end with that failure
+    stop, // the steps after it are not called, and end with that failure
 };
 
 // The case of an error type that stands for a run that was cancelled.
@@ -121,7 +121,7 @@ template <class E> class TypedRun : public StepRun {
         return result;
     }
 
-    // The last step, behind so many others.
+    // The last step, after so many others.
     void conclude(std::size_t stepCount) {
         const auto error = decisiveStep_ ? failureOf(*decisiveStep_) : firstFailure(stepCount);
         if (!error) {

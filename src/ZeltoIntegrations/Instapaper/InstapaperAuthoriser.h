@@ -6,7 +6,7 @@
 
 namespace zelto {
 
-// Signs with the form fields "username" and "password", behind those that are there.
+// Signs with the form fields "username" and "password", after those that are there.
 class InstapaperAuthoriser final : public AccountAuthoriser {
   public:
     explicit InstapaperAuthoriser(ServiceAccountCredentials accountCredentials)

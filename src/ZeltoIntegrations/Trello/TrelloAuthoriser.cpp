@@ -15,7 +15,7 @@ bool TrelloAuthoriser::authorize(URLRequest& request) {
         return false;
     }
     auto components = URLComponents::of(request.url);
-    // "?" with nothing behind it is no item.
+    // "?" with nothing after it is no item.
     std::erase(components.queryItems, URLQueryItem{});
     components.queryItems.push_back({"key", TrelloConstants::clientKey()});
     components.queryItems.push_back({"token", *token});

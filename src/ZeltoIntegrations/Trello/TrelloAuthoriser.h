@@ -6,7 +6,7 @@
 
 namespace zelto {
 
-// Signs with the query items "key" and "token", behind those that are there.
+// Signs with the query items "key" and "token", after those that are there.
 class TrelloAuthoriser final : public AccountAuthoriser {
   public:
     explicit TrelloAuthoriser(ServiceAccountCredentials accountCredentials)

@@ -15,7 +15,7 @@ namespace zelto {
 class TrelloClient;
 
 // Makes a card on a list of a board, with a link to the message, a PDF of it where that is asked for, and
-// attachments. A card that was made stays on the board when something behind it fails; the PDF and the
+// attachments. A card that was made stays on the board when something after it fails; the PDF and the
 // fetched attachments stay where they were written.
 class TrelloExporter final : public AccountDataExporter<TrelloFullData> {
   public:

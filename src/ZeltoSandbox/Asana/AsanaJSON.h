@@ -18,7 +18,7 @@ JSONObject asanaAttachmentJSON(const AsanaAttachmentRecord& attachment, const As
 // "gid", "resource_type" and "name": the form of records in lists and within others.
 JSONObject asanaCompact(const JSONObject& whole);
 
-// The fields that `optFields` names, separated by commas, behind "gid" and "resource_type". An unknown name
+// The fields that `optFields` names, separated by commas, after "gid" and "resource_type". An unknown name
 // is ignored; of a path ("assignee.email") the first name counts.
 JSONObject asanaWithFields(const JSONObject& whole, std::string_view optFields);
 

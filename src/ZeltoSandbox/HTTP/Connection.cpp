@@ -94,7 +94,7 @@ class Connection {
         }
     }
 
-    // The parser stops behind each piece of a chunked body.
+    // The parser stops after each piece of a chunked body.
     void takeBody(RequestParser& parser, SpoolWriter& body) {
         std::size_t taken = 0;
         std::size_t last = 1;

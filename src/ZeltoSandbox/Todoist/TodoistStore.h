@@ -88,7 +88,7 @@ class TodoistStore {
 // Todoist's own JSON of them.
 JSONObject todoistUserJSON(const TodoistStore& store, bool paidPlan);
 JSONValue::Array todoistProjectsJSON(const TodoistStore& store);
-// Those behind a revision.
+// Those after a revision.
 JSONValue::Array todoistItemsJSON(const TodoistStore& store, std::uint64_t after);
 JSONValue::Array todoistNotesJSON(const TodoistStore& store, std::uint64_t after);
 
