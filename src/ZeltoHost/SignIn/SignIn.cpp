@@ -217,7 +217,8 @@ SignIn::begin(const SignInService& service, const SignInOptions& options, const 
     const bool takesFragment = service.flow == SignInFlow::implicit;
     std::optional<SignInListener> listener;
     auto redirect = options.redirect;
-    if (!redirect || SignInListener::canListenAt(*redirect)) {
+    // A code or a token that came back over plain http to another machine would be there for all to read.
+    if (!redirect || redirect->scheme() == "http") {
         auto made = redirect ? SignInListener::listenAt(*redirect, takesFragment)
                              : SignInListener::listen(service.redirectPath(), takesFragment);
         if (!made) {

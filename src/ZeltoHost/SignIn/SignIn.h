@@ -17,7 +17,8 @@ namespace zelto {
 
 struct SignInOptions {
     // The address that the client is registered with. At an address of this machine the browser's response is
-    // received; for any other the user must paste it. If absent: a free port of this machine.
+    // received; for any other, which must be https or a scheme of the client's own, the user must paste it.
+    // If absent: a free port of this machine.
     std::optional<URL> redirect = {};
     std::chrono::milliseconds limit = std::chrono::minutes(5); // for the user to respond
 };

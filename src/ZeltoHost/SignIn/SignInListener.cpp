@@ -53,7 +53,8 @@ Result<SignInListener, SignInError> SignInListener::listenAt(const URL& redirect
                                                              SignInListenerLimits limits) {
     if (!canListenAt(redirect)) {
         return failure(SignInError{SignInErrorCode::cannotListen,
-                                   "An address to listen at is http, on 127.0.0.1, [::1] or localhost."});
+                                   "A redirect address of plain http has to be on this machine: 127.0.0.1, "
+                                   "[::1] or localhost."});
     }
     const auto port = redirect.port().value_or(standardPort);
     auto sockets = openSignInSockets(port);

@@ -2,6 +2,7 @@
 
 #include <ZeltoIntegrations/Content/IntegrationError.h>
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,15 +15,18 @@ class SchemeURL {
 
     // A value in which all but letters and digits is percent-encoded.
     SchemeURL& encoded(std::string_view parameter, std::string_view value);
-    // A value as it stands.
+    // A value as it stands. One that would end its field is `createUrlError`.
     SchemeURL& plain(std::string_view parameter, std::string_view value);
 
-    // The URL's text, or `urlEncodeError` if a value could not be encoded.
+    // The URL's text, or the error of its first value that has no place in it: `urlEncodeError` for one that
+    // cannot be encoded.
     ExporterResult<std::string> text() const;
 
   private:
+    void fail(IntegrationExportError error);
+
     std::string text_;
-    bool failed_ = false;
+    std::optional<IntegrationExportError> error_;
 };
 
 } // namespace zelto

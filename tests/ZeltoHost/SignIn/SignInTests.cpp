@@ -61,6 +61,18 @@ std::string complaint(const TokenResult& result) {
 
 } // namespace
 
+TEST(SignIn, DoesNotBeginWithAPlainHTTPAddressOfAnotherMachine) {
+    for (const auto* address :
+         {"http://example.org/callback", "http://127.0.0.1.example.org/", "http://10.0.0.1/"}) {
+        const auto signIn = SignIn::begin(signInServiceFor(ServiceType::ZoomMeeting).value(),
+                                          {.redirect = URL::parse(address)});
+        ASSERT_FALSE(signIn) << address;
+        EXPECT_EQ(signIn.error(), (SignInError{SignInErrorCode::cannotListen,
+                                               "A redirect address of plain http has to be on this machine: "
+                                               "127.0.0.1, [::1] or localhost."}));
+    }
+}
+
 TEST(SignIn, GetsTheTokenOfEveryServiceWithACode) {
     for (const auto& each : casesOf<ServiceType>()) {
         const auto service = signInServiceFor(each.value);

@@ -101,6 +101,9 @@ class RotatingExporter final : public AccountDataExporter<User> {
 
     void fetchData(StepRun& run, DataCompletion done) override {
         const auto client = clientOf<ServiceClient, OneNoteAuthoriser>(run, done);
+        if (!client) {
+            return;
+        }
         performRequest<User>(*client, userRequest(),
                              [this, done = std::move(done)](ServiceResult<User> fetched) mutable {
                                  if (!fetched) {

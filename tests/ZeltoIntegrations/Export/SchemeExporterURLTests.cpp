@@ -201,10 +201,13 @@ TEST(BearExporter, WithoutTagsTheParameterIsMissing) {
     EXPECT_EQ(one.openedURL(), "bear://x-callback-url/create?title=Title&text=Body");
 }
 
-TEST(BearExporter, ATagWithABlankGivesCreateUrlError) {
-    SchemeExport<BearExporter> one;
-    one.configuration.tags = {"two words"};
-    EXPECT_EQ(one.run().error(), IntegrationExportError::createUrlError);
+TEST(BearExporter, ATagThatHasNoPlaceInAURLGivesCreateUrlError) {
+    for (const auto* tag : {"two words", "a&title=b", "a#b"}) {
+        SchemeExport<BearExporter> one;
+        one.configuration.tags = {tag};
+        EXPECT_EQ(one.run(), failure(IntegrationExportError::createUrlError)) << tag;
+        EXPECT_EQ(one.openedURL(), "<none>") << tag;
+    }
 }
 
 TEST(BearExporter, TagsOfTheLastExportAreKept) {
