@@ -30,7 +30,9 @@ std::optional<Connections::Movement> Connections::movement(const Ports& ports) c
         tcp_info info{};
         socklen_t size = sizeof info;
         if (::getsockopt(socket, IPPROTO_TCP, TCP_INFO, &info, &size) == 0) {
-            return Movement{std::chrono::milliseconds(info.tcpi_last_data_recv), info.tcpi_bytes_acked};
+            return Movement{.sinceReceived = std::chrono::milliseconds(info.tcpi_last_data_recv),
+                            .sinceAcknowledged = std::chrono::milliseconds(info.tcpi_last_ack_recv),
+                            .acknowledged = info.tcpi_bytes_acked};
         }
     }
     return std::nullopt;

@@ -22,6 +22,7 @@ class Connections {
 
     struct Movement {
         std::chrono::milliseconds sinceReceived{};
+        std::chrono::milliseconds sinceAcknowledged{};
         std::uint64_t acknowledged = 0; // bytes that the peer has acknowledged
     };
 

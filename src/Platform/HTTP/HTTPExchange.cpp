@@ -10,7 +10,7 @@ constexpr std::chrono::seconds maximumDrainingTime{1};
 
 // How often per time-out an upload is checked: data that the system has buffered keeps moving, which only its
 // socket shows.
-constexpr int checksOfUpload = 4;
+constexpr int checksOfUpload = 60;
 
 using Clock = HTTPExchange::Clock;
 
@@ -78,6 +78,9 @@ bool HTTPExchange::goesOnAfter(CURLcode code) {
 std::optional<URLError> HTTPExchange::errorAfter(CURLcode code) const {
     if (failure_) {
         return errorOf(*failure_, host());
+    }
+    if (isCutOff_) {
+        return std::nullopt;
     }
     if (code == CURLE_OK) {
         return head_.isComplete() ? std::nullopt
@@ -169,7 +172,7 @@ void HTTPExchange::checkConnection() {
     if (const auto movement = rounds_.connections.movement(ports_)) {
         movedAt_ = std::max(movedAt_, rounds_.now - movement->sinceReceived);
         if (reader_ && movement->acknowledged > std::exchange(acknowledgedAtCheck_, movement->acknowledged)) {
-            movedAt_ = rounds_.now;
+            movedAt_ = std::max(movedAt_, rounds_.now - movement->sinceAcknowledged);
         }
     }
 }

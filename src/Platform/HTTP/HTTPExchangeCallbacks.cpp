@@ -1,6 +1,20 @@
 #include <Platform/HTTP/HTTPExchangeInternal.h>
 
+#include <algorithm>
+
 namespace zelto {
+
+namespace {
+
+// Of what a server says about a failure nobody reads more, and a compressed body may be a thousand times as
+// long as what was sent.
+constexpr std::uint64_t maximumErrorBody = std::uint64_t{1} << 20;
+
+bool isError(int status) {
+    return status >= 400;
+}
+
+} // namespace
 
 // Exceptions must not pass through libcurl; the only one that occurs here is lack of memory.
 template <class F> std::size_t HTTPExchange::takenOr(std::size_t refusal, F&& take) {
@@ -69,12 +83,15 @@ std::size_t HTTPExchange::takeBody(std::span<const std::uint8_t> data) {
         failure_ = URLErrorCode::responseTooLarge;
         return CURL_WRITEFUNC_ERROR;
     }
-    if (!transfer_->receiveData(data)) {
+    const auto room = isError(head_.status()) ? maximumErrorBody - received_ : data.size();
+    const auto taken = data.first(std::min<std::uint64_t>(data.size(), room));
+    if (!transfer_->receiveData(taken)) {
         isHeldBack_ = true;
         return CURL_WRITEFUNC_PAUSE;
     }
-    received_ += data.size();
-    return data.size();
+    received_ += taken.size();
+    isCutOff_ = taken.size() < data.size();
+    return isCutOff_ ? CURL_WRITEFUNC_ERROR : data.size();
 }
 
 std::size_t HTTPExchange::onRead(char* data, std::size_t size, std::size_t count, void* exchange) {

@@ -157,6 +157,7 @@ class HTTPExchange {
     int attempts_ = 0;
     Connections::Ports ports_;
     bool isHeldBack_ = false;
+    bool isCutOff_ = false; // an error body that was long enough
     bool isDraining_ = false;
     std::uint64_t drained_ = 0;
     Clock::time_point drainUntil_;

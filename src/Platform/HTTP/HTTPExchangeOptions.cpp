@@ -67,7 +67,7 @@ bool HTTPExchange::prepareHop() {
     headSize_ = received_ = sent_ = drained_ = 0;
     acknowledgedAtCheck_ = 0;
     attempts_ = 0;
-    isHeldBack_ = isDraining_ = false;
+    isHeldBack_ = isCutOff_ = isDraining_ = false;
 
     setUpFor(profile());
     setMessage();

@@ -32,8 +32,10 @@ struct URLSessionConfiguration {
     // Certificates to trust, in PEM, instead of the system's store. Verification cannot be turned off.
     std::optional<std::filesystem::path> certificateAuthorities;
 
-    std::uint64_t maximumResponseSize = std::uint64_t{256} << 20; // bytes, counted after decompression
-    std::uint64_t maximumHeaderSize = 300'000;                    // bytes of all fields of a response
+    // In bytes, counted after decompression. A body with a status of 400 or above is not refused but ends
+    // after 1 MiB.
+    std::uint64_t maximumResponseSize = std::uint64_t{256} << 20;
+    std::uint64_t maximumHeaderSize = 300'000; // bytes of all fields of a response
     TimeInterval maximumTransferTime{7 * 24 * 3600.0};
 
     // Replaces the time-out of every request: how long nothing may move.

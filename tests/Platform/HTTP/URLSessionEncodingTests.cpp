@@ -94,6 +94,22 @@ TEST(URLSessionEncoding, AResponseThatUnpacksWithoutEndIsCutAtTheLimit) {
     }
 }
 
+TEST(URLSessionEncoding, TheBodyOfAnErrorEndsAfterAMebibyte) {
+    constexpr std::size_t mebibyte = 1 << 20;
+    const std::string text(3 * mebibyte, 'y');
+    auto unending = encoded(bomb(1'000'000), "gzip");
+    unending.status = 503;
+    TestHTTPServer server({unending, PlayedResponse{.status = 400, .body = text},
+                           PlayedResponse{.status = 404, .body = text.substr(0, mebibyte)}});
+    URLSession session(URLSessionConfiguration::ephemeral());
+    for (const int status : {503, 400, 404}) {
+        const auto end = TaskEnd::of(session, URLRequest(server.url()));
+        EXPECT_EQ(end.code(), std::nullopt) << status;
+        EXPECT_EQ(end.status(), status);
+        EXPECT_EQ(end.text().size(), mebibyte) << status;
+    }
+}
+
 TEST(URLSessionEncoding, AResponseOfTooManyLayersIsBroken) {
     std::string body = "text";
     std::string names;
