@@ -6,6 +6,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <sys/eventfd.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -49,18 +50,22 @@ TransferEngine::TransferEngine()
     ThreadPool::shared(); // created here, since signals are blocked on the I/O thread
     // Registered after libcurl's set-up, and therefore called before the libraries below it are torn down.
     std::atexit(stopThread);
-    startThread();
 }
 
 // The host's signals are not delivered to this thread, and a broken pipe is an ordinary error.
-void TransferEngine::startThread() {
+bool TransferEngine::startThread() {
     sigset_t all;
     sigset_t before;
     sigfillset(&all);
     pthread_sigmask(SIG_SETMASK, &all, &before);
-    isRunning_ = true;
-    thread_ = std::thread([this] { run(); });
+    try {
+        thread_ = std::thread([this] { run(); });
+        isRunning_ = true;
+    } catch (const std::system_error&) {
+        // The next request tries again.
+    }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    return isRunning_;
 }
 
 void TransferEngine::stopThread() {
@@ -74,14 +79,22 @@ void TransferEngine::stopThread() {
     const bool hasStopped =
         engine.hasStopped_.wait_for(lock, exitGracePeriod, [&] { return !engine.isRunning_; });
     lock.unlock();
-    if (hasStopped) {
+    if (hasStopped && engine.thread_.joinable()) {
         engine.thread_.join(); // also frees what libraries keep per thread
     }
 }
 
 void TransferEngine::begin(std::shared_ptr<URLTransfer> transfer) {
-    if (!post({Command::Kind::begin, transfer})) {
+    switch (post({Command::Kind::begin, transfer})) {
+    case Posted::taken:
+        return;
+    case Posted::isStopping:
         transfer->end(URLError{URLErrorCode::cancelled, "The request was not sent, since the process ends."});
+        return;
+    case Posted::withoutThread:
+        transfer->end(URLError{URLErrorCode::cannotConnect,
+                               "The request was not sent, since the system has no thread for it."});
+        return;
     }
 }
 
@@ -93,12 +106,15 @@ void TransferEngine::proceed(std::shared_ptr<URLTransfer> transfer) {
     post({Command::Kind::proceed, std::move(transfer)});
 }
 
-bool TransferEngine::post(Command command) {
+TransferEngine::Posted TransferEngine::post(Command command) {
     bool wakes = false;
     {
         const std::lock_guard guard(lock_);
         if (stops_) {
-            return false;
+            return Posted::isStopping;
+        }
+        if (!isRunning_ && !startThread()) {
+            return Posted::withoutThread;
         }
         commands_.push_back(std::move(command));
         wakes = std::exchange(isWaiting_, false);
@@ -106,7 +122,7 @@ bool TransferEngine::post(Command command) {
     if (wakes) {
         wake();
     }
-    return true;
+    return Posted::taken;
 }
 
 // Writing can only fail when the counter is full, and then the thread wakes anyway.

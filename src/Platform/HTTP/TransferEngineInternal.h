@@ -42,9 +42,11 @@ class TransferEngine {
 
     TransferEngine();
 
-    bool post(Command command); // false once the thread is stopping
+    enum class Posted { taken, isStopping, withoutThread };
+
+    Posted post(Command command);
     void wake();
-    void startThread();
+    bool startThread();
     static void stopThread();
     void run();
     void wait();

@@ -34,12 +34,12 @@ ThreadPool& ThreadPool::shared() {
 
 ThreadPool::ThreadPool() : least_(std::max<std::size_t>(leastThreads, std::thread::hardware_concurrency())) {
     pthread_sigmask(SIG_SETMASK, nullptr, &blockedSignals);
-    std::thread([this] { watch(); }).detach();
 }
 
 void ThreadPool::post(Job job) {
     bool wakesWorker = false;
     bool wakesWatch = false;
+    bool runsHere = false;
     {
         const std::lock_guard lock(mutex_);
         jobs_.push_back(std::move(job));
@@ -48,9 +48,14 @@ void ThreadPool::post(Job job) {
             wakesWorker = jobs_.size() > std::size_t{spinning_};
         } else if (threads_ - blocked_ < least_) {
             addThread();
+            runsHere = threads_ == 0;
         } else {
-            wakesWatch = !std::exchange(watching_, true);
+            startWatch();
+            wakesWatch = hasWatch_ && !std::exchange(watching_, true);
         }
+    }
+    if (runsHere) {
+        runHere();
     }
     if (wakesWorker) {
         work_.notify_one();
@@ -65,11 +70,44 @@ void ThreadPool::addThread() {
         std::thread([this] { work(); }).detach();
         ++threads_;
     } catch (const std::system_error&) {
-        // Existing threads will take the job; if there are none, one is needed.
-        if (threads_ == 0) {
-            throw;
-        }
+        // Those that are there take the job, or else whoever has posted it.
     }
+}
+
+void ThreadPool::startWatch() {
+    if (hasWatch_) {
+        return;
+    }
+    try {
+        std::thread([this] { watch(); }).detach();
+        hasWatch_ = true;
+    } catch (const std::system_error&) {
+        // The next job that waits tries again.
+    }
+}
+
+// A job that posts others does not run them within itself.
+void ThreadPool::runHere() {
+    thread_local bool isRunning = false;
+    if (std::exchange(isRunning, true)) {
+        return;
+    }
+    for (Job job; takeJob(job); job = nullptr) {
+        containingExceptions("A job of the thread pool", job);
+    }
+    isRunning = false;
+}
+
+bool ThreadPool::takeJob(Job& job) {
+    const std::lock_guard lock(mutex_);
+    if (jobs_.empty()) {
+        return false;
+    }
+    job = std::move(jobs_.front());
+    jobs_.pop_front();
+    waiting_.store(jobs_.size(), std::memory_order_relaxed);
+    ++taken_;
+    return true;
 }
 
 void ThreadPool::work() {
@@ -111,6 +149,7 @@ bool ThreadPool::waitForJob(std::unique_lock<std::mutex>& lock) {
 }
 
 void ThreadPool::watch() {
+    pthread_sigmask(SIG_SETMASK, &blockedSignals, nullptr);
     std::unique_lock lock(mutex_);
     while (true) {
         watch_.wait(lock, [this] { return watching_; });

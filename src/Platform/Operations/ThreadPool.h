@@ -17,6 +17,7 @@ namespace zelto {
 // of the pool cannot starve them.
 //
 // All threads block the signals that were blocked on the thread that made the pool, whoever posts the jobs.
+// Where the system gives the pool no thread at all, a job runs on the thread that posts it.
 //
 // The pool lives until the process ends, and its jobs are not waited for.
 class ThreadPool {
@@ -51,6 +52,9 @@ class ThreadPool {
     bool waitForJob(std::unique_lock<std::mutex>& lock);
     void watch();
     void addThread();
+    void startWatch();
+    void runHere();
+    bool takeJob(Job& job);
 
     std::size_t atWork() const { return threads_ - idle_ - blocked_; }
 
@@ -65,6 +69,7 @@ class ThreadPool {
     std::size_t taken_ = 0;
     bool spinning_ = false;
     bool watching_ = false;
+    bool hasWatch_ = false;
     const std::size_t least_;
 };
 

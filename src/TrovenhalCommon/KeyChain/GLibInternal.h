@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 #include <stop_token>
+#include <system_error>
 #include <thread>
 
 namespace zelto {
@@ -46,20 +47,28 @@ class GErrorHolder {
 // A cancellable that cancels the calls it is passed to when its time limit is reached.
 class TimedCancellable {
   public:
-    explicit TimedCancellable(std::chrono::milliseconds limit)
-        : cancellable_(g_cancellable_new()), timer_([this, limit](const std::stop_token& stop) {
-              std::unique_lock guard(lock_);
-              const bool isDone = ended_.wait_for(guard, stop, limit, [&] { return stop.stop_requested(); });
-              if (!isDone) {
-                  g_cancellable_cancel(cancellable_.get());
-              }
-          }) {}
+    explicit TimedCancellable(std::chrono::milliseconds limit) : cancellable_(g_cancellable_new()) {
+        try {
+            timer_ = std::jthread([this, limit](const std::stop_token& stop) { cancelAfter(limit, stop); });
+        } catch (const std::system_error&) {
+            // Without a thread for the limit a call could take for ever.
+            g_cancellable_cancel(cancellable_.get());
+        }
+    }
 
     GCancellable* get() const { return cancellable_.get(); }
 
     bool isOver() const { return g_cancellable_is_cancelled(cancellable_.get()) != FALSE; }
 
   private:
+    void cancelAfter(std::chrono::milliseconds limit, const std::stop_token& stop) {
+        std::unique_lock guard(lock_);
+        const bool isDone = ended_.wait_for(guard, stop, limit, [&] { return stop.stop_requested(); });
+        if (!isDone) {
+            g_cancellable_cancel(cancellable_.get());
+        }
+    }
+
     GObjectPtr<GCancellable> cancellable_;
     std::mutex lock_;
     std::condition_variable_any ended_;

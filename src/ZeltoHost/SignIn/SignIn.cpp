@@ -11,6 +11,7 @@
 #include <Platform/HTTP/URLResponse.h>
 #include <Platform/Text.h>
 
+#include <system_error>
 #include <thread>
 
 namespace zelto {
@@ -102,10 +103,12 @@ class SignIn::Work {
 
     TokenResult finish(const std::stop_token& stop) {
         std::jthread serving;
-        if (listener_) {
-            serving = std::jthread([this](const std::stop_token& end) {
-                listener_->serve([this](const FormItems& items) { return inbox_->offer(items); }, end);
-            });
+        try {
+            serving = listener_ ? startServing() : std::jthread();
+        } catch (const std::system_error&) {
+            return failure(SignInError{SignInErrorCode::cannotListen,
+                                       "The system has no thread for the browser's response; end other "
+                                       "programs and try again."});
         }
         const auto response = inbox_->wait(limit_, stop);
         // The token is fetched while the browser gets its page.
@@ -129,6 +132,12 @@ class SignIn::Work {
     }
 
   private:
+    std::jthread startServing() {
+        return std::jthread([this](const std::stop_token& end) {
+            listener_->serve([this](const FormItems& items) { return inbox_->offer(items); }, end);
+        });
+    }
+
     void mask(const std::string& secret) { masks_.push_back(SecretRegistry::shared().add(secret)); }
 
     Result<void, SignInError> preparePage() {

@@ -5,6 +5,7 @@
 
 #include <Platform/Operations/OperationQueue.h>
 
+#include <system_error>
 #include <utility>
 
 #include <sys/file.h>
@@ -54,16 +55,25 @@ void AccountRefreshLock::take(const std::string& serviceCredentialsKey,
     if (lockFile(*file, LOCK_EX | LOCK_NB)) {
         return taken(heldBy(*std::move(file)));
     }
-    wait({*std::move(file), std::move(taken), Clock::now() + timeout_});
+    Waiting waiting{*std::move(file), std::move(taken), Clock::now() + timeout_};
+    if (!wait(waiting)) {
+        waiting.taken(nullptr);
+    }
 }
 
-void AccountRefreshLock::wait(Waiting waiting) {
+// False where the system has no thread for it.
+bool AccountRefreshLock::wait(Waiting& waiting) {
     const std::lock_guard guard(lock_);
-    waiting_.push_back(std::move(waiting));
     if (!watch_.joinable()) {
-        watch_ = std::jthread([this](const std::stop_token& stop) { watch(stop); });
+        try {
+            watch_ = std::jthread([this](const std::stop_token& stop) { watch(stop); });
+        } catch (const std::system_error&) {
+            return false;
+        }
     }
+    waiting_.push_back(std::move(waiting));
     changed_.notify_all();
+    return true;
 }
 
 void AccountRefreshLock::watch(const std::stop_token& stop) {

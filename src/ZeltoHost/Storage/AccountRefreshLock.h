@@ -33,7 +33,7 @@ class AccountRefreshLock final : public RefreshLock {
         std::chrono::steady_clock::time_point deadline;
     };
 
-    void wait(Waiting waiting);
+    bool wait(Waiting& waiting);
     void watch(const std::stop_token& stop);
     static bool isSettled(Waiting& waiting);
 

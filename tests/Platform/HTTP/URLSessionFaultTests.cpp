@@ -1,7 +1,9 @@
 #include <Platform/HTTP/URLSession.h>
 
 #include "Support/Event.h"
+#include "Support/FreshProcess.h"
 #include "Support/KillingProxy.h"
+#include "Support/RefusedThreads.h"
 #include "Support/ScriptedServer.h"
 #include "Support/SessionTasks.h"
 #include "Support/TestHTTPServer.h"
@@ -233,6 +235,15 @@ TEST(URLSessionFault, ANameWithoutAnAddressIsReportedAsSuch) {
     const auto end = TaskEnd::of(session, URLRequest(*URL::parse("https://name.invalid/?key=secret")));
     EXPECT_EQ(end.code(), URLErrorCode::cannotFindHost) << describe(end);
     EXPECT_FALSE(describe(end).contains("secret"));
+}
+
+TEST(URLSessionFault, WithoutAThreadARequestEndsUnsent) {
+    expectInFreshProcess([] {
+        const bool isRefused = refuseThreads();
+        URLSession session(URLSessionConfiguration::ephemeral());
+        const auto end = TaskEnd::of(session, URLRequest(*URL::parse("http://127.0.0.1:1/")));
+        return isRefused && end.code() == URLErrorCode::cannotConnect;
+    });
 }
 
 } // namespace

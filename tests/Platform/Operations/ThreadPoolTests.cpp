@@ -1,6 +1,7 @@
 #include <Platform/Operations/OperationFixtures.h>
 
 #include "Support/FreshProcess.h"
+#include "Support/RefusedThreads.h"
 
 #include <Platform/Operations/ContainedException.h>
 #include <Platform/Operations/ThreadPool.h>
@@ -71,6 +72,24 @@ TEST(ThreadPool, BlocksTheSameSignalsOnAllThreadsWhoeverPosts) {
         }).join();
         EXPECT_TRUE(eventually([&] { return inside == 4; }));
         return open == 4;
+    });
+}
+
+TEST(ThreadPool, WithoutAThreadRunsJobsWhereTheyArePosted) {
+    expectInFreshProcess([] {
+        std::vector<int> order;
+        const auto here = std::this_thread::get_id();
+        const auto note = [&](int number) {
+            order.push_back(std::this_thread::get_id() == here ? number : -1);
+        };
+        const bool isRefused = refuseThreads();
+        ThreadPool::shared().post([&] {
+            ThreadPool::shared().post([&] { note(2); });
+            ThreadPool::shared().post([&] { note(3); });
+            note(1);
+        });
+        ThreadPool::shared().post([&] { note(4); });
+        return isRefused && order == std::vector{1, 2, 3, 4};
     });
 }
 

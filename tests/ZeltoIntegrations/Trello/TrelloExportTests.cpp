@@ -2,7 +2,9 @@
 
 #include <Platform/URLComponents.h>
 
+#include <Support/FreshProcess.h>
 #include <Support/LogCapture.h>
+#include <Support/RefusedThreads.h>
 #include <Support/TrelloExport.h>
 
 #include <gtest/gtest.h>
@@ -190,6 +192,18 @@ TEST_F(TrelloExportTest, HostileTitlesArriveAsTheyAre) {
                   one.pdfPaths.front().parent_path().parent_path())
             << title;
     }
+}
+
+TEST(TrelloExport, WithoutAThreadEndsWithAnErrorAndSendsNothing) {
+    expectInFreshProcess([] {
+        const bool isRefused = refuseThreads();
+        TrelloExport one;
+        one.configuration.saveAs = IntegrationExportContentType::backLink;
+        const auto result = one.run();
+        const auto report = one.exporter()->exportReport();
+        return isRefused && result == failure(IntegrationExportError::createTaskError) &&
+               report.refused.size() == 1 && report.made.empty();
+    });
 }
 
 } // namespace zelto
