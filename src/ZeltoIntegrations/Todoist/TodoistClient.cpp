@@ -9,21 +9,21 @@
 namespace zelto {
 
 // Everything of these kinds.
-struct TodoistReading {
+struct TodoistReadRequest {
     std::string sync_token = "*";
     std::vector<std::string> resource_types = {"projects", "user"};
 };
 
 // Commands, and which kinds of what they make come back.
-struct TodoistWriting {
+struct TodoistWriteRequest {
     std::vector<std::string> resource_types = {"notes"};
     std::vector<TodoistCommand> commands;
 };
 
-ZELTO_JSON_CODED(TodoistReading);
-ZELTO_JSON_CODED(TodoistWriting);
-ZELTO_JSON_RECORD(TodoistReading, sync_token, resource_types);
-ZELTO_JSON_RECORD(TodoistWriting, resource_types, commands);
+ZELTO_JSON_CODED(TodoistReadRequest);
+ZELTO_JSON_CODED(TodoistWriteRequest);
+ZELTO_JSON_RECORD(TodoistReadRequest, sync_token, resource_types);
+ZELTO_JSON_RECORD(TodoistWriteRequest, resource_types, commands);
 
 namespace {
 
@@ -45,23 +45,23 @@ ServiceResult<JSONValue> objectOf(JSONValue response) {
 
 } // namespace
 
-void TodoistClient::getAllData(Completion<TodoistFetchResponse, ServiceClientError> completion) {
-    performRequest<TodoistFetchResponse>(*this, syncRequest(TodoistReading()), std::move(completion));
+void TodoistClient::getAllData(ServiceCompletion<TodoistFetchResponse> completion) {
+    performRequest<TodoistFetchResponse>(*this, syncRequest(TodoistReadRequest()), std::move(completion));
 }
 
 void TodoistClient::addTask(const std::vector<TodoistCommand>& commands,
-                            Completion<TodoistUploadResponse, ServiceClientError> completion) {
-    performRequest<TodoistUploadResponse>(*this, syncRequest(TodoistWriting{.commands = commands}),
+                            ServiceCompletion<TodoistUploadResponse> completion) {
+    performRequest<TodoistUploadResponse>(*this, syncRequest(TodoistWriteRequest{.commands = commands}),
                                           std::move(completion));
 }
 
 void TodoistClient::uploadAttachment(const std::string& fileName, const std::filesystem::path& path,
-                                     Completion<JSONValue, ServiceClientError> completion) {
-    performMapped<JSONValue>(*this,
-                             ServiceRequest("POST", apiBaseURL, uploadsPath)
-                                 .upload(path, {{"file_name", fileName}}, "file",
-                                         "uploadAttachment(fileName:filePath:completion:)"),
-                             objectOf, std::move(completion));
+                                     ServiceCompletion<JSONValue> completion) {
+    performMapped<JSONValue>(
+        *this,
+        ServiceRequest("POST", apiBaseURL, uploadsPath)
+            .upload(path, {{"file_name", fileName}}, "file", "uploadAttachment(fileName:path:completion:)"),
+        objectOf, std::move(completion));
 }
 
 } // namespace zelto

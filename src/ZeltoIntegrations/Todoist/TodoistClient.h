@@ -17,19 +17,19 @@ class TodoistClient final : public ServiceClient {
 
     // The user and all projects.
     // https://developer.todoist.com/api/v1/#tag/Sync/Overview/Read-resources
-    void getAllData(Completion<TodoistFetchResponse, ServiceClientError> completion);
+    void getAllData(ServiceCompletion<TodoistFetchResponse> completion);
 
     // Carries out the commands in their order. A response has a status of its own for each of them, which may
     // be an error.
     // https://developer.todoist.com/api/v1/#tag/Sync/Overview/Write-resources
     void addTask(const std::vector<TodoistCommand>& commands,
-                 Completion<TodoistUploadResponse, ServiceClientError> completion);
+                 ServiceCompletion<TodoistUploadResponse> completion);
 
     // Completes with the response as it is, an object, which is what a comment refers to the file by. Sends
     // the file as it is read; nothing of it is held in memory.
     // https://developer.todoist.com/api/v1/#tag/Uploads
     void uploadAttachment(const std::string& fileName, const std::filesystem::path& path,
-                          Completion<JSONValue, ServiceClientError> completion);
+                          ServiceCompletion<JSONValue> completion);
 
     static constexpr std::string_view apiBaseURL = "https://api.todoist.com/api/v1";
 };

@@ -1,6 +1,6 @@
 #pragma once
 
-// What the sync endpoint is asked to do. For the sources of this folder and their tests.
+// What the sync endpoint is asked to do.
 
 #include <Platform/JSON/JSONValue.h>
 

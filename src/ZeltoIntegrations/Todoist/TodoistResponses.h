@@ -1,6 +1,6 @@
 #pragma once
 
-// The service's responses, as it writes them. For the sources of this folder and their tests.
+// The service's responses, as it writes them.
 
 #include <ZeltoIntegrations/Todoist/TodoistCommands.h>
 #include <ZeltoIntegrations/Todoist/TodoistRecords.h>

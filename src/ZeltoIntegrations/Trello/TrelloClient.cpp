@@ -54,14 +54,14 @@ void TrelloClient::getAllActiveBoards(Boards completion) {
 
 void TrelloClient::addCard(const std::optional<std::string>& cardName,
                            const std::optional<std::string>& cardDescription, const std::string& inListWithID,
-                           Completion<std::string, ServiceClientError> completion) {
+                           ServiceCompletion<std::string> completion) {
     performMapped<AddCardResponse>(
         *this, createTrelloRequest(cardsPath, cardFields(cardName, cardDescription, inListWithID), "POST"),
         &AddCardResponse::id, std::move(completion));
 }
 
 void TrelloClient::addAttachment(const std::filesystem::path& filePath, const std::string& toCard,
-                                 Completion<void, ServiceClientError> completion) {
+                                 ServiceCompletion<void> completion) {
     if (filePath.empty() || toCard.empty()) {
         return completion(failure(ServiceClientError::internalError));
     }
@@ -72,7 +72,7 @@ void TrelloClient::addAttachment(const std::filesystem::path& filePath, const st
         std::move(completion));
 }
 
-void TrelloClient::getUser(Completion<TrelloUser, ServiceClientError> completion) {
+void TrelloClient::getUser(ServiceCompletion<TrelloUser> completion) {
     performMapped<GetUserResponse>(*this, createTrelloRequest(userPath, userFields, "GET"), toTrelloUser,
                                    std::move(completion));
 }

@@ -17,7 +17,7 @@ class TrelloClient final : public ServiceClient {
   public:
     using ServiceClient::ServiceClient;
 
-    using Boards = Completion<std::vector<TrelloBoard>, ServiceClientError>;
+    using Boards = ServiceCompletion<std::vector<TrelloBoard>>;
 
     // Closed boards too, and lists that were closed since.
     // https://developer.atlassian.com/cloud/trello/rest/api-group-members/#api-members-id-boards-get
@@ -29,15 +29,15 @@ class TrelloClient final : public ServiceClient {
     // https://developer.atlassian.com/cloud/trello/rest/api-group-cards/#api-cards-post
     void addCard(const std::optional<std::string>& cardName,
                  const std::optional<std::string>& cardDescription, const std::string& inListWithID,
-                 Completion<std::string, ServiceClientError> completion);
+                 ServiceCompletion<std::string> completion);
 
     // Sends the file as it is read; nothing of it is held in memory.
     // https://developer.atlassian.com/cloud/trello/rest/api-group-cards/#api-cards-id-attachments-post
     void addAttachment(const std::filesystem::path& filePath, const std::string& toCard,
-                       Completion<void, ServiceClientError> completion);
+                       ServiceCompletion<void> completion);
 
     // https://developer.atlassian.com/cloud/trello/rest/api-group-members/#api-members-id-get
-    void getUser(Completion<TrelloUser, ServiceClientError> completion);
+    void getUser(ServiceCompletion<TrelloUser> completion);
 
     static constexpr std::string_view apiBaseURL = "https://api.trello.com/1/";
 
