@@ -165,6 +165,8 @@ const std::vector<CommandSpec> table = {
       {"--dry-run", "",
        "Do all but the last step: nothing is opened, sent or remembered. The URL is printed, or each request "
        "to a service on the web, without secrets, and each limit of the service that it would pass"},
+      {"--timeout", "SECONDS",
+       "Give up when for so long no step has ended and fewer than 64 KiB have moved [600]"},
       {"--progress",
        "KIND",
        "How progress is shown on standard error; a bar is shown on a terminal only",

@@ -1,11 +1,14 @@
 #include "base/Interruption.h"
 #include "commandline/Commands.h"
+#include "commandline/TimeoutOption.h"
 #include "export/DryRun.h"
 #include "export/MessageWork.h"
 #include "export/ProgressReporter.h"
+#include "export/StallWatch.h"
 
 #include <Platform/Text.h>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <stop_token>
@@ -22,23 +25,33 @@ ProgressStyle progressStyle(const Invocation& invocation) {
     return style == "none" || invocation.has("--quiet") ? ProgressStyle::none : ProgressStyle::bar;
 }
 
-// Runs the export that was prepared under a progress bar; the first Ctrl-C cancels it.
-ExporterResult<void> exportWithProgress(const Invocation& invocation, const Terminal& terminal,
-                                        const MessageWork& work) {
+struct EndedExport {
+    ExporterResult<void> result;
+    bool hasStalled;
+};
+
+// Runs the export that was prepared under a progress bar; the first Ctrl-C cancels it, and so does a
+// standstill.
+EndedExport exportWithProgress(const Invocation& invocation, const Terminal& terminal,
+                               std::chrono::milliseconds timeout, const MessageWork& work) {
     const ProgressReporter reporter(progressStyle(invocation), terminal);
     std::optional<Interruption> interruption;
     std::optional<std::stop_callback<std::function<void()>>> cancelling;
+    std::optional<StallWatch> stallWatch;
     auto result = work.session->run([&](const auto& progress) {
+        const auto cancel = [progress] { progress->cancel(); };
         reporter.follow(progress);
         cancelling.reset();
         interruption.reset();
         interruption.emplace();
-        cancelling.emplace(interruption->stop(), [progress] { progress->cancel(); });
+        cancelling.emplace(interruption->stop(), cancel);
+        stallWatch.emplace(
+            timeout, [progress] { return progress->fractionCompleted(); }, cancel);
     });
     cancelling.reset();
     interruption.reset();
     reporter.end();
-    return result;
+    return {std::move(result), stallWatch && stallWatch->hasStalled()};
 }
 
 void addWhatWasMade(Report& report, const MessageWork& work, const ExportPlan& plan,
@@ -92,10 +105,11 @@ Report reportOf(const MessageWork& work, const ExportPlan& plan, bool isDryRun, 
     return report;
 }
 
-Outcome<Report> shownRequests(const Invocation& invocation, const Terminal& terminal, const MessageWork& work,
+Outcome<Report> shownRequests(const Invocation& invocation, const Terminal& terminal,
+                              std::chrono::milliseconds timeout, const MessageWork& work,
                               const ExportPlan& plan) {
-    auto report =
-        dryRun(work, plan, terminal, [&] { return exportWithProgress(invocation, terminal, work); });
+    auto report = dryRun(work, plan, terminal,
+                         [&] { return exportWithProgress(invocation, terminal, timeout, work).result; });
     if (report) {
         addWhatWasLeftOut(report->members, work, plan);
     }
@@ -109,6 +123,10 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
     if (!edits) {
         return failure(edits.error());
     }
+    const auto timeout = timeoutOf(invocation, "600");
+    if (!timeout) {
+        return failure(timeout.error());
+    }
     const bool isDryRun = invocation.has("--dry-run");
     const auto work = MessageWork::open(invocation, isDryRun ? Effects::sendsNothing : Effects::all);
     if (!work) {
@@ -120,11 +138,13 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
         return failure(plan.error());
     }
     if (isDryRun && work->session->isOnWeb()) {
-        return shownRequests(invocation, terminal, *work, *plan);
+        return shownRequests(invocation, terminal, *timeout, *work, *plan);
     }
-    const auto result = exportWithProgress(invocation, terminal, *work);
-    if (!result) {
-        return failure(exportFailure(result.error(), work->circumstances(*plan)));
+    const auto ended = exportWithProgress(invocation, terminal, *timeout, *work);
+    if (!ended.result) {
+        auto circumstances = work->circumstances(*plan);
+        circumstances.hasStalled = ended.hasStalled;
+        return failure(exportFailure(ended.result.error(), circumstances));
     }
     if (!isDryRun) {
         if (const auto stored = storeLastUsed(*work); !stored) {

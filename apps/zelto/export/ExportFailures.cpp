@@ -91,7 +91,11 @@ Advice noPDF(const std::optional<PDFError>& error) {
 Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) {
     switch (error) {
     case IntegrationExportError::canceled:
-        return {"The export was canceled.", ""};
+        return about.hasStalled
+                   ? Advice{"The export was given up: for the time of --timeout no step of it has ended, and "
+                            "hardly anything has moved.",
+                            "zelto export --timeout"}
+                   : Advice{"The export was canceled.", ""};
     case IntegrationExportError::internalError:
         return refusal(about, "take",
                        {"The export to " + about.service + " met an internal error.", showsLog});
@@ -157,9 +161,11 @@ Failure exportFailure(IntegrationExportError error, const ExportCircumstances& a
         members.set("made", described(about.report.made));
     }
     message += unknownOutcome(about);
-    const auto status =
-        error == IntegrationExportError::canceled ? ExitStatus::interrupted : ExitStatus::failed;
-    return {std::string(nameOf(error)), std::move(message), std::move(next), status, std::move(members)};
+    const bool hasStalled = error == IntegrationExportError::canceled && about.hasStalled;
+    const auto status = error == IntegrationExportError::canceled && !hasStalled ? ExitStatus::interrupted
+                                                                                 : ExitStatus::failed;
+    auto name = hasStalled ? "timedOut" : std::string(nameOf(error));
+    return {std::move(name), std::move(message), std::move(next), status, std::move(members)};
 }
 
 Failure loadFailure(IntegrationLoadError error, const std::string& service, const std::string& account) {

@@ -20,6 +20,7 @@ struct ExportCircumstances {
     std::optional<Failure> missingTarget; // where the export needs a target and none is chosen
     std::optional<PDFError> pdfError;
     ExportReport report;
+    bool hasStalled = false; // and was cancelled for that
 };
 
 // Why an export failed, what is on the service already, and what to do.

@@ -1,5 +1,7 @@
 #include <Platform/HTTP/HTTPExchangeInternal.h>
 
+#include <Platform/HTTP/TrafficInternal.h>
+
 #include <algorithm>
 
 namespace zelto {
@@ -35,6 +37,7 @@ std::size_t HTTPExchange::onHeader(char* data, std::size_t size, std::size_t cou
 
 bool HTTPExchange::takeHeadLine(std::string_view line) {
     movedAt_ = rounds_.now;
+    countMovedBytes(line.size());
     headSize_ += line.size();
     const auto maximum = transfer_ ? transfer_->session().configuration.maximumHeaderSize : headSize_;
     const auto progress = head_.take(line);
@@ -72,6 +75,7 @@ std::size_t HTTPExchange::onBody(char* data, std::size_t size, std::size_t count
 
 std::size_t HTTPExchange::takeBody(std::span<const std::uint8_t> data) {
     movedAt_ = rounds_.now;
+    countMovedBytes(data.size());
     if (isDraining_) {
         drained_ += data.size();
         return drained_ <= maximumDrainedBytes ? data.size() : CURL_WRITEFUNC_ERROR;
@@ -107,6 +111,7 @@ std::size_t HTTPExchange::giveBody(std::span<std::uint8_t> buffer) {
         return CURL_READFUNC_ABORT;
     }
     sent_ += *count;
+    countMovedBytes(*count);
     return *count;
 }
 

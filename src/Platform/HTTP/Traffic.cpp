@@ -1,0 +1,23 @@
+#include <Platform/HTTP/Traffic.h>
+
+#include <Platform/HTTP/TrafficInternal.h>
+
+#include <atomic>
+
+namespace zelto {
+
+namespace {
+
+std::atomic<std::uint64_t> moved = 0;
+
+} // namespace
+
+std::uint64_t movedByteCount() {
+    return moved.load(std::memory_order_relaxed);
+}
+
+void countMovedBytes(std::size_t count) {
+    moved.fetch_add(count, std::memory_order_relaxed);
+}
+
+} // namespace zelto

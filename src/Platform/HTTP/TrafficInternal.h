@@ -1,0 +1,11 @@
+#pragma once
+
+// Internal to the transport.
+
+#include <cstddef>
+
+namespace zelto {
+
+void countMovedBytes(std::size_t count);
+
+} // namespace zelto
