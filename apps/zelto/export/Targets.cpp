@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <functional>
 #include <ranges>
+#include <unordered_map>
 
 namespace zelto::cli {
 
@@ -195,6 +196,37 @@ void appendLines(std::string& text, const std::vector<TargetNode>& nodes, std::s
     }
 }
 
+// By its whole name.
+struct Target {
+    std::string name;
+    std::string id;
+};
+
+void appendTargets(std::vector<Target>& targets, TargetPath& path, const TargetTree& tree,
+                   const std::vector<TargetNode>& nodes) {
+    for (std::size_t index = 0; index < nodes.size(); ++index) {
+        path.push_back(index);
+        if (path.size() < tree.levels.size()) {
+            appendTargets(targets, path, tree, nodes[index].children);
+        } else {
+            targets.push_back({targetName(tree, path), nodes[index].id});
+        }
+        path.pop_back();
+    }
+}
+
+// How many targets each text may mean.
+std::unordered_map<std::string, int> usesOfTexts(const std::vector<Target>& targets) {
+    std::unordered_map<std::string, int> uses;
+    for (const auto& target : targets) {
+        ++uses[target.name];
+        if (target.id != target.name) {
+            ++uses[target.id];
+        }
+    }
+    return uses;
+}
+
 } // namespace
 
 Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, const std::string& account) {
@@ -227,22 +259,14 @@ std::string linesOf(const TargetTree& tree, const Terminal& terminal) {
 }
 
 std::string pathLinesOf(const TargetTree& tree) {
-    std::string lines;
+    std::vector<Target> targets;
     TargetPath path;
-    const std::function<void(const std::vector<TargetNode>&)> visit = [&](const auto& nodes) {
-        for (std::size_t index = 0; index < nodes.size(); ++index) {
-            path.push_back(index);
-            if (path.size() < tree.levels.size()) {
-                visit(nodes[index].children);
-            } else {
-                const auto name = targetName(tree, path);
-                lines += (name.find_first_of("\r\n") == std::string::npos ? name : nodes[index].id) + "\n";
-            }
-            path.pop_back();
-        }
-    };
-    visit(tree.nodes);
-    return lines;
+    appendTargets(targets, path, tree, tree.nodes);
+    const auto uses = usesOfTexts(targets);
+    return joined(targets, "", [&](const Target& target) {
+        const bool isOneLine = target.name.find_first_of("\r\n") == std::string::npos;
+        return (isOneLine && uses.at(target.name) == 1 ? target.name : target.id) + "\n";
+    });
 }
 
 std::string nothingToChoose(const TargetTree& tree, const std::string& service) {

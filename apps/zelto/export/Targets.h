@@ -49,7 +49,8 @@ Failure noTarget(const TargetTree& tree, const std::string& service, const std::
 // What --target names cannot be looked up, since the account's data were never loaded.
 Failure targetsUnknown(const std::string& service, const std::string& account);
 
-// Each target on a line as --target takes it; by identifiers where a name has more than one line.
+// Each target on a line as --target takes it: by its identifier where its name has more than one line, or
+// means another target too.
 std::string pathLinesOf(const TargetTree& tree);
 
 // "Trello shows no board with a list to put it into; make one there first."

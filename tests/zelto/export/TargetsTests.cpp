@@ -76,6 +76,16 @@ TEST(Targets, OfOneLevelAreNamedAlone) {
               "--target: there is no project \"x\"; there are Inbox, A/B.");
 }
 
+TEST(Targets, AreListedAsPathsOfWhichEachMeansOne) {
+    EXPECT_EQ(pathLinesOf(tree), "Work/To Do\nWork/Done\nHome/To Do\nA/B/C/D\nA/B/l5\nl6\nl7\nwork/Done\n"
+                                 "b6/Ärger\n");
+    EXPECT_EQ(pathLinesOf({.levels = {"project"}, .nodes = {{"p1", "a\nb"}, {"p2", "p3"}, {"p3", ""}}}),
+              "p1\np2\np3\n");
+    EXPECT_EQ(pathLinesOf({.levels = {"board", "list"},
+                           .nodes = {{"b1", "A/B", {{"l1", "C"}}}, {"b2", "A", {{"l2", "B/C"}}}}}),
+              "l1\nl2\n");
+}
+
 TEST(Targets, AHundredThousandAreSearchedAndListedAtMostTen) {
     TargetTree large{.levels = {"board", "list"}, .nodes = {}};
     constexpr auto count = 100'000;
