@@ -6,6 +6,7 @@
 #include <Platform/Joined.h>
 #include <Platform/Text.h>
 
+#include <algorithm>
 #include <ranges>
 #include <utility>
 
@@ -26,6 +27,13 @@ std::string named(const std::string& kind, const std::string& name) {
 
 std::string reconnectCommand(const std::string& account) {
     return "zelto reconnect " + shellWord(account);
+}
+
+// Whether nothing was made of what an export makes: files may go to a service before what they belong to.
+bool isFirst(const Refused& refused, const ExportReport& report) {
+    constexpr auto isFile = [](const std::string& kind) { return kind == "file"; };
+    return report.made.empty() ||
+           (!isFile(refused.kind) && std::ranges::all_of(report.made, isFile, &ExportReport::Made::kind));
 }
 
 // A message and the command to try next.
@@ -51,7 +59,7 @@ Advice reasonOf(const Refused& refused, const ExportCircumstances& about) {
     case ServiceClientError::serviceInternalError:
         return {"it had an error of its own; try again later", showsLog};
     case ServiceClientError::apiCallError:
-        return about.report.made.empty()
+        return isFirst(refused, about.report)
                    ? Advice{"it refused the request, and may not have what it was to go into any more",
                             refreshCommand(about.account)}
                    : Advice{"it refused the request", showsLog};
@@ -137,15 +145,52 @@ bool isForWantOfTarget(IntegrationExportError error, const ExportCircumstances& 
 }
 
 // A request that was cut off may have worked all the same.
+bool isUnknown(const Refused& refused) {
+    return refused.reason == ServiceClientError::connectionError && !refused.nothingWasSent;
+}
+
+std::string listOf(const std::vector<Refused>& refused, bool (*isListed)(const Refused&)) {
+    return joined(refused | std::views::filter(isListed), ", ",
+                  [](const Refused& each) { return named(each.kind, each.name); });
+}
+
 std::string unknownOutcome(const ExportCircumstances& about) {
-    const auto isUnknown = [](const Refused& each) {
-        return each.reason == ServiceClientError::connectionError && !each.nothingWasSent;
-    };
-    const auto names = joined(about.report.refused | std::views::filter(isUnknown), ", ",
-                              [](const Refused& each) { return named(each.kind, each.name); });
+    const auto names = listOf(about.report.refused, isUnknown);
     return names.empty() ? ""
                          : " Whether " + about.service +
                                " has this is not known, since no response came: " + names + ".";
+}
+
+bool namesFirstRefusal(IntegrationExportError error) {
+    return error == IntegrationExportError::createTaskError ||
+           error == IntegrationExportError::uploadAttachmentError ||
+           error == IntegrationExportError::internalError;
+}
+
+// An export may go on after a failure, and meet more of them.
+std::string otherRefusals(IntegrationExportError error, const ExportCircumstances& about) {
+    auto others = about.report.refused;
+    if (namesFirstRefusal(error) && !others.empty()) {
+        others.erase(others.begin());
+    }
+    const auto names = listOf(others, [](const Refused& each) { return !isUnknown(each); });
+    return names.empty() ? "" : " Not on " + about.service + ": " + names + ".";
+}
+
+JSONValue described(const std::vector<Refused>& refused) {
+    JSONValue::Array all;
+    for (const auto& each : refused) {
+        JSONObject object{
+            {"kind", each.kind}, {"name", each.name}, {"reason", std::string(nameOf(each.reason))}};
+        if (!each.words.empty()) {
+            object.set("words", each.words);
+        }
+        if (each.nothingWasSent) {
+            object.set("nothingWasSent", true);
+        }
+        all.emplace_back(std::move(object));
+    }
+    return all;
 }
 
 } // namespace
@@ -160,7 +205,10 @@ Failure exportFailure(IntegrationExportError error, const ExportCircumstances& a
                    " already, and made again by another export: " + listOf(about.report.made) + ".";
         members.set("made", described(about.report.made));
     }
-    message += unknownOutcome(about);
+    if (!about.report.refused.empty()) {
+        members.set("refused", described(about.report.refused));
+    }
+    message += otherRefusals(error, about) + unknownOutcome(about);
     const bool hasStalled = error == IntegrationExportError::canceled && about.hasStalled;
     const auto status = error == IntegrationExportError::canceled && !hasStalled ? ExitStatus::interrupted
                                                                                  : ExitStatus::failed;

@@ -75,6 +75,38 @@ TEST(ExportFailures, DistinguishWhatWasNotSentFromWhatMayHaveArrived) {
         "has this is not known, since no response came: card \"T\".");
 }
 
+TEST(ExportFailures, ListEverythingThatWasRefused) {
+    auto about = refused({.kind = "file",
+                          .name = "a.txt",
+                          .reason = ServiceClientError::toManyRequests,
+                          .words = "slow down"});
+    about.report.made = {{.kind = "card", .name = "T", .identifier = "c1"}};
+    about.report.refused.push_back(
+        {.kind = "file", .name = "b.txt", .reason = ServiceClientError::forbidden});
+    about.report.refused.push_back({.kind = "file",
+                                    .name = "c.txt",
+                                    .reason = ServiceClientError::connectionError,
+                                    .nothingWasSent = true});
+    about.report.refused.push_back(
+        {.kind = "file", .name = "d.txt", .reason = ServiceClientError::connectionError});
+    const std::string upload = "Trello did not take the file \"a.txt\": it had too many requests; wait some "
+                               "minutes (\"slow down\").";
+    const std::string made = " On Trello already, and made again by another export: card \"T\".";
+    const std::string unknown =
+        " Whether Trello has this is not known, since no response came: file \"d.txt\".";
+    const auto failed = exportFailure(Error::uploadAttachmentError, about);
+    EXPECT_EQ(failed.message, upload + made + " Not on Trello: file \"b.txt\", file \"c.txt\"." + unknown);
+    EXPECT_EQ(JSONValue(failed.members).text().value(),
+              R"({"made":[{"kind":"card","name":"T","identifier":"c1"}],"refused":[)"
+              R"({"kind":"file","name":"a.txt","reason":"toManyRequests","words":"slow down"},)"
+              R"({"kind":"file","name":"b.txt","reason":"forbidden"},)"
+              R"({"kind":"file","name":"c.txt","reason":"connectionError","nothingWasSent":true},)"
+              R"({"kind":"file","name":"d.txt","reason":"connectionError"}]})");
+    EXPECT_EQ(exportFailure(Error::canceled, about).message,
+              "The export was canceled." + made +
+                  " Not on Trello: file \"a.txt\", file \"b.txt\", file \"c.txt\"." + unknown);
+}
+
 TEST(ExportFailures, OfAMissingTargetNameItUnlessTheServiceRefusedSomething) {
     auto about = circumstances();
     about.missingTarget = Failure{"noTarget", "No target is chosen.", "zelto export --target"};
