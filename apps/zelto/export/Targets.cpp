@@ -252,6 +252,10 @@ std::string targetName(const TargetTree& tree, const TargetPath& path) {
     return name;
 }
 
+const std::string& nameOrIdentifier(const std::optional<std::string>& name, const std::string& identifier) {
+    return name && !name->empty() ? *name : identifier;
+}
+
 std::string linesOf(const TargetTree& tree, const Terminal& terminal) {
     std::string text;
     appendLines(text, tree.nodes, 0, terminal);

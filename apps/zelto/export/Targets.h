@@ -37,6 +37,9 @@ Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, 
 // "Board/List", by identifier where there is no name.
 std::string targetName(const TargetTree& tree, const TargetPath& path);
 
+// The name as people know it; the identifier where there is none.
+const std::string& nameOrIdentifier(const std::optional<std::string>& name, const std::string& identifier);
+
 // Each node on a line of its own with its identifier, below what holds it.
 std::string linesOf(const TargetTree& tree, const Terminal& terminal);
 

@@ -31,7 +31,7 @@ std::string AsanaAdapter::targetName(const AsanaExportConfiguration& configurati
         return {};
     }
     const auto& [workspace, project, user] = *configuration.saveTo;
-    return workspace.name.value_or(workspace.id) + "/" + project.name.value_or(project.id);
+    return nameOrIdentifier(workspace.name, workspace.id) + "/" + nameOrIdentifier(project.name, project.id);
 }
 
 std::string AsanaAdapter::standInResponse(const SentRequest& request) {

@@ -79,7 +79,7 @@ std::string TodoistAdapter::targetName(const TodoistExportConfiguration& configu
         return {};
     }
     const auto& project = configuration.saveTo->project;
-    return project.name.value_or(project.id);
+    return nameOrIdentifier(project.name, project.id);
 }
 
 std::string TodoistAdapter::standInResponse(const SentRequest& request) {

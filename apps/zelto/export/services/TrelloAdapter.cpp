@@ -53,7 +53,7 @@ std::string TrelloAdapter::targetName(const TrelloExportConfiguration& configura
         return {};
     }
     const auto& [board, list] = *configuration.saveTo;
-    return board.name.value_or(board.id) + "/" + list.name.value_or(list.id);
+    return nameOrIdentifier(board.name, board.id) + "/" + nameOrIdentifier(list.name, list.id);
 }
 
 std::string TrelloAdapter::standInResponse(const SentRequest& request) {
