@@ -1,12 +1,9 @@
 #pragma once
 
+#include <zelto/StoredAccount.h>
 #include <zelto/ZeltoProgram.h>
 
-#include <TrovenhalCommon/KeyChain/FileKeyChainStore.h>
-#include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
 #include <ZeltoSandbox/SandboxServer.h>
-
-#include <Support/MemoryKeyChain.h>
 
 #include <gtest/gtest.h>
 
@@ -31,11 +28,7 @@ class ConnectedProgram : public testing::Test {
     }
 
     ServiceAccountCredentials stored(const std::string& identifier) const {
-        const InstalledKeyChain keyChain(
-            std::make_shared<FileKeyChainStore>(zelto.dataDirectory() / "keychain"));
-        auto credentials = ServiceAccountCredentials::forIdentifier(identifier);
-        ServiceCredentialsManager::load(credentials);
-        return credentials;
+        return storedTokens(zelto, identifier);
     }
 
     // A program that stands for the browser: it gets the page's address as its last argument.

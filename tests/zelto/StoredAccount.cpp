@@ -8,14 +8,32 @@
 
 namespace zelto {
 
+namespace {
+
+std::shared_ptr<FileKeyChainStore> keyChainOf(const ZeltoProgram& zelto) {
+    return std::make_shared<FileKeyChainStore>(zelto.dataDirectory() / "keychain", std::nullopt);
+}
+
+} // namespace
+
 void addAccount(const ZeltoProgram& zelto, ServiceAccountConfiguration account) {
     account.credentials = ServiceAccountCredentials::forIdentifier(account.identifier());
     SQLiteAccountStorage::open(zelto.dataDirectory()).value()->save(account);
-
-    const InstalledKeyChain keyChain(
-        std::make_shared<FileKeyChainStore>(zelto.dataDirectory() / "keychain", std::nullopt));
     account.credentials->accessToken = "token";
-    ServiceCredentialsManager::store(*account.credentials);
+    account.credentials->expirationDate = Date::distantFuture();
+    storeTokens(zelto, *account.credentials);
+}
+
+void storeTokens(const ZeltoProgram& zelto, ServiceAccountCredentials credentials) {
+    const InstalledKeyChain keyChain(keyChainOf(zelto));
+    ServiceCredentialsManager::store(credentials);
+}
+
+ServiceAccountCredentials storedTokens(const ZeltoProgram& zelto, const std::string& identifier) {
+    const InstalledKeyChain keyChain(keyChainOf(zelto));
+    auto credentials = ServiceAccountCredentials::forIdentifier(identifier);
+    ServiceCredentialsManager::load(credentials);
+    return credentials;
 }
 
 } // namespace zelto

@@ -9,4 +9,8 @@ namespace zelto {
 // Connects the account without the network, with the access token "token".
 void addAccount(const ZeltoProgram& zelto, ServiceAccountConfiguration account);
 
+// The tokens of an account as the program's key chain holds them.
+void storeTokens(const ZeltoProgram& zelto, ServiceAccountCredentials credentials);
+ServiceAccountCredentials storedTokens(const ZeltoProgram& zelto, const std::string& identifier);
+
 } // namespace zelto
