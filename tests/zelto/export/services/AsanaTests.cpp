@@ -62,13 +62,6 @@ TEST_F(AsanaCommands, ADryRunShowsTheFormAndTheUploads) {
     EXPECT_TRUE(text.ends_with("    part file: file \"Agenda.txt\", text/plain, 163 bytes\n")) << text;
 }
 
-TEST_F(AsanaCommands, AFormThatIsNotTakenIsRefused) {
-    const auto outcome = exportTitle({"--as", "backLink", "--json"});
-    EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.text("error"), "unsupportedFormat");
-    EXPECT_EQ(outcome.text("message"), "Asana does not take that type; it takes pdf.");
-}
-
 TEST(AsanaTargets, AreTheProjectsOfWorkspaces) {
     const auto tree = cli::AsanaAdapter::targetTree(people());
     EXPECT_EQ(cli::pathLinesOf(tree), "Work/A\nHome/p2\n");
@@ -77,6 +70,8 @@ TEST(AsanaTargets, AreTheProjectsOfWorkspaces) {
     cli::AsanaAdapter::setTarget(configuration, people(), {1, 0});
     EXPECT_EQ(cli::AsanaAdapter::targetName(configuration), "Home/p2");
     EXPECT_EQ(configuration.saveTo->project.id, "p2");
+    configuration.saveTo->workspace.name = configuration.saveTo->project.name = "";
+    EXPECT_EQ(cli::AsanaAdapter::targetName(configuration), "w2/p2");
 }
 
 TEST(AsanaTargets, GiveTheTaskToTheAccountsOwnUser) {
@@ -94,21 +89,6 @@ TEST(AsanaTargets, OfAWorkspaceWithoutProjectsAreMissed) {
     EXPECT_EQ(failure.message, "No target is chosen: Asana shows no workspace with a project to put it into; "
                                "make one there first.");
     EXPECT_EQ(failure.next, "zelto targets Asana+me --refresh");
-}
-
-TEST(AsanaLimits, OfAFileAreTheSameForEveryAccount) {
-    AsanaExport fixture;
-    constexpr std::uint64_t limit = std::uint64_t{100} << 20;
-    const auto passed = [&](std::uint64_t size) {
-        const cli::SentRequest upload{.method = "POST",
-                                      .url = "https://app.asana.com/api/1.0/tasks/t/attachments",
-                                      .parts = {{.name = "file", .fileName = "a.bin", .size = size}}};
-        return cli::AsanaAdapter::passedLimits(*fixture.exporter(), fixture.configuration, {upload});
-    };
-    EXPECT_TRUE(passed(limit - 1).empty());
-    EXPECT_TRUE(passed(limit).empty());
-    EXPECT_EQ(passed(limit + 1),
-              (std::vector<cli::PassedLimit>{{"the file \"a.bin\"", limit, limit + 1, "bytes"}}));
 }
 
 } // namespace zelto

@@ -1,4 +1,5 @@
 #include <zelto/ConnectedProgram.h>
+#include <zelto/PassedLimits.h>
 
 #include <export/services/TodoistAdapter.h>
 
@@ -32,26 +33,12 @@ class TodoistCommands : public ConnectedProgram {
     }
 };
 
-constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20;
-
 using Texts = std::vector<std::string>;
 
 class TodoistLimits : public testing::Test {
   protected:
-    // "what: actual of limit unit" for each limit that the requests pass.
     Texts passed(const std::vector<cli::SentRequest>& requests) {
-        Texts all;
-        for (const auto& [what, limit, actual, unit] :
-             cli::TodoistAdapter::passedLimits(*fixture.exporter(), fixture.configuration, requests)) {
-            all.push_back(what + ": " + std::to_string(actual) + " of " + std::to_string(limit) + " " + unit);
-        }
-        return all;
-    }
-
-    static cli::SentRequest upload(std::uint64_t size) {
-        return {.method = "POST",
-                .url = "https://api.todoist.com/api/v1/uploads",
-                .parts = {{.name = "file", .fileName = "a.bin", .size = size}}};
+        return passedLimits<cli::TodoistAdapter>(fixture, requests);
     }
 
     TodoistExport fixture;
@@ -97,15 +84,6 @@ TEST_F(TodoistLimits, OfACommentCountCodePoints) {
     EXPECT_EQ(comment(std::string(15'001, 'a')), Texts{"the comment's text: 15001 of 15000 characters"});
     EXPECT_EQ(comment(umlauts(7500)), Texts{});
     EXPECT_EQ(comment(umlauts(7500) + "a"), Texts{"the comment's text: 15001 of 15000 characters"});
-}
-
-TEST_F(TodoistLimits, OfAFileFollowThePlan) {
-    EXPECT_EQ(passed({upload(5 * mebibyte - 1), upload(5 * mebibyte)}), Texts{});
-    EXPECT_EQ(passed({upload(5 * mebibyte + 1)}), Texts{"the file \"a.bin\": 5242881 of 5242880 bytes"});
-    fixture.exporter()->myUser.set(TodoistUser{.email = "me@example.org", .isPremium = true});
-    EXPECT_EQ(passed({upload(100 * mebibyte - 1), upload(100 * mebibyte)}), Texts{});
-    EXPECT_EQ(passed({upload(100 * mebibyte + 1)}),
-              Texts{"the file \"a.bin\": 104857601 of 104857600 bytes"});
 }
 
 TEST_F(TodoistLimits, OfTheCommandsCountThoseOfTheRequest) {
@@ -191,16 +169,19 @@ TEST_F(TodoistCommands, AWebLinksSettingsAreOfferedAgain) {
 }
 
 TEST(TodoistAdapter, ATargetIsAProject) {
-    const TodoistFullData data{.user = {.email = "me@example.org"},
-                               .projects = {{.id = "p1", .name = "Inbox"}, {.id = "p2"}}};
+    const TodoistFullData data{
+        .user = {.email = "me@example.org"},
+        .projects = {{.id = "p1", .name = "Inbox"}, {.id = "p2"}, {.id = "p3", .name = ""}}};
     const auto tree = cli::TodoistAdapter::targetTree(data);
-    ASSERT_EQ(tree.nodes.size(), 2U);
+    ASSERT_EQ(tree.nodes.size(), 3U);
     EXPECT_EQ(tree.nodes[0].name, "Inbox");
     TodoistExportConfiguration configuration;
     EXPECT_EQ(cli::TodoistAdapter::targetName(configuration), "");
     cli::TodoistAdapter::setTarget(configuration, data, {1});
     EXPECT_EQ(configuration.saveTo, (TodoistSaveToInfo{.project = {.id = "p2"}}));
     EXPECT_EQ(cli::TodoistAdapter::targetName(configuration), "p2");
+    cli::TodoistAdapter::setTarget(configuration, data, {2});
+    EXPECT_EQ(cli::TodoistAdapter::targetName(configuration), "p3");
 }
 
 } // namespace zelto

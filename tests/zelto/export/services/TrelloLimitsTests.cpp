@@ -1,3 +1,5 @@
+#include <zelto/PassedLimits.h>
+
 #include <export/services/TrelloAdapter.h>
 
 #include <Support/TrelloExport.h>
@@ -8,28 +10,14 @@ namespace zelto::cli {
 
 namespace {
 
-constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20;
-
 class TrelloLimits : public testing::Test {
   protected:
-    // "what: actual of limit unit" for each limit that the requests pass.
     std::vector<std::string> passed(const std::vector<SentRequest>& requests) {
-        std::vector<std::string> all;
-        for (const auto& [what, limit, actual, unit] :
-             TrelloAdapter::passedLimits(*fixture.exporter(), fixture.configuration, requests)) {
-            all.push_back(what + ": " + std::to_string(actual) + " of " + std::to_string(limit) + " " + unit);
-        }
-        return all;
+        return passedLimits<TrelloAdapter>(fixture, requests);
     }
 
     static SentRequest card(const std::string& query) {
         return {.method = "POST", .url = "https://api.trello.com/1/cards?" + query};
-    }
-
-    static SentRequest upload(std::uint64_t size) {
-        return {.method = "POST",
-                .url = "https://api.trello.com/1/cards/c/attachments",
-                .parts = {{.name = "file", .fileName = "a.bin", .size = size}}};
     }
 
     TrelloExport fixture;
@@ -63,15 +51,6 @@ TEST_F(TrelloLimits, OfTheAddressCountBytes) {
     EXPECT_EQ(passed({card("name=" + std::string(8000 - start, 'a'))}), Texts{});
     EXPECT_EQ(passed({card("name=" + std::string(8001 - start, 'a'))}),
               Texts{"the address of the request that makes the card: 8001 of 8000 bytes"});
-}
-
-TEST_F(TrelloLimits, OfAFileFollowTheAccount) {
-    EXPECT_EQ(passed({upload(10 * mebibyte - 1), upload(10 * mebibyte)}), Texts{});
-    EXPECT_EQ(passed({upload(10 * mebibyte + 1)}), Texts{"the file \"a.bin\": 10485761 of 10485760 bytes"});
-    fixture.exporter()->user.set(TrelloUser{.email = "me@example.org", .isPremium = true});
-    EXPECT_EQ(passed({upload(250 * mebibyte)}), Texts{});
-    EXPECT_EQ(passed({upload(250 * mebibyte + 1)}),
-              Texts{"the file \"a.bin\": 262144001 of 262144000 bytes"});
 }
 
 TEST_F(TrelloLimits, OfTheFilesCountThoseThatAreSelected) {

@@ -1,0 +1,128 @@
+#pragma once
+
+#include <zelto/StoredAccount.h>
+#include <zelto/ZeltoProgram.h>
+
+#include <ZeltoIntegrations/Accounts/ServiceType.h>
+
+#include <Platform/ASCII.h>
+
+#include <Support/ServiceServer.h>
+
+#include <gtest/gtest.h>
+
+#include <concepts>
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+// What the suites in `Suites` have to know of a service on the web to test the commands with it. The targets
+// that `listTargets` makes the service list are three or more, of names with ASCII letters, blanks and "/"
+// alone. Each suite says which further facts it needs.
+template <class T>
+concept CommandFacts = requires(typename T::Server& service) {
+    { T::name } -> std::convertible_to<std::string>; // as the program shows it
+    { T::type } -> std::convertible_to<ServiceType>;
+    { T::exportType } -> std::convertible_to<std::string>; // of exports where the type does not matter
+    T::listTargets(service);
+    { T::targetPaths } -> std::convertible_to<std::string>; // as `targets --paths` prints them
+    { T::made } -> std::convertible_to<std::string>;        // of an export of "Title", as it prints it
+};
+
+struct ExpectedFailure {
+    int status = 1;
+    std::string error;
+    std::string message;
+    std::string next;
+};
+
+// The program with an account that remembers the service's targets, and a stand-in of that service.
+template <CommandFacts Facts> class ServiceCommands : public testing::Test {
+  protected:
+    using Arguments = ZeltoProgram::Arguments;
+    using Texts = std::vector<std::string>;
+
+    ServiceCommands() {
+        addAccount(zelto, ServiceAccountConfiguration(Facts::type, "me@example.org", true));
+        zelto.variables["ZELTO_SANDBOX"] = service.server.url().absoluteString();
+        Facts::listTargets(service);
+    }
+
+    void SetUp() override {
+        const auto loaded = run({"targets", account, "--refresh"});
+        ASSERT_EQ(loaded.status, 0) << loaded.errorOutput;
+        ASSERT_GT(service.lines().size(), 0U);
+        loadedBy_ = service.server.requests().size();
+    }
+
+    ProgramOutcome run(const Arguments& arguments) const { return zelto.run(arguments); }
+
+    // What export, config and preview begin with.
+    Arguments withMail(const std::string& command, const Arguments& more = {}) const {
+        Arguments arguments{command, mail, "--to", to};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return arguments;
+    }
+
+    // An export of "Title", with a PDF that is the same at each conversion.
+    Arguments exportAs(const std::string& contentType, const Arguments& more = {}) const {
+        auto arguments = withMail(
+            "export", {"--as", contentType, "--title", "Title", "--pdf-converter", "/bin/sh " + converter});
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return arguments;
+    }
+
+    Arguments exportOf(const Arguments& more = {}) const { return exportAs(Facts::exportType, more); }
+
+    ProgramOutcome exportTitle(const Arguments& more = {}) const { return run(exportOf(more)); }
+
+    // The call fails in the same way in text and JSON, of which the document is given.
+    JSONValue expectFailure(Arguments arguments, const ExpectedFailure& expected) const {
+        const auto asText = run(arguments);
+        EXPECT_EQ(asText.status, expected.status);
+        EXPECT_EQ(asText.output, "");
+        EXPECT_EQ(asText.errorOutput,
+                  "zelto: " + expected.error + ": " + expected.message + "\nTry: " + expected.next + "\n");
+        arguments.emplace_back("--json");
+        const auto asJSON = run(arguments);
+        EXPECT_EQ(asJSON.status, expected.status);
+        EXPECT_EQ(asJSON.text("error"), expected.error);
+        EXPECT_EQ(asJSON.text("message"), expected.message);
+        EXPECT_EQ(asJSON.text("next"), expected.next);
+        return asJSON.json();
+    }
+
+    // The requests that came after the targets were loaded.
+    std::vector<ReceivedRequest> sent() const {
+        const auto all = service.server.requests();
+        return {all.begin() + static_cast<std::ptrdiff_t>(loadedBy_), all.end()};
+    }
+
+    Texts targets() const {
+        Texts paths;
+        std::string text = Facts::targetPaths;
+        for (std::size_t end = 0; (end = text.find('\n')) != std::string::npos; text.erase(0, end + 1)) {
+            paths.push_back(text.substr(0, end));
+        }
+        return paths;
+    }
+
+    static std::string madeIn(const std::string& target) {
+        return "On " + std::string(Facts::name) + ", " + target + ": " + Facts::made + ".\n";
+    }
+
+    const std::string mail = ZeltoProgram::sample("project-kickoff.eml");
+    const std::string account = ServiceAccountConfiguration(Facts::type, "me@example.org", true).identifier();
+    const std::string to = toASCIILower(Facts::name);
+    const std::string refresh = "zelto targets " + account + " --refresh";
+    const std::string reconnect = "zelto reconnect " + account;
+    ZeltoProgram zelto;
+    const std::string converter = zelto.home.write("converter", "printf '%%PDF-1.7 page' > \"$2\"\n");
+    typename Facts::Server service;
+
+  private:
+    std::size_t loadedBy_ = 0;
+};
+
+} // namespace zelto

@@ -1,0 +1,157 @@
+#pragma once
+
+#include <zelto/ServiceCommands.h>
+
+#include <string>
+#include <vector>
+
+namespace zelto {
+
+struct ExpectedPreview {
+    std::string type;
+    std::string json; // the member "preview"
+    std::string text;
+};
+
+// What is printed of exports and previews, for CommandFacts that also have
+//
+//     static std::vector<ExpectedPreview> previews(); // of "project-kickoff.eml", without other options
+//     static constexpr auto takenTypes;               // as a message lists them
+//     static constexpr auto otherType;                // that is not taken
+//     static constexpr auto notMade;                  // "Trello did not make the card \"Title\""
+//     static constexpr auto notMadeError;             // the case of that failure
+//     static constexpr auto unknownOutcome;           // what an export may have made whose first request
+//     that
+//                                                     // makes something is cut off: "card \"Title\""
+//     static constexpr auto madeData;                 // `made` in JSON
+//     static constexpr auto madeBeforeUpload;         // as they are listed: what an export has made when its
+//                                                     // second attachment "Agenda.txt" is uploaded,
+//     static constexpr auto madeBeforeUploadData;     // and in JSON
+template <CommandFacts Facts> class ExportCommands : public ServiceCommands<Facts> {
+  protected:
+    void failAll(const PlayedResponse& response) {
+        this->service.onRequest = [response](const auto&) { return response; };
+    }
+
+    ExpectedFailure notMade(const std::string& reason, const std::string& next) const {
+        return {1, Facts::notMadeError, std::string(Facts::notMade) + ": " + reason, next};
+    }
+
+    const std::string name = Facts::name;
+};
+
+TYPED_TEST_SUITE_P(ExportCommands);
+
+TYPED_TEST_P(ExportCommands, PreviewWhatEachTypeWouldMake) {
+    for (const auto& [type, json, text] : TypeParam::previews()) {
+        EXPECT_EQ(this->run(this->withMail("preview", {"--as", type})).output, text + "\n");
+        EXPECT_EQ(this->run(this->withMail("preview", {"--as", type, "--json"})).output,
+                  R"({"result":"success","preview":)" + json + "}\n");
+    }
+    EXPECT_EQ(this->sent().size(), 0U);
+}
+
+TYPED_TEST_P(ExportCommands, SayInJSONWhatWasMade) {
+    EXPECT_EQ(this->run(this->exportOf({"--json"})).output,
+              R"({"result":"success","service":")" + std::string(nameOf(TypeParam::type)) +
+                  R"(","identifier":")" + this->account + R"(","target":")" + this->targets().front() +
+                  R"(","made":)" + TypeParam::madeData + "}\n");
+}
+
+TYPED_TEST_P(ExportCommands, RefuseATypeThatTheServiceDoesNotTake) {
+    this->expectFailure(this->withMail("preview", {"--as", TypeParam::otherType}),
+                        {1, "noPreview",
+                         this->name + " has no preview of that type for this message; it takes " +
+                             TypeParam::takenTypes + ".",
+                         "zelto preview --help"});
+    this->expectFailure(this->exportAs(TypeParam::otherType),
+                        {1, "unsupportedFormat",
+                         this->name + " does not take that type; it takes " + TypeParam::takenTypes + ".",
+                         "zelto export --help"});
+    EXPECT_EQ(this->sent().size(), 0U);
+}
+
+TYPED_TEST_P(ExportCommands, AreNotSpoiltByATypeThatWasRefused) {
+    const auto offered = this->run(this->withMail("config")).output;
+    ASSERT_EQ(this->run(this->exportAs(TypeParam::otherType)).status, 1);
+    EXPECT_EQ(this->run(this->withMail("config")).output, offered);
+}
+
+TYPED_TEST_P(ExportCommands, NameTheWayToReconnectWhereTheTokenIsRefused) {
+    this->failAll(PlayedResponse::json("no", 401));
+    this->expectFailure(
+        {"targets", this->account, "--refresh"},
+        {1, "oauthError", this->name + " does not accept the account's sign-in any more.", this->reconnect});
+    this->expectFailure(
+        this->exportOf(),
+        this->notMade("it does not accept the account's sign-in any more (\"no\").", this->reconnect));
+}
+
+TYPED_TEST_P(ExportCommands, SayThatTheServiceCannotBeReached) {
+    const ZeltoProgram::Arguments nowhere{"--sandbox", "http://127.0.0.1:1"};
+    ZeltoProgram::Arguments targets{"targets", this->account, "--refresh"};
+    targets.insert(targets.end(), nowhere.begin(), nowhere.end());
+    this->expectFailure(targets,
+                        {1, "connectionError", this->name + " could not be reached.", this->refresh});
+    this->expectFailure(this->exportOf(nowhere),
+                        this->notMade("it could not be reached.", "zelto export --verbose"));
+    EXPECT_EQ(this->sent().size(), 0U);
+}
+
+TYPED_TEST_P(ExportCommands, SayThatTheOutcomeOfACutOffRequestIsNotKnown) {
+    this->failAll(PlayedResponse::reset());
+    this->expectFailure({"targets", this->account, "--refresh"},
+                        {1, "connectionError", this->name + " could not be reached.", this->refresh});
+    this->expectFailure(this->exportOf(),
+                        this->notMade("the connection ended without a response. Whether " + this->name +
+                                          " has this is not known, since no response came: " +
+                                          TypeParam::unknownOutcome + ".",
+                                      "zelto export --verbose"));
+}
+
+TYPED_TEST_P(ExportCommands, NameATargetThatHasGone) {
+    this->failAll(PlayedResponse::json("no", 404));
+    this->expectFailure(
+        this->exportOf(),
+        this->notMade("what it was to go into is not there any more (\"no\").", this->refresh));
+}
+
+TYPED_TEST_P(ExportCommands, ListWhatWasMadeBeforeAnUploadFailed) {
+    this->service.respondTo("filename=\"Agenda.txt\"", PlayedResponse::json("no", 429));
+    const auto document = this->expectFailure(
+        this->exportOf({"--attach", "all"}),
+        {1, "uploadAttachmentError",
+         this->name +
+             " did not take the file \"Agenda.txt\": it had too many requests; wait some minutes (\"no\"). On " +
+             this->name + " already, and made again by another export: " + TypeParam::madeBeforeUpload + ".",
+         "zelto export --verbose"});
+    const auto text = [&](const char* key) {
+        const auto* member = document.find(key);
+        return member ? member->text().value() : std::string();
+    };
+    EXPECT_EQ(text("made"), TypeParam::madeBeforeUploadData);
+    EXPECT_EQ(text("refused"),
+              R"([{"kind":"file","name":"Agenda.txt","reason":"toManyRequests","words":"no"}])");
+}
+
+TYPED_TEST_P(ExportCommands, ShowNoToken) {
+    this->failAll(PlayedResponse::json("no", 500));
+    for (const auto& arguments :
+         {this->exportOf({"--verbose"}), this->exportOf({"--verbose", "--json"}),
+          ZeltoProgram::Arguments{"targets", this->account, "--refresh", "--verbose"}}) {
+        const auto outcome = this->run(arguments);
+        EXPECT_NE(outcome.errorOutput, "");
+        for (const auto* token : {"token=token", "Bearer token"}) {
+            EXPECT_EQ((outcome.output + outcome.errorOutput).find(token), std::string::npos)
+                << outcome.output << outcome.errorOutput;
+        }
+    }
+}
+
+REGISTER_TYPED_TEST_SUITE_P(ExportCommands, PreviewWhatEachTypeWouldMake, SayInJSONWhatWasMade,
+                            RefuseATypeThatTheServiceDoesNotTake, AreNotSpoiltByATypeThatWasRefused,
+                            NameTheWayToReconnectWhereTheTokenIsRefused, SayThatTheServiceCannotBeReached,
+                            SayThatTheOutcomeOfACutOffRequestIsNotKnown, NameATargetThatHasGone,
+                            ListWhatWasMadeBeforeAnUploadFailed, ShowNoToken);
+
+} // namespace zelto
