@@ -8,32 +8,19 @@ namespace zelto {
 
 MCPHTTPNotificationHandler::MCPHTTPNotificationHandler(MCPHTTPSessionIDReference sessionIDReference,
                                                        MCPCompletion<void> completion)
-    : sessionIDReference_(std::move(sessionIDReference)), completion_(std::move(completion)) {}
-
-MCPHTTPTaskDecision MCPHTTPNotificationHandler::handle(const MCPHTTPTaskEvent& event) {
-    const auto* response = std::get_if<std::shared_ptr<const HTTPURLResponse>>(&event.value);
-    return response ? validate(**response) : MCPHTTPTaskDecision::continueLoading();
-}
+    : MCPHTTPOneWayHandler(std::move(sessionIDReference), std::move(completion)) {}
 
 MCPHTTPTaskDecision MCPHTTPNotificationHandler::validate(const HTTPURLResponse& response) {
     constexpr int accepted = 202;
-    if (auto error = failureOf(response, sessionIDReference_)) {
+    if (auto error = failureOf(response, sessionIDReference())) {
         return MCPHTTPTaskDecision::finish(failure(MCPError(*std::move(error))));
     }
-    captureSessionID(response, sessionIDReference_);
-    if (response.statusCode() != accepted) {
-        return MCPHTTPTaskDecision::continueLoading();
-    }
-    resolvedResult_ = MCPResult<void>();
-    return MCPHTTPTaskDecision::finish({});
+    captureSessionID(response, sessionIDReference());
+    return response.statusCode() == accepted ? succeed() : MCPHTTPTaskDecision::continueLoading();
 }
 
-void MCPHTTPNotificationHandler::complete(MCPResult<void> outcome) {
-    completeOnce(resolvedResult_ ? *std::move(resolvedResult_) : std::move(outcome));
-}
-
-void MCPHTTPNotificationHandler::completeOnce(MCPResult<void> result) {
-    completionGate_.once([&] { completion_(std::move(result)); });
+MCPResult<void> MCPHTTPNotificationHandler::undecidedResult() const {
+    return {};
 }
 
 } // namespace zelto

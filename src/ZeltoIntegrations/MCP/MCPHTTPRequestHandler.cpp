@@ -120,11 +120,11 @@ MCPResult<std::optional<MCPResponse>> MCPHTTPRequestHandler::responseIn(std::str
 
 void MCPHTTPRequestHandler::complete(MCPResult<void> outcome) {
     if (resolvedResult_) {
-        completeOnce(*std::move(resolvedResult_));
+        completion_(*std::move(resolvedResult_));
     } else if (!outcome) {
-        completeOnce(failure(std::move(outcome.error())));
+        completion_(failure(std::move(outcome.error())));
     } else {
-        completeOnce(successfulResponse());
+        completion_(successfulResponse());
     }
 }
 
@@ -152,10 +152,6 @@ MCPResult<MCPResponse> MCPHTTPRequestHandler::lastStreamedResponse() {
         return failure(MCPError(MCPClientError::missingJSONRPCResponse()));
     }
     return **std::move(match);
-}
-
-void MCPHTTPRequestHandler::completeOnce(MCPResult<MCPResponse> result) {
-    completionGate_.once([&] { completion_(std::move(result)); });
 }
 
 } // namespace zelto

@@ -2,10 +2,9 @@
 
 #include <ZeltoIntegrations/MCP/MCPHTTPSessionIDReference.h>
 #include <ZeltoIntegrations/MCP/MCPHTTPTaskHandler.h>
+#include <ZeltoIntegrations/MCP/MCPOnceCompletion.h>
 #include <ZeltoIntegrations/MCP/MCPRequestID.h>
 #include <ZeltoIntegrations/MCP/MCPServerSentEventsParser.h>
-
-#include <TrovenhalCommon/OnceGate.h>
 
 #include <optional>
 #include <string>
@@ -20,6 +19,8 @@ class MCPHTTPRequestHandler final : public MCPHTTPTaskHandler {
     MCPHTTPRequestHandler(MCPRequestID requestID, MCPHTTPSessionIDReference sessionIDReference,
                           MCPCompletion<MCPResponse> completion);
 
+    const MCPRequestID* requestID() const override { return &requestID_; }
+
     MCPHTTPTaskDecision handle(const MCPHTTPTaskEvent& event) override;
     void complete(MCPResult<void> outcome) override;
 
@@ -31,12 +32,10 @@ class MCPHTTPRequestHandler final : public MCPHTTPTaskHandler {
     MCPResult<std::optional<MCPResponse>> responseIn(std::string data) const;
     MCPResult<MCPResponse> successfulResponse();
     MCPResult<MCPResponse> lastStreamedResponse();
-    void completeOnce(MCPResult<MCPResponse> result);
 
     MCPRequestID requestID_;
     MCPHTTPSessionIDReference sessionIDReference_;
-    MCPCompletion<MCPResponse> completion_;
-    OnceGate completionGate_;
+    MCPOnceCompletion<MCPResponse> completion_;
     std::string body_;
     MCPServerSentEventsParser parser_;
     std::optional<std::string> normalizedContentType_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ZeltoIntegrations/MCP/MCPError.h>
+#include <ZeltoIntegrations/MCP/MCPRequestID.h>
 
 #include <Platform/HTTP/URLResponse.h>
 
@@ -31,6 +32,9 @@ struct MCPHTTPTaskDecision {
 class MCPHTTPTaskHandler {
   public:
     virtual ~MCPHTTPTaskHandler() = default;
+
+    // Of the message that the handler is for; null if that has none.
+    virtual const MCPRequestID* requestID() const { return nullptr; }
 
     virtual MCPHTTPTaskDecision handle(const MCPHTTPTaskEvent& event) = 0;
     virtual void complete(MCPResult<void> outcome) = 0;

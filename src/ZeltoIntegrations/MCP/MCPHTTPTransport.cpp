@@ -1,9 +1,9 @@
 #include <ZeltoIntegrations/MCP/MCPHTTPTransport.h>
 
 #include <ZeltoIntegrations/MCP/MCPHTTPDisconnectHandler.h>
-#include <ZeltoIntegrations/MCP/MCPHTTPMessages.h>
 #include <ZeltoIntegrations/MCP/MCPHTTPNotificationHandler.h>
 #include <ZeltoIntegrations/MCP/MCPHTTPRequestHandler.h>
+#include <ZeltoIntegrations/MCP/MCPHTTPResponseRules.h>
 #include <ZeltoIntegrations/MCP/MCPHTTPURLSessionDelegate.h>
 
 #include <Platform/HTTP/URLSession.h>
@@ -12,13 +12,13 @@
 #include <TrovenhalCommon/Protected.h>
 
 #include <utility>
-#include <vector>
 
 namespace zelto {
 
 namespace {
 
-using SharedState = std::shared_ptr<Protected<MCPHTTPState>>;
+using State = MCPHTTPTransport::State;
+using SharedState = std::shared_ptr<Protected<State>>;
 
 std::shared_ptr<OperationQueue> makeDelegateQueue() {
     auto queue = std::make_shared<OperationQueue>("MCPHTTPTransportURLSessionDelegateQueue");
@@ -31,7 +31,7 @@ std::shared_ptr<OperationQueue> makeDelegateQueue() {
 MCPHTTPSessionIDReference referenceTo(const SharedState& state, const std::optional<std::string>& carried) {
     return {[carried] { return carried; },
             [state, carried](std::optional<std::string> sessionID) {
-                state->modify([&](MCPHTTPState& each) {
+                state->modify([&](State& each) {
                     if (each.sessionID == carried) {
                         each.sessionID.swap(sessionID);
                     }
@@ -47,11 +47,11 @@ class MCPHTTPTransport::Link {
   public:
     Link(std::optional<MCPProtocolVersion> protocolVersion, URLSessionConfiguration sessionConfiguration)
         : session_(std::move(sessionConfiguration), sessionDelegate_, makeDelegateQueue()),
-          state_(std::make_shared<Protected<MCPHTTPState>>(MCPHTTPState{protocolVersion, std::nullopt})) {}
+          state_(std::make_shared<Protected<State>>(State{protocolVersion, std::nullopt})) {}
 
-    Protected<MCPHTTPState>& state() { return *state_; }
+    Protected<State>& state() { return *state_; }
 
-    MCPHTTPSessionIDReference sessionIDReference(const MCPHTTPState& carried) const {
+    MCPHTTPSessionIDReference sessionIDReference(const State& carried) const {
         return referenceTo(state_, carried.sessionID);
     }
 
@@ -61,47 +61,21 @@ class MCPHTTPTransport::Link {
         task->resume();
     }
 
-    void awaitAuthorization(const Handler& handler) {
-        unauthorized_.modify([&](auto& handlers) { handlers.push_back(handler); });
-    }
-
     // Without effect if the call has ended meanwhile.
     void startAuthorized(URLRequest request, const Handler& handler) {
         const auto task = session_.dataTask(std::move(request));
-        // Before it leaves the list, so that cancelAll always finds it in one of the two.
-        sessionDelegate_->add(task, handler);
-        if (stopsWaiting(handler)) {
+        if (sessionDelegate_->start(task, handler)) {
             task->resume();
-        } else {
-            sessionDelegate_->remove(*task);
         }
     }
 
-    // Without effect if the call has ended meanwhile.
-    void failAuthorization(const Handler& handler, MCPError error) {
-        if (stopsWaiting(handler)) {
-            handler->complete(failure(std::move(error)));
-        }
-    }
-
-    void cancelAll() {
-        for (const auto& handler : unauthorized_.exchange({})) {
-            handler->complete(
-                failure(MCPError(URLError{URLErrorCode::cancelled, "The request was cancelled."})));
-        }
-        sessionDelegate_->cancelAll();
-    }
+    MCPHTTPURLSessionDelegate& calls() { return *sessionDelegate_; }
 
   private:
-    bool stopsWaiting(const Handler& handler) {
-        return unauthorized_.modify([&](auto& handlers) { return std::erase(handlers, handler) > 0; });
-    }
-
     std::shared_ptr<MCPHTTPURLSessionDelegate> sessionDelegate_ =
         std::make_shared<MCPHTTPURLSessionDelegate>();
     URLSession session_; // finishes its tasks when it is released
     SharedState state_;
-    Protected<std::vector<Handler>> unauthorized_;
 };
 
 // A request that waits for the provider; it is the provider's callback. If it is destroyed without being
@@ -116,14 +90,14 @@ class MCPHTTPTransport::WaitingRequest {
     ~WaitingRequest() {
         if (link_) {
             containingExceptions("The completion of a message",
-                                 [&] { link_->failAuthorization(handler_, noResult()); });
+                                 [&] { link_->calls().failWaiting(handler_, noResult()); });
         }
     }
 
     void operator()(MCPResult<MCPAuthorizationProvider::Headers> headers) {
         const auto link = std::exchange(link_, nullptr);
         if (!headers) {
-            return link->failAuthorization(handler_, std::move(headers.error()));
+            return link->calls().failWaiting(handler_, std::move(headers.error()));
         }
         for (auto& [name, value] : *headers) {
             request_.headers.set(name, std::move(value));
@@ -157,12 +131,12 @@ void MCPHTTPTransport::perform(URLRequest request, const Handler& handler) {
     // The call may release the transport.
     const auto provider = authorizationProvider_;
     const auto link = link_;
-    link->awaitAuthorization(handler);
+    link->calls().addWaiting(handler);
     const bool returned = containingExceptions("A provider of credentials", [&] {
         provider->authorizationHeaders(WaitingRequest(link, std::move(request), handler));
     });
     if (!returned) {
-        link->failAuthorization(handler, WaitingRequest::noResult());
+        link->calls().failWaiting(handler, WaitingRequest::noResult());
     }
 }
 
@@ -171,20 +145,32 @@ std::optional<std::string> MCPHTTPTransport::activeSessionID() const {
 }
 
 void MCPHTTPTransport::setProtocolVersion(std::optional<MCPProtocolVersion> version) {
-    link_->state().modify([&](MCPHTTPState& state) { state.protocolVersion = version; });
+    link_->state().modify([&](State& state) { state.protocolVersion = version; });
 }
 
 void MCPHTTPTransport::clearSession() {
-    link_->state().modify([](MCPHTTPState& state) { state.sessionID = std::nullopt; });
+    link_->state().modify([](State& state) { state.sessionID = std::nullopt; });
 }
 
 void MCPHTTPTransport::send(MCPRequest request, MCPCompletion<MCPResponse> completion) {
+    send(link_->state().value(), std::move(request), std::move(completion));
+}
+
+bool MCPHTTPTransport::sendInSession(MCPRequest& request, MCPCompletion<MCPResponse>& completion) {
+    const auto state = link_->state().value();
+    if (!state.sessionID) {
+        return false;
+    }
+    send(state, std::move(request), std::move(completion));
+    return true;
+}
+
+void MCPHTTPTransport::send(const State& state, MCPRequest request, MCPCompletion<MCPResponse> completion) {
     auto body = JSONEncoder().encode(request);
     if (!body) {
         return completion(failure(MCPError(std::move(body.error()))));
     }
-    const auto state = link_->state().value();
-    perform(mcpHTTPRequest(endpointURL_, state, *std::move(body)),
+    perform(makeRequest(endpointURL_, state, *std::move(body)),
             std::make_shared<MCPHTTPRequestHandler>(std::move(request.id), link_->sessionIDReference(state),
                                                     std::move(completion)));
 }
@@ -195,7 +181,7 @@ void MCPHTTPTransport::send(MCPNotification notification, MCPCompletion<void> co
         return completion(failure(MCPError(std::move(body.error()))));
     }
     const auto state = link_->state().value();
-    perform(mcpHTTPRequest(endpointURL_, state, *std::move(body)),
+    perform(makeRequest(endpointURL_, state, *std::move(body)),
             std::make_shared<MCPHTTPNotificationHandler>(link_->sessionIDReference(state),
                                                          std::move(completion)));
 }
@@ -206,12 +192,34 @@ void MCPHTTPTransport::disconnect(MCPCompletion<void> completion) {
         return completion({});
     }
     perform(
-        mcpHTTPRequest(endpointURL_, state, std::nullopt),
+        makeRequest(endpointURL_, state, std::nullopt),
         std::make_shared<MCPHTTPDisconnectHandler>(link_->sessionIDReference(state), std::move(completion)));
 }
 
 void MCPHTTPTransport::cancelAll() {
-    link_->cancelAll();
+    link_->calls().cancelAll();
+}
+
+bool MCPHTTPTransport::cancel(const MCPRequestID& requestID) {
+    return link_->calls().cancel(requestID);
+}
+
+URLRequest MCPHTTPTransport::makeRequest(const URL& endpoint, const State& state,
+                                         std::optional<std::string> body) {
+    URLRequest request(endpoint, body ? "POST" : "DELETE");
+    request.headers.set("Accept", "application/json, text/event-stream");
+    if (body) {
+        request.headers.set("Content-Type", "application/json");
+        request.body = HTTPBody(*std::move(body));
+    }
+    if (state.protocolVersion) {
+        request.headers.set(std::string(mcpProtocolVersionField),
+                            std::string(rawValue(*state.protocolVersion)));
+    }
+    if (state.sessionID && isSendableSessionID(*state.sessionID)) {
+        request.headers.set(std::string(mcpSessionIDField), *state.sessionID);
+    }
+    return request;
 }
 
 } // namespace zelto

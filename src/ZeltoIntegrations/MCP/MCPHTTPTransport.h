@@ -37,17 +37,29 @@ class MCPHTTPTransport final : public MCPTransport {
     void setProtocolVersion(std::optional<MCPProtocolVersion> version) override;
     void clearSession() override;
     void send(MCPRequest request, MCPCompletion<MCPResponse> completion) override;
+    bool sendInSession(MCPRequest& request, MCPCompletion<MCPResponse>& completion) override;
     void send(MCPNotification notification, MCPCompletion<void> completion) override;
     void disconnect(MCPCompletion<void> completion) override;
 
     // Calls that wait for the provider end on the calling thread, all others on the delegate queue.
     void cancelAll() override;
+    bool cancel(const MCPRequestID& requestID) override;
+
+    struct State {
+        std::optional<MCPProtocolVersion> protocolVersion = {};
+        std::optional<std::string> sessionID = {};
+    };
+
+    // The HTTP request of a message: a POST of its JSON, or a DELETE without a body. Its time-out is 60
+    // seconds without movement. A session identifier that is not visible ASCII is left out.
+    static URLRequest makeRequest(const URL& endpoint, const State& state, std::optional<std::string> body);
 
   private:
     class Link;
     class WaitingRequest;
     using Handler = std::shared_ptr<MCPHTTPTaskHandler>;
 
+    void send(const State& state, MCPRequest request, MCPCompletion<MCPResponse> completion);
     void perform(URLRequest request, const Handler& handler);
 
     URL endpointURL_;

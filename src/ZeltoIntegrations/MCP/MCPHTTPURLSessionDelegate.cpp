@@ -2,6 +2,7 @@
 
 #include <ZeltoIntegrations/MCP/MCPDecodingInternal.h>
 
+#include <algorithm>
 #include <new>
 #include <utility>
 #include <vector>
@@ -18,27 +19,74 @@ MCPHTTPTaskDecision decisionOf(MCPHTTPTaskHandler& handler, const MCPHTTPTaskEve
     }
 }
 
+MCPError cancelled() {
+    return URLError{URLErrorCode::cancelled, "The request was cancelled."};
+}
+
 } // namespace
 
-void MCPHTTPURLSessionDelegate::add(const std::shared_ptr<URLSessionDataTask>& task,
-                                    std::shared_ptr<MCPHTTPTaskHandler> handler) {
-    handlersByTaskIdentifier_.modify([&](auto& entries) {
-        entries.insert_or_assign(task->taskIdentifier(), Entry{std::move(handler), task});
+void MCPHTTPURLSessionDelegate::add(const Task& task, Handler handler) {
+    calls_.modify([&](Calls& calls) {
+        calls.handlersByTaskIdentifier.insert_or_assign(task->taskIdentifier(),
+                                                        Entry{std::move(handler), task});
     });
 }
 
-void MCPHTTPURLSessionDelegate::remove(const URLSessionDataTask& task) {
-    removeHandlerOf(task);
+void MCPHTTPURLSessionDelegate::addWaiting(Handler handler) {
+    calls_.modify([&](Calls& calls) { calls.waiting.push_back(std::move(handler)); });
+}
+
+bool MCPHTTPURLSessionDelegate::start(const Task& task, const Handler& handler) {
+    return calls_.modify([&](Calls& calls) {
+        return removeWaiting(calls, handler) &&
+               calls.handlersByTaskIdentifier.emplace(task->taskIdentifier(), Entry{handler, task}).second;
+    });
+}
+
+void MCPHTTPURLSessionDelegate::failWaiting(const Handler& handler, MCPError error) {
+    if (calls_.modify([&](Calls& calls) { return removeWaiting(calls, handler); })) {
+        handler->complete(failure(std::move(error)));
+    }
+}
+
+bool MCPHTTPURLSessionDelegate::cancel(const MCPRequestID& requestID) {
+    const auto isMeant = [&](const Handler& handler) {
+        return handler->requestID() && *handler->requestID() == requestID;
+    };
+    Handler waiting;
+    const auto task = calls_.modify([&](Calls& calls) -> Task {
+        const auto found = std::ranges::find_if(calls.waiting, isMeant);
+        if (found != calls.waiting.end()) {
+            waiting = *found;
+            calls.waiting.erase(found);
+            return nullptr;
+        }
+        for (const auto& [identifier, entry] : calls.handlersByTaskIdentifier) {
+            if (isMeant(entry.handler)) {
+                return entry.task;
+            }
+        }
+        return nullptr;
+    });
+    if (waiting) {
+        waiting->complete(failure(cancelled()));
+    } else if (task) {
+        task->cancel();
+    }
+    return waiting || task;
 }
 
 void MCPHTTPURLSessionDelegate::cancelAll() {
-    const auto tasks = handlersByTaskIdentifier_.read([](const auto& entries) {
-        std::vector<std::shared_ptr<URLSessionDataTask>> all;
-        for (const auto& [identifier, entry] : entries) {
-            all.push_back(entry.task);
+    std::vector<Task> tasks;
+    const auto waiting = calls_.modify([&](Calls& calls) {
+        for (const auto& [identifier, entry] : calls.handlersByTaskIdentifier) {
+            tasks.push_back(entry.task);
         }
-        return all;
+        return std::exchange(calls.waiting, {});
     });
+    for (const auto& each : waiting) {
+        each->complete(failure(cancelled()));
+    }
     for (const auto& each : tasks) {
         each->cancel();
     }
@@ -85,20 +133,24 @@ bool MCPHTTPURLSessionDelegate::proceeds(const URLSessionDataTask& task, const M
     return false;
 }
 
-std::shared_ptr<MCPHTTPTaskHandler>
+MCPHTTPURLSessionDelegate::Handler
 MCPHTTPURLSessionDelegate::handlerOf(const URLSessionDataTask& task) const {
-    return handlersByTaskIdentifier_.read([&](const auto& entries) {
-        const auto found = entries.find(task.taskIdentifier());
-        return found == entries.end() ? nullptr : found->second.handler;
+    return calls_.read([&](const Calls& calls) {
+        const auto found = calls.handlersByTaskIdentifier.find(task.taskIdentifier());
+        return found == calls.handlersByTaskIdentifier.end() ? nullptr : found->second.handler;
     });
 }
 
-std::shared_ptr<MCPHTTPTaskHandler>
+MCPHTTPURLSessionDelegate::Handler
 MCPHTTPURLSessionDelegate::removeHandlerOf(const URLSessionDataTask& task) {
     // The task is released after the lock.
-    auto node = handlersByTaskIdentifier_.modify(
-        [&](auto& entries) { return entries.extract(task.taskIdentifier()); });
+    auto node = calls_.modify(
+        [&](Calls& calls) { return calls.handlersByTaskIdentifier.extract(task.taskIdentifier()); });
     return node ? std::move(node.mapped().handler) : nullptr;
+}
+
+bool MCPHTTPURLSessionDelegate::removeWaiting(Calls& calls, const Handler& handler) {
+    return std::erase(calls.waiting, handler) > 0;
 }
 
 } // namespace zelto

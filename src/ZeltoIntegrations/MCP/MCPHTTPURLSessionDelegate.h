@@ -10,20 +10,35 @@
 #include <cstdint>
 #include <memory>
 #include <unordered_map>
+#include <vector>
 
 namespace zelto {
 
-// Passes the events of a session's tasks to the handler of each. A handler leaves the map before it is
-// completed, so it gets no event after that.
+// The calls of a transport: passes the events of a session's tasks to the handler of each call, and ends
+// calls. A handler leaves before it is completed, so it gets no event after that. Any thread.
 class MCPHTTPURLSessionDelegate final : public URLSessionDataDelegate {
   public:
+    using Handler = std::shared_ptr<MCPHTTPTaskHandler>;
+    using Task = std::shared_ptr<URLSessionDataTask>;
+
     // To be called before the task is resumed.
-    void add(const std::shared_ptr<URLSessionDataTask>& task, std::shared_ptr<MCPHTTPTaskHandler> handler);
+    void add(const Task& task, Handler handler);
 
-    // The task's handler gets no more events.
-    void remove(const URLSessionDataTask& task);
+    // A call without a task, since it waits for the provider of credentials.
+    void addWaiting(Handler handler);
 
-    // Cancels every task that has a handler.
+    // The task of a call that waited. False, without effect, if the call has ended meanwhile. To be called
+    // before the task is resumed.
+    bool start(const Task& task, const Handler& handler);
+
+    // Completes a call that waited, unless it has ended meanwhile.
+    void failWaiting(const Handler& handler, MCPError error);
+
+    // Ends the call of this request with `cancelled`; false if there is none. A call that waits is completed
+    // on this thread.
+    bool cancel(const MCPRequestID& requestID);
+
+    // Ends every call with `cancelled`.
     void cancelAll();
 
     URLSessionResponseDisposition
@@ -33,16 +48,22 @@ class MCPHTTPURLSessionDelegate final : public URLSessionDataDelegate {
 
   private:
     struct Entry {
-        std::shared_ptr<MCPHTTPTaskHandler> handler;
-        std::shared_ptr<URLSessionDataTask> task; // for cancelling it
+        Handler handler;
+        Task task; // for cancelling it
     };
 
-    std::shared_ptr<MCPHTTPTaskHandler> handlerOf(const URLSessionDataTask& task) const;
-    std::shared_ptr<MCPHTTPTaskHandler> removeHandlerOf(const URLSessionDataTask& task);
+    struct Calls {
+        std::vector<Handler> waiting;
+        std::unordered_map<std::int64_t, Entry> handlersByTaskIdentifier;
+    };
+
+    Handler handlerOf(const URLSessionDataTask& task) const;
+    Handler removeHandlerOf(const URLSessionDataTask& task);
+    static bool removeWaiting(Calls& calls, const Handler& handler);
     // Whether the task goes on; otherwise the handler has been removed and completed.
     bool proceeds(const URLSessionDataTask& task, const MCPHTTPTaskEvent& event);
 
-    Protected<std::unordered_map<std::int64_t, Entry>> handlersByTaskIdentifier_;
+    Protected<Calls> calls_;
 };
 
 } // namespace zelto

@@ -7,6 +7,7 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace zelto {
 
@@ -27,11 +28,22 @@ class MCPTransport {
     virtual void send(MCPRequest request, MCPCompletion<MCPResponse> completion) = 0;
     virtual void send(MCPNotification notification, MCPCompletion<void> completion) = 0;
 
+    // Sends a request if the transport holds a session, whose end may have come at this moment. False, with
+    // both arguments untouched, if it does not. A transport that cannot tell sends it.
+    virtual bool sendInSession(MCPRequest& request, MCPCompletion<MCPResponse>& completion) {
+        send(std::move(request), std::move(completion));
+        return true;
+    }
+
     // Tells the server that the session ends.
     virtual void disconnect(MCPCompletion<void> completion) = 0;
 
     // Ends all running calls with `cancelled`, where the transport can.
     virtual void cancelAll() {}
+
+    // Ends the call of the request with this identifier with `cancelled`. False, without effect, if the
+    // transport has no such call or cannot end it.
+    virtual bool cancel(const MCPRequestID&) { return false; }
 };
 
 } // namespace zelto

@@ -9,6 +9,7 @@
 #include <functional>
 #include <memory>
 #include <new>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,8 @@ class NotingHandler final : public MCPHTTPTaskHandler {
     explicit NotingHandler(Decide decide = MCPHTTPTaskDecision::continueLoading)
         : decide_(std::move(decide)) {}
 
+    const MCPRequestID* requestID() const override { return id ? &*id : nullptr; }
+
     MCPHTTPTaskDecision handle(const MCPHTTPTaskEvent& event) override {
         notes.push_back(event.value.index() == 0 ? "head" : std::string(std::get<1>(event.value)));
         return decide_();
@@ -38,6 +41,7 @@ class NotingHandler final : public MCPHTTPTaskHandler {
         }
     }
 
+    std::optional<MCPRequestID> id;
     std::vector<std::string> notes;
     std::vector<MCPResult<void>> outcomes;
     std::function<void()> whenCompleted;
@@ -141,14 +145,52 @@ TEST_F(MCPHTTPURLSessionDelegateTest, NothingReachesAHandlerThatIsBeingCompleted
     EXPECT_EQ(handler->notes, (Notes{"a", "complete"}));
 }
 
-TEST_F(MCPHTTPURLSessionDelegateTest, AHandlerThatWasRemovedGetsNoEvent) {
-    const auto handler = handlerThat(Decision::continueLoading);
-    delegate.remove(*task);
+TEST_F(MCPHTTPURLSessionDelegateTest, ACallThatWaitsIsCompletedByItsFailureOrByACancellation) {
+    const auto failing = std::make_shared<NotingHandler>();
+    const auto cancelled = std::make_shared<NotingHandler>();
+    const MCPError error(MCPAuthorizationError{"none"});
+    delegate.addWaiting(failing);
+    delegate.addWaiting(cancelled);
+    delegate.failWaiting(failing, error);
     delegate.cancelAll();
-    EXPECT_FALSE(end.hasCome());
+    for (const auto& each : {failing, cancelled}) {
+        EXPECT_FALSE(delegate.start(task, each));
+        delegate.failWaiting(each, error);
+        EXPECT_EQ(each->notes, Notes{"complete"});
+    }
+    EXPECT_EQ(failing->outcomes, std::vector<MCPResult<void>>{failure(error)});
+    EXPECT_EQ(std::get<URLError>(cancelled->outcomes.at(0).error().value).code, URLErrorCode::cancelled);
     receive("a");
-    delegate.didComplete(*task, std::nullopt);
-    EXPECT_EQ(handler->notes, Notes());
+    EXPECT_EQ(end.value().code(), URLErrorCode::cancelled); // nothing was left of them
+}
+
+TEST_F(MCPHTTPURLSessionDelegateTest, ACallThatWaitedGetsTheEventsOfItsTask) {
+    const auto handler = std::make_shared<NotingHandler>();
+    delegate.addWaiting(handler);
+    EXPECT_TRUE(delegate.start(task, handler));
+    EXPECT_FALSE(delegate.start(task, handler));
+    delegate.failWaiting(handler, MCPError(MCPAuthorizationError{"late"}));
+    EXPECT_TRUE(isAllowed(head));
+    EXPECT_EQ(handler->notes, Notes{"head"});
+    task->cancel();
+}
+
+TEST_F(MCPHTTPURLSessionDelegateTest, OneCallIsCancelledByItsRequest) {
+    const auto other = std::make_shared<NotingHandler>();
+    const auto waiting = std::make_shared<NotingHandler>();
+    const auto id = MCPRequestID::string("1");
+    EXPECT_FALSE(delegate.cancel(id));
+    waiting->id = MCPRequestID::string("2");
+    delegate.addWaiting(other);
+    delegate.addWaiting(waiting);
+    EXPECT_TRUE(delegate.cancel(*waiting->id));
+    EXPECT_FALSE(delegate.cancel(*waiting->id));
+    EXPECT_EQ(waiting->notes, Notes{"complete"});
+    EXPECT_EQ(other->notes, Notes());
+    handlerThat(Decision::continueLoading)->id = id;
+    EXPECT_FALSE(end.hasCome());
+    EXPECT_TRUE(delegate.cancel(id));
+    EXPECT_EQ(end.value().code(), URLErrorCode::cancelled);
 }
 
 TEST_F(MCPHTTPURLSessionDelegateTest, CancellingAllCancelsEachTask) {
