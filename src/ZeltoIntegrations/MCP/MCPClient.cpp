@@ -1,12 +1,9 @@
 #include <ZeltoIntegrations/MCP/MCPClient.h>
 
-#include <ZeltoIntegrations/MCP/MCPDecodingInternal.h>
+#include <ZeltoIntegrations/MCP/MCPCallDeadlinesInternal.h>
 #include <ZeltoIntegrations/MCP/MCPHTTPTransport.h>
-
-#include <Platform/ASCII.h>
-#include <Platform/UUID.h>
-
-#include <TrovenhalCommon/OnceGate.h>
+#include <ZeltoIntegrations/MCP/MCPResultsInternal.h>
+#include <ZeltoIntegrations/MCP/MCPSessionGateInternal.h>
 
 #include <algorithm>
 #include <atomic>
@@ -18,36 +15,6 @@
 namespace zelto {
 
 namespace {
-
-MCPRequestID freshID() {
-    return MCPRequestID::string(toASCIIUpper(uuid()));
-}
-
-template <class T> MCPResult<JSONValue> makeParams(const T& params) {
-    auto value = JSONValue::of(params);
-    if (!value) {
-        return failure(MCPError(std::move(value.error())));
-    }
-    return *std::move(value);
-}
-
-MCPResult<JSONValue> validateSuccess(MCPResponse response) {
-    if (response.error) {
-        return failure(MCPError(MCPClientError::jsonRPCFailure(*std::move(response.error))));
-    }
-    if (!response.result) {
-        return failure(MCPError(MCPClientError::missingJSONRPCResult()));
-    }
-    return *std::move(response.result);
-}
-
-// Takes the value, so that its memory is free when the caller goes on with the record.
-template <class T> MCPResult<T> decodeResult(MCPResult<JSONValue> result) {
-    if (!result) {
-        return failure(std::move(result.error()));
-    }
-    return decodedBy([&] { return result->template as<T>(); });
-}
 
 // Adds a page to the tools and gives the cursor of the next one.
 MCPResult<std::optional<std::string>> takePage(MCPResult<JSONValue> value, std::vector<MCPTool>& tools) {
@@ -64,182 +31,167 @@ MCPResult<std::optional<std::string>> takePage(MCPResult<JSONValue> value, std::
     });
 }
 
-MCPError cancelled() {
-    return URLError{URLErrorCode::cancelled, "The operation was cancelled."};
-}
-
-// A completion that may be ended from two sides; the first one counts.
-template <class T> class FirstEnd {
-  public:
-    explicit FirstEnd(MCPCompletion<T> completion) : completion_(std::move(completion)) {}
-
-    void operator()(MCPResult<T> result) {
-        gate_.once([&] { completion_(std::move(result)); });
-    }
-
-  private:
-    OnceGate gate_;
-    MCPCompletion<T> completion_;
-};
-
 } // namespace
 
 // Shared by the callbacks of running operations, and kept alive by them.
 class MCPClient::Operations : public std::enable_shared_from_this<Operations> {
   public:
+    using Call = std::shared_ptr<MCPRunningCall>;
+    template <class T> using Operation = std::function<void(const Call&, MCPCompletion<T>)>;
+
     Operations(std::shared_ptr<MCPTransport> transport, MCPCapabilities capabilities,
                MCPImplementationInfo clientInfo)
-        : transport_(std::move(transport)), capabilities_(std::move(capabilities)),
-          clientInfo_(std::move(clientInfo)) {}
+        : sender_(std::move(transport)),
+          gate_(std::make_shared<MCPSessionGate>(
+              cancellations_, MCPHandshake(sender_, std::move(capabilities), std::move(clientInfo)))) {}
 
-    // The number of cancellations so far. An operation keeps the number of its beginning, and sends no
-    // message once there was another cancellation.
-    using Generation = std::uint64_t;
-
-    MCPTransport& transport() { return *transport_; }
-
-    Generation generation() const { return cancellations_; }
+    MCPSessionGate& gate() { return *gate_; }
 
     void cancelAll() {
-        ++cancellations_;
-        transport_->cancelAll();
+        ++*cancellations_;
+        gate_->cancelAll();
+        sender_.transport().cancelAll();
     }
 
-    void initialize(Generation generation, MCPCompletion<MCPInitializeResult> completion) {
-        transport_->clearSession();
-        transport_->setProtocolVersion(std::nullopt);
-        auto params =
-            makeParams(MCPInitializeParams{.capabilities = capabilities_, .clientInfo = clientInfo_});
-        if (!params) {
-            return failInitialization(std::move(params.error()), std::move(completion));
-        }
-        sendRequest(generation, "initialize", *std::move(params),
-                    [self = shared_from_this(), generation,
-                     completion = std::move(completion)](MCPResult<JSONValue> value) mutable {
-                        auto result = decodeResult<MCPInitializeResult>(std::move(value));
-                        if (!result) {
-                            return self->failInitialization(std::move(result.error()), std::move(completion));
-                        }
-                        self->confirm(generation, *std::move(result), std::move(completion));
-                    });
+    template <class T>
+    MCPCall perform(MCPCompletion<T> completion, const MCPCallOptions& options,
+                    const Operation<T>& operation) {
+        const auto call = std::make_shared<MCPRunningCall>(cancellations_);
+        gate_->registerCall(*call);
+        auto deadline = options.timeout ? MCPCallDeadlines::shared().add(call, *options.timeout)
+                                        : MCPCallDeadlines::Deadline();
+        operation(call, [self = shared_from_this(), call, deadline = std::move(deadline),
+                         completion = std::move(completion)](MCPResult<T> result) mutable {
+            completion(call->finish(std::move(result)));
+        });
+        return MCPCall(call);
     }
 
-    void ping(Generation generation, MCPCompletion<void> completion) {
-        sendRequest(generation, "ping", std::nullopt,
-                    [completion = std::move(completion)](MCPResult<JSONValue> result) mutable {
-                        completion(result ? MCPResult<void>() : failure(std::move(result.error())));
-                    });
+    template <class T>
+    MCPCall performWithSessionRetry(MCPCompletion<T> completion, const MCPCallOptions& options,
+                                    Operation<T> operation) {
+        return perform<T>(std::move(completion), options,
+                          [this, operation = std::move(operation)](const Call& call, MCPCompletion<T> done) {
+                              attempt(call, operation, false, std::move(done));
+                          });
     }
 
-    void listTools(Generation generation, MCPCompletion<std::vector<MCPTool>> completion) {
-        listPage(generation, std::nullopt, {}, std::move(completion));
+    void connect(const Call& call, MCPCompletion<MCPInitializeResult> completion) {
+        gate_->connect(call, std::move(completion));
     }
 
-    void callTool(Generation generation, const MCPToolCallParams& params,
+    void disconnect(const Call& call, MCPCompletion<void> completion) {
+        gate_->disconnect(call, [sender = sender_, call,
+                                 completion = std::move(completion)](MCPResult<void> reached) mutable {
+            if (!reached) {
+                return completion(std::move(reached));
+            }
+            sender.disconnect(call, std::move(completion));
+        });
+    }
+
+    void ping(const Call& call, MCPCompletion<void> completion) {
+        request(call, "ping", std::nullopt,
+                [completion = std::move(completion)](MCPResult<JSONValue> result) mutable {
+                    completion(result ? MCPResult<void>() : failure(std::move(result.error())));
+                });
+    }
+
+    void listPage(const Call& call, std::optional<JSONValue> params, std::vector<MCPTool> tools,
+                  MCPCompletion<std::vector<MCPTool>> completion) {
+        request(call, "tools/list", std::move(params),
+                [self = shared_from_this(), call, tools = std::move(tools),
+                 completion = std::move(completion)](MCPResult<JSONValue> value) mutable {
+                    self->goOnListing(call, std::move(value), std::move(tools), std::move(completion));
+                });
+    }
+
+    void callTool(const Call& call, const MCPToolCallParams& params,
                   MCPCompletion<MCPToolCallResult> completion) {
         auto value = makeParams(params);
         if (!value) {
             return completion(failure(std::move(value.error())));
         }
-        sendRequest(generation, "tools/call", *std::move(value),
-                    [completion = std::move(completion)](MCPResult<JSONValue> response) mutable {
-                        auto result = decodeResult<MCPToolCallResult>(std::move(response));
-                        if (result && result->isError == true) {
-                            result = failure(MCPError(MCPClientError::toolCallFailed(*std::move(result))));
-                        }
-                        completion(std::move(result));
-                    });
-    }
-
-    template <class T>
-    void performWithSessionRetry(std::function<void(Generation, MCPCompletion<T>)> operation,
-                                 MCPCompletion<T> completion) {
-        const auto begun = generation();
-        operation(begun, [self = shared_from_this(), begun, operation,
-                          completion = std::move(completion)](MCPResult<T> result) mutable {
-            if (result || !result.error().template is<MCPClientError::SessionExpired>()) {
-                return completion(std::move(result));
-            }
-            self->initialize(begun,
-                             [begun, operation = std::move(operation), completion = std::move(completion)](
-                                 MCPResult<MCPInitializeResult> initialized) mutable {
-                                 if (!initialized) {
-                                     return completion(failure(std::move(initialized.error())));
-                                 }
-                                 operation(begun, std::move(completion));
-                             });
-        });
+        request(call, "tools/call", *std::move(value),
+                [completion = std::move(completion)](MCPResult<JSONValue> response) mutable {
+                    auto result = decodeResult<MCPToolCallResult>(std::move(response));
+                    if (result && result->isError == true) {
+                        result = failure(MCPError(MCPClientError::toolCallFailed(*std::move(result))));
+                    }
+                    completion(std::move(result));
+                });
     }
 
   private:
-    // Between a response and the next message, the transport has nothing of the operation that it could
-    // cancel. A message that is sent at the very moment of a cancellation may escape it; its response is then
-    // ignored.
-    template <class T, class Message>
-    void send(Generation generation, Message message, MCPCompletion<T> completion) {
-        if (generation != cancellations_) {
-            return completion(failure(cancelled()));
+    void request(const Call& call, std::string method, std::optional<JSONValue> params,
+                 MCPCompletion<JSONValue> completion) {
+        gate_->send(
+            call, [sender = sender_, call, method = std::move(method), params = std::move(params),
+                   completion = std::move(completion)](MCPResult<MCPMessageSender::Place> place) mutable {
+                if (!place) {
+                    return completion(failure(std::move(place.error())));
+                }
+                sender.request(call, *place, std::move(method), std::move(params), std::move(completion));
+            });
+    }
+
+    void goOnListing(const Call& call, MCPResult<JSONValue> value, std::vector<MCPTool> tools,
+                     MCPCompletion<std::vector<MCPTool>> completion) {
+        auto cursor = takePage(std::move(value), tools);
+        if (!cursor) {
+            return completion(failure(std::move(cursor.error())));
         }
-        const auto end = std::make_shared<FirstEnd<T>>(std::move(completion));
-        transport_->send(std::move(message), [end](MCPResult<T> result) { (*end)(std::move(result)); });
-        if (generation != cancellations_) {
-            (*end)(failure(cancelled()));
+        if (!*cursor) {
+            return completion(std::move(tools));
         }
+        auto next = makeParams(MCPToolListParams{*std::move(cursor)});
+        if (!next) {
+            return completion(failure(std::move(next.error())));
+        }
+        listPage(call, *std::move(next), std::move(tools), std::move(completion));
     }
 
-    void sendRequest(Generation generation, std::string method, std::optional<JSONValue> params,
-                     MCPCompletion<JSONValue> completion) {
-        send<MCPResponse>(generation, MCPRequest{freshID(), std::move(method), std::move(params)},
-                          [self = shared_from_this(),
-                           completion = std::move(completion)](MCPResult<MCPResponse> response) mutable {
-                              completion(response ? validateSuccess(*std::move(response))
-                                                  : failure(std::move(response.error())));
-                          });
+    template <class T> static bool isExpired(const MCPResult<T>& result) {
+        return !result && result.error().template is<MCPClientError::SessionExpired>();
     }
 
-    void confirm(Generation generation, MCPInitializeResult result,
-                 MCPCompletion<MCPInitializeResult> completion) {
-        transport_->setProtocolVersion(result.protocolVersion);
-        send<void>(generation, MCPNotification{"notifications/initialized", std::nullopt},
-                   [self = shared_from_this(), result = std::move(result),
-                    completion = std::move(completion)](MCPResult<void> sent) mutable {
-                       if (!sent) {
-                           return self->failInitialization(std::move(sent.error()), std::move(completion));
-                       }
-                       completion(std::move(result));
-                   });
+    // A call that finds its session expired is repeated in a new one, once; a try of which nothing was sent
+    // does not count.
+    template <class T>
+    void attempt(const Call& call, Operation<T> operation, bool isLast, MCPCompletion<T> completion) {
+        call->sessionRecord.hasSent = false;
+        operation(call, [self = shared_from_this(), call, operation, isLast,
+                         completion = std::move(completion)](MCPResult<T> result) mutable {
+            if (!isExpired(result)) {
+                return completion(std::move(result));
+            }
+            self->repeat(call, std::move(operation), isLast, std::move(completion));
+        });
     }
 
-    void failInitialization(MCPError error, MCPCompletion<MCPInitializeResult> completion) {
-        transport_->clearSession();
-        transport_->setProtocolVersion(std::nullopt);
-        completion(failure(std::move(error)));
+    template <class T>
+    void repeat(const Call& call, Operation<T> operation, bool isLast, MCPCompletion<T> completion) {
+        const bool hasSent = call->sessionRecord.hasSent;
+        if (auto reason = call->reasonToEnd()) {
+            return completion(failure(*std::move(reason)));
+        }
+        if (isLast && hasSent) {
+            return completion(failure(gate_->giveUpSession(*call)));
+        }
+        gate_->renew(call, [self = shared_from_this(), call, operation = std::move(operation),
+                            isLast = isLast || hasSent,
+                            completion = std::move(completion)](MCPResult<void> renewed) mutable {
+            if (!renewed) {
+                return completion(failure(std::move(renewed.error())));
+            }
+            self->attempt(call, std::move(operation), isLast, std::move(completion));
+        });
     }
 
-    void listPage(Generation generation, std::optional<JSONValue> params, std::vector<MCPTool> tools,
-                  MCPCompletion<std::vector<MCPTool>> completion) {
-        sendRequest(generation, "tools/list", std::move(params),
-                    [self = shared_from_this(), generation, tools = std::move(tools),
-                     completion = std::move(completion)](MCPResult<JSONValue> value) mutable {
-                        auto cursor = takePage(std::move(value), tools);
-                        if (!cursor) {
-                            return completion(failure(std::move(cursor.error())));
-                        }
-                        if (!*cursor) {
-                            return completion(std::move(tools));
-                        }
-                        auto next = makeParams(MCPToolListParams{*std::move(cursor)});
-                        if (!next) {
-                            return completion(failure(std::move(next.error())));
-                        }
-                        self->listPage(generation, *std::move(next), std::move(tools), std::move(completion));
-                    });
-    }
-
-    std::shared_ptr<MCPTransport> transport_;
-    MCPCapabilities capabilities_;
-    MCPImplementationInfo clientInfo_;
-    std::atomic<std::uint64_t> cancellations_ = 0;
+    const std::shared_ptr<std::atomic<std::uint64_t>> cancellations_ =
+        std::make_shared<std::atomic<std::uint64_t>>(0);
+    const MCPMessageSender sender_;
+    const std::shared_ptr<MCPSessionGate> gate_;
 };
 
 MCPClient::MCPClient(URL endpointURL, std::shared_ptr<MCPAuthorizationProvider> authorizationProvider,
@@ -254,39 +206,48 @@ MCPClient::MCPClient(std::shared_ptr<MCPTransport> transport, MCPCapabilities ca
     : operations_(std::make_shared<Operations>(std::move(transport), std::move(capabilities),
                                                std::move(clientInfo))) {}
 
-void MCPClient::connect(MCPCompletion<MCPInitializeResult> completion) {
-    operations_->initialize(operations_->generation(), std::move(completion));
+void MCPClient::setSessionObserver(std::function<void(const MCPInitializeResult&)> observer) {
+    operations_->gate().setObserver(std::move(observer));
 }
 
-void MCPClient::ping(MCPCompletion<void> completion) {
-    operations_->performWithSessionRetry<void>(
-        [operations = operations_](auto generation, MCPCompletion<void> done) {
-            operations->ping(generation, std::move(done));
-        },
-        std::move(completion));
+MCPCall MCPClient::connect(MCPCompletion<MCPInitializeResult> completion, const MCPCallOptions& options) {
+    return operations_->perform<MCPInitializeResult>(
+        std::move(completion), options, [&](const auto& call, MCPCompletion<MCPInitializeResult> done) {
+            operations_->connect(call, std::move(done));
+        });
 }
 
-void MCPClient::listTools(MCPCompletion<std::vector<MCPTool>> completion) {
-    operations_->performWithSessionRetry<std::vector<MCPTool>>(
-        [operations = operations_](auto generation, MCPCompletion<std::vector<MCPTool>> done) {
-            operations->listTools(generation, std::move(done));
-        },
-        std::move(completion));
+MCPCall MCPClient::ping(MCPCompletion<void> completion, const MCPCallOptions& options) {
+    return operations_->performWithSessionRetry<void>(
+        std::move(completion), options,
+        [operations = operations_](const auto& call, MCPCompletion<void> done) {
+            operations->ping(call, std::move(done));
+        });
 }
 
-void MCPClient::callTool(std::string name, std::optional<JSONValue> arguments,
-                         MCPCompletion<MCPToolCallResult> completion) {
+MCPCall MCPClient::listTools(MCPCompletion<std::vector<MCPTool>> completion, const MCPCallOptions& options) {
+    return operations_->performWithSessionRetry<std::vector<MCPTool>>(
+        std::move(completion), options,
+        [operations = operations_](const auto& call, MCPCompletion<std::vector<MCPTool>> done) {
+            operations->listPage(call, std::nullopt, {}, std::move(done));
+        });
+}
+
+MCPCall MCPClient::callTool(std::string name, std::optional<JSONValue> arguments,
+                            MCPCompletion<MCPToolCallResult> completion, const MCPCallOptions& options) {
     const auto params =
         std::make_shared<const MCPToolCallParams>(MCPToolCallParams{std::move(name), std::move(arguments)});
-    operations_->performWithSessionRetry<MCPToolCallResult>(
-        [operations = operations_, params](auto generation, MCPCompletion<MCPToolCallResult> done) {
-            operations->callTool(generation, *params, std::move(done));
-        },
-        std::move(completion));
+    return operations_->performWithSessionRetry<MCPToolCallResult>(
+        std::move(completion), options,
+        [operations = operations_, params](const auto& call, MCPCompletion<MCPToolCallResult> done) {
+            operations->callTool(call, *params, std::move(done));
+        });
 }
 
-void MCPClient::disconnect(MCPCompletion<void> completion) {
-    operations_->transport().disconnect(std::move(completion));
+MCPCall MCPClient::disconnect(MCPCompletion<void> completion, const MCPCallOptions& options) {
+    return operations_->perform<void>(
+        std::move(completion), options,
+        [&](const auto& call, MCPCompletion<void> done) { operations_->disconnect(call, std::move(done)); });
 }
 
 void MCPClient::cancelAll() {

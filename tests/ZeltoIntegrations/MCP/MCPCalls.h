@@ -104,9 +104,9 @@ template <class T> std::optional<URLErrorCode> connectionError(const MCPResult<T
     return error ? std::optional(error->code) : std::nullopt;
 }
 
-// An error of MCPClientError in the form in which failures are delivered.
-inline std::unexpected<MCPError> failed(MCPClientError error) {
-    return failure(MCPError(std::move(error)));
+// An error in the form in which failures are delivered.
+inline std::unexpected<MCPError> failed(MCPError error) {
+    return failure(std::move(error));
 }
 
 } // namespace zelto

@@ -1,0 +1,78 @@
+#include <ZeltoIntegrations/MCP/MCPCallDeadlinesInternal.h>
+
+#include <Platform/Operations/ThreadPool.h>
+
+#include <algorithm>
+
+namespace zelto {
+
+namespace {
+
+// A longer time-out would overflow the clock.
+constexpr TimeInterval maximumTimeout = std::chrono::hours(24 * 366);
+
+MCPError timedOut() {
+    return URLError{URLErrorCode::timedOut, "The call did not end within its time-out."};
+}
+
+} // namespace
+
+MCPCallDeadlines::Deadline::Deadline(Deadline&& other) noexcept : key_(std::exchange(other.key_, {})) {}
+
+MCPCallDeadlines::Deadline::~Deadline() {
+    if (key_.second != 0) {
+        shared().remove(key_);
+    }
+}
+
+MCPCallDeadlines& MCPCallDeadlines::shared() {
+    static auto& deadlines = *new MCPCallDeadlines; // threads of the pool use it while the process ends
+    return deadlines;
+}
+
+MCPCallDeadlines::Deadline MCPCallDeadlines::add(const std::shared_ptr<MCPRunningCall>& call,
+                                                 TimeInterval timeout) {
+    if (!(timeout > TimeInterval::zero())) {
+        call->end(timedOut());
+        return {};
+    }
+    const auto end = Clock::now() + std::chrono::ceil<Clock::duration>(std::min(timeout, maximumTimeout));
+    std::unique_lock lock(lock_);
+    const Key key{end, ++count_};
+    calls_.emplace(key, call);
+    if (std::exchange(isWatching_, true)) {
+        changed_.notify_one();
+    } else {
+        lock.unlock();
+        ThreadPool::shared().post([this] { watch(); });
+    }
+    return Deadline(key);
+}
+
+void MCPCallDeadlines::remove(const Key& key) {
+    const std::lock_guard guard(lock_);
+    if (calls_.erase(key) > 0 && calls_.empty()) {
+        changed_.notify_one();
+    }
+}
+
+void MCPCallDeadlines::watch() {
+    const ThreadPool::BlockingScope waiting;
+    std::unique_lock lock(lock_);
+    while (!calls_.empty()) {
+        const auto next = calls_.begin();
+        if (next->first.first > Clock::now()) {
+            changed_.wait_until(lock, next->first.first);
+            continue;
+        }
+        // What the host does in a completion must not hold up other deadlines.
+        ThreadPool::shared().post([call = std::move(calls_.extract(next).mapped())] {
+            if (const auto running = call.lock()) {
+                running->end(timedOut());
+            }
+        });
+    }
+    isWatching_ = false;
+}
+
+} // namespace zelto
