@@ -1,3 +1,4 @@
+#include <Platform/JSON/JSONLimits.h>
 #include <Platform/JSON/JSONTape.h>
 
 #include <boost/json/basic_parser_impl.hpp>
@@ -46,9 +47,6 @@ std::optional<double> nearestDouble(std::string_view text) {
     return value;
 }
 
-// The maximum number of values and keys in a text: a value takes some twenty times the space of "0,".
-constexpr std::size_t maximumNodes = std::size_t{8} << 20;
-
 struct TooManyValues {};
 
 // The handler of Boost.JSON's parser.
@@ -60,7 +58,7 @@ class JSONTapeBuilder {
     constexpr static std::size_t max_string_size = max_object_size;
 
     JSONTapeBuilder(std::string_view source, char* inPlace) : source_(source), unescapedEnd_(inPlace) {
-        grow(std::min(source.size() / 16 + 16, maximumNodes));
+        grow(std::min(source.size() / 16 + 16, maximumJSONValueCount));
     }
 
     JSONTape take() && { return std::move(tape_); }
@@ -126,10 +124,10 @@ class JSONTapeBuilder {
   private:
     JSONNode& add() {
         if (count_ == capacity_) [[unlikely]] {
-            if (count_ == maximumNodes) {
+            if (count_ == maximumJSONValueCount) {
                 throw TooManyValues{};
             }
-            grow(std::min(capacity_ * 2, maximumNodes));
+            grow(std::min(capacity_ * 2, maximumJSONValueCount));
         }
         return tape_.nodes_.get()[count_++];
     }
@@ -327,11 +325,19 @@ std::string textOf(boost::json::error error) {
     }
 }
 
+std::string tooManyValues() {
+    return "more than " + std::to_string(maximumJSONValueCount) + " values and keys";
+}
+
 Result<JSONTape, DecodingError> syntaxError(std::size_t offset, std::string text) {
     return failure(DecodingError{DecodingError::Reason::syntax, {}, std::move(text), offset});
 }
 
 } // namespace
+
+bool exceedsMaximumJSONValueCount(const DecodingError& error) {
+    return error.reason == DecodingError::Reason::syntax && error.text == tooManyValues();
+}
 
 Result<JSONTape, DecodingError> JSONTape::parse(std::string_view source) {
     return parse(source, nullptr);
@@ -354,7 +360,7 @@ Result<JSONTape, DecodingError> JSONTape::parse(std::string_view source, char* i
     try {
         used = parser.write_some(false, source.data(), source.size(), error);
     } catch (const TooManyValues&) {
-        return syntaxError(0, "more than " + std::to_string(maximumNodes) + " values and keys");
+        return syntaxError(0, tooManyValues());
     }
     if (error) {
         auto reason = static_cast<boost::json::error>(error.value());

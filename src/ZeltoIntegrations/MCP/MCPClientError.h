@@ -12,7 +12,7 @@
 
 namespace zelto {
 
-// A failure between this client and a server. It has no text of its own: callers distinguish the cases
+// A failure between this client and a server. Callers distinguish the cases
 // (`is<MCPClientError::SessionExpired>()`, std::visit over `value`).
 class MCPClientError {
   public:
@@ -140,6 +140,10 @@ class MCPClientError {
 
     // "sessionExpired"
     std::string_view caseName() const;
+
+    // For people: what happened, with a period at its end. It may hold up to 300 characters of each text that
+    // the server wrote, whose control characters are shown as escapes.
+    std::string sentence() const;
 
     bool operator==(const MCPClientError&) const = default;
 };

@@ -8,6 +8,7 @@
 #include <Platform/Result.h>
 
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -40,6 +41,14 @@ class MCPError {
 
     // Null if it is another kind of error.
     const MCPClientError* clientError() const { return std::get_if<MCPClientError>(&value); }
+
+    // For programs: the case of MCPClientError ("sessionExpired"), or "cancelled", "timedOut",
+    // "responseTooLarge", "connectionError" for all else of the connection, "decodingError", "encodingError"
+    // or "authorizationError".
+    std::string_view name() const;
+
+    // For people: what happened, with a period at its end.
+    std::string sentence() const;
 
     // Whether it is this case of MCPClientError.
     template <class Case> bool is() const {

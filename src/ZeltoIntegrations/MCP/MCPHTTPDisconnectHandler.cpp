@@ -7,8 +7,8 @@
 namespace zelto {
 
 MCPHTTPDisconnectHandler::MCPHTTPDisconnectHandler(MCPHTTPSessionIDReference sessionIDReference,
-                                                   MCPCompletion<void> completion)
-    : MCPHTTPOneWayHandler(std::move(sessionIDReference), std::move(completion)) {}
+                                                   std::uint64_t maximumSize, MCPCompletion<void> completion)
+    : MCPHTTPOneWayHandler(std::move(sessionIDReference), maximumSize, std::move(completion)) {}
 
 MCPHTTPTaskDecision MCPHTTPDisconnectHandler::validate(const HTTPURLResponse& response) {
     constexpr int methodNotAllowed = 405;

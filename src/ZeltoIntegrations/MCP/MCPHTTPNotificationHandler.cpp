@@ -7,8 +7,9 @@
 namespace zelto {
 
 MCPHTTPNotificationHandler::MCPHTTPNotificationHandler(MCPHTTPSessionIDReference sessionIDReference,
+                                                       std::uint64_t maximumSize,
                                                        MCPCompletion<void> completion)
-    : MCPHTTPOneWayHandler(std::move(sessionIDReference), std::move(completion)) {}
+    : MCPHTTPOneWayHandler(std::move(sessionIDReference), maximumSize, std::move(completion)) {}
 
 MCPHTTPTaskDecision MCPHTTPNotificationHandler::validate(const HTTPURLResponse& response) {
     constexpr int accepted = 202;

@@ -1,16 +1,27 @@
 #include <ZeltoIntegrations/MCP/MCPHTTPOneWayHandler.h>
 
+#include <ZeltoIntegrations/MCP/MCPHTTPResponseRules.h>
+
 #include <utility>
 
 namespace zelto {
 
 MCPHTTPOneWayHandler::MCPHTTPOneWayHandler(MCPHTTPSessionIDReference sessionIDReference,
-                                           MCPCompletion<void> completion)
-    : sessionIDReference_(std::move(sessionIDReference)), completion_(std::move(completion)) {}
+                                           std::uint64_t maximumSize, MCPCompletion<void> completion)
+    : sessionIDReference_(std::move(sessionIDReference)), remainingSize_(maximumSize),
+      completion_(std::move(completion)) {}
 
 MCPHTTPTaskDecision MCPHTTPOneWayHandler::handle(const MCPHTTPTaskEvent& event) {
     const auto* response = std::get_if<std::shared_ptr<const HTTPURLResponse>>(&event.value);
-    return response ? validate(**response) : MCPHTTPTaskDecision::continueLoading();
+    return response ? validate(**response) : passOver(std::get<std::string_view>(event.value));
+}
+
+MCPHTTPTaskDecision MCPHTTPOneWayHandler::passOver(std::string_view bytes) {
+    if (bytes.size() > remainingSize_) {
+        return MCPHTTPTaskDecision::finish(failure(responseTooLarge()));
+    }
+    remainingSize_ -= bytes.size();
+    return MCPHTTPTaskDecision::continueLoading();
 }
 
 MCPHTTPTaskDecision MCPHTTPOneWayHandler::succeed() {

@@ -5,9 +5,9 @@
 
 #include <Platform/ASCII.h>
 #include <Platform/Growth.h>
+#include <Platform/Numbers.h>
 
 #include <algorithm>
-#include <charconv>
 #include <utility>
 
 namespace zelto {
@@ -17,22 +17,18 @@ namespace {
 constexpr std::string_view jsonType = "application/json";
 constexpr std::string_view eventStreamType = "text/event-stream";
 
-// How much is reserved at most on the strength of a Content-Length.
-std::size_t expectedLength(const HTTPURLResponse& response) {
-    constexpr std::size_t maximum = std::size_t{16} << 20;
-    const auto text = response.header("Content-Length").value_or("");
-    std::size_t length = 0;
-    std::from_chars(text.data(), text.data() + text.size(), length);
-    return std::min(length, maximum);
+// 0 if the server does not say.
+std::uint64_t contentLength(const HTTPURLResponse& response) {
+    return numberIn<std::uint64_t>(response.header("Content-Length").value_or("")).value_or(0);
 }
 
 } // namespace
 
 MCPHTTPRequestHandler::MCPHTTPRequestHandler(MCPRequestID requestID,
                                              MCPHTTPSessionIDReference sessionIDReference,
-                                             MCPCompletion<MCPResponse> completion)
+                                             std::uint64_t maximumSize, MCPCompletion<MCPResponse> completion)
     : requestID_(std::move(requestID)), sessionIDReference_(std::move(sessionIDReference)),
-      completion_(std::move(completion)) {}
+      maximumSize_(maximumSize), completion_(std::move(completion)) {}
 
 MCPHTTPTaskDecision MCPHTTPRequestHandler::handle(const MCPHTTPTaskEvent& event) {
     if (const auto* response = std::get_if<std::shared_ptr<const HTTPURLResponse>>(&event.value)) {
@@ -53,9 +49,15 @@ MCPHTTPTaskDecision MCPHTTPRequestHandler::validate(const HTTPURLResponse& respo
             failure(MCPError(MCPClientError::unsupportedHTTPContentType(std::move(contentType)))));
     }
     normalizedContentType_ = std::move(normalized);
-    if (isJSON()) {
-        body_.reserve(expectedLength(response));
+    if (!isJSON()) {
+        return MCPHTTPTaskDecision::continueLoading();
     }
+    const auto length = contentLength(response);
+    if (length > maximumSize_) {
+        return MCPHTTPTaskDecision::finish(failure(responseTooLarge()));
+    }
+    constexpr std::uint64_t maximumReserve = std::uint64_t{16} << 20; // on the strength of a header
+    body_.reserve(std::min(length, maximumReserve));
     return MCPHTTPTaskDecision::continueLoading();
 }
 
@@ -67,14 +69,25 @@ MCPHTTPTaskDecision MCPHTTPRequestHandler::receive(std::string_view bytes) {
     if (!normalizedContentType_) {
         return MCPHTTPTaskDecision::continueLoading();
     }
-    if (isJSON()) {
-        reserveFor(bytes.size(), body_);
-        body_ += bytes;
-        return MCPHTTPTaskDecision::continueLoading();
+    if (!isJSON()) {
+        return receiveEvents(bytes);
     }
+    if (bytes.size() > maximumSize_ - body_.size()) {
+        return MCPHTTPTaskDecision::finish(failure(responseTooLarge()));
+    }
+    reserveFor(bytes.size(), body_);
+    body_ += bytes;
+    return MCPHTTPTaskDecision::continueLoading();
+}
+
+MCPHTTPTaskDecision MCPHTTPRequestHandler::receiveEvents(std::string_view bytes) {
     auto events = parser_.append(bytes);
     if (!events) {
         return MCPHTTPTaskDecision::finish(failure(MCPError(std::move(events.error()))));
+    }
+    const auto isTooLarge = [&](const MCPServerSentEvent& event) { return event.data.size() > maximumSize_; };
+    if (parser_.openEventSize() > maximumSize_ || std::ranges::any_of(*events, isTooLarge)) {
+        return MCPHTTPTaskDecision::finish(failure(responseTooLarge()));
     }
     auto match = matchingResponse(*std::move(events));
     if (!match) {

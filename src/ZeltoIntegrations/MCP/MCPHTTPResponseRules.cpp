@@ -54,6 +54,10 @@ void captureSessionID(const HTTPURLResponse& response, const MCPHTTPSessionIDRef
     }
 }
 
+MCPError responseTooLarge() {
+    return URLError{URLErrorCode::responseTooLarge, "The server's response is too large."};
+}
+
 bool isSendableSessionID(std::string_view sessionID) {
     return std::ranges::all_of(sessionID, isVisibleASCII);
 }

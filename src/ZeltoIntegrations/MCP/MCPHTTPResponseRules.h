@@ -1,6 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/MCP/MCPClientError.h>
+#include <ZeltoIntegrations/MCP/MCPError.h>
 #include <ZeltoIntegrations/MCP/MCPHTTPSessionIDReference.h>
 
 #include <Platform/HTTP/URLResponse.h>
@@ -21,6 +21,9 @@ std::optional<MCPClientError> failureOf(const HTTPURLResponse& response,
 
 // Keeps the session identifier if the response has one.
 void captureSessionID(const HTTPURLResponse& response, const MCPHTTPSessionIDReference& sessionID);
+
+// A response beyond the limit of the session's configuration.
+MCPError responseTooLarge();
 
 // Whether it consists of visible ASCII only, and may therefore be sent.
 bool isSendableSessionID(std::string_view sessionID);

@@ -11,6 +11,8 @@
 
 #include <TrovenhalCommon/Protected.h>
 
+#include <cstdint>
+#include <limits>
 #include <utility>
 
 namespace zelto {
@@ -46,10 +48,13 @@ MCPHTTPSessionIDReference referenceTo(const SharedState& state, const std::optio
 class MCPHTTPTransport::Link {
   public:
     Link(std::optional<MCPProtocolVersion> protocolVersion, URLSessionConfiguration sessionConfiguration)
-        : session_(std::move(sessionConfiguration), sessionDelegate_, makeDelegateQueue()),
+        : maximumSize_(sessionConfiguration.maximumResponseSize),
+          session_(withoutLimit(std::move(sessionConfiguration)), sessionDelegate_, makeDelegateQueue()),
           state_(std::make_shared<Protected<State>>(State{protocolVersion, std::nullopt})) {}
 
     Protected<State>& state() { return *state_; }
+
+    std::uint64_t maximumSize() const { return maximumSize_; }
 
     MCPHTTPSessionIDReference sessionIDReference(const State& carried) const {
         return referenceTo(state_, carried.sessionID);
@@ -72,6 +77,13 @@ class MCPHTTPTransport::Link {
     MCPHTTPURLSessionDelegate& calls() { return *sessionDelegate_; }
 
   private:
+    // The handlers keep to the limit: that of a stream is for one event, and a stream may last.
+    static URLSessionConfiguration withoutLimit(URLSessionConfiguration configuration) {
+        configuration.maximumResponseSize = std::numeric_limits<std::uint64_t>::max();
+        return configuration;
+    }
+
+    const std::uint64_t maximumSize_;
     std::shared_ptr<MCPHTTPURLSessionDelegate> sessionDelegate_ =
         std::make_shared<MCPHTTPURLSessionDelegate>();
     URLSession session_; // finishes its tasks when it is released
@@ -172,7 +184,7 @@ void MCPHTTPTransport::send(const State& state, MCPRequest request, MCPCompletio
     }
     perform(makeRequest(endpointURL_, state, *std::move(body)),
             std::make_shared<MCPHTTPRequestHandler>(std::move(request.id), link_->sessionIDReference(state),
-                                                    std::move(completion)));
+                                                    link_->maximumSize(), std::move(completion)));
 }
 
 void MCPHTTPTransport::send(MCPNotification notification, MCPCompletion<void> completion) {
@@ -183,7 +195,7 @@ void MCPHTTPTransport::send(MCPNotification notification, MCPCompletion<void> co
     const auto state = link_->state().value();
     perform(makeRequest(endpointURL_, state, *std::move(body)),
             std::make_shared<MCPHTTPNotificationHandler>(link_->sessionIDReference(state),
-                                                         std::move(completion)));
+                                                         link_->maximumSize(), std::move(completion)));
 }
 
 void MCPHTTPTransport::disconnect(MCPCompletion<void> completion) {
@@ -191,9 +203,9 @@ void MCPHTTPTransport::disconnect(MCPCompletion<void> completion) {
     if (!state.sessionID) {
         return completion({});
     }
-    perform(
-        makeRequest(endpointURL_, state, std::nullopt),
-        std::make_shared<MCPHTTPDisconnectHandler>(link_->sessionIDReference(state), std::move(completion)));
+    perform(makeRequest(endpointURL_, state, std::nullopt),
+            std::make_shared<MCPHTTPDisconnectHandler>(link_->sessionIDReference(state), link_->maximumSize(),
+                                                       std::move(completion)));
 }
 
 void MCPHTTPTransport::cancelAll() {

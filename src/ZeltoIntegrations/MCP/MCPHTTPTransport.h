@@ -23,7 +23,8 @@ class MCPHTTPTaskHandler;
 // disconnect without a session complete before the call returns, and a provider's failure completes where the
 // provider called back. Each call completes once; a provider that throws, or destroys its callback, fails it
 // with MCPAuthorizationError. A call may take as long as data moves; 60 seconds without movement, and a
-// response beyond the configuration's limits or the available memory, end it with a URLError.
+// response beyond the configuration's limits or the available memory, end it with a URLError. The limit of a
+// response's size is that of a JSON body, or of one event of a stream, which itself may be of any length.
 //
 // When it is released, running calls continue to their ends.
 class MCPHTTPTransport final : public MCPTransport {

@@ -4,6 +4,7 @@
 
 #include <Platform/Result.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -30,7 +31,7 @@ struct MCPServerSentEvent {
 // "id" is accepted whatever it contains; a "retry" that is not a whole number clears the previous one; a byte
 // order mark is text; an event that no empty line ends is never given, but a lone carriage return at the end
 // counts as an empty line. A line that is not UTF-8 is the only error: it is dropped with the events of that
-// call, and what follows it is kept. The length of a line or an event is not limited.
+// call, and what follows it is kept. The length of a line or an event is not limited here.
 class MCPServerSentEventsParser {
   public:
     using Events = Result<std::vector<MCPServerSentEvent>, MCPClientError>;
@@ -40,6 +41,9 @@ class MCPServerSentEventsParser {
 
     // To be called once, at the end of the stream.
     Events finish();
+
+    // How many bytes are kept of the event that is not complete.
+    std::size_t openEventSize() const { return pendingBytes_.size() + data_.size(); }
 
   private:
     // An incomplete long data line is added to the event's data as it arrives.

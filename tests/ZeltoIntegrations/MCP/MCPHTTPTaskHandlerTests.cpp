@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zelto {
@@ -33,15 +34,21 @@ template <class T> struct Delivered {
 };
 
 struct Request : Delivered<MCPResponse> {
-    MCPHTTPRequestHandler handler{MCPRequestID::string("1"), reference(), completion()};
+    ~Request() { handler.complete({}); }
+
+    MCPHTTPRequestHandler handler{MCPRequestID::string("1"), reference(), 100, completion()};
 };
 
 struct Notification : Delivered<void> {
-    MCPHTTPNotificationHandler handler{reference(), completion()};
+    ~Notification() { handler.complete({}); }
+
+    MCPHTTPNotificationHandler handler{reference(), 100, completion()};
 };
 
 struct Disconnect : Delivered<void> {
-    MCPHTTPDisconnectHandler handler{reference(), completion()};
+    ~Disconnect() { handler.complete({}); }
+
+    MCPHTTPDisconnectHandler handler{reference(), 100, completion()};
 };
 
 MCPHTTPTaskEvent head(int status, std::string contentType = "application/json") {
@@ -154,6 +161,57 @@ TEST(MCPHTTPTaskHandler, ABodyIsDecodedAtItsEndAlone) {
     request.handler.complete({});
     ASSERT_EQ(request.results.size(), 1u);
     EXPECT_EQ(request.results[0]->result, JSONValue(true));
+}
+
+const std::unexpected<MCPError> tooLarge =
+    failure(MCPError(URLError{URLErrorCode::responseTooLarge, "The server's response is too large."}));
+
+TEST(MCPHTTPTaskHandler, ABodyEndsBeyondTheLimit) {
+    const std::string atLimit = respondTo("\"1\"", '"' + std::string(62, 'x') + '"');
+    ASSERT_EQ(atLimit.size(), 100u);
+    Request request;
+    EXPECT_TRUE(goesOn(request.handler.handle(head(200))));
+    EXPECT_TRUE(goesOn(request.handler.handle(piece(atLimit))));
+    EXPECT_EQ(request.handler.handle(piece(" ")).outcome, tooLarge);
+    request.handler.complete({});
+    EXPECT_TRUE(request.results.at(0));
+    Notification notification;
+    EXPECT_TRUE(goesOn(notification.handler.handle(head(200))));
+    EXPECT_TRUE(goesOn(notification.handler.handle(piece(atLimit))));
+    EXPECT_EQ(notification.handler.handle(piece("x")).outcome, tooLarge);
+}
+
+TEST(MCPHTTPTaskHandler, ABodyWhoseLengthIsBeyondTheLimitIsNotRead) {
+    for (const auto& [length, isRead] : {std::pair("100", true), std::pair("101", false)}) {
+        Request request;
+        HTTPHeaders headers;
+        headers.set("Content-Type", "application/json");
+        headers.set("Content-Length", length);
+        const auto decision = request.handler.handle(
+            {std::make_shared<const HTTPURLResponse>(URL::parse("http://127.0.0.1/").value(), 200, headers)});
+        EXPECT_EQ(goesOn(decision), isRead);
+        EXPECT_TRUE(isRead || decision.outcome == tooLarge);
+    }
+}
+
+TEST(MCPHTTPTaskHandler, TheLimitOfAStreamIsForOneEvent) {
+    Request request;
+    EXPECT_TRUE(goesOn(request.handler.handle(head(200, "text/event-stream"))));
+    const auto other = eventOf(respondTo("\"2\"", '"' + std::string(62, 'x') + '"'));
+    for (int count = 0; count < 100; ++count) {
+        EXPECT_TRUE(goesOn(request.handler.handle(piece(other))));
+    }
+    EXPECT_TRUE(succeeds(request.handler.handle(piece(eventOf(theResponse)))));
+    const auto longer = eventOf(respondTo("\"1\"", '"' + std::string(63, 'x') + '"'));
+    Request whole;
+    EXPECT_TRUE(goesOn(whole.handler.handle(head(200, "text/event-stream"))));
+    EXPECT_EQ(whole.handler.handle(piece(longer)).outcome, tooLarge);
+    for (const std::string line : {"data: ", ": ", "id: "}) {
+        Request open;
+        EXPECT_TRUE(goesOn(open.handler.handle(head(200, "text/event-stream"))));
+        EXPECT_TRUE(goesOn(open.handler.handle(piece(line + std::string(60, 'x')))));
+        EXPECT_EQ(open.handler.handle(piece(std::string(60, 'x'))).outcome, tooLarge) << line;
+    }
 }
 
 } // namespace

@@ -50,6 +50,7 @@ MCPClient clientWith(std::string_view result) {
 template <class F> MCPResult<MCPResponse> outcomeOf(std::string contentType, F&& receive) {
     std::optional<MCPResult<MCPResponse>> outcome;
     MCPHTTPRequestHandler handler(MCPRequestID::string("1"), {[] { return std::nullopt; }, [](auto) {}},
+                                  4 * large,
                                   [&](MCPResult<MCPResponse> result) { outcome = std::move(result); });
     HTTPHeaders headers;
     headers.set("Content-Type", std::move(contentType));
