@@ -39,11 +39,21 @@ bool wantsJSON(const std::vector<std::string>& arguments) {
     return std::find(arguments.begin(), end, "--json") != end;
 }
 
+// What is printed may be large: there are two copies of it at a time, the one before and the one that is made
+// of it.
 std::string jsonLine(JSONObject document) {
-    const auto text = JSONValue(std::move(document)).text();
-    return text ? terminalSafeJSON(*text) + "\n"
-                : R"({"error":"internalError","message":"The result is no JSON."})"
-                  "\n";
+    auto text = [&] {
+        const JSONValue value(std::move(document));
+        return value.text();
+    }();
+    if (!text) {
+        return R"({"error":"internalError","message":"The result is no JSON."})"
+               "\n";
+    }
+    auto line = terminalSafeJSON(*text);
+    *text = {};
+    line += '\n';
+    return line;
 }
 
 // Texts in a failure may come from a file or a service. What is wrong is said in a whole sentence.
@@ -66,24 +76,33 @@ int finish(std::string_view output, ExitStatus status, const std::string& done =
     return static_cast<int>(ExitStatus::failed);
 }
 
-int report(const Failure& failure, bool asJSON, const Terminal& terminal) {
+void addMembers(JSONObject members, JSONObject& document) {
+    std::vector<std::string> keys;
+    for (const auto& [key, value] : members) {
+        keys.push_back(key);
+    }
+    for (const auto& key : keys) {
+        document.set(key, std::move(*members.find(key)));
+    }
+}
+
+int report(Failure failure, bool asJSON, const Terminal& terminal) {
     const auto message = sentence(failure.message);
     if (asJSON) {
         JSONObject document{
             {"error", failure.name}, {"message", message}, {"next", repairedUTF8(failure.next)}};
-        for (const auto& [key, value] : failure.members) {
-            document.set(key, value);
-        }
+        addMembers(std::move(failure.members), document);
         return finish(jsonLine(std::move(document)), failure.status);
     }
     const auto status = finish(failure.output, failure.status);
     const std::string head = terminal.usesColour ? "\x1b[31mzelto:\x1b[0m " : "zelto: ";
-    writeError(head + failure.name + ": " + escapeControlCharacters(message) + "\n" + failure.details +
-               "Try: " + escapeControlCharacters(failure.next) + "\n");
+    writeError(head + failure.name + ": " + escapeControlCharacters(message) + "\n");
+    writeError(failure.details);
+    writeError("Try: " + escapeControlCharacters(failure.next) + "\n");
     return status;
 }
 
-int report(const Report& report, bool asJSON, bool isQuiet) {
+int report(Report report, bool asJSON, bool isQuiet) {
     if (report.isPrinted) {
         return static_cast<int>(ExitStatus::success);
     }
@@ -92,9 +111,7 @@ int report(const Report& report, bool asJSON, bool isQuiet) {
         return finish(report.isNotice && isQuiet ? std::string() : report.text, ExitStatus::success, done);
     }
     JSONObject document{{"result", "success"}};
-    for (const auto& [key, value] : report.members) {
-        document.set(key, value);
-    }
+    addMembers(std::move(report.members), document);
     return finish(jsonLine(std::move(document)), ExitStatus::success, done);
 }
 
@@ -134,15 +151,15 @@ int run(const std::vector<std::string>& arguments) {
     if (invocation->has("--verbose")) {
         log.emplace(logToStandardError(LogLevel::trace));
     }
-    const auto outcome = reportOf(*invocation, terminal);
+    auto outcome = reportOf(*invocation, terminal);
     if (outcome) {
-        return report(*outcome, asJSON, invocation->has("--quiet"));
+        return report(*std::move(outcome), asJSON, invocation->has("--quiet"));
     }
-    auto reported = outcome.error();
+    auto reported = std::move(outcome.error());
     if (reported.next.empty()) {
         reported.next = helpCommand(invocation->command);
     }
-    return report(reported, asJSON, terminal);
+    return report(std::move(reported), asJSON, terminal);
 }
 
 } // namespace

@@ -1,10 +1,8 @@
 // Calls one tool of a Model Context Protocol server: call-a-tool URL TOOL '{"argument":"value"}'
 
-#include <ZeltoIntegrations/MCP/MCPClient.h>
+#include "Blocking.h"
 
 #include <cstdio>
-#include <future>
-#include <memory>
 
 using namespace zelto;
 
@@ -14,17 +12,13 @@ static void print(const MCPToolCallResult& result, std::FILE* to) {
     }
 }
 
-// A failure is a case of MCPClientError, or of the connection, or a response that cannot be read.
 static int failed(const MCPError& error) {
     const auto* protocol = error.clientError();
     if (const auto* tool = protocol ? protocol->as<MCPClientError::ToolCallFailed>() : nullptr) {
         print(tool->result, stderr); // why it failed
     }
-    const auto* connection = std::get_if<URLError>(&error.value);
-    const std::string name(protocol     ? protocol->caseName()
-                           : connection ? connection->message
-                                        : "no response");
-    std::fprintf(stderr, "call-a-tool: %s\n", name.c_str());
+    std::fprintf(stderr, "call-a-tool: %s: %s\n", std::string(error.name()).c_str(),
+                 error.sentence().c_str());
     return 1;
 }
 
@@ -35,15 +29,10 @@ int main(int argc, char** argv) {
         return std::fputs("usage: call-a-tool URL TOOL [JSON]\n", stderr), 2;
     }
     MCPClient client(*url);
-    const auto status = std::make_shared<std::promise<int>>();
-    client.connect([&, status](MCPResult<MCPInitializeResult> server) {
-        if (!server) {
-            return status->set_value(failed(server.error()));
-        }
-        client.callTool(argv[2], *arguments, [&, status](MCPResult<MCPToolCallResult> result) {
-            const int end = result ? (print(*result, stdout), 0) : failed(result.error());
-            client.disconnect([status, end](auto) { status->set_value(end); });
-        });
-    });
-    return status->get_future().get();
+    if (const auto server = blocking::connect(client, {.timeout = TimeInterval{60}}); !server) {
+        return failed(server.error());
+    }
+    const auto result = blocking::callTool(client, argv[2], *arguments);
+    blocking::disconnect(client, {.timeout = TimeInterval{10}});
+    return result ? (print(*result, stdout), 0) : failed(result.error());
 }

@@ -4,6 +4,8 @@
 
 #include <Platform/Text.h>
 
+#include <malloc.h>
+
 namespace zelto::cli {
 
 namespace {
@@ -21,22 +23,46 @@ std::string lineOf(const MCPTool& tool) {
            "\n";
 }
 
-JSONObject membersOfCall(const MCPToolCallResult& result, bool savesFiles, McpContent& content) {
-    auto members = membersOf(result);
-    if (savesFiles) {
-        members.set("saved", std::move(content.saved));
+// The result of a call as the command shows it: its members with --json, else its text.
+struct ShownResult {
+    JSONObject members = {};
+    McpContent content;
+};
+
+ShownResult shownResult(MCPToolCallResult result, const McpSecrets& secrets, const Invocation& invocation) {
+    ::malloc_trim(0); // what took part in receiving it
+    const auto folder = invocation.value("--out");
+    secrets.mask(result);
+    if (!invocation.has("--json")) {
+        ShownResult shown{.content = contentOf(std::move(result), folder)};
+        secrets.maskText(shown.content.text);
+        return shown;
     }
-    return members;
+    ShownResult shown{.content = savedContentOf(result, folder)};
+    shown.members = secrets.membersOf(std::move(result));
+    if (folder) {
+        auto saved = secrets.membersOf(JSONValue(JSONObject{{"saved", std::move(shown.content.saved)}}));
+        shown.members.set("saved", *saved.find("saved"));
+    }
+    ::malloc_trim(0);
+    return shown;
 }
 
 // A tool that fails says why in content of any kind.
-Failure toolFailure(Failure reported, const MCPToolCallResult& result, const Invocation& invocation) {
-    const auto folder = invocation.value("--out");
-    auto content = contentOf(result, folder);
-    reported.members = membersOfCall(result, folder.has_value(), content);
-    if (!content.text.empty() && !invocation.has("--json")) {
+Failure failureOfCall(const McpSession& session, MCPError error, const Invocation& invocation) {
+    session.secrets().mask(error);
+    auto reported = session.failureOfEnd(error);
+    auto* const clientError = std::get_if<MCPClientError>(&error.value);
+    auto* const failed =
+        clientError ? std::get_if<MCPClientError::ToolCallFailed>(&clientError->value) : nullptr;
+    if (!failed) {
+        return reported;
+    }
+    auto shown = shownResult(std::move(failed->result), session.secrets(), invocation);
+    reported.members = std::move(shown.members);
+    if (!shown.content.text.empty()) {
         reported.message = "The tool failed";
-        reported.details = std::move(content.text);
+        reported.details = std::move(shown.content.text);
     }
     return reported;
 }
@@ -88,6 +114,7 @@ Outcome<Report> runMcpPing(const Invocation& invocation, const Terminal&) {
     report.text = escapeControlCharacters(server->serverInfo.name) + " " +
                   escapeControlCharacters(server->serverInfo.version) + " responds; it speaks version " +
                   std::string(rawValue(server->protocolVersion)) + ".\n";
+    session.secrets().mask(report);
     session.addRate(report);
     return report;
 }
@@ -117,6 +144,7 @@ Outcome<Report> runMcpTools(const Invocation& invocation, const Terminal&) {
         report.isNotice = !options->showsRate;
     }
     report.members = membersOf(MCPToolListResult{.tools = *tools});
+    session.secrets().mask(report);
     session.addRate(report);
     return report;
 }
@@ -141,22 +169,20 @@ Outcome<Report> runMcpCall(const Invocation& invocation, const Terminal&) {
         return failure(server.error());
     }
     const auto tool = invocation.value("TOOL").value();
-    const auto result =
+    auto result =
         session.repeat<MCPToolCallResult>([&](MCPClient& client, MCPCompletion<MCPToolCallResult> done) {
             client.callTool(tool, *arguments, std::move(done));
         });
     if (!result) {
-        auto reported = session.failureOfEnd(result.error());
-        const auto* error = result.error().clientError();
-        const auto* failed = error ? error->as<MCPClientError::ToolCallFailed>() : nullptr;
-        return failure(failed ? toolFailure(std::move(reported), failed->result, invocation)
-                              : std::move(reported));
+        return failure(failureOfCall(session, std::move(result.error()), invocation));
     }
-    auto content = contentOf(*result, folder);
-    Report report{membersOfCall(*result, folder.has_value(), content), std::move(content.text)};
+    auto shown = shownResult(*std::move(result), session.secrets(), invocation);
+    Report report{std::move(shown.members), std::move(shown.content.text)};
     session.addRate(report);
-    if (!content.unsaved.empty()) {
-        return failure(savingFailure(std::move(report), content.unsaved));
+    if (!shown.content.unsaved.empty()) {
+        auto reported = savingFailure(std::move(report), shown.content.unsaved);
+        session.secrets().maskText(reported.message);
+        return failure(std::move(reported));
     }
     return report;
 }

@@ -95,6 +95,20 @@ Outcome<std::filesystem::path> saved(const std::filesystem::path& folder, const 
     return failure(Failure{"alreadyExists", "There are too many files of the name " + name.string(), ""});
 }
 
+// The text with control characters as escapes, in pieces, since a second copy of it may be large.
+void appendEscapedLines(std::string_view text, std::string& to) {
+    constexpr std::size_t maximumPiece = std::size_t{64} << 10;
+    to.reserve(to.size() + text.size() + 1);
+    while (text.size() > maximumPiece) {
+        auto piece = prefixBytes(text, maximumPiece);
+        // CR and LF are a pair.
+        piece.remove_suffix(piece.ends_with('\r') && piece.size() > 1 ? 1 : 0);
+        to += escapedLines(piece);
+        text.remove_prefix(piece.size());
+    }
+    to += escapedLines(text);
+}
+
 // Adds what the items come to, one after the other.
 class Collector {
   public:
@@ -103,13 +117,23 @@ class Collector {
     void add(const MCPContentItem& item) {
         ++number_;
         if (const auto* shown = textOf(item)) {
-            content.text += escapedLines(*shown);
+            appendEscapedLines(*shown, content.text);
             content.text += shown->ends_with('\n') || shown->empty() ? "" : "\n";
         }
         if (const auto blob = blobOf(item)) {
             addBlob(*blob);
         } else if (!textOf(item)) {
             content.text += terminalSafeJSON(JSONEncoder().encode(item).value_or("null")) + "\n";
+        }
+    }
+
+    // Saves the item's file, if it has one.
+    void save(const MCPContentItem& item) {
+        ++number_;
+        const auto blob = folder_ ? blobOf(item) : std::nullopt;
+        const auto bytes = blob ? base64Decoded(*blob->base64) : std::nullopt;
+        if (bytes) {
+            save(*blob, *bytes);
         }
     }
 
@@ -145,10 +169,20 @@ class Collector {
 
 } // namespace
 
-McpContent contentOf(const MCPToolCallResult& result, const std::optional<std::filesystem::path>& folder) {
+McpContent contentOf(MCPToolCallResult result, const std::optional<std::filesystem::path>& folder) {
+    Collector collector(folder);
+    for (auto& item : result.content) {
+        collector.add(item);
+        item = MCPContentItem();
+    }
+    return std::move(collector.content);
+}
+
+McpContent savedContentOf(const MCPToolCallResult& result,
+                          const std::optional<std::filesystem::path>& folder) {
     Collector collector(folder);
     for (const auto& item : result.content) {
-        collector.add(item);
+        collector.save(item);
     }
     return std::move(collector.content);
 }

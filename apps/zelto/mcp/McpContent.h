@@ -21,8 +21,12 @@ struct McpContent {
 };
 
 // With a folder, files are saved there: by a name that the server chose only after it was cleaned, never over
-// another file.
-McpContent contentOf(const MCPToolCallResult& result, const std::optional<std::filesystem::path>& folder);
+// another file. The result is emptied item by item, since both it and the text may be large.
+McpContent contentOf(MCPToolCallResult result, const std::optional<std::filesystem::path>& folder);
+
+// The same without the text, for a result that is shown otherwise.
+McpContent savedContentOf(const MCPToolCallResult& result,
+                          const std::optional<std::filesystem::path>& folder);
 
 // Makes a folder for files, if it is not there; fails if it can take none.
 Outcome<void> prepareFolder(const std::filesystem::path& folder);

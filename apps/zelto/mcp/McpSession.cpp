@@ -43,7 +43,7 @@ URLSessionConfiguration patient(TimeInterval timeout) {
 } // namespace
 
 McpSession::McpSession(const McpOptions& options)
-    : options_(options), secrets_(registered(options.headers)),
+    : options_(options), secrets_(registered(options.headers)), printedSecrets_(options.headers),
       transport_(std::make_shared<MCPHTTPTransport>(options.server,
                                                     std::make_shared<GivenHeaders>(options.headers),
                                                     std::nullopt, patient(options.timeout))),
@@ -71,6 +71,7 @@ Outcome<MCPInitializeResult> McpSession::connect() {
         [](MCPClient& client, MCPCompletion<MCPInitializeResult> done) { client.connect(std::move(done)); });
     hasConnected_ = result.has_value();
     if (!result) {
+        printedSecrets_.mask(result.error());
         return failure(failureOfEnd(result.error()));
     }
     return *std::move(result);
@@ -105,6 +106,7 @@ void McpSession::maskSessionID() {
 
 Failure McpSession::failureOfEnd(const MCPError& error) const {
     auto failure = failureOf(error);
+    printedSecrets_.mask(failure);
     if (failure.name != "cancelled") {
         return failure;
     }

@@ -3,6 +3,7 @@
 #include "base/Interruption.h"
 #include "mcp/McpFailures.h"
 #include "mcp/McpOptions.h"
+#include "mcp/McpSecrets.h"
 
 #include <ZeltoCommonLogger/SecretRegistry.h>
 #include <ZeltoIntegrations/MCP/MCPClient.h>
@@ -38,6 +39,9 @@ class McpSession {
     // What the failure of an operation of this session comes to.
     Failure failureOfEnd(const MCPError& error) const;
 
+    // To be masked in what is printed.
+    const McpSecrets& secrets() const { return printedSecrets_; }
+
     // Adds the rate of what was repeated, where it was asked for.
     void addRate(Report& report) const;
 
@@ -57,7 +61,8 @@ class McpSession {
     void maskSessionID();
 
     McpOptions options_;
-    std::vector<SecretRegistry::Registration> secrets_;
+    std::vector<SecretRegistry::Registration> secrets_; // of the log
+    McpSecrets printedSecrets_;
     std::shared_ptr<MCPHTTPTransport> transport_;
     MCPClient client_;
     std::optional<std::string> sessionID_;

@@ -198,7 +198,7 @@ TEST(Mcp, AFailingEndOfTheSessionIsAWarning) {
     const auto outcome = zelto.run({"mcp", "ping", server.url().absoluteString()});
     EXPECT_EQ(outcome.status, 0);
     EXPECT_EQ(outcome.errorOutput,
-              "zelto: warning: the session was not ended: The server responds with status 500\n");
+              "zelto: warning: the session was not ended: The server responds with status 500.\n");
 }
 
 // What `zelto mcp ping` prints, as JSON, of a server that responds to everything like this.
