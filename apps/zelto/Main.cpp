@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <malloc.h>
 #include <optional>
 #include <string>
 #include <sys/prctl.h>
@@ -50,8 +51,9 @@ std::string jsonLine(JSONObject document) {
         return R"({"error":"internalError","message":"The result is no JSON."})"
                "\n";
     }
+    ::malloc_trim(0);
     auto line = terminalSafeJSON(*text);
-    *text = {};
+    std::string().swap(*text);
     line += '\n';
     return line;
 }

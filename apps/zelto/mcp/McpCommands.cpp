@@ -4,8 +4,6 @@
 
 #include <Platform/Text.h>
 
-#include <malloc.h>
-
 namespace zelto::cli {
 
 namespace {
@@ -30,7 +28,7 @@ struct ShownResult {
 };
 
 ShownResult shownResult(MCPToolCallResult result, const McpSecrets& secrets, const Invocation& invocation) {
-    ::malloc_trim(0); // what took part in receiving it
+    McpSecrets::returnFreedMemory();
     const auto folder = invocation.value("--out");
     secrets.mask(result);
     if (!invocation.has("--json")) {
@@ -44,7 +42,6 @@ ShownResult shownResult(MCPToolCallResult result, const McpSecrets& secrets, con
         auto saved = secrets.membersOf(JSONValue(JSONObject{{"saved", std::move(shown.content.saved)}}));
         shown.members.set("saved", *saved.find("saved"));
     }
-    ::malloc_trim(0);
     return shown;
 }
 

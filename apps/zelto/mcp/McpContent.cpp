@@ -95,18 +95,38 @@ Outcome<std::filesystem::path> saved(const std::filesystem::path& folder, const 
     return failure(Failure{"alreadyExists", "There are too many files of the name " + name.string(), ""});
 }
 
-// The text with control characters as escapes, in pieces, since a second copy of it may be large.
-void appendEscapedLines(std::string_view text, std::string& to) {
-    constexpr std::size_t maximumPiece = std::size_t{64} << 10;
+// The beginning of a text, with whole code points and with LF behind CR.
+std::string_view firstPiece(std::string_view text) {
+    constexpr std::size_t size = std::size_t{64} << 10;
+    constexpr std::size_t maximumContinuation = 3;
+    if (text.size() <= size) {
+        return text;
+    }
+    auto end = size;
+    while (end > size - maximumContinuation && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) {
+        --end;
+    }
+    return text.substr(0, text[end - 1] == '\r' ? end - 1 : end);
+}
+
+// In pieces, since a second copy of the text may be large.
+void appendEscaped(std::string_view text, std::string (*escaped)(std::string_view), std::string& to) {
     to.reserve(to.size() + text.size() + 1);
-    while (text.size() > maximumPiece) {
-        auto piece = prefixBytes(text, maximumPiece);
-        // CR and LF are a pair.
-        piece.remove_suffix(piece.ends_with('\r') && piece.size() > 1 ? 1 : 0);
-        to += escapedLines(piece);
+    while (!text.empty()) {
+        const auto piece = firstPiece(text);
+        to += escaped(piece);
         text.remove_prefix(piece.size());
     }
-    to += escapedLines(text);
+}
+
+// At least the length of what is shown of the items.
+std::size_t lengthOf(const MCPToolCallResult& result) {
+    std::size_t length = 0;
+    for (const auto& item : result.content) {
+        const auto* const text = textOf(item);
+        length += text ? text->size() + 1 : 0;
+    }
+    return length;
 }
 
 // Adds what the items come to, one after the other.
@@ -114,16 +134,19 @@ class Collector {
   public:
     explicit Collector(const std::optional<std::filesystem::path>& folder) : folder_(folder) {}
 
-    void add(const MCPContentItem& item) {
+    void add(MCPContentItem item) {
         ++number_;
         if (const auto* shown = textOf(item)) {
-            appendEscapedLines(*shown, content.text);
+            appendEscaped(*shown, escapedLines, content.text);
             content.text += shown->ends_with('\n') || shown->empty() ? "" : "\n";
         }
         if (const auto blob = blobOf(item)) {
             addBlob(*blob);
         } else if (!textOf(item)) {
-            content.text += terminalSafeJSON(JSONEncoder().encode(item).value_or("null")) + "\n";
+            const auto json = JSONEncoder().encode(item).value_or("null");
+            { const auto released = std::move(item); }
+            appendEscaped(json, terminalSafeJSON, content.text);
+            content.text += '\n';
         }
     }
 
@@ -171,9 +194,9 @@ class Collector {
 
 McpContent contentOf(MCPToolCallResult result, const std::optional<std::filesystem::path>& folder) {
     Collector collector(folder);
+    collector.content.text.reserve(lengthOf(result));
     for (auto& item : result.content) {
-        collector.add(item);
-        item = MCPContentItem();
+        collector.add(std::move(item));
     }
     return std::move(collector.content);
 }

@@ -7,6 +7,7 @@
 #include <array>
 #include <functional>
 #include <iterator>
+#include <malloc.h>
 #include <optional>
 #include <string_view>
 
@@ -115,6 +116,10 @@ void McpSecrets::maskJSON(std::string& json) const {
         }
     }
     json = std::move(result);
+}
+
+void McpSecrets::returnFreedMemory() {
+    ::malloc_trim(0);
 }
 
 JSONObject McpSecrets::objectIn(std::string json) {

@@ -34,9 +34,13 @@ class McpSecrets {
     template <class Record> JSONObject membersOf(Record record) const {
         auto json = JSONEncoder().encode(record).value_or("{}");
         record = {};
+        returnFreedMemory();
         maskJSON(json);
         return objectIn(std::move(json));
     }
+
+    // Of many small pieces the allocator keeps it otherwise.
+    static void returnFreedMemory();
 
   private:
     static JSONObject objectIn(std::string json);
