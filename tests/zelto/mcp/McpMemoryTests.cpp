@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t largeResponse = std::size_t{20} << 20;
 constexpr std::size_t overhead = std::size_t{600} << 20; // shadow memory, and memory that is kept when freed
 #else
-constexpr std::size_t largeResponse = std::size_t{100} << 20;
+constexpr std::size_t largeResponse = std::size_t{40} << 20;
 constexpr std::size_t overhead = std::size_t{32} << 20; // the program itself
 #endif
 
