@@ -27,16 +27,15 @@ void require(bool holds, const char* what, const std::string& text) {
     }
 }
 
-void checkCleaned(std::string_view html) {
-    const auto cleaned =
-        cleanedHTML(html, {.header = std::string(html.substr(0, 16)), .title = std::string(html)});
+void checkCleaned(const std::string& html) {
+    const auto cleaned = cleanedHTML(html, {.header = html.substr(0, 16), .title = html});
     require(isValidUTF8(cleaned), "cleaned HTML is not UTF-8", cleaned);
     require(loadingMarkup(cleaned).empty(), "cleaned HTML loads", cleaned);
     const auto again = cleanedHTML(cleaned);
     require(loadingMarkup(again).empty(), "HTML cleaned twice loads", again);
 }
 
-void checkComponents(std::string_view html) {
+void checkComponents(const std::string& html) {
     for (const auto& component : formattedComponentsFromHTML(html)) {
         const auto& parts = std::visit(
             [](const auto& value) -> const auto& { return value.parts; }, component.value);
@@ -48,7 +47,7 @@ void checkComponents(std::string_view html) {
     }
 }
 
-void checkENML(std::string_view html) {
+void checkENML(const std::string& html) {
     const auto enml =
         enmlFromHTML(html, {.mediaForImage = [](std::string_view source) {
                          return source.empty() ? std::nullopt : std::optional(EnmlMedia{"0", "image/png"});
@@ -63,7 +62,7 @@ void checkENML(std::string_view html) {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string_view html(reinterpret_cast<const char*>(data), size);
+    const std::string html(reinterpret_cast<const char*>(data), size);
     const auto text = plainTextFromHTML(html);
     require(isValidUTF8(text), "plain text is not UTF-8", text);
     const auto guarded = guardedHTML(html);

@@ -3,6 +3,7 @@
 #include "commandline/TimeoutOption.h"
 #include "export/DryRun.h"
 #include "export/MessageWork.h"
+#include "export/NotesOfContent.h"
 #include "export/ProgressReporter.h"
 #include "export/StallWatch.h"
 
@@ -102,6 +103,7 @@ Report reportOf(const MessageWork& work, const ExportPlan& plan, bool isDryRun, 
         addWhatWasMade(report, work, plan, terminal);
     }
     addWhatWasLeftOut(report.members, work, plan);
+    addNotes(report.members, *work.notes);
     return report;
 }
 
@@ -112,6 +114,7 @@ Outcome<Report> shownRequests(const Invocation& invocation, const Terminal& term
                          [&] { return exportWithProgress(invocation, terminal, timeout, work).result; });
     if (report) {
         addWhatWasLeftOut(report->members, work, plan);
+        addNotes(report->members, *work.notes);
     }
     return report;
 }
@@ -144,7 +147,9 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
     if (!ended.result) {
         auto circumstances = work->circumstances(*plan);
         circumstances.hasStalled = ended.hasStalled;
-        return failure(exportFailure(ended.result.error(), circumstances));
+        auto failed = exportFailure(ended.result.error(), circumstances);
+        addNotes(failed.members, *work->notes);
+        return failure(std::move(failed));
     }
     if (!isDryRun) {
         if (const auto stored = storeLastUsed(*work); !stored) {

@@ -1,5 +1,6 @@
 #include "commandline/Commands.h"
 #include "export/MessageWork.h"
+#include "export/NotesOfContent.h"
 
 namespace zelto::cli {
 
@@ -93,6 +94,7 @@ Outcome<Report> runPreview(const Invocation& invocation, const Terminal& termina
     Report report;
     report.members.set("preview", described(**preview));
     report.text = terminal.shownLines(textOf(**preview)) + "\n";
+    addNotes(report.members, *work->notes);
     return report;
 }
 

@@ -44,8 +44,9 @@ Outcome<Interactor> openNote(const std::string& name, InteractorOptions options)
 
 } // namespace
 
-Outcome<Interactor> openMessage(const Invocation& invocation) {
+Outcome<Interactor> openMessage(const Invocation& invocation, std::shared_ptr<ContentNotes> notes) {
     InteractorOptions options;
+    options.notes = std::move(notes);
     if (const auto link = invocation.value("--web-link")) {
         options.webLink = URL::parse(*link);
         if (!options.webLink) {

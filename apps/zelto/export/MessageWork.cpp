@@ -52,7 +52,8 @@ Outcome<MessageWork> MessageWork::open(const Invocation& invocation, Effects eff
     if (!to) {
         return wrongUsage("--to is missing: name an account or a service.", "zelto accounts");
     }
-    auto message = openMessage(invocation);
+    const auto notes = std::make_shared<ContentNotes>();
+    auto message = openMessage(invocation, notes);
     if (!message) {
         return failure(message.error());
     }
@@ -60,6 +61,7 @@ Outcome<MessageWork> MessageWork::open(const Invocation& invocation, Effects eff
     if (!pdf) {
         return failure(pdf.error());
     }
+    pdf->notes = notes;
     auto delivery = URLDelivery::from(invocation);
     if (!delivery) {
         return failure(delivery.error());
@@ -94,7 +96,7 @@ Outcome<MessageWork> MessageWork::open(const Invocation& invocation, Effects eff
         return failure(session.error());
     }
     return MessageWork{*std::move(workspace), *std::move(delivery), std::move(platform), std::move(manager),
-                       *std::move(account),   *std::move(lock),     *std::move(session)};
+                       *std::move(account),   *std::move(lock),     *std::move(session), notes};
 }
 
 std::string MessageWork::service() const {

@@ -7,6 +7,7 @@
 #include "export/ExportSession.h"
 #include "export/URLDelivery.h"
 
+#include <ZeltoHost/Content/ContentNotes.h>
 #include <ZeltoHost/Platform/HostPlatformInteractor.h>
 
 #include <memory>
@@ -30,6 +31,7 @@ struct MessageWork {
     ServiceAccountConfiguration account;
     std::optional<AccountLock> lock;
     std::unique_ptr<ExportSession> session;
+    std::shared_ptr<const ContentNotes> notes; // what an export does not show of the message
 
     static Outcome<MessageWork> open(const Invocation& invocation, Effects effects);
 

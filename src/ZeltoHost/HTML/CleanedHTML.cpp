@@ -61,8 +61,10 @@ class CleanedHTMLWriter final : public MarkupWriter {
         if (!styles_.empty()) {
             html += "<style>\n" + styles_ + "</style>\n";
         }
-        html += "</head>\n<body" + bodyAttributes_ + ">\n" + body + "\n</body>\n</html>\n";
-        return html;
+        html += "</head>\n<body" + bodyAttributes_ + ">\n";
+        constexpr std::string_view end = "\n</body>\n</html>\n";
+        html.reserve(html.size() + body.size() + end.size()); // a body may be large
+        return html.append(body).append(end);
     }
 
   protected:
@@ -158,14 +160,14 @@ class CleanedHTMLWriter final : public MarkupWriter {
 
 } // namespace
 
-std::string cleanedHTML(std::string_view html, const CleanedHTMLOptions& options) {
+std::string cleanedHTML(std::string html, const CleanedHTMLOptions& options) {
     CleanedHTMLWriter writer(options);
     if (!options.header.empty()) {
-        writer.write(options.header);
+        writer.write(options.header, options.notes);
     }
-    writer.write(html);
+    writer.write(std::move(html), options.notes);
     if (!options.footer.empty()) {
-        writer.write(options.footer);
+        writer.write(options.footer, options.notes);
     }
     return writer.finish();
 }

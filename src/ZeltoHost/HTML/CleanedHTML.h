@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ZeltoHost/Content/ContentNotes.h>
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -20,6 +22,8 @@ struct CleanedHTMLOptions {
     std::string footer;
 
     std::string title; // plain text; if empty, the document's own title
+
+    ContentNotes* notes = nullptr; // gets what the result does not have of the HTML
 };
 
 // A whole HTML5 document, in UTF-8 and well-formed, that shows what the given one shows, but loads and runs
@@ -30,6 +34,6 @@ struct CleanedHTMLOptions {
 // mailto, tel, mid or point into the document.
 //
 // Accepts any bytes. Time is linear in the length whatever the nesting. Any thread.
-std::string cleanedHTML(std::string_view html, const CleanedHTMLOptions& options = {});
+std::string cleanedHTML(std::string html, const CleanedHTMLOptions& options = {});
 
 } // namespace zelto

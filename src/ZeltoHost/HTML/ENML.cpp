@@ -152,14 +152,14 @@ class EnmlWriter final : public MarkupWriter {
 
 } // namespace
 
-std::string enmlFromHTML(std::string_view html, const EnmlOptions& options) {
+std::string enmlFromHTML(std::string html, const EnmlOptions& options) {
     EnmlWriter writer(options);
     if (!options.header.empty()) {
-        writer.write(options.header);
+        writer.write(options.header, options.notes);
     }
-    writer.write(html);
+    writer.write(std::move(html), options.notes);
     if (!options.footer.empty()) {
-        writer.write(options.footer);
+        writer.write(options.footer, options.notes);
     }
     return "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
            "<!DOCTYPE en-note SYSTEM \"http://xml.evernote.com/pub/enml2.dtd\">\n"

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ZeltoHost/Content/ContentNotes.h>
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -23,6 +25,8 @@ struct EnmlOptions {
     // HTML too, in front of the body and after it.
     std::string header;
     std::string footer;
+
+    ContentNotes* notes = nullptr; // gets what the note does not have of the HTML
 };
 
 // A note's content in Evernote's markup (ENML 2): an XML declaration, the document type en-note and one
@@ -32,6 +36,6 @@ struct EnmlOptions {
 // has none.
 //
 // Accepts any bytes. Time is linear in the length whatever the nesting. Any thread.
-std::string enmlFromHTML(std::string_view html, const EnmlOptions& options = {});
+std::string enmlFromHTML(std::string html, const EnmlOptions& options = {});
 
 } // namespace zelto

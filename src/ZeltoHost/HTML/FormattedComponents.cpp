@@ -52,8 +52,8 @@ FormattedBodyComponent componentOf(const TextFlow::Block& block, std::vector<Tex
 
 } // namespace
 
-std::vector<FormattedBodyComponent> formattedComponentsFromHTML(std::string_view html) {
-    const auto flow = textFlowOf(html);
+std::vector<FormattedBodyComponent> formattedComponentsFromHTML(std::string html, ContentNotes* notes) {
+    const auto flow = textFlowOf(std::move(html), notes);
     std::vector<FormattedBodyComponent> components;
     components.reserve(flow.blocks.size());
     for (std::size_t index = 0; index < flow.blocks.size(); ++index) {

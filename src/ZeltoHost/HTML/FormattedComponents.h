@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ZeltoHost/Content/ContentNotes.h>
 #include <ZeltoIntegrations/Content/FormattedBodyComponent.h>
 
 #include <string_view>
@@ -16,7 +17,9 @@ namespace zelto {
 // Components are joined without a separator. Therefore each but the last ends with a part of its own that is
 // "\n", or "\n\n" where a reader sees a blank line.
 //
-// Accepts any bytes. Time is linear in the length whatever the nesting. Any thread.
-std::vector<FormattedBodyComponent> formattedComponentsFromHTML(std::string_view html);
+// Accepts any bytes. Time is linear in the length whatever the nesting. `notes` gets what the components do
+// not have of the HTML. Any thread.
+std::vector<FormattedBodyComponent> formattedComponentsFromHTML(std::string html,
+                                                                ContentNotes* notes = nullptr);
 
 } // namespace zelto

@@ -19,9 +19,7 @@ constexpr unsigned allocationsBetweenClocks = 1024;
 } // namespace
 
 HTMLArena::HTMLArena(std::size_t byteLimit, double cpuSeconds)
-    : byteLimit_(byteLimit), cpuDeadline_(threadCPUSeconds() + cpuSeconds) {
-    chunks_.reserve(64);
-}
+    : byteLimit_(byteLimit), cpuDeadline_(threadCPUSeconds() + cpuSeconds) {}
 
 void* HTMLArena::allocate(std::size_t size) {
     constexpr auto alignment = alignof(std::max_align_t);
@@ -40,22 +38,28 @@ void* HTMLArena::allocate(std::size_t size) {
 }
 
 void* HTMLArena::allocateChunk(std::size_t size) {
-    const auto wanted = size > chunkSize / 4 ? size : chunkSize;
-    if (given_ + wanted > byteLimit_) {
-        stop();
-    }
-    std::byte* chunk = new (std::nothrow) std::byte[wanted];
+    const bool isLarge = size > chunkSize / 4;
+    const auto wanted = isLarge ? size : chunkSize;
+    std::byte* chunk = given_ + wanted > byteLimit_ ? nullptr : new (std::nothrow) std::byte[wanted];
     if (chunk == nullptr) {
         stop();
     }
-    chunks_.emplace_back(chunk);
     given_ += wanted;
-    if (wanted == size) {
+    if (isLarge) {
+        largeBlocks_[chunk] = {std::unique_ptr<std::byte[]>(chunk), size};
         return chunk;
     }
+    chunks_.emplace_back(chunk);
     next_ = chunk + size;
     left_ = wanted - size;
     return chunk;
+}
+
+void HTMLArena::deallocate(void* block) {
+    if (const auto large = largeBlocks_.find(block); large != largeBlocks_.end()) {
+        given_ -= large->second.size;
+        largeBlocks_.erase(large);
+    }
 }
 
 void HTMLArena::stop() {

@@ -1,5 +1,6 @@
 #include <ZeltoHost/HTML/HTMLGuard.h>
 
+#include <ZeltoHost/HTML/HTMLSpace.h>
 #include <ZeltoHost/HTML/HTMLTokenizer.h>
 #include <ZeltoHost/HTML/OpenElementsInternal.h>
 
@@ -17,7 +18,7 @@ GumboTag tagOf(std::string_view name) {
 // Copies what is kept, in as few pieces as possible.
 class KeptSource {
   public:
-    explicit KeptSource(std::string_view html) : html_(html) {}
+    explicit KeptSource(std::string& html) : html_(html) {}
 
     void drop(std::string_view piece) {
         const auto begin = static_cast<std::size_t>(piece.data() - html_.data());
@@ -27,20 +28,55 @@ class KeptSource {
 
     void add(std::string_view piece) { kept_ += piece; }
 
+    // Most documents are kept as they are, without a second copy.
     std::string finish() {
+        if (copied_ == 0) {
+            return std::move(html_);
+        }
         kept_.append(html_, copied_);
         return std::move(kept_);
     }
 
   private:
-    std::string_view html_;
+    std::string& html_;
     std::string kept_;
     std::size_t copied_ = 0;
 };
 
+// Text whose white space is collapsed as in a browser.
+class FlatText {
+  public:
+    void add(std::string_view text) {
+        for (const char c : text) {
+            if (!isHTMLSpace(c)) {
+                html_ += c;
+            } else if (html_.back() != '\n' && html_.back() != ' ') {
+                html_ += ' ';
+            }
+        }
+    }
+
+    void breakLine() { html_ += '\n'; }
+
+    void endBlock() {
+        if (html_.back() != '\n') {
+            breakLine();
+        }
+    }
+
+    std::string finish() {
+        html_ += "</pre>";
+        return std::move(html_);
+    }
+
+  private:
+    // The first line end of a pre element does not count.
+    std::string html_ = "<pre style=\"white-space:pre-wrap\">\n";
+};
+
 } // namespace
 
-std::optional<std::string> guardedHTML(std::string_view html) {
+std::optional<std::string> guardedHTML(std::string html) {
     KeptSource kept(html);
     OpenElements open;
     HTMLTokenizer tokenizer(html);
@@ -74,16 +110,14 @@ std::optional<std::string> guardedHTML(std::string_view html) {
 }
 
 std::string flattenedHTML(std::string_view html) {
-    std::string flat;
+    FlatText flat;
     HTMLTokenizer tokenizer(html);
     HTMLToken token;
     GumboTag rawText = GUMBO_TAG_LAST;
-    bool blockIsEmpty = true;
     while (tokenizer.next(token)) {
         const auto tag = token.name.empty() ? GUMBO_TAG_LAST : tagOf(token.name);
         if (token.kind == HTMLToken::Kind::text && rawText == GUMBO_TAG_LAST) {
-            flat += token.source;
-            blockIsEmpty = false;
+            flat.add(token.source);
         }
         if (token.kind == HTMLToken::Kind::startTag && rawTextTags.contains(tag)) {
             tokenizer.readRawText(token.name);
@@ -92,13 +126,12 @@ std::string flattenedHTML(std::string_view html) {
         }
         rawText = GUMBO_TAG_LAST;
         if (tag == GUMBO_TAG_BR) {
-            flat += "<br>";
-        } else if (tag != GUMBO_TAG_LAST && blockTags.contains(tag) && !blockIsEmpty) {
-            flat += "<br>";
-            blockIsEmpty = true;
+            flat.breakLine();
+        } else if (tag != GUMBO_TAG_LAST && blockTags.contains(tag)) {
+            flat.endBlock();
         }
     }
-    return flat;
+    return flat.finish();
 }
 
 } // namespace zelto

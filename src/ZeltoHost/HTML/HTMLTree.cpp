@@ -9,34 +9,61 @@ namespace zelto {
 
 namespace {
 
-// The worst case of a parse is 100 bytes of memory per byte of input, unless elements multiply.
-constexpr std::size_t bytesForAByte = 128;
-constexpr std::size_t minimumBytes = std::size_t{64} << 20;
+// What is made of a tree takes up to twice the tree's memory: all of it stays below 64 MiB and ten times the
+// length of the text.
+constexpr std::size_t minimumBytes = std::size_t{24} << 20;
+constexpr std::size_t bytesForAByte = 3;
 constexpr double maximumCPUSeconds = 5;
 
+// Six times MailLimits::textBytes: as much as a text grows when its characters are written as entities.
+constexpr std::size_t sourceLimit = std::size_t{96} << 20;
+
+std::size_t byteLimitFor(const std::string& source) {
+    return minimumBytes + source.size() * bytesForAByte;
+}
+
 // Well-formed UTF-8 without the control characters that are meaningless in text.
-std::string readable(std::string_view html) {
-    auto text = isValidUTF8(html) ? std::string(html) : repairedUTF8(html);
-    std::erase_if(text, [](char c) {
+std::string readable(std::string html) {
+    if (!isValidUTF8(html)) {
+        html = repairedUTF8(html);
+    }
+    std::erase_if(html, [](char c) {
         const auto byte = static_cast<unsigned char>(c);
         return (byte < 0x20 && !isHTMLSpace(c)) || byte == 0x7F;
     });
-    return text;
+    return html;
+}
+
+void note(ContentNotes* notes, ContentNoteKind kind) {
+    if (notes != nullptr) {
+        notes->add(kind);
+    }
 }
 
 } // namespace
 
-HTMLTree::HTMLTree(std::string_view html) {
-    auto text = readable(html);
-    if (auto guarded = guardedHTML(text)) {
-        source_ = std::move(*guarded);
-        if (parse(minimumBytes + source_.size() * bytesForAByte, maximumCPUSeconds)) {
+HTMLTree::HTMLTree(std::string html, ContentNotes* notes) {
+    if (html.size() > sourceLimit) {
+        html.resize(sourceLimit);
+        note(notes, ContentNoteKind::textCut);
+    }
+    source_ = readable(std::move(html));
+    if (auto guarded = guardedHTML(source_)) {
+        source_ = *std::move(guarded);
+        if (parse(byteLimitFor(source_), maximumCPUSeconds)) {
             return;
         }
     }
-    source_ = flattenedHTML(text);
-    while (!parse(static_cast<std::size_t>(-1) / 2, 1e9)) {
-        source_.resize(source_.size() / 2); // out of memory
+    parseTextAlone(notes);
+}
+
+void HTMLTree::parseTextAlone(ContentNotes* notes) {
+    note(notes, ContentNoteKind::formattingLeftOut);
+    const auto byteLimit = byteLimitFor(source_);
+    source_ = flattenedHTML(source_);
+    while (!parse(byteLimit, 1e9)) {
+        note(notes, ContentNoteKind::textCut);
+        source_.resize(source_.size() / 2);
     }
 }
 
@@ -47,7 +74,7 @@ bool HTMLTree::parse(std::size_t byteLimit, double cpuSeconds) {
     options.allocator = [](void* arena, std::size_t size) {
         return static_cast<HTMLArena*>(arena)->allocate(size);
     };
-    options.deallocator = [](void*, void*) {};
+    options.deallocator = [](void* arena, void* block) { static_cast<HTMLArena*>(arena)->deallocate(block); };
     options.max_errors = 0;
     root_ = nullptr;
     if (setjmp(arena_->escape) != 0) {

@@ -1,6 +1,7 @@
 // For sources only: brings in gumbo.
 #pragma once
 
+#include <ZeltoHost/Content/ContentNotes.h>
 #include <ZeltoHost/HTML/HTMLArena.h>
 
 #include <gumbo.h>
@@ -13,16 +14,20 @@
 
 namespace zelto {
 
-// An HTML document as a browser parses it. Every input has one, in time linear in its length.
+// An HTML document as a browser parses it. Every input has one, in time linear in its length, and in memory
+// of 24 MiB and three times its length. If that is too little, the tree has the text alone; if it is too
+// little even for the text, the tree ends before the text does.
 class HTMLTree {
   public:
-    explicit HTMLTree(std::string_view html);
+    // `notes` gets what is not in the tree.
+    explicit HTMLTree(std::string html, ContentNotes* notes = nullptr);
 
     // The html element.
     const GumboNode& root() const { return *root_; }
 
   private:
     bool parse(std::size_t byteLimit, double cpuSeconds);
+    void parseTextAlone(ContentNotes* notes);
 
     std::string source_; // the nodes point into it
     std::unique_ptr<HTMLArena> arena_;

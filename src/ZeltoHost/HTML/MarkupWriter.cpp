@@ -55,8 +55,9 @@ std::string attributeName(const GumboAttribute& attribute) {
     return toASCIILower(attribute.name);
 }
 
-void MarkupWriter::write(std::string_view html) {
-    const HTMLTree tree(html);
+void MarkupWriter::write(std::string html, ContentNotes* notes) {
+    markup_.reserve(markup_.size() + html.size());
+    const HTMLTree tree(std::move(html), notes);
     walk(tree.root(), *this);
 }
 

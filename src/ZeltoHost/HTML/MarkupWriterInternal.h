@@ -25,7 +25,7 @@ class MarkupWriter {
     virtual ~MarkupWriter() = default;
 
     // Adds the content of the body.
-    void write(std::string_view html);
+    void write(std::string html, ContentNotes* notes);
 
     std::string takeMarkup() { return std::move(markup_); }
 

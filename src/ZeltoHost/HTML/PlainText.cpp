@@ -94,8 +94,8 @@ void writeRuns(LineWriter& writer, const TextFlow& flow, const TextFlow::Block& 
 
 } // namespace
 
-std::string plainTextFromHTML(std::string_view html, const PlainTextOptions& options) {
-    const auto flow = textFlowOf(html);
+std::string plainTextFromHTML(std::string html, const PlainTextOptions& options) {
+    const auto flow = textFlowOf(std::move(html), options.notes);
     LineWriter writer;
     const TextFlow::Block* before = nullptr;
     for (const auto& block : flow.blocks) {

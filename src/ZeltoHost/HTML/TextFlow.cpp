@@ -200,8 +200,8 @@ class TextFlowReader {
 
 } // namespace
 
-TextFlow textFlowOf(std::string_view html) {
-    const HTMLTree tree(html);
+TextFlow textFlowOf(std::string html, ContentNotes* notes) {
+    const HTMLTree tree(std::move(html), notes);
     TextFlowReader reader;
     walk(tree.root(), reader);
     return reader.finish();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ZeltoHost/Content/ContentNotes.h>
 #include <ZeltoIntegrations/Content/FormattedBodyComponent.h>
 
 #include <optional>
@@ -30,6 +31,7 @@ struct TextFlow {
     std::vector<URL> links;
 };
 
-TextFlow textFlowOf(std::string_view html);
+// `notes` gets what is not in the flow.
+TextFlow textFlowOf(std::string html, ContentNotes* notes = nullptr);
 
 } // namespace zelto

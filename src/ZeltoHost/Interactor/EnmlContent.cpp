@@ -44,13 +44,14 @@ std::optional<IntegrationsInteractorAttachment> imageInURL(std::string_view url)
 
 } // namespace
 
-IntegrationsInteractorEnml enmlContent(std::string_view html, const IntegrationExportHtmlOptions& options,
-                                       const ImageSource& source) {
+IntegrationsInteractorEnml enmlContent(std::string html, const IntegrationExportHtmlOptions& options,
+                                       ContentNotes* notes, const ImageSource& source) {
     IntegrationsInteractorEnml content;
     std::set<std::string> known; // hashes
     EnmlOptions enmlOptions;
     enmlOptions.header = options.customHeader.value_or("");
     enmlOptions.footer = options.customFooter.value_or("");
+    enmlOptions.notes = notes;
     if (!options.skipInlineImages) {
         enmlOptions.mediaForImage = [&](std::string_view address) -> std::optional<EnmlMedia> {
             auto image = imageInURL(address);
@@ -68,7 +69,7 @@ IntegrationsInteractorEnml enmlContent(std::string_view html, const IntegrationE
             return media;
         };
     }
-    content.enml = enmlFromHTML(html, enmlOptions);
+    content.enml = enmlFromHTML(std::move(html), enmlOptions);
     return content;
 }
 

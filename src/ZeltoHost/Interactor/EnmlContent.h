@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ZeltoHost/Content/ContentNotes.h>
 #include <ZeltoIntegrations/Content/IntegrationsInteractorTypes.h>
 
 #include <functional>
@@ -13,8 +14,9 @@ namespace zelto {
 using ImageSource = std::function<std::optional<IntegrationsInteractorAttachment>(std::string_view source)>;
 
 // HTML in Evernote's format, with its images as attachments that it refers to by their MD5. Images come from
-// data: URLs and from the source; each is attached once, however often it is shown.
-IntegrationsInteractorEnml enmlContent(std::string_view html, const IntegrationExportHtmlOptions& options,
-                                       const ImageSource& source = nullptr);
+// data: URLs and from the source; each is attached once, however often it is shown. `notes` gets what the
+// result does not have of the HTML.
+IntegrationsInteractorEnml enmlContent(std::string html, const IntegrationExportHtmlOptions& options,
+                                       ContentNotes* notes, const ImageSource& source = nullptr);
 
 } // namespace zelto

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <Platform/URL.h>
+#include <ZeltoHost/Content/ContentNotes.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -19,6 +21,9 @@ struct InteractorOptions {
 
     // The time zone of written dates, as for DateFormatter; if absent, the system's.
     std::optional<std::string> timeZone;
+
+    // Gets what an export does not show as the message has it; may be absent.
+    std::shared_ptr<ContentNotes> notes;
 };
 
 } // namespace zelto

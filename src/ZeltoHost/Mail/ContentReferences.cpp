@@ -35,7 +35,7 @@ std::string withoutAmpersandEntities(std::string_view text) {
 
 } // namespace
 
-std::set<std::string> referredContentIDs(std::string_view html) {
+std::set<std::string> referredContentIDs(std::string_view html, const std::set<std::string>& known) {
     std::set<std::string> ids;
     for (auto at = html.find(':'); at != std::string_view::npos; at = html.find(':', at + 1)) {
         if (at < 3 || !startsWithScheme(html.substr(at - 3)) || !mayBeginURL(html.substr(0, at - 3))) {
@@ -44,7 +44,7 @@ std::set<std::string> referredContentIDs(std::string_view html) {
         auto url = html.substr(at - 3, maxURLLength);
         url = url.substr(0, url.find_first_of("\"'<>) \t\n"));
         url = url.substr(0, std::min(url.find("&quot;"), url.find("&#39;")));
-        if (auto id = contentIDOf(withoutAmpersandEntities(url))) {
+        if (auto id = contentIDOf(withoutAmpersandEntities(url)); id && known.contains(*id)) {
             ids.insert(*std::move(id));
         }
     }

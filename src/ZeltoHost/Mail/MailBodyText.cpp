@@ -1,4 +1,5 @@
 #include <Platform/Text.h>
+#include <ZeltoHost/HTML/MarkupEscape.h>
 #include <ZeltoHost/HTML/PlainText.h>
 #include <ZeltoHost/Mail/GMimeInternal.h>
 #include <ZeltoHost/Mail/MailBodyText.h>
@@ -24,22 +25,36 @@ std::string_view withoutEndingBlanks(std::string_view text) {
     return text.substr(0, last == std::string_view::npos ? 0 : last + 1);
 }
 
+// Plain text is written in columns, as for signatures and tables. The first line end of a pre element does
+// not count.
+std::string preformatted(std::string_view text) {
+    std::string html = "<pre style=\"font-family:monospace;white-space:pre-wrap\">\n";
+    appendEscaped(html, text, Quotes::keep);
+    html += "</pre>";
+    return html;
+}
+
 // Reads the texts of a body, within the limit for all of them together.
 class BodyReader {
   public:
-    explicit BodyReader(const MailMessage& message) : message_(message), room_(message.limits.bodyBytes) {}
+    BodyReader(const MailMessage& message, ContentNotes* notes)
+        : message_(message), notes_(notes), room_(message.limits.textBytes) {}
 
     Result<std::string, MailError> read(std::size_t index) {
-        auto text = readText(*message_.file, message_.parts[index], room_);
-        if (text) {
-            room_ -= std::min(room_, text->size());
+        auto read = readText(*message_.file, message_.parts[index], room_);
+        if (!read) {
+            return failure(read.error());
         }
-        return text;
+        room_ -= std::min(room_, read->text.size());
+        if (read->isCut && notes_ != nullptr) {
+            notes_->add(ContentNoteKind::textCut);
+        }
+        return std::move(read->text);
     }
 
     Result<std::string, MailError> plain(std::size_t index) {
         auto text = isHTML(index) ? html(index) : read(index);
-        return text && isHTML(index) ? plainTextFromHTML(*text) : text;
+        return text && isHTML(index) ? plainTextFromHTML(*std::move(text), {.notes = notes_}) : text;
     }
 
     Result<std::string, MailError> html(std::size_t index) {
@@ -51,8 +66,7 @@ class BodyReader {
         if (type == "text/enriched" || type == "text/richtext") {
             return htmlFromEnrichedText(*std::move(text), type == "text/richtext");
         }
-        return isHTML(index) ? *std::move(text)
-                             : "<div>" + htmlFromPlainText(withoutEndingBlanks(*text)) + "</div>";
+        return isHTML(index) ? std::move(text) : preformatted(withoutEndingBlanks(*text));
     }
 
   private:
@@ -62,6 +76,7 @@ class BodyReader {
     }
 
     const MailMessage& message_;
+    ContentNotes* notes_;
     std::size_t room_;
 };
 
@@ -80,8 +95,8 @@ Result<std::string, MailError> joinedPlain(BodyReader& reader, const std::vector
 
 } // namespace
 
-Result<std::string, MailError> plainBodyOf(const MailMessage& message) {
-    BodyReader reader(message);
+Result<std::string, MailError> plainBodyOf(const MailMessage& message, ContentNotes* notes) {
+    BodyReader reader(message, notes);
     std::string body;
     for (const auto& section : message.body) {
         auto text = joinedPlain(reader, section.plain);
@@ -97,16 +112,20 @@ Result<std::string, MailError> plainBodyOf(const MailMessage& message) {
     return body;
 }
 
-Result<std::string, MailError> htmlBodyOf(const MailMessage& message) {
-    BodyReader reader(message);
+Result<std::string, MailError> htmlBodyOf(const MailMessage& message, ContentNotes* notes) {
+    BodyReader reader(message, notes);
     std::string body;
     for (const auto& section : message.body) {
         for (const auto index : section.html.empty() ? section.plain : section.html) {
-            const auto html = reader.html(index);
+            auto html = reader.html(index);
             if (!html) {
                 return html;
             }
-            body.append(body.empty() ? "" : "\n").append(*html);
+            if (body.empty()) {
+                body = *std::move(html);
+            } else {
+                body.append("\n").append(*html);
+            }
         }
     }
     return body;

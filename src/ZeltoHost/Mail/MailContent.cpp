@@ -1,4 +1,5 @@
 #include <Platform/FileManager.h>
+#include <Platform/UTF8.h>
 #include <ZeltoHost/Mail/GMimeInternal.h>
 #include <ZeltoHost/Mail/MailCharset.h>
 #include <ZeltoHost/Mail/MailContent.h>
@@ -134,29 +135,61 @@ Result<void, MailError> writeContent(const MailFile& file, const MailPart& part,
     return decoded;
 }
 
-Result<std::string, MailError> readContent(const MailFile& file, const MailPart& part, std::size_t limit) {
-    std::string content;
-    bool fits = true;
+namespace {
+
+struct LimitedContent {
+    std::string bytes;
+    bool isCut = false;
+};
+
+Result<LimitedContent, MailError> readUpTo(const MailFile& file, const MailPart& part, std::size_t limit) {
+    LimitedContent content;
     const auto decoded = decodeContent(file, part, [&](std::string_view piece) {
-        fits = piece.size() <= limit - content.size();
-        if (fits) {
-            content.append(piece);
-        }
-        return fits;
+        content.isCut = piece.size() > limit - content.bytes.size();
+        content.bytes.append(piece.substr(0, limit - content.bytes.size()));
+        return !content.isCut;
     });
-    if (!decoded) {
-        return failure(decoded.error());
-    }
-    return fits ? Result<std::string, MailError>(std::move(content)) : failure(MailError::bodyTooLarge);
+    return decoded ? Result<LimitedContent, MailError>(std::move(content)) : failure(decoded.error());
 }
 
-Result<std::string, MailError> readText(const MailFile& file, const MailPart& part, std::size_t limit) {
-    auto content = readContent(file, part, limit);
-    if (!content) {
-        return content;
+// Ends the text before a character that the limit has cut in two.
+void cutTo(std::size_t limit, std::string& text) {
+    constexpr std::string_view replacement = "\uFFFD";
+    if (text.size() > limit) {
+        text.resize(limit);
+        text = repairedUTF8(text);
     }
-    auto text = toUTF8(*content, part.charset, part.mediaType == "text/html");
-    return part.flowed && part.mediaType == "text/plain" ? unfoldedFlowedText(text, part.delSp) : text;
+    if (text.ends_with(replacement)) {
+        text.resize(text.size() - replacement.size());
+    }
+}
+
+} // namespace
+
+Result<std::string, MailError> readContent(const MailFile& file, const MailPart& part, std::size_t limit) {
+    auto content = readUpTo(file, part, limit);
+    if (!content) {
+        return failure(content.error());
+    }
+    return content->isCut ? failure(MailError::contentTooLarge)
+                          : Result<std::string, MailError>(std::move(content->bytes));
+}
+
+Result<MailText, MailError> readText(const MailFile& file, const MailPart& part, std::size_t limit) {
+    auto content = readUpTo(file, part, limit);
+    if (!content) {
+        return failure(content.error());
+    }
+    MailText read{toUTF8(content->bytes, part.charset, part.mediaType == "text/html"), content->isCut};
+    content->bytes = {};
+    if (part.flowed && part.mediaType == "text/plain") {
+        read.text = unfoldedFlowedText(read.text, part.delSp);
+    }
+    read.isCut = read.isCut || read.text.size() > limit;
+    if (read.isCut) {
+        cutTo(limit, read.text);
+    }
+    return read;
 }
 
 } // namespace zelto

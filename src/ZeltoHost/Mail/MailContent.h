@@ -26,12 +26,19 @@ Result<std::uint64_t, MailError> decodedSize(const MailFile& file, const MailPar
 Result<void, MailError> writeContent(const MailFile& file, const MailPart& part,
                                      const std::filesystem::path& path);
 
-// `bodyTooLarge` if it exceeds the limit.
+// `contentTooLarge` if it exceeds the limit.
 Result<std::string, MailError> readContent(const MailFile& file, const MailPart& part, std::size_t limit);
 
-// A text in UTF-8 with "\n" for line breaks, soft line breaks undone. If the charset is absent or unknown,
-// the text is read as UTF-8 if it is valid, else as windows-1252; bytes that the charset does not have become
-// U+FFFD.
-Result<std::string, MailError> readText(const MailFile& file, const MailPart& part, std::size_t limit);
+struct MailText {
+    std::string text;
+    bool isCut = false; // it is longer than the limit
+
+    bool operator==(const MailText&) const = default;
+};
+
+// A text in UTF-8 with "\n" for line breaks, soft line breaks undone; of a longer one as many bytes as the
+// limit allows. If the charset is absent or unknown, the text is read as UTF-8 if it is valid, else as
+// windows-1252; bytes that the charset does not have become U+FFFD.
+Result<MailText, MailError> readText(const MailFile& file, const MailPart& part, std::size_t limit);
 
 } // namespace zelto

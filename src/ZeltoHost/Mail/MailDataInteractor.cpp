@@ -39,7 +39,7 @@ AttachmentFetchError fetchErrorOf(MailError error) {
     case MailError::tooManyHeaders:
     case MailError::headersTooLarge:
     case MailError::nestedTooDeep:
-    case MailError::bodyTooLarge:
+    case MailError::contentTooLarge:
         return AttachmentFetchError::sourceUnreadable;
     }
     return AttachmentFetchError::sourceUnreadable;
@@ -94,7 +94,7 @@ void MailDataInteractor::linkComponents(IntegrationLinkType type,
 
 void MailDataInteractor::html(IntegrationExportHtmlOptions options,
                               Callback<std::optional<std::string>> completion) {
-    const auto body = htmlBody("html(options:)");
+    auto body = htmlBody("html(options:)");
     if (!body) {
         return completion(std::nullopt);
     }
@@ -103,7 +103,8 @@ void MailDataInteractor::html(IntegrationExportHtmlOptions options,
     cleaning.footer = options.customFooter.value_or("");
     cleaning.title = options.customTitle.value_or(title());
     cleaning.images = !options.skipInlineImages;
-    std::size_t room = message_->limits.bodyBytes;
+    cleaning.notes = options_.notes.get();
+    std::size_t room = message_->limits.imageBytes;
     cleaning.imageSource = [&](std::string_view source) -> std::optional<std::string> {
         if (source.starts_with("data:")) {
             return std::string(source);
@@ -113,24 +114,25 @@ void MailDataInteractor::html(IntegrationExportHtmlOptions options,
                                      base64Encoded(viewOf(image->data)))
                      : std::nullopt;
     };
-    completion(cleanedHTML(*body, cleaning));
+    completion(cleanedHTML(*std::move(body), cleaning));
 }
 
 void MailDataInteractor::enml(std::string html,
                               Callback<std::optional<IntegrationsInteractorEnml>> completion) {
-    std::size_t room = message_->limits.bodyBytes;
-    completion(enmlContent(html, {}, [&](std::string_view source) { return inlineImage(source, room); }));
+    std::size_t room = message_->limits.imageBytes;
+    completion(enmlContent(std::move(html), {}, options_.notes.get(),
+                           [&](std::string_view source) { return inlineImage(source, room); }));
 }
 
 void MailDataInteractor::enml(IntegrationExportHtmlOptions options,
                               Callback<std::optional<IntegrationsInteractorEnml>> completion) {
-    const auto body = htmlBody("enml(options:)");
+    auto body = htmlBody("enml(options:)");
     if (!body) {
         return completion(std::nullopt);
     }
-    std::size_t room = message_->limits.bodyBytes;
-    completion(
-        enmlContent(*body, options, [&](std::string_view source) { return inlineImage(source, room); }));
+    std::size_t room = message_->limits.imageBytes;
+    completion(enmlContent(*std::move(body), options, options_.notes.get(),
+                           [&](std::string_view source) { return inlineImage(source, room); }));
 }
 
 void MailDataInteractor::htmlHeader(Callback<std::optional<std::string>> completion) {
@@ -143,7 +145,7 @@ void MailDataInteractor::headerComponents(Callback<IntegrationHeaderComponents> 
 
 void MailDataInteractor::messagePlainText(std::optional<IntegrationLinkType> linkType,
                                           Callback<std::optional<std::string>> completion) {
-    auto text = plainBodyOf(*message_);
+    auto text = plainBodyOf(*message_, options_.notes.get());
     if (!text) {
         lvxLogError(messageOf(text.error()), "messagePlainText(linkType:)");
         return completion(std::nullopt);
@@ -189,8 +191,9 @@ void MailDataInteractor::fetchAttachment(std::int64_t attachmentPk,
 }
 
 void MailDataInteractor::formattedBodyComponents(Callback<std::vector<FormattedBodyComponent>> completion) {
-    const auto body = htmlBody("formattedBodyComponents()");
-    completion(body ? formattedComponentsFromHTML(*body) : std::vector<FormattedBodyComponent>());
+    auto body = htmlBody("formattedBodyComponents()");
+    completion(body ? formattedComponentsFromHTML(*std::move(body), options_.notes.get())
+                    : std::vector<FormattedBodyComponent>());
 }
 
 void MailDataInteractor::formattedMeetingSummaryComponents(
@@ -222,7 +225,7 @@ std::string MailDataInteractor::headerBlock() const {
 }
 
 std::optional<std::string> MailDataInteractor::htmlBody(std::string_view function) const {
-    auto body = htmlBodyOf(*message_);
+    auto body = htmlBodyOf(*message_, options_.notes.get());
     if (!body) {
         lvxLogError(messageOf(body.error()), function);
         return std::nullopt;
@@ -240,8 +243,11 @@ std::optional<IntegrationsInteractorAttachment> MailDataInteractor::inlineImage(
     }
     auto data = inlineImageData(*message_, *image, room);
     if (!data) {
-        lvxLogWarn("An inline image is left out: it cannot be read, or the images are larger than 64 MiB",
+        lvxLogWarn("An inline image is left out: it cannot be read, or the images are larger than 32 MiB",
                    "inlineImage(source:)");
+        if (options_.notes) {
+            options_.notes->add(ContentNoteKind::imagesLeftOut);
+        }
         return std::nullopt;
     }
     room -= data->size();

@@ -4,7 +4,7 @@
 namespace zelto {
 
 ZELTO_DESCRIBE_ENUM(MailError, notFound, unreadable, notAMail, tooManyParts, tooManyHeaders, headersTooLarge,
-                    nestedTooDeep, bodyTooLarge, unknownAttachment, changed, diskFull, cannotWrite);
+                    nestedTooDeep, contentTooLarge, unknownAttachment, changed, diskFull, cannotWrite);
 
 std::string_view messageOf(MailError error) {
     switch (error) {
@@ -23,8 +23,8 @@ std::string_view messageOf(MailError error) {
                "own.";
     case MailError::nestedTooDeep:
         return "The mail's parts are nested more than 100 deep; save the inner message as a mail of its own.";
-    case MailError::bodyTooLarge:
-        return "The mail's text is larger than 64 MiB; export it as an attachment instead.";
+    case MailError::contentTooLarge:
+        return "A part of the mail is larger than what is read of it; export it as an attachment instead.";
     case MailError::unknownAttachment:
         return "The mail has no such attachment; list its attachments again.";
     case MailError::changed:

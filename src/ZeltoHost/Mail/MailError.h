@@ -15,7 +15,7 @@ enum class MailError : int {
     tooManyHeaders,
     headersTooLarge,
     nestedTooDeep,
-    bodyTooLarge,
+    contentTooLarge,   // a part is larger than what is read at once
     unknownAttachment, // no attachment with that id
     changed,           // the file was changed after it was opened
     diskFull,          // a file could not be written: no space left

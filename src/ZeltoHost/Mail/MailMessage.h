@@ -14,15 +14,18 @@ namespace zelto {
 
 class MailFile;
 
-// A mail beyond these limits is refused before anything is built. The message itself does not count as a
-// part; depth is the number of containers (multiparts and attached messages) around a part; headers are added
-// up over all parts.
+// A mail beyond the limits of its structure is refused before anything is built. The message itself does not
+// count as a part; depth is the number of containers (multiparts and attached messages) around a part;
+// headers are added up over all parts.
 struct MailLimits {
     std::size_t parts = 10'000;
     std::size_t headers = 10'000;
     std::size_t headerBytes = 1U << 20;
     std::size_t depth = 100;
-    std::size_t bodyBytes = 64U << 20; // of one text, and of all inline images together
+
+    // Not refused, but cut and left out, with a note.
+    std::size_t textBytes = 16U << 20;  // of the texts of the body together
+    std::size_t imageBytes = 32U << 20; // of the inline images together
 };
 
 enum class MailEncoding : int { identity, base64, quotedPrintable, uuencode };

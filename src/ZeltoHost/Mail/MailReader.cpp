@@ -72,12 +72,12 @@ void readHeader(const Fields& fields, MailMessage& message) {
     }
 }
 
-std::set<std::string> referredIDs(const MailMessage& message) {
+std::set<std::string> referredIDs(const MailMessage& message, const std::set<std::string>& known) {
     std::set<std::string> ids;
     for (const auto& section : message.body) {
         for (const auto index : section.html) {
-            if (const auto html = readText(*message.file, message.parts[index], message.limits.bodyBytes)) {
-                ids.merge(referredContentIDs(*html));
+            if (const auto html = readText(*message.file, message.parts[index], message.limits.textBytes)) {
+                ids.merge(referredContentIDs(html->text, known));
             }
         }
     }
@@ -105,9 +105,13 @@ std::string fileNameFor(const MailPart& part) {
 }
 
 void sortOthers(const std::vector<std::size_t>& others, MailMessage& message) {
-    const bool hasImages =
-        std::ranges::any_of(others, [&](auto index) { return isImageWithID(message.parts[index]); });
-    const auto referred = hasImages ? referredIDs(message) : std::set<std::string>();
+    std::set<std::string> known;
+    for (const auto index : others) {
+        if (isImageWithID(message.parts[index])) {
+            known.insert(message.parts[index].contentID);
+        }
+    }
+    const auto referred = known.empty() ? known : referredIDs(message, known);
     for (const auto index : others) {
         const auto& part = message.parts[index];
         if (isImageWithID(part) && referred.contains(part.contentID)) {

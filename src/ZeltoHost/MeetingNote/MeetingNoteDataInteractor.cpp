@@ -24,8 +24,9 @@ IntegrationsInteractorAddress addressOf(const MeetingNoteParty& party) {
     return makeAddress(party.email, party.name.value_or(""));
 }
 
-std::string plainOf(const MeetingNoteText& text) {
-    return std::string(trimmed(text.isHTML ? plainTextFromHTML(text.content) : text.content));
+std::string plainOf(const MeetingNoteText& text, ContentNotes* notes) {
+    return std::string(
+        trimmed(text.isHTML ? plainTextFromHTML(text.content, {.notes = notes}) : text.content));
 }
 
 std::string htmlOf(const MeetingNoteText& text) {
@@ -91,6 +92,7 @@ void MeetingNoteDataInteractor::linkComponents(
 void MeetingNoteDataInteractor::html(IntegrationExportHtmlOptions options,
                                      Callback<std::optional<std::string>> completion) {
     CleanedHTMLOptions cleaning;
+    cleaning.notes = options_.notes.get();
     cleaning.imageSource = dataURL;
     cleaning.images = !options.skipInlineImages;
     cleaning.header = options.customHeader.value_or(headerBlock());
@@ -101,12 +103,12 @@ void MeetingNoteDataInteractor::html(IntegrationExportHtmlOptions options,
 
 void MeetingNoteDataInteractor::enml(std::string html,
                                      Callback<std::optional<IntegrationsInteractorEnml>> completion) {
-    completion(enmlContent(html, {}));
+    completion(enmlContent(std::move(html), {}, options_.notes.get()));
 }
 
 void MeetingNoteDataInteractor::enml(IntegrationExportHtmlOptions options,
                                      Callback<std::optional<IntegrationsInteractorEnml>> completion) {
-    completion(enmlContent(htmlBody(), options));
+    completion(enmlContent(htmlBody(), options, options_.notes.get()));
 }
 
 void MeetingNoteDataInteractor::htmlHeader(Callback<std::optional<std::string>> completion) {
@@ -152,9 +154,10 @@ void MeetingNoteDataInteractor::meetTranscript(IntegrationMeetingTranscriptConte
     }
     switch (format) {
     case IntegrationMeetingTranscriptFormat::text:
-        return completion(links_.appended(plainOf(*text), linkType));
+        return completion(links_.appended(plainOf(*text, options_.notes.get()), linkType));
     case IntegrationMeetingTranscriptFormat::html:
         CleanedHTMLOptions cleaning;
+        cleaning.notes = options_.notes.get();
         cleaning.imageSource = dataURL;
         cleaning.title = note_.title;
         if (const auto link = linkType ? links_.written(*linkType) : std::nullopt) {
@@ -176,12 +179,12 @@ void MeetingNoteDataInteractor::fetchAttachment(
 
 void MeetingNoteDataInteractor::formattedBodyComponents(
     Callback<std::vector<FormattedBodyComponent>> completion) {
-    completion(formattedComponentsFromHTML(htmlBody()));
+    completion(formattedComponentsFromHTML(htmlBody(), options_.notes.get()));
 }
 
 void MeetingNoteDataInteractor::formattedMeetingSummaryComponents(
     Callback<std::vector<FormattedBodyComponent>> completion) {
-    completion(note_.summary ? formattedComponentsFromHTML(htmlOf(*note_.summary))
+    completion(note_.summary ? formattedComponentsFromHTML(htmlOf(*note_.summary), options_.notes.get())
                              : std::vector<FormattedBodyComponent>());
 }
 
@@ -227,7 +230,8 @@ std::string MeetingNoteDataInteractor::plainBody() const {
     for (const auto& [content, heading] : bodyOrder) {
         if (const auto& text = piece(content)) {
             body.append(body.empty() ? "" : "\n\n");
-            body.append(hasOnePiece() ? "" : std::string(heading) + "\n\n").append(plainOf(*text));
+            body.append(hasOnePiece() ? "" : std::string(heading) + "\n\n")
+                .append(plainOf(*text, options_.notes.get()));
         }
     }
     return body;

@@ -14,6 +14,10 @@
 #include <cstdlib>
 #include <mutex>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 namespace zelto {
 
 namespace {
@@ -58,15 +62,45 @@ class WorkFolder {
     std::filesystem::path path_;
 };
 
+// What a converter that is stopped leaves of its temporary files goes with the work folder.
+std::string temporaryFolder(const WorkFolder& folder) {
+    return "TMPDIR=" + folder.html().parent_path().string();
+}
+
 // Of the caller's environment, only where the font cache is.
-std::vector<std::string> interpreterEnvironment() {
-    std::vector<std::string> environment{"PATH=/usr/bin:/bin", "LANG=C.UTF-8"};
-    for (const char* name : {"HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME", "TMPDIR"}) {
+std::vector<std::string> interpreterEnvironment(const WorkFolder& folder) {
+    std::vector<std::string> environment{"PATH=/usr/bin:/bin", "LANG=C.UTF-8", temporaryFolder(folder)};
+    for (const char* name : {"HOME", "XDG_CACHE_HOME", "XDG_DATA_HOME"}) {
         if (const char* value = std::getenv(name)) {
             environment.push_back(std::string(name) + "=" + value);
         }
     }
     return environment;
+}
+
+std::vector<std::string> callersEnvironment(const WorkFolder& folder) {
+    std::vector<std::string> environment{temporaryFolder(folder)};
+    for (char** each = ::environ; each != nullptr && *each != nullptr; ++each) {
+        if (!std::string_view(*each).starts_with("TMPDIR=")) {
+            environment.emplace_back(*each);
+        }
+    }
+    return environment;
+}
+
+// Only a regular file: to open a pipe would wait for its writer.
+Result<Data, FileError> readMade(const std::filesystem::path& made, std::uint64_t limit) {
+    const auto file = FileManager::openFile(made, O_RDONLY | O_NONBLOCK | O_NOFOLLOW);
+    if (!file) {
+        return failure(file.error());
+    }
+
+    struct stat status {};
+
+    if (::fstat(file->number(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return failure(FileError{FileErrorCode::other, 0, made});
+    }
+    return FileManager::readAll(*file, made, limit);
 }
 
 bool ranOutOfMemory(std::string_view errorOutput) {
@@ -129,7 +163,7 @@ class PDFConverter::Worker {
   public:
     explicit Worker(PDFConverterOptions options) : options_(std::move(options)) {}
 
-    Result<void, PDFError> convert(std::string_view html, const std::filesystem::path& toPdf,
+    Result<void, PDFError> convert(std::string html, const std::filesystem::path& toPdf,
                                    const std::stop_token& stop) {
         if (!enter(stop)) {
             return failure(PDFError{PDFErrorCode::canceled, 0, {}, {}});
@@ -137,7 +171,8 @@ class PDFConverter::Worker {
         const auto outOfMemory = std::make_error_code(std::errc::not_enough_memory);
         Result<void, PDFError> result =
             failure(PDFError{PDFErrorCode::failed, outOfMemory.value(), {}, outOfMemory.message()});
-        containingExceptions("A conversion to PDF", [&] { result = convertNow(html, toPdf, stop); });
+        containingExceptions("A conversion to PDF",
+                             [&] { result = convertNow(std::move(html), toPdf, stop); });
         leave();
         if (!result) {
             result.error().converter = name();
@@ -165,13 +200,14 @@ class PDFConverter::Worker {
 
     std::string name() const { return isOurs() ? "weasyprint" : options_.command.front(); }
 
-    Result<void, PDFError> convertNow(std::string_view html, const std::filesystem::path& toPdf,
+    Result<void, PDFError> convertNow(std::string html, const std::filesystem::path& toPdf,
                                       const std::stop_token& stop) {
         const auto folder = WorkFolder::make();
         if (!folder) {
             return failure(cannotWrite(folder.error()));
         }
-        const auto request = requestFor(cleanedHTML(html), *folder);
+        const auto request =
+            requestFor(cleanedHTML(std::move(html), {.notes = options_.notes.get()}), *folder);
         if (!request) {
             return failure(request.error());
         }
@@ -190,7 +226,7 @@ class PDFConverter::Worker {
         if (isOurs()) {
             request.arguments = {std::string(interpreter), "-I", "-c", std::string(weasyPrintScript),
                                  folder.pdf().string()};
-            request.environment = interpreterEnvironment();
+            request.environment = interpreterEnvironment(folder);
             request.input = std::move(html);
             return request;
         }
@@ -201,6 +237,7 @@ class PDFConverter::Worker {
         if (const auto written = FileManager::writeFileAtomically(folder.html(), html); !written) {
             return failure(cannotWrite(written.error()));
         }
+        request.environment = callersEnvironment(folder);
         request.arguments = options_.command;
         request.arguments.front() = program->string();
         request.arguments.push_back(folder.html().string());
@@ -210,7 +247,7 @@ class PDFConverter::Worker {
 
     Result<void, PDFError> deliver(const std::filesystem::path& made, const std::filesystem::path& toPdf,
                                    const std::string& errorOutput) const {
-        const auto pdf = FileManager::readFile(made, options_.fileSize);
+        const auto pdf = readMade(made, options_.fileSize);
         if (!pdf) {
             const auto code =
                 pdf.error().code == FileErrorCode::tooLarge ? PDFErrorCode::tooLarge : PDFErrorCode::notAPDF;
@@ -240,9 +277,10 @@ void PDFConverter::convert(std::string html, std::filesystem::path toPdf,
                            Completion<void, PDFError> completion) {
     // Shared, so that it can still be called if no thread can be created.
     auto pending = std::make_shared<Completion<void, PDFError>>(std::move(completion));
-    const auto error =
-        threads_.start([worker = worker_, pending, html = std::move(html), toPdf = std::move(toPdf)](
-                           const std::stop_token& stop) { (*pending)(worker->convert(html, toPdf, stop)); });
+    const auto error = threads_.start([worker = worker_, pending, html = std::move(html),
+                                       toPdf = std::move(toPdf)](const std::stop_token& stop) mutable {
+        (*pending)(worker->convert(std::move(html), toPdf, stop));
+    });
     if (error) {
         (*pending)(failure(PDFError{PDFErrorCode::failed, error.value(), {}, error.message()}));
     }

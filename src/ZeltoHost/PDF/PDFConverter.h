@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ZeltoHost/Content/ContentNotes.h>
 #include <ZeltoHost/PDF/PDFError.h>
 #include <ZeltoHost/Process/StoppableThreads.h>
 
@@ -22,6 +23,9 @@ struct PDFConverterOptions {
     std::uint64_t cpuSeconds = 20;
     std::uint64_t addressSpace = std::uint64_t{1} << 30;
     std::uint64_t fileSize = std::uint64_t{200} << 20;
+
+    // Gets what the PDF files do not show of the HTML; may be absent.
+    std::shared_ptr<ContentNotes> notes;
 };
 
 // Converts HTML to PDF files by an external program with limited time and memory. The HTML is cleaned first

@@ -14,7 +14,7 @@ namespace zelto {
 namespace {
 
 std::string bodyOf(std::string_view html, const CleanedHTMLOptions& options = {}) {
-    const auto cleaned = cleanedHTML(html, options);
+    const auto cleaned = cleanedHTML(std::string(html), options);
     const auto begin = cleaned.find('>', cleaned.find("<body")) + 2;
     return cleaned.substr(begin, cleaned.rfind("\n</body>") - begin);
 }

@@ -12,7 +12,7 @@ constexpr std::string_view head =
     "<!DOCTYPE en-note SYSTEM \"http://xml.evernote.com/pub/enml2.dtd\">\n<en-note>";
 
 std::string contentOf(std::string_view html, const EnmlOptions& options = {}) {
-    const auto enml = enmlFromHTML(html, options);
+    const auto enml = enmlFromHTML(std::string(html), options);
     EXPECT_TRUE(enml.starts_with(head)) << enml;
     EXPECT_TRUE(enml.ends_with("</en-note>\n")) << enml;
     return enml.substr(head.size(), enml.size() - head.size() - 11);
@@ -94,7 +94,7 @@ TEST(ENML, AParserOfXMLTakesWhatComesOut) {
           "<a href='http://a.example/?a&b=\"'>", "<p title=\"&quot;<>&amp;'\" a'b=c <=d>x",
           "\xFF\xFE\xED\xA0\x80", "<ul><ul><li></ul></p></div>",
           "<svg:x y:z=1>&unknown;&#xD800;&#xFFFF;</svg:x>"}) {
-        const auto enml = enmlFromHTML(html);
+        const auto enml = enmlFromHTML(std::string(html));
         EXPECT_EQ(xmlErrors(enml), "") << enml;
     }
     EXPECT_NE(xmlErrors("<a>"), "");

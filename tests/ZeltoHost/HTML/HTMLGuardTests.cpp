@@ -36,7 +36,7 @@ struct Shape {
 };
 
 Shape shapeOf(std::string_view html) {
-    const HTMLTree tree(html);
+    const HTMLTree tree{std::string(html)};
     Shape shape;
     walk(tree.root(), shape);
     return shape;
@@ -47,7 +47,7 @@ TEST(HTMLGuard, HonestHTMLPassesUnchanged) {
          {"", "text < > & <", "<p>a<p>b", "<table><tr><td>a<td>b<tr><td>c</table>", "<b><i>x</b></i>",
           "<!-- <div> --><script>'<div>'</script><a href='>'>x</a>", "<svg><![CDATA[<div>]]></svg>", "<",
           "</", "<a"}) {
-        EXPECT_EQ(guardedHTML(html), html);
+        EXPECT_EQ(guardedHTML(std::string(html)), html);
     }
 }
 
@@ -68,7 +68,7 @@ TEST(HTMLGuard, TagsWithinCommentsScriptsAndAttributesAreText) {
     const auto divs = times(1000, "<div>");
     for (const auto& html : {"<!--" + divs, "<script>" + divs, "<p title='" + divs + "'>", "<style>" + divs,
                              "<textarea>" + divs, "<title>" + divs, "<svg><![CDATA[" + divs}) {
-        EXPECT_EQ(guardedHTML(html), html);
+        EXPECT_EQ(guardedHTML(std::string(html)), html);
     }
 }
 
@@ -83,7 +83,9 @@ TEST(HTMLGuard, AttributesPastTheSixtyFourthAreLeftOut) {
 
 TEST(HTMLGuard, WorkBeyondMeasureLeavesTheTextAlone) {
     EXPECT_EQ(guardedHTML(times(512, "<div>") + "<b>" + times(1'000'000, "x")), std::nullopt);
-    EXPECT_EQ(flattenedHTML("<div>a<p>b<b>c</b><script>x</script><br>d"), "a<br>bc<br>d");
+    EXPECT_EQ(flattenedHTML("<div>a<p>b<b>c</b><script>x</script><br>d"),
+              "<pre style=\"white-space:pre-wrap\">\na\nbc\nd</pre>");
+    EXPECT_EQ(flattenedHTML("<p> a\n  b <p>"), "<pre style=\"white-space:pre-wrap\">\na b \n</pre>");
 }
 
 TEST(HTMLTree, IsNeverMuchDeeperThanTheLimit) {
@@ -112,7 +114,48 @@ TEST(HTMLTree, EveryAttackOnTheParserEnds) {
 }
 
 TEST(HTMLTree, ManyParagraphsAreKept) {
-    EXPECT_EQ(shapeOf(times(200'000, "<p>")).nodes, 200'003U);
+    EXPECT_EQ(shapeOf(times(100'000, "<p>")).nodes, 100'003U);
+}
+
+TEST(HTMLTree, HTMLThatIsReadWholeHasNoNote) {
+    ContentNotes notes;
+    const HTMLTree tree(times(100'000, "<p>"), &notes);
+    EXPECT_EQ(notes.all(), std::vector<ContentNote>());
+}
+
+TEST(HTMLTree, ElementsBeyondTheMemoryLeaveTheTextAloneWithANote) {
+    ContentNotes notes;
+    const auto html = times(300'000, "<p>") + "<b>bold</b>" + times(300'000, "<p>") + "end";
+    EXPECT_EQ(plainTextFromHTML(html, {.notes = &notes}), "bold\nend");
+    EXPECT_EQ(notes.all(), std::vector{ContentNote{ContentNoteKind::formattingLeftOut}});
+}
+
+TEST(HTMLTree, TextIsWholeWhateverTheElementsWere) {
+    ContentNotes notes;
+    const auto text = plainTextFromHTML(times(1'000'000, "<p>x") + "<p>end", {.notes = &notes});
+    EXPECT_EQ(text.size(), 2'000'003U);
+    EXPECT_TRUE(text.ends_with("\nx\nend"));
+    EXPECT_EQ(notes.all(), std::vector{ContentNote{ContentNoteKind::formattingLeftOut}});
+}
+
+TEST(HTMLTree, HTMLBeyondTheLimitIsCutWithANote) {
+    ContentNotes notes;
+    const HTMLTree tree(std::string((std::size_t{96} << 20) + 1, ' '), &notes);
+    EXPECT_EQ(notes.all(), std::vector{ContentNote{ContentNoteKind::textCut}});
+}
+
+TEST(HTMLTree, AttributesThatFormattingMultipliesAreWithinTheMemory) {
+    const auto html = "<font face='" + std::string(400'000, 'f') + "'>" + times(100'000, "<p>x</p>");
+    ContentNotes notes;
+    const HTMLTree tree(html, &notes);
+    EXPECT_EQ(notes.all(), std::vector{ContentNote{ContentNoteKind::formattingLeftOut}});
+}
+
+TEST(HTMLTree, ALargeImageInAnAddressIsKept) {
+    const auto html = "<img src='data:image/png;base64," + times(3'000'000, "AAAA") + "'>";
+    ContentNotes notes;
+    EXPECT_GT(cleanedHTML(html, {.notes = &notes}).size(), 12'000'000U);
+    EXPECT_EQ(notes.all(), std::vector<ContentNote>());
 }
 
 TEST(HTMLTree, AllReadersEndOnDeepAndBrokenHTML) {

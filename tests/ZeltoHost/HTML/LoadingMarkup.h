@@ -95,9 +95,9 @@ class LoadingMarkupFinder {
     void checkCSS(std::string_view css) {
         std::string lower(css);
         std::ranges::transform(lower, lower.begin(), [](unsigned char c) { return std::tolower(c); });
-        for (const std::string_view word :
-             {"url(", "\\", "import", "expression", "image(", "image-set", "src(", "behavior", "-binding",
-              "<", "font-face", "attr(", "element(", "@page", "@charset", "@namespace", "progid"}) {
+        for (const std::string_view word : {"url(", "\\", "@import", "expression(", "image(", "image-set",
+                                            "src(", "behavior:", "-binding:", "<", "@font-face", "attr(",
+                                            "element(", "@page", "@charset", "@namespace", "progid"}) {
             if (lower.find(word) != std::string::npos) {
                 report("CSS " + std::string(word));
             }
@@ -106,7 +106,7 @@ class LoadingMarkupFinder {
 };
 
 inline std::string loadingMarkup(std::string_view html) {
-    const HTMLTree tree(html);
+    const HTMLTree tree{std::string(html)};
     LoadingMarkupFinder finder;
     walk(tree.root(), finder);
     return finder.found;

@@ -78,7 +78,7 @@ TEST(PlainText, BytesThatAreNotUTF8BecomeReplacementCharacters) {
     EXPECT_EQ(plainTextFromHTML("a\xFF"
                                 "b\xC3"),
               "a\uFFFDb\uFFFD");
-    EXPECT_TRUE(isValidUTF8(plainTextFromHTML(std::string_view("\0\xED\xA0\x80<p \xFE=\xFF>", 12))));
+    EXPECT_TRUE(isValidUTF8(plainTextFromHTML(std::string("\0\xED\xA0\x80<p \xFE=\xFF>", 12))));
 }
 
 TEST(PlainText, AnEmptyTextGivesAnEmptyText) {

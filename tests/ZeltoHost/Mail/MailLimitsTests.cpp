@@ -114,13 +114,51 @@ TEST(MailLimits, ABoundaryThatBeginsAnotherOneIsNotTakenForIt) {
     EXPECT_EQ(plainBodyOf(**opened), "inner\n\nouter");
 }
 
-TEST(MailLimits, ATextLargerThanTheLimitIsReportedAndNothingElseIsLost) {
+TEST(MailLimits, ATextLargerThanTheLimitIsCutWithANote) {
     MailLimits limits;
-    limits.bodyBytes = 100;
-    const auto opened = openMail("From: a@b.example\nSubject: s\n\n" + std::string(101, 'x') + "\n", limits);
+    limits.textBytes = 100;
+    for (const std::string type : {"text/plain", "text/html"}) {
+        const auto opened =
+            openMail("From: a@b.example\nContent-Type: " + type + "\n\n" + std::string(101, 'x'), limits);
+        ASSERT_TRUE(opened.has_value());
+        ContentNotes notes;
+        EXPECT_EQ(plainBodyOf(**opened, &notes), std::string(100, 'x'));
+        EXPECT_EQ(notes.all(), std::vector{ContentNote{ContentNoteKind::textCut}});
+    }
+}
+
+TEST(MailLimits, ATextOfTheLimitIsWhole) {
+    MailLimits limits;
+    limits.textBytes = 100;
+    const auto opened = openMail("From: a@b.example\n\n" + std::string(100, 'x'), limits);
     ASSERT_TRUE(opened.has_value());
-    EXPECT_EQ((*opened)->subject, "s");
-    EXPECT_EQ(plainBodyOf(**opened), failure(MailError::bodyTooLarge));
+    ContentNotes notes;
+    EXPECT_EQ(plainBodyOf(**opened, &notes), std::string(100, 'x'));
+    EXPECT_EQ(notes.all(), std::vector<ContentNote>());
+}
+
+TEST(MailLimits, TheTextsOfABodyShareTheLimit) {
+    MailLimits limits;
+    limits.textBytes = 100;
+    const auto opened = openMail("From: a@b.example\nContent-Type: multipart/mixed; boundary=b\n\n--b\n\n" +
+                                     std::string(60, 'x') + "\n--b\n\n" + std::string(60, 'y') + "\n--b--\n",
+                                 limits);
+    ASSERT_TRUE(opened.has_value());
+    ContentNotes notes;
+    EXPECT_EQ(plainBodyOf(**opened, &notes), std::string(60, 'x') + "\n\n" + std::string(40, 'y'));
+    EXPECT_EQ(notes.all(), std::vector{ContentNote{ContentNoteKind::textCut}});
+}
+
+TEST(MailLimits, ACharacterIsNotCutInTwo) {
+    MailLimits limits;
+    limits.textBytes = 100;
+    const auto opened =
+        openMail("From: a@b.example\nContent-Type: text/plain; charset=utf-8\nContent-Transfer-Encoding: 8bit"
+                 "\n\n" +
+                     std::string(99, 'x') + "éé",
+                 limits);
+    ASSERT_TRUE(opened.has_value());
+    EXPECT_EQ(plainBodyOf(**opened), std::string(99, 'x'));
 }
 
 } // namespace
