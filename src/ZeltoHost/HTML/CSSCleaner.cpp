@@ -39,6 +39,10 @@ bool isNameCharacter(char c) {
            static_cast<unsigned char>(c) >= 0x80;
 }
 
+bool holdsIgnoringCase(std::string_view text, std::string_view lowerCaseWord) {
+    return toASCIILower(text).find(lowerCaseWord) != npos;
+}
+
 // Replaces the comments of CSS, and the marks that hide a sheet from ancient browsers, by blanks, except in
 // quotes.
 std::string withoutComments(std::string_view css) {
@@ -91,6 +95,11 @@ std::size_t findOutside(std::string_view css, std::size_t from, std::string_view
     return css.size();
 }
 
+// No value has a colon, but that of the filters of old engines under whatever property.
+bool hasColon(std::string_view value) {
+    return findOutside(value, 0, ":") != value.size();
+}
+
 // Whether quotes and round brackets are balanced, and nothing could be parsed in another way.
 bool isPlain(std::string_view css) {
     int brackets = 0;
@@ -117,7 +126,7 @@ bool isPlain(std::string_view css) {
             return false;
         }
     }
-    return quote == '\0' && brackets == 0 && css.find("/*") == npos;
+    return quote == '\0' && brackets == 0 && css.find("/*") == npos && !holdsIgnoringCase(css, "progid");
 }
 
 bool isNameBehind(std::string_view text) {
@@ -154,7 +163,8 @@ std::optional<std::string> cleanedDeclaration(std::string_view declaration) {
     }
     const auto name = toASCIILower(trimmedHTMLSpace(declaration.substr(0, colon)));
     const auto value = trimmedHTMLSpace(declaration.substr(colon + 1));
-    if (!isHarmlessProperty(name) || value.empty() || !isPlain(value) || !hasHarmlessFunctionsOnly(value)) {
+    if (!isHarmlessProperty(name) || value.empty() || !isPlain(value) || hasColon(value) ||
+        !hasHarmlessFunctionsOnly(value)) {
         return std::nullopt;
     }
     return name + ":" + std::string(value);

@@ -154,6 +154,10 @@ Result<ChildProcess, std::error_code> ChildProcess::start(const ProcessRequest& 
         return failure(lastError());
     }
     ::setpgid(child.pid_, child.pid_); // done in the child too: the first of the two has effect
+    child.outlivesUs_ = request.outlivesUs;
+    if (!request.outlivesUs) {
+        child.guard_ = GroupGuard::of(child.pid_);
+    }
     child.endSignal_ = FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, child.pid_, 0)));
     child.startError_ = std::move(startError->reading);
     if (keeps) {
@@ -163,7 +167,17 @@ Result<ChildProcess, std::error_code> ChildProcess::start(const ProcessRequest& 
     return child;
 }
 
+// Leaves its status to be collected: until then no other group can have its number.
+bool ChildProcess::hasEnded() const {
+    siginfo_t information{};
+    const int found = ::waitid(P_PID, static_cast<id_t>(pid_), &information, WEXITED | WNOHANG | WNOWAIT);
+    return found == 0 && information.si_pid == pid_;
+}
+
 std::optional<ProcessEnd> ChildProcess::collect() {
+    if (!outlivesUs_ && hasEnded()) {
+        kill();
+    }
     int status = 0;
     pid_t ended = 0;
     do {
@@ -172,6 +186,7 @@ std::optional<ProcessEnd> ChildProcess::collect() {
     if (ended == 0) {
         return std::nullopt;
     }
+    guard_.dismiss();
     if (ended < 0) {
         return ProcessFailedToStart{lastError()}; // other code has collected it
     }

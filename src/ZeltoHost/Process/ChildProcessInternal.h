@@ -2,6 +2,7 @@
 
 // For sources only: brings in POSIX.
 
+#include <ZeltoHost/Process/GroupGuardInternal.h>
 #include <ZeltoHost/Process/Process.h>
 
 #include <Platform/FileDescriptor.h>
@@ -27,7 +28,7 @@ class ChildProcess {
 
     FileDescriptor& errorOutput() { return errorOutput_; }
 
-    // How it ended; `nullopt` while it runs.
+    // How it ended; `nullopt` while it runs. What is left of its group is killed, unless it may outlive us.
     std::optional<ProcessEnd> collect();
 
     // Kills the whole process group.
@@ -36,7 +37,11 @@ class ChildProcess {
   private:
     ChildProcess() = default;
 
+    bool hasEnded() const;
+
     pid_t pid_ = -1;
+    bool outlivesUs_ = false;
+    GroupGuard guard_;
     FileDescriptor endSignal_;
     FileDescriptor output_;
     FileDescriptor errorOutput_;

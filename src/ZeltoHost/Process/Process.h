@@ -34,7 +34,8 @@ struct ProcessRequest {
     // How many bytes are kept of the end of each output. Zero redirects them to /dev/null, as is necessary
     // for a program that leaves another one running: that one could not write to a pipe without a reader.
     std::size_t keptOutput = 64 * 1024;
-    // Whether it continues when the thread that waits for it dies; otherwise it is killed then.
+    // Whether it and what it has started continue when it ends, or when the thread that waits for it dies;
+    // otherwise its whole group is killed then, also if this process is killed itself.
     bool outlivesUs = false;
 };
 
@@ -78,8 +79,8 @@ struct ProcessResult {
 // How it ended, as the end of a sentence that begins with the program's name: "ended with status 3".
 std::string describe(const ProcessEnd& end);
 
-// Runs the program and waits for its end; a stop request kills it. Returns when the program itself has ended,
-// even if processes that it started continue. Any thread, several at once.
+// Runs the program and waits for its end; a stop request kills it. When the program itself has ended, what it
+// started in its group is killed too, unless the request `outlivesUs`. Any thread, several at once.
 ProcessResult runProcess(const ProcessRequest& request, const std::stop_token& stop = {});
 
 } // namespace zelto

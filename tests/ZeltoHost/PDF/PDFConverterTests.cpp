@@ -200,6 +200,38 @@ TEST_F(PDFConverterTest, AConverterThatLeavesNothingIsReported) {
     EXPECT_EQ(convert("x", script("exit 0")).error().code, PDFErrorCode::notAPDF);
 }
 
+TEST_F(PDFConverterTest, APipeOrALinkInPlaceOfThePDFIsReported) {
+    EXPECT_EQ(convert("x", script("mkfifo \"$2\"")).error().code, PDFErrorCode::notAPDF);
+    const auto pdf = folder_.write("other.pdf", "%PDF-1.4");
+    EXPECT_EQ(convert("x", script("ln -s '" + pdf.string() + "' \"$2\"")).error().code,
+              PDFErrorCode::notAPDF);
+    EXPECT_EQ(convert("x", script("mkdir \"$2\"")).error().code, PDFErrorCode::notAPDF);
+}
+
+TEST_F(PDFConverterTest, TemporaryFilesOfAConverterGoWithIt) {
+    const auto note = folder_ / "place";
+    auto options = script("mktemp -d > '" + note.string() + "'; exec sleep 1000");
+    options.wallTime = 3s;
+    EXPECT_EQ(convert("x", options).error().code, PDFErrorCode::timedOut);
+    auto place = TemporaryFolder::read(note);
+    place.pop_back();
+    EXPECT_TRUE(place.starts_with('/'));
+    EXPECT_FALSE(std::filesystem::exists(place)) << place;
+}
+
+TEST_F(PDFConverterTest, WeasyPrintLeavesNoFolderWhenItIsStopped) {
+    const TemporaryFolder place;
+    const std::string before = std::getenv("TMPDIR") == nullptr ? "" : std::getenv("TMPDIR");
+    ::setenv("TMPDIR", place.path().c_str(), 1);
+    std::string html;
+    for (int depth = 0; depth < 40; ++depth) {
+        html += "<div style='display:flex'><div>";
+    }
+    EXPECT_EQ(convert(html + "x", {.cpuSeconds = 3}).error().code, PDFErrorCode::timedOut);
+    before.empty() ? ::unsetenv("TMPDIR") : ::setenv("TMPDIR", before.c_str(), 1);
+    EXPECT_TRUE(std::filesystem::is_empty(place.path()));
+}
+
 TEST_F(PDFConverterTest, WhatIsNoPDFIsRefusedAndTheOldFileStays) {
     folder_.write("out.pdf", "old");
     EXPECT_EQ(convert("x", script("echo '<html>' > \"$2\"")).error().code, PDFErrorCode::notAPDF);

@@ -3,6 +3,7 @@
 #include <Platform/FileDescriptor.h>
 
 #include <Support/Eventually.h>
+#include <Support/TemporaryFolder.h>
 
 #include <gtest/gtest.h>
 
@@ -12,6 +13,7 @@
 #include <sstream>
 
 #include <fcntl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace zelto {
@@ -146,11 +148,35 @@ TEST(Process, OutputThatIsNotKeptGoesNowhere) {
 }
 
 TEST(Process, ItEndsWithTheProgramThoughOthersHoldItsOutput) {
-    const auto result = runProcess(shell("sleep 1000 & echo $!"));
+    auto request = shell("sleep 1000 & echo $!");
+    request.outlivesUs = true;
+    const auto result = runProcess(request);
     EXPECT_TRUE(result.succeeded());
     const int left = std::stoi(result.output);
     EXPECT_TRUE(lives(left)) << "a program that is left running on purpose is not killed";
     ::kill(left, SIGKILL);
+}
+
+TEST(Process, WhatAProgramLeavesInItsGroupIsKilled) {
+    const auto result = runProcess(shell("sleep 1000 & echo $!"));
+    EXPECT_TRUE(result.succeeded());
+    EXPECT_TRUE(endsSoon(std::stoi(result.output)));
+}
+
+TEST(Process, TheWholeGroupEndsWhenWeAreKilled) {
+    const TemporaryFolder folder;
+    const auto note = folder / "child";
+    const auto caller = ::fork();
+    if (caller == 0) {
+        (void)runProcess(shell("sleep 1000 & echo $! > \"$1.part\"; mv \"$1.part\" \"$1\"; wait", {note}));
+        ::_exit(1);
+    }
+    ASSERT_TRUE(eventually([&] { return std::filesystem::exists(note); }));
+    const int child = std::stoi(TemporaryFolder::read(note));
+    EXPECT_TRUE(lives(child));
+    ::kill(caller, SIGKILL);
+    ::waitpid(caller, nullptr, 0);
+    EXPECT_TRUE(endsSoon(child));
 }
 
 TEST(Process, TheWallTimeEndsTheWholeGroup) {
