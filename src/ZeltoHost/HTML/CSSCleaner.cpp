@@ -34,6 +34,14 @@ constexpr std::array<std::string_view, 12> harmlessFunctions{"rgb",
 constexpr std::array<std::string_view, 9> harmfulProperties{
     "behavior", "src", "content", "cursor", "anchor", "link", "string-set", "bookmark-label", "filter"};
 
+// Properties by which an element leaves its place: it could cover what stands before it.
+constexpr std::array<std::string_view, 24> placingProperties{
+    "position", "top",   "right", "bottom",      "left",           "z-index",   "transform", "translate",
+    "rotate",   "scale", "zoom",  "perspective", "mix-blend-mode", "isolation", "contain",   "will-change",
+    "page",     "size",  "clip",  "clip-path",   "mask",           "order",     "marks",     "bleed"};
+constexpr std::array<std::string_view, 9> placingPrefixes{
+    "inset", "offset-", "mask-", "animation", "transition", "transform-", "scroll-", "anchor-", "view-"};
+
 bool isNameCharacter(char c) {
     return isASCIILetter(c) || isASCIIDigit(c) || c == '-' || c == '_' ||
            static_cast<unsigned char>(c) >= 0x80;
@@ -156,6 +164,24 @@ bool isHarmlessProperty(std::string_view name) {
     }) && std::ranges::find(harmfulProperties, name) == harmfulProperties.end();
 }
 
+bool isPlacing(std::string_view name) {
+    return std::ranges::find(placingProperties, name) != placingProperties.end() ||
+           std::ranges::any_of(placingPrefixes,
+                               [&](std::string_view prefix) { return name.starts_with(prefix); });
+}
+
+// Whether the value leaves the element in its place, for a property that may have such values.
+bool staysInPlace(std::string_view name, std::string_view value) {
+    if (name.starts_with("margin")) {
+        return value.find_first_of("-(") == npos;
+    }
+    if (name == "float") {
+        const auto side = toASCIILower(value.substr(0, value.find_first_of(" !")));
+        return side == "left" || side == "right" || side == "none";
+    }
+    return true;
+}
+
 std::optional<std::string> cleanedDeclaration(std::string_view declaration) {
     const auto colon = declaration.find(':');
     if (colon == npos) {
@@ -164,7 +190,7 @@ std::optional<std::string> cleanedDeclaration(std::string_view declaration) {
     const auto name = toASCIILower(trimmedHTMLSpace(declaration.substr(0, colon)));
     const auto value = trimmedHTMLSpace(declaration.substr(colon + 1));
     if (!isHarmlessProperty(name) || value.empty() || !isPlain(value) || hasColon(value) ||
-        !hasHarmlessFunctionsOnly(value)) {
+        !hasHarmlessFunctionsOnly(value) || isPlacing(name) || !staysInPlace(name, value)) {
         return std::nullopt;
     }
     return name + ":" + std::string(value);
@@ -188,12 +214,65 @@ bool isMediaRule(std::string_view prelude) {
            !isNameCharacter(prelude[6]);
 }
 
+// A word for the root or the body at the front of a selector; its length, 0 if there is none.
+std::size_t rootWordLength(std::string_view selector) {
+    for (const std::string_view word : {":root", "html", "body"}) {
+        if (equalIgnoringASCIICase(selector.substr(0, word.size()), word) &&
+            (selector.size() == word.size() || !isNameCharacter(selector[word.size()]))) {
+            return word.size();
+        }
+    }
+    return 0;
+}
+
+// A selector for elements within the scope: "html > body.wide td" is ".scope.wide td". `nullopt` for one that
+// begins with a combinator.
+std::optional<std::string> scopedSelector(std::string_view selector, std::string_view scope) {
+    constexpr std::string_view combinators = ">+~|,";
+    auto remaining = trimmedHTMLSpace(selector);
+    if (remaining.empty() || combinators.find(remaining.front()) != npos) {
+        return std::nullopt;
+    }
+    if (rootWordLength(remaining) == 0) {
+        return std::string(scope) + " " + std::string(remaining);
+    }
+    std::string scoped(scope);
+    while (const auto length = rootWordLength(remaining)) {
+        const auto end = findOutside(remaining, length, " \t\r\n\f>+~|");
+        scoped += remaining.substr(length, end - length);
+        remaining.remove_prefix(end);
+        auto next = trimmedHTMLSpace(remaining);
+        if (next.starts_with('>')) {
+            next = trimmedHTMLSpace(next.substr(1));
+        }
+        if (rootWordLength(next) > 0) {
+            remaining = next;
+        }
+    }
+    return scoped + std::string(remaining);
+}
+
+std::string scopedSelectors(std::string_view selectors, std::string_view scope) {
+    std::string scoped;
+    for (std::size_t at = 0; at < selectors.size();) {
+        const auto end = findOutside(selectors, at, ",");
+        if (const auto selector = scopedSelector(selectors.substr(at, end - at), scope)) {
+            scoped += scoped.empty() ? "" : ",";
+            scoped += *selector;
+        }
+        at = end + 1;
+    }
+    return scoped;
+}
+
 bool isHarmlessMediaQuery(std::string_view query) {
     return isPlain(query) && query.find_first_of("\"'") == npos;
 }
 
 class StyleSheetCleaner {
   public:
+    explicit StyleSheetCleaner(std::string_view scope) : scope_(scope) {}
+
     std::string clean(std::string_view css, int depth) {
         std::string cleaned;
         for (std::size_t at = 0; at < css.size();) {
@@ -218,7 +297,8 @@ class StyleSheetCleaner {
         const auto prelude = trimmedHTMLSpace(css.substr(from, open - from));
         const auto body = css.substr(open + 1, close - open - 1);
         if (!atRule) {
-            append(prelude, cleanedWithoutComments(body), isPlain(prelude), cleaned);
+            append(scope_.empty() ? std::string(prelude) : scopedSelectors(prelude, scope_),
+                   cleanedWithoutComments(body), isPlain(prelude), cleaned);
         } else if (isMediaRule(prelude) && depth < mediaDepthLimit) {
             const bool harmless = isHarmlessMediaQuery(prelude.substr(6));
             append("@media " + std::string(trimmedHTMLSpace(prelude.substr(6))),
@@ -235,6 +315,8 @@ class StyleSheetCleaner {
             cleaned += "}\n";
         }
     }
+
+    std::string_view scope_;
 };
 
 } // namespace
@@ -243,8 +325,8 @@ std::string cleanedDeclarations(std::string_view declarations) {
     return cleanedWithoutComments(withoutComments(declarations));
 }
 
-std::string cleanedStyleSheet(std::string_view styleSheet) {
-    return StyleSheetCleaner().clean(withoutComments(styleSheet), 0);
+std::string cleanedStyleSheet(std::string_view styleSheet, std::string_view scope) {
+    return StyleSheetCleaner(scope).clean(withoutComments(styleSheet), 0);
 }
 
 } // namespace zelto

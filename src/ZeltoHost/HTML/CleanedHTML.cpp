@@ -49,9 +49,25 @@ bool isHarmlessAttribute(std::string_view name) {
     return std::ranges::find(attributes, name) != attributes.end();
 }
 
+// The body of a document that has a header or a footer.
+constexpr std::string_view bodyClass = "zelto-body";
+
+// Comments are not written otherwise, and no text, attribute or rule has a "<". The header is above the body
+// in layers too, so that what flows over the body's edge is behind it.
+constexpr std::string_view headerBegin =
+    "<div style=\"position:relative;z-index:1;background-color:#fff;color:#000;"
+    "border-bottom:1px solid #bbb;padding-bottom:8px;margin-bottom:16px\"><!--header-->";
+constexpr std::string_view headerEnd = "<!--/header--></div>\n";
+
 class CleanedHTMLWriter final : public MarkupWriter {
   public:
     explicit CleanedHTMLWriter(const CleanedHTMLOptions& options) : options_(options) {}
+
+    void writeBody(std::string body) {
+        readsStyles_ = true;
+        write(std::move(body), options_.notes);
+        readsStyles_ = false;
+    }
 
     std::string finish() {
         auto body = takeMarkup();
@@ -61,10 +77,17 @@ class CleanedHTMLWriter final : public MarkupWriter {
         if (!styles_.empty()) {
             html += "<style>\n" + styles_ + "</style>\n";
         }
-        html += "</head>\n<body" + bodyAttributes_ + ">\n";
-        constexpr std::string_view end = "\n</body>\n</html>\n";
-        html.reserve(html.size() + body.size() + end.size()); // a body may be large
-        return html.append(body).append(end);
+        html += "</head>\n";
+        html += isScoped() ? "<body>\n" : "<body" + bodyAttributes_ + ">\n";
+        const auto header = cleanedPart(options_.header);
+        const auto footer = cleanedPart(options_.footer);
+        html.reserve(html.size() + header.size() + body.size() + footer.size() + 1024); // a body may be large
+        if (!header.empty()) {
+            html.append(headerBegin).append(header).append(headerEnd);
+        }
+        html.append(isScoped() ? "<div" + bodyAttributes_ + ">\n" : "").append(body);
+        html.append(isScoped() ? "\n</div>\n" : "\n").append(footer);
+        return html.append("</body>\n</html>\n");
     }
 
   protected:
@@ -106,6 +129,9 @@ class CleanedHTMLWriter final : public MarkupWriter {
     }
 
     void sawElement(const GumboElement& element) override {
+        if (!readsStyles_) {
+            return;
+        }
         if (element.tag == T(STYLE)) {
             addStyle(element);
         } else if (element.tag == T(TITLE) && title_.empty()) {
@@ -143,33 +169,72 @@ class CleanedHTMLWriter final : public MarkupWriter {
         const char* media = attributeOf(element, "media");
         const auto sheet = contentOf(element);
         styles_ += cleanedStyleSheet(
-            media == nullptr || *media == '\0' ? sheet : "@media " + std::string(media) + "{" + sheet + "}");
+            media == nullptr || *media == '\0' ? sheet : "@media " + std::string(media) + "{" + sheet + "}",
+            isScoped() ? "." + std::string(bodyClass) : std::string());
+    }
+
+    bool isScoped() const { return !options_.header.empty() || !options_.footer.empty(); }
+
+    std::string cleanedPart(const std::string& html) {
+        write(html, options_.notes);
+        return takeMarkup();
     }
 
     void addBodyAttributes(const GumboElement& body) {
         auto content = std::exchange(markup_, {});
-        writeAttributes(body);
+        if (isScoped()) {
+            writeScopeAttributes(body);
+        } else {
+            writeAttributes(body);
+        }
         bodyAttributes_ = std::exchange(markup_, std::move(content));
+    }
+
+    // Of the element that stands for the body.
+    void writeScopeAttributes(const GumboElement& body) {
+        const auto valueOf = [&](const char* name) {
+            const char* value = attributeOf(body, name);
+            return std::string(value == nullptr ? "" : value);
+        };
+        writeAttribute("class",
+                       std::string(bodyClass) + (valueOf("class").empty() ? "" : " ") + valueOf("class"));
+        const auto colour = valueOf("bgcolor");
+        const auto style = cleanedDeclarations((colour.empty() ? "" : "background-color:" + colour + ";") +
+                                               valueOf("style"));
+        for (const auto& [name, value] :
+             {std::pair("style", style), std::pair("id", valueOf("id")), std::pair("dir", valueOf("dir")),
+              std::pair("lang", valueOf("lang"))}) {
+            if (!value.empty()) {
+                writeAttribute(name, value);
+            }
+        }
     }
 
     const CleanedHTMLOptions& options_;
     std::string styles_;
     std::string title_;
     std::string bodyAttributes_;
+    bool readsStyles_ = false;
 };
 
 } // namespace
 
 std::string cleanedHTML(std::string html, const CleanedHTMLOptions& options) {
     CleanedHTMLWriter writer(options);
-    if (!options.header.empty()) {
-        writer.write(options.header, options.notes);
-    }
-    writer.write(std::move(html), options.notes);
-    if (!options.footer.empty()) {
-        writer.write(options.footer, options.notes);
-    }
+    writer.writeBody(std::move(html));
     return writer.finish();
+}
+
+SplitHTML splitCleanedHTML(std::string html) {
+    const auto begin = html.find(headerBegin);
+    const auto end = html.find(headerEnd, begin);
+    if (begin == std::string::npos || end == std::string::npos) {
+        return {{}, std::move(html)};
+    }
+    const auto headerStart = begin + headerBegin.size();
+    auto header = html.substr(headerStart, end - headerStart);
+    html.erase(begin, end + headerEnd.size() - begin);
+    return {std::move(header), std::move(html)};
 }
 
 } // namespace zelto

@@ -17,7 +17,8 @@ struct CleanedHTMLOptions {
     bool images = true; // false leaves out all images
     bool links = true;  // false leaves out links; their text stays
 
-    // HTML in front of the body and after it, cleaned like the body.
+    // HTML in front of the body and after it, cleaned like the body; without their style sheets. No rule of
+    // the body reaches them, and nothing of the body covers them.
     std::string header;
     std::string footer;
 
@@ -29,11 +30,20 @@ struct CleanedHTMLOptions {
 // A whole HTML5 document, in UTF-8 and well-formed, that shows what the given one shows, but loads and runs
 // nothing: elements, attributes and CSS declarations that are not known to be harmless are left out. There
 // are no scripts, handlers, frames, forms, plug-ins, vector graphics, base, meta or link elements, no style
-// rule with url() or an escape in it, no at-rule but @media, and no image but raster images in data: URLs. An
-// image that is left out is replaced by its alternative text. Links stay if they are URLs of http, https,
-// mailto, tel, mid or point into the document.
+// rule with url() or an escape in it, no at-rule but @media, no style that puts an element elsewhere, and no
+// image but raster images in data: URLs. An image that is left out is replaced by its alternative text. Links
+// stay if they are URLs of http, https, mailto, tel, mid or point into the document.
 //
 // Accepts any bytes. Time is linear in the length whatever the nesting. Any thread.
 std::string cleanedHTML(std::string html, const CleanedHTMLOptions& options = {});
+
+// A result of cleanedHTML in two: the header that the options had, and a document of all else. Nothing that
+// was cleaned can be taken for a header.
+struct SplitHTML {
+    std::string header; // empty if there was none
+    std::string document;
+};
+
+SplitHTML splitCleanedHTML(std::string html);
 
 } // namespace zelto

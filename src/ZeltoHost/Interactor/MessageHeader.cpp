@@ -5,6 +5,8 @@
 #include <Platform/ASCII.h>
 #include <Platform/NeverDestroyed.h>
 
+#include <array>
+
 namespace zelto {
 
 namespace {
@@ -29,17 +31,52 @@ outside(std::optional<std::vector<IntegrationsInteractorAddress>> addresses, con
     return addresses && !addresses->empty() ? std::move(addresses) : std::nullopt;
 }
 
+// Characters that turn the direction of all text behind them: in a name, they could write an address
+// backwards.
+std::string withoutDirections(std::string text) {
+    constexpr std::array<std::string_view, 9> directions{"\u202A", "\u202B", "\u202C", "\u202D", "\u202E",
+                                                         "\u2066", "\u2067", "\u2068", "\u2069"};
+    for (const auto direction : directions) {
+        for (auto at = text.find(direction); at != std::string::npos; at = text.find(direction, at)) {
+            text.erase(at, direction.size());
+        }
+    }
+    return text;
+}
+
+std::string shown(const std::string& text) {
+    return htmlEscaped(withoutDirections(text));
+}
+
 std::string written(const Address& address) {
     if (const auto* nobody = std::get_if<Address::NoSender>(&address.value)) {
         return "<i>" + htmlEscaped(nobody->text) + "</i>";
     }
     const auto& sender = std::get<Address::Sender>(address.value).address;
-    const auto email = htmlEscaped(sender.email);
-    return sender.name ? htmlEscaped(*sender.name) + " &lt;" + email + "&gt;" : email;
+    const auto email = shown(sender.email);
+    return sender.name ? shown(*sender.name) + " &lt;" + email + "&gt;" : email;
 }
 
+// A label stands beside the first line of what it names.
 std::string row(const std::string& label, const std::string& html) {
-    return "<tr><td><b>" + htmlEscaped(label) + "</b></td><td>" + html + "</td></tr>\n";
+    return "<tr><td style=\"vertical-align:top;white-space:nowrap;padding:1px 12px 3px 0\"><b>" +
+           htmlEscaped(label) + "</b></td><td style=\"width:100%;vertical-align:top;padding:1px 0 3px 0\">" +
+           html + "</td></tr>\n";
+}
+
+// One that is longer is broken where it has to be.
+constexpr std::size_t unbrokenLength = 80;
+
+// Lines of many addresses end between two of them.
+std::string list(const std::vector<Address>& addresses) {
+    std::string html;
+    for (std::size_t index = 0; index < addresses.size(); ++index) {
+        const auto address = written(addresses[index]) + (index + 1 == addresses.size() ? "" : ",");
+        html += index == 0 ? "" : " ";
+        html += address.size() > unbrokenLength ? address
+                                                : "<span style=\"white-space:nowrap\">" + address + "</span>";
+    }
+    return html;
 }
 
 } // namespace
@@ -68,19 +105,16 @@ std::string headerDate(std::optional<Date> date, const std::optional<std::string
 
 std::string headerHTML(const IntegrationHeaderComponents& header, const std::string& subjectLabel,
                        const std::string& subject) {
-    std::string html = "<table>\n";
+    std::string html =
+        "<table style=\"width:100%;border-collapse:collapse;font-family:sans-serif;font-size:13px\">\n";
     for (const auto& line : header.sendersInfo) {
-        std::string addresses;
-        for (const auto& each : line.value) {
-            addresses += (addresses.empty() ? "" : ", ") + written(each);
-        }
-        html += row(line.text, addresses);
+        html += row(line.text, list(line.value));
     }
     if (!header.date.value.empty()) {
         html += row(header.date.text, htmlEscaped(header.date.value));
     }
     if (!subject.empty()) {
-        html += row(subjectLabel, htmlEscaped(subject));
+        html += row(subjectLabel, shown(subject));
     }
     return html + "</table>\n";
 }

@@ -1,5 +1,6 @@
 #include <Platform/Base64.h>
 #include <Platform/FileManager.h>
+#include <Platform/Text.h>
 #include <ZeltoHost/HTML/CleanedHTML.h>
 #include <ZeltoHost/HTML/FormattedComponents.h>
 #include <ZeltoHost/Interactor/EnmlContent.h>
@@ -80,7 +81,8 @@ std::optional<Date> MailDataInteractor::receivedDate() {
 }
 
 std::string MailDataInteractor::title() {
-    return message_->subject.value_or("");
+    const auto subject = message_->subject.value_or("");
+    return isBlank(subject) ? "No subject" : subject;
 }
 
 void MailDataInteractor::link(IntegrationLinkType type, Callback<std::optional<std::string>> completion) {

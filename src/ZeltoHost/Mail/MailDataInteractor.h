@@ -19,7 +19,8 @@ namespace zelto {
 // called before the operation returns. What cannot be read (a body beyond MailLimits, a file that was
 // changed) is logged and absent from the result.
 //
-// - `title` is the subject on one line.
+// - `title` is the subject on one line; "No subject" for a mail without one, so that nothing made of it is
+//   nameless.
 // - Links are those of linksToMail, and the options' web link whatever visibility is asked for. A link's text
 //   is the title, or "Open message". Without a Message-ID there is no backlink.
 // - `html` is a whole document, cleaned by cleanedHTML: the custom header or the mail's header block, the

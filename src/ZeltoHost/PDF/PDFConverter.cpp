@@ -206,8 +206,7 @@ class PDFConverter::Worker {
         if (!folder) {
             return failure(cannotWrite(folder.error()));
         }
-        const auto request =
-            requestFor(cleanedHTML(std::move(html), {.notes = options_.notes.get()}), *folder);
+        const auto request = requestFor(splitCleanedHTML(std::move(html)), *folder);
         if (!request) {
             return failure(request.error());
         }
@@ -216,10 +215,26 @@ class PDFConverter::Worker {
             return failure(std::visit(
                 [&](const auto& end) { return errorOf(end, ended.errorOutput, isOurs()); }, ended.end));
         }
+        if (isOurs() && options_.notes && !ended.output.empty()) {
+            options_.notes->add({ContentNoteKind::charactersMissing, ended.output});
+        }
         return deliver(folder->pdf(), toPdf, ended.errorOutput);
     }
 
-    Result<ProcessRequest, PDFError> requestFor(std::string html, const WorkFolder& folder) const {
+    // The header on its own, for a layout that nothing of the body reaches.
+    std::string twoDocuments(SplitHTML html) const {
+        auto documents = html.header.empty() ? std::string() : cleanedHTML(std::move(html.header));
+        documents += '\0';
+        documents += cleanedHTML(std::move(html.document), {.notes = options_.notes.get()});
+        return documents;
+    }
+
+    std::string oneDocument(SplitHTML html) const {
+        return cleanedHTML(std::move(html.document),
+                           {.header = std::move(html.header), .notes = options_.notes.get()});
+    }
+
+    Result<ProcessRequest, PDFError> requestFor(SplitHTML html, const WorkFolder& folder) const {
         ProcessRequest request;
         request.limits = {options_.wallTime, options_.cpuSeconds, options_.addressSpace, options_.fileSize};
         request.keptOutput = keptErrorOutput;
@@ -227,14 +242,16 @@ class PDFConverter::Worker {
             request.arguments = {std::string(interpreter), "-I", "-c", std::string(weasyPrintScript),
                                  folder.pdf().string()};
             request.environment = interpreterEnvironment(folder);
-            request.input = std::move(html);
+            request.input = twoDocuments(std::move(html));
             return request;
         }
         const auto program = findProgram(options_.command.front());
         if (!program) {
             return failure(PDFError{PDFErrorCode::converterMissing, 0, {}, {}});
         }
-        if (const auto written = FileManager::writeFileAtomically(folder.html(), html); !written) {
+        if (const auto written =
+                FileManager::writeFileAtomically(folder.html(), oneDocument(std::move(html)));
+            !written) {
             return failure(cannotWrite(written.error()));
         }
         request.environment = callersEnvironment(folder);

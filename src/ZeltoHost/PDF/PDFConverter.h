@@ -32,6 +32,10 @@ struct PDFConverterOptions {
 // (cleanedHTML), and WeasyPrint's fetcher allows data: URLs only: neither the network nor local files are
 // accessed.
 //
+// A header that the HTML has of cleanedHTML stays as it is, whatever the body's style. WeasyPrint lays the
+// two out apart, scales a body that is wider than the page, and shows a box, with a note, for a character
+// that no font has.
+//
 // The file appears whole or not at all; after an error a previous file is unchanged. The folder must exist.
 // Any thread; convert returns at once. The completion is called once, on a thread of the converter, at the
 // latest during its destruction (then with `canceled`).

@@ -4,10 +4,11 @@
 
 namespace zelto {
 
-// Reads cleaned HTML from standard input and writes a PDF to the path in its only argument. It loads data:
-// URLs only: the fetcher refuses others, and so does the interpreter, should something bypass the fetcher.
-// Presentational attributes (bgcolor, width, align), which mails use, are respected. Its exit status says why
-// it failed.
+// Reads two cleaned HTML documents from standard input, with a NUL between them: the header, which may be
+// empty, and the body. Writes a PDF of both to the path in its only argument, and to standard output the
+// characters that no font has. It loads data: URLs only: the fetcher refuses others, and so does the
+// interpreter, should something bypass the fetcher. Presentational attributes (bgcolor, width, align), which
+// mails use, are respected. Its exit status says why it failed.
 inline constexpr int weasyPrintMissingStatus = 70;
 inline constexpr int weasyPrintMemoryStatus = 71;
 
@@ -23,6 +24,11 @@ def refuse(event, arguments):
 try:
     import logging
     import weasyprint
+    from weasyprint.document import Page
+    from weasyprint.draw import draw_page, stacked
+    from weasyprint.formatting_structure.boxes import InlineBox, LineBox, TextBox
+    from weasyprint.text.ffi import ffi, pango
+    from weasyprint.text.fonts import FontConfiguration
 except ImportError as error:
     print(error, file=sys.stderr)
     sys.exit(70)
@@ -35,17 +41,158 @@ def fetch(url, timeout=10, ssl_context=None):
         raise PermissionError("only data: is loaded")
     return weasyprint.default_url_fetcher(url)
 
-def convert():
-    html = sys.stdin.buffer.read().decode("utf-8", "replace")
-    page = weasyprint.CSS(url_fetcher=fetch, string="""
-        @page { size: A4; margin: 15mm }
+page_width, page_height, margin = 210, 297, 15  # millimetres
+pixels = 96 / 25.4  # of CSS, in a millimetre
+maximum_scale = 2.5  # beyond that, text could not be read
+gap = 5  # below the header
+least_room = 60  # for the body below the header; with less it begins on the next page
+
+fonts = FontConfiguration()
+
+def sheet(scale, top, more):
+    rules = "@page { size: %fmm %fmm; margin: %fmm }" % (page_width * scale, page_height * scale, margin * scale)
+    if top is not None:
+        rules += "@page :first { margin-top: %fpx }" % top
+    return weasyprint.CSS(url_fetcher=fetch, string=rules + """
+        html { font-size: 16px }
+        body { margin: 0; overflow-wrap: anywhere }
         img { max-width: 100% }
         pre { white-space: pre-wrap }
-        body { overflow-wrap: anywhere }
         td, th { overflow-wrap: break-word }
-    """)
-    document = weasyprint.HTML(string=html, url_fetcher=fetch)
-    document.write_pdf(sys.argv[1], stylesheets=[page], presentational_hints=True)
+    """ + more)
+
+def render(document, scale, top=None, more=""):
+    return document.render(stylesheets=[sheet(scale, top, more)], presentational_hints=True, font_config=fonts)
+
+def render_header(document):
+    return document and render(document, 1, more="body { border-bottom: 1px solid #bbb; padding-bottom: 2mm }")
+
+def root_box(page):
+    return page._page_box.children[0]
+
+def boxes_of(page):
+    """All boxes whose content can be seen beyond their edge, without those within a box that cuts it off."""
+    waiting = [root_box(page)]
+    while waiting:
+        box = waiting.pop()
+        box = getattr(box, "_box", box)
+        yield box
+        if box.style["overflow"] == "visible":
+            waiting.extend(getattr(box, "children", ()))
+
+def width_scale(document):
+    """By how much the page must grow for all content to fit."""
+    left, right = margin * pixels, (page_width - margin) * pixels
+    edges = [box.border_box_x() + box.border_width()
+             for page in document.pages for box in boxes_of(page)
+             if not isinstance(box, (LineBox, InlineBox, TextBox))]
+    return min((max(edges + [right]) - left) / (right - left), maximum_scale)
+
+def unknown_characters(document):
+    unknown = set()
+    for page in document.pages:
+        for box in boxes_of(page):
+            if isinstance(box, TextBox) and any(ord(character) > 0x2FF for character in box.text):
+                unknown |= unknown_in(box)
+    return unknown
+
+def unknown_in(box):
+    """Characters for which Pango has no glyph; it gives their code points in place of glyphs."""
+    unknown = set()
+    box.pango_layout.reactivate(box.style)
+    line, _ = box.pango_layout.get_first_line()
+    run = line.runs[0]
+    while run != ffi.NULL:
+        glyphs = run.data.glyphs
+        for index in range(glyphs.num_glyphs):
+            glyph = glyphs.glyphs[index].glyph
+            if glyph != pango.PANGO_GLYPH_EMPTY and glyph & pango.PANGO_GLYPH_UNKNOWN_FLAG:
+                unknown.add(chr(glyph & ~pango.PANGO_GLYPH_UNKNOWN_FLAG & 0x1FFFFF))
+        run = run.next
+    box.pango_layout.deactivate()
+    return unknown
+
+def show_boxes(element, unknown):
+    table = {ord(character): "\u25a1" for character in unknown}
+    for each in element.iter():
+        if isinstance(each.text, str):
+            each.text = each.text.translate(table)
+        if isinstance(each.tail, str):
+            each.tail = each.tail.translate(table)
+
+class ScaledPage(Page):
+    """A page as large as those of a body that is scaled to the paper."""
+
+    def __init__(self, page, scale):
+        self.__dict__.update(page.__dict__)
+        self.page, self.scale = page, scale
+        self.width, self.height = page.width * scale, page.height * scale
+        self.links = [(kind, target, tuple(scale * each for each in rectangle), box)
+                      for kind, target, rectangle, box in page.links]
+        self.anchors, self.bookmarks = {}, []
+
+    def paint(self, stream, left_x=0, top_y=0, scale=1, clip=False):
+        self.page.paint(stream, left_x, top_y, scale * self.scale, clip)
+
+class FirstPage(Page):
+    """The body's first page with the header's last one above it: nothing of the body shows there."""
+
+    def __init__(self, page, header, top):
+        self.__dict__.update(page.__dict__)
+        self.page, self.header, self.top = page, header, top
+        self.links = header.links + [link for link in map(self.clipped, page.links) if link]
+
+    def clipped(self, link):
+        kind, target, (x1, y1, x2, y2), box = link
+        return (kind, target, (x1, max(y1, self.top), x2, y2), box) if y2 > self.top else None
+
+    def paint(self, stream, left_x=0, top_y=0, scale=1, clip=False):
+        with stacked(stream):
+            stream.rectangle(left_x, top_y + self.top * scale, self.width * scale, (self.height - self.top) * scale)
+            stream.clip()
+            stream.end()
+            self.page.paint(stream, left_x, top_y, scale, clip)
+        self.header.paint(stream, left_x, top_y, scale, clip)
+
+def header_bottom(header):
+    box = root_box(header.pages[-1])
+    return box.position_y + box.margin_height()
+
+def laid_out(header, body, scale):
+    """The pages of the header, which keeps its size, and of the body, and the rendered body."""
+    if header is None:
+        rendered = render(body, scale)
+        return rendered.pages, rendered
+    above = [ScaledPage(page, scale) for page in header.pages]
+    top = header_bottom(header) + gap * pixels
+    if top > (page_height - margin - least_room) * pixels:
+        rendered = render(body, scale)
+        return above + rendered.pages, rendered
+    rendered = render(body, scale, top * scale)
+    first = FirstPage(rendered.pages[0], above[-1], top * scale)
+    return above[:-1] + [first] + rendered.pages[1:], rendered
+
+def convert():
+    texts = sys.stdin.buffer.read().decode("utf-8", "replace").split("\0")
+    documents = [weasyprint.HTML(string=text, url_fetcher=fetch) if text else None for text in texts]
+    header = render_header(documents[0])
+    pages, rendered = laid_out(header, documents[1], 1)
+    scale = width_scale(rendered)
+    unknown = unknown_characters(rendered)
+    if header:
+        unknown |= unknown_characters(header)
+    if unknown:
+        for document in documents:
+            if document:
+                show_boxes(document.etree_element, unknown)
+        header = render_header(documents[0])
+    if unknown or scale > 1.01:
+        pages, rendered = laid_out(header, documents[1], scale)
+    else:
+        scale = 1
+    rendered.copy(pages).write_pdf(sys.argv[1], zoom=1 / scale)
+    print(", ".join("U+%04X" % ord(character) for character in sorted(unknown)[:20])
+          + (" and others" if len(unknown) > 20 else ""), end="")
 
 status = 1
 

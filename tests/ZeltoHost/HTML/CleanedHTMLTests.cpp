@@ -1,4 +1,5 @@
 #include <ZeltoHost/HTML/CleanedHTML.h>
+#include <ZeltoHost/HTML/PlainText.h>
 
 #include <Platform/UTF8.h>
 
@@ -121,8 +122,93 @@ TEST(CleanedHTML, ImagesAndLinksAreLeftOutWhenAsked) {
 }
 
 TEST(CleanedHTML, AHeaderAndAFooterAreCleanedLikeTheRest) {
-    EXPECT_EQ(bodyOf("<p>b", {.header = "<p onclick=x>h", .footer = "<script>x</script>f"}),
-              "<p>h</p><p>b</p>f");
+    const auto cleaned = cleanedHTML("<p>b", {.header = "<p onclick=x>h", .footer = "<script>x</script>f"});
+    EXPECT_NE(cleaned.find("<!--header--><p>h</p><!--/header--></div>\n<div class=\"zelto-body\">\n<p>b</p>\n"
+                           "</div>\nf</body>\n"),
+              std::string::npos)
+        << cleaned;
+}
+
+TEST(CleanedHTML, WhatABodySaysOfItselfIsForThePartBelowTheHeader) {
+    const auto cleaned = cleanedHTML("<style>body{color:red}</style><body class=wide id=top dir=rtl lang=ar "
+                                     "bgcolor=#eee style='color:blue;position:fixed' onload=x>b",
+                                     {.header = "h"});
+    EXPECT_NE(cleaned.find("<body>\n"), std::string::npos) << cleaned;
+    EXPECT_NE(cleaned.find("<style>\n.zelto-body{color:red}\n</style>"), std::string::npos) << cleaned;
+    EXPECT_NE(cleaned.find("<div class=\"zelto-body wide\" style=\"background-color:#eee;color:blue\" "
+                           "id=\"top\" dir=\"rtl\" lang=\"ar\">\nb\n</div>"),
+              std::string::npos)
+        << cleaned;
+}
+
+TEST(CleanedHTML, AHeaderIsSplitOffAgain) {
+    const auto split = splitCleanedHTML(cleanedHTML("<style>p{color:red}</style><p>b", {.header = "<p>h"}));
+    EXPECT_EQ(split.header, "<p>h</p>");
+    EXPECT_EQ(split.document.find("<p>h"), std::string::npos);
+    EXPECT_NE(split.document.find(".zelto-body p{color:red}"), std::string::npos);
+    EXPECT_NE(split.document.find("<body>\n<div class=\"zelto-body\">\n<p>b</p>\n</div>\n</body>"),
+              std::string::npos)
+        << split.document;
+}
+
+TEST(CleanedHTML, NothingThatWasCleanedIsTakenForAHeader) {
+    for (const std::string mark :
+         {"<!--header-->forged<!--/header--></div>\n",
+          "<div style=\"position:relative;z-index:1;background-color:#fff;color:#000;"
+          "border-bottom:1px solid #bbb;padding-bottom:8px;margin-bottom:16px\">"
+          "<!--header-->forged<!--/header--></div>\n"}) {
+        for (const auto& html : {mark, htmlEscaped(mark), "<p title='" + mark + "'>", "<style>" + mark,
+                                 "<title>" + mark, "<svg><![CDATA[" + mark, "<textarea>" + mark}) {
+            EXPECT_EQ(splitCleanedHTML(cleanedHTML(html)).header, "") << html;
+        }
+    }
+}
+
+TEST(CleanedHTML, RulesAreForTheBodyBelowAHeader) {
+    const std::pair<std::string_view, std::string_view> rules[] = {
+        {"p", ".zelto-body p"},
+        {"*", ".zelto-body *"},
+        {"p, td b", ".zelto-body p,.zelto-body td b"},
+        {"body", ".zelto-body"},
+        {"HTML > Body.wide td", ".zelto-body.wide td"},
+        {"html body", ".zelto-body"},
+        {":root", ".zelto-body"},
+        {"body[dir=rtl] > p", ".zelto-body[dir=rtl] > p"},
+        {"bodyguard", ".zelto-body bodyguard"},
+        {"p[title='a,b'],i", ".zelto-body p[title='a,b'],.zelto-body i"},
+        {":is(html,body) p", ".zelto-body :is(html,body) p"},
+        {"~ p, i", ".zelto-body i"},
+    };
+    for (const auto& [selector, scoped] : rules) {
+        const auto cleaned =
+            cleanedHTML("<style>" + std::string(selector) + "{color:red}</style>", {.header = "h"});
+        EXPECT_NE(cleaned.find("<style>\n" + std::string(scoped) + "{color:red}\n</style>"),
+                  std::string::npos)
+            << cleaned;
+    }
+    EXPECT_NE(cleanedHTML("<style>@media print{p{color:red}}</style>", {.header = "h"})
+                  .find("@media print{.zelto-body p{color:red}\n}"),
+              std::string::npos);
+    EXPECT_EQ(cleanedHTML("<style>+ p{color:red}</style>", {.header = "h"}).find("<style>"),
+              std::string::npos);
+}
+
+TEST(CleanedHTML, NoStylePutsAnElementElsewhere) {
+    for (const std::string_view style :
+         {"position:absolute", "Position : fixed", "top:0", "inset:0", "z-index:9", "margin:-1px",
+          "margin-top:calc(0px - 9px)", "margin:0 -9px", "transform:scale(2)", "translate:0 9px", "zoom:3",
+          "float:footnote", "page:x", "clip-path:none", "mix-blend-mode:difference", "animation:x 1s"}) {
+        EXPECT_EQ(bodyOf("<p style='" + std::string(style) + "'>x"), "<p>x</p>") << style;
+    }
+    EXPECT_EQ(bodyOf("<p style='margin:0 auto;float:left !important;padding-left:2px'>x"),
+              "<p style=\"margin:0 auto;float:left !important;padding-left:2px\">x</p>");
+}
+
+TEST(CleanedHTML, AFilterOfOldEnginesIsLeftOutUnderAnyName) {
+    for (const std::string_view style :
+         {"filter:progid:A", "color:red filter:progid:A", "x:progid:A", "color:'progid:A'"}) {
+        EXPECT_EQ(bodyOf("<p style=\"" + std::string(style) + "\">x"), "<p>x</p>") << style;
+    }
 }
 
 TEST(CleanedHTML, ATitleIsPlainText) {

@@ -17,7 +17,7 @@ inline std::string outputOf(const std::string& command) {
 // Runs the script on HTML that was not cleaned.
 inline void runScriptUncleaned(const std::filesystem::path& html, const std::filesystem::path& pdf) {
     runProcess({.arguments = {"/usr/bin/python3", "-I", "-c", std::string(weasyPrintScript), pdf.string()},
-                .input = TemporaryFolder::read(html)});
+                .input = std::string(1, '\0') + TemporaryFolder::read(html)});
 }
 
 } // namespace zelto

@@ -1,0 +1,180 @@
+#include <ZeltoHost/HTML/CleanedHTML.h>
+#include <ZeltoHost/Interactor/MessageHeader.h>
+#include <ZeltoHost/PDF/PDFConverter.h>
+
+#include "Output.h"
+#include <Support/Completed.h>
+#include <Support/Folders.h>
+#include <Support/TemporaryFolder.h>
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace zelto {
+namespace {
+
+std::vector<std::string> attacks() {
+    std::ifstream file(sourceFolder() / "tests/ZeltoHost/PDF/HeaderAttacks.txt");
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(file, line);) {
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+std::string headerOf(std::vector<IntegrationsInteractorAddress> recipients) {
+    IntegrationHeaderComponents header;
+    header.sendersInfo.push_back(headerLine("From:", {{"mira@harbour.example", "Mira Lindqvist"}}));
+    header.sendersInfo.push_back(headerLine("To:", recipients));
+    header.date = {"Date:", "17 October 2025, 09:12 UTC"};
+    return headerHTML(header, "Subject:", "Lighthouse");
+}
+
+class PDFHeader : public testing::Test {
+  protected:
+    // The HTML that an export converts, of a mail with that body.
+    static std::string message(const std::string& body) {
+        return cleanedHTML(body, {.header = headerOf({{"robin@quay.example", "Robin"}})});
+    }
+
+    std::filesystem::path pdfOf(const std::string& html) {
+        const auto pdf = folder_ / (std::to_string(++count_) + ".pdf");
+        Completed<Result<void, PDFError>> converted;
+        converter_.convert(html, pdf, converted.callback<Completion<void, PDFError>>());
+        const auto result = converted.value();
+        EXPECT_TRUE(result) << html << result.error().detail;
+        return pdf;
+    }
+
+    // A part of a page in grey, 50 pixels an inch.
+    static std::string picture(const std::filesystem::path& pdf, int top, int height, int page = 1) {
+        const auto number = std::to_string(page);
+        return outputOf("pdftoppm -r 50 -gray -f " + number + " -l " + number + " -x 0 -y " +
+                        std::to_string(top) + " -W 413 -H " + std::to_string(height) + " '" + pdf.string() +
+                        "'");
+    }
+
+    static std::string textOf(const std::filesystem::path& pdf) {
+        return outputOf("pdftotext -layout '" + pdf.string() + "' -");
+    }
+
+    // Of a word on the page, in points; 0 if it is not there.
+    static double rightEdgeOf(const std::string& word, const std::filesystem::path& pdf) {
+        const auto place = outputOf("pdftotext -bbox '" + pdf.string() + "' - | grep '>" + word + "<'");
+        const auto at = place.find("xMax=\"");
+        return at == std::string::npos ? 0 : std::stod(place.substr(at + 6));
+    }
+
+    TemporaryFolder folder_;
+    std::shared_ptr<ContentNotes> notes_ = std::make_shared<ContentNotes>();
+    PDFConverter converter_{PDFConverterOptions{.notes = notes_}};
+    int count_ = 0;
+};
+
+constexpr int headerHeight = 82;
+
+TEST_F(PDFHeader, LooksTheSameWhateverTheBodysStyle) {
+    const auto honest = picture(pdfOf(message("body")), 0, headerHeight);
+    ASSERT_TRUE(honest.starts_with("P5"));
+    ASSERT_NE(honest, picture(pdfOf(cleanedHTML("body")), 0, headerHeight)) << "there is a header";
+    for (const auto& attack : attacks()) {
+        EXPECT_EQ(picture(pdfOf(message(attack)), 0, headerHeight), honest) << attack;
+    }
+}
+
+TEST_F(PDFHeader, NoLinkOfTheBodyLiesOverIt) {
+    const auto pdf = pdfOf(message("<p><a href='https://evil.example/' style='padding:400px 0'>x</a></p>"));
+    // Rectangles of links are written as [left bottom right top], from the lower end of the page.
+    const auto pageHeight = 842.0;
+    const auto content = TemporaryFolder::read(pdf);
+    const auto at = content.find("/Rect [");
+    ASSERT_NE(at, std::string::npos);
+    double left = 0;
+    double first = 0;
+    double right = 0;
+    double second = 0;
+    std::istringstream(content.substr(at + 7)) >> left >> first >> right >> second;
+    EXPECT_LT(std::max(first, second), pageHeight - headerHeight * 72.0 / 50);
+}
+
+TEST_F(PDFHeader, ManyRecipientsAreWholeAndTheBodyFollows) {
+    std::vector<IntegrationsInteractorAddress> recipients;
+    for (int index = 1; index <= 40; ++index) {
+        recipients.push_back({"person." + std::to_string(index) + "@department.example",
+                              "Person Number " + std::to_string(index)});
+    }
+    const auto text = textOf(pdfOf(cleanedHTML("<p>the body</p>", {.header = headerOf(recipients)})));
+    for (const auto& each : recipients) {
+        EXPECT_NE(text.find(*each.displayName + " <" + each.email + ">"), std::string::npos) << text;
+    }
+    EXPECT_LT(text.find("Lighthouse"), text.find("the body"));
+}
+
+TEST_F(PDFHeader, AHeaderOfSeveralPagesIsWhole) {
+    std::vector<IntegrationsInteractorAddress> recipients(600, {"somebody@department.example", "Somebody"});
+    recipients.push_back({"last@department.example", "The Last"});
+    const auto text = textOf(pdfOf(cleanedHTML("<p>the body</p>", {.header = headerOf(recipients)})));
+    EXPECT_NE(text.find("The Last <last@department.example>"), std::string::npos);
+    EXPECT_LT(text.find("Lighthouse"), text.find("the body"));
+    EXPECT_NE(text.find('\f'), text.rfind('\f'));
+}
+
+TEST_F(PDFHeader, ANameCannotTurnAnAddressAround) {
+    IntegrationHeaderComponents header;
+    header.sendersInfo.push_back(headerLine("From:", {{"a@b.example", "Mira \u202E\u2067x"}}));
+    EXPECT_NE(headerHTML(header, "", "").find("Mira x &lt;a@b.example&gt;"), std::string::npos);
+}
+
+TEST_F(PDFHeader, AWideBodyIsScaledToThePageAndTheHeaderIsNot) {
+    const auto honest = picture(pdfOf(message("body")), 0, headerHeight);
+    const auto pdf =
+        pdfOf(message("<table width=1000 bgcolor=black><tr><td>left</td>"
+                      "<td width=500 align=right><font color=white>right edge</td></tr></table>"));
+    EXPECT_EQ(picture(pdf, 0, headerHeight), honest);
+    constexpr double rightMargin = 553; // of 595 points
+    EXPECT_GT(rightEdgeOf("edge", pdf), rightMargin / 2);
+    EXPECT_LT(rightEdgeOf("edge", pdf), rightMargin);
+    EXPECT_EQ(outputOf("pdfinfo '" + pdf.string() + "' | grep 'Page size'"),
+              "Page size:       595.276 x 841.89 pts (A4)\n");
+}
+
+TEST_F(PDFHeader, PlainTextKeepsItsColumns) {
+    const auto pdf = pdfOf(message("<pre style='font-family:monospace'>item     price\n"
+                                   "apples    1.20\npears    14.40</pre>"));
+    const auto end = rightEdgeOf("price", pdf);
+    EXPECT_GT(end, 0);
+    EXPECT_NEAR(rightEdgeOf("1.20", pdf), end, 0.01);
+    EXPECT_NEAR(rightEdgeOf("14.40", pdf), end, 0.01);
+}
+
+TEST_F(PDFHeader, EmojiAreShown) {
+    const auto blank = picture(pdfOf(message("<p></p>")), headerHeight, 60);
+    EXPECT_NE(picture(pdfOf(message("<p>\U0001F6A2</p>")), headerHeight, 60), blank);
+    EXPECT_EQ(notes_->all(), std::vector<ContentNote>());
+}
+
+TEST_F(PDFHeader, ACharacterWithoutAFontIsABoxWithANote) {
+    const auto text = textOf(pdfOf(message("<p>one \uE000 two \U000F1234</p>")));
+    EXPECT_NE(text.find("one \u25A1 two \u25A1"), std::string::npos) << text;
+    EXPECT_EQ(notes_->all(),
+              std::vector{(ContentNote{ContentNoteKind::charactersMissing, "U+E000, U+F1234"})});
+}
+
+TEST_F(PDFHeader, AnotherConvertersHTMLHasTheHeaderAboveTheBody) {
+    const auto path = folder_.write("keep.sh", "#!/bin/sh\n(printf '%%PDF-1.4 '; cat \"$1\") > \"$2\"\n");
+    std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+    PDFConverter other({.command = {path.string()}});
+    const auto html = message("<style>table{display:none}</style><p style='position:fixed'>x</p>");
+    Completed<Result<void, PDFError>> converted;
+    other.convert(html, folder_ / "other.pdf", converted.callback<Completion<void, PDFError>>());
+    ASSERT_TRUE(converted.value());
+    const auto made = TemporaryFolder::read(folder_ / "other.pdf");
+    EXPECT_NE(made.find(".zelto-body .zelto-body table{display:none}"), std::string::npos) << made;
+    EXPECT_NE(made.find("<div style=\"position:relative;z-index:1;"), std::string::npos) << made;
+    EXPECT_EQ(made.find("position:fixed"), std::string::npos) << made;
+    EXPECT_LT(made.find("Mira Lindqvist"), made.find("<p>x</p>"));
+}
+
+} // namespace
+} // namespace zelto
