@@ -52,6 +52,9 @@ bool isHarmlessAttribute(std::string_view name) {
 // The body of a document that has a header or a footer.
 constexpr std::string_view bodyClass = "zelto-body";
 
+// Text does not touch the edges of a coloured area, unless the body's own rules have it so.
+constexpr std::string_view colouredBodyRule = ".zelto-body{padding:8px}\n";
+
 // Comments are not written otherwise, and no text, attribute or rule has a "<". The header is above the body
 // in layers too, so that what flows over the body's edge is behind it.
 constexpr std::string_view headerBegin =
@@ -74,6 +77,9 @@ class CleanedHTMLWriter final : public MarkupWriter {
         std::string html = "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>";
         appendEscaped(html, options_.title.empty() ? title_ : repairedUTF8(options_.title), Quotes::keep);
         html += "</title>\n";
+        if (isScoped() && hasBackground()) {
+            styles_.insert(0, colouredBodyRule);
+        }
         if (!styles_.empty()) {
             html += "<style>\n" + styles_ + "</style>\n";
         }
@@ -171,6 +177,18 @@ class CleanedHTMLWriter final : public MarkupWriter {
         styles_ += cleanedStyleSheet(
             media == nullptr || *media == '\0' ? sheet : "@media " + std::string(media) + "{" + sheet + "}",
             isScoped() ? "." + std::string(bodyClass) : std::string());
+    }
+
+    // Of the body itself.
+    bool hasBackground() const {
+        constexpr std::string_view rule = ".zelto-body{";
+        bool found = bodyAttributes_.find("background") != std::string::npos;
+        for (auto at = styles_.find(rule); !found && at != std::string::npos;
+             at = styles_.find(rule, at + 1)) {
+            found = std::string_view(styles_).substr(at, styles_.find('}', at) - at).find("background") !=
+                    std::string_view::npos;
+        }
+        return found;
     }
 
     bool isScoped() const { return !options_.header.empty() || !options_.footer.empty(); }

@@ -16,8 +16,8 @@
 namespace zelto {
 
 // The data interactor over one mail. Contents are read from the file when they are asked for; completions are
-// called before the operation returns. What cannot be read (a body beyond MailLimits, a file that was
-// changed) is logged and absent from the result.
+// called before the operation returns. What cannot be read (a file that was changed) is logged and
+// absent from the result; what is beyond MailLimits is left out, and a note of the options' tells so.
 //
 // - `title` is the subject on one line; "No subject" for a mail without one, so that nothing made of it is
 //   nameless.

@@ -13,8 +13,10 @@ inline constexpr int weasyPrintMissingStatus = 70;
 inline constexpr int weasyPrintMemoryStatus = 71;
 
 inline constexpr std::string_view weasyPrintScript = R"(
+import resource
 import sys
 import threading
+import time
 
 def refuse(event, arguments):
     if event.startswith("socket.") or event in ("subprocess.Popen", "os.exec", "os.fork", "os.posix_spawn",
@@ -54,7 +56,7 @@ def sheet(scale, top, more):
     if top is not None:
         rules += "@page :first { margin-top: %fpx }" % top
     return weasyprint.CSS(url_fetcher=fetch, string=rules + """
-        html { font-size: 16px }
+        html { font-size: 16px; font-family: sans-serif }
         body { margin: 0; overflow-wrap: anywhere }
         img { max-width: 100% }
         pre { white-space: pre-wrap }
@@ -172,6 +174,11 @@ def laid_out(header, body, scale):
     first = FirstPage(rendered.pages[0], above[-1], top * scale)
     return above[:-1] + [first] + rendered.pages[1:], rendered
 
+def may_repeat():
+    """Whether there is time for a second layout: a plain PDF is better than none."""
+    limit = resource.getrlimit(resource.RLIMIT_CPU)[0]
+    return limit == resource.RLIM_INFINITY or time.process_time() < limit * 0.4
+
 def convert():
     texts = sys.stdin.buffer.read().decode("utf-8", "replace").split("\0")
     documents = [weasyprint.HTML(string=text, url_fetcher=fetch) if text else None for text in texts]
@@ -181,6 +188,8 @@ def convert():
     unknown = unknown_characters(rendered)
     if header:
         unknown |= unknown_characters(header)
+    if not may_repeat():
+        unknown, scale = set(), 1
     if unknown:
         for document in documents:
             if document:

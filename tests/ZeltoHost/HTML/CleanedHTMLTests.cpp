@@ -134,11 +134,23 @@ TEST(CleanedHTML, WhatABodySaysOfItselfIsForThePartBelowTheHeader) {
                                      "bgcolor=#eee style='color:blue;position:fixed' onload=x>b",
                                      {.header = "h"});
     EXPECT_NE(cleaned.find("<body>\n"), std::string::npos) << cleaned;
-    EXPECT_NE(cleaned.find("<style>\n.zelto-body{color:red}\n</style>"), std::string::npos) << cleaned;
+    EXPECT_NE(cleaned.find("<style>\n.zelto-body{padding:8px}\n.zelto-body{color:red}\n</style>"),
+              std::string::npos)
+        << cleaned;
     EXPECT_NE(cleaned.find("<div class=\"zelto-body wide\" style=\"background-color:#eee;color:blue\" "
                            "id=\"top\" dir=\"rtl\" lang=\"ar\">\nb\n</div>"),
               std::string::npos)
         << cleaned;
+}
+
+TEST(CleanedHTML, AColouredBodyBelowAHeaderKeepsItsTextFromTheEdge) {
+    const auto isPadded = [](const std::string& html) {
+        return cleanedHTML(html, {.header = "h"}).find(".zelto-body{padding:8px}") != std::string::npos;
+    };
+    EXPECT_TRUE(isPadded("<style>p{color:red}body{margin:0;background:#000}</style>x"));
+    EXPECT_TRUE(isPadded("<body bgcolor=red>x"));
+    EXPECT_TRUE(isPadded("<body style='background-color:red'>x"));
+    EXPECT_FALSE(isPadded("<style>body{color:red}p{background:red}</style><p style='background:red'>x"));
 }
 
 TEST(CleanedHTML, AHeaderIsSplitOffAgain) {
