@@ -77,7 +77,8 @@ class CleanedHTMLWriter final : public MarkupWriter {
         std::string html = "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>";
         appendEscaped(html, options_.title.empty() ? title_ : repairedUTF8(options_.title), Quotes::keep);
         html += "</title>\n";
-        if (isScoped() && hasBackground()) {
+        // HTML that is cleaned again, below a header again, has the rule already.
+        if (isScoped() && hasBackground() && styles_.find(colouredBodyRule) == std::string::npos) {
             styles_.insert(0, colouredBodyRule);
         }
         if (!styles_.empty()) {

@@ -110,7 +110,8 @@ TEST_F(PDFHeader, AnotherConvertersHTMLHasTheHeaderAboveTheBody) {
     const auto path = folder_.write("keep.sh", "#!/bin/sh\n(printf '%%PDF-1.4 '; cat \"$1\") > \"$2\"\n");
     std::filesystem::permissions(path, std::filesystem::perms::owner_all);
     PDFConverter other({.command = {path.string()}});
-    const auto html = message("<style>table{display:none}</style><p style='position:fixed'>x</p>");
+    const auto html = message("<style>table{display:none}body{background:red}</style>"
+                              "<p style='position:fixed'>x</p>");
     Completed<Result<void, PDFError>> converted;
     other.convert(html, folder_ / "other.pdf", converted.callback<Completion<void, PDFError>>());
     ASSERT_TRUE(converted.value());
@@ -119,6 +120,7 @@ TEST_F(PDFHeader, AnotherConvertersHTMLHasTheHeaderAboveTheBody) {
     EXPECT_NE(made.find("<div style=\"position:relative;z-index:1;"), std::string::npos) << made;
     EXPECT_EQ(made.find("position:fixed"), std::string::npos) << made;
     EXPECT_LT(made.find("Mira Lindqvist"), made.find("<p>x</p>"));
+    EXPECT_EQ(made.find("padding:8px"), made.rfind("padding:8px")) << made;
 }
 
 } // namespace
