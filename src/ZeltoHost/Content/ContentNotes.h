@@ -7,9 +7,9 @@
 
 namespace zelto {
 
-// Collects what the readers and writers of a message's content have to tell its user, each note once. A host
-// gives one to the data interactor and to the platform interactor of an export, and shows the notes with the
-// export's outcome. Any thread.
+// Collects what the readers and writers of a message's content leave out or change of it, each note once. A
+// host gives one to the data interactor and to the platform interactor of an export, and shows the notes with
+// the export's outcome. Any thread.
 class ContentNotes {
   public:
     void add(ContentNote note);

@@ -10,8 +10,8 @@ namespace zelto {
 
 // The memory of one parsed document. It is freed as a whole, which is faster than freeing a million nodes one
 // by one; only large blocks are freed when the parser has done with them, as those are what a text that grows
-// leaves behind. A parser in C cannot be told to stop, so an arena that reaches a limit jumps to `escape`;
-// only frames of C may lie between the two.
+// leaves behind. A parser in C cannot be stopped from outside, so an arena that reaches a limit jumps to
+// `escape`; only frames of C may lie between the two.
 class HTMLArena {
   public:
     // The limits: bytes that are allocated at once, and CPU time of the thread.

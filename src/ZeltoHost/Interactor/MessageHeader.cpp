@@ -31,7 +31,7 @@ outside(std::optional<std::vector<IntegrationsInteractorAddress>> addresses, con
     return addresses && !addresses->empty() ? std::move(addresses) : std::nullopt;
 }
 
-// Characters that turn the direction of all text behind them: in a name, they could write an address
+// Characters that change the direction of all text behind them: in a name, they could write an address
 // backwards.
 std::string withoutDirections(std::string text) {
     constexpr std::array<std::string_view, 9> directions{"\u202A", "\u202B", "\u202C", "\u202D", "\u202E",

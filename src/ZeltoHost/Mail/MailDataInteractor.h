@@ -17,7 +17,7 @@ namespace zelto {
 
 // The data interactor over one mail. Contents are read from the file when they are asked for; completions are
 // called before the operation returns. What cannot be read (a file that was changed) is logged and
-// absent from the result; what is beyond MailLimits is left out, and a note of the options' tells so.
+// absent from the result; what is beyond MailLimits is left out, with a note.
 //
 // - `title` is the subject on one line; "No subject" for a mail without one, so that nothing made of it is
 //   nameless.
