@@ -1,6 +1,7 @@
 #include "mcp/McpOptions.h"
 
 #include "base/FileFailure.h"
+#include "commandline/TimeoutOption.h"
 
 #include <Platform/ASCII.h>
 #include <Platform/FileManager.h>
@@ -82,7 +83,6 @@ Outcome<std::string> argumentsText(const std::string& given) {
 } // namespace
 
 Outcome<McpOptions> McpOptions::from(const Invocation& invocation) {
-    constexpr double maximumTimeout = 7 * 24 * 3600.0;
     constexpr int mostCalls = 1'000'000'000;
     const auto address = invocation.value("URL").value();
     auto server = URL::parse(address);
@@ -90,11 +90,11 @@ Outcome<McpOptions> McpOptions::from(const Invocation& invocation) {
         return wrongUsage("\"" + address + "\" is no address of a server, like https://mcp.example/mcp.");
     }
     McpOptions options{.server = *std::move(server)};
-    const auto seconds = numberIn<double>(invocation.value("--timeout").value_or("300"));
-    if (!seconds || !(*seconds >= 0.001) || *seconds > maximumTimeout) {
-        return wrongUsage("--timeout is a number of seconds from 0.001 to 604800.");
+    const auto timeout = timeoutOf(invocation, "300");
+    if (!timeout) {
+        return failure(timeout.error());
     }
-    options.timeout = std::chrono::ceil<std::chrono::milliseconds>(std::chrono::duration<double>(*seconds));
+    options.timeout = *timeout;
     const auto repeat = numberIn<int>(invocation.value("--repeat").value_or("1"));
     if (!repeat || *repeat < 1 || *repeat > mostCalls) {
         return wrongUsage("--repeat is a whole number from 1 to 1000000000.");
