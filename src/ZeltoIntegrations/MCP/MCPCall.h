@@ -12,7 +12,7 @@ class MCPRunningCall;
 struct MCPCallOptions {
     // For the whole call: what it waits for before it is sent, all of its requests, and the new session if
     // the old one has expired. After it the call ends with the URLError `timedOut`. Without one a call takes
-    // as long as its transport lets it.
+    // as long as its transport lets it. Where the system gives the process no thread, nothing watches it.
     std::optional<TimeInterval> timeout = std::nullopt;
 };
 

@@ -11,6 +11,10 @@ namespace {
 // A longer time-out would overflow the clock.
 constexpr TimeInterval maximumTimeout = std::chrono::hours(24 * 366);
 
+// While this thread posts the job that watches. Where the system gives the pool no thread, the job runs
+// within that, and must not wait there: the call is still to be sent.
+thread_local bool isPosting = false;
+
 MCPError timedOut() {
     return URLError{URLErrorCode::timedOut, "The call did not end within its time-out."};
 }
@@ -44,7 +48,9 @@ MCPCallDeadlines::Deadline MCPCallDeadlines::add(const std::shared_ptr<MCPRunnin
         changed_.notify_one();
     } else {
         lock.unlock();
+        isPosting = true;
         ThreadPool::shared().post([this] { watch(); });
+        isPosting = false;
     }
     return Deadline(key);
 }
@@ -59,7 +65,7 @@ void MCPCallDeadlines::remove(const Key& key) {
 void MCPCallDeadlines::watch() {
     const ThreadPool::BlockingScope waiting;
     std::unique_lock lock(lock_);
-    while (!calls_.empty()) {
+    while (!calls_.empty() && !isPosting) {
         const auto next = calls_.begin();
         if (next->first.first > Clock::now()) {
             changed_.wait_until(lock, next->first.first);
