@@ -10,27 +10,27 @@ class StalledExport : public ConnectedProgram {
   protected:
     void SetUp() override {
         ConnectedProgram::SetUp();
-        const auto connected = run({"connect", "asana", "--follow"});
+        const auto connected = run({"connect", "trello", "--follow"});
         ASSERT_EQ(connected.status, 0) << connected.errorOutput;
     }
 
     ProgramOutcome exportWithin(const std::string& timeout) {
-        return run({"export", mail, "--to", "asana", "--target", "Lighthouse/Relaunch", "--title", "Title",
-                    "--attach", "none", "--timeout", timeout, "--json"});
+        return run({"export", mail, "--to", "trello", "--as", "backLink", "--title", "Title", "--attach",
+                    "none", "--timeout", timeout, "--json"});
     }
 };
 
 } // namespace
 
 TEST_F(StalledExport, IsGivenUpWhenAServerTrickles) {
-    sandbox->addFault({.path = "/api/1.0/tasks", .method = "POST", .slowBody = 1});
-    const auto outcome = exportWithin("2");
+    sandbox->addFault({.path = "/1/cards", .method = "POST", .slowBody = 1});
+    const auto outcome = exportWithin("5");
     EXPECT_EQ(outcome.status, 1) << outcome.output;
     EXPECT_EQ(outcome.text("error"), "timedOut");
     EXPECT_EQ(
         outcome.text("message"),
         "The export was given up: for the time of --timeout no step of it has ended, and hardly anything "
-        "has moved. Whether Asana has this is not known, since no response came: task \"Title\".");
+        "has moved. Whether Trello has this is not known, since no response came: card \"Title\".");
     EXPECT_EQ(outcome.text("next"), "zelto export --timeout");
 }
 
