@@ -235,7 +235,7 @@ TEST(ServiceCredentialsManager, WhatWasStoredIsMaskedInTheLog) {
     const MemoryKeyChain keyChain;
     auto credentials = withKeyAlone();
     credentials.accessToken = "canary-in-the-log-1";
-    credentials.additionalInfo.emplace()["extra"] = "canary-in-the-log-2";
+    credentials.additionalInfo.emplace()["sessionToken"] = "canary-in-the-log-2";
     ServiceCredentialsManager::store(credentials);
     const LogCapture log;
     Logger::shared().error("it was canary-in-the-log-1, and canary-in-the-log-2", "test()");
