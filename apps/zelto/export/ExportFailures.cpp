@@ -129,8 +129,9 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
     case IntegrationExportError::urlEncodeError:
         return {"The title or the text is not UTF-8.", "zelto export --title"};
     case IntegrationExportError::createUrlError:
-        return {"The title, the text and the tags make no URL; a tag with a blank is the usual reason.",
-                "zelto export --tags"};
+        return {
+            "The title, the text and the tags make no URL; a tag with a blank, & or # is the usual reason.",
+            "zelto export --tags"};
     case IntegrationExportError::xUrlCallbackError:
         return {about.openerFailure, "zelto export --opener -"};
     }
