@@ -34,6 +34,7 @@ ThreadPool& ThreadPool::shared() {
 
 ThreadPool::ThreadPool() : least_(std::max<std::size_t>(leastThreads, std::thread::hardware_concurrency())) {
     pthread_sigmask(SIG_SETMASK, nullptr, &blockedSignals);
+    startWatch();
 }
 
 void ThreadPool::post(Job job) {
