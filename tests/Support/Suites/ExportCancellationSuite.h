@@ -5,6 +5,8 @@
 #include <Support/KeptCallback.h>
 #include <Support/MemoryKeyChain.h>
 
+#include <Platform/Operations/ThreadPool.h>
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,9 +15,11 @@
 #include <filesystem>
 #include <functional>
 #include <iterator>
+#include <latch>
 #include <memory>
 #include <optional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace zelto {
@@ -37,6 +41,16 @@ class SlowKeyChain final : public LVXKeyChainStore {
 
 inline std::ptrdiff_t entriesIn(const char* folder) {
     return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
+}
+
+// Those that the pool keeps once it has them, as many as run at once.
+inline void startLastingPoolThreads() {
+    const auto count = static_cast<std::ptrdiff_t>(std::max(4U, std::thread::hardware_concurrency()));
+    const auto all = std::make_shared<std::latch>(count);
+    for (std::ptrdiff_t index = 0; index < count; ++index) {
+        ThreadPool::shared().post([all] { all->arrive_and_wait(); });
+    }
+    all->wait();
 }
 
 // What cancelling an export comes to, for an ExportScenario.
@@ -114,7 +128,8 @@ TYPED_TEST_P(ExportCancellation, LeavesNoThreadAndNoSocket) {
             CancelledExport<TypeParam>(this->service, at).run();
         }
     };
-    cancelAtEach(); // by then the pool has all the threads that it takes for this
+    cancelAtEach(); // what is made once and stays is there after that
+    startLastingPoolThreads();
     const auto descriptors = entriesIn("/proc/self/fd");
     const auto threads = entriesIn("/proc/self/task");
     cancelAtEach();
