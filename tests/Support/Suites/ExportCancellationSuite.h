@@ -43,7 +43,7 @@ inline std::ptrdiff_t entriesIn(const char* folder) {
     return std::distance(std::filesystem::directory_iterator(folder), std::filesystem::directory_iterator());
 }
 
-// Those that the pool keeps once it has them, as many as run at once.
+// Makes the pool start all the threads that it keeps.
 inline void startLastingPoolThreads() {
     const auto count = static_cast<std::ptrdiff_t>(std::max(4U, std::thread::hardware_concurrency()));
     const auto all = std::make_shared<std::latch>(count);
