@@ -72,9 +72,6 @@ void expectRecovered(const std::filesystem::path& folder, std::size_t done) {
 // Takes the steps once for each call that `fails` tells of, which gets the number of that round.
 void expectRecoveryFromEach(
     const std::function<TracedDecision(const TracedCall&, int& seen, int round)>& fails, int minimumRounds) {
-    if (!canFailCalls) {
-        GTEST_SKIP() << "system calls can be made to fail on x86-64 alone";
-    }
     int round = 1;
     for (bool isReached = true; isReached && !testing::Test::HasFailure(); ++round) {
         SCOPED_TRACE("call " + std::to_string(round));
@@ -120,9 +117,18 @@ TracedDecision onReadOnlyDisk(const TracedCall& call) {
                                                          : TracedDecision::goOn();
 }
 
+class FailingDisk : public testing::Test {
+  protected:
+    void SetUp() override {
+        if (!canFailCalls) {
+            GTEST_SKIP() << "system calls can be made to fail on x86-64 alone";
+        }
+    }
+};
+
 } // namespace
 
-TEST(FailingDisk, ThatIsFullFromAnyCallOnLeavesNoDamage) {
+TEST_F(FailingDisk, ThatIsFullFromAnyCallOnLeavesNoDamage) {
     expectRecoveryFromEach(
         [](const TracedCall& call, int& seen, int round) {
             return call.needsSpace() && ++seen >= round ? TracedDecision::fail(ENOSPC)
@@ -131,7 +137,7 @@ TEST(FailingDisk, ThatIsFullFromAnyCallOnLeavesNoDamage) {
         40);
 }
 
-TEST(FailingDisk, ThatFailsOnceAtAnyChangingCallLeavesNoDamage) {
+TEST_F(FailingDisk, ThatFailsOnceAtAnyChangingCallLeavesNoDamage) {
     expectRecoveryFromEach(
         [](const TracedCall& call, int& seen, int round) {
             return call.changesFiles() && ++seen == round ? TracedDecision::fail(EIO)
@@ -140,7 +146,7 @@ TEST(FailingDisk, ThatFailsOnceAtAnyChangingCallLeavesNoDamage) {
         50);
 }
 
-TEST(FailingDisk, ThatFailsToReadFromAnyCallOnLeavesNoDamage) {
+TEST_F(FailingDisk, ThatFailsToReadFromAnyCallOnLeavesNoDamage) {
     expectRecoveryFromEach(
         [](const TracedCall& call, int& seen, int round) {
             return call.readsFiles() && ++seen >= round ? TracedDecision::fail(EIO) : TracedDecision::goOn();
@@ -148,27 +154,18 @@ TEST(FailingDisk, ThatFailsToReadFromAnyCallOnLeavesNoDamage) {
         40);
 }
 
-TEST(FailingDisk, ThatIsFullLetsAccountsBeListed) {
-    if (!canFailCalls) {
-        GTEST_SKIP() << "system calls can be made to fail on x86-64 alone";
-    }
+TEST_F(FailingDisk, ThatIsFullLetsAccountsBeListed) {
     const ClosedStorage closed;
     EXPECT_EQ(listed(closed.folder.path(), onFullDisk), 2);
     EXPECT_EQ(identifiers(*opened(closed.folder)), (State{"Bear+a", "Bear+b"}));
 }
 
-TEST(FailingDisk, ThatCannotBeWrittenToLetsAccountsBeListed) {
-    if (!canFailCalls) {
-        GTEST_SKIP() << "system calls can be made to fail on x86-64 alone";
-    }
+TEST_F(FailingDisk, ThatCannotBeWrittenToLetsAccountsBeListed) {
     const ClosedStorage closed;
     EXPECT_EQ(listed(closed.folder.path(), onReadOnlyDisk), 2);
 }
 
-TEST(FailingDisk, ListsWhatAKilledProcessHasStoredInItsLog) {
-    if (!canFailCalls) {
-        GTEST_SKIP() << "system calls can be made to fail on x86-64 alone";
-    }
+TEST_F(FailingDisk, ListsWhatAKilledProcessHasStoredInItsLog) {
     const ClosedStorage closed;
     const auto store = [&] {
         const auto storage = SQLiteAccountStorage::open(closed.folder.path());
@@ -181,10 +178,7 @@ TEST(FailingDisk, ListsWhatAKilledProcessHasStoredInItsLog) {
     EXPECT_EQ(listed(closed.folder.path(), onFullDisk), 3);
 }
 
-TEST(FailingDisk, TakesNoAccountOfAStorageThatOnlyReads) {
-    if (!canFailCalls) {
-        GTEST_SKIP() << "system calls can be made to fail on x86-64 alone";
-    }
+TEST_F(FailingDisk, TakesNoAccountOfAStorageThatOnlyReads) {
     const ClosedStorage closed;
     const auto save = [&] {
         const auto storage = SQLiteAccountStorage::openForReading(closed.folder.path());
