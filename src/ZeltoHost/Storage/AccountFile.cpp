@@ -77,11 +77,15 @@ StorageResult fillNewFile(const path& file) {
     if (!connection) {
         return failure(connection.error());
     }
-    // Without a log, which would stay behind when its content cannot be written back at the closing.
+    // Filled without a log, whose content could not be written back at the closing when the disk is full. The
+    // log is switched on at last, since processes that did so at once would be in each other's way.
     auto done = (*connection)
                     ->execute("PRAGMA synchronous = FULL; PRAGMA application_id = " +
                               std::to_string(accountApplicationId));
-    return done ? migrate(**connection, accountSchemaSteps()) : done;
+    if (done) {
+        done = migrate(**connection, accountSchemaSteps());
+    }
+    return done ? (*connection)->execute("PRAGMA journal_mode = WAL") : done;
 }
 
 // Moves it to its place unless another process was faster.
