@@ -93,22 +93,24 @@ void ThreadPool::runHere() {
     if (std::exchange(isRunning, true)) {
         return;
     }
-    for (Job job; takeJob(job); job = nullptr) {
+    std::unique_lock lock(mutex_);
+    while (!jobs_.empty()) {
+        Job job = takeFirst();
+        lock.unlock();
         containingExceptions("A job of the thread pool", job);
+        job = nullptr;
+        lock.lock();
     }
     isRunning = false;
 }
 
-bool ThreadPool::takeJob(Job& job) {
-    const std::lock_guard lock(mutex_);
-    if (jobs_.empty()) {
-        return false;
-    }
-    job = std::move(jobs_.front());
+// The lock is held, and there is a job.
+ThreadPool::Job ThreadPool::takeFirst() {
+    Job job = std::move(jobs_.front());
     jobs_.pop_front();
     waiting_.store(jobs_.size(), std::memory_order_relaxed);
     ++taken_;
-    return true;
+    return job;
 }
 
 void ThreadPool::work() {
@@ -116,10 +118,7 @@ void ThreadPool::work() {
     pthread_sigmask(SIG_SETMASK, &blockedSignals, nullptr);
     std::unique_lock lock(mutex_);
     while (waitForJob(lock)) {
-        Job job = std::move(jobs_.front());
-        jobs_.pop_front();
-        waiting_.store(jobs_.size(), std::memory_order_relaxed);
-        ++taken_;
+        Job job = takeFirst();
         lock.unlock();
         containingExceptions("A job of the thread pool", job);
         job = nullptr;

@@ -54,7 +54,7 @@ class ThreadPool {
     void addThread();
     void startWatch();
     void runHere();
-    bool takeJob(Job& job);
+    Job takeFirst();
 
     std::size_t atWork() const { return threads_ - idle_ - blocked_; }
 
