@@ -22,6 +22,11 @@ namespace {
 
 constexpr auto identifier = "Zoom+alice";
 
+// Of a refresh.
+const ServiceResult<OAuthToken> outcomes[] = {OAuthToken{"access-9", "refresh-9", 3600},
+                                              failure(ServiceClientError::connectionError),
+                                              failure(ServiceClientError::authorizationError)};
+
 // Never completes.
 class DroppingLock final : public RefreshLock {
   public:
@@ -226,9 +231,6 @@ TEST_F(RotatingAccount, ARefusalWhileTheKeyChainCannotBeReadWipesNothingInIt) {
 
 TEST_F(RotatingAccount, NoOutcomeOfARefreshStoresAnAccountThatWasRemovedMeanwhile) {
     const auto key = keyAlone().serviceCredentialsKey;
-    const OAuthToken token{"access-9", "refresh-9", 3600};
-    const ServiceResult<OAuthToken> outcomes[] = {token, failure(ServiceClientError::connectionError),
-                                                  failure(ServiceClientError::authorizationError)};
     for (const auto& outcome : outcomes) {
         ServiceCredentialsManager::store(service.expiredCredentials(identifier));
         ZoomAuthoriser authoriser(keyAlone());
@@ -241,9 +243,6 @@ TEST_F(RotatingAccount, NoOutcomeOfARefreshStoresAnAccountThatWasRemovedMeanwhil
 
 TEST_F(RotatingAccount, ATokenThatComesAfterTheRemovalOfItsAccountIsNotStored) {
     const auto key = keyAlone().serviceCredentialsKey;
-    const OAuthToken token{"access-9", "refresh-9", 3600};
-    const ServiceResult<OAuthToken> outcomes[] = {token, failure(ServiceClientError::connectionError),
-                                                  failure(ServiceClientError::authorizationError)};
     for (const auto& outcome : outcomes) {
         ServiceCredentialsManager::store(service.expiredCredentials(identifier));
         ZoomAuthoriser authoriser(keyAlone());
