@@ -1,6 +1,5 @@
 #include "ConvertedMail.h"
 #include <Support/Folders.h>
-#include <Support/Sanitizers.h>
 
 #include <fstream>
 
@@ -21,13 +20,10 @@ class PDFHeader : public ConvertedMail {};
 constexpr int headerHeight = 82;
 
 TEST_F(PDFHeader, LooksTheSameWhateverTheBodysStyle) {
-#if defined(ZELTO_ADDRESS_SANITIZER) || defined(ZELTO_THREAD_SANITIZER)
-    GTEST_SKIP() << "Dozens of conversions by another program, in which the sanitizer sees nothing.";
-#endif
     const auto honest = picture(pdfOf(message("body")), 0, headerHeight);
     ASSERT_TRUE(honest.starts_with("P5"));
     ASSERT_NE(honest, picture(pdfOf(cleanedHTML("body")), 0, headerHeight)) << "there is a header";
-    for (const auto& attack : attacks()) {
+    for (const auto& attack : tried(attacks())) {
         EXPECT_EQ(picture(pdfOf(message(attack)), 0, headerHeight), honest) << attack;
     }
 }
