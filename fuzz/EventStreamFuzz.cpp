@@ -1,11 +1,12 @@
 // An event stream gives the same events in pieces of any size, and the same as a simple parser.
 
+#include "Require.h"
+
 #include <ZeltoIntegrations/MCP/MCPServerSentEventsParser.h>
 
 #include <Platform/Text.h>
 #include <Platform/UTF8.h>
 
-#include <cstdlib>
 #include <regex>
 
 namespace zelto {
@@ -88,12 +89,6 @@ std::optional<Events> plainEventsIn(std::string_view stream) {
         }
     }
     return all;
-}
-
-void require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
 }
 
 } // namespace

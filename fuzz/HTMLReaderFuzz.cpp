@@ -1,6 +1,8 @@
 // HTML from a mail: whatever the bytes, every reader ends, its result is UTF-8, links are links, and cleaned
 // HTML contains nothing that loads.
 
+#include "Require.h"
+
 #include <ZeltoHost/HTML/CleanedHTML.h>
 #include <ZeltoHost/HTML/ENML.h>
 #include <ZeltoHost/HTML/FormattedComponents.h>
@@ -13,19 +15,10 @@
 #include "../tests/ZeltoHost/HTML/LoadingMarkup.h"
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 using namespace zelto;
 
 namespace {
-
-void require(bool holds, const char* what, const std::string& text) {
-    if (!holds) {
-        std::fprintf(stderr, "%s:\n%s\n", what, text.c_str());
-        std::abort();
-    }
-}
 
 void checkCleaned(const std::string& html) {
     const auto cleaned = cleanedHTML(html, {.header = html.substr(0, 16), .title = html});

@@ -1,13 +1,14 @@
 // Bytes are decoded as a JSONValue and as a record; what decodes must encode, and decode again to the same
 // value.
 
+#include "Require.h"
+
 #include <Platform/JSON/JSONCases.h>
 #include <Platform/JSON/JSONRecordDescription.h>
 #include <Platform/JSON/JSONValue.h>
 
 #include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <map>
 #include <optional>
 #include <string>
@@ -57,12 +58,6 @@ ZELTO_JSON_RECORD(FuzzRecord, text, number, (count, defaulted), (real, "r", defa
                   (date, defaulted), (children, defaulted), (map, defaulted), any, choice);
 
 namespace {
-
-void require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
 
 template <class T> void checkRoundTrip(std::string_view text, DateStrategy dates) {
     const auto value = JSONDecoder{dates}.decode<T>(text);

@@ -1,19 +1,13 @@
 // A server's response: reading it in place and from a copy gives the same, and every record that a result may
 // be is read back from what it wrote.
 
+#include "Require.h"
+
 #include <ZeltoIntegrations/MCP/MCPDecodingInternal.h>
 #include <ZeltoIntegrations/MCP/MCPInitialize.h>
 
-#include <cstdlib>
-
 namespace zelto {
 namespace {
-
-void require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
 
 template <class T> void checkRecord(const JSONValue& result) {
     const auto record = decodedBy([&] { return result.as<T>(); });

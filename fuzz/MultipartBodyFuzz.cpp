@@ -1,10 +1,11 @@
 // Bytes become the names, types and values of a form; a parser of multipart bodies must find the same parts
 // again.
 
+#include "Require.h"
+
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,12 +20,6 @@ struct Part {
     std::string headers;
     std::string content;
 };
-
-void require(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
 
 std::string takeUntil(std::string_view& text, std::string_view end) {
     const auto at = text.find(end);

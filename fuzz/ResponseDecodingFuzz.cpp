@@ -1,5 +1,7 @@
 // A foreign response becomes a value or one typed error, by its status and its body; nothing else happens.
 
+#include "Require.h"
+
 #include <ZeltoIntegrations/Asana/AsanaResponses.h>
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
 #include <ZeltoIntegrations/Todoist/TodoistResponses.h>
@@ -9,7 +11,6 @@
 #include <Platform/UTF8.h>
 
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
@@ -41,12 +42,6 @@ ZELTO_JSON_RECORD(FuzzList, id, name, (closed, defaulted));
 ZELTO_JSON_RECORD(FuzzBoard, id, name, (lists, defaulted), dateLastActivity);
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 template <class T> void checkRecord(const ServiceResponse& response, const JSONDecoder& decoder) {
     const auto value = serviceValue<T>(response, decoder);

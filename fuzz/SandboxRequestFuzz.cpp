@@ -1,6 +1,8 @@
 // What the sandbox receives over a socket: whatever the bytes, the request is parsed or refused, the parts of
 // a form lie within the body, and what is shown of it is UTF-8 without credentials.
 
+#include "Require.h"
+
 #include <ZeltoSandbox/Addressing.h>
 #include <ZeltoSandbox/HTTP/RequestParser.h>
 #include <ZeltoSandbox/Masking.h>
@@ -10,8 +12,6 @@
 #include <Platform/UTF8.h>
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 
 using namespace zelto;
 using namespace zelto::sandbox;
@@ -19,13 +19,6 @@ using namespace zelto::sandbox;
 namespace {
 
 constexpr std::uint16_t port = 8377;
-
-void require(bool holds, const char* what, const std::string& text) {
-    if (!holds) {
-        std::fprintf(stderr, "%s:\n%s\n", what, text.c_str());
-        std::abort();
-    }
-}
 
 void checkShown(const std::string& text) {
     require(isValidUTF8(text), "what is shown is not UTF-8", text);

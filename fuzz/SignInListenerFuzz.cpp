@@ -1,3 +1,5 @@
+#include "Require.h"
+
 #include <ZeltoHost/SignIn/OAuth1.h>
 #include <ZeltoHost/SignIn/SignInRequest.h>
 #include <ZeltoHost/SignIn/SignInResponse.h>
@@ -7,17 +9,10 @@
 #include <Platform/UTF8.h>
 
 #include <cstdint>
-#include <cstdlib>
 
 using namespace zelto;
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 const SignInRequestRules& rulesOf(bool takesFragment) {
     static const SignInRequestRules plain{"/sign-in/asana", {"127.0.0.1:8217", "[::1]:8217"}, false};

@@ -1,3 +1,5 @@
+#include "Require.h"
+
 #include <Platform/FileNames.h>
 #include <Platform/PercentEncoding.h>
 #include <Platform/Text.h>
@@ -5,17 +7,10 @@
 #include <Platform/UTF8.h>
 
 #include <cstdint>
-#include <cstdlib>
 
 using namespace zelto;
 
 namespace {
-
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
 
 void checkComponents(const URL& url) {
     const auto parts = URLComponents::of(url);
