@@ -122,8 +122,9 @@ class HTTPServer::State {
     }
 
     void serve(Entry& entry, std::uint64_t number) {
-        containingExceptions("The service of a connection",
-                             [&] { serveConnection(shared_, entry.socket.number(), number); });
+        // Whatever it threw, its client sees the connection end.
+        static_cast<void>(returnsNormally("The service of a connection",
+                                          [&] { serveConnection(shared_, entry.socket.number(), number); }));
         const std::lock_guard end(lock_);
         entry.socket = FileDescriptor();
         entry.ended = true;

@@ -53,7 +53,10 @@ std::string dateText(Date date) {
 
 } // namespace
 
-const std::string& trelloMemberID = neverDestroyed(demoID("member"));
+const std::string& trelloMemberID() {
+    static const auto& id = neverDestroyed(demoID("member"));
+    return id;
+}
 
 TrelloStore::TrelloStore() {
     boards_.push_back(demoBoard("Mail", {open("To do"), open("Doing"), open("Done"), archived("Last year")}));
@@ -104,7 +107,7 @@ TrelloCardRecord& TrelloStore::addCard(const TrelloPlace& place, std::string nam
 std::string TrelloStore::newID() {
     const auto seconds = static_cast<std::uint32_t>(Date::now().unixSeconds());
     char text[idLength + 1];
-    std::snprintf(text, sizeof(text), "%08x%s%06llx", seconds, trelloMemberID.substr(0, 10).c_str(),
+    std::snprintf(text, sizeof(text), "%08x%s%06llx", seconds, trelloMemberID().substr(0, 10).c_str(),
                   static_cast<unsigned long long>(++lastID_ & 0xFFFFFF));
     return text;
 }
@@ -115,10 +118,10 @@ bool isTrelloID(std::string_view text) {
 }
 
 JSONObject trelloMemberJSON(bool paidPlan, bool withEmail) {
-    return {{"id", trelloMemberID},
+    return {{"id", trelloMemberID()},
             {"activityBlocked", false},
             {"avatarHash", "4d1b0a6f2e8c"},
-            {"avatarUrl", "https://trello-members.s3.amazonaws.com/" + trelloMemberID + "/avatar"},
+            {"avatarUrl", "https://trello-members.s3.amazonaws.com/" + trelloMemberID() + "/avatar"},
             {"bio", ""},
             {"confirmed", true},
             {"email", withEmail ? JSONValue("robin@sandbox.example") : JSONValue()},
@@ -142,7 +145,7 @@ JSONObject trelloBoardJSON(const TrelloBoardRecord& board) {
             {"closed", board.closed},
             {"dateLastActivity", nullptr},
             {"idOrganization", nullptr},
-            {"idMemberCreator", trelloMemberID},
+            {"idMemberCreator", trelloMemberID()},
             {"pinned", board.pinned},
             {"starred", false},
             {"shortLink", link},
@@ -160,7 +163,7 @@ JSONObject trelloAttachmentJSON(const TrelloAttachmentRecord& attachment) {
             {"bytes", attachment.path.empty() ? JSONValue() : JSONValue(attachment.bytes)},
             {"date", dateText(attachment.date)},
             {"edgeColor", nullptr},
-            {"idMember", trelloMemberID},
+            {"idMember", trelloMemberID()},
             {"isMalicious", false},
             {"isUpload", !attachment.path.empty()},
             {"mimeType", attachment.mimeType},

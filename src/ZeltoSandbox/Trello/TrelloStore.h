@@ -84,7 +84,7 @@ class TrelloStore {
 
 bool isTrelloID(std::string_view text);
 
-extern const std::string& trelloMemberID;
+const std::string& trelloMemberID();
 
 // Trello's own JSON of them. An empty list of fields is all of them; "id" always comes.
 JSONObject trelloMemberJSON(bool paidPlan, bool withEmail);
