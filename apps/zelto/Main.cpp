@@ -16,11 +16,15 @@
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
+#include <exception>
 #include <malloc.h>
+#include <new>
 #include <optional>
 #include <string>
 #include <sys/prctl.h>
 #include <sys/resource.h>
+#include <unistd.h>
 #include <vector>
 
 namespace zelto::cli {
@@ -32,6 +36,22 @@ void guardMemory() {
     const rlimit none{0, 0};
     ::setrlimit(RLIMIT_CORE, &none);
     ::prctl(PR_SET_DUMPABLE, 0);
+}
+
+// Where there is no memory, there is none for a document or for tidying up either.
+void sayThatMemoryRanOut() {
+    std::set_terminate([] {
+        try {
+            if (std::current_exception()) {
+                std::rethrow_exception(std::current_exception());
+            }
+        } catch (const std::bad_alloc&) {
+            constexpr std::string_view text = "zelto: outOfMemory: There is not enough memory.\n";
+            static_cast<void>(!::write(STDERR_FILENO, text.data(), text.size()));
+        } catch (...) {
+        }
+        std::abort();
+    });
 }
 
 // For wrong usage, which is reported as JSON too.
@@ -171,6 +191,7 @@ int run(const std::vector<std::string>& arguments) {
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     zelto::cli::guardMemory();
+    zelto::cli::sayThatMemoryRanOut();
     const std::vector<std::string> arguments{argv + 1, argv + argc};
     zelto::cli::blankSecretArguments(argc, argv);
     zelto::cli::takeTokenOfEnvironment();

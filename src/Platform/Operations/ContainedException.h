@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <new>
 #include <string_view>
 
 namespace zelto {
@@ -17,14 +18,27 @@ ContainedExceptionHandler setContainedExceptionHandler(ContainedExceptionHandler
 // For a catch clause: passes the current exception to the handler.
 void reportContainedException(std::string_view where) noexcept;
 
-// Calls the function and contains what it throws. False if it threw.
-template <class F> bool containingExceptions(std::string_view where, F&& function) noexcept {
+// Calls the function and contains what it throws. False if it threw: the caller then reports a failure of its
+// own.
+template <class F> [[nodiscard]] bool returnsNormally(std::string_view where, F&& function) noexcept {
     try {
         function();
         return true;
     } catch (...) {
         reportContainedException(where);
         return false;
+    }
+}
+
+// The same where nobody could be told of a failure. Memory that runs out there ends the process
+// (std::terminate): whoever waits for what the function was to do would wait for ever.
+template <class F> void containingExceptions(std::string_view where, F&& function) noexcept {
+    try {
+        function();
+    } catch (const std::bad_alloc&) {
+        std::terminate();
+    } catch (...) {
+        reportContainedException(where);
     }
 }
 

@@ -194,7 +194,11 @@ bool Operation::begin() {
 
 // Whether the operation finishes when main() returns.
 bool Operation::perform() {
-    const bool returned = containingExceptions("An operation", [this] { main(); });
+    bool returned = false;
+    containingExceptions("An operation", [&] {
+        main();
+        returned = true;
+    });
     return !returned || !isAsynchronous();
 }
 

@@ -168,12 +168,14 @@ class PDFConverter::Worker {
         if (!enter(stop)) {
             return failure(PDFError{PDFErrorCode::canceled, 0, {}, {}});
         }
-        const auto outOfMemory = std::make_error_code(std::errc::not_enough_memory);
-        Result<void, PDFError> result =
-            failure(PDFError{PDFErrorCode::failed, outOfMemory.value(), {}, outOfMemory.message()});
-        containingExceptions("A conversion to PDF",
-                             [&] { result = convertNow(std::move(html), toPdf, stop); });
+        Result<void, PDFError> result;
+        const bool returned = returnsNormally("A conversion to PDF",
+                                              [&] { result = convertNow(std::move(html), toPdf, stop); });
         leave();
+        if (!returned) {
+            const auto outOfMemory = std::make_error_code(std::errc::not_enough_memory);
+            result = failure(PDFError{PDFErrorCode::failed, outOfMemory.value(), {}, outOfMemory.message()});
+        }
         if (!result) {
             result.error().converter = name();
         }

@@ -8,9 +8,10 @@ void ProcessRunner::start(ProcessRequest request, Callback<ProcessResult> comple
     // Shared, so that it can still be called if no thread can be created.
     auto pending = std::make_shared<Callback<ProcessResult>>(std::move(completion));
     const auto error = threads_.start([pending, request = std::move(request)](const std::stop_token& stop) {
-        ProcessResult result{
-            ProcessFailedToStart{std::make_error_code(std::errc::not_enough_memory)}, {}, {}};
-        containingExceptions("The run of a program", [&] { result = runProcess(request, stop); });
+        ProcessResult result;
+        if (!returnsNormally("The run of a program", [&] { result = runProcess(request, stop); })) {
+            result.end = ProcessFailedToStart{std::make_error_code(std::errc::not_enough_memory)};
+        }
         (*pending)(std::move(result));
     });
     if (error) {

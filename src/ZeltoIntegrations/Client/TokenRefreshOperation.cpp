@@ -50,7 +50,7 @@ void TokenRefreshOperation::refresh(std::shared_ptr<TokenRefreshes::Permit> perm
 
 std::optional<URLRequest> TokenRefreshOperation::refreshRequest() {
     std::optional<URLRequest> request;
-    const bool isAsked = containingExceptions("An authoriser", [&] {
+    const bool isAsked = returnsNormally("An authoriser", [&] {
         if (isReplaced()) {
             return setResult({});
         }
@@ -75,8 +75,10 @@ bool TokenRefreshOperation::isReplaced() {
 }
 
 void TokenRefreshOperation::end(const ServiceResult<OAuthToken>& token) {
-    ServiceResult<void> result = failure(token ? ServiceClientError::internalError : token.error());
-    containingExceptions("An authoriser", [&] { result = authoriser_->updateToken(token); });
+    ServiceResult<void> result;
+    if (!returnsNormally("An authoriser", [&] { result = authoriser_->updateToken(token); })) {
+        result = failure(token ? ServiceClientError::internalError : token.error());
+    }
     setResult(result);
 }
 

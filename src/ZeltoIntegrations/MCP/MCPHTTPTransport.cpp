@@ -144,7 +144,7 @@ void MCPHTTPTransport::perform(URLRequest request, const Handler& handler) {
     const auto provider = authorizationProvider_;
     const auto link = link_;
     link->calls().addWaiting(handler);
-    const bool returned = containingExceptions("A provider of credentials", [&] {
+    const bool returned = returnsNormally("A provider of credentials", [&] {
         provider->authorizationHeaders(WaitingRequest(link, std::move(request), handler));
     });
     if (!returned) {

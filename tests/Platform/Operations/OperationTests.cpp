@@ -2,6 +2,8 @@
 
 #include <Platform/Operations/ContainedException.h>
 
+#include <csignal>
+#include <new>
 #include <stdexcept>
 
 namespace zelto {
@@ -294,6 +296,11 @@ TEST(Operation, FinishesWhenItThrowsAndTheHandlerIsCalled) {
     EXPECT_TRUE(last->isFinished());
     setContainedExceptionHandler(before);
     EXPECT_EQ(contained, 3);
+}
+
+TEST(Operation, EndsTheProcessWhenMemoryRunsOutInIt) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_EXIT(makeBlock([] { throw std::bad_alloc(); })->start(), testing::KilledBySignal(SIGABRT), "");
 }
 
 TEST(Operation, TheFirstHandlerReportsAnExceptionWithoutItsText) {

@@ -151,7 +151,8 @@ TEST_F(PDFConverterTest, ALongChainOfRepliesIsNoTrouble) {
 }
 
 TEST_F(PDFConverterTest, TooLittleMemoryIsReportedAsTooLarge) {
-    // Its layout takes more than 500 MiB. Of a text of ten times as many elements the text alone would be laid out.
+    // Its layout takes more than 500 MiB. Of a text of ten times as many elements the text alone would be
+    // laid out.
     std::string html = "<p>";
     for (int i = 0; i < 5000; ++i) {
         html += "<b>word</b> ";
