@@ -60,7 +60,11 @@ def sheet(scale, top, more):
         body { margin: 0; overflow-wrap: anywhere }
         img { max-width: 100% }
         pre { white-space: pre-wrap }
+        pre, code, kbd, samp, tt { font-size: 0.8125em }
+        pre code, pre kbd, pre samp, pre tt { font-size: inherit }
         td, th { overflow-wrap: break-word }
+        center > table, [align=center] > table, [align=CENTER] > table { margin-left: auto; margin-right: auto }
+        [align=right] > table, [align=RIGHT] > table { margin-left: auto }
     """ + more)
 
 def render(document, scale, top=None, more=""):
@@ -156,6 +160,13 @@ class FirstPage(Page):
             self.page.paint(stream, left_x, top_y, scale, clip)
         self.header.paint(stream, left_x, top_y, scale, clip)
 
+def keep_proportions(element):
+    """Images that are narrowed to the page."""
+    for image in element.iter("img"):
+        width = image.get("width", "").strip()
+        if width.isdecimal() and int(width) > (page_width - 2 * margin) * pixels:
+            image.attrib.pop("height", None)
+
 def header_bottom(header):
     box = root_box(header.pages[-1])
     return box.position_y + box.margin_height()
@@ -182,6 +193,7 @@ def may_repeat():
 def convert():
     texts = sys.stdin.buffer.read().decode("utf-8", "replace").split("\0")
     documents = [weasyprint.HTML(string=text, url_fetcher=fetch) if text else None for text in texts]
+    keep_proportions(documents[1].etree_element)
     header = render_header(documents[0])
     pages, rendered = laid_out(header, documents[1], 1)
     scale = width_scale(rendered)

@@ -73,6 +73,29 @@ TEST_F(PDFConverterTest, TextOfAllScriptsComesOut) {
     EXPECT_NE(text.find("cell"), std::string::npos) << text;
 }
 
+TEST_F(PDFConverterTest, ALineOfEightyCharactersIsNotBroken) {
+    const std::string line = std::string(38, 'x') + " and " + std::string(37, 'y');
+    ASSERT_TRUE(convert("<pre>" + line + "</pre>"));
+    EXPECT_NE(outputOf("pdftotext '" + target().string() + "' -").find(line), std::string::npos);
+}
+
+TEST_F(PDFConverterTest, AnImageThatIsNarrowedToThePageKeepsItsProportions) {
+    const std::string pixel =
+        "iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAAAAAA6fptVAAAACklEQVQI12NoAAAAggCB3UNq9AAAAABJRU5ErkJggg==";
+    ASSERT_TRUE(convert("<img width=3200 height=3200 src='data:image/png;base64," + pixel + "'><p>below"));
+    EXPECT_NE(outputOf("pdfinfo '" + target().string() + "'").find("Pages:           1\n"),
+              std::string::npos);
+}
+
+TEST_F(PDFConverterTest, ATableInACellThatIsCentredStandsInItsMiddle) {
+    ASSERT_TRUE(
+        convert("<table width=100%><tr><td align=center><table width=100><tr><td>word</table></table>"));
+    const auto boxes = outputOf("pdftotext -bbox '" + target().string() + "' -");
+    const auto word = boxes.find("<word xMin=\"");
+    ASSERT_NE(word, std::string::npos) << boxes;
+    EXPECT_NEAR(std::stod(boxes.substr(word + 12)), 285, 15) << boxes; // of 595 points
+}
+
 TEST_F(PDFConverterTest, AMailNeitherCallsHomeNorPullsInLocalFiles) {
     const LoopbackServer listener(hangUp);
     const auto web = "http://127.0.0.1:" + std::to_string(listener.port()) + "/";
