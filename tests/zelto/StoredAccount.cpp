@@ -1,6 +1,7 @@
 #include <zelto/StoredAccount.h>
 
 #include <TrovenhalCommon/KeyChain/FileKeyChainStore.h>
+#include <ZeltoHost/Storage/RestorableKeyChain.h>
 #include <ZeltoHost/Storage/SQLiteAccountStorage.h>
 #include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
 
@@ -27,6 +28,12 @@ void addAccount(const ZeltoProgram& zelto, ServiceAccountConfiguration account) 
 void storeTokens(const ZeltoProgram& zelto, ServiceAccountCredentials credentials) {
     const InstalledKeyChain keyChain(keyChainOf(zelto));
     ServiceCredentialsManager::store(credentials);
+}
+
+void wipeTokens(const ZeltoProgram& zelto, const std::string& identifier) {
+    const InstalledKeyChain keyChain(
+        std::make_shared<RestorableKeyChain>(keyChainOf(zelto), "file", zelto.dataDirectory()));
+    ServiceCredentialsManager::store(ServiceAccountCredentials::forIdentifier(identifier));
 }
 
 ServiceAccountCredentials storedTokens(const ZeltoProgram& zelto, const std::string& identifier) {

@@ -11,6 +11,7 @@ void addAccount(const ZeltoProgram& zelto, ServiceAccountConfiguration account);
 
 // The tokens of an account as the program's key chain holds them.
 void storeTokens(const ZeltoProgram& zelto, ServiceAccountCredentials credentials);
+void wipeTokens(const ZeltoProgram& zelto, const std::string& identifier); // as a failed refresh does
 ServiceAccountCredentials storedTokens(const ZeltoProgram& zelto, const std::string& identifier);
 
 } // namespace zelto

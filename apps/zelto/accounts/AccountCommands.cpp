@@ -1,8 +1,12 @@
 #include "accounts/AccountConnection.h"
 #include "accounts/AccountDescription.h"
+#include "accounts/DeferredKeyChain.h"
 #include "accounts/KeyChainCheck.h"
 #include "base/Terminal.h"
+#include "base/Waiting.h"
 #include "commandline/Commands.h"
+
+#include <ZeltoIntegrations/Client/RefreshLock.h>
 
 #include <Platform/Text.h>
 
@@ -10,8 +14,56 @@ namespace zelto::cli {
 
 namespace {
 
+using Account = ServiceAccountConfiguration;
+
 JSONValue textOrNull(const std::optional<std::string>& text) {
     return text ? JSONValue(*text) : JSONValue();
+}
+
+Failure restoreFailure(const RestoreError& error, const Account& account) {
+    const auto identifier = account.identifier();
+    const bool hasSignIn = serviceAuthFlow(account.serviceType()) == ServiceAuthFlow::oauth;
+    const auto next = hasSignIn ? reconnectCommand(account) : "zelto accounts";
+    switch (error.code) {
+    case RestoreErrorCode::newerTokens:
+        return {"newerTokens", "The account " + identifier + " has tokens, which stay as they are.",
+                "zelto accounts"};
+    case RestoreErrorCode::nothingKept:
+        return {"nothingKept",
+                "No wiped tokens of the account " + identifier + " are kept in this key chain.", next};
+    case RestoreErrorCode::tooOld:
+        return {"tooOld",
+                "The tokens of the account " + identifier +
+                    " were wiped more than seven days ago. They are erased now.",
+                next};
+    case RestoreErrorCode::keyChain:
+        return {"keyChainError", error.message, "zelto accounts restore --keychain file"};
+    }
+    return {};
+}
+
+// Held while no other process refreshes the account's tokens; null if it is not to be had.
+std::shared_ptr<void> refreshLock(const std::string& serviceCredentialsKey) {
+    return waitFor<std::shared_ptr<void>>(
+        [&](auto done) { RefreshLock::installed()->take(serviceCredentialsKey, std::move(done)); });
+}
+
+Outcome<void> restoreSecrets(const Workspace& workspace, const Account& account) {
+    if (!account.credentials) {
+        return failure(restoreFailure({RestoreErrorCode::nothingKept, {}}, account));
+    }
+    const auto lock = workspace.lock(account.identifier());
+    if (!lock) {
+        return failure(lock.error());
+    }
+    const auto& key = account.credentials->serviceCredentialsKey;
+    const auto ofRefreshes = refreshLock(key);
+    if (!ofRefreshes) {
+        return failure(
+            Failure{"busy", "Another program is renewing the account's tokens.", "zelto accounts"});
+    }
+    const auto restored = DeferredKeyChain::installed()->restorable().restore(key);
+    return restored ? Outcome<void>() : failure(restoreFailure(restored.error(), account));
 }
 
 } // namespace
@@ -60,24 +112,19 @@ Outcome<Report> runAccountsRemove(const Invocation& invocation, const Terminal& 
         return failure(workspace.error());
     }
     const auto identifier = invocation.value("ID").value();
-    auto account = workspace->storage().tryLoad(identifier);
+    auto account = workspace->storedAccount(identifier);
     if (!account) {
-        return failure(failureOf(account.error()));
-    }
-    if (!*account) {
-        return failure(
-            Failure{"unknownAccount", "There is no account \"" + identifier + "\".", "zelto accounts"});
+        return failure(account.error());
     }
     // Whoever refreshes its token now would store the new one after the removal.
-    const auto lock = workspace->lockForUse(**account);
+    const auto lock = workspace->lockForUse(*account);
     if (!lock) {
         return failure(lock.error());
     }
-    const auto readable = checkReadable((*account)->credentials);
-    managerOf(*workspace).removeServiceConfiguration(**account);
-    if (!readable) {
+    managerOf(*workspace).removeServiceConfiguration(*account);
+    if (const auto erased = checkErased(account->credentials); !erased) {
         writeError("zelto: warning: the account's secrets may still be in the key chain. " +
-                   escapeControlCharacters(readable.error().message) + "\n");
+                   escapeControlCharacters(erased.error().message) + "\n");
     }
     if (const auto stored = workspace->storageOutcome(); !stored) {
         return failure(stored.error());
@@ -85,6 +132,26 @@ Outcome<Report> runAccountsRemove(const Invocation& invocation, const Terminal& 
     Report report;
     report.members.set("removed", identifier);
     report.text = "Removed " + terminal.shown(identifier) + ".\n";
+    report.isNotice = true;
+    return report;
+}
+
+Outcome<Report> runAccountsRestore(const Invocation& invocation, const Terminal& terminal) {
+    // Nothing is erased before the look: what is too old is reported as that.
+    const auto workspace = Workspace::open(invocation, true);
+    if (!workspace) {
+        return failure(workspace.error());
+    }
+    const auto account = workspace->storedAccount(invocation.value("ID").value());
+    if (!account) {
+        return failure(account.error());
+    }
+    if (const auto restored = restoreSecrets(*workspace, *account); !restored) {
+        return failure(restored.error());
+    }
+    Report report;
+    report.members.set("restored", account->identifier());
+    report.text = "Restored the tokens of " + terminal.shown(account->identifier()) + ".\n";
     report.isNotice = true;
     return report;
 }

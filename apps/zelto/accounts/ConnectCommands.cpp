@@ -115,15 +115,11 @@ Outcome<Report> runReconnect(const Invocation& invocation, const Terminal& termi
     if (!workspace) {
         return failure(workspace.error());
     }
-    const auto stored = workspace->storage().tryLoad(identifier);
+    const auto stored = workspace->storedAccount(identifier);
     if (!stored) {
-        return failure(failureOf(stored.error()));
+        return failure(stored.error());
     }
-    if (!*stored) {
-        return failure(
-            Failure{"unknownAccount", "There is no account \"" + identifier + "\".", "zelto accounts"});
-    }
-    const auto type = (*stored)->serviceType();
+    const auto type = stored->serviceType();
     if (serviceAuthFlow(type) == ServiceAuthFlow::installedApp) {
         return wrongUsage(displayName(type) + " is an application on this machine, which needs no sign-in.",
                           "zelto accounts");
@@ -131,9 +127,8 @@ Outcome<Report> runReconnect(const Invocation& invocation, const Terminal& termi
     if (const auto possible = checkBeforehand(invocation, type); !possible) {
         return failure(possible.error());
     }
-    const auto account = signedIn(invocation, *workspace, **stored);
-    const auto updated =
-        account ? reconnectAccount(*workspace, *account, **stored) : failure(account.error());
+    const auto account = signedIn(invocation, *workspace, *stored);
+    const auto updated = account ? reconnectAccount(*workspace, *account, *stored) : failure(account.error());
     if (!updated) {
         return failure(updated.error());
     }

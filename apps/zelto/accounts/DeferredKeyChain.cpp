@@ -10,28 +10,39 @@ namespace zelto::cli {
 
 namespace {
 
-std::shared_ptr<LVXKeyChainStore> makeStore(const std::optional<std::string>& kind,
-                                            const std::filesystem::path& file,
-                                            const std::optional<std::string>& passphrase) {
-    if (kind == "memory") {
-        return std::make_shared<MemoryKeyChainStore>();
-    }
-    const bool ofSession = kind ? kind == "secret-service" : SecretServiceKeyChainStore::isOffered();
-    if (ofSession) {
-        return std::make_shared<SecretServiceKeyChainStore>();
-    }
-    return std::make_shared<FileKeyChainStore>(file, passphrase);
+KeyChainKind kindOfSession() {
+    return SecretServiceKeyChainStore::isOffered() ? KeyChainKind::secretService : KeyChainKind::file;
 }
 
 } // namespace
 
-DeferredKeyChain::DeferredKeyChain(std::optional<std::string> kind, std::filesystem::path file)
-    : kind_(std::move(kind)), file_(std::move(file)), passphrase_(takeVariable("ZELTO_KEYCHAIN_PASSPHRASE")) {
+DeferredKeyChain::DeferredKeyChain(std::optional<KeyChainKind> kind, std::filesystem::path dataDirectory)
+    : kind_(kind), dataDirectory_(std::move(dataDirectory)),
+      passphrase_(takeVariable("ZELTO_KEYCHAIN_PASSPHRASE")) {}
+
+std::shared_ptr<DeferredKeyChain> DeferredKeyChain::installed() {
+    return std::dynamic_pointer_cast<DeferredKeyChain>(LVXKeyChainStoreFactory::keyChainStore());
 }
 
-LVXKeyChainStore& DeferredKeyChain::store() {
-    std::call_once(chosen_, [this] { store_ = makeStore(kind_, file_, passphrase_); });
-    return *store_;
+std::shared_ptr<LVXKeyChainStore> DeferredKeyChain::storeOf(KeyChainKind kind) const {
+    switch (kind) {
+    case KeyChainKind::secretService:
+        return std::make_shared<SecretServiceKeyChainStore>();
+    case KeyChainKind::file:
+        return std::make_shared<FileKeyChainStore>(dataDirectory_ / "keychain", passphrase_);
+    case KeyChainKind::memory:
+        return std::make_shared<MemoryKeyChainStore>();
+    }
+    return nullptr;
+}
+
+DeferredKeyChain::Opened& DeferredKeyChain::opened() {
+    std::call_once(chosen_, [this] {
+        opened_.kind = kind_ ? *kind_ : kindOfSession();
+        opened_.store = std::make_shared<RestorableKeyChain>(storeOf(opened_.kind), nameOfKind(opened_.kind),
+                                                             dataDirectory_);
+    });
+    return opened_;
 }
 
 } // namespace zelto::cli

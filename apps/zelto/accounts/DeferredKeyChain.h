@@ -1,6 +1,9 @@
 #pragma once
 
+#include "accounts/KeyChainKind.h"
+
 #include <TrovenhalCommon/KeyChain/LVXKeyChainStoreFactory.h>
+#include <ZeltoHost/Storage/RestorableKeyChain.h>
 
 #include <filesystem>
 #include <mutex>
@@ -14,26 +17,42 @@ namespace zelto::cli {
 class DeferredKeyChain final : public LVXKeyChainStore {
   public:
     // Takes $ZELTO_KEYCHAIN_PASSPHRASE out of the environment, so that no program that is started sees it.
-    DeferredKeyChain(std::optional<std::string> kind, std::filesystem::path file);
+    DeferredKeyChain(std::optional<KeyChainKind> kind, std::filesystem::path dataDirectory);
+
+    // The one in force; null where there is another one, as in a dry run.
+    static std::shared_ptr<DeferredKeyChain> installed();
 
     Result<std::optional<Data>, KeyChainError> read(const std::string& key) override {
-        return store().read(key);
+        return opened().store->read(key);
     }
 
     Result<void, KeyChainError> write(const std::string& key, const Data& value) override {
-        return store().write(key, value);
+        return opened().store->write(key, value);
     }
 
-    Result<bool, KeyChainError> erase(const std::string& key) override { return store().erase(key); }
+    Result<bool, KeyChainError> erase(const std::string& key) override { return opened().store->erase(key); }
+
+    // These open it too.
+    KeyChainKind kind() { return opened().kind; }
+
+    RestorableKeyChain& restorable() { return *opened().store; }
+
+    // A key chain of that kind for the same data directory, whichever is in force.
+    std::shared_ptr<LVXKeyChainStore> storeOf(KeyChainKind kind) const;
 
   private:
-    LVXKeyChainStore& store();
+    struct Opened {
+        KeyChainKind kind = KeyChainKind::memory;
+        std::shared_ptr<RestorableKeyChain> store;
+    };
 
-    const std::optional<std::string> kind_;
-    const std::filesystem::path file_;
+    Opened& opened();
+
+    const std::optional<KeyChainKind> kind_;
+    const std::filesystem::path dataDirectory_;
     const std::optional<std::string> passphrase_;
     std::once_flag chosen_;
-    std::shared_ptr<LVXKeyChainStore> store_;
+    Opened opened_;
 };
 
 } // namespace zelto::cli

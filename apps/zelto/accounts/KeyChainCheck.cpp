@@ -50,6 +50,15 @@ Outcome<void> checkReadable(const std::optional<ServiceAccountCredentials>& cred
     return read ? Outcome<void>() : failure(failureOf(read.error()));
 }
 
+Outcome<void> checkErased(const std::optional<ServiceAccountCredentials>& credentials) {
+    if (!credentials) {
+        return {};
+    }
+    // Erasing what is not there any more, which gives the reason of a failure.
+    const auto erased = LVXKeyChainStoreFactory::keyChainStore()->erase(credentials->serviceCredentialsKey);
+    return erased ? Outcome<void>() : failure(failureOf(erased.error()));
+}
+
 Outcome<void> checkStored(const ServiceAccountCredentials& credentials) {
     ServiceAccountCredentials stored;
     stored.serviceCredentialsKey = credentials.serviceCredentialsKey;

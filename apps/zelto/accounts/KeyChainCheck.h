@@ -16,6 +16,9 @@ Outcome<void> probeKeyChain();
 // read would look like a sign-in that the service has ended. An account without secrets needs no key chain.
 Outcome<void> checkReadable(const std::optional<ServiceAccountCredentials>& credentials);
 
+// Whether nothing of the account's secrets is in the key chain any more.
+Outcome<void> checkErased(const std::optional<ServiceAccountCredentials>& credentials);
+
 // Whether the key chain holds just these secrets now.
 Outcome<void> checkStored(const ServiceAccountCredentials& credentials);
 

@@ -24,6 +24,15 @@ std::string identifiersOf(const std::vector<ServiceAccountConfiguration>& accoun
     return joined(accounts, ", ", &ServiceAccountConfiguration::identifier);
 }
 
+// Secrets that were kept for a while are erased in whichever key chain they are.
+void eraseOldSecrets(const std::filesystem::path& directory) {
+    RestorableKeyChain::eraseOld(directory, [](const std::string& name) {
+        const auto kind = kindNamed(name);
+        const auto keyChain = DeferredKeyChain::installed();
+        return kind && keyChain ? keyChain->storeOf(*kind) : nullptr;
+    });
+}
+
 } // namespace
 
 std::filesystem::path dataDirectory(const Invocation& invocation) {
@@ -32,8 +41,8 @@ std::filesystem::path dataDirectory(const Invocation& invocation) {
 }
 
 void installKeyChain(const Invocation& invocation) {
-    LVXKeyChainStoreFactory::setStore(std::make_shared<DeferredKeyChain>(
-        invocation.value("--keychain"), dataDirectory(invocation) / "keychain"));
+    const auto kind = kindNamed(invocation.value("--keychain").value_or(""));
+    LVXKeyChainStoreFactory::setStore(std::make_shared<DeferredKeyChain>(kind, dataDirectory(invocation)));
     RefreshLock::install(std::make_shared<AccountRefreshLock>(dataDirectory(invocation)));
 }
 
@@ -87,6 +96,7 @@ Outcome<Workspace> Workspace::open(const Invocation& invocation, bool readOnly) 
     }
     if (!readOnly) {
         ConnectingFlow::removeLeftovers(directory, **storage);
+        eraseOldSecrets(directory);
     }
     return Workspace(*std::move(storage), std::move(directory));
 }
@@ -97,6 +107,18 @@ Outcome<void> Workspace::storageOutcome() const {
         return failure(failureOf(*error));
     }
     return {};
+}
+
+Outcome<ServiceAccountConfiguration> Workspace::storedAccount(const std::string& identifier) const {
+    auto account = storage_->tryLoad(identifier);
+    if (!account) {
+        return failure(failureOf(account.error()));
+    }
+    if (!*account) {
+        return failure(
+            Failure{"unknownAccount", "There is no account \"" + identifier + "\".", "zelto accounts"});
+    }
+    return **std::move(account);
 }
 
 Outcome<AccountLock> Workspace::lock(const std::string& identifier) const {

@@ -35,6 +35,9 @@ class Workspace {
     // The failure of anything that was stored since the last look, which interfaces cannot report.
     Outcome<void> storageOutcome() const;
 
+    // The account of that very identifier.
+    Outcome<ServiceAccountConfiguration> storedAccount(const std::string& identifier) const;
+
     // The account of an identifier, or the account of a service: the one used last, or its only one. An
     // application without an account gets one, unless nothing may be changed.
     Outcome<ServiceAccountConfiguration> account(const std::string& idOrService, IntegrationsManager& manager,

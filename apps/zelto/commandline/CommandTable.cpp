@@ -98,10 +98,20 @@ const std::vector<CommandSpec> table = {
      {"zelto accounts", "zelto accounts --json"}},
     {"accounts remove",
      "Remove an account",
-     "Removes an account and its secrets from this machine. Nothing is changed on the service.",
+     "Removes an account and its secrets from this machine, with those that `zelto accounts restore` would "
+     "bring back. Nothing is changed on the service.",
      {{"ID", "The account's identifier, as `zelto accounts` lists it", ValueKind::account}},
      {},
      {"zelto accounts remove Bear", "zelto accounts remove Things+work"}},
+    {"accounts restore",
+     "Bring back an account's wiped tokens",
+     "Brings back the tokens of an account that its service did not renew. Whatever the reason, an account "
+     "loses its tokens then; but a service that was only out of order may still take them. They are kept for "
+     "seven days, beside the account's secrets in the key chain, and erased earlier by a new sign-in or when the account is "
+     "removed. Nothing is brought back over tokens that the account has.",
+     {{"ID", "The account's identifier, as `zelto accounts` lists it", ValueKind::account}},
+     {},
+     {"zelto accounts restore Zoom+work", "zelto accounts restore Trello+me@example.org --json"}},
     {"targets",
      "Show what exports can go into",
      "Lists what an account's exports can be put into, with identifiers: boards and their lists, projects, "

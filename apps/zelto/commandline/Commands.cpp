@@ -17,6 +17,7 @@ constexpr CommandRow rows[] = {
     {"reconnect", runReconnect},
     {"accounts", runAccounts},
     {"accounts remove", runAccountsRemove},
+    {"accounts restore", runAccountsRestore},
     {"targets", runTargets},
     {"config", runConfig},
     {"preview", runPreview},

@@ -12,6 +12,7 @@ Outcome<Report> runConnect(const Invocation& invocation, const Terminal& termina
 Outcome<Report> runReconnect(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runAccounts(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runAccountsRemove(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runAccountsRestore(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runTargets(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runConfig(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runPreview(const Invocation& invocation, const Terminal& terminal);

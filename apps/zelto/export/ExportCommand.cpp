@@ -1,3 +1,4 @@
+#include "accounts/RestoreHint.h"
 #include "base/Interruption.h"
 #include "commandline/Commands.h"
 #include "commandline/TimeoutOption.h"
@@ -138,7 +139,7 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
     const auto plan =
         work->session->prepare(*edits, isDryRun ? DataLoading::never : DataLoading::whereMissing);
     if (!plan) {
-        return failure(plan.error());
+        return failure(withRestoreHint(plan.error(), work->account));
     }
     if (isDryRun && work->session->isOnWeb()) {
         return shownRequests(invocation, terminal, *timeout, *work, *plan);
@@ -149,7 +150,7 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
         circumstances.hasStalled = ended.hasStalled;
         auto failed = exportFailure(ended.result.error(), circumstances);
         addNotes(failed.members, *work->notes);
-        return failure(std::move(failed));
+        return failure(withRestoreHint(std::move(failed), work->account));
     }
     if (!isDryRun) {
         if (const auto stored = storeLastUsed(*work); !stored) {

@@ -1,3 +1,4 @@
+#include "accounts/RestoreHint.h"
 #include "commandline/Commands.h"
 #include "export/MessageWork.h"
 #include "export/NotesOfContent.h"
@@ -65,7 +66,7 @@ Outcome<Report> runConfig(const Invocation& invocation, const Terminal&) {
     }
     const auto configuration = work->session->offeredConfiguration(invocation.value("--target"));
     if (!configuration) {
-        return failure(configuration.error());
+        return failure(withRestoreHint(configuration.error(), work->account));
     }
     Report report{{}, terminalSafeJSON(*configuration) + "\n"};
     // Behind "result", so that this too goes back in by --config.
@@ -83,7 +84,7 @@ Outcome<Report> runPreview(const Invocation& invocation, const Terminal& termina
     }
     const auto preview = work->session->preview(edits->saveAs);
     if (!preview) {
-        return failure(preview.error());
+        return failure(withRestoreHint(preview.error(), work->account));
     }
     if (!*preview) {
         return failure(Failure{"noPreview",

@@ -1,5 +1,6 @@
 #include "accounts/AccountConnection.h"
 #include "accounts/KeyChainCheck.h"
+#include "accounts/RestoreHint.h"
 #include "accounts/ServiceNames.h"
 #include "commandline/Commands.h"
 #include "export/ServiceTable.h"
@@ -36,7 +37,7 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
     }
     const auto targets = (*session)->targets(invocation.has("--refresh"));
     if (!targets) {
-        return failure(targets.error());
+        return failure(withRestoreHint(targets.error(), *account));
     }
     if (const auto stored = workspace->storageOutcome(); !stored) {
         return failure(stored.error());

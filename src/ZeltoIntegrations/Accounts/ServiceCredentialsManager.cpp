@@ -122,6 +122,11 @@ void ServiceCredentialsManager::remove(const ServiceAccountCredentials& credenti
     remove(credentials.serviceCredentialsKey);
 }
 
+bool ServiceCredentialsManager::holdsTokens(const Data& record) {
+    const auto data = JSONDecoder().decode<CredentialsData>(viewOf(record));
+    return data && (data->accessToken || data->refreshToken);
+}
+
 std::uint64_t ServiceCredentialsManager::removalCount(const std::string& serviceCredentialsKey) {
     const std::lock_guard guard(removals().lock);
     const auto found = removals().counts.find(serviceCredentialsKey);

@@ -32,6 +32,10 @@ class ServiceCredentialsManager : private LoggerClient {
     stored(const std::string& serviceCredentialsKey);
     static void remove(const ServiceAccountCredentials& credentials);
 
+    // Whether a record as it lies in the key chain holds an access token or a refresh token; false for what
+    // is no record.
+    static bool holdsTokens(const Data& record);
+
     // How often this process has removed the record of that key.
     static std::uint64_t removalCount(const std::string& serviceCredentialsKey);
     // Stores only if the record was not removed since that count was taken: whoever obtained tokens meanwhile

@@ -98,7 +98,7 @@ TEST(Completions, OfBashOfferCommands) {
                      "sandbox", "mcp", "completion"}));
     EXPECT_EQ(offered(zelto, "zelto con"), (Words{"connect", "config"}));
     EXPECT_EQ(offered(zelto, "zelto --json --data-dir x exp"), Words{"export"});
-    EXPECT_EQ(offered(zelto, "zelto accounts ''"), Words{"remove"});
+    EXPECT_EQ(offered(zelto, "zelto accounts ''"), (Words{"remove", "restore"}));
     EXPECT_EQ(offered(zelto, "zelto mcp ''"), (Words{"ping", "tools", "call"}));
     const auto connectable = offered(zelto, "zelto connect ''");
     for (const auto* each : {"trello", "bear", "zoom", "goto", "instapaper"}) {

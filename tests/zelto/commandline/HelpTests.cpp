@@ -1,3 +1,4 @@
+#include <zelto/StoredAccount.h>
 #include <zelto/TrelloAccount.h>
 #include <zelto/ZeltoProgram.h>
 
@@ -103,6 +104,10 @@ TEST(Help, HasExamplesThatRunAsTheyStand) {
             for (auto at = line.find(mcpAddress); at != std::string::npos;
                  at = line.find(mcpAddress, at + 1)) {
                 line.replace(at, mcpAddress.size(), server.url().absoluteString());
+            }
+            if (command.name == "accounts restore") {
+                wipeTokens(zelto, "Zoom+work");
+                wipeTokens(zelto, trelloAccount);
             }
             if (command.name == "sandbox") {
                 line = endedOnceItTells(line);

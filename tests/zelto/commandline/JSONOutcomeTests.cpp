@@ -110,6 +110,8 @@ TEST(JSONOutcome, IsOneDocumentForEveryFailure) {
         {{"connect", "bear", "--name", "a"}, "accountAlreadyExist", 1, "Bear+a is connected already."},
         {{"connect", "box"}, "unsupportedService", 1, "Box"},
         {{"accounts", "remove", "Bear+c"}, "unknownAccount", 1, "There is no account \"Bear+c\"."},
+        {{"accounts", "restore", "Bear+c"}, "unknownAccount", 1, "There is no account \"Bear+c\"."},
+        {{"accounts", "restore", "Bear+a"}, "nothingKept", 1, "Bear+a"},
         {{"export", mail, "--to", "bear"}, "ambiguousAccount", 1, "Bear+a, Bear+b"},
         {{"export", mail, "--to", "Bear+c"}, "unknownAccount", 1, "\"Bear+c\""},
         {{"export", mail, "--to", "nowhere"}, "unknownAccount", 1, "\"nowhere\""},
