@@ -1,6 +1,7 @@
 #include "accounts/AccountConnection.h"
 #include "accounts/AccountDescription.h"
 #include "accounts/BrowserSignIn.h"
+#include "accounts/DeferredKeyChain.h"
 #include "accounts/GivenCredentials.h"
 #include "accounts/KeyChainCheck.h"
 #include "accounts/ServiceNames.h"
@@ -29,6 +30,16 @@ Outcome<void> checkBeforehand(const Invocation& invocation, ServiceType type) {
     return checkSignInOptions(invocation);
 }
 
+// Said before the sign-in, which somebody may not want to make for one command.
+void warnOfMemory() {
+    const auto keyChain = DeferredKeyChain::installed();
+    if (keyChain && keyChain->kind() == KeyChainKind::memory) {
+        writeError(
+            "zelto: warning: --keychain memory forgets the account's secrets when this command ends, so "
+            "the next command cannot use the account. Take --keychain file to keep them.\n");
+    }
+}
+
 // The account with what was given, or with what the sign-in in the browser gives.
 Outcome<Account> signedIn(const Invocation& invocation, const Workspace& workspace, Account account) {
     const auto type = account.serviceType();
@@ -39,6 +50,7 @@ Outcome<Account> signedIn(const Invocation& invocation, const Workspace& workspa
     if (const auto kept = probeKeyChain(); !kept) {
         return failure(kept.error());
     }
+    warnOfMemory();
     if (*given) {
         account.credentials = *std::move(given);
         return account;

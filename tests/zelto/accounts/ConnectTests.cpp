@@ -116,6 +116,27 @@ TEST_F(Connect, KeepsNothingOfAServiceThatThisVersionCannotAsk) {
     EXPECT_EQ(accountCount(zelto), 0U);
 }
 
+TEST_F(Connect, WarnsThatAKeyChainInMemoryKeepsNothingForTheNextCommand) {
+    const std::string warning =
+        "zelto: warning: --keychain memory forgets the account's secrets when this command ends, so the next "
+        "command cannot use the account. Take --keychain file to keep them.\n";
+    const auto sandboxed = [&](ZeltoProgram::Arguments arguments) {
+        arguments.insert(arguments.end(), {"--sandbox", sandbox->url().absoluteString()});
+        return zelto.run(arguments);
+    };
+    const auto connected =
+        sandboxed({"connect", "zoom", "--name", "work", "--token", "t", "--keychain", "memory"});
+    EXPECT_EQ(connected.status, 0);
+    EXPECT_EQ(connected.errorOutput, warning);
+    const auto reconnected =
+        sandboxed({"reconnect", "Zoom+work", "--token", "t", "--keychain", "memory", "--json"});
+    EXPECT_EQ(reconnected.text("result"), "success");
+    EXPECT_EQ(reconnected.errorOutput, warning);
+    EXPECT_EQ(sandboxed({"reconnect", "Zoom+work", "--token", "t", "--keychain", "file"}).errorOutput, "");
+    // An application has no secrets.
+    EXPECT_EQ(sandboxed({"connect", "bear", "--keychain", "memory"}).errorOutput, "");
+}
+
 TEST_F(Connect, KeepsNothingAfterADenial) {
     sandbox->setConsent(SandboxConsent::deny);
     const auto outcome = run({"connect", "zoom", "--opener", browser(goThere)});
