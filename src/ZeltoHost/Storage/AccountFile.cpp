@@ -174,10 +174,28 @@ StorageResult checkContent(SQLiteConnection& connection) {
     return {};
 }
 
+// Of the version that the file has.
 StorageResult checkTables(SQLiteConnection& connection) {
-    for (const auto* sql : {"SELECT position, identity, identifier, record FROM accounts",
-                            "SELECT service_type, identity, record FROM last_used"}) {
-        if (const auto statement = connection.prepare(sql); !statement) {
+    const auto version = connection.number("PRAGMA user_version");
+    if (!version) {
+        return failure(version.error());
+    }
+
+    struct Row {
+        std::int64_t firstVersion;
+        const char* sql;
+    };
+
+    constexpr Row rows[] = {
+        {1, "SELECT position, identity, identifier, record FROM accounts"},
+        {1, "SELECT service_type, identity, record FROM last_used"},
+        {versionWithMarks, "SELECT key_chain, sandbox FROM accounts"},
+        {versionWithIdentity, "SELECT identity, path, had_accounts FROM directory"},
+    };
+    for (const auto& row : rows) {
+        const auto statement =
+            *version >= row.firstVersion ? connection.prepare(row.sql) : connection.prepare("SELECT 1");
+        if (!statement) {
             return failure(statement.error());
         }
     }

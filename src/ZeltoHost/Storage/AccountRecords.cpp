@@ -1,5 +1,7 @@
 #include <ZeltoHost/Storage/AccountRecordsInternal.h>
 
+#include <ZeltoHost/Storage/AccountSchemaInternal.h>
+
 namespace zelto {
 
 namespace {
@@ -48,7 +50,7 @@ Result<OptionalAccount, StorageError> firstAccount(const SQLiteConnection& conne
 } // namespace
 
 Result<void, StorageError> storeAccount(SQLiteConnection& connection,
-                                        const ServiceAccountConfiguration& account) {
+                                        const ServiceAccountConfiguration& account, bool isOfSandbox) {
     const auto record = encoded(connection, account);
     if (!record) {
         return failure(record.error());
@@ -56,9 +58,48 @@ Result<void, StorageError> storeAccount(SQLiteConnection& connection,
     const auto identity = identityOf(account);
     const auto identifier = account.identifier();
     auto statement =
-        connection.prepare("INSERT INTO accounts (identity, identifier, record) VALUES (?, ?, ?) "
+        connection.prepare("INSERT INTO accounts (identity, identifier, record, sandbox) VALUES (?, ?, ?, ?) "
                            "ON CONFLICT (identity) DO UPDATE SET record = excluded.record");
-    return statement ? statement->bind(1, identity).bind(2, identifier).bind(3, *record).run()
+    return statement ? statement->bind(1, identity)
+                           .bind(2, identifier)
+                           .bind(3, *record)
+                           .bind(4, isOfSandbox ? 1 : 0)
+                           .run()
+                     : failure(statement.error());
+}
+
+Result<AccountMarks, StorageError> accountMarks(SQLiteConnection& connection,
+                                                const ServiceAccountConfiguration& account) {
+    const auto version = connection.number("PRAGMA user_version");
+    if (!version || *version < versionWithMarks) {
+        return version ? Result<AccountMarks, StorageError>(AccountMarks()) : failure(version.error());
+    }
+    const auto identity = identityOf(account);
+    auto statement =
+        connection.prepare("SELECT sandbox, ifnull(key_chain, '') FROM accounts WHERE identity = ?");
+    if (!statement) {
+        return failure(statement.error());
+    }
+    const auto row = statement->bind(1, identity).step();
+    if (!row) {
+        return failure(row.error());
+    }
+    AccountMarks marks;
+    if (*row) {
+        const auto keyChain = statement->text(1);
+        marks = {statement->integer(0) != 0, keyChain.empty() ? std::nullopt : std::optional(keyChain)};
+    }
+    return marks;
+}
+
+Result<void, StorageError> markAccount(SQLiteConnection& connection,
+                                       const ServiceAccountConfiguration& account,
+                                       const AccountMarks& marks) {
+    const auto identity = identityOf(account);
+    const auto keyChain = marks.keyChain.value_or("");
+    auto statement =
+        connection.prepare("UPDATE accounts SET sandbox = ?, key_chain = nullif(?, '') WHERE identity = ?");
+    return statement ? statement->bind(1, marks.isOfSandbox ? 1 : 0).bind(2, keyChain).bind(3, identity).run()
                      : failure(statement.error());
 }
 

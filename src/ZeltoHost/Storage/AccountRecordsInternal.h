@@ -2,6 +2,7 @@
 
 // For sources only.
 
+#include <ZeltoHost/Storage/AccountMarks.h>
 #include <ZeltoHost/Storage/SQLiteConnectionInternal.h>
 
 #include <ZeltoIntegrations/Accounts/ServiceAccountConfiguration.h>
@@ -12,8 +13,15 @@ namespace zelto {
 
 // The operations of SQLiteAccountStorage on its connection.
 
+// `isOfSandbox`: the mark of an account that is not stored yet; a stored one keeps its own.
 Result<void, StorageError> storeAccount(SQLiteConnection& connection,
-                                        const ServiceAccountConfiguration& account);
+                                        const ServiceAccountConfiguration& account, bool isOfSandbox);
+
+Result<AccountMarks, StorageError> accountMarks(SQLiteConnection& connection,
+                                                const ServiceAccountConfiguration& account);
+
+Result<void, StorageError> markAccount(SQLiteConnection& connection,
+                                       const ServiceAccountConfiguration& account, const AccountMarks& marks);
 
 Result<void, StorageError> deleteAccount(SQLiteConnection& connection,
                                          const ServiceAccountConfiguration& account);

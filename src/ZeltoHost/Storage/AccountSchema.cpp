@@ -22,6 +22,17 @@ constexpr std::array steps{
            identity TEXT NOT NULL,
            record TEXT NOT NULL
        ) STRICT;)",
+    // The marks of an account, which are no part of its record; see AccountMarks.
+    R"(ALTER TABLE accounts ADD COLUMN key_chain TEXT;
+       ALTER TABLE accounts ADD COLUMN sandbox INTEGER NOT NULL DEFAULT 0;)",
+    // One row; see DirectoryIdentity.
+    R"(CREATE TABLE directory (
+           identity TEXT NOT NULL,
+           path TEXT NOT NULL,
+           had_accounts INTEGER NOT NULL
+       ) STRICT;
+       INSERT INTO directory (identity, path, had_accounts)
+           SELECT lower(hex(randomblob(16))), '', EXISTS (SELECT 1 FROM accounts);)",
 };
 
 } // namespace

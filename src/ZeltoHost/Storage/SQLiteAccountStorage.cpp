@@ -3,6 +3,7 @@
 #include <ZeltoHost/Storage/AccountFileInternal.h>
 #include <ZeltoHost/Storage/AccountRecordsInternal.h>
 #include <ZeltoHost/Storage/DataDirectory.h>
+#include <ZeltoHost/Storage/DirectoryIdentityInternal.h>
 
 #include <vector>
 
@@ -72,8 +73,25 @@ auto SQLiteAccountStorage::perform(const char* function, Operation operation,
 }
 
 Result<void, StorageError> SQLiteAccountStorage::trySave(const ServiceAccountConfiguration& configuration) {
-    return perform("save(configuration:)",
-                   [&](auto& connection) { return storeAccount(connection, configuration); });
+    return perform("save(configuration:)", [&](auto& connection) {
+        return storeAccount(connection, configuration, marksNewOfSandbox_);
+    });
+}
+
+Result<AccountMarks, StorageError>
+SQLiteAccountStorage::tryMarks(const ServiceAccountConfiguration& configuration) {
+    return perform("marks(configuration:)",
+                   [&](auto& connection) { return accountMarks(connection, configuration); });
+}
+
+Result<void, StorageError> SQLiteAccountStorage::trySetMarks(const ServiceAccountConfiguration& configuration,
+                                                             const AccountMarks& marks) {
+    return perform("setMarks(configuration:marks:)",
+                   [&](auto& connection) { return markAccount(connection, configuration, marks); });
+}
+
+Result<DirectoryIdentity, StorageError> SQLiteAccountStorage::tryDirectoryIdentity() {
+    return perform("directoryIdentity()", [](auto& connection) { return directoryIdentity(connection); });
 }
 
 Result<void, StorageError> SQLiteAccountStorage::tryRemove(const ServiceAccountConfiguration& configuration) {

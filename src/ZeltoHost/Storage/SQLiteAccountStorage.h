@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ZeltoHost/Storage/AccountMarks.h>
+#include <ZeltoHost/Storage/DirectoryIdentity.h>
 #include <ZeltoHost/Storage/StorageError.h>
 
 #include <ZeltoCommonLogger/LoggerClient.h>
@@ -7,6 +9,7 @@
 
 #include <Platform/Result.h>
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <source_location>
@@ -69,6 +72,17 @@ class SQLiteAccountStorage final : public ServiceConfigurationsStorage, private 
     // With the temporary ones.
     Result<std::vector<ServiceAccountConfiguration>, StorageError> tryLoadAllConfigurations();
 
+    // What is remembered of an account beside its record; nothing of one that is not stored, and of those in
+    // an older file that cannot be written to. Marking an account that is not stored has no effect.
+    Result<AccountMarks, StorageError> tryMarks(const ServiceAccountConfiguration& configuration);
+    Result<void, StorageError> trySetMarks(const ServiceAccountConfiguration& configuration,
+                                           const AccountMarks& marks);
+
+    // Whether accounts that are saved for the first time from now on are those of the sandbox.
+    void setMarksNewOfSandbox(bool marks) { marksNewOfSandbox_ = marks; }
+
+    Result<DirectoryIdentity, StorageError> tryDirectoryIdentity();
+
     // The latest failure of any operation, even if later ones succeeded; `nullopt` if all have succeeded.
     std::optional<StorageError> lastError() const;
 
@@ -83,6 +97,7 @@ class SQLiteAccountStorage final : public ServiceConfigurationsStorage, private 
 
     std::mutex mutex_; // guards the connection
     std::unique_ptr<SQLiteConnection> connection_;
+    std::atomic<bool> marksNewOfSandbox_ = false;
 
     mutable std::mutex errorMutex_;
     std::optional<StorageError> lastError_;

@@ -2,7 +2,10 @@
 
 #include <Support/Folders.h>
 
+#include <ZeltoHost/Storage/AccountFileInternal.h>
+#include <ZeltoHost/Storage/AccountRecordsInternal.h>
 #include <ZeltoHost/Storage/AccountSchemaInternal.h>
+#include <ZeltoHost/Storage/DirectoryIdentityInternal.h>
 
 #include <gtest/gtest.h>
 
@@ -65,6 +68,11 @@ void makeOld(const std::filesystem::path& path) {
     ::utime(path.c_str(), &longAgo);
 }
 
+void copyFileOfVersion1(const TemporaryFolder& folder) {
+    std::filesystem::copy_file(sourceFolder() / "tests/ZeltoHost/Storage/fixtures/accounts-1.sqlite",
+                               folder / fileName);
+}
+
 std::unique_ptr<SQLiteConnection> emptyDatabase(const TemporaryFolder& folder) {
     return *SQLiteConnection::open(folder.write("database", ""));
 }
@@ -82,7 +90,7 @@ TEST(AccountFile, ItKeepsALogAndIsMarkedAsOurs) {
     (void)opened(folder);
     EXPECT_EQ(textOf(folder / fileName, "PRAGMA journal_mode"), "wal");
     EXPECT_EQ(textOf(folder / fileName, "PRAGMA application_id"), std::to_string(accountApplicationId));
-    EXPECT_EQ(textOf(folder / fileName, "PRAGMA user_version"), "1");
+    EXPECT_EQ(textOf(folder / fileName, "PRAGMA user_version"), "3");
 }
 
 TEST(AccountFile, AnEmptyFileIsDamage) {
@@ -120,7 +128,7 @@ TEST(AccountFile, AFolderInItsPlaceIsDamage) {
 }
 
 TEST(AccountFile, AMissingTableIsDamage) {
-    for (const auto* table : {"accounts", "last_used"}) {
+    for (const auto* table : {"accounts", "last_used", "directory"}) {
         const TemporaryFolder folder;
         (void)opened(folder);
         sql(folder / fileName, "DROP TABLE " + std::string(table));
@@ -164,14 +172,13 @@ TEST(AccountFile, ANewerVersionIsRefusedAndStaysAsItIs) {
     EXPECT_EQ(storage.error().message(),
               "'" + (folder / fileName).string() +
                   "' was written by a newer version of this program; use that version or another directory "
-                  "(format 7, known up to 1)");
+                  "(format 7, known up to 3)");
     EXPECT_EQ(TemporaryFolder::read(folder / fileName), before);
 }
 
 TEST(AccountFile, AFileOfVersion1Opens) {
     const TemporaryFolder folder;
-    std::filesystem::copy_file(sourceFolder() / "tests/ZeltoHost/Storage/fixtures/accounts-1.sqlite",
-                               folder / fileName);
+    copyFileOfVersion1(folder);
     const auto storage = opened(folder);
     auto trello = account(ServiceType::Trello, "alice@example.com");
     trello.displayName = "Alice Ö";
@@ -182,7 +189,21 @@ TEST(AccountFile, AFileOfVersion1Opens) {
     EXPECT_EQ(storage->loadConfigurations(), (std::vector{trello, bear}));
     EXPECT_EQ(storage->lastUsedConfiguration(ServiceType::Trello), trello);
     EXPECT_EQ(storage->lastUsedConfiguration(ServiceType::Bear), std::nullopt);
+    EXPECT_EQ(storage->tryMarks(trello).value(), AccountMarks());
     EXPECT_EQ(storage->lastError(), std::nullopt);
+}
+
+TEST(AccountFile, AFileOfVersion1IsReadWhereItCannotBeWrittenTo) {
+    const TemporaryFolder folder;
+    copyFileOfVersion1(folder);
+    const auto before = TemporaryFolder::read(folder / fileName);
+    const auto connection = readAccountFile(folder.path());
+    ASSERT_TRUE(connection);
+    const auto trello = account(ServiceType::Trello, "alice@example.com");
+    EXPECT_EQ(allAccounts(*connection).value().accounts.size(), 2U);
+    EXPECT_EQ(accountMarks(*connection, trello).value(), AccountMarks());
+    EXPECT_EQ(directoryIdentity(*connection).value(), DirectoryIdentity());
+    EXPECT_EQ(TemporaryFolder::read(folder / fileName), before);
 }
 
 TEST(AccountFile, WhatAKilledMakerLeftIsRemovedWhenItIsOld) {
