@@ -1,7 +1,7 @@
 #include "accounts/AccountConnection.h"
 #include "accounts/AccountDescription.h"
 #include "accounts/DeferredKeyChain.h"
-#include "accounts/KeyChainCheck.h"
+#include "accounts/SecretPlaces.h"
 #include "base/Terminal.h"
 #include "base/Waiting.h"
 #include "commandline/Commands.h"
@@ -121,11 +121,9 @@ Outcome<Report> runAccountsRemove(const Invocation& invocation, const Terminal& 
     if (!lock) {
         return failure(lock.error());
     }
+    const auto marks = workspace->storage().tryMarks(*account);
     managerOf(*workspace).removeServiceConfiguration(*account);
-    if (const auto erased = checkErased(account->credentials); !erased) {
-        writeError("zelto: warning: the account's secrets may still be in the key chain. " +
-                   escapeControlCharacters(erased.error().message) + "\n");
-    }
+    eraseSecrets(*account, marks.value_or(AccountMarks()));
     if (const auto stored = workspace->storageOutcome(); !stored) {
         return failure(stored.error());
     }

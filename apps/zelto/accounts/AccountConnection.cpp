@@ -1,6 +1,7 @@
 #include "accounts/AccountConnection.h"
 
 #include "accounts/KeyChainCheck.h"
+#include "accounts/SecretPlaces.h"
 #include "accounts/ServiceNames.h"
 #include "base/Waiting.h"
 
@@ -51,7 +52,8 @@ Outcome<Account> checked(const Workspace& workspace, const Account& account) {
             return failure(kept.error());
         }
     }
-    return account;
+    const auto remembered = rememberKeyChain(workspace, account);
+    return remembered ? Outcome<Account>(account) : failure(remembered.error());
 }
 
 } // namespace

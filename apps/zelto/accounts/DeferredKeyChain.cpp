@@ -36,11 +36,14 @@ std::shared_ptr<LVXKeyChainStore> DeferredKeyChain::storeOf(KeyChainKind kind) c
     return nullptr;
 }
 
+std::shared_ptr<RestorableKeyChain> DeferredKeyChain::restorableOf(KeyChainKind kind) const {
+    return std::make_shared<RestorableKeyChain>(storeOf(kind), nameOfKind(kind), dataDirectory_);
+}
+
 DeferredKeyChain::Opened& DeferredKeyChain::opened() {
     std::call_once(chosen_, [this] {
         opened_.kind = kind_ ? *kind_ : kindOfSession();
-        opened_.store = std::make_shared<RestorableKeyChain>(storeOf(opened_.kind), nameOfKind(opened_.kind),
-                                                             dataDirectory_);
+        opened_.store = restorableOf(opened_.kind);
     });
     return opened_;
 }

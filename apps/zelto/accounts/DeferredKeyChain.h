@@ -39,6 +39,7 @@ class DeferredKeyChain final : public LVXKeyChainStore {
 
     // A key chain of that kind for the same data directory, whichever is in force.
     std::shared_ptr<LVXKeyChainStore> storeOf(KeyChainKind kind) const;
+    std::shared_ptr<RestorableKeyChain> restorableOf(KeyChainKind kind) const;
 
   private:
     struct Opened {

@@ -42,21 +42,12 @@ Outcome<void> probeKeyChain() {
     return {};
 }
 
-Outcome<void> checkReadable(const std::optional<ServiceAccountCredentials>& credentials) {
+Outcome<bool> hasRecord(const std::optional<ServiceAccountCredentials>& credentials) {
     if (!credentials) {
-        return {};
+        return false;
     }
     const auto read = LVXKeyChainStoreFactory::keyChainStore()->read(credentials->serviceCredentialsKey);
-    return read ? Outcome<void>() : failure(failureOf(read.error()));
-}
-
-Outcome<void> checkErased(const std::optional<ServiceAccountCredentials>& credentials) {
-    if (!credentials) {
-        return {};
-    }
-    // Erasing what is not there any more, which gives the reason of a failure.
-    const auto erased = LVXKeyChainStoreFactory::keyChainStore()->erase(credentials->serviceCredentialsKey);
-    return erased ? Outcome<void>() : failure(failureOf(erased.error()));
+    return read ? Outcome<bool>(read->has_value()) : failure(failureOf(read.error()));
 }
 
 Outcome<void> checkStored(const ServiceAccountCredentials& credentials) {

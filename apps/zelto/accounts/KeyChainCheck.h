@@ -12,12 +12,9 @@ namespace zelto::cli {
 // would be lost otherwise.
 Outcome<void> probeKeyChain();
 
-// Whether the key chain can be read where the account's secrets are, be they there or not. What cannot be
-// read would look like a sign-in that the service has ended. An account without secrets needs no key chain.
-Outcome<void> checkReadable(const std::optional<ServiceAccountCredentials>& credentials);
-
-// Whether nothing of the account's secrets is in the key chain any more.
-Outcome<void> checkErased(const std::optional<ServiceAccountCredentials>& credentials);
+// Whether the key chain holds a record of these secrets. What cannot be read would look like a sign-in that
+// the service has ended, so it is a failure. An account without secrets needs no key chain.
+Outcome<bool> hasRecord(const std::optional<ServiceAccountCredentials>& credentials);
 
 // Whether the key chain holds just these secrets now.
 Outcome<void> checkStored(const ServiceAccountCredentials& credentials);

@@ -1,4 +1,4 @@
-#include "accounts/RestoreHint.h"
+#include "accounts/SecretPlaces.h"
 #include "base/Interruption.h"
 #include "commandline/Commands.h"
 #include "commandline/TimeoutOption.h"
@@ -139,7 +139,7 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
     const auto plan =
         work->session->prepare(*edits, isDryRun ? DataLoading::never : DataLoading::whereMissing);
     if (!plan) {
-        return failure(withRestoreHint(plan.error(), work->account));
+        return failure(explained(plan.error(), work->workspace, work->account));
     }
     if (isDryRun && work->session->isOnWeb()) {
         return shownRequests(invocation, terminal, *timeout, *work, *plan);
@@ -150,7 +150,7 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
         circumstances.hasStalled = ended.hasStalled;
         auto failed = exportFailure(ended.result.error(), circumstances);
         addNotes(failed.members, *work->notes);
-        return failure(withRestoreHint(std::move(failed), work->account));
+        return failure(explained(std::move(failed), work->workspace, work->account));
     }
     if (!isDryRun) {
         if (const auto stored = storeLastUsed(*work); !stored) {

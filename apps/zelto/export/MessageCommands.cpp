@@ -1,4 +1,4 @@
-#include "accounts/RestoreHint.h"
+#include "accounts/SecretPlaces.h"
 #include "commandline/Commands.h"
 #include "export/MessageWork.h"
 #include "export/NotesOfContent.h"
@@ -66,7 +66,7 @@ Outcome<Report> runConfig(const Invocation& invocation, const Terminal&) {
     }
     const auto configuration = work->session->offeredConfiguration(invocation.value("--target"));
     if (!configuration) {
-        return failure(withRestoreHint(configuration.error(), work->account));
+        return failure(explained(configuration.error(), work->workspace, work->account));
     }
     Report report{{}, terminalSafeJSON(*configuration) + "\n"};
     // Behind "result", so that this too goes back in by --config.
@@ -84,7 +84,7 @@ Outcome<Report> runPreview(const Invocation& invocation, const Terminal& termina
     }
     const auto preview = work->session->preview(edits->saveAs);
     if (!preview) {
-        return failure(withRestoreHint(preview.error(), work->account));
+        return failure(explained(preview.error(), work->workspace, work->account));
     }
     if (!*preview) {
         return failure(Failure{"noPreview",

@@ -1,6 +1,6 @@
 #include "export/MessageWork.h"
 
-#include "accounts/KeyChainCheck.h"
+#include "accounts/SecretPlaces.h"
 #include "accounts/ServiceNames.h"
 #include "accounts/UnchangedStorage.h"
 #include "export/MessageFile.h"
@@ -38,9 +38,10 @@ Outcome<std::optional<AccountLock>> secretsFor(ServiceAccountConfiguration& acco
     }
     auto lock = workspace.lockForUse(account);
     if (lock && effects == Effects::all) {
-        if (const auto readable = checkReadable(account.credentials); !readable) {
-            return failure(readable.error());
+        if (const auto there = checkSecrets(workspace, account); !there) {
+            return failure(there.error());
         }
+        rememberKeyChainIfUnknown(workspace, account);
     }
     return lock;
 }

@@ -1,6 +1,6 @@
 #include "accounts/AccountConnection.h"
 #include "accounts/KeyChainCheck.h"
-#include "accounts/RestoreHint.h"
+#include "accounts/SecretPlaces.h"
 #include "accounts/ServiceNames.h"
 #include "commandline/Commands.h"
 #include "export/ServiceTable.h"
@@ -27,7 +27,8 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
     if (!lock) {
         return failure(lock.error());
     }
-    if (const auto readable = checkReadable(account->credentials); !readable) {
+    // What is remembered is shown without them.
+    if (const auto readable = hasRecord(account->credentials); !readable) {
         return failure(readable.error());
     }
     const auto session =
@@ -37,7 +38,7 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
     }
     const auto targets = (*session)->targets(invocation.has("--refresh"));
     if (!targets) {
-        return failure(withRestoreHint(targets.error(), *account));
+        return failure(explained(targets.error(), *workspace, *account));
     }
     if (const auto stored = workspace->storageOutcome(); !stored) {
         return failure(stored.error());
