@@ -47,6 +47,10 @@ std::string keyringProcess() {
     return reply.substr(begin, reply.find(',') - begin);
 }
 
+SecretServiceKeyChainStore storeOf(SecretServiceOwner owner) {
+    return SecretServiceKeyChainStore("zelto", std::chrono::seconds(15), std::move(owner));
+}
+
 TEST(SecretServiceAbsent, ABusWithoutTheServiceDoesNotOfferIt) {
     EXPECT_FALSE(SecretServiceKeyChainStore::isOffered());
 }
@@ -143,6 +147,53 @@ TEST(SecretService, ApplicationsDoNotSeeEachOthersKeys) {
     EXPECT_EQ(two.read("shared name").value(), std::nullopt);
     EXPECT_FALSE(two.erase("shared name").value());
     EXPECT_EQ(one.read("shared name").value(), dataOf("1"));
+}
+
+TEST(SecretService, OwnersDoNotSeeEachOthersItems) {
+    auto one = storeOf({"one"});
+    auto other = storeOf({"other", true});
+    ASSERT_TRUE(one.write("owned", dataOf("1")));
+    EXPECT_EQ(other.read("owned").value(), std::nullopt);
+    EXPECT_FALSE(other.erase("owned").value());
+    ASSERT_TRUE(other.write("owned", dataOf("2")));
+    EXPECT_EQ(one.read("owned").value(), dataOf("1"));
+    ASSERT_TRUE(one.write("owned", dataOf("3")));
+    EXPECT_EQ(other.read("owned").value(), dataOf("2"));
+    EXPECT_TRUE(one.erase("owned").value());
+    EXPECT_EQ(one.read("owned").value(), std::nullopt);
+    EXPECT_EQ(other.read("owned").value(), dataOf("2"));
+}
+
+TEST(SecretService, AStoreWithoutAnOwnerLeavesTheItemsOfOwnersAlone) {
+    SecretServiceKeyChainStore nobodys;
+    auto owned = storeOf({"one"});
+    ASSERT_TRUE(owned.write("both", dataOf("owned")));
+    EXPECT_EQ(nobodys.read("both").value(), std::nullopt);
+    EXPECT_FALSE(nobodys.erase("both").value());
+    for (const auto* value : {"first", "second"}) {
+        ASSERT_TRUE(nobodys.write("both", dataOf(value)));
+        EXPECT_EQ(nobodys.read("both").value(), dataOf(value));
+        EXPECT_EQ(owned.read("both").value(), dataOf("owned"));
+    }
+    EXPECT_TRUE(nobodys.erase("both").value());
+    EXPECT_EQ(nobodys.read("both").value(), std::nullopt);
+    EXPECT_EQ(owned.read("both").value(), dataOf("owned"));
+}
+
+TEST(SecretService, ItemsOfNobodyAreFoundByTheOwnerThatTakesThem) {
+    SecretServiceKeyChainStore nobodys;
+    auto upgraded = storeOf({"upgraded", true});
+    auto fresh = storeOf({"fresh"});
+    ASSERT_TRUE(nobodys.write("old", dataOf("old")));
+    EXPECT_EQ(upgraded.read("old").value(), dataOf("old"));
+    EXPECT_EQ(fresh.read("old").value(), std::nullopt);
+    EXPECT_FALSE(fresh.erase("old").value());
+    ASSERT_TRUE(upgraded.write("old", dataOf("new")));
+    EXPECT_EQ(upgraded.read("old").value(), dataOf("new"));
+    EXPECT_EQ(nobodys.read("old").value(), dataOf("old"));
+    EXPECT_TRUE(upgraded.erase("old").value());
+    EXPECT_EQ(upgraded.read("old").value(), std::nullopt);
+    EXPECT_EQ(nobodys.read("old").value(), std::nullopt);
 }
 
 TEST(SecretService, AValueOfAnotherProgramUnderOurNameIsDamageAndNotNothing) {

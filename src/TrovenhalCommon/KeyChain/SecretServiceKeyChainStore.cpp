@@ -6,8 +6,10 @@
 #include <libsecret/secret.h>
 #include <sodium.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <vector>
 
 namespace zelto {
@@ -18,6 +20,7 @@ using SecretValuePtr = std::unique_ptr<SecretValue, GLibDeleter<secret_value_unr
 using Items = std::vector<GObjectPtr<SecretItem>>;
 
 constexpr const char* busName = "org.freedesktop.secrets";
+constexpr const char* directoryAttribute = "directory";
 constexpr int base64Variant = sodium_base64_VARIANT_ORIGINAL;
 
 const SecretSchema& schema() {
@@ -25,6 +28,7 @@ const SecretSchema& schema() {
                                      .flags = SECRET_SCHEMA_NONE,
                                      .attributes = {{"application", SECRET_SCHEMA_ATTRIBUTE_STRING},
                                                     {"key", SECRET_SCHEMA_ATTRIBUTE_STRING},
+                                                    {directoryAttribute, SECRET_SCHEMA_ATTRIBUTE_STRING},
                                                     {nullptr, SECRET_SCHEMA_ATTRIBUTE_STRING}},
                                      .reserved = 0,
                                      .reserved1 = nullptr,
@@ -59,8 +63,9 @@ bool isLockedError(const GError& error) {
 // older ones up to date, and a locked or restarted service is noticed at once.
 class Session {
   public:
-    Session(const std::string& application, std::chrono::milliseconds limit)
-        : application_(application), cancellable_(limit) {}
+    Session(const std::string& application, const std::optional<SecretServiceOwner>& owner,
+            std::chrono::milliseconds limit)
+        : application_(application), owner_(owner), cancellable_(limit) {}
 
     // Opens the user's default collection, which must not be locked.
     Result<void, KeyChainError> open() {
@@ -81,8 +86,85 @@ class Session {
         return {};
     }
 
+    // The owner's items; all that are nobody's for a store without one.
     Result<Items, KeyChainError> find(const std::string& key, SecretSearchFlags flags) {
-        const auto wanted = attributes(key);
+        return owner_ ? search(attributes(key), flags) : findNobodys(key, flags);
+    }
+
+    // The items that the owner may have made before it marked them.
+    Result<Items, KeyChainError> findUnmarked(const std::string& key, SecretSearchFlags flags) {
+        return owner_ && owner_->takesItemsOfNobody ? findNobodys(key, flags) : Items();
+    }
+
+    Result<void, KeyChainError> put(const std::string& key, const char* text, std::size_t length) {
+        const SecretValuePtr value(secret_value_new(text, static_cast<gssize>(length), "text/plain"));
+        if (!owner_) {
+            // To replace by attributes would replace the item of an owner, which has the same ones and more.
+            const auto present = findNobodys(key, SECRET_SEARCH_NONE);
+            if (!present) {
+                return failure(present.error());
+            }
+            if (!present->empty()) {
+                return secret_item_set_secret_sync(present->front().get(), value.get(), cancellable_.get(),
+                                                   error_.out())
+                           ? Result<void, KeyChainError>()
+                           : failed();
+            }
+        }
+        return create(key, *value, owner_ ? SECRET_ITEM_CREATE_REPLACE : SECRET_ITEM_CREATE_NONE);
+    }
+
+    Result<void, KeyChainError> remove(SecretItem& item) {
+        return secret_item_delete_sync(&item, cancellable_.get(), error_.out())
+                   ? Result<void, KeyChainError>()
+                   : failed();
+    }
+
+  private:
+    GHashTablePtr attributesOfNobody(const std::string& key) const {
+        return GHashTablePtr(secret_attributes_build(&schema(), "application", application_.c_str(), "key",
+                                                     key.c_str(), nullptr));
+    }
+
+    GHashTablePtr attributes(const std::string& key) const {
+        if (!owner_) {
+            return attributesOfNobody(key);
+        }
+        return GHashTablePtr(secret_attributes_build(&schema(), "application", application_.c_str(), "key",
+                                                     key.c_str(), directoryAttribute,
+                                                     owner_->directory.c_str(), nullptr));
+    }
+
+    Result<void, KeyChainError> create(const std::string& key, SecretValue& value,
+                                       SecretItemCreateFlags flags) {
+        const GObjectPtr<SecretItem> item(secret_item_create_sync(collection_.get(), &schema(),
+                                                                  attributes(key).get(), key.c_str(), &value,
+                                                                  flags, cancellable_.get(), error_.out()));
+        return item ? Result<void, KeyChainError>() : failed();
+    }
+
+    static bool isOwned(const GObjectPtr<SecretItem>& item) {
+        const GHashTablePtr attributes(secret_item_get_attributes(item.get()));
+        return attributes && g_hash_table_contains(attributes.get(), directoryAttribute);
+    }
+
+    Result<Items, KeyChainError> findNobodys(const std::string& key, SecretSearchFlags flags) {
+        // The values of others are not asked for.
+        auto items = search(attributesOfNobody(key), SECRET_SEARCH_NONE);
+        if (!items) {
+            return items;
+        }
+        std::erase_if(*items, isOwned);
+        const bool loads = (flags & SECRET_SEARCH_LOAD_SECRETS) != 0;
+        for (const auto& item : *items) {
+            if (loads && !secret_item_load_secret_sync(item.get(), cancellable_.get(), error_.out())) {
+                return failure(failed().error());
+            }
+        }
+        return items;
+    }
+
+    Result<Items, KeyChainError> search(const GHashTablePtr& wanted, SecretSearchFlags flags) {
         GList* found = secret_collection_search_sync(
             collection_.get(), &schema(), wanted.get(),
             static_cast<SecretSearchFlags>(flags | SECRET_SEARCH_ALL), cancellable_.get(), error_.out());
@@ -95,27 +177,6 @@ class Session {
             return failure(failed().error());
         }
         return items;
-    }
-
-    Result<void, KeyChainError> put(const std::string& key, const char* text, std::size_t length) {
-        const auto wanted = attributes(key);
-        const SecretValuePtr value(secret_value_new(text, static_cast<gssize>(length), "text/plain"));
-        const GObjectPtr<SecretItem> item(
-            secret_item_create_sync(collection_.get(), &schema(), wanted.get(), key.c_str(), value.get(),
-                                    SECRET_ITEM_CREATE_REPLACE, cancellable_.get(), error_.out()));
-        return item ? Result<void, KeyChainError>() : failed();
-    }
-
-    Result<void, KeyChainError> remove(SecretItem& item) {
-        return secret_item_delete_sync(&item, cancellable_.get(), error_.out())
-                   ? Result<void, KeyChainError>()
-                   : failed();
-    }
-
-  private:
-    GHashTablePtr attributes(const std::string& key) const {
-        return GHashTablePtr(secret_attributes_build(&schema(), "application", application_.c_str(), "key",
-                                                     key.c_str(), nullptr));
     }
 
     // The error that the service's last error stands for.
@@ -138,6 +199,7 @@ class Session {
     }
 
     const std::string& application_;
+    const std::optional<SecretServiceOwner>& owner_;
     TimedCancellable cancellable_;
     GErrorHolder error_;
     GObjectPtr<SecretService> service_;
@@ -214,8 +276,9 @@ bool busLists(GDBusConnection& bus, const char* method) {
 } // namespace
 
 SecretServiceKeyChainStore::SecretServiceKeyChainStore(std::string application,
-                                                       std::chrono::milliseconds timeLimit)
-    : application_(std::move(application)), timeLimit_(timeLimit) {
+                                                       std::chrono::milliseconds timeLimit,
+                                                       std::optional<SecretServiceOwner> owner)
+    : application_(std::move(application)), timeLimit_(timeLimit), owner_(std::move(owner)) {
     startSodium();
 }
 
@@ -231,11 +294,14 @@ Result<std::optional<Data>, KeyChainError> SecretServiceKeyChainStore::read(cons
     if (const auto checked = checkKey(key); !checked) {
         return failure(checked.error());
     }
-    Session session(application_, timeLimit_);
+    Session session(application_, owner_, timeLimit_);
     if (const auto opened = session.open(); !opened) {
         return failure(opened.error());
     }
-    const auto items = session.find(key, SECRET_SEARCH_LOAD_SECRETS);
+    auto items = session.find(key, SECRET_SEARCH_LOAD_SECRETS);
+    if (items && items->empty()) {
+        items = session.findUnmarked(key, SECRET_SEARCH_LOAD_SECRETS);
+    }
     if (!items) {
         return failure(items.error());
     }
@@ -247,7 +313,7 @@ Result<void, KeyChainError> SecretServiceKeyChainStore::write(const std::string&
     if (auto checked = checkKey(key); !checked) {
         return checked;
     }
-    Session session(application_, timeLimit_);
+    Session session(application_, owner_, timeLimit_);
     if (auto opened = session.open(); !opened) {
         return opened;
     }
@@ -262,14 +328,16 @@ Result<bool, KeyChainError> SecretServiceKeyChainStore::erase(const std::string&
     if (const auto checked = checkKey(key); !checked) {
         return failure(checked.error());
     }
-    Session session(application_, timeLimit_);
+    Session session(application_, owner_, timeLimit_);
     if (const auto opened = session.open(); !opened) {
         return failure(opened.error());
     }
-    const auto items = session.find(key, SECRET_SEARCH_NONE);
-    if (!items) {
-        return failure(items.error());
+    auto items = session.find(key, SECRET_SEARCH_NONE);
+    auto unmarked = items ? session.findUnmarked(key, SECRET_SEARCH_NONE) : failure(items.error());
+    if (!unmarked) {
+        return failure(unmarked.error());
     }
+    std::ranges::move(*unmarked, std::back_inserter(*items));
     for (const auto& item : *items) {
         if (const auto removed = session.remove(*item); !removed) {
             return failure(removed.error());
