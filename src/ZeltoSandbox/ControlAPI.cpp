@@ -2,6 +2,7 @@
 
 #include <ZeltoSandbox/FaultList.h>
 #include <ZeltoSandbox/JSONBody.h>
+#include <ZeltoSandbox/SandboxProof.h>
 
 #include <Platform/Numbers.h>
 
@@ -10,6 +11,7 @@ namespace zelto::sandbox {
 namespace {
 
 constexpr std::size_t maximumBody = std::size_t{1} << 20;
+constexpr std::size_t maximumChallenge = 128;
 constexpr TimeInterval eventPause{0.25};
 constexpr int pausesBetweenSigns = 60;
 
@@ -106,6 +108,9 @@ SandboxResponse ControlAPI::read(std::string_view path, std::string_view query) 
     if (path == "faults") {
         return SandboxResponse::json(JSONObject{{"faults", dispatcher_.faults()}});
     }
+    if (path == "identity") {
+        return identity(query);
+    }
     if (path == "events") {
         return events();
     }
@@ -181,6 +186,15 @@ JSONValue ControlAPI::state() const {
     state.set("requests", log_.lastNumber());
     addFigures_(state);
     return state;
+}
+
+SandboxResponse ControlAPI::identity(std::string_view query) {
+    const auto items = parseFormItems(query);
+    const auto challenge = items ? valueOf(*items, "challenge").value_or("") : std::string();
+    if (challenge.empty() || challenge.size() > maximumChallenge) {
+        return refused(400, "\"challenge\" has to be a text of 1 to 128 bytes.");
+    }
+    return SandboxResponse::json(JSONObject{{"proof", sandboxProof(challenge)}});
 }
 
 // Sends the number of requests at once, and again whenever something has changed.

@@ -27,6 +27,7 @@ class ControlAPI {
     SandboxResponse change(std::string_view path, const JSONValue& json) const;
     SandboxResponse changeSettings(const JSONValue& json) const;
     SandboxResponse issueTokens(const JSONValue& json) const;
+    static SandboxResponse identity(std::string_view query);
     SandboxResponse events() const;
 
     ServiceDispatcher& dispatcher_;

@@ -1,5 +1,7 @@
 #include <ZeltoSandbox/SandboxCaller.h>
 
+#include <ZeltoSandbox/SandboxProof.h>
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -36,6 +38,18 @@ TEST_F(ControlAPITest, MakesFaultsThatHappenAsOftenAsRequested) {
     const auto requests = caller.server->requests();
     EXPECT_EQ(requests[1].fault, "status 503");
     EXPECT_EQ(requests[3].fault, "");
+}
+
+TEST_F(ControlAPITest, ProvesToBeASandbox) {
+    const auto proof = caller.get(caller.ownHost(), "/control/identity?challenge=a%20b");
+    EXPECT_EQ(proof.status, 200);
+    EXPECT_EQ(proof.body, "{\"proof\":\"" + sandboxProof("a b") + "\"}");
+    EXPECT_NE(sandboxProof("a b"), sandboxProof("a c"));
+    const auto longest = std::string(128, 'a');
+    EXPECT_EQ(caller.get(caller.ownHost(), "/control/identity?challenge=" + longest).status, 200);
+    for (const auto& query : {std::string(), std::string("?challenge="), "?challenge=a" + longest}) {
+        EXPECT_EQ(caller.get(caller.ownHost(), "/control/identity" + query).status, 400) << query;
+    }
 }
 
 TEST_F(ControlAPITest, MakesTheServicesOwnResponseOfAStatus) {

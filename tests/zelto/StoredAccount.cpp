@@ -17,9 +17,11 @@ std::shared_ptr<FileKeyChainStore> keyChainOf(const ZeltoProgram& zelto) {
 
 } // namespace
 
-void addAccount(const ZeltoProgram& zelto, ServiceAccountConfiguration account) {
+void addAccount(const ZeltoProgram& zelto, ServiceAccountConfiguration account, AccountOf place) {
     account.credentials = ServiceAccountCredentials::forIdentifier(account.identifier());
-    SQLiteAccountStorage::open(zelto.dataDirectory()).value()->save(account);
+    const auto storage = SQLiteAccountStorage::open(zelto.dataDirectory()).value();
+    storage->setMarksNewOfSandbox(place == AccountOf::sandbox);
+    storage->save(account);
     account.credentials->accessToken = "token";
     account.credentials->expirationDate = Date::distantFuture();
     storeTokens(zelto, *account.credentials);

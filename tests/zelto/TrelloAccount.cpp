@@ -1,12 +1,10 @@
 #include <zelto/TrelloAccount.h>
 
-#include <zelto/StoredAccount.h>
-
 #include <ZeltoIntegrations/Trello/TrelloRecords.h>
 
 namespace zelto {
 
-void addTrelloAccount(const ZeltoProgram& zelto) {
+void addTrelloAccount(const ZeltoProgram& zelto, AccountOf place) {
     ServiceAccountConfiguration account(ServiceType::Trello, "me@example.org", true);
     account.setCachedItem(std::optional(TrelloUser{.email = "me@example.org"}), "user");
     const std::vector<TrelloBoard> boards = {
@@ -16,7 +14,7 @@ void addTrelloAccount(const ZeltoProgram& zelto) {
                    {.id = "l2", .idBoard = "b1", .name = "Done"}}},
         {.id = "b2", .name = "Home", .lists = {{.id = "l3", .idBoard = "b2", .name = "To Do"}}}};
     account.setCachedItem(std::optional(boards), "allBoards");
-    addAccount(zelto, std::move(account));
+    addAccount(zelto, std::move(account), place);
 }
 
 } // namespace zelto

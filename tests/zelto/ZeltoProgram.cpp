@@ -118,7 +118,7 @@ ProgramOutcome ZeltoProgram::runShell(const std::string& line) const {
     return {statusOf(result.end), std::move(result.output), std::move(result.errorOutput)};
 }
 
-ProgramOutcome ZeltoProgram::runOnTerminal(const Arguments& arguments) const {
+ProgramOutcome ZeltoProgram::runOnTerminal(const Arguments& arguments, const std::string& typed) const {
     std::vector<std::string> words{path()};
     words.insert(words.end(), arguments.begin(), arguments.end());
     auto names = environment();
@@ -138,6 +138,7 @@ ProgramOutcome ZeltoProgram::runOnTerminal(const Arguments& arguments) const {
         ::_exit(127);
     }
     EXPECT_GT(child, 0);
+    EXPECT_EQ(::write(terminal, typed.data(), typed.size()), static_cast<ssize_t>(typed.size()));
     ProgramOutcome outcome;
     outcome.output = readTerminal(terminal);
     ::close(terminal);

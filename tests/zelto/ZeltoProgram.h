@@ -35,7 +35,8 @@ class ZeltoProgram {
     ProgramOutcome run(const Arguments& arguments, const std::string& input = {}) const;
 
     // With both outputs on a pseudo terminal; all that comes from it is in `output`, with "\r\n" line ends.
-    ProgramOutcome runOnTerminal(const Arguments& arguments) const;
+    // `typed` is there from the start, and shown as a terminal shows what is typed.
+    ProgramOutcome runOnTerminal(const Arguments& arguments, const std::string& typed = {}) const;
 
     // A line of bash, with the program in PATH and the samples in the working directory.
     ProgramOutcome runShell(const std::string& line) const;

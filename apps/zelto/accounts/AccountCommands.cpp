@@ -20,6 +20,18 @@ JSONValue textOrNull(const std::optional<std::string>& text) {
     return text ? JSONValue(*text) : JSONValue();
 }
 
+bool isLastUsed(const Account& account, const Workspace& workspace) {
+    const auto last = workspace.storage().lastUsedConfiguration(account.serviceType());
+    return last && last->identifier() == account.identifier();
+}
+
+std::string lineOf(const Account& account, bool isLast, bool ofSandbox, const Terminal& terminal) {
+    return terminal.shown(account.displayName ? account.identifier() + "  " + *account.displayName
+                                              : account.identifier()) +
+           (isLast ? "  (last used)" : "") + (account.enabled ? "" : "  (disabled)") +
+           (ofSandbox ? "  (sandbox)" : "") + "\n";
+}
+
 Failure restoreFailure(const RestoreError& error, const Account& account) {
     const auto identifier = account.identifier();
     const bool hasSignIn = serviceAuthFlow(account.serviceType()) == ServiceAuthFlow::oauth;
@@ -89,20 +101,21 @@ Outcome<Report> runAccounts(const Invocation& invocation, const Terminal& termin
         return failure(failureOf(accounts.error()));
     }
     Report report;
-    JSONValue::Array described_;
-    for (const auto& account : *accounts) {
-        const auto last = workspace->storage().lastUsedConfiguration(account.serviceType());
-        const bool isLast = last && last->identifier() == account.identifier();
-        described_.push_back(described(account, isLast));
-        report.text += terminal.shown(account.displayName ? account.identifier() + "  " + *account.displayName
-                                                          : account.identifier()) +
-                       (isLast ? "  (last used)" : "") + (account.enabled ? "" : "  (disabled)") + "\n";
+    for (const bool ofSandbox : {false, true}) {
+        JSONValue::Array listed;
+        for (const auto& account : *accounts) {
+            if (workspace->isOfSandbox(account) == ofSandbox) {
+                const bool isLast = isLastUsed(account, *workspace);
+                listed.push_back(described(account, isLast));
+                report.text += lineOf(account, isLast, ofSandbox, terminal);
+            }
+        }
+        report.members.set(ofSandbox ? "sandboxAccounts" : "accounts", std::move(listed));
     }
     if (accounts->empty()) {
         report.text = "No account is connected yet. Try: zelto connect bear\n";
         report.isNotice = true;
     }
-    report.members.set("accounts", std::move(described_));
     return report;
 }
 

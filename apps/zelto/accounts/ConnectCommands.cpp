@@ -8,6 +8,7 @@
 #include "base/Interruption.h"
 #include "commandline/Commands.h"
 #include "commandline/InvocationCheck.h"
+#include "sandbox/SandboxAccounts.h"
 
 #include <ZeltoIntegrations/Accounts/LiveSecrets.h>
 
@@ -81,10 +82,25 @@ Report reportOf(const Account& account, const std::string& verb, const Workspace
         auto manager = managerOf(workspace);
         const auto verification = verificationOf(account, manager);
         report.members.set("verified", verification == Verification::asked);
+        report.members.set("sandbox", workspace.isOfSandbox(account));
         const auto notice = noticeOf(verification, account.serviceType());
         report.text += notice + (notice.empty() ? "" : "\n");
     }
     return report;
+}
+
+// Whatever an account was before, tokens of the sandbox make it one of the sandbox.
+Outcome<void> markOfSandbox(const Workspace& workspace, const Account& account) {
+    auto marks = workspace.storage().tryMarks(account);
+    if (!marks) {
+        return failure(failureOf(marks.error()));
+    }
+    if (marks->isOfSandbox == workspace.usesSandbox()) {
+        return {};
+    }
+    marks->isOfSandbox = workspace.usesSandbox();
+    const auto marked = workspace.storage().trySetMarks(account, *marks);
+    return marked ? Outcome<void>() : failure(failureOf(marked.error()));
 }
 
 // The name that the account starts with; most services give their own.
@@ -112,6 +128,7 @@ Outcome<Report> runConnect(const Invocation& invocation, const Terminal& termina
     }
     auto account = Outcome<Account>(Account(*type, startingName(invocation, *type), true));
     if (!isApplication) {
+        workspace->storage().setMarksNewOfSandbox(workspace->usesSandbox());
         account = signedIn(invocation, *workspace, *std::move(account));
     }
     const auto connected = account ? connectAccount(*workspace, *account) : failure(account.error());
@@ -139,10 +156,16 @@ Outcome<Report> runReconnect(const Invocation& invocation, const Terminal& termi
     if (const auto possible = checkBeforehand(invocation, type); !possible) {
         return failure(possible.error());
     }
+    if (const auto allowed = checkSandboxUse(invocation, *workspace, *stored, Requests::sent); !allowed) {
+        return failure(allowed.error());
+    }
     const auto account = signedIn(invocation, *workspace, *stored);
     const auto updated = account ? reconnectAccount(*workspace, *account, *stored) : failure(account.error());
     if (!updated) {
         return failure(updated.error());
+    }
+    if (const auto marked = markOfSandbox(*workspace, *updated); !marked) {
+        return failure(marked.error());
     }
     return reportOf(*updated, "Reconnected", *workspace, terminal);
 }

@@ -98,7 +98,20 @@ Outcome<Workspace> Workspace::open(const Invocation& invocation, bool readOnly) 
         ConnectingFlow::removeLeftovers(directory, **storage);
         eraseOldSecrets(directory);
     }
-    return Workspace(*std::move(storage), std::move(directory));
+    return Workspace(*std::move(storage), std::move(directory), invocation.has("--sandbox"));
+}
+
+bool Workspace::isOfSandbox(const ServiceAccountConfiguration& account) const {
+    return storage_->tryMarks(account).value_or(AccountMarks()).isOfSandbox;
+}
+
+// Those that go with where the requests go, or else all.
+std::vector<ServiceAccountConfiguration>
+Workspace::suited(std::vector<ServiceAccountConfiguration> accounts) const {
+    std::vector<ServiceAccountConfiguration> suiting;
+    std::ranges::copy_if(accounts, std::back_inserter(suiting),
+                         [&](const auto& account) { return isOfSandbox(account) == usesSandbox_; });
+    return suiting.empty() ? accounts : suiting;
 }
 
 Outcome<void> Workspace::storageOutcome() const {
@@ -169,13 +182,17 @@ Outcome<ServiceAccountConfiguration> Workspace::account(const std::string& idOrS
                                "There is no account and no service \"" + idOrService + "\".",
                                "zelto accounts"});
     }
-    if (auto last = manager.lastUsedConfiguration(*type); last && last->enabled) {
-        return *std::move(last);
-    }
     const auto isOfType = [&](const auto& account) { return account.serviceType() == *type; };
     std::vector<ServiceAccountConfiguration> enabled;
     std::ranges::copy_if(*stored, std::back_inserter(enabled),
                          [&](const auto& account) { return isOfType(account) && account.enabled; });
+    enabled = suited(std::move(enabled));
+    if (auto last = manager.lastUsedConfiguration(*type); last && last->enabled) {
+        const auto isLast = [&](const auto& account) { return account.identifier() == last->identifier(); };
+        if (enabled.empty() || std::ranges::any_of(enabled, isLast)) {
+            return *std::move(last);
+        }
+    }
     if (enabled.size() == 1) {
         return enabled.front();
     }

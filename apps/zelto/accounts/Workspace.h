@@ -30,6 +30,12 @@ class Workspace {
 
     SQLiteAccountStorage& storage() const { return *storage_; }
 
+    // Whether the account was connected in a sandbox.
+    bool isOfSandbox(const ServiceAccountConfiguration& account) const;
+
+    // Whether this call's requests go to one.
+    bool usesSandbox() const { return usesSandbox_; }
+
     std::shared_ptr<ServiceConfigurationsStorage> sharedStorage() const { return storage_; }
 
     // The failure of anything that was stored since the last look, which interfaces cannot report.
@@ -38,8 +44,9 @@ class Workspace {
     // The account of that very identifier.
     Outcome<ServiceAccountConfiguration> storedAccount(const std::string& identifier) const;
 
-    // The account of an identifier, or the account of a service: the one used last, or its only one. An
-    // application without an account gets one, unless nothing may be changed.
+    // The account of an identifier, or the account of a service: the one used last, or its only one; where a
+    // sandbox is used, one of the sandbox goes before the others, and where none is, one that is of no
+    // sandbox. An application without an account gets one, unless nothing may be changed.
     Outcome<ServiceAccountConfiguration> account(const std::string& idOrService, IntegrationsManager& manager,
                                                  bool mayConnect) const;
 
@@ -51,11 +58,15 @@ class Workspace {
     Outcome<std::optional<AccountLock>> lockForUse(ServiceAccountConfiguration& account) const;
 
   private:
-    Workspace(std::shared_ptr<SQLiteAccountStorage> storage, std::filesystem::path directory)
-        : storage_(std::move(storage)), directory_(std::move(directory)) {}
+    Workspace(std::shared_ptr<SQLiteAccountStorage> storage, std::filesystem::path directory,
+              bool usesSandbox)
+        : storage_(std::move(storage)), directory_(std::move(directory)), usesSandbox_(usesSandbox) {}
+
+    std::vector<ServiceAccountConfiguration> suited(std::vector<ServiceAccountConfiguration> accounts) const;
 
     std::shared_ptr<SQLiteAccountStorage> storage_;
     std::filesystem::path directory_;
+    bool usesSandbox_;
 };
 
 // What to do when the service does not take an account's sign-in any more.

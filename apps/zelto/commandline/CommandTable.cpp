@@ -26,6 +26,10 @@ const OptionSpec target = {"--target", "PATH",
                            "targets` lists",
                            ValueKind::target};
 
+const OptionSpec realAccount = {
+    "--real-account", "",
+    "With --sandbox: send an account's tokens there even if it was not connected in a sandbox"};
+
 // The options of a sign-in, after those that are the command's own.
 std::vector<OptionSpec> withSignInOptions(std::vector<OptionSpec> options) {
     const std::vector<OptionSpec> shared = {
@@ -74,7 +78,8 @@ const std::vector<CommandSpec> table = {
      "Connects an account of a service. A service on the web shows its page in the browser, where you sign "
      "in "
      "and agree; credentials that you have already are taken by --token, --login or $ZELTO_TOKEN instead. "
-     "They are kept in the key chain. An application on this machine needs no sign-in, and need not be "
+     "They are kept in the key chain. With --sandbox it becomes an account of the sandbox, which is used with "
+     "one alone. An application on this machine needs no sign-in, and need not be "
      "connected before its first export either; --name tells several accounts of one application apart.",
      {{"SERVICE", "The service", ValueKind::service}},
      withSignInOptions({{"--name", "USER", "The account's name, where the service does not say it"}}),
@@ -83,16 +88,17 @@ const std::vector<CommandSpec> table = {
     {"reconnect",
      "Sign in to a connected account again",
      "Gives a connected account a new sign-in, for when its service does not accept the old one any more. It "
-     "must be the same user's; what is remembered of the account stays. Takes what `zelto connect` takes.",
+     "must be the same user's; what is remembered of the account stays. Takes what `zelto connect` takes. A "
+     "sign-in in a sandbox makes it an account of the sandbox.",
      {{"ID", "The account's identifier, as `zelto accounts` lists it", ValueKind::account}},
-     withSignInOptions({}),
+     withSignInOptions({realAccount}),
      {"printf %s new-token | zelto reconnect Zoom+work --token -",
       "printf %s other-token | zelto reconnect Zoom+work --token - --expires-in 3600"}},
     {"accounts",
      "List the connected accounts",
      "Lists the connected accounts in the order of their connection: the identifier that --to takes, and "
-     "which "
-     "account of its service was used last.",
+     "which account of its service was used last. Those that were connected with --sandbox come behind the "
+     "others (with --json, as \"sandboxAccounts\"); they are used with a sandbox alone.",
      {},
      {},
      {"zelto accounts", "zelto accounts --json"}},
@@ -119,7 +125,8 @@ const std::vector<CommandSpec> table = {
      "`zelto export --target` takes their names or identifiers.",
      {{"ID", "The account's identifier, or its service", ValueKind::accountOrService}},
      {{"--refresh", "", "Ask the service, whatever is remembered"},
-      {"--paths", "", "Print one path a line, as --target takes it"}},
+      {"--paths", "", "Print one path a line, as --target takes it"},
+      realAccount},
      {"zelto targets trello", "zelto targets Trello+me@example.org --json"}},
     {"config",
      "Show what an export would start with",
@@ -127,14 +134,14 @@ const std::vector<CommandSpec> table = {
      "(saveAs) and whatever else the service takes. Saved to a file and edited, it goes back in by "
      "`zelto export --config FILE`; dates may be written like 2026-03-05T14:00 there.",
      {mail},
-     {to, target, webLink},
+     {to, target, webLink, realAccount},
      {"zelto config examples/mails/project-kickoff.eml --to bear",
       "zelto config examples/mails/project-kickoff.eml --to things > things.json"}},
     {"preview",
      "Show what would be sent",
      "Prints the text or the link that an export in that form would send, and sends nothing.",
      {mail},
-     {to, as, webLink},
+     {to, as, webLink, realAccount},
      {"zelto preview examples/mails/project-kickoff.eml --to bear --as emailBacklink",
       "zelto preview examples/mails/project-kickoff.eml --to things --as backLink"}},
     {"export",
@@ -181,7 +188,8 @@ const std::vector<CommandSpec> table = {
        "KIND",
        "How progress is shown on standard error; a bar is shown on a terminal only",
        ValueKind::text,
-       {"bar", "json", "none"}}},
+       {"bar", "json", "none"}},
+      realAccount},
      {"zelto export examples/mails/project-kickoff.eml --to things --due 2026-12-24T09:00:00Z --opener -",
       "zelto export examples/mails/project-kickoff.eml --to bear --tags work,mail --note 'Call back' "
       "--dry-run",

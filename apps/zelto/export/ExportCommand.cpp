@@ -86,6 +86,11 @@ void addWhatWasLeftOut(JSONObject& members, const MessageWork& work, const Expor
 
 // The account is what the next export with its service takes.
 Outcome<void> storeLastUsed(const MessageWork& work) {
+    const auto last = work.manager->lastUsedConfiguration(work.account.serviceType());
+    // What is tried in a sandbox does not change what exports without one take.
+    if (last && work.workspace.isOfSandbox(work.account) && !work.workspace.isOfSandbox(*last)) {
+        return work.workspace.storageOutcome();
+    }
     work.manager->setLastUsedConfiguration(work.account.serviceType(), work.account);
     return work.workspace.storageOutcome();
 }

@@ -6,6 +6,7 @@
 #include "export/MessageFile.h"
 #include "export/PlaceholderSecrets.h"
 #include "export/ServiceTable.h"
+#include "sandbox/SandboxAccounts.h"
 
 #include <ZeltoHost/Platform/EmailValidator.h>
 #include <ZeltoHost/Process/CommandWords.h>
@@ -87,6 +88,10 @@ Outcome<MessageWork> MessageWork::open(const Invocation& invocation, Effects eff
     auto account = workspace->account(*to, *manager, stores);
     if (!account) {
         return failure(account.error());
+    }
+    const auto requests = effects == Effects::sendsNothing ? Requests::none : Requests::sent;
+    if (const auto allowed = checkSandboxUse(invocation, *workspace, *account, requests); !allowed) {
+        return failure(allowed.error());
     }
     auto lock = secretsFor(*account, *workspace, effects);
     if (!lock) {

@@ -4,6 +4,7 @@
 #include "accounts/ServiceNames.h"
 #include "commandline/Commands.h"
 #include "export/ServiceTable.h"
+#include "sandbox/SandboxAccounts.h"
 
 #include <ZeltoIntegrations/Content/IntegrationsDataInteractorStub.h>
 
@@ -22,6 +23,9 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
     auto account = workspace->account(named, manager, false);
     if (!account) {
         return failure(account.error());
+    }
+    if (const auto allowed = checkSandboxUse(invocation, *workspace, *account, Requests::sent); !allowed) {
+        return failure(allowed.error());
     }
     const auto lock = workspace->lockForUse(*account);
     if (!lock) {

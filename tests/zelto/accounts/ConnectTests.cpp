@@ -56,7 +56,7 @@ std::vector<ServiceType> checkedServices(bool ready) {
 }
 
 std::size_t accountCount(const ZeltoProgram& zelto) {
-    return zelto.run({"accounts", "--json"}).json().find("accounts")->asArray()->size();
+    return zelto.run({"accounts", "--json"}).json().find("sandboxAccounts")->asArray()->size();
 }
 
 } // namespace
@@ -68,7 +68,7 @@ TEST_F(Connect, SignsInToTrelloInTheBrowser) {
     EXPECT_EQ(outcome.output, "Connected " + sandboxAccount + ".\n");
     EXPECT_EQ(outcome.errorOutput,
               "The page of Trello opens in the browser; zelto waits until you have agreed there.\n");
-    EXPECT_EQ(zelto.run({"accounts"}).output, sandboxAccount + "\n");
+    EXPECT_EQ(zelto.run({"accounts"}).output, sandboxAccount + "  (sandbox)\n");
     const auto credentials = stored(sandboxAccount);
     EXPECT_TRUE(credentials.accessToken);
     EXPECT_TRUE(credentials.tokenSecret);

@@ -29,7 +29,7 @@ TEST_F(Reconnect, PutsANewSignInIntoTheAccount) {
     EXPECT_EQ(run({"reconnect", sandboxAccount, "--follow"}).output, "Reconnected " + sandboxAccount + ".\n");
     EXPECT_NE(stored(sandboxAccount).accessToken, before.accessToken);
     EXPECT_EQ(run({"targets", sandboxAccount, "--refresh"}).status, 0);
-    EXPECT_EQ(zelto.run({"accounts"}).output, sandboxAccount + "\n");
+    EXPECT_EQ(zelto.run({"accounts"}).output, sandboxAccount + "  (sandbox)\n");
 }
 
 TEST_F(Reconnect, LeavesTheAccountAloneWhenTheSignInFails) {
@@ -38,7 +38,7 @@ TEST_F(Reconnect, LeavesTheAccountAloneWhenTheSignInFails) {
     EXPECT_EQ(run({"reconnect", sandboxAccount, "--token", "no-such-token", "--json"}).text("error"),
               "dataLoadingError");
     EXPECT_EQ(stored(sandboxAccount), before);
-    EXPECT_EQ(zelto.run({"accounts"}).output, sandboxAccount + "\n");
+    EXPECT_EQ(zelto.run({"accounts"}).output, sandboxAccount + "  (sandbox)\n");
 }
 
 TEST_F(Reconnect, OfSomebodyElseChangesNothing) {

@@ -97,7 +97,7 @@ TEST(Help, HasExamplesThatRunAsTheyStand) {
                                           : jsonResponse(request, R"({"tools":[],"content":[]})");
     });
     const ZeltoProgram zelto;
-    addTrelloAccount(zelto);
+    addTrelloAccount(zelto, AccountOf::service);
     for (const auto& command : commands()) {
         for (const auto& example : command.examples) {
             auto line = std::string(example);

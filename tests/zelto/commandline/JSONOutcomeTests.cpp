@@ -170,7 +170,7 @@ TEST(JSONOutcome, ShowsWhatWasDone) {
               "\n");
     EXPECT_EQ(zelto.run({"accounts", "--json"}).output,
               R"({"result":"success","accounts":[{"identifier":"Bear+a","service":"Bear","userName":"a",)"
-              R"("displayName":null,"enabled":true,"lastUsed":false}]})"
+              R"("displayName":null,"enabled":true,"lastUsed":false}],"sandboxAccounts":[]})"
               "\n");
     EXPECT_EQ(zelto.run({"preview", mail, "--to", "bear", "--as", "backLink", "--json"}).output,
               R"({"result":"success","preview":{"backLink":{"url":"mid:kickoff-2025.43@harbour.example"}}})"
