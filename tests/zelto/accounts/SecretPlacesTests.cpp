@@ -72,6 +72,8 @@ TEST_F(SecretPlaces, AreNamedWhereTheAccountIsUsedWithAnotherKeyChain) {
         EXPECT_EQ(outcome.output.find("does not accept"), std::string::npos) << outcome.output;
         EXPECT_EQ(sandbox->requests().size(), requests);
     }
+    expectFailure(zelto.run({"accounts", "restore", sandboxAccount, "--keychain", "memory", "--json"}),
+                  message, "zelto export --keychain file");
     EXPECT_EQ(exported("file").text("result"), "success");
 }
 
