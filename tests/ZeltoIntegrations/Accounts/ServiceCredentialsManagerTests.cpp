@@ -68,6 +68,18 @@ TEST(ServiceCredentialsManager, DistinguishesARecordFromNoneAndFromOneThatCannot
     EXPECT_FALSE(ServiceCredentialsManager::store(filled()));
 }
 
+TEST(ServiceCredentialsManager, KnowsARecordThatHoldsTokens) {
+    const auto holds = [](const char* record) {
+        return ServiceCredentialsManager::holdsTokens(dataOf(record));
+    };
+    EXPECT_TRUE(holds(R"({"accessToken":"a"})"));
+    EXPECT_TRUE(holds(R"({"refreshToken":"r","loginName":"me"})"));
+    EXPECT_FALSE(holds(R"({"loginName":"me","password":"p","expirationDate":1})"));
+    EXPECT_FALSE(holds("{}"));
+    EXPECT_FALSE(holds("no record"));
+    EXPECT_FALSE(holds(""));
+}
+
 TEST(ServiceAccountCredentials, AFlowsKeyIsOfNoAccountAndNeverTheSame) {
     const auto key = withKeyAlone().serviceCredentialsKey;
     const auto one = ServiceAccountCredentials::flowKey(key);
