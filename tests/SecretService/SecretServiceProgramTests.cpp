@@ -4,6 +4,8 @@
 #include <ZeltoHost/Storage/SQLiteAccountStorage.h>
 #include <ZeltoSandbox/SandboxServer.h>
 
+#include <Support/Folders.h>
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -28,12 +30,12 @@ class SecretServiceProgram : public testing::Test {
         ASSERT_EQ(outcome.status, 0) << outcome.errorOutput;
     }
 
-    // The record of the account as the directory finds it.
-    static std::string zoomRecord(const std::filesystem::path& directory) {
+    // The record as the directory finds it.
+    static std::string recordIn(const std::filesystem::path& directory, const std::string& key = zoomKey) {
         const auto identity = SQLiteAccountStorage::open(directory).value()->tryDirectoryIdentity().value();
         SecretServiceKeyChainStore store("zelto", std::chrono::seconds(15),
                                          SecretServiceOwner{identity.text, identity.hadAccounts});
-        const auto record = store.read(zoomKey).value();
+        const auto record = store.read(key).value();
         return record ? std::string(viewOf(*record)) : "";
     }
 
@@ -52,14 +54,14 @@ TEST_F(SecretServiceProgram, KeepsTheAccountsOfTwoDataDirectoriesApart) {
     const auto other = zelto.home / "other";
     connectZoom(one, "first");
     connectZoom(other, "second");
-    EXPECT_TRUE(holds(zoomRecord(one), "first"));
-    EXPECT_TRUE(holds(zoomRecord(other), "second"));
+    EXPECT_TRUE(holds(recordIn(one), "first"));
+    EXPECT_TRUE(holds(recordIn(other), "second"));
     ASSERT_EQ(zelto.run({"reconnect", "Zoom+work", "--token", "third", "--data-dir", one}).status, 0);
-    EXPECT_TRUE(holds(zoomRecord(one), "third"));
-    EXPECT_TRUE(holds(zoomRecord(other), "second"));
+    EXPECT_TRUE(holds(recordIn(one), "third"));
+    EXPECT_TRUE(holds(recordIn(other), "second"));
     ASSERT_EQ(zelto.run({"accounts", "remove", "Zoom+work", "--data-dir", other}).status, 0);
-    EXPECT_EQ(zoomRecord(other), "");
-    EXPECT_TRUE(holds(zoomRecord(one), "third"));
+    EXPECT_EQ(recordIn(other), "");
+    EXPECT_TRUE(holds(recordIn(one), "third"));
 }
 
 TEST_F(SecretServiceProgram, LeavesTheItemsOfEarlierVersionsToTheDirectoriesThatHadThem) {
@@ -68,9 +70,25 @@ TEST_F(SecretServiceProgram, LeavesTheItemsOfEarlierVersionsToTheDirectoriesThat
     const auto fresh = zelto.home / "fresh";
     connectZoom(fresh, "new");
     ASSERT_EQ(zelto.run({"accounts", "remove", "Zoom+work", "--data-dir", fresh}).status, 0);
-    EXPECT_EQ(zoomRecord(fresh), "");
+    EXPECT_EQ(recordIn(fresh), "");
     EXPECT_EQ(earlier.read(zoomKey).value(), dataOf(R"({"accessToken":"earlier"})"));
     EXPECT_TRUE(earlier.erase(zoomKey).value());
+}
+
+TEST_F(SecretServiceProgram, FindsTheItemsOfEarlierVersionsInADirectoryThatHadThem) {
+    const std::string account = "Trello+alice@example.com";
+    const auto key = "ServiceCredentials - " + account;
+    const auto directory = zelto.home / "upgraded";
+    std::filesystem::create_directory(directory);
+    std::filesystem::copy_file(sourceFolder() / "tests/ZeltoHost/Storage/fixtures/accounts-1.sqlite",
+                               directory / "accounts.sqlite");
+    SecretServiceKeyChainStore earlier;
+    ASSERT_TRUE(earlier.write(key, dataOf(R"({"accessToken":"earlier"})")));
+    EXPECT_TRUE(holds(recordIn(directory, key), "earlier"));
+    const auto removed = zelto.run({"accounts", "remove", account, "--data-dir", directory});
+    EXPECT_EQ(removed.status, 0) << removed.errorOutput;
+    EXPECT_EQ(removed.errorOutput, "");
+    EXPECT_EQ(earlier.read(key).value(), std::nullopt);
 }
 
 TEST_F(SecretServiceProgram, NamesTheDesktopsKeyChainWhereItIsNotUsed) {

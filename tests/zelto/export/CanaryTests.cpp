@@ -122,6 +122,7 @@ TEST(Canary, AppearsInNoByteThatTheCommandsWrite) {
         {"export", mail, "--to", "Things+user", "--opener", "false"},
         {"export", mail, "--to", "Trello+user", "--dry-run"},
         {"export", mail, "--to", "omnifocus", "--progress", "json", "--opener", opener},
+        {"accounts", "restore", "Trello+user"},
         {"accounts", "remove", "Nobody"},
         {"accounts", "remove", "Bear+user"},
         {"accounts", "remove", "Trello+user"},
