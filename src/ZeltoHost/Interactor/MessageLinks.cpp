@@ -8,21 +8,6 @@ namespace zelto {
 
 namespace {
 
-// "$", "+", "=", "!" and the like are allowed in ids and in URLs, but "(", ")", "'", "*", "&" and ";" would
-// have to be escaped again wherever a link is written.
-std::string escapedMessageID(std::string_view id) {
-    static constexpr std::string_view kept = "-._~@$+=!";
-    std::string result;
-    for (const char c : id) {
-        if (isASCIIAlphanumeric(c) || kept.find(c) != std::string_view::npos) {
-            result += c;
-        } else {
-            result += percentEncodeBytes({&c, 1}, AllowedCharacters::alphanumerics);
-        }
-    }
-    return result;
-}
-
 std::string replacingEach(std::string_view text, std::string_view characters, auto replacement) {
     std::string result;
     for (const char c : text) {
@@ -39,6 +24,21 @@ std::string percentEncodedEach(std::string_view url, std::string_view characters
     return replacingEach(url, characters, [](char c) {
         return percentEncodeBytes({&c, 1}, AllowedCharacters::alphanumerics);
     });
+}
+
+// "$", "+", "=", "!" and the like are allowed in ids and in URLs, but "(", ")", "'", "*", "&" and ";" would
+// have to be escaped again wherever a link is written.
+std::string escapedMessageID(std::string_view id) {
+    static constexpr std::string_view kept = "-._~@$+=!";
+    std::string result;
+    for (const char c : id) {
+        if (isASCIIAlphanumeric(c) || kept.find(c) != std::string_view::npos) {
+            result += c;
+        } else {
+            result += percentEncodeBytes({&c, 1}, AllowedCharacters::alphanumerics);
+        }
+    }
+    return result;
 }
 
 std::string slackEscaped(std::string_view text) {
@@ -83,9 +83,10 @@ MessageLinks linksToMail(const std::optional<std::string>& messageID) {
         return {};
     }
     MessageLinks links;
-    links.backlink = "mid:" + escapedMessageID(*messageID);
-    links.altBacklink = "message:%3C" + escapedMessageID(*messageID) + "%3E";
-    links.safeBacklink = "mid:" + percentEncodeBytes(*messageID, AllowedCharacters::alphanumerics);
+    const auto id = escapedMessageID(*messageID);
+    links.backlink = "mid:" + id;
+    links.altBacklink = "message:%3C" + id + "%3E";
+    links.safeBacklink = "mid:" + percentEncodedEach(id, "_~");
     return links;
 }
 

@@ -28,9 +28,8 @@ struct MessageLinks {
 // - the backlink is the "mid:" URL of RFC 2392, "mid:note.1@example.org";
 // - the alternative is the "message:" URL that some mail clients know instead, with the angle brackets of the
 //   header, "message:%3Cnote.1@example.org%3E";
-// - the safe one is the same "mid:" URL with everything but letters and digits escaped
-//   ("mid:note%2E1%40example%2Eorg"), for places that take "@" for an address, "_" for emphasis or "." for
-//   the end of a link.
+// - the safe one is the same "mid:" URL with "_" and "~" escaped as well ("mid:my%5Fnote.1@example.org"), for
+//   places that take them for emphasis even within a link.
 MessageLinks linksToMail(const std::optional<std::string>& messageID);
 
 // `raw` is only the URL, `html` an element, `markdown` "[text](url)", `mrkdwn` "<url|text>"; the text is

@@ -16,7 +16,14 @@ TEST(MessageLinks, AnyMessageIDMakesURLs) {
         }
     }
     EXPECT_EQ(linksToMail("a/b?c=d%e@f").backlink, "mid:a%2Fb%3Fc=d%25e@f");
-    EXPECT_EQ(linksToMail("a_b@f").safeBacklink, "mid:a%5Fb%40f");
+}
+
+TEST(MessageLinks, AMessageIDIsEscapedOnlyWhereItMustBe) {
+    const auto links = linksToMail("CAF-1.2+x=y$z!_~@mail.harbour.example");
+    EXPECT_EQ(links.backlink, "mid:CAF-1.2+x=y$z!_~@mail.harbour.example");
+    EXPECT_EQ(links.altBacklink, "message:%3CCAF-1.2+x=y$z!_~@mail.harbour.example%3E");
+    EXPECT_EQ(links.safeBacklink, "mid:CAF-1.2+x=y$z!%5F%7E@mail.harbour.example");
+    EXPECT_EQ(linksToMail("a/b?c#d%e&f(g)@[h]").safeBacklink, "mid:a%2Fb%3Fc%23d%25e%26f%28g%29@%5Bh%5D");
 }
 
 TEST(MessageLinks, WithoutAMessageIDThereAreNone) {
