@@ -1,5 +1,7 @@
 #include <ZeltoSandbox/RequestLog.h>
 
+#include <ZeltoSandbox/DateText.h>
+
 namespace zelto::sandbox {
 
 namespace {
@@ -9,7 +11,7 @@ JSONObject jsonOf(const SandboxRecord& record) {
     for (const auto& field : record.fields) {
         fields.push_back(JSONObject{{"name", field.name}, {"value", field.value}});
     }
-    return {{"number", record.number},         {"date", record.date.secondsSinceReference()},
+    return {{"number", record.number},         {"date", controlDateText(record.date)},
             {"connection", record.connection}, {"service", record.service},
             {"method", record.method},         {"host", record.host},
             {"target", record.target},         {"fields", std::move(fields)},

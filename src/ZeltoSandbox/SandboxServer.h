@@ -67,8 +67,8 @@ class SandboxServer {
     // Bytes; nullopt for the service's own limit by its account's plan.
     void setAttachmentLimit(std::optional<std::uint64_t> bytes);
 
-    // Tokens as after a sign-in, for any client. The service by its name: "Trello". nullopt for a service
-    // without tokens.
+    // Tokens as after a sign-in, for any client. The service by its name in any case: "Trello". nullopt for a
+    // service without tokens.
     std::optional<SandboxTokens> issueTokens(std::string_view service);
     // The service's access tokens are refused from now on; its refresh tokens are not.
     void expireTokens(std::string_view service);

@@ -26,6 +26,13 @@ std::set<std::string_view> serviceNames() {
     return names;
 }
 
+std::optional<std::string_view> serviceNamed(std::string_view name) {
+    const auto names = serviceNames();
+    const auto found = std::ranges::find_if(
+        names, [&](std::string_view each) { return equalIgnoringASCIICase(each, name); });
+    return found == names.end() ? std::nullopt : std::optional(*found);
+}
+
 } // namespace
 
 ServiceDispatcher::ServiceDispatcher(const SandboxOptions& options, RequestLog& log)
@@ -182,8 +189,9 @@ void ServiceDispatcher::changeSettings(const std::function<void(SandboxSettings&
     change(context_.settings);
 }
 
-std::optional<SandboxTokens> ServiceDispatcher::issueTokens(std::string_view service) {
+std::optional<SandboxTokens> ServiceDispatcher::issueTokens(std::string_view name) {
     const std::lock_guard guard(lock_);
+    const auto service = serviceNamed(name).value_or("");
     TokenGrant grant{
         .service = std::string(service), .clientID = {}, .scope = {}, .flow = context_.tokens.newFlow()};
     if (std::ranges::find(oauth1Services(), service, &OAuth1Service::name) != oauth1Services().end()) {
@@ -205,10 +213,13 @@ std::optional<SandboxTokens> ServiceDispatcher::issueTokens(std::string_view ser
     return tokens;
 }
 
-bool ServiceDispatcher::expireTokens(std::string_view service) {
+bool ServiceDispatcher::expireTokens(std::string_view name) {
     const std::lock_guard guard(lock_);
-    context_.tokens.expire(service);
-    return serviceNames().contains(service);
+    const auto service = serviceNamed(name);
+    if (service) {
+        context_.tokens.expire(*service);
+    }
+    return service.has_value();
 }
 
 void ServiceDispatcher::reset() {

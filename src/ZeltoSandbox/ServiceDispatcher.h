@@ -38,9 +38,10 @@ class ServiceDispatcher {
     SandboxSettings settings() const;
     void changeSettings(const std::function<void(SandboxSettings&)>& change);
 
-    std::optional<SandboxTokens> issueTokens(std::string_view service);
+    // The service by its name in any case.
+    std::optional<SandboxTokens> issueTokens(std::string_view name);
     // False for an unknown service.
-    bool expireTokens(std::string_view service);
+    bool expireTokens(std::string_view name);
     void reset();
 
   private:

@@ -1,5 +1,6 @@
 #include <ZeltoSandbox/SandboxCaller.h>
 
+#include <Platform/ISO8601.h>
 #include <ZeltoSandbox/SandboxProof.h>
 
 #include <gtest/gtest.h>
@@ -96,6 +97,29 @@ TEST_F(ControlAPITest, ExpiresTokens) {
     EXPECT_EQ(caller.control("expire", R"({"service":"Trello"})").status, 204);
     EXPECT_EQ(member().status, 401);
     EXPECT_EQ(caller.control("expire", R"({"service":"Nobody"})").status, 400);
+}
+
+TEST_F(ControlAPITest, TakesTheNamesOfServicesInAnyCase) {
+    EXPECT_EQ(caller.control("expire", R"({"service":"trello"})").status, 204);
+    EXPECT_EQ(member().status, 401);
+    for (const std::string name : {"TRELLO", "trello", "tReLLo"}) {
+        const auto tokens = caller.control("tokens", R"({"service":")" + name + "\"}");
+        EXPECT_EQ(tokens.status, 200) << name;
+        token = tokens.text("accessToken");
+        EXPECT_EQ(member().status, 200) << name;
+    }
+    EXPECT_NE(caller.control("tokens", R"({"service":"googledrive"})").text("refreshToken"), "(none)");
+    EXPECT_EQ(caller.control("tokens", R"({"service":""})").status, 400);
+}
+
+TEST_F(ControlAPITest, WritesDatesAsISO8601WithMicroseconds) {
+    const auto before = iso8601(Date::now());
+    member();
+    const auto request = caller.get(caller.ownHost(), "/control/requests").json();
+    const auto date = *request.find("requests")->asArray()->front().find("date")->asString();
+    EXPECT_EQ(date.size(), std::string_view("2026-12-24T09:00:00.250000Z").size()) << date;
+    EXPECT_TRUE(parseISO8601(date)) << date;
+    EXPECT_GE(date.substr(0, date.find('.')) + "Z", before);
 }
 
 TEST_F(ControlAPITest, SaysWhatIsWrongWithAFault) {

@@ -1,6 +1,7 @@
 #include <ZeltoSandbox/Asana/AsanaJSON.h>
 
-#include <Platform/ISO8601.h>
+#include <ZeltoSandbox/DateText.h>
+
 #include <Platform/PercentEncoding.h>
 
 #include <algorithm>
@@ -28,8 +29,7 @@ JSONObject compact(const AsanaProjectRecord& project) {
 
 // Asana's dates have milliseconds.
 std::string dateText(Date date) {
-    auto text = iso8601(date);
-    return text.empty() ? text : text.replace(text.size() - 1, 1, ".000Z");
+    return sandbox::dateText(date, 3);
 }
 
 JSONObject taskState(const AsanaTaskRecord& task) {
@@ -41,7 +41,7 @@ JSONObject taskState(const AsanaTaskRecord& task) {
             {"name", task.name},
             {"notes", task.notes},
             {"assignee", task.assignee ? JSONValue(task.assignee->name) : JSONValue()},
-            {"date", task.date.secondsSinceReference()},
+            {"date", controlDateText(task.date)},
             {"attachments", std::move(files)}};
 }
 

@@ -1,7 +1,8 @@
 #include <ZeltoSandbox/Todoist/TodoistStore.h>
 
+#include <ZeltoSandbox/DateText.h>
+
 #include <Platform/Crypto/RandomBytes.h>
-#include <Platform/ISO8601.h>
 #include <Platform/PercentEncoding.h>
 
 #include <algorithm>
@@ -31,8 +32,7 @@ std::string resourceType(std::string_view mediaType) {
 
 // Todoist's dates have microseconds.
 std::string dateText(Date date) {
-    auto text = iso8601(date);
-    return text.empty() ? text : text.replace(text.size() - 1, 1, ".000000Z");
+    return sandbox::dateText(date, 6);
 }
 
 JSONValue fileOf(const TodoistStore& store, const TodoistNoteRecord& note) {
@@ -52,7 +52,7 @@ JSONObject itemState(const TodoistItemRecord& item, JSONValue::Array comments) {
     return {{"id", item.id},
             {"content", item.content},
             {"due", item.dueDate ? JSONValue(*item.dueDate) : JSONValue()},
-            {"date", item.date.secondsSinceReference()},
+            {"date", controlDateText(item.date)},
             {"comments", std::move(comments)}};
 }
 

@@ -1,7 +1,8 @@
 #include <ZeltoSandbox/Trello/TrelloStore.h>
 
+#include <ZeltoSandbox/DateText.h>
+
 #include <Platform/Crypto/Digest.h>
-#include <Platform/ISO8601.h>
 #include <Platform/NeverDestroyed.h>
 
 #include <algorithm>
@@ -47,8 +48,7 @@ TrelloListRecord archived(std::string name) {
 
 // Trello's dates have milliseconds.
 std::string dateText(Date date) {
-    auto text = iso8601(date);
-    return text.empty() ? text : text.replace(text.size() - 1, 1, ".000Z");
+    return sandbox::dateText(date, 3);
 }
 
 } // namespace
@@ -228,7 +228,7 @@ JSONObject stateOf(const TrelloCardRecord& card) {
     return {{"id", card.id},
             {"name", card.name},
             {"desc", card.desc},
-            {"date", card.date.secondsSinceReference()},
+            {"date", controlDateText(card.date)},
             {"attachments", statesOf(card.attachments)}};
 }
 

@@ -4,7 +4,7 @@
 //   list: { id, name, tags, cards }
 //   card: { id, name, date, facts, text, files, comments }, a comment: { text, files }
 //   file: { name, mediaType, size, url }, or a link: { name, url }
-// `date` orders cards; lists of texts and of records may be left out.
+// `date`, in the form of the control API, orders cards; lists of texts and of records may be left out.
 import { element, foreign, longText, reconcile, sizeText, webLink } from "/text.js";
 
 const shownCards = 100; // of a list
@@ -61,7 +61,7 @@ function makeList() {
 // The latest of a list's cards, in the list's order.
 function latest(cards) {
   if (cards.length <= shownCards) return cards;
-  const dates = cards.map((card) => card.date).sort((a, b) => a - b);
+  const dates = cards.map((card) => card.date).sort();
   return cards.filter((card) => card.date >= dates[cards.length - shownCards]).slice(0, shownCards);
 }
 

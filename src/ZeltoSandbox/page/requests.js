@@ -1,7 +1,6 @@
 import { element, foreign, longText, sizeText } from "/text.js";
 
 const shownRequests = 200;
-const referenceDate = Date.UTC(2001, 0, 1);
 const list = document.getElementById("requests");
 const services = document.getElementById("services");
 const older = document.getElementById("older");
@@ -11,8 +10,8 @@ let chosen = null; // the service whose requests are shown; null for all
 
 function timeOf(record) {
   const time = element("time");
-  const date = new Date(referenceDate + record.date * 1000);
-  time.dateTime = date.toISOString();
+  const date = new Date(record.date);
+  time.dateTime = record.date;
   time.textContent = date.toLocaleTimeString("en-GB");
   return time;
 }
