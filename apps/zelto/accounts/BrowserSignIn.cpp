@@ -198,8 +198,10 @@ Outcome<SignInToken> signInByBrowser(const Invocation& invocation, const SignInS
         trouble && !stop.stop_requested()) {
         return failure(failureOf(*trouble, invocation));
     }
-    if (pasted && pasted->endedWithoutAddress() && !stop.stop_requested()) {
-        return failure(Failure{"canceled", "Standard input ended before the address was pasted.", ""});
+    const auto trouble = pasted ? pasted->trouble() : std::nullopt;
+    const bool wasWaiting = token.error().code == SignInErrorCode::canceled && !stop.stop_requested();
+    if (wasWaiting && trouble) {
+        return failure(Failure{"canceled", *trouble, ""});
     }
     return failure(failureOf(token.error(), invocation));
 }

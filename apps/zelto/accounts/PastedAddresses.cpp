@@ -72,10 +72,12 @@ std::string complaint(PasteOutcome outcome, const SignIn& signIn) {
         return {};
     case PasteOutcome::noAddress:
     case PasteOutcome::otherAddress:
-        return "zelto: that is not the address; it begins with " + signIn.redirect().absoluteString() +
-               ". Paste the whole of it.\n";
+        return "that is not the address; it begins with " + signIn.redirect().absoluteString() +
+               ". Paste the whole of it.";
+    case PasteOutcome::cut:
+        return "that address is not whole: its end is missing. Paste all of it.";
     case PasteOutcome::otherResponse:
-        return "zelto: that address is the end of another sign-in. Paste that of this one.\n";
+        return "that address is the end of another sign-in. Paste that of this one.";
     }
     return {};
 }
@@ -97,7 +99,8 @@ PastedAddresses::PastedAddresses(SignIn& signIn, std::stop_source& ending,
               if (outcome == PasteOutcome::taken) {
                   return;
               }
-              writeError(complaint(outcome, signIn));
+              complaint_ = complaint(outcome, signIn);
+              writeError("zelto: " + complaint_ + "\n");
           }
           if (!stop.stop_requested()) {
               hasEnded_ = true;
@@ -106,5 +109,13 @@ PastedAddresses::PastedAddresses(SignIn& signIn, std::stop_source& ending,
               }
           }
       }) {}
+
+std::optional<std::string> PastedAddresses::trouble() const {
+    if (!hasEnded_) {
+        return std::nullopt;
+    }
+    return complaint_.empty() ? "Standard input ended before the address was pasted."
+                              : "Standard input ended before the right address was pasted: " + complaint_;
+}
 
 } // namespace zelto::cli

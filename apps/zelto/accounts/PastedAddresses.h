@@ -4,7 +4,9 @@
 
 #include <atomic>
 #include <functional>
+#include <optional>
 #include <stop_token>
+#include <string>
 #include <thread>
 
 namespace zelto::cli {
@@ -18,9 +20,11 @@ class PastedAddresses {
     PastedAddresses(SignIn& signIn, std::stop_source& ending,
                     std::function<bool(const std::stop_token&)> isWanted);
 
-    bool endedWithoutAddress() const { return hasEnded_; }
+    // What to say where the input has ended without the address.
+    std::optional<std::string> trouble() const;
 
   private:
+    std::string complaint_; // about the last line, for whoever knows that the input has ended
     std::atomic<bool> hasEnded_ = false;
     std::jthread reading_;
 };

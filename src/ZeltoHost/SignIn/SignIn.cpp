@@ -20,14 +20,13 @@ namespace {
 
 using TokenResult = Result<SignInToken, SignInError>;
 
-// OAuth 1 has no error codes: 401 means that the client or its signature was rejected.
-SignInError refusal(const SignInService& service, int status) {
-    constexpr int firstTroubled = 500;
-    return {SignInErrorCode::refused,
-            refusalText(service.name, status >= firstTroubled ? "server_error" : "invalid_client")};
+SignInError refusal(const SignInService& service, OAuth1Step step, const SignInReply& reply) {
+    const auto items = parseFormItems(reply.body);
+    const auto problem = items ? onlyValue(*items, "oauth_problem") : std::nullopt;
+    return {SignInErrorCode::refused, refusalText(service.name, step, reply.status, problem.value_or(""))};
 }
 
-Result<OAuth1Token, SignInError> oauth1Token(const SignInService& service, const URL& url,
+Result<OAuth1Token, SignInError> oauth1Token(const SignInService& service, const URL& url, OAuth1Step step,
                                              const OAuth1Credentials& credentials,
                                              const URLQueryItem& parameter, const std::stop_token& stop) {
     URLRequest request(url, "POST");
@@ -38,7 +37,7 @@ Result<OAuth1Token, SignInError> oauth1Token(const SignInService& service, const
         return failure(reply.error());
     }
     if (!isSuccess(reply->status)) {
-        return failure(refusal(service, reply->status));
+        return failure(refusal(service, step, *reply));
     }
     auto token = readOAuth1Token(reply->body);
     if (!token) {
@@ -88,17 +87,25 @@ class SignIn::Work {
     }
 
     PasteOutcome paste(std::string_view text) {
-        const auto url = URL::parse(trimmed(text));
+        const auto address = trimmed(text);
+        const auto url = URL::parse(address);
         if (!url) {
-            return PasteOutcome::noAddress;
+            // Within an escape.
+            return address.starts_with(redirect_.absoluteString()) ? PasteOutcome::cut
+                                                                   : PasteOutcome::noAddress;
         }
         if (!isBelow(*url, redirect_)) {
-            return PasteOutcome::otherAddress;
+            return redirect_.absoluteString().starts_with(url->absoluteString()) ? PasteOutcome::cut
+                                                                                 : PasteOutcome::otherAddress;
         }
         const bool isImplicit = service_.flow == SignInFlow::implicit;
         const auto form = isImplicit && url->fragment() ? url->fragment() : url->query();
         const auto items = parseFormItems(form.value_or(""));
-        return items && inbox_->offer(*items) ? PasteOutcome::taken : PasteOutcome::otherResponse;
+        if (!items || address.ends_with('&') || inbox_->isCut(*items)) {
+            return PasteOutcome::cut;
+        }
+        return inbox_->offer(*items, ResponseOrigin::pasted) ? PasteOutcome::taken
+                                                             : PasteOutcome::otherResponse;
     }
 
     TokenResult finish(const std::stop_token& stop) {
@@ -121,12 +128,12 @@ class SignIn::Work {
                                ? SignInError{SignInErrorCode::canceled, "The sign-in was canceled."}
                                : timedOut(listener_ ? listener_->traffic() : SignInTraffic()));
         }
-        if (!*response) {
-            return failure(response->error());
-        }
-        auto token = tokenFor(**response, stop);
+        auto token = *response ? tokenFor(**response, stop) : failure(response->error());
         if (token && !isUsableToken(token->accessToken)) {
             return failure(responseWithoutToken(service_.name));
+        }
+        if (!token && inbox_->isPasted()) {
+            addDoubt(token.error());
         }
         return token;
     }
@@ -134,8 +141,19 @@ class SignIn::Work {
   private:
     std::jthread startServing() {
         return std::jthread([this](const std::stop_token& end) {
-            listener_->serve([this](const FormItems& items) { return inbox_->offer(items); }, end);
+            listener_->serve(
+                [this](const FormItems& items) { return inbox_->offer(items, ResponseOrigin::browser); },
+                end);
         });
+    }
+
+    // What the service finds wrong may be what is missing of the address.
+    void addDoubt(SignInError& error) const {
+        if (error.code == SignInErrorCode::refused) {
+            error.message += " Paste the whole address, should it have been cut.";
+        } else if (error.code == SignInErrorCode::denied && service_.flow == SignInFlow::oauth1) {
+            error.message += " If you have agreed there, the pasted address was cut: paste the whole of it.";
+        }
     }
 
     void mask(const std::string& secret) { masks_.push_back(SecretRegistry::shared().add(secret)); }
@@ -153,7 +171,8 @@ class SignIn::Work {
     Result<void, SignInError> prepareOAuth1(const std::stop_token& stop) {
         auto token =
             service_.requestTokenURL
-                ? oauth1Token(service_, *service_.requestTokenURL, {service_.clientID, service_.clientSecret},
+                ? oauth1Token(service_, *service_.requestTokenURL, OAuth1Step::requestToken,
+                              {service_.clientID, service_.clientSecret},
                               {"oauth_callback", redirect_.absoluteString()}, stop)
                 : failure(SignInError{SignInErrorCode::notOffered, "The service has no request tokens."});
         if (!token) {
@@ -197,7 +216,7 @@ class SignIn::Work {
 
     TokenResult tokenForVerifier(const std::string& verifier, const std::stop_token& stop) {
         const auto token =
-            oauth1Token(service_, service_.tokenURL,
+            oauth1Token(service_, service_.tokenURL, OAuth1Step::accessToken,
                         {service_.clientID, service_.clientSecret, requestToken_.token, requestToken_.secret},
                         {"oauth_verifier", verifier}, stop);
         if (!token) {

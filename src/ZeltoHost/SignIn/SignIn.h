@@ -26,8 +26,9 @@ struct SignInOptions {
 enum class PasteOutcome {
     taken,
     noAddress,     // not a URL
+    cut,           // the beginning of the redirect's address, or its response has no end
     otherAddress,  // not below the redirect's address
-    otherResponse, // of another sign-in, or without a response
+    otherResponse, // of another sign-in
 };
 
 // One sign-in at a service: the user opens its address in a browser and agrees there, and the service

@@ -30,6 +30,13 @@ struct SignInError {
 // word, and omitted otherwise.
 std::string refusalText(const std::string& service, std::string_view code);
 
+// What a refused request of OAuth 1 was for.
+enum class OAuth1Step { requestToken, accessToken };
+
+// A refusal of OAuth 1, which has no error codes of its own: `problem` is the one that some services name all
+// the same (OAuth Problem Reporting), or empty.
+std::string refusalText(const std::string& service, OAuth1Step step, int status, std::string_view problem);
+
 // The service responded with success, but without a usable token.
 SignInError responseWithoutToken(const std::string& service);
 

@@ -2,15 +2,21 @@
 
 namespace zelto {
 
-bool SignInInbox::offer(const FormItems& items) {
+bool SignInInbox::offer(const FormItems& items, ResponseOrigin origin) {
     auto response = expectation_.read(items);
     const std::lock_guard guard(lock_);
     if (!response || response_) {
         return false;
     }
     response_ = std::move(response);
+    origin_ = origin;
     changed_.notify_all();
     return true;
+}
+
+bool SignInInbox::isPasted() const {
+    const std::lock_guard guard(lock_);
+    return response_ && origin_ == ResponseOrigin::pasted;
 }
 
 std::optional<SignInInbox::Response> SignInInbox::wait(std::chrono::milliseconds limit,

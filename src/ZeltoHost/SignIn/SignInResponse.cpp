@@ -2,6 +2,8 @@
 
 #include <Platform/Crypto/Digest.h>
 
+#include <algorithm>
+
 namespace zelto {
 
 namespace {
@@ -47,6 +49,21 @@ bool SignInExpectation::isOurs(const FormItems& items) const {
     }
     const auto url = URL::parse(*issuer);
     return url && haveSameOrigin(*url, issuer_);
+}
+
+bool SignInExpectation::isCut(const FormItems& items) const {
+    const auto mark = onlyValue(items, markName(flow_)).value_or("");
+    if (mark != mark_) {
+        return mark_.starts_with(mark);
+    }
+    const auto name = valueName(flow_);
+    const auto isGiven = [&](std::string_view each) { return !onlyValue(items, each).value_or("").empty(); };
+    if (isGiven(name) || isGiven("error")) {
+        return false;
+    }
+    // A denial of OAuth 1 is the mark alone.
+    return flow_ != SignInFlow::oauth1 ||
+           std::ranges::any_of(items, [&](const URLQueryItem& item) { return name.starts_with(item.name); });
 }
 
 std::optional<Result<SignInResponse, SignInError>> SignInExpectation::read(const FormItems& items) const {

@@ -27,6 +27,10 @@ class SignInExpectation {
     // repeated, it was issued by another server (RFC 9207), or it is empty.
     std::optional<Result<SignInResponse, SignInError>> read(const FormItems& items) const;
 
+    // Whether the items may be the expected response without its end, as a person pastes it by mistake: the
+    // mark or the value is missing or too short.
+    bool isCut(const FormItems& items) const;
+
   private:
     bool isOurs(const FormItems& items) const;
 

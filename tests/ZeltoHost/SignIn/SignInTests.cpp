@@ -277,13 +277,114 @@ TEST(SignIn, TakesAPastedAddress) {
         EXPECT_EQ(signIn->paste("https://evil.example/?" + goodResponse(*signIn)),
                   PasteOutcome::otherAddress);
         EXPECT_EQ(signIn->paste(redirect + "/more?" + goodResponse(*signIn)), PasteOutcome::otherAddress);
-        EXPECT_EQ(signIn->paste(redirect), PasteOutcome::otherResponse);
         EXPECT_EQ(signIn->paste(redirect + "?code=canary-code&state=wrong"), PasteOutcome::otherResponse);
         EXPECT_EQ(signIn->paste("  " + redirect + "?" + goodResponse(*signIn) + "\r\n"), PasteOutcome::taken);
         EXPECT_EQ(signIn->paste(redirect + "?" + goodResponse(*signIn)), PasteOutcome::otherResponse);
     });
     ASSERT_TRUE(token) << token.error().message;
     EXPECT_EQ(token->accessToken, "canary-access");
+}
+
+TEST(SignIn, KnowsAPastedAddressThatWasCut) {
+    for (const auto type : {ServiceType::Asana, ServiceType::MeisterTask}) {
+        const auto signIn = begun(type);
+        const bool isImplicit = type == ServiceType::MeisterTask;
+        const auto redirect = signIn->redirect().absoluteString();
+        const auto begin = redirect + (isImplicit ? "#" : "?");
+        const std::string value = isImplicit ? "access_token=a%2Fb" : "code=a%2Fb";
+        const auto mark = "state=" + itemOf(*signIn, "state");
+        // Of a value at the end, nobody knows how long it should be.
+        const auto wholeMarkFirst = mark + "&" + value.substr(0, value.find('=') + 2);
+        for (const auto& whole : {value + "&" + mark, wholeMarkFirst}) {
+            for (std::size_t length = 0; length < whole.size(); ++length) {
+                EXPECT_EQ(signIn->paste(begin + whole.substr(0, length)), PasteOutcome::cut)
+                    << whole.substr(0, length);
+            }
+        }
+        EXPECT_EQ(signIn->paste(redirect), PasteOutcome::cut);
+        EXPECT_EQ(signIn->paste(redirect.substr(0, redirect.size() - 1)), PasteOutcome::cut);
+        EXPECT_EQ(signIn->paste(begin + value + "&" + mark), PasteOutcome::taken);
+    }
+}
+
+TEST(SignIn, DoubtsAPastedAddressThatTheServiceRefuses) {
+    const TestHTTPServer server({PlayedResponse::json(R"({"error":"invalid_grant"})", 400)});
+    const ServiceRoute route(server);
+    const auto signIn = begun(ServiceType::Asana);
+    EXPECT_EQ(signIn->paste(signIn->redirect().absoluteString() + "?" + goodResponse(*signIn)),
+              PasteOutcome::taken);
+    EXPECT_EQ(complaint(signIn->finish()),
+              "refused: Asana does not take the code of its own page; it is spent or too old. Sign in again "
+              "(invalid_grant). Paste the whole address, should it have been cut.");
+}
+
+TEST(SignIn, TellsADenialOfOAuth1FromAPastedAddressThatWasCut) {
+    const PlayedResponse requestToken{
+        .body = "oauth_token=request&oauth_token_secret=canary-secret&oauth_callback_confirmed=true"};
+    const TestHTTPServer server({requestToken, requestToken});
+    const ServiceRoute route(server);
+    const auto browsed = begun(ServiceType::Evernote);
+    EXPECT_EQ(
+        complaint(outcome(*browsed,
+                          [&] { EXPECT_EQ(comeBack(*browsed, "oauth_token=request"), "HTTP/1.1 200 OK"); })),
+        "denied: The access was denied on the page of Evernote.");
+    const auto pasted = begun(ServiceType::Evernote);
+    const auto redirect = pasted->redirect().absoluteString();
+    for (const auto* query : {"", "?", "?oauth_tok", "?oauth_token=req", "?oauth_token=request&",
+                              "?oauth_token=request&oauth_ver", "?oauth_token=request&oauth_verifier="}) {
+        EXPECT_EQ(pasted->paste(redirect + query), PasteOutcome::cut) << query;
+    }
+    EXPECT_EQ(pasted->paste(redirect + "?oauth_token=request"), PasteOutcome::taken);
+    EXPECT_EQ(complaint(pasted->finish()),
+              "denied: The access was denied on the page of Evernote. If you have "
+              "agreed there, the pasted address was cut: paste the whole of it.");
+}
+
+TEST(SignIn, ReportsWhatAServiceOfOAuth1Refuses) {
+    const PlayedResponse requestToken{
+        .body = "oauth_token=request&oauth_token_secret=canary-secret&oauth_callback_confirmed=true"};
+
+    struct Row {
+        std::vector<PlayedResponse> responses;
+        std::string complaint;
+    };
+
+    const std::string spent =
+        "refused: Evernote does not take the response of its own page; it is spent or too old. Sign in again ";
+    const std::string unknown =
+        "refused: Evernote does not accept this program's client identifier or its "
+        "secret; name your own registration, and see that this machine's clock is right ";
+    const Row rows[] = {
+        {{PlayedResponse{.status = 401, .body = "invalid key"}}, unknown + "(status 401)."},
+        {{PlayedResponse{.status = 401, .body = "oauth_problem=signature_invalid"}},
+         unknown + "(signature_invalid)."},
+        {{PlayedResponse{.status = 401, .body = "oauth_problem=timestamp_refused"}},
+         "refused: Evernote finds that the request is not of this moment; set this machine's clock, and try "
+         "again (timestamp_refused)."},
+        {{PlayedResponse{.status = 400, .body = "oauth_problem=%1b]0;x"}},
+         "refused: Evernote refused the sign-in."},
+        {{PlayedResponse{.status = 400}}, "refused: Evernote finds the request faulty (status 400)."},
+        {{PlayedResponse{.status = 503}},
+         "refused: Evernote has trouble of its own; try again later (status 503)."},
+        {{requestToken, PlayedResponse{.status = 401, .body = "token not found"}}, spent + "(status 401)."},
+        {{requestToken, PlayedResponse{.status = 401, .body = "oauth_problem=token_expired"}},
+         spent + "(token_expired)."},
+        {{requestToken, PlayedResponse{.status = 500}},
+         "refused: Evernote has trouble of its own; try again later (status 500)."},
+        {{requestToken, PlayedResponse{.body = "hello"}}, "badResponse: Evernote responded without a token."},
+    };
+    for (const auto& row : rows) {
+        const TestHTTPServer server(row.responses);
+        const ServiceRoute route(server);
+        const auto signIn = SignIn::begin(signInServiceFor(ServiceType::Evernote).value(), {});
+        if (!signIn) {
+            EXPECT_EQ(complaint(failure(signIn.error())), row.complaint);
+            continue;
+        }
+        EXPECT_EQ(
+            complaint(outcome(**signIn, [&] { comeBack(**signIn, "oauth_token=request&oauth_verifier=v"); })),
+            row.complaint);
+    }
 }
 
 TEST(SignIn, TakesAPastedAddressWithAFragment) {
