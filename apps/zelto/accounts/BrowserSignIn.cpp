@@ -64,18 +64,38 @@ std::string hostName() {
     return ::gethostname(name.data(), name.size() - 1) == 0 ? name.substr(0, name.find('\0')) : "HOST";
 }
 
-std::string waysBack(const SignIn& signIn) {
-    const auto redirect = signIn.redirect();
-    if (!signIn.listens()) {
-        return "Then paste the address that the browser ends at here; it begins with\n" +
-               redirect.absoluteString() + "\n\n";
+std::string portOf(const URL& address) {
+    constexpr std::uint16_t standardPort = 80;
+    return std::to_string(address.port().value_or(standardPort));
+}
+
+// "-L 8377:127.0.0.1:8377": passes a port of this machine on to that of an address.
+std::string forwarded(const URL& address) {
+    const auto host = address.host() == "::1" ? "[::1]" : "127.0.0.1";
+    return "-L " + portOf(address) + ":" + host + ":" + portOf(address);
+}
+
+// What a browser on another machine needs to reach of this one.
+std::string waysThrough(const SignIn& signIn) {
+    const auto page = sandbox();
+    if (!page && !signIn.listens()) {
+        return {};
     }
-    const auto port = std::to_string(redirect.port().value_or(80));
-    return "The browser comes back to port " + port +
-           " of this machine. If it runs on another one, run this there first:\n\n  ssh -L " + port +
-           ":127.0.0.1:" + port + " " + hostName() +
-           "\n\nor paste the address that the browser ends at here; it begins with\n" +
-           redirect.absoluteString() + "\n\n";
+    std::string ports = page ? "The page is on port " + portOf(*page) + " of this machine" : "";
+    std::string options = page ? forwarded(*page) + " " : "";
+    if (signIn.listens()) {
+        ports += (page ? ", and the" : "The") + std::string(" browser comes back to port ") +
+                 portOf(signIn.redirect()) + " of " + (page ? "it" : "this machine");
+        options += forwarded(signIn.redirect()) + " ";
+    }
+    return ports + ". If the browser runs on another one, run this there first:\n\n  ssh " + options +
+           hostName() + "\n\n";
+}
+
+std::string waysBack(const SignIn& signIn) {
+    return waysThrough(signIn) + (signIn.listens() ? "or" : "Then") +
+           " paste the address that the browser ends at here; it begins with\n" +
+           signIn.redirect().absoluteString() + "\n\n";
 }
 
 void showAddress(const SignIn& signIn, const URL& page) {

@@ -148,6 +148,41 @@ TEST_F(Connect, KeepsNothingAfterADenial) {
     EXPECT_EQ(stored("Zoom").accessToken, std::nullopt);
 }
 
+TEST_F(Connect, TellsADenialAfterStandardInputHasEnded) {
+    const auto outcome =
+        drive("zelto.stdin.close()\n"
+              "urllib.request.urlopen(until(r'^  (http.*)$') + '&sandbox_consent=deny').read()\n"
+              "zelto.stdin = None\n"
+              "sys.stderr.write(zelto.communicate()[1])\n"
+              "sys.exit(zelto.returncode)\n",
+              "connect zoom --no-browser");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_TRUE(outcome.errorOutput.ends_with("zelto: denied: The access was denied on the page of Zoom.\n"
+                                              "Try: zelto connect zoom\n"))
+        << outcome.errorOutput;
+}
+
+TEST_F(Connect, TellsAnEvernoteSignInThatIsDeniedOrSpentAsWhatItIs) {
+    sandbox->setConsent(SandboxConsent::deny);
+    const auto denied = run({"connect", "evernote", "--opener", browser(goThere), "--json"});
+    EXPECT_EQ(denied.text("error"), "denied");
+    EXPECT_EQ(denied.text("message"), "The access was denied on the page of Evernote.");
+    sandbox->setConsent(SandboxConsent::allow);
+    const auto spent = run({"connect", "evernote", "--opener",
+                            browser("class Stay(urllib.request.HTTPRedirectHandler):\n"
+                                    "    def redirect_request(self, *arguments): return None\n"
+                                    "try: urllib.request.build_opener(Stay).open(address)\n"
+                                    "except urllib.error.HTTPError as response: target = "
+                                    "response.headers['Location']\n"
+                                    "urllib.request.urlopen(target[:-3]).read()\n"),
+                            "--json"});
+    EXPECT_EQ(spent.text("error"), "refused") << spent.output;
+    EXPECT_EQ(spent.text("message"),
+              "Evernote does not take the response of its own page; it is spent or too "
+              "old. Sign in again (status 401).");
+    EXPECT_EQ(accountCount(zelto), 0U);
+}
+
 TEST_F(Connect, SeveralAtOnceMakeOneAccount) {
     const auto outcome = zelto.runShell(
         "for i in 1 2 3 4; do zelto --keychain file --sandbox " + sandbox->url().absoluteString() +
@@ -276,7 +311,8 @@ TEST_F(Connect, PrintsTheAddressAndTakesThePastedOne) {
     const auto redirect = "https://example.org/oauth-redirect/zoom";
     const auto wrong = std::string(redirect) + "?code=a&state=wrong";
     const auto outcome =
-        run({"connect", "zoom", "--redirect", redirect}, "garbage\n\n" + wrong + "\nhttps://evil.example/\n");
+        run({"connect", "zoom", "--redirect", redirect},
+            "garbage\n\n" + wrong + "\nhttps://evil.example/\n" + redirect + "?code=a&sta\n");
     EXPECT_EQ(outcome.status, 1);
     const auto& text = outcome.errorOutput;
     EXPECT_TRUE(text.starts_with("Open this address in a browser:\n\n  " + sandbox->url().absoluteString()))
@@ -290,12 +326,27 @@ TEST_F(Connect, PrintsTheAddressAndTakesThePastedOne) {
     EXPECT_NE(text.find(notTheAddress +
                         "zelto: that address is the end of another sign-in. Paste that of this "
                         "one.\n" +
-                        notTheAddress),
+                        notTheAddress +
+                        "zelto: that address is not whole: its end is missing. Paste all of it.\n"),
               std::string::npos)
         << text;
-    EXPECT_TRUE(text.ends_with("zelto: canceled: Standard input ended before the address was pasted.\n"
-                               "Try: zelto connect --help\n"))
+    EXPECT_TRUE(
+        text.ends_with("zelto: canceled: Standard input ended before the right address was pasted: that "
+                       "address is not whole: its end is missing. Paste all of it.\n"
+                       "Try: zelto connect --help\n"))
         << text;
+    EXPECT_EQ(run({"connect", "zoom", "--redirect", redirect, "--json"}).text("message"),
+              "Standard input ended before the address was pasted.");
+}
+
+TEST_F(Connect, NamesTheSandboxsPortForABrowserOnAnotherMachine) {
+    const auto port = std::to_string(sandbox->url().port().value());
+    const auto pasted = run({"connect", "zoom", "--redirect", "https://example.org/zoom"});
+    const auto start =
+        "The page is on port " + port +
+        " of this machine. If the browser runs on another one, run this there first:\n\n  ssh -L " + port +
+        ":127.0.0.1:" + port + " ";
+    EXPECT_NE(pasted.errorOutput.find(start), std::string::npos) << pasted.errorOutput;
 }
 
 TEST_F(Connect, TakesTheAddressThatWasPasted) {
@@ -316,13 +367,15 @@ TEST_F(Connect, TakesTheAddressThatWasPasted) {
 
 TEST_F(Connect, PrintsTheAddressWhenTheBrowserDoesNotStart) {
     for (const std::string opener : {"/none/such", "false"}) {
-        const auto outcome = drive("until('(begins with)')\n"
-                                   "until('(ssh -L [0-9]+:127.0.0.1:[0-9]+ .)')\n"
-                                   "zelto.send_signal(signal.SIGINT)\n"
-                                   "until('(zelto: canceled)')\n"
-                                   "print(seen)\n"
-                                   "sys.exit(zelto.wait())\n",
-                                   "connect zoom --opener " + opener);
+        const auto outcome =
+            drive("until('(begins with)')\n"
+                  "until('(ssh -L PORT:127.0.0.1:PORT -L ([0-9]+):127.0.0.1:\\\\2 .)'"
+                  ".replace('PORT', str(urllib.parse.urlsplit(until(r'^  (http.*)$')).port)))\n"
+                  "zelto.send_signal(signal.SIGINT)\n"
+                  "until('(zelto: canceled)')\n"
+                  "print(seen)\n"
+                  "sys.exit(zelto.wait())\n",
+                  "connect zoom --opener " + opener);
         EXPECT_EQ(outcome.status, 130) << outcome.errorOutput;
         EXPECT_NE(outcome.output.find(opener), std::string::npos);
     }
