@@ -95,7 +95,8 @@ std::string waysThrough(const SignIn& signIn) {
 std::string waysBack(const SignIn& signIn) {
     return waysThrough(signIn) + (signIn.listens() ? "or" : "Then") +
            " paste the address that the browser ends at here; it begins with\n" +
-           signIn.redirect().absoluteString() + "\n\n";
+           signIn.redirect().absoluteString() + "\n" +
+           (::isatty(STDIN_FILENO) == 1 ? "What you paste is not shown; end it with Enter.\n\n" : "\n");
 }
 
 void showAddress(const SignIn& signIn, const URL& page) {
@@ -171,6 +172,10 @@ Outcome<std::function<bool(const std::stop_token&)>> show(const Invocation& invo
 }
 
 } // namespace
+
+Failure canceledSignIn(const Invocation& invocation) {
+    return failureOf(SignInError{SignInErrorCode::canceled, "The sign-in was canceled."}, invocation);
+}
 
 Outcome<void> checkSignInOptions(const Invocation& invocation) {
     if (invocation.has("--follow") && !sandbox()) {

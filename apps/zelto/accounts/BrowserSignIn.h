@@ -9,6 +9,9 @@
 
 namespace zelto::cli {
 
+// What Ctrl-C leaves of a sign-in.
+Failure canceledSignIn(const Invocation& invocation);
+
 // Whether the options of a sign-in in the browser go together.
 Outcome<void> checkSignInOptions(const Invocation& invocation);
 

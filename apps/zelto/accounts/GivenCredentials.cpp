@@ -1,5 +1,6 @@
 #include "accounts/GivenCredentials.h"
 
+#include "accounts/BrowserSignIn.h"
 #include "accounts/SecretInputs.h"
 #include "accounts/ServiceNames.h"
 #include "commandline/InvocationCheck.h"
@@ -24,36 +25,29 @@ std::unexpected<Failure> wrong(const Invocation& invocation, std::string message
     return wrongUsage(std::move(message), helpCommand(invocation.command));
 }
 
-// What "-" stands for: the lines of standard input, one after the other.
-class InputLines {
-  public:
-    Outcome<std::string> next(const Invocation& invocation, std::string_view option) {
-        if (!text_) {
-            text_ = secretOfStandardInput();
-        }
-        if (!text_) {
-            return wrong(invocation, "Standard input is too long for " + std::string(option) + ".");
-        }
-        const auto line = text_->substr(0, text_->find('\n'));
-        text_->erase(0, line.size() + 1);
-        return std::string(trimmed(line));
+Failure failureOf(InputEnd end, const Invocation& invocation, std::string_view option) {
+    switch (end) {
+    case InputEnd::stopped:
+        return canceledSignIn(invocation);
+    case InputEnd::tooLong:
+        return wrong(invocation, "Standard input is too long for " + std::string(option) + ".").error();
+    case InputEnd::ended:
+        break;
     }
-
-  private:
-    std::optional<std::string> text_;
-};
+    return wrong(invocation, "Standard input ended before " + std::string(option) + " was given.").error();
+}
 
 // `nullopt` if the option is not given.
 Outcome<std::optional<std::string>> tokenOf(const Invocation& invocation, std::string_view option,
-                                            InputLines& input,
+                                            SecretInput& input, std::string_view what,
                                             const std::optional<std::string>& fromEnvironment = {}) {
     auto given = invocation.value(option);
     if (!given) {
         given = fromEnvironment;
     } else if (given == "-") {
-        auto line = input.next(invocation, option);
+        auto line = input.next(what);
         if (!line) {
-            return failure(line.error());
+            return failure(failureOf(line.error(), invocation, option));
         }
         given = *std::move(line);
     }
@@ -93,9 +87,15 @@ Given passwordGiven(const Invocation& invocation, Credentials credentials, const
     if (!invocation.has("--password-stdin")) {
         return wrong(invocation, "Give the password on standard input, with --password-stdin.");
     }
-    auto password = secretOfStandardInput();
-    if (!password || password->find('\n') != std::string::npos) {
-        return wrong(invocation, "Standard input holds more than one line, which is no password.");
+    SecretInput input;
+    auto password = input.next("Password of " + service);
+    if (!password) {
+        return failure(failureOf(password.error(), invocation, "--password-stdin"));
+    }
+    if (password->empty() || input.hasMore()) {
+        return wrong(invocation, password->empty()
+                                     ? "Standard input holds no password."
+                                     : "Standard input holds more than one line, which is no password.");
     }
     credentials.loginName = *login;
     credentials.password = *std::move(password);
@@ -103,14 +103,15 @@ Given passwordGiven(const Invocation& invocation, Credentials credentials, const
     return credentials;
 }
 
-Given tokensGiven(const Invocation& invocation, Credentials credentials) {
+Given tokensGiven(const Invocation& invocation, Credentials credentials, const std::string& service) {
     if (invocation.has("--login") || invocation.has("--password-stdin")) {
         return wrong(invocation,
                      "--login and --password-stdin are for services without tokens; give --token.");
     }
-    InputLines input;
-    auto token = tokenOf(invocation, "--token", input, tokenOfEnvironment());
-    auto refreshToken = token ? tokenOf(invocation, "--refresh-token", input) : token;
+    SecretInput input;
+    auto token = tokenOf(invocation, "--token", input, "Access token of " + service, tokenOfEnvironment());
+    auto refreshToken =
+        token ? tokenOf(invocation, "--refresh-token", input, "Refresh token of " + service) : token;
     auto expiry = expiryOf(invocation);
     if (!token || !refreshToken) {
         return failure(token ? refreshToken.error() : token.error());
@@ -145,8 +146,9 @@ bool canSignIn(ServiceType type) {
 
 Given givenCredentials(const Invocation& invocation, ServiceType type, const std::string& accountIdentifier) {
     auto credentials = Credentials::forIdentifier(accountIdentifier);
-    return takesPassword(type) ? passwordGiven(invocation, std::move(credentials), displayName(type))
-                               : tokensGiven(invocation, std::move(credentials));
+    const auto service = displayName(type);
+    return takesPassword(type) ? passwordGiven(invocation, std::move(credentials), service)
+                               : tokensGiven(invocation, std::move(credentials), service);
 }
 
 } // namespace zelto::cli

@@ -1,10 +1,9 @@
 #include "accounts/SecretInputs.h"
 
+#include "base/Terminal.h"
 #include "commandline/CommandTable.h"
 
 #include <algorithm>
-#include <array>
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <string_view>
@@ -13,6 +12,8 @@
 namespace zelto::cli {
 
 namespace {
+
+constexpr std::size_t limit = 64 * 1024;
 
 std::optional<std::string> takenToken;
 
@@ -64,27 +65,30 @@ const std::optional<std::string>& tokenOfEnvironment() {
     return takenToken;
 }
 
-std::optional<std::string> secretOfStandardInput() {
-    constexpr std::size_t limit = 64 * 1024;
-    std::string text;
-    std::array<char, 4096> piece;
-    for (;;) {
-        const auto count = ::read(STDIN_FILENO, piece.data(), piece.size());
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count <= 0) {
-            break;
-        }
-        text.append(piece.data(), static_cast<std::size_t>(count));
-        if (text.size() > limit) {
-            return std::nullopt;
-        }
+Result<std::string, InputEnd> SecretInput::next(std::string_view what) {
+    if (!reading_) {
+        reading_.emplace();
     }
-    while (text.ends_with('\n') || text.ends_with('\r')) {
-        text.pop_back();
+    if (reading_->input.isTyped()) {
+        return nextTyped(what);
     }
-    return text;
+    if (!left_) {
+        auto all = reading_->input.all(limit);
+        if (!all) {
+            return all;
+        }
+        left_ = all->substr(0, all->find_last_not_of("\r\n") + 1);
+    }
+    auto line = left_->substr(0, left_->find('\n'));
+    left_->erase(0, line.size() + 1);
+    return line;
+}
+
+Result<std::string, InputEnd> SecretInput::nextTyped(std::string_view what) {
+    writeError(std::string(what) + " (it is not shown): ");
+    auto line = reading_->input.line(limit);
+    writeError("\n");
+    return !line && line.error() == InputEnd::ended ? std::string() : line;
 }
 
 } // namespace zelto::cli

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "base/Interruption.h"
+#include "base/StandardInput.h"
+
 #include <optional>
 #include <string>
+#include <string_view>
 
 // What reaches the program in places that other programs can read, and how it is taken out of them.
 
@@ -19,7 +23,26 @@ std::optional<std::string> takeVariable(const char* name);
 void takeTokenOfEnvironment();
 const std::optional<std::string>& tokenOfEnvironment();
 
-// All of standard input, without line ends at its end. `nullopt` if there are more than 64 KiB.
-std::optional<std::string> secretOfStandardInput();
+// Secrets of standard input, one a line, of 64 KiB in all. A terminal asks for each, and does not show what
+// is typed. Ctrl-C ends the reading as a stop. One object at a time, without another Interruption.
+class SecretInput {
+  public:
+    // The next one; empty where there are no more. `what` is what a terminal asks for: "Access token".
+    Result<std::string, InputEnd> next(std::string_view what);
+
+    // Whether there is more than was taken, which a terminal does not know.
+    bool hasMore() const { return !left_.value_or("").empty(); }
+
+  private:
+    struct Reading {
+        Interruption interruption;
+        StandardInput input{interruption.stop()};
+    };
+
+    Result<std::string, InputEnd> nextTyped(std::string_view what);
+
+    std::optional<Reading> reading_;
+    std::optional<std::string> left_; // of an input that is no terminal
+};
 
 } // namespace zelto::cli

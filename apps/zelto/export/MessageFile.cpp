@@ -1,5 +1,7 @@
 #include "export/MessageFile.h"
 
+#include "base/Interruption.h"
+
 #include <ZeltoHost/Mail/MailDataInteractor.h>
 #include <ZeltoHost/Mail/MailReader.h>
 #include <ZeltoHost/MeetingNote/MeetingNoteDataInteractor.h>
@@ -14,13 +16,20 @@ namespace {
 using Interactor = std::shared_ptr<IntegrationsDataInteractorProtocol>;
 
 Failure mailFailure(const std::string& name, MailError error) {
+    if (error == MailError::canceled) {
+        return {std::string(nameOf(error)),
+                "The reading of " + name + " was canceled.",
+                {},
+                ExitStatus::interrupted};
+    }
     return {std::string(nameOf(error)), name + ": " + std::string(messageOf(error)), {}};
 }
 
 Outcome<Interactor> openMail(const std::string& name, InteractorOptions options) {
     std::filesystem::path path = name;
     if (name == "-") {
-        const auto spooled = spool(STDIN_FILENO);
+        const Interruption interruption;
+        const auto spooled = spool(STDIN_FILENO, interruption.stop());
         if (!spooled) {
             return failure(mailFailure("standard input", spooled.error()));
         }

@@ -1,7 +1,11 @@
 #include "mcp/McpOptions.h"
 
 #include "base/FileFailure.h"
+#include "base/Interruption.h"
+#include "base/StandardInput.h"
+#include "base/Terminal.h"
 #include "commandline/TimeoutOption.h"
+#include "mcp/McpFailures.h"
 
 #include <Platform/ASCII.h>
 #include <Platform/FileManager.h>
@@ -15,7 +19,7 @@ namespace zelto::cli {
 
 namespace {
 
-constexpr std::uint64_t largestInput = std::uint64_t{1} << 20;
+constexpr std::size_t largestInput = std::size_t{1} << 20;
 constexpr std::uint64_t largestArguments = std::uint64_t{256} << 20;
 
 // The field is not shown: it may hold a secret.
@@ -37,12 +41,30 @@ Outcome<void> addHeader(std::map<std::string, std::string>& headers, std::string
     return {};
 }
 
-Outcome<void> addHeadersOfInput(std::map<std::string, std::string>& headers) {
-    const auto input = FileManager::readFile("/dev/stdin", largestInput);
-    if (!input) {
-        return failure(failureOf(input.error()));
+Outcome<std::string> readInput() {
+    const Interruption interruption;
+    StandardInput input(interruption.stop());
+    if (input.isTyped()) {
+        writeError("Header fields, one a line, like 'Name: value'; they are not shown. Ctrl-D ends them.\n");
     }
-    std::istringstream lines{std::string(viewOf(*input))};
+    auto text = input.all(largestInput);
+    if (text) {
+        return *std::move(text);
+    }
+    if (text.error() == InputEnd::stopped) {
+        auto canceled = failureOf(MCPError(URLError{URLErrorCode::cancelled, "The request was cancelled."}));
+        canceled.status = ExitStatus::interrupted;
+        return failure(std::move(canceled));
+    }
+    return wrongUsage("Standard input is too long for --header-stdin.");
+}
+
+Outcome<void> addHeadersOfInput(std::map<std::string, std::string>& headers) {
+    auto input = readInput();
+    if (!input) {
+        return failure(std::move(input.error()));
+    }
+    std::istringstream lines{*std::move(input)};
     for (std::string line; std::getline(lines, line);) {
         if (isBlank(line)) {
             continue;

@@ -41,6 +41,7 @@ AttachmentFetchError fetchErrorOf(MailError error) {
     case MailError::headersTooLarge:
     case MailError::nestedTooDeep:
     case MailError::contentTooLarge:
+    case MailError::canceled:
         return AttachmentFetchError::sourceUnreadable;
     }
     return AttachmentFetchError::sourceUnreadable;

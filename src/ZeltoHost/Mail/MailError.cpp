@@ -4,7 +4,8 @@
 namespace zelto {
 
 ZELTO_DESCRIBE_ENUM(MailError, notFound, unreadable, notAMail, tooManyParts, tooManyHeaders, headersTooLarge,
-                    nestedTooDeep, contentTooLarge, unknownAttachment, changed, diskFull, cannotWrite);
+                    nestedTooDeep, contentTooLarge, unknownAttachment, changed, diskFull, cannotWrite,
+                    canceled);
 
 std::string_view messageOf(MailError error) {
     switch (error) {
@@ -33,6 +34,8 @@ std::string_view messageOf(MailError error) {
         return "There is no room left to write the file; free some space and try again.";
     case MailError::cannotWrite:
         return "The file cannot be written; check that the temporary directory may be written to.";
+    case MailError::canceled:
+        return "The reading was canceled; start it again.";
     }
     return {};
 }

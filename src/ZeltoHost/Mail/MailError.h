@@ -20,6 +20,7 @@ enum class MailError : int {
     changed,           // the file was changed after it was opened
     diskFull,          // a file could not be written: no space left
     cannotWrite,       // a file could not be written: any other reason
+    canceled,          // a stop was asked for
 };
 ZELTO_ENUM(MailError);
 

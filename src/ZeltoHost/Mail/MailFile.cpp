@@ -1,14 +1,28 @@
 #include <Platform/FileManager.h>
 #include <ZeltoHost/Mail/MailFile.h>
 #include <ZeltoHost/Mail/MailFileErrorInternal.h>
+#include <ZeltoHost/Process/StopSignalInternal.h>
 
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace zelto {
+
+namespace {
+
+// False if a stop is asked for first.
+bool waitForInput(int descriptor, const StopSignal& stop) {
+    std::array<pollfd, 2> awaited{{{descriptor, POLLIN, 0}, {stop.descriptor(), POLLIN, 0}}};
+    while (::poll(awaited.data(), awaited.size(), -1) < 0 && errno == EINTR) {
+    }
+    return awaited[1].revents == 0;
+}
+
+} // namespace
 
 MailFile::MailFile(FileDescriptor file, std::uint64_t size, timespec modified)
     : file_(std::move(file)), size_(size), modified_(modified) {}
@@ -60,7 +74,8 @@ bool MailFile::isUnchanged() const {
            status.st_mtim.tv_sec == modified_.tv_sec && status.st_mtim.tv_nsec == modified_.tv_nsec;
 }
 
-Result<std::filesystem::path, MailError> spool(int descriptor) {
+Result<std::filesystem::path, MailError> spool(int descriptor, const std::stop_token& stop) {
+    const StopSignal stopSignal(stop);
     const auto path = FileManager::temporaryPath("message");
     if (!path) {
         return failure(writeErrorOf(path.error()));
@@ -76,11 +91,14 @@ Result<std::filesystem::path, MailError> spool(int descriptor) {
     };
     std::array<char, 64U << 10> buffer;
     while (true) {
+        if (!waitForInput(descriptor, stopSignal)) {
+            return giveUp(MailError::canceled);
+        }
         const auto count = ::read(descriptor, buffer.data(), buffer.size());
         if (count == 0) {
             return *path;
         }
-        if (count < 0 && errno != EINTR) {
+        if (count < 0 && errno != EINTR && errno != EAGAIN) {
             return giveUp(MailError::unreadable);
         }
         const auto bytes = std::string_view(buffer.data(), count > 0 ? static_cast<std::size_t>(count) : 0);

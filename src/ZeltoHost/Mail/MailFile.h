@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <memory>
 #include <span>
+#include <stop_token>
 
 namespace zelto {
 
@@ -36,7 +37,7 @@ class MailFile {
 };
 
 // Copies everything from an open file, such as standard input, to a file in the process's private temporary
-// directory, and gives its path.
-Result<std::filesystem::path, MailError> spool(int descriptor);
+// directory, and gives its path. Ends as `canceled` when a stop is asked for.
+Result<std::filesystem::path, MailError> spool(int descriptor, const std::stop_token& stop = {});
 
 } // namespace zelto

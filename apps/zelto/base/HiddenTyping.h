@@ -1,0 +1,25 @@
+#pragma once
+
+#include <memory>
+
+struct termios;
+
+namespace zelto::cli {
+
+// While an object exists, what is typed at the terminal of standard input is not shown and comes at once, in
+// lines of any length and without the terminal's editing; Ctrl-C and Ctrl-Z are what they always are. Does
+// nothing where standard input is no terminal, or not this process's at the moment. One object at a time.
+class HiddenTyping {
+  public:
+    HiddenTyping();
+    ~HiddenTyping();
+    HiddenTyping(const HiddenTyping&) = delete;
+    HiddenTyping& operator=(const HiddenTyping&) = delete;
+
+    bool isOn() const { return before_ != nullptr; }
+
+  private:
+    std::unique_ptr<termios> before_; // the terminal's settings; null if they were left
+};
+
+} // namespace zelto::cli
