@@ -177,7 +177,7 @@ int run(const std::vector<std::string>& arguments) {
     if (outcome) {
         return report(*std::move(outcome), asJSON, invocation->has("--quiet"));
     }
-    auto reported = std::move(outcome.error());
+    auto reported = withSandbox(std::move(outcome.error()), *invocation);
     if (reported.next.empty()) {
         reported.next = helpCommand(invocation->command);
     }

@@ -4,11 +4,11 @@
 #include "base/Terminal.h"
 #include "commandline/InvocationCheck.h"
 #include "sandbox/SandboxPages.h"
+#include "sandbox/SandboxRoute.h"
 
 #include <ZeltoHost/Platform/URLOpener.h>
 #include <ZeltoHost/Process/CommandWords.h>
 
-#include <Platform/HTTP/URLSessionConfiguration.h>
 #include <Platform/Text.h>
 
 #include <condition_variable>
@@ -43,11 +43,6 @@ Failure failureOf(const SignInError& error, const Invocation& invocation) {
     return {std::string(nameOf(error.code)), error.message, command + subject};
 }
 
-// All requests to services go there, if there is one.
-std::optional<URL> sandbox() {
-    return URLSessionConfiguration::ephemeral().route;
-}
-
 Outcome<SignInOptions> signInOptions(const Invocation& invocation) {
     SignInOptions options;
     if (const auto text = invocation.value("--redirect")) {
@@ -77,7 +72,7 @@ std::string forwarded(const URL& address) {
 
 // What a browser on another machine needs to reach of this one.
 std::string waysThrough(const SignIn& signIn) {
-    const auto page = sandbox();
+    const auto page = usedSandbox();
     if (!page && !signIn.listens()) {
         return {};
     }
@@ -178,7 +173,7 @@ Failure canceledSignIn(const Invocation& invocation) {
 }
 
 Outcome<void> checkSignInOptions(const Invocation& invocation) {
-    if (invocation.has("--follow") && !sandbox()) {
+    if (invocation.has("--follow") && !usedSandbox()) {
         return wrong(invocation, "--follow is for the sandbox alone; give --sandbox too.");
     }
     if (const auto words = openerWords(invocation); !words) {
@@ -194,12 +189,15 @@ Outcome<SignInToken> signInByBrowser(const Invocation& invocation, const SignInS
     if (!options) {
         return failure(options.error());
     }
+    if (const auto needed = needSandbox(); !needed) {
+        return failure(needed.error());
+    }
     const auto signIn = SignIn::begin(service, *options, stop);
     if (!signIn) {
         return failure(failureOf(signIn.error(), invocation));
     }
     auto page = (*signIn)->address();
-    if (const auto address = sandbox()) {
+    if (const auto address = usedSandbox()) {
         page = sandboxPage(address->absoluteString(), page);
     }
     std::stop_source ending;
@@ -215,9 +213,13 @@ Outcome<SignInToken> signInByBrowser(const Invocation& invocation, const SignInS
         }
         pasted.emplace(**signIn, ending, *std::move(mayPaste));
     }
+    const SandboxWatch watch(ending);
     const auto token = (*signIn)->finish(ending.get_token());
     if (token) {
         return *token;
+    }
+    if (watch.sawItsEnd() && !stop.stop_requested()) {
+        return failure(silentSandbox(*usedSandbox()));
     }
     if (const auto trouble = followed ? followed->trouble() : std::nullopt;
         trouble && !stop.stop_requested()) {

@@ -1,6 +1,7 @@
 #include "base/Interruption.h"
 #include "commandline/Commands.h"
 #include "commandline/InvocationCheck.h"
+#include "sandbox/SandboxConnection.h"
 
 #include <ZeltoIntegrations/Accounts/Secrets.h>
 #include <ZeltoSandbox/SandboxServer.h>
@@ -15,12 +16,10 @@ namespace zelto::cli {
 
 namespace {
 
-constexpr std::uint16_t standardPort = 8377;
-
 Outcome<std::uint16_t> portOf(const Invocation& invocation) {
     const auto text = invocation.value("--port");
     if (!text) {
-        return standardPort;
+        return standardSandboxPort;
     }
     const auto port = numberIn<std::uint16_t>(*text);
     if (!port) {

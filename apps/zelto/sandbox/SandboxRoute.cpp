@@ -1,10 +1,15 @@
 #include "sandbox/SandboxRoute.h"
 
 #include "commandline/InvocationCheck.h"
+#include "sandbox/SandboxConnection.h"
 
+#include <Platform/HTTP/Traffic.h>
 #include <Platform/HTTP/URLSessionConfiguration.h>
 
+#include <chrono>
+#include <condition_variable>
 #include <cstdlib>
+#include <mutex>
 
 namespace zelto::cli {
 
@@ -12,11 +17,28 @@ namespace {
 
 constexpr std::string_view option = "--sandbox";
 
+std::atomic<bool> isNeeded = false;
+
 bool isSandboxAddress(const URL& url) {
     const auto host = url.host();
     const auto path = url.path();
     return url.scheme() == "http" && (host == "127.0.0.1" || host == "::1" || host == "localhost") &&
            (path.empty() || path == "/") && !url.query() && !url.fragment() && !url.userInfo();
+}
+
+std::string startCommand(const URL& sandbox) {
+    const auto port = sandbox.port().value_or(80);
+    return port == standardSandboxPort ? "zelto sandbox" : "zelto sandbox --port " + std::to_string(port);
+}
+
+// False if a stop is asked for meanwhile.
+bool pause(const std::stop_token& stop) {
+    constexpr std::chrono::milliseconds time{250};
+    std::mutex lock;
+    std::condition_variable_any stopped;
+    std::unique_lock guard(lock);
+    stopped.wait_for(guard, stop, time, [] { return false; });
+    return !stop.stop_requested();
 }
 
 } // namespace
@@ -44,6 +66,56 @@ Outcome<void> useSandbox(const Invocation& invocation) {
     defaults.route = std::move(url);
     URLSessionConfiguration::setDefaults(std::move(defaults));
     return {};
+}
+
+std::optional<URL> usedSandbox() {
+    return URLSessionConfiguration::ephemeral().route;
+}
+
+Failure silentSandbox(const URL& sandbox) {
+    const auto command = startCommand(sandbox);
+    return {"sandboxError",
+            "The sandbox at " + sandbox.absoluteString() + " does not answer: start it with `" + command +
+                "`.",
+            command};
+}
+
+Outcome<void> needSandbox() {
+    isNeeded = true;
+    const auto sandbox = usedSandbox();
+    if (!sandbox || SandboxConnection::open(*sandbox)) {
+        return {};
+    }
+    return failure(silentSandbox(*sandbox));
+}
+
+Failure withSandbox(Failure failure, const Invocation& invocation) {
+    const auto sandbox = usedSandbox();
+    // A dry run sends its requests to a recorder of its own.
+    const bool wasNeeded = isNeeded || (routedRequestCount() > 0 && !invocation.has("--dry-run"));
+    if (sandbox && wasNeeded && failure.status == ExitStatus::failed && !SandboxConnection::open(*sandbox)) {
+        auto silent = silentSandbox(*sandbox);
+        silent.members = std::move(failure.members);
+        return silent;
+    }
+    return failure;
+}
+
+SandboxWatch::SandboxWatch(std::stop_source& ending) {
+    const auto sandbox = usedSandbox();
+    if (!sandbox) {
+        return;
+    }
+    watching_ = std::jthread([this, &ending, sandbox = *sandbox](const std::stop_token& stop) {
+        // The sandbox itself ends a connection that sends nothing.
+        while (const auto connection = SandboxConnection::open(sandbox)) {
+            if (!connection->waitForEnd(stop) || !pause(stop)) {
+                return;
+            }
+        }
+        hasEnded_ = true;
+        ending.request_stop();
+    });
 }
 
 } // namespace zelto::cli

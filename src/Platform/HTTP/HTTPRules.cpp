@@ -200,6 +200,7 @@ Result<WireRequest, URLError> wireRequest(const URLRequest& request, const URL& 
     }
     const bool isRouted = route && !target.isLoopback;
     WireRequest wire;
+    wire.isRouted = isRouted;
     wire.isLoopback = target.isLoopback || isRouted;
     wire.isPlain = isRouted || target.scheme == "http";
     wire.url = isRouted ? addressOf("http", *route, target.parts)

@@ -21,7 +21,8 @@ struct WireRequest {
     std::optional<std::string>
         acceptedEncodings; // the request's own, if it sets any; else all that can be decoded
     bool isLoopback = false;
-    bool isPlain = false; // http
+    bool isPlain = false;  // http
+    bool isRouted = false; // elsewhere than to the URL's own server
 };
 
 // `url` is used instead of the request's own URL, since redirects change it.

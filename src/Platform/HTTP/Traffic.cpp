@@ -9,6 +9,7 @@ namespace zelto {
 namespace {
 
 std::atomic<std::uint64_t> moved = 0;
+std::atomic<std::uint64_t> routed = 0;
 
 } // namespace
 
@@ -18,6 +19,14 @@ std::uint64_t movedByteCount() {
 
 void countMovedBytes(std::size_t count) {
     moved.fetch_add(count, std::memory_order_relaxed);
+}
+
+std::uint64_t routedRequestCount() {
+    return routed.load(std::memory_order_relaxed);
+}
+
+void countRoutedRequest() {
+    routed.fetch_add(1, std::memory_order_relaxed);
 }
 
 } // namespace zelto

@@ -8,4 +8,7 @@ namespace zelto {
 // HTTP, for whoever wants to know whether anything still moves. Any thread.
 std::uint64_t movedByteCount();
 
+// How many requests of this process have been begun that a session's route sends elsewhere. Any thread.
+std::uint64_t routedRequestCount();
+
 } // namespace zelto

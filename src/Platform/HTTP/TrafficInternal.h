@@ -7,5 +7,6 @@
 namespace zelto {
 
 void countMovedBytes(std::size_t count);
+void countRoutedRequest();
 
 } // namespace zelto

@@ -1,5 +1,6 @@
 #include <Platform/HTTP/URLTransferInternal.h>
 
+#include <Platform/HTTP/TrafficInternal.h>
 #include <Platform/HTTP/TransferEngineInternal.h>
 #include <Platform/Operations/ContainedException.h>
 
@@ -49,6 +50,9 @@ void URLTransfer::resume() {
     }
     stage_ = Stage::resumed;
     if (plan_) {
+        if (plan_->wire.isRouted) {
+            countRoutedRequest();
+        }
         lock.unlock();
         TransferEngine::shared().begin(shared_from_this());
         return;

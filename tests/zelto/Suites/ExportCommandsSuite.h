@@ -87,14 +87,16 @@ TYPED_TEST_P(ExportCommands, NameTheWayToReconnectWhereTheTokenIsRefused) {
         this->notMade("it does not accept the account's sign-in any more (\"no\").", this->reconnect));
 }
 
-TYPED_TEST_P(ExportCommands, SayThatTheServiceCannotBeReached) {
+TYPED_TEST_P(ExportCommands, SayThatTheSandboxDoesNotAnswer) {
     const ZeltoProgram::Arguments nowhere{"--sandbox", "http://127.0.0.1:1"};
     ZeltoProgram::Arguments targets{"targets", this->account, "--refresh"};
     targets.insert(targets.end(), nowhere.begin(), nowhere.end());
-    this->expectFailure(targets,
-                        {1, "connectionError", this->name + " could not be reached.", this->refresh});
-    this->expectFailure(this->exportOf(nowhere),
-                        this->notMade("it could not be reached.", "zelto export --verbose"));
+    const ExpectedFailure expected{
+        1, "sandboxError",
+        "The sandbox at http://127.0.0.1:1 does not answer: start it with `zelto sandbox --port 1`.",
+        "zelto sandbox --port 1"};
+    this->expectFailure(targets, expected);
+    this->expectFailure(this->exportOf(nowhere), expected);
     EXPECT_EQ(this->sent().size(), 0U);
 }
 
@@ -150,7 +152,7 @@ TYPED_TEST_P(ExportCommands, ShowNoToken) {
 
 REGISTER_TYPED_TEST_SUITE_P(ExportCommands, PreviewWhatEachTypeWouldMake, SayInJSONWhatWasMade,
                             RefuseATypeThatTheServiceDoesNotTake, AreNotSpoiltByATypeThatWasRefused,
-                            NameTheWayToReconnectWhereTheTokenIsRefused, SayThatTheServiceCannotBeReached,
+                            NameTheWayToReconnectWhereTheTokenIsRefused, SayThatTheSandboxDoesNotAnswer,
                             SayThatTheOutcomeOfACutOffRequestIsNotKnown, NameATargetThatHasGone,
                             ListWhatWasMadeBeforeAnUploadFailed, ShowNoToken);
 

@@ -1,3 +1,4 @@
+#include <zelto/StoredAccount.h>
 #include <zelto/ZeltoProgram.h>
 
 #include <ZeltoSandbox/SandboxServer.h>
@@ -27,7 +28,7 @@ TEST(SandboxOption, TakesNothingButAnAddressOfThisMachine) {
         EXPECT_EQ(outcome.text("message"), refusal(address));
         zelto.variables["ZELTO_SANDBOX"] = address;
         EXPECT_EQ(zelto.run({"accounts", "--json"}).status, 2) << address;
-        zelto.variables.clear();
+        zelto.variables.erase("ZELTO_SANDBOX");
     }
     for (const auto* address : {"http://127.0.0.1:8377", "http://[::1]:8377/", "http://localhost:8377"}) {
         EXPECT_EQ(zelto.run({"accounts", "--sandbox", address}).status, 0) << address;
@@ -52,6 +53,72 @@ TEST(SandboxOption, SendsEverythingToTheSandbox) {
     }
     EXPECT_EQ(hosts, (std::vector<std::string>{"trello.com", "trello.com", "trello.com", "api.trello.com",
                                                "api.trello.com", "api.trello.com"}));
+}
+
+TEST(SandboxOption, TellsInEveryCommandThatNobodyListensThere) {
+    ZeltoProgram zelto;
+    addAccount(zelto, ServiceAccountConfiguration(ServiceType::Trello, "me", true));
+    const auto mail = ZeltoProgram::sample("plain-note.eml");
+    const ZeltoProgram::Arguments commands[] = {
+        {"connect", "trello"},
+        {"connect", "zoom"},
+        {"connect", "zoom", "--no-browser"},
+        {"connect", "zoom", "--follow"},
+        {"connect", "trello", "--follow"},
+        {"connect", "trello", "--token", "token"},
+        {"reconnect", "Trello+me"},
+        {"reconnect", "Trello+me", "--token", "token"},
+        {"targets", "trello", "--refresh"},
+        {"config", mail, "--to", "trello"},
+        {"export", mail, "--to", "trello", "--as", "backLink"},
+        {"mcp", "ping", "https://mcp.example/mcp"},
+        {"mcp", "tools", "https://mcp.example/mcp"},
+        {"mcp", "call", "https://mcp.example/mcp", "echo"},
+    };
+    for (auto arguments : commands) {
+        arguments.insert(arguments.end(),
+                         {"--sandbox", "http://127.0.0.1:1", "--keychain", "file", "--json"});
+        const auto outcome = zelto.run(arguments);
+        EXPECT_EQ(outcome.status, 1) << outcome.output;
+        EXPECT_EQ(outcome.text("error"), "sandboxError") << outcome.output << outcome.errorOutput;
+        EXPECT_EQ(
+            outcome.text("message"),
+            "The sandbox at http://127.0.0.1:1 does not answer: start it with `zelto sandbox --port 1`.");
+        EXPECT_EQ(outcome.text("next"), "zelto sandbox --port 1");
+        EXPECT_EQ(outcome.errorOutput, "");
+    }
+}
+
+TEST(SandboxOption, IsNoMatterWhereNothingIsAskedOfIt) {
+    ZeltoProgram zelto;
+    zelto.variables["ZELTO_SANDBOX"] = "http://127.0.0.1:1";
+    const auto mail = ZeltoProgram::sample("plain-note.eml");
+    EXPECT_EQ(zelto.run({"accounts"}).status, 0);
+    EXPECT_EQ(zelto.run({"export", mail, "--to", "bear", "--opener", "-"}).status, 0);
+    EXPECT_EQ(zelto.run({"export", mail, "--to", "trello", "--json"}).text("error"), "unknownAccount");
+    EXPECT_EQ(zelto.run({"mcp", "ping", "http://127.0.0.1:1/mcp", "--json"}).text("error"),
+              "connectionError");
+}
+
+TEST(SandboxOption, TellsThatTheSandboxHasEndedWhileABrowserIsAwaited) {
+    const ZeltoProgram zelto;
+    const auto driver = zelto.home.write(
+        "driver",
+        "import subprocess, sys\n"
+        "sandbox = subprocess.Popen(['zelto', 'sandbox', '--port', '0', '--quiet'], text=True,\n"
+        "                           stdout=subprocess.PIPE)\n"
+        "url = sandbox.stdout.readline().strip()\n"
+        "connect = subprocess.Popen(['zelto', 'connect', 'zoom', '--no-browser', '--sandbox', url,\n"
+        "                            '--keychain', 'file', '--json'],\n"
+        "                           stdin=subprocess.PIPE, stderr=subprocess.PIPE, text=True)\n"
+        "while 'begins with' not in connect.stderr.readline(): pass\n"
+        "sandbox.kill()\n"
+        "print(url, connect.wait())\n");
+    const auto outcome = zelto.runShell("python3 " + driver.string());
+    EXPECT_NE(outcome.output.find(R"({"error":"sandboxError","message":"The sandbox at http://127.0.0.1:)"),
+              std::string::npos)
+        << outcome.output << outcome.errorOutput;
+    EXPECT_TRUE(outcome.output.ends_with(" 1\n")) << outcome.output;
 }
 
 TEST(SandboxCommand, PrintsItsAddressAndEndsByCtrlC) {
