@@ -56,8 +56,12 @@ class SignIn(Case):
     def test_allowing_it_in_the_browser_connects_the_account(self):
         process, address = self.sign_in()
         self.tab.open(address)
+        look = ("Object.fromEntries(['width', 'padding', 'borderRadius', 'borderColor', 'font'].map((name) => "
+                "[name, getComputedStyle(document.querySelector('main'))[name]]))")
+        consent = self.tab.run(look)
         self.tab.click("document.getElementById('allow')")
         self.tab.wait("document.body?.innerText.includes('can be closed')")
+        self.assertEqual(self.tab.run(look), consent)
         output, errors = process.communicate(timeout=30)
         self.assertEqual(process.returncode, 0, errors)
         self.assertIn("Trello", json.loads(output)["account"]["identifier"])

@@ -2,6 +2,9 @@
 
 #include <ZeltoHost/SignIn/SignInListener.h>
 
+#include <Platform/Base64.h>
+#include <Platform/Crypto/Digest.h>
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -17,26 +20,38 @@ namespace {
 
 constexpr auto path = "/sign-in/trello";
 
-const std::string headEnd =
-    "Content-Security-Policy: default-src 'none'; base-uri 'none'; form-action 'none'; "
-    "frame-ancestors 'none'\r\n"
-    "X-Content-Type-Options: nosniff\r\n"
-    "Referrer-Policy: no-referrer\r\n"
-    "Cache-Control: no-store\r\n"
-    "Connection: close\r\n\r\n";
+const std::string style =
+    ":root{color-scheme:light dark;font:16px/1.5 system-ui,sans-serif}body{margin:0;min-height:100vh;display:grid;"
+    "place-items:center;background:Canvas;color:CanvasText}main{box-sizing:border-box;width:min(30rem,92vw);"
+    "padding:1.5rem 2rem 2rem;border-radius:12px;border:1px solid color-mix(in srgb,CanvasText 20%,Canvas);"
+    "overflow-wrap:anywhere}h1{font-size:1.3rem;margin:.6rem 0 1rem}p{margin:0}.program{font-weight:700}";
 
-const std::string takenPage =
-    "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 199\r\n" + headEnd +
-    "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>zelto</title></head>\n"
-    "<body><p>zelto has the response. This page can be closed; the terminal shows how it goes on.</p>"
-    "</body></html>\n";
+std::string hashOf(const std::string& content) {
+    return "'sha256-" + base64Encoded(viewOf(sha256(content))) + "'";
+}
 
-const std::string refusedPage =
-    "HTTP/1.1 400 Bad Request\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 198\r\n" +
-    headEnd +
-    "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>zelto</title></head>\n"
-    "<body><p>This is not the response that zelto waits for. The terminal has the right address.</p>"
-    "</body></html>\n";
+// A whole response, head and body; `policy` is what its content security policy allows beside the style.
+std::string responseWith(const std::string& status, const std::string& content,
+                         const std::string& policy = "") {
+    const auto body = "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
+                      "<meta name=\"viewport\" content=\"width=device-width\"><title>zelto</title><style>" +
+                      style + "</style></head>\n<body><main><p class=\"program\">zelto</p>" + content +
+                      "</main></body></html>\n";
+    return "HTTP/1.1 " + status +
+           "\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: " + std::to_string(body.size()) +
+           "\r\nContent-Security-Policy: default-src 'none'; style-src " + hashOf(style) + "; " + policy +
+           "base-uri 'none'; form-action 'none'; frame-ancestors 'none'\r\n"
+           "X-Content-Type-Options: nosniff\r\nReferrer-Policy: no-referrer\r\nCache-Control: no-store\r\n"
+           "Connection: close\r\n\r\n" +
+           body;
+}
+
+const std::string takenText = "<h1>The response has arrived</h1>"
+                              "<p>This page can be closed; the terminal shows how it goes on.</p>";
+const std::string refusedText = "<h1>This is not the expected response</h1>"
+                                "<p>zelto goes on waiting; the terminal has the right address.</p>";
+const std::string takenPage = responseWith("200 OK", takenText);
+const std::string refusedPage = responseWith("400 Bad Request", refusedText);
 
 bool hasIPv6() {
     const FileDescriptor socket(::socket(AF_INET6, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -241,23 +256,20 @@ TEST(SignInListener, TakesTheResponseWhileItIsFlooded) {
 TEST(SignInListener, OfTheImplicitFlowShowsThePageThatPostsTheFragment) {
     Serving serving(true);
     const auto page = serving.ask(path);
+    const std::string script = "const response=location.hash.slice(1)||location.search.slice(1);"
+                               "history.replaceState(null,'',location.pathname);"
+                               "const show=id=>document.getElementById(id).hidden=false;"
+                               "fetch(location.pathname,{method:'POST',body:new URLSearchParams(response)})"
+                               ".then(r=>show(r.ok?'taken':'refused'),()=>show('refused'));";
     EXPECT_EQ(page,
-              "HTTP/1.1 200 OK\r\nContent-Type: text/html; charset=utf-8\r\nContent-Length: 778\r\n"
-              "Content-Security-Policy: default-src 'none'; script-src "
-              "'sha256-lqypqW5hjIlb1GKv6e5zN4eIioHI1ktuJ41FcfFqoZ0='; connect-src 'self'; base-uri 'none'; "
-              "form-action 'none'; frame-ancestors 'none'\r\n"
-              "X-Content-Type-Options: nosniff\r\nReferrer-Policy: no-referrer\r\nCache-Control: no-store\r\n"
-              "Connection: close\r\n\r\n"
-              "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\"><title>zelto</title></head>\n"
-              "<body><p id=\"taken\" hidden>zelto has the response. This page can be closed; the "
-              "terminal shows how it goes on.</p><p id=\"refused\" hidden>This is not the response that "
-              "zelto waits for. The terminal has the right address.</p><noscript><p>Without scripts "
-              "this page cannot hand on the response. Paste this page's whole address into the "
-              "terminal.</p></noscript><script>const response=location.hash.slice(1)||location.sear"
-              "ch.slice(1);history.replaceState(null,'',location.pathname);const "
-              "show=id=>document.getElementById(id).hidden=false;fetch(location.pathname,{method:'P"
-              "OST',body:new URLSearchParams(response)}).then(r=>show(r.ok?'taken':'refused'),()=>s"
-              "how('refused'));</script></body></html>\n");
+              responseWith("200 OK",
+                           "<div id=\"taken\" hidden>" + takenText + "</div><div id=\"refused\" hidden>" +
+                               refusedText +
+                               "</div><noscript><h1>The response cannot be read</h1><p>Without scripts this "
+                               "page cannot hand it on. Paste this page's whole address into the "
+                               "terminal.</p></noscript><script>" +
+                               script + "</script>",
+                           "script-src " + hashOf(script) + "; connect-src 'self'; "));
     EXPECT_EQ(serving.ask(std::string(path) + "?access_token=good"), page);
     EXPECT_TRUE(serving.isWaiting());
     const auto post = [&](const std::string& body) {
