@@ -23,7 +23,7 @@ class Page(Case):
 
     def test_every_file_of_the_page_comes_with_the_strict_policy(self):
         self.show()
-        for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/requests.js", "/asana.js", "/todoist.js",
+        for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/columns.js", "/requests.js", "/asana.js", "/todoist.js",
                      "/todoist.css", "/trello.js"):
             names = ["content-security-policy", "x-content-type-options", "cache-control"]
             fields = self.tab.run(f"fetch('{path}').then((response) => {names}.map((name) => response.headers.get(name)))")
@@ -113,8 +113,9 @@ class Page(Case):
                                       due="2026-12-24T09:00:00")
         self.tab.wait("document.querySelectorAll('.of-todoist .card .comments > li').length === 2")
         card = self.tab.run("document.querySelector('.of-todoist .card.is-newest').innerText")
-        for text in ("Kick-off", "Due 2026-12-24 at 09:00", "[Mail](https://mail.example/1)", "Agenda.txt"):
+        for text in ("Kick-off", "Due 2026-12-24 at 09:00", "Mail", "Agenda.txt"):
             self.assertIn(text, card)
+        self.assertEqual(self.tab.run("document.querySelector('.of-todoist .comments a').href"), "https://mail.example/1")
         self.assertIn("free plan", self.tab.run("document.querySelector('.of-todoist summary').innerText"))
         self.tab.wait("getComputedStyle(document.querySelector('.of-todoist .card h4'), '::before').width === '13px'")
         opened = self.browser.tab_opened_by(lambda: self.tab.click("document.querySelector('.attachments a')"))
@@ -128,10 +129,71 @@ class Page(Case):
         self.sandbox.trello("POST", f"cards/{card}/attachments", token, query=[("url", "https://example.com/page?a=b")])
         self.show()
         self.tab.wait("document.querySelector('.attachments .address') !== null")
-        links = self.tab.run("Array.from(document.links, (each) => "
-                             "[each.textContent, each.href, each.target, each.rel])")
-        addresses = ["https://plan.example/a_(b)?c=1", "https://example.com/page?a=b"]
-        self.assertEqual(links, [[each, each, "_blank", "noopener noreferrer"] for each in addresses])
+        rules = ["_blank", "noopener noreferrer"]
+        self.assertEqual(self.links(), [["the plan", "https://plan.example/a_(b)?c=1", *rules],
+                                        ["https://example.com/page?a=b", "https://example.com/page?a=b", *rules]])
+
+    def links(self):
+        return self.tab.run("Array.from(document.links, (each) => [each.textContent, each.href, each.target, each.rel])")
+
+    def test_markdown_is_shown_as_text_with_its_links(self):
+        text = ("\\*Not bold\\*, [a \\[plan\\] \\<b>](https://plan.example/a_(b)?c=%29), <https://auto.example/x>, "
+                "https://bare.example/y_z).\n\n[Kick-off](mid:kickoff-2025.43@harbour.example), "
+                "[](https://empty.example/), [script](javascript:alert(1)), [no link], C:\\Users, <b>a</b>")
+        self.sandbox.add_card(self.sandbox.token(), "[Title](https://title.example/)", text)
+        self.show()
+        self.wait_for_text("Not bold")
+        shown = self.tab.run("document.querySelector('.description').innerText")
+        self.assertEqual(shown, "*Not bold*, a [plan] <b>, https://auto.example/x, https://bare.example/y_z).\n\n"
+                                "Kick-off (mid:kickoff-2025.43@harbour.example), https://empty.example/, "
+                                "script (javascript:alert(1)), [no link], C:\\Users, <b>a</b>")
+        self.assertEqual([each[:2] for each in self.links()],
+                         [["a [plan] <b>", "https://plan.example/a_(b)?c=%29"],
+                          ["https://auto.example/x", "https://auto.example/x"],
+                          ["https://bare.example/y_z", "https://bare.example/y_z"],
+                          ["https://empty.example/", "https://empty.example/"]])
+        self.assertEqual(self.tab.run("document.querySelector('.card h4').innerText"), "[Title](https://title.example/)")
+        self.assertNothingRan()
+
+    def test_text_that_is_no_markdown_is_shown_as_it_is(self):
+        self.sandbox.add_asana_task(self.sandbox.token("Asana"), "Plain", "[a](https://plan.example/1) and \\*")
+        self.show()
+        self.wait_for_text("[a](https://plan.example/1) and \\*")
+        self.assertEqual([each[1] for each in self.links()], ["https://plan.example/1"])
+
+    def test_a_link_is_not_cut_in_two(self):
+        text = "word " * 55 + "[the plan of it](https://plan.example/" + "x" * 300 + ")"
+        self.sandbox.add_card(self.sandbox.token(), "Long", text)
+        self.show()
+        self.wait_for_text("Show all")
+        self.assertNotIn("the plan", self.tab.run("document.querySelector('.description').innerText"))
+        self.tab.run("document.querySelector('.description button').click()")
+        self.assertEqual([each[0] for each in self.links()], ["the plan of it"])
+
+    def test_a_board_that_is_wider_than_the_window_leads_to_its_other_columns(self):
+        def hint(number):
+            return f"document.querySelectorAll('.of-trello .board .ways > button')[{number}]"
+        columns = "document.querySelector('.of-trello .lists')"
+        self.sandbox.add_card(self.sandbox.token(), "A card")
+        self.tab.resize(600, 800)
+        self.show()
+        self.wait_for_text("A card")
+        count = self.tab.run(f"{columns}.children.length")
+        self.assertGreater(count, 3)
+        self.tab.wait(f"{hint(1)}.hidden === false")
+        self.assertRegex(self.tab.run(f"{hint(1)}.innerText"), f"^[1-{count - 1}] more →$")
+        self.assertTrue(self.tab.run(f"{hint(0)}.hidden"))
+        self.assertNotEqual(self.tab.run(f"getComputedStyle({columns}).maskImage"), "none")
+        while not self.tab.run(f"{hint(1)}.hidden"):
+            before = self.tab.run(f"{columns}.scrollLeft")
+            self.tab.run(f"{hint(1)}.click()")
+            self.tab.wait(f"{columns}.scrollLeft > {before} || {hint(1)}.hidden")
+        self.tab.wait(f"{hint(0)}.hidden === false")
+        self.assertRegex(self.tab.run(f"{hint(0)}.innerText"), "^← [1-9] more$")
+        self.tab.resize(4000, 800)
+        self.tab.wait(f"{hint(0)}.hidden && {hint(1)}.hidden")
+        self.assertEqual(self.tab.run(f"getComputedStyle({columns}).maskImage"), "none")
+        self.assertNothingRan()
 
     def test_the_requests_of_one_service_can_be_chosen_and_opened_by_keyboard(self):
         self.sandbox.add_card(self.sandbox.token(), "A card")

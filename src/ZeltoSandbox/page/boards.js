@@ -2,9 +2,11 @@
 // A service's module brings its state into this form:
 //   group: { id, name, tags, isClosed, lists, note }
 //   list: { id, name, tags, cards }
-//   card: { id, name, date, facts, text, files, comments }, a comment: { text, files }
+//   card: { id, name, nameForm, date, facts, text, form, files, comments }, a comment: { text, files }
 //   file: { name, mediaType, size, url }, or a link: { name, url }
-// `date`, in the form of the control API, orders cards; lists of texts and of records may be left out.
+// `date`, in the form of the control API, orders cards; forms are those of longText(), of the name "plain" and of all else
+// "links" where they are left out; lists of texts and of records may be left out.
+import { makeRow, showBeyond } from "/columns.js";
 import { element, foreign, longText, reconcile, sizeText, webLink } from "/text.js";
 
 const shownCards = 100; // of a list
@@ -30,21 +32,22 @@ function appendFiles(parent, files = []) {
   parent.append(list);
 }
 
-function commentItem(comment) {
+function commentItem(comment, form) {
   const item = element("li");
-  if (comment.text) item.append(longText("div", "description", comment.text, { links: true }));
+  if (comment.text) item.append(longText("div", "description", comment.text, { form }));
   appendFiles(item, comment.files);
   return item;
 }
 
 function fillCard(item, card) {
-  item.replaceChildren(longText("h4", "", card.name, { limit: 200 }));
+  const form = card.form ?? "links";
+  item.replaceChildren(longText("h4", "", card.name, { limit: 200, form: card.nameForm }));
   for (const fact of card.facts ?? []) item.append(longText("p", "note", fact, { limit: 200 }));
-  if (card.text) item.append(longText("div", "description", card.text, { links: true }));
+  if (card.text) item.append(longText("div", "description", card.text, { form }));
   appendFiles(item, card.files);
   if (!card.comments?.length) return;
   const comments = element("ol", "comments");
-  comments.append(...card.comments.map(commentItem));
+  comments.append(...card.comments.map((comment) => commentItem(comment, form)));
   item.append(comments);
 }
 
@@ -78,15 +81,16 @@ function fillList(section, list) {
 function makeGroup(group) {
   const details = element("details", "board");
   details.open = !group.isClosed;
-  details.append(element("summary"), element("div", "lists"), element("p", "note"));
+  details.append(element("summary"), makeRow("lists"), element("p", "note"));
   return details;
 }
 
 function fillGroup(details, group) {
-  const [summary, lists, note] = details.children;
+  const [summary, row, note] = details.children;
   summary.replaceChildren(foreign("bdi", "", group.name));
   appendTags(summary, group.tags);
-  reconcile(lists, group.lists, makeList, fillList);
+  reconcile(row.firstElementChild, group.lists, makeList, fillList);
+  showBeyond(row);
   note.textContent = group.note ?? "";
 }
 

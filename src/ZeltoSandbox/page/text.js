@@ -5,6 +5,15 @@
 const unseen = /(?![\n\t\u200c\u200d])[\p{Cc}\p{Cf}\p{Zl}\p{Zp}]+/gu;
 const webAddress = /https?:\/\/[^\s<>"'`\\^{|}\p{Cc}\p{Cf}]+/giu;
 
+// What of Markdown a reader must not see as it stands: [label](target), <target>, and characters behind a "\\".
+const escaped = /\\([!-/:-@[-`{-~])/gu;
+const markdownPiece = new RegExp([
+  /\[(?<label>(?:\\[^]|[^\\[\]])*)\]\((?<target>(?:\\[!-~]|\([^\s()]*\)|[^\s()<>\\])+)\)/,
+  /<(?<bracketed>[a-z][a-z0-9+.-]+:[^\s<>]+)>/,
+  escaped,
+  webAddress,
+].map((each) => each.source).join("|"), "giu");
+
 // An element of our own with plain text.
 export function element(tag, className = "", text = "") {
   const made = document.createElement(tag);
@@ -53,22 +62,72 @@ function withoutPunctuation(address) {
   }
 }
 
-function fillWithLinks(parent, text) {
+function unescaped(text) {
+  return text.replaceAll(escaped, "$1");
+}
+
+// A link of Markdown as its label; an address that leads to no web site is shown beside it.
+function appendLabelled(parent, label, target) {
+  const link = webLink(target);
+  if (!label.trim()) {
+    parent.append(link);
+  } else if (link.localName === "a") {
+    link.title = target;
+    link.replaceChildren(foreign("bdi", "", label));
+    parent.append(link);
+  } else {
+    link.classList.add("note");
+    parent.append(foreign("bdi", "", label), " (", link, ")");
+  }
+}
+
+// Appends what was found and returns how much of the text that was.
+function appendAddress(parent, [address]) {
+  const closed = withoutPunctuation(address);
+  parent.append(webLink(closed));
+  return closed.length;
+}
+
+function appendMarkdown(parent, found) {
+  const { label, target, bracketed } = found.groups;
+  if (target !== undefined) appendLabelled(parent, unescaped(label), unescaped(target));
+  else if (bracketed !== undefined) parent.append(webLink(bracketed));
+  else if (found[0].startsWith("\\")) appendVisible(parent, unescaped(found[0]));
+  else return appendAddress(parent, found);
+  return found[0].length;
+}
+
+// The forms of foreign text: what is not shown as it stands, and how it is.
+const forms = {
+  plain: {},
+  links: { piece: webAddress, append: appendAddress },
+  markdown: { piece: markdownPiece, append: appendMarkdown },
+};
+
+function fillWith(parent, text, { piece, append }) {
   let end = 0;
-  for (const found of text.matchAll(webAddress)) {
-    const closed = withoutPunctuation(found[0]);
+  for (const found of piece ? text.matchAll(piece) : []) {
     appendVisible(parent, text.slice(end, found.index));
-    parent.append(webLink(closed));
-    end = found.index + closed.length;
+    end = found.index + append(parent, found);
   }
   appendVisible(parent, text.slice(end));
 }
 
-// Foreign text, shortened beyond `limit` characters until its button is pressed; `links` makes web addresses links.
-export function longText(tag, className, text, { limit = 600, links = false } = {}) {
+// The beginning of a text, of that length or up to what would be cut in two.
+function beginning(text, length, { piece }) {
+  for (const found of piece ? text.matchAll(piece) : []) {
+    if (found.index >= length) break;
+    if (found.index > 0 && found.index + found[0].length > length) return text.slice(0, found.index);
+  }
+  return text.slice(0, length);
+}
+
+// Foreign text, shortened beyond `limit` characters until its button is pressed. `form`: "links" makes web addresses
+// links, "markdown" those with a label too.
+export function longText(tag, className, text, { limit = 600, form = "plain" } = {}) {
   const whole = text.replaceAll("\r\n", "\n");
   const characters = Array.from(whole);
-  const fill = links ? fillWithLinks : appendVisible;
+  const fill = (parent, shown) => fillWith(parent, shown, forms[form]);
   const made = element(tag, className);
   made.dir = "auto";
   if (characters.length <= limit) {
@@ -79,7 +138,8 @@ export function longText(tag, className, text, { limit = 600, links = false } = 
   more.type = "button";
   const show = (all) => {
     made.replaceChildren();
-    fill(made, all ? whole : characters.slice(0, limit / 2).join("") + "… ");
+    const short = () => beginning(whole, characters.slice(0, limit / 2).join("").length, forms[form]);
+    fill(made, all ? whole : short() + "… ");
     more.textContent = all ? "Show less" : `Show all ${characters.length.toLocaleString("en")} characters`;
     more.setAttribute("aria-expanded", all);
     made.append(more);

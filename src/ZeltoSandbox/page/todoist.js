@@ -8,7 +8,7 @@ function dueText(due) {
 }
 
 const cardOf = ({ id, content, due, date, comments }) =>
-  ({ id, name: content, date, facts: due ? [dueText(due)] : [], comments });
+  ({ id, name: content, nameForm: "markdown", date, facts: due ? [dueText(due)] : [], form: "markdown", comments });
 const listOf = ({ id, name, tasks }) => ({ id, name, cards: tasks.map(cardOf) });
 
 export function show(root, { user, projects }) {
