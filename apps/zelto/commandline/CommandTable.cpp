@@ -38,12 +38,14 @@ std::vector<OptionSpec> withSignInOptions(std::vector<OptionSpec> options) {
         {"--opener", "COMMAND", "Opens the page, given as its last argument", ValueKind::command},
         {"--redirect", "URL",
          "The address that your own client is registered with; at one of this machine, the program listens"},
-        {"--token", "TOKEN", "An access token; - takes it from standard input", ValueKind::secret},
+        {"--token", "TOKEN",
+         "An access token; - takes it from standard input, which a terminal does not show",
+         ValueKind::secret},
         {"--refresh-token", "TOKEN", "What renews it; - takes the next line of standard input",
          ValueKind::secret},
         {"--expires-in", "SECONDS", "How long the access token is good from now on"},
         {"--login", "NAME", "The user name, for a service with a password"},
-        {"--password-stdin", "", "Take the password from standard input"},
+        {"--password-stdin", "", "Take the password from standard input, which a terminal does not show"},
         {"--follow", "", "With --sandbox: agree on its pages without a browser"}};
     options.insert(options.end(), shared.begin(), shared.end());
     return options;

@@ -1,5 +1,7 @@
 #include <Platform/HTTP/URLSession.h>
 
+#include <Platform/HTTP/Traffic.h>
+
 #include "Support/ScriptedServer.h"
 #include "Support/SessionTasks.h"
 #include "Support/TestHTTPServer.h"
@@ -118,7 +120,9 @@ TEST(URLSession, ARouteTakesARequestToThisMachineWithItsHost) {
         {"https://[2001:db8::1]:8443/1/cards?x=y", "[2001:db8::1]:8443"},
         {server.url("/1/cards?x=y").absoluteString(), "127.0.0.1:" + std::to_string(server.port())}};
     for (const auto& [url, host] : hosts) {
+        const auto routedBefore = routedRequestCount();
         const auto end = TaskEnd::of(session, URLRequest(*URL::parse(url)));
+        EXPECT_EQ(routedRequestCount() - routedBefore, host.starts_with("127.0.0.1") ? 0U : 1U) << url;
         EXPECT_EQ(end.text(), "routed") << url;
         EXPECT_EQ(end.response->url().absoluteString(), url);
         EXPECT_EQ(server.requests().back().target, "/1/cards?x=y");
