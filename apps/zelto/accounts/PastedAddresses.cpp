@@ -49,7 +49,8 @@ PastedAddresses::PastedAddresses(SignIn& signIn, std::stop_source& ending,
       }) {}
 
 bool PastedAddresses::takes(SignIn& signIn, const std::stop_token& stop) {
-    StandardInput input(stop);
+    // The browser's response may come all the same.
+    StandardInput input(stop, InBackground::goesOn);
     for (;;) {
         const auto line = input.line(maximumLine);
         if (!line && line.error() != InputEnd::tooLong) {

@@ -33,9 +33,10 @@ void setContinueHandler(void (*handler)(int)) {
 
 } // namespace
 
-HiddenTyping::HiddenTyping() {
+HiddenTyping::HiddenTyping(InBackground inBackground) {
     auto before = std::make_unique<termios>();
-    if (!isInForeground() || ::tcgetattr(STDIN_FILENO, before.get()) != 0) {
+    const bool isLeft = inBackground == InBackground::goesOn && !isInForeground();
+    if (isLeft || ::tcgetattr(STDIN_FILENO, before.get()) != 0) {
         return;
     }
     hidden = *before;

@@ -24,8 +24,8 @@ bool continuesCharacter(char c) {
 
 } // namespace
 
-StandardInput::StandardInput(const std::stop_token& stop)
-    : event_(::eventfd(0, EFD_CLOEXEC)),
+StandardInput::StandardInput(const std::stop_token& stop, InBackground inBackground)
+    : hiding_(inBackground), event_(::eventfd(0, EFD_CLOEXEC)),
       callback_(stop, [this] { [[maybe_unused]] const auto done = ::eventfd_write(event_.number(), 1); }) {}
 
 Result<std::string, InputEnd> StandardInput::line(std::size_t limit) {

@@ -24,7 +24,7 @@ enum class InputEnd {
 // object exists, and ends with Enter or Ctrl-D. One object at a time.
 class StandardInput {
   public:
-    explicit StandardInput(const std::stop_token& stop);
+    explicit StandardInput(const std::stop_token& stop, InBackground inBackground = InBackground::stops);
 
     bool isTyped() const { return hiding_.isOn(); }
 
