@@ -172,7 +172,10 @@ bool readZone(Reader& reader, std::optional<int>& offsetMinutes) {
     return true;
 }
 
-std::optional<Date> localDate(const CivilDay& civil, const TimeOfDay& time) {
+// Every year that is read fits in 64 bits of seconds, so mktime does not fail.
+static_assert(sizeof(std::time_t) == 8);
+
+Date localDate(const CivilDay& civil, const TimeOfDay& time) {
     std::tm parts{};
     parts.tm_year = static_cast<int>(civil.year - 1900);
     parts.tm_mon = civil.month - 1;
@@ -181,12 +184,7 @@ std::optional<Date> localDate(const CivilDay& civil, const TimeOfDay& time) {
     parts.tm_min = time.minute;
     parts.tm_sec = time.second;
     parts.tm_isdst = -1;
-    parts.tm_wday = -1;
-    const auto seconds = std::mktime(&parts);
-    if (seconds == -1 && parts.tm_wday == -1) {
-        return std::nullopt;
-    }
-    return Date::fromUnixSeconds(static_cast<double>(seconds) + time.fraction);
+    return Date::fromUnixSeconds(static_cast<double>(std::mktime(&parts)) + time.fraction);
 }
 
 } // namespace

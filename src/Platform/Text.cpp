@@ -129,7 +129,7 @@ std::size_t bytesOf(std::string_view piece) {
 }
 
 // The longest prefix of whole characters that measures no more than the limit; of whole code points if the
-// first character alone measures more.
+// first character alone measures more. The text itself measures more.
 template <class Measure>
 std::string_view prefixMeasuring(std::string_view text, std::size_t limit, Measure measure) {
     CharacterEnds ends(text);
@@ -142,22 +142,20 @@ std::string_view prefixMeasuring(std::string_view text, std::size_t limit, Measu
         }
         length = *end;
     }
-    if (length > 0 || text.empty()) {
+    if (length > 0) {
         return text.substr(0, length);
     }
-    measured = 0;
-    while (length < text.size()) {
+    for (measured = 0;;) {
         auto next = length + 1;
         while (next < std::min(length + 4, text.size()) && isContinuation(text[next])) {
             ++next;
         }
         measured += measure(text.substr(length, next - length));
         if (measured > limit) {
-            break;
+            return text.substr(0, length);
         }
         length = next;
     }
-    return text.substr(0, length);
 }
 
 } // namespace

@@ -9,20 +9,14 @@ namespace zelto {
 
 namespace {
 
-// Whether a character, given in UTF-8, is white space.
+// Whether one to three bytes are a character of white space in UTF-8.
 bool isWhiteSpace(std::string_view sequence) {
-    switch (sequence.size()) {
-    case 1:
+    if (sequence.size() == 1) {
         return sequence[0] == ' ' || (sequence[0] >= '\t' && sequence[0] <= '\r');
-    case 2:
-        return sequence == "\u0085" || sequence == "\u00A0";
-    case 3:
-        return (sequence >= "\u2000" && sequence <= "\u200A") || sequence == "\u1680" ||
-               sequence == "\u2028" || sequence == "\u2029" || sequence == "\u202F" || sequence == "\u205F" ||
-               sequence == "\u3000";
-    default:
-        return false;
     }
+    return sequence == "\u0085" || sequence == "\u00A0" || (sequence >= "\u2000" && sequence <= "\u200A") ||
+           sequence == "\u1680" || sequence == "\u2028" || sequence == "\u2029" || sequence == "\u202F" ||
+           sequence == "\u205F" || sequence == "\u3000";
 }
 
 std::size_t whiteSpaceAtFront(std::string_view text) {

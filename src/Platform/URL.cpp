@@ -185,11 +185,11 @@ std::filesystem::path URL::filePath() const {
     if (!isFile() || (!machine.empty() && machine != "localhost")) {
         return {};
     }
-    auto decoded = percentDecodeBytes(splitURL(text_).path);
-    if (!decoded || decoded->find('\0') != std::string::npos) {
+    auto decoded = percentDecodeBytes(splitURL(text_).path).value_or("");
+    if (decoded.contains('\0')) {
         return {};
     }
-    return *std::move(decoded);
+    return decoded;
 }
 
 } // namespace zelto

@@ -20,6 +20,7 @@ TEST(Text, CountsWhatAReaderSees) {
     EXPECT_EQ(characterCount("abc"), 3u);
     EXPECT_EQ(characterCount("a\r\nb\n\r"), 5u);
     EXPECT_EQ(characterCount("\r\n\r\n"), 2u);
+    EXPECT_EQ(characterCount("\ra\r"), 3u);
     EXPECT_EQ(characterCount(accented), 1u);
     EXPECT_EQ(characterCount("a" + accented + "b"), 3u);
     EXPECT_EQ(characterCount(family), 1u);
@@ -46,6 +47,33 @@ TEST(Text, CountsTheSameWhereverTextOfOtherScriptsStands) {
             const auto text = std::string(before, 'a') + accented + std::string(after, 'b') + family + "\r\n";
             ASSERT_EQ(characterCount(text), before + after + 3) << text;
         }
+    }
+}
+
+TEST(Text, FindsACharacterThatStandsAlone) {
+    struct {
+        std::string_view text;
+        char character;
+        std::optional<std::size_t> place;
+    } const rows[] = {{":a", ':', 0},
+                      {"a:", ':', 1},
+                      {"a:b:", ':', 1},
+                      {"\u00e9:\u00e9", ':', 2},
+                      {"\r:", ':', 1},
+                      {"\n:", ':', 1},
+                      {":\r", ':', 0},
+                      {":\n", ':', 0},
+                      {"\r\n:", ':', 2},
+                      {":\u0301 a:", ':', 5},
+                      {":\u0301", ':', std::nullopt},
+                      {"a\r\nb", '\n', std::nullopt},
+                      {"a\r\nb\n", '\n', 4},
+                      {"a\r\nb", '\r', std::nullopt},
+                      {"abc", ':', std::nullopt},
+                      {"", ':', std::nullopt}};
+
+    for (const auto& [text, character, place] : rows) {
+        EXPECT_EQ(findCharacter(text, character), place) << testing::PrintToString(text);
     }
 }
 

@@ -80,6 +80,7 @@ TEST(URLComponents, PartsCannotRunOverIntoTheNext) {
     EXPECT_EQ(with([](auto& to) { to.path = "b"; }), "no URL");
     EXPECT_EQ(with([](auto& to) { *to.fragment += "#"; }), "no URL");
     EXPECT_EQ(with([](auto& to) { to.host.reset(); }), "no URL");
+    EXPECT_EQ(with([](auto& to) { to.host = to.userInfo = std::nullopt; }), "no URL");
     EXPECT_EQ(with([](auto& to) { to.scheme.clear(); }), "no URL");
     URLComponents rootless;
     rootless.scheme = "x";

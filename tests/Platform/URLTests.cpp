@@ -35,6 +35,7 @@ TEST(URL, IsKeptAsItWasGiven) {
                              "x:",
                              "file:///tmp/a%20b",
                              "http://a_b/",
+                             "git+ssh.v-2://a/b",
                              "https://u:p@h/",
                              "message:%3Ca@b%3E",
                              "http://a/?a?b/c",
@@ -103,6 +104,8 @@ TEST(URL, RefusesWhatIsNone) {
                                                                    "http://[::1:23]3?a",
                                                                    "http://[]/",
                                                                    "http://[::1%25eth0]/",
+                                                                   "http://[0000:0000:0000:0000:0000:0000:"
+                                                                   "0000:0000:0000:0000]/",
                                                                    "https://a@b@c/",
                                                                    "https://u:p@@c/",
                                                                    "x://a:b@c@d:80/"}) {
@@ -187,6 +190,7 @@ TEST(URL, OfAFileGivesThePathBack) {
     }
     EXPECT_EQ(URL::file("/tmp/a b.txt").absoluteString(), "file:///tmp/a%20b.txt");
     EXPECT_EQ(URL::file("a b").filePath(), std::filesystem::current_path() / "a b");
+    EXPECT_EQ(URL::file("").absoluteString(), "file:///");
 }
 
 TEST(URL, HasAFilePathOnlyForAFileOfThisMachine) {
@@ -259,6 +263,7 @@ TEST(URL, ResolvesReferencesAsTheStandardsExamplesSay) {
     }
     EXPECT_EQ(url("http://a").resolving("g"), URL::parse("http://a/g"));
     EXPECT_EQ(url("x:/a").resolving(".//b"), URL::parse("x:/.//b"));
+    EXPECT_EQ(url("things:add").resolving("show?id=1"), URL::parse("things:show?id=1"));
 }
 
 TEST(URL, AppendsAPathComponentThatCannotEscape) {
