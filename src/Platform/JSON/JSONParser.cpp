@@ -17,14 +17,12 @@ namespace {
 using ParserError = boost::json::error_code;
 using Text = boost::json::string_view;
 
-// Whether the absolute value is 1 or more, judged by the place of the first digit that is not 0.
+// Whether the absolute value is 1 or more, judged by the place of the first digit that is not 0. There is
+// one, since 0 is never out of range.
 bool isOneOrMore(std::string_view text) {
     const auto mark = text.find_first_of("eE");
     const auto digits = text.substr(0, mark);
     const auto first = digits.find_first_of("123456789");
-    if (first == std::string_view::npos) {
-        return false;
-    }
     const auto point = std::min(digits.find('.'), digits.size());
     std::int64_t exponent = 0;
     if (mark != std::string_view::npos) {
@@ -282,22 +280,22 @@ std::size_t offsetOfFault(std::string_view source) {
     boost::json::basic_parser<Nobody> fine(options());
     error = {};
     fine.write_some(true, source.data(), begin, error);
-    for (std::size_t offset = begin; offset < source.size(); ++offset) {
-        fine.write_some(true, source.data() + offset, 1, error);
-        if (error) {
-            return offset;
-        }
-    }
-    return source.size();
+    const auto isFaulty = [&](const char& byte) {
+        fine.write_some(true, &byte, 1, error);
+        return error.failed();
+    };
+    return static_cast<std::size_t>(std::find_if(source.begin() + begin, source.end(), isFaulty) -
+                                    source.begin());
 }
 
-// The parser reports some lone surrogates as syntax errors.
+// The parser reports a leading surrogate that stands alone as a syntax error behind it.
 bool standsBehindSurrogate(std::string_view source, std::size_t offset) {
     constexpr std::size_t escape = std::string_view("\\ud800").size();
     for (const std::size_t end : {offset, offset - 1}) {
         if (end < source.size() && end >= escape) {
             const auto text = source.substr(end - escape, escape);
-            if (text.starts_with("\\u") && (text[2] | 0x20) == 'd' && text[3] >= '8') {
+            if (text.starts_with("\\u") && (text[2] | 0x20) == 'd' && text[3] >= '8' &&
+                (text[3] | 0x20) <= 'b') {
                 return true;
             }
         }

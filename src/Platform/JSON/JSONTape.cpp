@@ -58,16 +58,16 @@ void appendIndexToPath(std::string& path, std::size_t index) {
     path += ']';
 }
 
-std::string JSONTape::pathOf(const JSONNode* node) const {
+std::string JSONTape::pathOf(const JSONNode* value) const {
     std::string path;
-    for (const auto* container = root(); container != node && container->isContainer();) {
+    for (const auto* container = root(); container != value;) {
         const bool isObject = container->kind == JSONKind::object;
         const auto* child = container + 1;
-        const JSONNode* value = child + (isObject ? 1 : 0);
+        const JSONNode* inner = child + (isObject ? 1 : 0);
         std::size_t index = 0;
-        while (value->next() <= node) {
-            child = value->next();
-            value = child + (isObject ? 1 : 0);
+        while (inner->next() <= value) {
+            child = inner->next();
+            inner = child + (isObject ? 1 : 0);
             ++index;
         }
         if (isObject) {
@@ -75,7 +75,7 @@ std::string JSONTape::pathOf(const JSONNode* node) const {
         } else {
             appendIndexToPath(path, index);
         }
-        container = value;
+        container = inner;
     }
     return path;
 }

@@ -59,8 +59,8 @@ class JSONTape {
 
     const JSONNode* root() const { return nodes_.get(); }
 
-    // The path of a node of this tape: "boards[3].name".
-    std::string pathOf(const JSONNode* node) const;
+    // The path of a value of this tape: "boards[3].name".
+    std::string pathOf(const JSONNode* value) const;
 
   private:
     friend class JSONTapeBuilder;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <tuple>
 
@@ -13,8 +14,7 @@ constexpr std::size_t fewMembers = 16;
 
 template <class Number> bool equals(double real, Number integer) {
     // Every double that is rounded to a 64-bit integer is checked by converting back, where that is defined.
-    constexpr double beyond =
-        std::same_as<Number, std::uint64_t> ? 18446744073709551616.0 : 9223372036854775808.0;
+    constexpr double beyond = static_cast<double>(std::numeric_limits<Number>::max() / 2 + 1) * 2;
     const auto rounded = static_cast<double>(integer);
     return real == rounded && rounded < beyond && static_cast<Number>(rounded) == integer;
 }

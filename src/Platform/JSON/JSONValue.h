@@ -169,7 +169,8 @@ template <class T> Result<T, DecodingError> JSONValue::as(DateStrategy dateStrat
     const auto json = text();
     if (!json) {
         const auto& error = json.error();
-        return failure(DecodingError{DecodingError::Reason::custom, error.path, error.message()});
+        auto reason = EncodingError{error.reason, {}}.message();
+        return failure(DecodingError{DecodingError::Reason::custom, error.path, std::move(reason)});
     }
     return JSONDecoder{dateStrategy}.decode<T>(*json);
 }

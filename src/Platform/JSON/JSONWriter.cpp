@@ -7,6 +7,7 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace zelto {
@@ -86,7 +87,7 @@ char* writeEscape(char* out, unsigned char c) {
 std::string pathOfEnd(std::string_view json) {
     struct Level {
         bool isObject;
-        std::string_view key;
+        std::optional<std::string_view> key; // of the member that was begun
         std::size_t index;
     };
 
@@ -98,6 +99,7 @@ std::string pathOfEnd(std::string_view json) {
         } else if (c == '}' || c == ']') {
             levels.pop_back();
         } else if (c == ',') {
+            levels.back().key.reset();
             ++levels.back().index;
         } else if (c == '"') {
             const auto begin = ++at;
@@ -111,9 +113,9 @@ std::string pathOfEnd(std::string_view json) {
     }
     std::string path;
     for (const auto& level : levels) {
-        if (level.isObject) {
-            appendKeyToPath(path, level.key);
-        } else {
+        if (level.key) {
+            appendKeyToPath(path, *level.key);
+        } else if (!level.isObject) {
             appendIndexToPath(path, level.index);
         }
     }

@@ -109,11 +109,11 @@ class JSONWriter {
     }
 
     void begin(char bracket) {
+        reserve(1);
+        comma();
         if (++depth_ > jsonDepthLimit) [[unlikely]] {
             fail(EncodingError::Reason::tooDeep);
         }
-        reserve(1);
-        comma();
         *end_++ = bracket;
     }
 

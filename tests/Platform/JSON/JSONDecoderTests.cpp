@@ -82,6 +82,9 @@ TEST(JSONDecoder, IntegersAreExactToTheEndsOfTheirRanges) {
 TEST(JSONDecoder, AnIntegerOutOfRangeIsAnError) {
     EXPECT_EQ(faultOf<std::int8_t>("128"),
               "expected a whole number from -128 to 127, found a number out of range");
+    EXPECT_NE(faultOf<std::int8_t>("-129"), "decodes");
+    EXPECT_EQ(faultOf<std::uint32_t>("18446744073709551615"),
+              "expected a whole number from 0 to 4294967295, found a number out of range");
     EXPECT_EQ(faultOf<std::uint8_t>("-1"),
               "expected a whole number from 0 to 255, found a number out of range");
     EXPECT_NE(faultOf<std::uint8_t>("256"), "decodes");
@@ -121,6 +124,7 @@ TEST(JSONDecoder, DoublesAreTheNearestOnes) {
     EXPECT_TRUE(std::signbit(decoded<double>("-0.0")));
     EXPECT_EQ(decoded<double>("1e-400"), 0);
     EXPECT_EQ(decoded<double>("[18446744073709551616]"sv.substr(1, 20)), 18446744073709551616.0);
+    EXPECT_EQ(decoded<double>("18446744073709551615"), 18446744073709551616.0);
 }
 
 TEST(JSONDecoder, ANumberBeyondADoubleIsAnError) {
@@ -234,7 +238,7 @@ TEST(JSONDecoder, BrokenUTF8IsAnErrorInValuesAndKeys) {
     for (const auto bytes : {"\x80"sv, "\xBF"sv, "\xC0\x80"sv, "\xC1\xBF"sv, "\xC3"sv, "\xC3("sv,
                              "\xE0\x80\x80"sv, "\xE0\x9F\xBF"sv, "\xED\xA0\x80"sv, "\xED\xBF\xBF"sv,
                              "\xE2\x82"sv, "\xE2(\xA1"sv, "\xF0\x8F\xBF\xBF"sv, "\xF4\x90\x80\x80"sv,
-                             "\xF5\x80\x80\x80"sv, "\xF0\x9F\x98"sv, "\xFE"sv, "\xFF"sv}) {
+                             "\xF5\x80\x80\x80"sv, "\xF0\x9F\x98"sv, "\xF0\x9F(\x80"sv, "\xFE"sv, "\xFF"sv}) {
         syntaxErrorOf("\"" + std::string(bytes) + "\"");
         syntaxErrorOf("\"a long text before it, longer than a word\xC3\xA9 \\n" + std::string(bytes) + "\"");
         syntaxErrorOf("{\"" + std::string(bytes) + "\":1}");
@@ -246,6 +250,13 @@ TEST(JSONDecoder, ALoneSurrogateIsAnError) {
          {R"("\ud800")"sv, R"("\udc00")"sv, R"("\ud83d")"sv, R"("\ud83dx")"sv, R"("\ud83d\n")"sv,
           R"("\ud83d\ud83d")"sv, R"("\ude00\ud83d")"sv, R"({"\udfff":1})"sv, R"("\ud83dA")"sv}) {
         EXPECT_EQ(syntaxErrorOf(text).text, "a surrogate stands alone in an escape") << text;
+    }
+}
+
+TEST(JSONDecoder, AnEscapeThatIsNoLoneSurrogateIsNotTakenForOne) {
+    for (const auto text : {"\"\\u0041\n\""sv, "\"\\ud7ff\n\""sv, "\"\\ud83d\\ude00\n\""sv, "\"\\ue000\n\""sv,
+                            "\"\\n12345\n\""sv}) {
+        EXPECT_EQ(syntaxErrorOf(text).text, "an unexpected byte, or text that is not UTF-8") << text;
     }
 }
 
@@ -265,6 +276,9 @@ TEST(JSONDecoder, AnErrorGivesThePathThroughObjectsAndArrays) {
               "boards[1].name: expected a whole number, found a string");
     EXPECT_EQ(faultOf<Maps>(R"({"boards":[{},{},[]]})"), "boards[2]: expected an object, found an array");
     EXPECT_EQ(faultOf<Maps>(R"({"a b\u001b\"":{}})"), R"(["a b??"]: expected an array, found an object)");
+    EXPECT_EQ(faultOf<Maps>(R"({"a_1-b.c@d$":{}})"), "a_1-b.c@d$: expected an array, found an object");
+    EXPECT_EQ(faultOf<Maps>("{\"a\\\\b\x7f\":{}}"), R"(["a?b?"]: expected an array, found an object)");
+    EXPECT_EQ(faultOf<Maps>(R"({"":{}})"), R"([""]: expected an array, found an object)");
     EXPECT_EQ(faultOf<std::vector<std::vector<int>>>("[[1],[2,[]]]"),
               "[1][1]: expected a whole number, found an array");
     EXPECT_EQ(faultOf<Maps>("{\"" + repeated("k", 100) + "\":1}"),
@@ -274,8 +288,12 @@ TEST(JSONDecoder, AnErrorGivesThePathThroughObjectsAndArrays) {
 TEST(JSONDecoder, AWrongKindIsAnError) {
     EXPECT_EQ(faultOf<bool>("1"), "expected a boolean, found a number");
     EXPECT_EQ(faultOf<std::string>("1"), "expected a string, found a number");
+    EXPECT_EQ(faultOf<std::string>("18446744073709551615"), "expected a string, found a number");
     EXPECT_EQ(faultOf<double>("\"1\""), "expected a number, found a string");
     EXPECT_EQ(faultOf<double>("null"), "expected a number, found null");
+    EXPECT_EQ(faultOf<double>("true"), "expected a number, found a boolean");
+    EXPECT_EQ(faultOf<double>("[1]"), "expected a number, found an array");
+    EXPECT_EQ(faultOf<double>("{}"), "expected a number, found an object");
     EXPECT_EQ(faultOf<std::vector<int>>("{}"), "expected an array, found an object");
     EXPECT_EQ((faultOf<std::map<std::string, int>>("[]")), "expected an object, found an array");
 }

@@ -110,7 +110,7 @@ TEST(JSONEncoder, TextThatIsNotUTF8IsAnErrorWithItsPath) {
     for (const auto bytes : {"\x80"sv, "\xBF"sv, "\xC0\x80"sv, "\xC1\xBF"sv, "\xC3"sv, "\xC3("sv,
                              "\xE0\x80\x80"sv, "\xE0\x9F\xBF"sv, "\xED\xA0\x80"sv, "\xED\xBF\xBF"sv,
                              "\xE2\x82"sv, "\xE2(\xA1"sv, "\xF0\x8F\xBF\xBF"sv, "\xF4\x90\x80\x80"sv,
-                             "\xF5\x80\x80\x80"sv, "\xF0\x9F\x98"sv, "\xFE"sv, "\xFF"sv}) {
+                             "\xF5\x80\x80\x80"sv, "\xF0\x9F\x98"sv, "\xF0\x9F(\x80"sv, "\xFE"sv, "\xFF"sv}) {
         EXPECT_EQ(errorOf(std::string(bytes)), (EncodingError{EncodingError::Reason::invalidUTF8, ""}));
         EXPECT_EQ(errorOf(std::map<std::string, int>{{std::string(bytes), 1}}).reason,
                   EncodingError::Reason::invalidUTF8);
@@ -118,6 +118,17 @@ TEST(JSONEncoder, TextThatIsNotUTF8IsAnErrorWithItsPath) {
             {"k,{[", {"a]", "b\\\""}}, {"l", {"a", "text before it " + std::string(bytes)}}};
         EXPECT_EQ(errorOf(map).message(), "l[1]: the text is not valid UTF-8");
     }
+    EXPECT_EQ(errorOf(std::vector<std::string>{"a", "escaped \",[{\n before it \xff"}).message(),
+              "[1]: the text is not valid UTF-8");
+}
+
+TEST(JSONEncoder, AKeyThatIsNotUTF8IsAnErrorOfItsObject) {
+    using Map = std::map<std::string, int>;
+    EXPECT_EQ(errorOf(Map{{"\xff", 1}}), (EncodingError{EncodingError::Reason::invalidUTF8, ""}));
+    EXPECT_EQ(errorOf(std::vector<Map>{{}, {{"a", 1}, {"b", 2}, {"c\n\xff", 3}}}),
+              (EncodingError{EncodingError::Reason::invalidUTF8, "[1]"}));
+    EXPECT_EQ(errorOf(std::map<std::string, Map>{{"outer", {{"a", 1}, {"\xff", 2}}}}),
+              (EncodingError{EncodingError::Reason::invalidUTF8, "outer"}));
 }
 
 TEST(JSONEncoder, NestingIsWrittenToItsLimitAndNoDeeper) {
@@ -134,6 +145,12 @@ TEST(JSONEncoder, NestingIsWrittenToItsLimitAndNoDeeper) {
     ASSERT_TRUE(deepest);
     EXPECT_TRUE(JSONValue::parse(*deepest));
     EXPECT_EQ(errorOf(chain(jsonDepthLimit + 1)).reason, EncodingError::Reason::tooDeep);
+    JSONValue tooDeep = JSONValue::Array{"text", JSONValue::Array{}};
+    for (int level = 1; level < jsonDepthLimit; ++level) {
+        tooDeep = JSONObject{{"a", std::move(tooDeep)}};
+    }
+    const auto message = errorOf(tooDeep).message();
+    EXPECT_TRUE(message.ends_with(".a.a[1]: nested deeper than 512 levels")) << message;
 }
 
 TEST(JSONEncoder, DatesAreSecondsOrISO8601) {
@@ -145,6 +162,8 @@ TEST(JSONEncoder, DatesAreSecondsOrISO8601) {
               R"(["2001-01-02T00:00:00Z"])");
     EXPECT_EQ(encoder.encode(std::vector{Date::fromReferenceSeconds(1e300)}).error(),
               (EncodingError{EncodingError::Reason::dateOutOfRange, "[0]"}));
+    EXPECT_EQ(encoder.encode(Date::fromReferenceSeconds(1e300)).error().message(),
+              "the date has no ISO 8601 form");
     EXPECT_EQ(JSONEncoder().encode(Date::fromReferenceSeconds(std::nan(""))).error().reason,
               EncodingError::Reason::nonFiniteNumber);
 }

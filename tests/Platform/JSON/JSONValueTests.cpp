@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <limits>
+#include <map>
 #include <string>
 
 namespace zelto {
@@ -111,6 +112,8 @@ TEST(JSONValue, NumbersConvertWhereTheValueStaysTheSame) {
     EXPECT_EQ(JSONValue(3.0).asInt64(), 3);
     EXPECT_EQ(JSONValue(3.5).asInt64(), std::nullopt);
     EXPECT_EQ(JSONValue(-1).asUInt64(), std::nullopt);
+    EXPECT_EQ(JSONValue(-1.5).asUInt64(), std::nullopt);
+    EXPECT_EQ(JSONValue(1.5).asUInt64(), std::nullopt);
     EXPECT_EQ(JSONValue(std::numeric_limits<std::uint64_t>::max()).asInt64(), std::nullopt);
     EXPECT_EQ(JSONValue(std::numeric_limits<std::uint64_t>::max()).asUInt64(),
               std::numeric_limits<std::uint64_t>::max());
@@ -133,6 +136,8 @@ TEST(JSONValue, NumbersAreEqualByValue) {
     EXPECT_NE(JSONValue(1), JSONValue(true));
     EXPECT_NE(JSONValue(1), JSONValue("1"));
     EXPECT_NE(JSONValue(1.5), JSONValue("1"));
+    EXPECT_NE(JSONValue(1.5), JSONValue(1));
+    EXPECT_NE(JSONValue(std::numeric_limits<std::uint64_t>::max()), JSONValue(1.5));
     EXPECT_NE(JSONValue(), JSONValue(0));
 }
 
@@ -162,6 +167,56 @@ TEST(JSONValue, IsBuiltAndChangedInPlace) {
 TEST(JSONValue, ALargeUnsignedNumberThatFitsIsAnInt64) {
     EXPECT_EQ(JSONValue(std::uint64_t{7}).kind(), JSONKind::int64);
     EXPECT_EQ(JSONValue(std::numeric_limits<std::uint64_t>::max()).kind(), JSONKind::uint64);
+}
+
+TEST(JSONValue, OneThatWasNotReadFromATextDecodesAsWell) {
+    const JSONValue value = JSONValue::Array{2.5, 3.0, std::numeric_limits<std::uint64_t>::max(), -1, true};
+    EXPECT_EQ(value.as<JSONValue>(), value);
+    EXPECT_EQ(JSONValue(2.5).as<double>(), 2.5);
+    EXPECT_EQ(JSONValue(3.0).as<int>(), 3);
+    EXPECT_EQ(JSONValue(2.5).as<int>().error().message(), "expected a whole number, found a number");
+    EXPECT_EQ(JSONValue(std::numeric_limits<std::uint64_t>::max()).as<std::uint64_t>(),
+              std::numeric_limits<std::uint64_t>::max());
+    EXPECT_EQ((JSONValue(JSONObject{{"a", 1.5}}).as<std::map<std::string, double>>()),
+              (std::map<std::string, double>{{"a", 1.5}}));
+}
+
+TEST(JSONValue, OneWithoutJSONDecodesAsTheErrorOfItsText) {
+    struct {
+        JSONValue value;
+        std::string_view message;
+    } const rows[] = {
+        {std::nan(""), "the number is not finite, which JSON cannot hold"},
+        {"\xff", "the text is not valid UTF-8"},
+        {JSONValue::Array{1, "\xff"}, "[1]: the text is not valid UTF-8"},
+        {JSONObject{{"a", JSONValue::Array{0, std::nan("")}}},
+         "a[1]: the number is not finite, which JSON cannot hold"},
+        {JSONObject{{"a", 1}, {"\xff", 2}}, "the text is not valid UTF-8"},
+    };
+
+    for (const auto& [value, message] : rows) {
+        const auto decoded = value.as<JSONValue>();
+        ASSERT_FALSE(decoded) << message;
+        EXPECT_EQ(decoded.error().message(), message);
+    }
+}
+
+TEST(JSONValue, DecodesToTheDepthLimitAndNoDeeper) {
+    const JSONValue array = JSONValue::Array{};
+    const JSONValue object = JSONObject{};
+    for (const JSONValue& innermost : {array, object}) {
+        auto value = innermost;
+        for (int level = 1; level < jsonDepthLimit; ++level) {
+            value = level % 2 ? JSONValue(JSONValue::Array{value}) : JSONValue(JSONObject{{"a", value}});
+        }
+        EXPECT_EQ(value.as<JSONValue>(), value);
+        for (int level = 0; level < 2; ++level) {
+            value = JSONValue::Array{value};
+            const auto decoded = value.as<JSONValue>();
+            ASSERT_FALSE(decoded);
+            EXPECT_TRUE(decoded.error().message().ends_with("nested deeper than 512 levels"));
+        }
+    }
 }
 
 TEST(JSONValue, AnyCodedValueBecomesOneAndBack) {
