@@ -134,7 +134,7 @@ Found jsonValue(std::string_view text, std::size_t at, SecretKeyKind kind) {
 // `"key":value`, `Header: value` and `key: value`, with `at` on the colon.
 Found behindColon(std::string_view text, std::size_t at) {
     auto keyEnd = at;
-    while (keyEnd > 0 && at - keyEnd < 4 && isAny(text[keyEnd - 1], whiteSpace)) {
+    while (keyEnd > 0 && isAny(text[keyEnd - 1], whiteSpace)) {
         --keyEnd;
     }
     if (keyEnd == 0) {
@@ -143,7 +143,9 @@ Found behindColon(std::string_view text, std::size_t at) {
     if (const char quote = text[keyEnd - 1]; isAny(quote, "\"'")) {
         const Key key = keyBefore(text, keyEnd - 1);
         const auto kind = secretKeyKind(key.name);
-        const bool isKey = key.begin > 0 && text[key.begin - 1] == quote && kind != SecretKeyKind::none;
+        // A text that was cut may begin within its first key's quotes.
+        const bool isQuoted = key.begin == 0 || text[key.begin - 1] == quote;
+        const bool isKey = isQuoted && kind != SecretKeyKind::none;
         const auto begin = std::min(text.find_first_not_of(whiteSpace, at + 1), text.size());
         return isKey ? jsonValue(text, begin, kind) : std::nullopt;
     }

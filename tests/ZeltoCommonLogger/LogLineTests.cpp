@@ -58,6 +58,7 @@ TEST(StandardErrorLog, WritesALineWithTimeAndLevel) {
         const auto subscription = logToStandardError();
         Logger::shared().error("broken\x1b[2J", "run()");
         Logger::shared().warn("odd", "run()");
+        Logger::shared().info("done", "run()");
         Logger::shared().trace("detail", "run()");
     }
     Logger::shared().error("after", "run()");
@@ -65,7 +66,8 @@ TEST(StandardErrorLog, WritesALineWithTimeAndLevel) {
     EXPECT_TRUE(written.starts_with("2023-11-14T22:13:20.250Z error LogLineTests.cpp:")) << written;
     EXPECT_NE(written.find(" run(): broken\\u{1B}[2J\n"), std::string::npos) << written;
     EXPECT_NE(written.find("Z warning LogLineTests.cpp:"), std::string::npos) << written;
-    EXPECT_EQ(std::ranges::count(written, '\n'), 2) << written;
+    EXPECT_NE(written.find("Z info LogLineTests.cpp:"), std::string::npos) << written;
+    EXPECT_EQ(std::ranges::count(written, '\n'), 3) << written;
 }
 
 TEST(StandardErrorLog, ASecretThatTheCutWouldSplitIsMaskedWhole) {

@@ -55,6 +55,8 @@ INSTANTIATE_TEST_SUITE_P(
         Line{R"({"access_token":"abc","expires_in":3600})", R"({"access_token":"***","expires_in":3600})"},
         Line{R"({ "refreshToken" : "a\"b\\" , "x" : 1 })", R"({ "refreshToken" : "***" , "x" : 1 })"},
         Line{R"({"password":12345,"n":2})", R"({"password":***,"n":2})"},
+        Line{"{\"password\" \t\r\n      :      \"abc\"}", "{\"password\" \t\r\n      :      \"***\"}"},
+        Line{R"(access_token":"abc","n":1})", R"(access_token":"***","n":1})"},
         Line{R"({"token":null,"secret":true})", R"({"token":null,"secret":true})"},
         Line{R"({"body":"{\"access_token\":\"abc\",\"n\":1}"})",
              R"({"body":"{\"access_token\":\"***\",\"n\":1}"})"},
@@ -78,7 +80,9 @@ INSTANTIATE_TEST_SUITE_P(
         Line{"Cookie: a=b; c=d", "Cookie: ***"}, Line{"Mcp-Session-Id: 1868a90c", "Mcp-Session-Id: ***"},
         Line{R"("Authorization":"Bearer abc")", R"("Authorization":"Bearer ***")"},
         Line{"sent Bearer ya29.a0AfH6SMB to host", "sent Bearer *** to host"},
-        Line{"access_token: abc", "access_token: ***"}));
+        Line{"sent basic dXNlcjpwYXNzd29yZA==.", "sent basic ***"},
+        Line{"access_token: abc", "access_token: ***"},
+        Line{"access_token: 'a b', refresh_token: \"c d\"", "access_token: '***', refresh_token: \"***\""}));
 
 class UnchangedLines : public testing::TestWithParam<std::string> {};
 
@@ -98,7 +102,10 @@ INSTANTIATE_TEST_SUITE_P(
                     R"(WWW-Authenticate: Bearer realm="example", error="invalid_token")",
                     "grant_type=refresh_token", "nextPageToken=abc&sync_token=*", "key: value",
                     "status code=404 here", "100% \\ \\u00 %zz \\ud800", "https://host:8080/a@b",
-                    "a=b&c=d;e:f", "🙂 Ärger \xff\xfe", R"({"token_type":"bearer","scope":"read"})"));
+                    "a=b&c=d;e:f", "🙂 Ärger \xff\xfe", R"({"token_type":"bearer","scope":"read"})",
+                    "token=", "token= ", "access_token:", "access_token: ", "the access_token : expired",
+                    R"({"key":["a","b"]})", R"(a "quoted access_token": abc)", "ends with \\",
+                    std::string(41, 'k') + "=abc", std::string(100, 'k') + "=abc"));
 
 TEST(LogMasking, MaskingTwiceChangesNothingMore) {
     const auto once = maskSecrets(R"(https://h/?token=abc {"password":"x","n":1} Authorization: Bearer abc)");
@@ -147,6 +154,20 @@ TEST_F(Canary, EscapedInJSON) {
     expectHidden(R"(Zq7+/ö\\\"k&=% 42~canary)");
 }
 
+TEST_F(Canary, EscapedInJSONWithCharactersOfAnyLength) {
+    const auto registration = SecretRegistry::shared().add("Zq7-🙂-Ä€￥-canary");
+    expectHidden(R"(Zq7-\ud83d\ude42-\u00c4\u20ac\uffe5-canary)");
+    expectHidden(R"(Zq7-\uD83D\uDE42-\u00C4\u20AC\uFFE5-canary)");
+}
+
+TEST_F(Canary, BehindAnEscapeThatIsNone) {
+    for (const std::string broken :
+         {R"(\ud83d)", R"(\ud83dx)", R"(\ud83d\u)", R"(\ud83d\u0041)", R"(\ud83d\ue000)", R"(\ud83d\uzzzz)",
+          R"(\ud83d\ud83d)", R"(\ude42)", R"(\u12)", R"(\x)", "%", "%4", "%zz"}) {
+        EXPECT_EQ(maskSecrets(broken + R"( Zq7+\/\u00f6\"k\u0026=% 42~canary \)"), broken + R"( *** \)");
+    }
+}
+
 TEST_F(Canary, Base64AtAllThreeAlignmentsAndInBothAlphabets) {
     // python3: base64.b64encode(b"x"*n + secret + b"y"*n)
     const std::string standard[] = {"WnE3Ky/DtiJrJj0lIDQyfmNhbmFyeQ==", "eFpxNysvw7YiayY9JSA0Mn5jYW5hcnl5",
@@ -161,6 +182,14 @@ TEST_F(Canary, Base64AtAllThreeAlignmentsAndInBothAlphabets) {
             EXPECT_LT(line.size(), 3 + 2 + shift * 2u) << line;
         }
     }
+}
+
+TEST_F(Canary, Base64WithinATextKeepsWhatStandsAroundIt) {
+    EXPECT_EQ(maskSecrets(R"({"data":"eHhacTcrL8O2ImsmPSUgNDJ+Y2FuYXJ5","n":1})"),
+              R"({"data":"eH***","n":1})");
+    // Between bytes that only the second alphabet's "-" and "_" stand for.
+    EXPECT_EQ(maskSecrets("----WnE3Ky_DtiJrJj0lIDQyfmNhbmFyef___w=="), "---***_w==");
+    EXPECT_EQ(maskSecrets("___-WnE3Ky_DtiJrJj0lIDQyfmNhbmFyefvvvg=="), "___***vg==");
 }
 
 TEST_F(Canary, Base64InAURL) {
