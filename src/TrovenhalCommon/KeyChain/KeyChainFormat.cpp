@@ -58,6 +58,17 @@ std::array<std::uint8_t, checkedByKey> beginningOf(const KeyChainHeader& header)
     return bytes;
 }
 
+bool isSane(const KeyChainHeader& header) {
+    switch (header.keySource) {
+    case KeyChainHeader::KeySource::keyFile:
+        return header.passes == 0 && header.memory == 0;
+    case KeyChainHeader::KeySource::passphrase:
+        return header.passes >= crypto_pwhash_OPSLIMIT_MIN && header.passes <= maximumPasses &&
+               header.memory >= crypto_pwhash_MEMLIMIT_MIN && header.memory <= maximumMemory;
+    }
+    return false;
+}
+
 // The plain text that is sealed: a count, then each key and value with their lengths.
 SecretBytes serialized(const KeyChainValues& values) {
     std::size_t size = 8;
@@ -119,14 +130,12 @@ std::optional<KeyChainHeader> KeyChainHeader::read(Bytes file) {
         return std::nullopt;
     }
     KeyChainHeader header;
-    const auto source = numberAt<std::uint32_t>(file.data() + 8);
-    header.keySource = static_cast<KeySource>(source);
+    header.keySource = static_cast<KeySource>(numberAt<std::uint32_t>(file.data() + 8));
     header.passes = numberAt<std::uint32_t>(file.data() + 12);
     header.memory = numberAt<std::uint64_t>(file.data() + 16);
     std::ranges::copy(file.subspan(24, 16), header.salt.begin());
     std::ranges::copy(file.subspan(40, 16), header.keyCheck.begin());
-    const bool isSane = source <= 1 && header.passes <= maximumPasses && header.memory <= maximumMemory;
-    return isSane ? std::optional(header) : std::nullopt;
+    return isSane(header) ? std::optional(header) : std::nullopt;
 }
 
 bool KeyChainHeader::isOfKey(const SecretBytes& key) const {

@@ -34,7 +34,8 @@ struct KeyChainHeader {
     std::array<std::uint8_t, 16> salt{};
     std::array<std::uint8_t, 16> keyCheck{};
 
-    // `nullopt` if the bytes are not such a header, or it was changed.
+    // `nullopt` if the bytes are not such a header, it was changed, or its key would cost too much or
+    // nothing.
     static std::optional<KeyChainHeader> read(std::span<const std::uint8_t> file);
 
     bool isOfKey(const SecretBytes& key) const;

@@ -28,29 +28,30 @@ TEST_P(Emails, AreFound) {
 
 INSTANTIATE_TEST_SUITE_P(
     Texts, Emails,
-    testing::Values(
-        Case{"", {}}, Case{"a@b.co", {"a@b.co"}},
-        Case{"Write to alice.b+tag@mail.example.com, or not.", {"alice.b+tag@mail.example.com"}},
-        Case{"<bob@example.org>", {"bob@example.org"}}, Case{"mailto:bob@example.org", {"bob@example.org"}},
-        Case{"a@b.com;c@d.org e@f.net", {"a@b.com", "c@d.org", "e@f.net"}},
-        Case{"o'brien_1%x@sub-domain.example.com", {"o'brien_1%x@sub-domain.example.com"}},
-        Case{"end@example.com.", {"end@example.com"}}, Case{"end@example.com-", {"end@example.com"}},
-        Case{"x@example.com.1", {"x@example.com"}}, Case{"иван@пример.рф", {"иван@пример.рф"}},
-        Case{"“a@b.com”", {"a@b.com"}}, Case{"a@xn--e1afmkfd.xn--p1ai", {"a@xn--e1afmkfd.xn--p1ai"}},
-        Case{".a@b.com", {"a@b.com"}}, Case{"x..a@b.com", {"a@b.com"}}, Case{"a@b.com@c.org", {"a@b.com"}},
-        Case{"\xff"
-             "a@b.com\xfe",
-             {"a@b.com"}}));
+    testing::Values(Case{"", {}}, Case{"a@b.co", {"a@b.co"}},
+                    Case{"Write to alice.b+tag@mail.example.com, or not.", {"alice.b+tag@mail.example.com"}},
+                    Case{"<bob@example.org>", {"bob@example.org"}},
+                    Case{"mailto:bob@example.org", {"bob@example.org"}},
+                    Case{"a@b.com;c@d.org e@f.net", {"a@b.com", "c@d.org", "e@f.net"}},
+                    Case{"o'brien_1%x@sub-domain.example.com", {"o'brien_1%x@sub-domain.example.com"}},
+                    Case{"end@example.com.", {"end@example.com"}},
+                    Case{"end@example.com-", {"end@example.com"}}, Case{"x@example.com.1", {"x@example.com"}},
+                    Case{"иван@пример.рф", {"иван@пример.рф"}}, Case{"“a@b.com”", {"a@b.com"}},
+                    Case{"a@xn--e1afmkfd.xn--p1ai", {"a@xn--e1afmkfd.xn--p1ai"}},
+                    Case{".a@b.com", {"a@b.com"}}, Case{"x..a@b.com", {"a@b.com"}},
+                    Case{"a@b.com@c.org", {"a@b.com"}}, Case{"٣a٤@b٥.com", {"٣a٤@b٥.com"}},
+                    Case{"\xff"
+                         "a@b.com\xfe",
+                         {"a@b.com"}}));
 
-INSTANTIATE_TEST_SUITE_P(NoAddresses, Emails,
-                         testing::Values(Case{"a", {}}, Case{"@", {}}, Case{"a@", {}}, Case{"@b.com", {}},
-                                         Case{"a@b", {}}, Case{"a@localhost", {}}, Case{"a@b.c", {}},
-                                         Case{"a@b.c1", {}}, Case{"a@1.2.3.4", {}}, Case{"a.@b.com", {}},
-                                         Case{"a @b.com", {}}, Case{"a@ b.com", {}}, Case{"a@-b.com", {}},
-                                         Case{"a@b..com", {}}, Case{"a@.com", {}},
-                                         Case{"at symbol @ home.com", {}},
-                                         Case{std::string(65, 'a') + "@b.com", {}},
-                                         Case{"a@" + std::string(64, 'b') + ".com", {}}));
+INSTANTIATE_TEST_SUITE_P(
+    NoAddresses, Emails,
+    testing::Values(Case{"a", {}}, Case{"@", {}}, Case{"a@", {}}, Case{"@b.com", {}}, Case{"a@b", {}},
+                    Case{"a@localhost", {}}, Case{"a@b.c", {}}, Case{"a@b.c1", {}}, Case{"a@1.2.3.4", {}},
+                    Case{"a.@b.com", {}}, Case{"a @b.com", {}}, Case{"a@ b.com", {}}, Case{"a@-b.com", {}},
+                    Case{"a@b..com", {}}, Case{"a@.com", {}}, Case{"at symbol @ home.com", {}},
+                    Case{std::string(65, 'a') + "@b.com", {}}, Case{"a@" + std::string(64, 'b') + ".com", {}},
+                    Case{"a@" + std::string(100, 'b') + ".com", {}}));
 
 TEST(EmailPattern, AcceptsPartsOfTheMaximumLength) {
     const auto text = std::string(64, 'a') + "@" + std::string(63, 'b') + ".com";
@@ -60,6 +61,11 @@ TEST(EmailPattern, AcceptsPartsOfTheMaximumLength) {
         domain += "abcdefghi.";
     }
     EXPECT_EQ(found(LVXRegexpPatterns::email, "a@" + domain + "com"), Texts{"a@" + domain + "com"});
+    const auto longest = "a@" + domain + "abcdefghi.com";
+    EXPECT_EQ(found(LVXRegexpPatterns::email, longest), Texts{longest});
+    EXPECT_EQ(found(LVXRegexpPatterns::email, "a@" + domain + "abcdefghi1.com"),
+              Texts{"a@" + domain.substr(0, domain.size() - 1)});
+    EXPECT_EQ(found(LVXRegexpPatterns::email, longest + ".and.more"), Texts{longest});
 }
 
 class PhoneNumbers : public testing::TestWithParam<Case> {};
@@ -86,7 +92,10 @@ INSTANTIATE_TEST_SUITE_P(
                          "1234",
                          {"555\xe2\x80\x91"
                           "1234"}},
-                    Case{"123456789012345", {"123456789012345"}},
+                    Case{"030\u2009123\u202F4567", {"030\u2009123\u202F4567"}},
+                    Case{"03012345\u2014678", {"03012345"}}, Case{"03012345\u2010678", {"03012345\u2010678"}},
+                    Case{"030 123)4567", {"030 123"}}, Case{"030 123((4567)", {"030 123"}},
+                    Case{"0301234 , ;ext 9", {"0301234"}}, Case{"123456789012345", {"123456789012345"}},
                     Case{"5551234\n5554321", {"5551234", "5554321"}},
                     Case{"(5551234 and more", {"5551234"}}));
 
