@@ -20,23 +20,12 @@ std::unexpected<MeetingNoteError> invalid(std::string message) {
 }
 
 MeetingNoteError errorOf(const FileError& error) {
-    switch (error.code) {
-    case FileErrorCode::notFound:
-    case FileErrorCode::notDirectory:
+    if (error.code == FileErrorCode::notFound || error.code == FileErrorCode::notDirectory) {
         return {MeetingNoteErrorCode::notFound, "There is no such file; check the path."};
-    case FileErrorCode::tooLarge:
+    }
+    if (error.code == FileErrorCode::tooLarge) {
         return {MeetingNoteErrorCode::tooLarge,
                 "The meeting note is larger than 64 MiB; shorten its transcript."};
-    case FileErrorCode::noPermission:
-    case FileErrorCode::noSpace:
-    case FileErrorCode::alreadyExists:
-    case FileErrorCode::isDirectory:
-    case FileErrorCode::symbolicLink:
-    case FileErrorCode::nameTooLong:
-    case FileErrorCode::readOnly:
-    case FileErrorCode::tooManyOpenFiles:
-    case FileErrorCode::other:
-        break;
     }
     return {MeetingNoteErrorCode::unreadable,
             "The file cannot be read; check that it is a file and that you may read it."};

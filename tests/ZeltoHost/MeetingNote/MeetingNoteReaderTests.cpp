@@ -35,6 +35,20 @@ TEST(MeetingNoteReader, OnlyTheTitleMustBeThere) {
     EXPECT_NE(errorOf("{}").message.find("title"), std::string::npos);
 }
 
+TEST(MeetingNoteReader, AMeetingMayHaveAStartOrAnEndAlone) {
+    const auto begun = MeetingNoteReader::parse(R"({"title": "x", "start": "2025-10-21T13:00:00Z"})");
+    ASSERT_TRUE(begun.has_value());
+    EXPECT_EQ(begun->end, std::nullopt);
+    const auto ended = MeetingNoteReader::parse(R"({"title": "x", "end": "2025-10-21T13:00:00Z"})");
+    ASSERT_TRUE(ended.has_value());
+    EXPECT_EQ(ended->start, std::nullopt);
+}
+
+TEST(MeetingNoteReader, AWebLinkMayBeOfPlainHTTP) {
+    EXPECT_EQ(MeetingNoteReader::parse(R"({"title": "x", "webLink": "http://x.example/"})")->webLink,
+              "http://x.example/");
+}
+
 TEST(MeetingNoteReader, ErrorsNameTheField) {
     const std::vector<std::pair<std::string, std::string>> rows{
         {R"("start": "tomorrow")", "start"},
@@ -47,6 +61,7 @@ TEST(MeetingNoteReader, ErrorsNameTheField) {
         {R"("link": "javascript:alert")", "\"link\""},
         {R"("link": "file:///etc/passwd")", "\"link\""},
         {R"("webLink": "ftp://x.example")", "\"webLink\""},
+        {R"("webLink": "not a url")", "\"webLink\""},
         {R"("summary": 5)", "summary"},
         {R"("summary": {})", "summary"},
         {R"("notes": {"text": "a", "html": "b"})", "notes"},
@@ -71,7 +86,10 @@ TEST(MeetingNoteReader, SaysWhenTheFileCannotBeRead) {
     EXPECT_EQ(MeetingNoteReader::open("/nowhere/note.json").error().code, MeetingNoteErrorCode::notFound);
     EXPECT_EQ(MeetingNoteReader::open(std::filesystem::temp_directory_path()).error().code,
               MeetingNoteErrorCode::unreadable);
+    EXPECT_EQ(MeetingNoteReader::open("/" + std::string(300, 'n')).error().code,
+              MeetingNoteErrorCode::unreadable);
     const auto path = fileWith("{}", "big.json");
+    EXPECT_EQ(MeetingNoteReader::open(path / "note.json").error().code, MeetingNoteErrorCode::notFound);
     std::filesystem::resize_file(path, (64U << 20) + 1);
     EXPECT_EQ(MeetingNoteReader::open(path).error().code, MeetingNoteErrorCode::tooLarge);
 }
