@@ -36,6 +36,8 @@ TEST(SignInToken, OfSlackIsTheUsers) {
               (SignInToken{.accessToken = "user"}));
     EXPECT_EQ(complaint(ServiceType::Slack, 200, R"({"ok":true,"access_token":"bot","authed_user":{}})"),
               "Slack responded without a token.");
+    EXPECT_EQ(complaint(ServiceType::Slack, 200, R"({"ok":true,"access_token":"bot"})"),
+              "Slack responded without a token.");
     EXPECT_EQ(complaint(ServiceType::Slack, 200, R"({"ok":false,"error":"invalid_code"})"),
               "Slack does not take the code of its own page; it is spent or too old. Sign in again "
               "(invalid_code).");
