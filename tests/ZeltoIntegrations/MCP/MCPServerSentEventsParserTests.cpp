@@ -50,6 +50,17 @@ Events eventsIn(std::string_view stream) {
     return whole;
 }
 
+TEST(MCPServerSentEvent, IsTheSameAsOneThatSaysTheSame) {
+    const MCPServerSentEvent whole{"message", "text", id("7"), 100};
+    EXPECT_EQ(whole, (MCPServerSentEvent{"message", "text", id("7"), 100}));
+    EXPECT_NE(whole, (MCPServerSentEvent{std::nullopt, "text", id("7"), 100}));
+    EXPECT_NE(whole, (MCPServerSentEvent{"message", "texts", id("7"), 100}));
+    EXPECT_NE(whole, (MCPServerSentEvent{"message", "text", id("8"), 100}));
+    EXPECT_NE(whole, (MCPServerSentEvent{"message", "text", nullptr, 100}));
+    EXPECT_NE(whole, (MCPServerSentEvent{"message", "text", id("7"), std::nullopt}));
+    EXPECT_EQ(event("text"), event("text"));
+}
+
 TEST(MCPServerSentEventsParser, GivesAnEventWithTheLastLineFeed) {
     EXPECT_EQ(eventsIn("data: a\n\n"), Events{event("a")});
     for (const std::size_t cut : {1u, 5u, 6u, 7u, 8u}) {
