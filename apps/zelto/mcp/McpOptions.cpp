@@ -105,7 +105,7 @@ Outcome<std::string> argumentsText(const std::string& given) {
 } // namespace
 
 Outcome<McpOptions> McpOptions::from(const Invocation& invocation) {
-    constexpr int mostCalls = 1'000'000'000;
+    constexpr int maximumRepeat = 1'000'000'000;
     const auto address = invocation.value("URL").value();
     auto server = URL::parse(address);
     if (!server || (server->scheme() != "https" && server->scheme() != "http")) {
@@ -118,7 +118,7 @@ Outcome<McpOptions> McpOptions::from(const Invocation& invocation) {
     }
     options.timeout = *timeout;
     const auto repeat = numberIn<int>(invocation.value("--repeat").value_or("1"));
-    if (!repeat || *repeat < 1 || *repeat > mostCalls) {
+    if (!repeat || *repeat < 1 || *repeat > maximumRepeat) {
         return wrongUsage("--repeat is a whole number from 1 to 1000000000.");
     }
     options.repeat = *repeat;
