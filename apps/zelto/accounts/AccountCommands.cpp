@@ -74,11 +74,11 @@ Outcome<Report> runAccountsRemove(const Invocation& invocation, const Terminal& 
     if (!workspace) {
         return failure(workspace.error());
     }
-    const auto identifier = invocation.value("ID").value();
-    auto account = workspace->storedAccount(identifier);
+    auto account = workspace->storedAccount(invocation.value("ID").value());
     if (!account) {
         return failure(account.error());
     }
+    const auto identifier = account->identifier();
     // Whoever refreshes its token now would store the new one after the removal.
     const auto lock = workspace->lockForUse(*account);
     if (!lock) {

@@ -139,12 +139,11 @@ Outcome<Report> runConnect(const Invocation& invocation, const Terminal& termina
 }
 
 Outcome<Report> runReconnect(const Invocation& invocation, const Terminal& terminal) {
-    const auto identifier = invocation.value("ID").value();
     const auto workspace = Workspace::open(invocation);
     if (!workspace) {
         return failure(workspace.error());
     }
-    const auto stored = workspace->storedAccount(identifier);
+    const auto stored = workspace->storedAccount(invocation.value("ID").value());
     if (!stored) {
         return failure(stored.error());
     }

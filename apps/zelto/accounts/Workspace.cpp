@@ -20,8 +20,30 @@ namespace zelto::cli {
 
 namespace {
 
-std::string identifiersOf(const std::vector<ServiceAccountConfiguration>& accounts) {
-    return joined(accounts, ", ", &ServiceAccountConfiguration::identifier);
+using Accounts = std::vector<ServiceAccountConfiguration>;
+
+Failure ambiguousAccount(ServiceType type, const Accounts& accounts) {
+    return {"ambiguousAccount",
+            displayName(type) + " has several accounts: " +
+                joined(accounts, ", ", &ServiceAccountConfiguration::identifier) + ".",
+            "zelto accounts"};
+}
+
+std::optional<ServiceAccountConfiguration> accountOf(const Accounts& accounts,
+                                                     const std::string& identifier) {
+    const auto found = std::ranges::find_if(
+        accounts, [&](const auto& account) { return account.identifier() == identifier; });
+    return found == accounts.end() ? std::nullopt : std::optional(*found);
+}
+
+Failure unknownAccount(const std::string& idOrService) {
+    return {"unknownAccount", "There is no account and no service \"" + idOrService + "\".",
+            "zelto accounts"};
+}
+
+Failure notConnected(ServiceType type) {
+    return {"unknownAccount", "No account of " + displayName(type) + " is connected.",
+            "zelto connect " + std::string(nameOf(type))};
 }
 
 // Secrets that were kept for a while are erased in whichever key chain they are.
@@ -122,18 +144,6 @@ Outcome<void> Workspace::storageOutcome() const {
     return {};
 }
 
-Outcome<ServiceAccountConfiguration> Workspace::storedAccount(const std::string& identifier) const {
-    auto account = storage_->tryLoad(identifier);
-    if (!account) {
-        return failure(failureOf(account.error()));
-    }
-    if (!*account) {
-        return failure(
-            Failure{"unknownAccount", "There is no account \"" + identifier + "\".", "zelto accounts"});
-    }
-    return **std::move(account);
-}
-
 Outcome<AccountLock> Workspace::lock(const std::string& identifier) const {
     auto lock = AccountLock::take(directory_, identifier, [&] {
         writeError("zelto: waiting for another zelto that uses " + escapeControlCharacters(identifier) +
@@ -166,24 +176,49 @@ Outcome<std::optional<AccountLock>> Workspace::lockForUse(ServiceAccountConfigur
     return *std::move(taken);
 }
 
+Outcome<ServiceAccountConfiguration> Workspace::storedAccount(const std::string& idOrService) const {
+    auto named = storage_->tryLoad(idOrService);
+    if (!named) {
+        return failure(failureOf(named.error()));
+    }
+    if (*named) {
+        return **std::move(named);
+    }
+    const auto type = serviceNamed(idOrService);
+    if (!type) {
+        return failure(unknownAccount(idOrService));
+    }
+    const auto stored = storage_->tryLoadConfigurations();
+    if (!stored) {
+        return failure(failureOf(stored.error()));
+    }
+    Accounts ofService;
+    std::ranges::copy_if(*stored, std::back_inserter(ofService),
+                         [&](const auto& account) { return account.serviceType() == *type; });
+    if (ofService.empty()) {
+        return failure(notConnected(*type));
+    }
+    if (ofService.size() > 1) {
+        return failure(ambiguousAccount(*type, ofService));
+    }
+    return std::move(ofService.front());
+}
+
 Outcome<ServiceAccountConfiguration> Workspace::account(const std::string& idOrService,
                                                         IntegrationsManager& manager, bool mayConnect) const {
     const auto stored = storage_->tryLoadConfigurations();
     if (!stored) {
         return failure(failureOf(stored.error()));
     }
-    const auto isWanted = [&](const auto& account) { return account.identifier() == idOrService; };
-    if (const auto found = std::ranges::find_if(*stored, isWanted); found != stored->end()) {
-        return *found;
+    if (auto found = accountOf(*stored, idOrService)) {
+        return *std::move(found);
     }
     const auto type = serviceNamed(idOrService);
     if (!type) {
-        return failure(Failure{"unknownAccount",
-                               "There is no account and no service \"" + idOrService + "\".",
-                               "zelto accounts"});
+        return failure(unknownAccount(idOrService));
     }
     const auto isOfType = [&](const auto& account) { return account.serviceType() == *type; };
-    std::vector<ServiceAccountConfiguration> enabled;
+    Accounts enabled;
     std::ranges::copy_if(*stored, std::back_inserter(enabled),
                          [&](const auto& account) { return isOfType(account) && account.enabled; });
     enabled = suited(std::move(enabled));
@@ -201,13 +236,10 @@ Outcome<ServiceAccountConfiguration> Workspace::account(const std::string& idOrS
                                "zelto accounts"});
     }
     if (!enabled.empty()) {
-        return failure(Failure{"ambiguousAccount",
-                               displayName(*type) + " has several accounts: " + identifiersOf(enabled) + ".",
-                               "zelto accounts"});
+        return failure(ambiguousAccount(*type, enabled));
     }
     if (serviceAuthFlow(*type) != ServiceAuthFlow::installedApp) {
-        return failure(Failure{"unknownAccount", "No account of " + displayName(*type) + " is connected.",
-                               "zelto connect " + std::string(nameOf(*type))});
+        return failure(notConnected(*type));
     }
     ServiceAccountConfiguration account(*type, std::nullopt, true);
     if (!mayConnect) {

@@ -41,14 +41,15 @@ class Workspace {
     // The failure of anything that was stored since the last look, which interfaces cannot report.
     Outcome<void> storageOutcome() const;
 
-    // The account of that very identifier.
-    Outcome<ServiceAccountConfiguration> storedAccount(const std::string& identifier) const;
-
     // The account of an identifier, or the account of a service: the one used last, or its only one; where a
     // sandbox is used, one of the sandbox goes before the others, and where none is, one that is of no
     // sandbox. An application without an account gets one, unless nothing may be changed.
     Outcome<ServiceAccountConfiguration> account(const std::string& idOrService, IntegrationsManager& manager,
                                                  bool mayConnect) const;
+
+    // The account of an identifier, or a service's only account. A failure lists those of a service that has
+    // several.
+    Outcome<ServiceAccountConfiguration> storedAccount(const std::string& idOrService) const;
 
     // Takes the account's lock; that this waits for another process is written to standard error.
     Outcome<AccountLock> lock(const std::string& identifier) const;

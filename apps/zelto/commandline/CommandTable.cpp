@@ -15,6 +15,10 @@ const OptionSpec to = {
 const OptionSpec as = {"--as", "TYPE", "The form of the export; a service takes some of them",
                        ValueKind::contentType};
 
+const ArgumentSpec onlyAccount = {
+    "ID", "The account's identifier, as `zelto accounts` lists it; or its service, if that has no other",
+    ValueKind::account};
+
 const ArgumentSpec mail = {"MAIL", "An .eml file, a meeting note in .json, or - for a mail on standard input",
                            ValueKind::mail};
 
@@ -92,7 +96,7 @@ const std::vector<CommandSpec> table = {
      "Gives a connected account a new sign-in, for when its service does not accept the old one any more. It "
      "must be the same user's; what is remembered of the account stays. Takes what `zelto connect` takes. A "
      "sign-in in a sandbox makes it an account of the sandbox.",
-     {{"ID", "The account's identifier, as `zelto accounts` lists it", ValueKind::account}},
+     {onlyAccount},
      withSignInOptions({realAccount}),
      {"printf %s new-token | zelto reconnect Zoom+work --token -",
       "printf %s other-token | zelto reconnect Zoom+work --token - --expires-in 3600"}},
@@ -108,7 +112,7 @@ const std::vector<CommandSpec> table = {
      "Remove an account",
      "Removes an account and its secrets from this machine, with those that `zelto accounts restore` would "
      "bring back. Nothing is changed on the service.",
-     {{"ID", "The account's identifier, as `zelto accounts` lists it", ValueKind::account}},
+     {onlyAccount},
      {},
      {"zelto accounts remove Bear", "zelto accounts remove Things+work"}},
     {"accounts restore",
@@ -117,7 +121,7 @@ const std::vector<CommandSpec> table = {
      "loses its tokens then; but a service that was only out of order may still take them. They are kept for "
      "seven days, beside the account's secrets in the key chain, and erased earlier by a new sign-in or when the account is "
      "removed. Nothing is brought back over tokens that the account has.",
-     {{"ID", "The account's identifier, as `zelto accounts` lists it", ValueKind::account}},
+     {onlyAccount},
      {},
      {"zelto accounts restore Zoom+work", "zelto accounts restore Trello+me@example.org --json"}},
     {"targets",

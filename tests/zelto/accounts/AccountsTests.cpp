@@ -70,6 +70,24 @@ TEST(Accounts, OfAFailedExportAreNotTheLastUsedOnes) {
     EXPECT_EQ(zelto.run({"accounts"}).output, "Bear\n");
 }
 
+TEST(Accounts, AreRemovedByTheirServiceWhereItHasOneAlone) {
+    const ZeltoProgram zelto;
+    ASSERT_EQ(zelto.run({"connect", "bear", "--name", "home"}).status, 0);
+    ASSERT_EQ(zelto.run({"connect", "bear", "--name", "work"}).status, 0);
+    const auto ambiguous = zelto.run({"accounts", "remove", "bear", "--json"});
+    EXPECT_EQ(ambiguous.status, 1);
+    EXPECT_EQ(ambiguous.text("error"), "ambiguousAccount");
+    EXPECT_EQ(ambiguous.text("message"), "Bear has several accounts: Bear+home, Bear+work.");
+    // The one used last is no choice of the user's.
+    EXPECT_EQ(usedAccount(zelto, "Bear+work"), "Bear+work");
+    EXPECT_EQ(zelto.run({"accounts", "remove", "bear"}).status, 1);
+    EXPECT_EQ(zelto.run({"accounts", "remove", "Bear+home"}).output, "Removed Bear+home.\n");
+    EXPECT_EQ(zelto.run({"accounts", "remove", "bear"}).output, "Removed Bear+work.\n");
+    const auto none = zelto.run({"accounts", "remove", "bear", "--json"});
+    EXPECT_EQ(none.text("error"), "unknownAccount");
+    EXPECT_EQ(none.text("message"), "No account of Bear is connected.");
+}
+
 TEST(Accounts, LieInADirectoryForTheUserAlone) {
     const ZeltoProgram zelto;
     ASSERT_EQ(zelto.runShell("umask 0; zelto connect bear").status, 0);

@@ -70,6 +70,17 @@ TEST_F(Reconnect, TakesWhatIsGiven) {
     EXPECT_EQ(stored("Zoom+work").refreshToken, std::nullopt);
 }
 
+TEST_F(Reconnect, TakesAServiceWithOneAccountAlone) {
+    ASSERT_EQ(run({"connect", "zoom", "--name", "work", "--token", "old"}).status, 0);
+    EXPECT_EQ(run({"reconnect", "zoom", "--token", "new"}).output.substr(0, 23), "Reconnected Zoom+work.\n");
+    EXPECT_EQ(stored("Zoom+work").accessToken, "new");
+    ASSERT_EQ(run({"connect", "zoom", "--name", "home", "--token", "other"}).status, 0);
+    const auto ambiguous = run({"reconnect", "zoom", "--token", "newer", "--json"});
+    EXPECT_EQ(ambiguous.text("error"), "ambiguousAccount");
+    EXPECT_EQ(ambiguous.text("message"), "Zoom has several accounts: Zoom+work, Zoom+home.");
+    EXPECT_EQ(stored("Zoom+work").accessToken, "new");
+}
+
 TEST_F(Reconnect, WaitsForWhoeverUsesTheAccountAndSaysSo) {
     ASSERT_EQ(run({"connect", "zoom", "--name", "work", "--token", "old"}).status, 0);
     auto held = std::make_optional(AccountLock::take(zelto.dataDirectory(), "Zoom+work", [] {}));
