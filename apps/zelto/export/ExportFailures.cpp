@@ -7,6 +7,7 @@
 #include <Platform/Text.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <ranges>
 #include <utility>
 
@@ -39,6 +40,16 @@ bool isFirst(const Refused& refused, const ExportReport& report) {
 // A message and the command to try next.
 using Advice = std::pair<std::string, std::string>;
 
+std::string bytes(std::uint64_t size) {
+    return std::to_string(size) + (size == 1 ? " byte" : " bytes");
+}
+
+std::string tooLarge(const Refused& refused, const std::string& service) {
+    const bool isFile = refused.kind == "file";
+    return (isFile ? "the file, of " : "the request, of ") + bytes(*refused.excessiveSize) +
+           ", is larger than " + service + " takes";
+}
+
 Advice reasonOf(const Refused& refused, const ExportCircumstances& about) {
     switch (refused.reason) {
     case ServiceClientError::connectionError:
@@ -59,6 +70,9 @@ Advice reasonOf(const Refused& refused, const ExportCircumstances& about) {
     case ServiceClientError::serviceInternalError:
         return {"it had an error of its own; try again later", showsLog};
     case ServiceClientError::apiCallError:
+        if (refused.excessiveSize) {
+            return {tooLarge(refused, about.service), showsLog};
+        }
         return isFirst(refused, about.report)
                    ? Advice{"it refused the request, and may not have what it was to go into any more",
                             refreshCommand(about.account)}
@@ -145,18 +159,23 @@ bool isForWantOfTarget(IntegrationExportError error, const ExportCircumstances& 
     return mayBe && about.missingTarget && about.report.refused.empty();
 }
 
-// A request that was cut off may have worked all the same.
-bool isUnknown(const Refused& refused) {
-    return refused.reason == ServiceClientError::connectionError && !refused.nothingWasSent;
+bool isUnsure(const Refused& refused) {
+    return refused.isUnsure();
+}
+
+bool isCertain(const Refused& refused) {
+    return !refused.isUnsure();
 }
 
 std::string listOf(const std::vector<Refused>& refused, bool (*isListed)(const Refused&)) {
-    return joined(refused | std::views::filter(isListed), ", ",
-                  [](const Refused& each) { return named(each.kind, each.name); });
+    return joined(refused | std::views::filter(isListed), ", ", [](const Refused& each) {
+        const auto size = each.excessiveSize ? " (too large: " + bytes(*each.excessiveSize) + ")" : "";
+        return named(each.kind, each.name) + size;
+    });
 }
 
 std::string unknownOutcome(const ExportCircumstances& about) {
-    const auto names = listOf(about.report.refused, isUnknown);
+    const auto names = listOf(about.report.refused, isUnsure);
     return names.empty() ? ""
                          : " Whether " + about.service +
                                " has this is not known, since no response came: " + names + ".";
@@ -174,24 +193,54 @@ std::string otherRefusals(IntegrationExportError error, const ExportCircumstance
     if (namesFirstRefusal(error) && !others.empty()) {
         others.erase(others.begin());
     }
-    const auto names = listOf(others, [](const Refused& each) { return !isUnknown(each); });
+    const auto names = listOf(others, isCertain);
     return names.empty() ? "" : " Not on " + about.service + ": " + names + ".";
 }
 
-JSONValue described(const std::vector<Refused>& refused) {
-    JSONValue::Array all;
-    for (const auto& each : refused) {
-        JSONObject object{
-            {"kind", each.kind}, {"name", each.name}, {"reason", std::string(nameOf(each.reason))}};
-        if (!each.words.empty()) {
-            object.set("words", each.words);
-        }
-        if (each.nothingWasSent) {
-            object.set("nothingWasSent", true);
-        }
-        all.emplace_back(std::move(object));
+JSONObject membersOf(const Refused& refused) {
+    JSONObject object{
+        {"kind", refused.kind}, {"name", refused.name}, {"reason", std::string(nameOf(refused.reason))}};
+    if (!refused.words.empty()) {
+        object.set("words", refused.words);
     }
-    return all;
+    if (refused.nothingWasSent) {
+        object.set("nothingWasSent", true);
+    }
+    if (refused.excessiveSize) {
+        object.set("tooLarge", true);
+        object.set("size", static_cast<std::int64_t>(*refused.excessiveSize));
+    }
+    return object;
+}
+
+void add(std::string_view key, const std::vector<Refused>& refused, bool (*isListed)(const Refused&),
+         JSONObject& members) {
+    JSONValue::Array all;
+    for (const auto& each : refused | std::views::filter(isListed)) {
+        all.emplace_back(membersOf(each));
+    }
+    if (!all.empty()) {
+        members.set(key, std::move(all));
+    }
+}
+
+// Whether an export that began on the service may be repeated without a look at it.
+bool nothingWasSent(const ExportReport& report) {
+    return report.made.empty() && !report.refused.empty() &&
+           std::ranges::all_of(report.refused, &Refused::nothingWasSent);
+}
+
+JSONObject membersOf(const ExportReport& report) {
+    JSONObject members;
+    if (!report.made.empty()) {
+        members.set("made", described(report.made));
+    }
+    add("refused", report.refused, isCertain, members);
+    add("unsure", report.refused, isUnsure, members);
+    if (nothingWasSent(report)) {
+        members.set("nothingWasSent", true);
+    }
+    return members;
 }
 
 } // namespace
@@ -200,21 +249,16 @@ Failure exportFailure(IntegrationExportError error, const ExportCircumstances& a
     auto [message, next] = isForWantOfTarget(error, about)
                                ? Advice{about.missingTarget->message, about.missingTarget->next}
                                : adviceOn(error, about);
-    JSONObject members;
     if (!about.report.made.empty()) {
         message += " On " + about.service +
                    " already, and made again by another export: " + listOf(about.report.made) + ".";
-        members.set("made", described(about.report.made));
-    }
-    if (!about.report.refused.empty()) {
-        members.set("refused", described(about.report.refused));
     }
     message += otherRefusals(error, about) + unknownOutcome(about);
     const bool hasStalled = error == IntegrationExportError::canceled && about.hasStalled;
     const auto status = error == IntegrationExportError::canceled && !hasStalled ? ExitStatus::interrupted
                                                                                  : ExitStatus::failed;
     auto name = hasStalled ? "timedOut" : std::string(nameOf(error));
-    return {std::move(name), std::move(message), std::move(next), status, std::move(members)};
+    return {std::move(name), std::move(message), std::move(next), status, membersOf(about.report)};
 }
 
 Failure loadFailure(IntegrationLoadError error, const std::string& service, const std::string& account) {

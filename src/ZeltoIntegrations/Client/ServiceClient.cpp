@@ -74,7 +74,7 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
 
     static ServiceRefusal ofBothTries(ServiceRefusal first, ServiceRefusal second) {
         return {second.words.empty() ? std::move(first.words) : std::move(second.words),
-                first.nothingWasSent && second.nothingWasSent};
+                first.nothingWasSent && second.nothingWasSent, second.excessiveSize};
     }
 
     void notifyObserver(const ServiceRefusal& refusal) {

@@ -1,8 +1,18 @@
 #include <ZeltoIntegrations/Client/ServiceOperation.h>
 
+#include <cstdint>
 #include <utility>
 
 namespace zelto {
+
+namespace {
+
+std::uint64_t sizeOf(const URLRequest& request) {
+    const auto bodySize = request.body ? request.body->size() : 0;
+    return bodySize > 0 ? bodySize : request.url.absoluteString().size();
+}
+
+} // namespace
 
 ServiceOperation::ServiceOperation(std::shared_ptr<URLSession> urlSession, JSONDecoder decoder)
     : urlSession_(std::move(urlSession)), decoder_(decoder) {}
@@ -41,16 +51,16 @@ void ServiceOperation::perform(URLRequest request, ResultCallback resultCallback
     }
     // Kept here, since a session that makes no task drops the task's completion uncalled.
     resultCallback_ = std::move(resultCallback);
-    DataTaskCompletion completion = [self = std::static_pointer_cast<ServiceOperation>(shared_from_this()),
-                                     url = request.url](std::optional<Data> data,
-                                                        std::shared_ptr<const URLResponse> response,
-                                                        std::optional<URLError> error) mutable {
-        auto callback = std::move(self->resultCallback_);
-        if (auto refusal = serviceRefusal(data, response, error)) {
-            self->setRefusal(*std::move(refusal));
-        }
-        callback(serviceOutcome(std::move(url), std::move(data), response, error));
-    };
+    DataTaskCompletion completion =
+        [self = std::static_pointer_cast<ServiceOperation>(shared_from_this()), url = request.url,
+         size = sizeOf(request)](std::optional<Data> data, std::shared_ptr<const URLResponse> response,
+                                 std::optional<URLError> error) mutable {
+            auto callback = std::move(self->resultCallback_);
+            if (auto refusal = serviceRefusal(size, data, response, error)) {
+                self->setRefusal(*std::move(refusal));
+            }
+            callback(serviceOutcome(std::move(url), std::move(data), response, error));
+        };
     const auto task = makeTask(std::move(request), std::move(completion));
     if (!task) {
         auto callback = std::move(resultCallback_);

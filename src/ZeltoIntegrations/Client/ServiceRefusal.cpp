@@ -113,6 +113,12 @@ bool isNothingSent(URLErrorCode code) {
     return false;
 }
 
+bool isForSize(int status) {
+    constexpr int contentTooLarge = 413;
+    constexpr int addressTooLong = 414;
+    return status == contentTooLarge || status == addressTooLong;
+}
+
 } // namespace
 
 std::string cleanedWords(std::string_view text) {
@@ -130,7 +136,7 @@ std::string wordsOfErrorBody(std::string_view body) {
     return isMessage ? cleanedWords(text) : std::string();
 }
 
-std::optional<ServiceRefusal> serviceRefusal(const std::optional<Data>& data,
+std::optional<ServiceRefusal> serviceRefusal(std::uint64_t requestSize, const std::optional<Data>& data,
                                              const std::shared_ptr<const URLResponse>& response,
                                              const std::optional<URLError>& error) {
     if (error || !data) {
@@ -140,7 +146,11 @@ std::optional<ServiceRefusal> serviceRefusal(const std::optional<Data>& data,
     if (http && isSuccess(http->statusCode())) {
         return std::nullopt;
     }
-    return ServiceRefusal{wordsOfErrorBody(viewOf(*data)), false};
+    ServiceRefusal refusal{wordsOfErrorBody(viewOf(*data)), false};
+    if (http && isForSize(http->statusCode())) {
+        refusal.excessiveSize = requestSize;
+    }
+    return refusal;
 }
 
 } // namespace zelto

@@ -4,6 +4,7 @@
 #include <Platform/HTTP/URLError.h>
 #include <Platform/HTTP/URLResponse.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -18,6 +19,9 @@ struct ServiceRefusal {
     std::string words;
     // The request never left this machine. If false, it is not known whether the service has acted on it.
     bool nothingWasSent = false;
+    // The request is larger than the service takes (status 413 or 414): the bytes of its body, or of its
+    // address where it has none.
+    std::optional<std::uint64_t> excessiveSize = {};
 
     static constexpr std::size_t maximumLength = 300;
 
@@ -32,8 +36,9 @@ std::string cleanedWords(std::string_view text);
 // plain text that is not HTML.
 std::string wordsOfErrorBody(std::string_view body);
 
-// What the end of a data task says; no value for a response with a status of success.
-std::optional<ServiceRefusal> serviceRefusal(const std::optional<Data>& data,
+// What the end of a data task says of a request of that size; no value for a response with a status of
+// success.
+std::optional<ServiceRefusal> serviceRefusal(std::uint64_t requestSize, const std::optional<Data>& data,
                                              const std::shared_ptr<const URLResponse>& response,
                                              const std::optional<URLError>& error);
 

@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/Client/ServiceClientError.h>
 #include <ZeltoIntegrations/Client/ServiceRefusal.h>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,14 +22,18 @@ struct ExportReport {
         bool operator==(const Made&) const = default;
     };
 
-    // Something that the service did not take, or did not respond to: whether a request that was cut off has
-    // worked is not known.
+    // Something that the service did not take, or did not respond to.
     struct Refused {
         std::string kind;
         std::string name;
         ServiceClientError reason;
         std::string words = {};      // the service's own of why, cleaned and cut; empty where it says nothing
         bool nothingWasSent = false; // the service could not be reached at all
+        // What is larger than the service takes: the bytes of the file, else of the request.
+        std::optional<std::uint64_t> excessiveSize = {};
+
+        // It was sent, wholly or in part, and no response came: it may be on the service all the same.
+        bool isUnsure() const { return reason == ServiceClientError::connectionError && !nothingWasSent; }
 
         bool operator==(const Refused&) const = default;
     };

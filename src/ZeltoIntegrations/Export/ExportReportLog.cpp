@@ -4,10 +4,11 @@
 
 namespace zelto {
 
-std::size_t ExportReportLog::begin(std::string kind, std::string name) {
+std::size_t ExportReportLog::begin(std::string kind, std::string name,
+                                   std::optional<std::uint64_t> fileSize) {
     const std::lock_guard guard(lock_);
     noted_.reset();
-    entries_.push_back({.kind = std::move(kind), .name = std::move(name)});
+    entries_.push_back({.kind = std::move(kind), .name = std::move(name), .fileSize = fileSize});
     return entries_.size() - 1;
 }
 
@@ -19,8 +20,12 @@ void ExportReportLog::made(std::size_t place, std::optional<std::string> identif
 
 void ExportReportLog::refused(std::size_t place, ServiceClientError reason) {
     const std::lock_guard guard(lock_);
-    entries_[place].reason = reason;
-    entries_[place].refusal = std::exchange(noted_, std::nullopt).value_or(ServiceRefusal());
+    auto& entry = entries_[place];
+    entry.reason = reason;
+    entry.refusal = std::exchange(noted_, std::nullopt).value_or(ServiceRefusal());
+    if (entry.refusal.excessiveSize && entry.fileSize) {
+        entry.refusal.excessiveSize = entry.fileSize;
+    }
 }
 
 void ExportReportLog::note(ServiceRefusal refusal) {
@@ -40,9 +45,9 @@ ExportReport ExportReportLog::report() const {
         if (each.isMade) {
             report.made.push_back({each.kind, each.name, each.identifier});
         } else if (each.reason || isClosed_) {
-            report.refused.push_back({each.kind, each.name,
-                                      each.reason.value_or(ServiceClientError::connectionError),
-                                      each.refusal.words, each.refusal.nothingWasSent});
+            report.refused.push_back(
+                {each.kind, each.name, each.reason.value_or(ServiceClientError::connectionError),
+                 each.refusal.words, each.refusal.nothingWasSent, each.refusal.excessiveSize});
         }
     }
     return report;

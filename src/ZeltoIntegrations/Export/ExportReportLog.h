@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/Export/ExportReport.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -13,8 +14,8 @@ namespace zelto {
 // Writes the report of one run while its requests come and go. Any thread.
 class ExportReportLog {
   public:
-    // A request begins that makes something; gives its place.
-    std::size_t begin(std::string kind, std::string name);
+    // A request begins that makes something, of a file of that many bytes where it is one; gives its place.
+    std::size_t begin(std::string kind, std::string name, std::optional<std::uint64_t> fileSize = {});
     void made(std::size_t place, std::optional<std::string> identifier);
     void refused(std::size_t place, ServiceClientError reason);
 
@@ -30,6 +31,7 @@ class ExportReportLog {
     struct Entry {
         std::string kind;
         std::string name;
+        std::optional<std::uint64_t> fileSize;
         bool isMade = false;
         std::optional<std::string> identifier;
         std::optional<ServiceClientError> reason;

@@ -1,5 +1,7 @@
 #include <ZeltoIntegrations/Export/NetworkExporter.h>
 
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace zelto {
@@ -7,6 +9,18 @@ namespace zelto {
 ExportReport NetworkExporter::exportReport() const {
     const auto log = reportLog();
     return log ? log->report() : ExportReport();
+}
+
+NetworkExporter::Making NetworkExporter::uploading(const File& file, std::string_view warning,
+                                                   std::string_view function) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(file, error);
+    return {.kind = "file",
+            .name = file.filename().native(),
+            .error = IntegrationExportError::uploadAttachmentError,
+            .warning = warning,
+            .function = function,
+            .fileSize = error ? std::nullopt : std::optional<std::uint64_t>(size)};
 }
 
 Completion<std::string, ServiceClientError> NetworkExporter::reported(StepRun& run, Making making,

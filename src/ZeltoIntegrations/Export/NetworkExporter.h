@@ -7,6 +7,7 @@
 #include <Platform/JSON/JSONDecoder.h>
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -32,16 +33,11 @@ class NetworkExporter : public StepExporter {
         IntegrationExportError error; // what the step fails with
         std::string_view warning;     // in the log, before the name of the request's error
         std::string_view function;    // that logs it
+        std::optional<std::uint64_t> fileSize = {};
     };
 
     // The upload of a file, which fails with `uploadAttachmentError`.
-    static Making uploading(const File& file, std::string_view warning, std::string_view function) {
-        return {.kind = "file",
-                .name = file.filename().native(),
-                .error = IntegrationExportError::uploadAttachmentError,
-                .warning = warning,
-                .function = function};
-    }
+    static Making uploading(const File& file, std::string_view warning, std::string_view function);
 
     // For a service that never refuses by a response of success.
     struct NeverRefused {
@@ -115,7 +111,7 @@ template <class T, class R, class ResultOf, class IdentifierOf, class RefusalOf>
 Completion<T, ServiceClientError> NetworkExporter::reported(StepRun& run, Making making,
                                                             StepCompletion<R> done, ResultOf resultOf,
                                                             IdentifierOf identifierOf, RefusalOf refusalOf) {
-    const auto place = run.report().begin(making.kind, making.name);
+    const auto place = run.report().begin(making.kind, making.name, making.fileSize);
     return [&run, place, making = std::move(making), done = std::move(done), resultOf, identifierOf,
             refusalOf](Result<T, ServiceClientError> value) mutable {
         if (!value) {

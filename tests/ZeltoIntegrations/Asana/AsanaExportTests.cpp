@@ -154,7 +154,7 @@ TEST_F(AsanaExportTest, AFailureStopsTheStepsBehindItUncalled) {
     EXPECT_EQ(log.messages(LogLevel::warn), Texts{"Asana creation attachment error: apiCallError"});
     EXPECT_EQ(one.exporter()->exportReport(),
               (ExportReport{{Made{"task", "Title", "t1"}, Made{"file", "Title.pdf", {}}},
-                            {Refused{"file", "a.txt", ServiceClientError::apiCallError, "no"}}}));
+                            {Refused{"file", "a.txt", ServiceClientError::apiCallError, "no", false, 7}}}));
 }
 
 TEST_F(AsanaExportTest, BehindAnAttachmentThatTheHostDoesNotHaveNothingIsAskedFor) {

@@ -137,6 +137,20 @@ TEST(ServiceRefusal, OfAServiceWithoutARefreshKeepsTheFirstWords) {
               (std::vector<ServiceRefusal>{{"invalid token", false}}));
 }
 
+TEST(ServiceRefusal, SaysHowLargeARequestWasThatIsTooLarge) {
+    const auto of = [](int status, const std::string& body) {
+        const TestHTTPServer server(Responses{{.status = status, .body = "no"}});
+        const ServiceRoute route(server);
+        auto request = itemRequest("POST");
+        request.body = HTTPBody(body);
+        return ObservedClient().refusalsOf(std::move(request)).at(0).excessiveSize;
+    };
+    EXPECT_EQ(of(413, "12345"), 5U);
+    EXPECT_EQ(of(414, ""), itemRequest().url.absoluteString().size());
+    EXPECT_EQ(of(412, "12345"), std::nullopt);
+    EXPECT_EQ(of(415, "12345"), std::nullopt);
+}
+
 TEST(ServiceRefusal, KnowsWhetherAnythingWasSent) {
     const auto of = [](const PlayedResponse& response) {
         const TestHTTPServer server([&](const ReceivedRequest&) { return response; });
@@ -171,7 +185,7 @@ TEST(ServiceRefusal, OfARequestThatIsCancelledBeforeItIsSentSaysThatNothingWasSe
 
 TEST(ServiceRefusal, OfEachTransportErrorSaysWhetherAnythingWasSent) {
     for (const auto& each : casesOf<URLErrorCode>()) {
-        const auto refusal = serviceRefusal(std::nullopt, nullptr, URLError{each.value, "It failed."});
+        const auto refusal = serviceRefusal(0, std::nullopt, nullptr, URLError{each.value, "It failed."});
         const bool isUnsent =
             each.value == URLErrorCode::invalidRequest || each.value == URLErrorCode::cannotFindHost ||
             each.value == URLErrorCode::cannotConnect || each.value == URLErrorCode::secureConnection;

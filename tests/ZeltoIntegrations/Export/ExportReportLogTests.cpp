@@ -77,6 +77,32 @@ TEST(ExportReportLog, WordsFromBeforeARequestAreNotItsOwn) {
     EXPECT_EQ(log.report().refused, (std::vector{Refused{"card", "a", Error::forbidden}}));
 }
 
+TEST(ExportReportLog, OfWhatIsTooLargeHasTheSizeOfTheFileElseOfTheRequest) {
+    ExportReportLog log;
+    const auto note = [&] { log.note({.words = "no", .excessiveSize = 700}); };
+    const auto file = log.begin("file", "a", 600);
+    note();
+    log.refused(file, Error::apiCallError);
+    const auto task = log.begin("task", "b");
+    note();
+    log.refused(task, Error::apiCallError);
+    log.refused(log.begin("file", "c", 600), Error::forbidden);
+    const auto report = log.report();
+    ASSERT_EQ(report.refused.size(), 3U);
+    EXPECT_EQ(report.refused[0].excessiveSize, 600U);
+    EXPECT_EQ(report.refused[1].excessiveSize, 700U);
+    EXPECT_EQ(report.refused[2].excessiveSize, std::nullopt);
+}
+
+TEST(ExportReportLog, IsUnsureOfWhatWasSentAndGotNoResponseAlone) {
+    for (const auto& each : casesOf<Error>()) {
+        const Refused sent{.kind = "card", .name = "a", .reason = each.value};
+        EXPECT_EQ(sent.isUnsure(), each.value == Error::connectionError) << each.name;
+        const Refused unsent{.kind = "card", .name = "a", .reason = each.value, .nothingWasSent = true};
+        EXPECT_FALSE(unsent.isUnsure()) << each.name;
+    }
+}
+
 TEST(ExportReportLog, TakesRequestsOfManyThreads) {
     ExportReportLog log;
     {

@@ -177,8 +177,8 @@ TEST_F(TodoistExportTest, AFailedUploadEndsTheExportAndIsReportedWithWhatWasUplo
     EXPECT_EQ(one.run().error(), Error::uploadAttachmentError);
     EXPECT_EQ(asked, (Texts{"messagePlainText", "fetchAttachment", "fetchAttachment"}));
     EXPECT_EQ(service.made(), (Texts{"file a.txt", "file b.txt"}));
-    EXPECT_EQ(report(),
-              (ExportReport{{Made{"file", "a.txt", {}}}, {Refused{"file", "b.txt", refused, "no"}}}));
+    EXPECT_EQ(report(), (ExportReport{{Made{"file", "a.txt", {}}},
+                                      {Refused{"file", "b.txt", refused, "no", false, 7}}}));
 }
 
 TEST_F(TodoistExportTest, ARefusedTaskIsAFailureWithTheServicesWords) {

@@ -140,7 +140,7 @@ TEST_F(TrelloExportTest, AFailedUploadLeavesTheCardAndGoesOnWithTheOthers) {
     EXPECT_EQ(
         one.exporter()->exportReport(),
         (ExportReport{{Made{"card", "Title", "c1"}, Made{"file", "Title.pdf", {}}, Made{"file", "b.txt", {}}},
-                      {Refused{"file", "a.txt", ServiceClientError::apiCallError, "no"}}}));
+                      {Refused{"file", "a.txt", ServiceClientError::apiCallError, "no", false, 7}}}));
 }
 
 TEST_F(TrelloExportTest, TheFirstFailureInTheOrderOfTheStepsIsReported) {

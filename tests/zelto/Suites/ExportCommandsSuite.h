@@ -2,7 +2,9 @@
 
 #include <zelto/ServiceCommands.h>
 
+#include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace zelto {
@@ -35,6 +37,12 @@ template <CommandFacts Facts> class ExportCommands : public ServiceCommands<Fact
 
     ExpectedFailure notMade(const std::string& reason, const std::string& next) const {
         return {1, Facts::notMadeError, std::string(Facts::notMade) + ": " + reason, next};
+    }
+
+    // A member of a document as JSON; empty if there is none.
+    static std::string textOf(const JSONValue& document, std::string_view key) {
+        const auto* member = document.find(key);
+        return member ? member->text().value() : std::string();
     }
 
     const std::string name = Facts::name;
@@ -104,11 +112,16 @@ TYPED_TEST_P(ExportCommands, SayThatTheOutcomeOfACutOffRequestIsNotKnown) {
     this->failAll(PlayedResponse::reset());
     this->expectFailure({"targets", this->account, "--refresh"},
                         {1, "connectionError", this->name + " could not be reached.", this->refresh});
-    this->expectFailure(this->exportOf(),
-                        this->notMade("the connection ended without a response. Whether " + this->name +
-                                          " has this is not known, since no response came: " +
-                                          TypeParam::unknownOutcome + ".",
-                                      "zelto export --verbose"));
+    const auto document = this->expectFailure(
+        this->exportOf(), this->notMade("the connection ended without a response. Whether " + this->name +
+                                            " has this is not known, since no response came: " +
+                                            TypeParam::unknownOutcome + ".",
+                                        "zelto export --verbose"));
+    EXPECT_EQ(this->textOf(document, "nothingWasSent"), "");
+    EXPECT_EQ(this->textOf(document, "refused"), "");
+    const auto* unsure = document.find("unsure");
+    ASSERT_NE(unsure, nullptr);
+    EXPECT_EQ(*unsure->asArray()->front().find("reason")->asString(), "connectionError");
 }
 
 TYPED_TEST_P(ExportCommands, NameATargetThatHasGone) {
@@ -127,13 +140,33 @@ TYPED_TEST_P(ExportCommands, ListWhatWasMadeBeforeAnUploadFailed) {
              " did not take the file \"Agenda.txt\": it had too many requests; wait some minutes (\"no\"). On " +
              this->name + " already, and made again by another export: " + TypeParam::madeBeforeUpload + ".",
          "zelto export --verbose"});
-    const auto text = [&](const char* key) {
-        const auto* member = document.find(key);
-        return member ? member->text().value() : std::string();
-    };
-    EXPECT_EQ(text("made"), TypeParam::madeBeforeUploadData);
-    EXPECT_EQ(text("refused"),
+    EXPECT_EQ(this->textOf(document, "made"), TypeParam::madeBeforeUploadData);
+    EXPECT_EQ(this->textOf(document, "refused"),
               R"([{"kind":"file","name":"Agenda.txt","reason":"toManyRequests","words":"no"}])");
+}
+
+TYPED_TEST_P(ExportCommands, NameAFileThatIsTooLargeAndItsSize) {
+    const std::string content(1234, 'a');
+    const auto mail = this->zelto.home.write(
+        "large.eml",
+        "Subject: T\r\nContent-Type: multipart/mixed; boundary=x\r\n\r\n--x\r\n\r\nText\r\n--x\r\n"
+        "Content-Disposition: attachment; filename=Agenda.txt\r\n\r\n" +
+            content + "\r\n--x--\r\n");
+    auto arguments = this->exportOf({"--attach", "all"});
+    std::ranges::replace(arguments, this->mail, mail.string());
+    this->service.respondTo("filename=\"Agenda.txt\"", PlayedResponse::json("no", 413));
+    const auto outcome = this->run(arguments);
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_NE(outcome.errorOutput.find(this->name +
+                                       " did not take the file \"Agenda.txt\": the file, of 1234 bytes, is "
+                                       "larger than " +
+                                       this->name + " takes (\"no\")."),
+              std::string::npos)
+        << outcome.errorOutput;
+    arguments.emplace_back("--json");
+    EXPECT_EQ(this->textOf(this->run(arguments).json(), "refused"),
+              R"([{"kind":"file","name":"Agenda.txt","reason":"apiCallError","words":"no",)"
+              R"("tooLarge":true,"size":1234}])");
 }
 
 TYPED_TEST_P(ExportCommands, ShowNoToken) {
@@ -154,6 +187,7 @@ REGISTER_TYPED_TEST_SUITE_P(ExportCommands, PreviewWhatEachTypeWouldMake, SayInJ
                             RefuseATypeThatTheServiceDoesNotTake, AreNotSpoiltByATypeThatWasRefused,
                             NameTheWayToReconnectWhereTheTokenIsRefused, SayThatTheSandboxDoesNotAnswer,
                             SayThatTheOutcomeOfACutOffRequestIsNotKnown, NameATargetThatHasGone,
-                            ListWhatWasMadeBeforeAnUploadFailed, ShowNoToken);
+                            ListWhatWasMadeBeforeAnUploadFailed, NameAFileThatIsTooLargeAndItsSize,
+                            ShowNoToken);
 
 } // namespace zelto

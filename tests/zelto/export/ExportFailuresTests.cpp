@@ -75,6 +75,55 @@ TEST(ExportFailures, DistinguishWhatWasNotSentFromWhatMayHaveArrived) {
         "has this is not known, since no response came: card \"T\".");
 }
 
+TEST(ExportFailures, SayInJSONThatNothingWasSent) {
+    const ExportReport::Refused unsent{
+        .kind = "card", .name = "T", .reason = ServiceClientError::connectionError, .nothingWasSent = true};
+    auto about = refused(unsent);
+    const auto members = [&] {
+        return JSONValue(exportFailure(Error::createTaskError, about).members).text().value();
+    };
+    const std::string refusal =
+        R"({"kind":"card","name":"T","reason":"connectionError","nothingWasSent":true})";
+    EXPECT_EQ(members(), R"({"refused":[)" + refusal + R"(],"nothingWasSent":true})");
+    about.report.made = {{.kind = "file", .name = "a.txt", .identifier = {}}};
+    EXPECT_EQ(members(), R"({"made":[{"kind":"file","name":"a.txt"}],"refused":[)" + refusal + "]}");
+    about.report.made.clear();
+    about.report.refused.push_back(
+        {.kind = "file", .name = "b.txt", .reason = ServiceClientError::connectionError});
+    EXPECT_EQ(members(), R"({"refused":[)" + refusal +
+                             R"(],"unsure":[{"kind":"file","name":"b.txt","reason":"connectionError"}]})");
+    about.report = {};
+    EXPECT_EQ(members(), "{}");
+}
+
+TEST(ExportFailures, NameWhatIsTooLargeAndItsSize) {
+    auto about = refused({.kind = "file",
+                          .name = "a.mov",
+                          .reason = ServiceClientError::apiCallError,
+                          .words = "File too large",
+                          .excessiveSize = 12582912});
+    about.report.made = {{.kind = "card", .name = "T", .identifier = "c1"}};
+    about.report.refused.push_back(
+        {.kind = "file", .name = "b.mov", .reason = ServiceClientError::apiCallError, .excessiveSize = 1});
+    const auto failed = exportFailure(Error::uploadAttachmentError, about);
+    EXPECT_EQ(failed.message,
+              "Trello did not take the file \"a.mov\": the file, of 12582912 bytes, is larger than Trello "
+              "takes (\"File too large\"). On Trello already, and made again by another export: card "
+              "\"T\". Not on Trello: file \"b.mov\" (too large: 1 byte).");
+    EXPECT_EQ(JSONValue(failed.members).text().value(),
+              R"({"made":[{"kind":"card","name":"T","identifier":"c1"}],"refused":[)"
+              R"({"kind":"file","name":"a.mov","reason":"apiCallError","words":"File too large",)"
+              R"("tooLarge":true,"size":12582912},)"
+              R"({"kind":"file","name":"b.mov","reason":"apiCallError","tooLarge":true,"size":1}]})");
+    EXPECT_EQ(exportFailure(Error::createTaskError, refused({.kind = "task",
+                                                             .name = "T",
+                                                             .reason = ServiceClientError::apiCallError,
+                                                             .excessiveSize = 70000}))
+                  .message,
+              "Trello did not make the task \"T\": the request, of 70000 bytes, is larger than Trello "
+              "takes.");
+}
+
 TEST(ExportFailures, ListEverythingThatWasRefused) {
     auto about = refused({.kind = "file",
                           .name = "a.txt",
@@ -100,8 +149,8 @@ TEST(ExportFailures, ListEverythingThatWasRefused) {
               R"({"made":[{"kind":"card","name":"T","identifier":"c1"}],"refused":[)"
               R"({"kind":"file","name":"a.txt","reason":"toManyRequests","words":"slow down"},)"
               R"({"kind":"file","name":"b.txt","reason":"forbidden"},)"
-              R"({"kind":"file","name":"c.txt","reason":"connectionError","nothingWasSent":true},)"
-              R"({"kind":"file","name":"d.txt","reason":"connectionError"}]})");
+              R"({"kind":"file","name":"c.txt","reason":"connectionError","nothingWasSent":true}],)"
+              R"("unsure":[{"kind":"file","name":"d.txt","reason":"connectionError"}]})");
     EXPECT_EQ(exportFailure(Error::canceled, about).message,
               "The export was canceled." + made +
                   " Not on Trello: file \"a.txt\", file \"b.txt\", file \"c.txt\"." + unknown);
