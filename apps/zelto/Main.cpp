@@ -3,7 +3,7 @@
 #include "accounts/Workspace.h"
 #include "commandline/Commands.h"
 #include "commandline/HelpText.h"
-#include "commandline/InvocationCheck.h"
+#include "commandline/NextCommandLine.h"
 #include "sandbox/SandboxRoute.h"
 
 #include <ZeltoCommonLogger/StandardErrorLog.h>
@@ -108,11 +108,10 @@ void addMembers(JSONObject members, JSONObject& document) {
     }
 }
 
-int report(Failure failure, bool asJSON, const Terminal& terminal) {
+int report(Failure failure, const std::string& next, bool asJSON, const Terminal& terminal) {
     const auto message = sentence(failure.message);
     if (asJSON) {
-        JSONObject document{
-            {"error", failure.name}, {"message", message}, {"next", repairedUTF8(failure.next)}};
+        JSONObject document{{"error", failure.name}, {"message", message}, {"next", next}};
         addMembers(std::move(failure.members), document);
         return finish(jsonLine(std::move(document)), failure.status);
     }
@@ -120,7 +119,7 @@ int report(Failure failure, bool asJSON, const Terminal& terminal) {
     const std::string head = terminal.usesColour ? "\x1b[31mzelto:\x1b[0m " : "zelto: ";
     writeError(head + failure.name + ": " + escapeControlCharacters(message) + "\n");
     writeError(failure.details);
-    writeError("Try: " + escapeControlCharacters(failure.next) + "\n");
+    writeError("Try: " + next + "\n");
     return status;
 }
 
@@ -163,8 +162,10 @@ int run(const std::vector<std::string>& arguments) {
     const auto terminal = Terminal::ofThisProcess();
     auto invocation = parseCommandLine(arguments);
     if (!invocation) {
-        return report(invocation.error(), wantsJSON(arguments), terminal);
+        const auto next = lineOf(invocation.error().next, Invocation());
+        return report(invocation.error(), next, wantsJSON(arguments), terminal);
     }
+    const auto typed = *invocation;
     takeSandboxOfEnvironment(*invocation);
     // A flag that stops the parsing may stand before --json.
     const bool stopped = invocation->wantsHelp || invocation->wantsVersion;
@@ -178,10 +179,8 @@ int run(const std::vector<std::string>& arguments) {
         return report(*std::move(outcome), asJSON, invocation->has("--quiet"));
     }
     auto reported = withSandbox(std::move(outcome.error()), *invocation);
-    if (reported.next.empty()) {
-        reported.next = helpCommand(invocation->command);
-    }
-    return report(std::move(reported), asJSON, terminal);
+    const auto next = lineOf(reported.next, typed);
+    return report(std::move(reported), next, asJSON, terminal);
 }
 
 } // namespace

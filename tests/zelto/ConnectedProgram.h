@@ -27,6 +27,11 @@ class ConnectedProgram : public testing::Test {
         return zelto.run(arguments, input);
     }
 
+    // What a suggested command ends with, to reach the same accounts.
+    std::string surroundings() const {
+        return " --keychain file --sandbox " + sandbox->url().absoluteString();
+    }
+
     ServiceAccountCredentials stored(const std::string& identifier) const {
         return storedTokens(zelto, identifier);
     }

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <concepts>
 #include <string>
 #include <vector>
@@ -30,11 +31,23 @@ concept CommandFacts = requires(typename T::Server& service) {
     { T::made } -> std::convertible_to<std::string>;        // of an export of "Title", as it prints it
 };
 
+// The command that a failure suggests: a line, or arguments in any order.
+struct ExpectedNext {
+    ExpectedNext(const char* line) : line(line) {}
+
+    ExpectedNext(std::string line) : line(std::move(line)) {}
+
+    ExpectedNext(ZeltoProgram::Arguments arguments) : arguments(std::move(arguments)) {}
+
+    std::string line;
+    ZeltoProgram::Arguments arguments;
+};
+
 struct ExpectedFailure {
     int status = 1;
     std::string error;
     std::string message;
-    std::string next;
+    ExpectedNext next;
 };
 
 // The program with an account that remembers the service's targets, and a stand-in of that service.
@@ -82,15 +95,30 @@ template <CommandFacts Facts> class ServiceCommands : public testing::Test {
         const auto asText = run(arguments);
         EXPECT_EQ(asText.status, expected.status);
         EXPECT_EQ(asText.output, "");
-        EXPECT_EQ(asText.errorOutput,
-                  "zelto: " + expected.error + ": " + expected.message + "\nTry: " + expected.next + "\n");
+        const auto start = "zelto: " + expected.error + ": " + expected.message + "\nTry: ";
+        EXPECT_EQ(asText.errorOutput.substr(0, start.size()), start);
+        expectNext(asText.suggestion(), expected.next, {});
         arguments.emplace_back("--json");
         const auto asJSON = run(arguments);
         EXPECT_EQ(asJSON.status, expected.status);
         EXPECT_EQ(asJSON.text("error"), expected.error);
         EXPECT_EQ(asJSON.text("message"), expected.message);
-        EXPECT_EQ(asJSON.text("next"), expected.next);
+        expectNext(asJSON.text("next"), expected.next, {"--json"});
         return asJSON.json();
+    }
+
+    void expectNext(const std::string& line, const ExpectedNext& expected, const Arguments& more) const {
+        if (expected.arguments.empty()) {
+            EXPECT_EQ(line, expected.line);
+            return;
+        }
+        auto arguments = expected.arguments;
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        arguments.insert(arguments.begin(), "zelto");
+        auto words = zelto.wordsOf(line);
+        std::ranges::sort(arguments);
+        std::ranges::sort(words);
+        EXPECT_EQ(words, arguments) << line;
     }
 
     // The requests that came after the targets were loaded.

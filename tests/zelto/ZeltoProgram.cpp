@@ -64,6 +64,16 @@ JSONValue ProgramOutcome::json() const {
     return value ? *std::move(value) : JSONValue();
 }
 
+std::string ProgramOutcome::suggestion() const {
+    constexpr std::string_view mark = "\nTry: ";
+    const auto at = errorOutput.rfind(mark);
+    if (at == std::string::npos) {
+        return {};
+    }
+    const auto start = at + mark.size();
+    return errorOutput.substr(start, errorOutput.find('\n', start) - start);
+}
+
 std::string ProgramOutcome::text(std::string_view key) const {
     const auto document = json();
     const auto* member = document.find(key);
@@ -116,6 +126,17 @@ ProgramOutcome ZeltoProgram::runShell(const std::string& line) const {
     request.limits.wallTime = maximumRun;
     auto result = runProcess(request);
     return {statusOf(result.end), std::move(result.output), std::move(result.errorOutput)};
+}
+
+std::vector<std::string> ZeltoProgram::wordsOf(const std::string& line) const {
+    const auto printed = runShell("printf '%s\\0' " + line).output;
+    std::vector<std::string> words;
+    for (std::size_t start = 0; start < printed.size();) {
+        const auto end = printed.find('\0', start);
+        words.push_back(printed.substr(start, end - start));
+        start = end + 1;
+    }
+    return words;
 }
 
 ProgramOutcome ZeltoProgram::runOnTerminal(const Arguments& arguments, const std::string& typed) const {

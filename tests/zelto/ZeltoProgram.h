@@ -21,6 +21,8 @@ struct ProgramOutcome {
 
     // Standard output as the one JSON document that it must be. A test fails if it is not.
     JSONValue json() const;
+    // The line of the command that a failure without --json suggests; "" if there is none.
+    std::string suggestion() const;
     // "" if there is no such member or it is no text.
     std::string text(std::string_view key) const;
 };
@@ -40,6 +42,9 @@ class ZeltoProgram {
 
     // A line of bash, with the program in PATH and the samples in the working directory.
     ProgramOutcome runShell(const std::string& line) const;
+
+    // The words that bash makes of a line.
+    std::vector<std::string> wordsOf(const std::string& line) const;
 
     // Exports with --opener - and gives the URL.
     std::string exportedURL(Arguments arguments) const;

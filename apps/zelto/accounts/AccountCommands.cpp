@@ -3,6 +3,7 @@
 #include "accounts/SecretPlaces.h"
 #include "base/Terminal.h"
 #include "commandline/Commands.h"
+#include "commandline/NextCommandLine.h"
 
 #include <Platform/Text.h>
 
@@ -63,7 +64,7 @@ Outcome<Report> runAccounts(const Invocation& invocation, const Terminal& termin
         report.members.set(ofSandbox ? "sandboxAccounts" : "accounts", std::move(listed));
     }
     if (accounts->empty()) {
-        report.text = "No account is connected yet. Try: zelto connect bear\n";
+        report.text = "No account is connected yet. Try: " + lineOf("zelto connect bear", invocation) + "\n";
         report.isNotice = true;
     }
     return report;

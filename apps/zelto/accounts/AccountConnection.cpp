@@ -26,7 +26,7 @@ IntegrationsManager::FlowNote flowNote(const std::filesystem::path& directory) {
 }
 
 Failure connectFailure(const IntegrationAccountCreationError& error, const Account& account,
-                       const std::string& command, Verification verification) {
+                       Verification verification) {
     if (!std::holds_alternative<IntegrationAccountCreationError::DataLoadingError>(error.value)) {
         return failureOf(error);
     }
@@ -39,7 +39,7 @@ Failure connectFailure(const IntegrationAccountCreationError& error, const Accou
     return {std::string(error.name()),
             service + " did not say whose account this is, so nothing was kept: it could not be reached, or "
                       "does not accept these credentials.",
-            command + " --verbose"};
+            NextCommand::againWith("--verbose")};
 }
 
 // What was stored must be there, or a later command would find the account without its secrets.
@@ -108,8 +108,7 @@ Outcome<Account> connectAccount(const Workspace& workspace, const Account& accou
     const auto connected = waitFor<AccountResult>(
         [&](auto done) { manager.trySaveServiceConfiguration(account, std::move(done)); });
     if (!connected) {
-        return failure(connectFailure(connected.error(), account,
-                                      "zelto connect " + std::string(nameOf(type)), verification));
+        return failure(connectFailure(connected.error(), account, verification));
     }
     auto kept = checked(workspace, *connected);
     if (!kept) {
@@ -131,7 +130,7 @@ Outcome<Account> reconnectAccount(const Workspace& workspace, const Account& wit
     const auto updated = waitFor<AccountResult>(
         [&](auto done) { manager.tryUpdateServiceConfiguration(withNew, fromOld, std::move(done)); });
     if (!updated) {
-        return failure(connectFailure(updated.error(), fromOld, reconnectCommand(fromOld), verification));
+        return failure(connectFailure(updated.error(), fromOld, verification));
     }
     // The secrets are in place; the record takes what was loaded on the way.
     manager.storeServiceConfiguration(*updated);

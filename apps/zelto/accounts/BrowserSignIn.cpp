@@ -24,15 +24,14 @@ std::unexpected<Failure> wrong(const Invocation& invocation, std::string message
     return wrongUsage(std::move(message), helpCommand(invocation.command));
 }
 
-Failure failureOf(const SignInError& error, const Invocation& invocation) {
-    const auto command = "zelto " + std::string(invocation.command->name) + " ";
-    const auto subject = invocation.value("SERVICE").value_or(invocation.value("ID").value_or(""));
+Failure failureOf(const SignInError& error) {
     switch (error.code) {
     case SignInErrorCode::cannotListen:
     case SignInErrorCode::timedOut:
-        return {std::string(nameOf(error.code)), error.message, command + subject + " --no-browser"};
+        return {std::string(nameOf(error.code)), error.message, NextCommand::againWith("--no-browser")};
     case SignInErrorCode::canceled:
-        return {std::string(nameOf(error.code)), error.message, command + subject, ExitStatus::interrupted};
+        return {std::string(nameOf(error.code)), error.message, NextCommand::again(),
+                ExitStatus::interrupted};
     case SignInErrorCode::notOffered:
     case SignInErrorCode::denied:
     case SignInErrorCode::refused:
@@ -40,7 +39,7 @@ Failure failureOf(const SignInError& error, const Invocation& invocation) {
     case SignInErrorCode::badResponse:
         break;
     }
-    return {std::string(nameOf(error.code)), error.message, command + subject};
+    return {std::string(nameOf(error.code)), error.message, NextCommand::again()};
 }
 
 Outcome<SignInOptions> signInOptions(const Invocation& invocation) {
@@ -168,8 +167,8 @@ Outcome<std::function<bool(const std::stop_token&)>> show(const Invocation& invo
 
 } // namespace
 
-Failure canceledSignIn(const Invocation& invocation) {
-    return failureOf(SignInError{SignInErrorCode::canceled, "The sign-in was canceled."}, invocation);
+Failure canceledSignIn() {
+    return failureOf(SignInError{SignInErrorCode::canceled, "The sign-in was canceled."});
 }
 
 Outcome<void> checkSignInOptions(const Invocation& invocation) {
@@ -194,7 +193,7 @@ Outcome<SignInToken> signInByBrowser(const Invocation& invocation, const SignInS
     }
     const auto signIn = SignIn::begin(service, *options, stop);
     if (!signIn) {
-        return failure(failureOf(signIn.error(), invocation));
+        return failure(failureOf(signIn.error()));
     }
     auto page = (*signIn)->address();
     if (const auto address = usedSandbox()) {
@@ -223,14 +222,14 @@ Outcome<SignInToken> signInByBrowser(const Invocation& invocation, const SignInS
     }
     if (const auto trouble = followed ? followed->trouble() : std::nullopt;
         trouble && !stop.stop_requested()) {
-        return failure(failureOf(*trouble, invocation));
+        return failure(failureOf(*trouble));
     }
     const auto trouble = pasted ? pasted->trouble() : std::nullopt;
     const bool wasWaiting = token.error().code == SignInErrorCode::canceled && !stop.stop_requested();
     if (wasWaiting && trouble) {
-        return failure(Failure{"canceled", *trouble, ""});
+        return failure(Failure{"canceled", *trouble, NextCommand::again()});
     }
-    return failure(failureOf(token.error(), invocation));
+    return failure(failureOf(token.error()));
 }
 
 } // namespace zelto::cli

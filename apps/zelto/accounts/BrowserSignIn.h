@@ -10,7 +10,7 @@
 namespace zelto::cli {
 
 // What Ctrl-C leaves of a sign-in.
-Failure canceledSignIn(const Invocation& invocation);
+Failure canceledSignIn();
 
 // Whether the options of a sign-in in the browser go together.
 Outcome<void> checkSignInOptions(const Invocation& invocation);

@@ -28,7 +28,7 @@ std::unexpected<Failure> wrong(const Invocation& invocation, std::string message
 Failure failureOf(InputEnd end, const Invocation& invocation, std::string_view option) {
     switch (end) {
     case InputEnd::stopped:
-        return canceledSignIn(invocation);
+        return canceledSignIn();
     case InputEnd::tooLong:
         return wrong(invocation, "Standard input is too long for " + std::string(option) + ".").error();
     case InputEnd::ended:

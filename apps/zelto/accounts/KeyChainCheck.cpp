@@ -11,12 +11,12 @@ namespace zelto::cli {
 namespace {
 
 Failure failureOf(const KeyChainError& error) {
-    return {"keyChainError", error.message, "zelto connect --keychain file"};
+    return {"keyChainError", error.message, NextCommand::again("--keychain", "file")};
 }
 
 Failure doesNotKeep() {
     return {"keyChainError", "The key chain does not give back what is stored in it.",
-            "zelto connect --keychain file"};
+            NextCommand::again("--keychain", "file")};
 }
 
 } // namespace

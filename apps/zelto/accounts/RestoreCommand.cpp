@@ -29,7 +29,7 @@ Failure restoreFailure(const RestoreError& error, const Account& account) {
                     " were wiped more than seven days ago. They are erased now.",
                 next};
     case RestoreErrorCode::keyChain:
-        return {"keyChainError", error.message, "zelto accounts restore --keychain file"};
+        return {"keyChainError", error.message, NextCommand::again("--keychain", "file")};
     }
     return {};
 }

@@ -38,7 +38,7 @@ Failure elsewhere(const Account& account, KeyChainKind remembered, KeyChainKind 
     return {"noSecrets",
             tokens + " are in " + described(remembered) + ", and this command uses " + described(opened) +
                 ". " + start + option + ".",
-            "zelto export " + option};
+            NextCommand::again("--keychain", nameOfKind(remembered))};
 }
 
 Failure missing(const Account& account, KeyChainKind opened) {

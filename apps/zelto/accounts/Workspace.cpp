@@ -73,7 +73,8 @@ std::string reconnectCommand(const ServiceAccountConfiguration& account) {
 }
 
 Failure failureOf(const StorageError& error) {
-    return {std::string(nameOf(error.code)), error.message(), "zelto accounts --data-dir DIR"};
+    return {std::string(nameOf(error.code)), error.message(),
+            NextCommand::again("--data-dir", "zelto-accounts")};
 }
 
 Failure failureOf(const IntegrationAccountCreationError& error) {

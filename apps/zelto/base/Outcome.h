@@ -1,5 +1,7 @@
 #pragma once
 
+#include "base/NextCommand.h"
+
 #include <Platform/JSON/JSONValue.h>
 #include <Platform/Result.h>
 
@@ -22,7 +24,7 @@ struct Report {
 struct Failure {
     std::string name;    // the case's name
     std::string message; // one plain sentence
-    std::string next;    // the command to try next; if empty, the help of the command
+    NextCommand next;
     ExitStatus status = ExitStatus::failed;
     JSONObject members = {}; // of the JSON document, after "next"
     // Without --json: what is printed on standard output all the same, and lines to print after the message.
@@ -30,7 +32,7 @@ struct Failure {
     std::string details = {};
 };
 
-inline std::unexpected<Failure> wrongUsage(std::string message, std::string next = {}) {
+inline std::unexpected<Failure> wrongUsage(std::string message, NextCommand next = {}) {
     return failure(Failure{"wrongUsage", std::move(message), std::move(next), ExitStatus::wrongUsage});
 }
 

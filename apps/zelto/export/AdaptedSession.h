@@ -7,8 +7,6 @@
 
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 
-#include <Platform/Joined.h>
-
 #include <memory>
 #include <optional>
 #include <string>
@@ -40,9 +38,12 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         return *std::move(text);
     }
 
-    std::string takenTypes() override {
-        return joined(types().supported, ", ",
-                      [](IntegrationExportContentType type) { return nameOf(type); });
+    std::vector<std::string> takenTypes() override {
+        std::vector<std::string> names;
+        for (const auto type : types().supported) {
+            names.emplace_back(nameOf(type));
+        }
+        return names;
     }
 
     Outcome<std::optional<IntegrationExportPreview>>
@@ -147,6 +148,7 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
                         .saveAs = configuration->exportType(),
                         .target = {},
                         .attachments = selectedNames(fields),
+                        .tags = fields.tags ? *fields.tags : std::vector<std::string>(),
                         .leftOut = namesLeftOut(edits, fields),
                         .missingTarget = {}};
         prepared_ = *std::move(configuration);

@@ -152,6 +152,7 @@ Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal
     const auto ended = exportWithProgress(invocation, terminal, *timeout, *work);
     if (!ended.result) {
         auto circumstances = work->circumstances(*plan);
+        circumstances.timeout = *timeout;
         circumstances.hasStalled = ended.hasStalled;
         auto failed = exportFailure(ended.result.error(), circumstances);
         addNotes(failed.members, *work->notes);

@@ -1,10 +1,13 @@
 #include "export/ExportFailures.h"
 
 #include "base/ShellText.h"
+#include "commandline/TimeoutOption.h"
 #include "export/Targets.h"
 
 #include <Platform/Joined.h>
+#include <Platform/PercentEncoding.h>
 #include <Platform/Text.h>
+#include <Platform/UTF8.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -17,7 +20,7 @@ namespace {
 
 using Refused = ExportReport::Refused;
 
-constexpr auto showsLog = "zelto export --verbose";
+const auto showsLog = NextCommand::againWith("--verbose");
 
 // A title may have thousands of characters.
 std::string named(const std::string& kind, const std::string& name) {
@@ -38,7 +41,7 @@ bool isFirst(const Refused& refused, const ExportReport& report) {
 }
 
 // A message and the command to try next.
-using Advice = std::pair<std::string, std::string>;
+using Advice = std::pair<std::string, NextCommand>;
 
 std::string bytes(std::uint64_t size) {
     return std::to_string(size) + (size == 1 ? " byte" : " bytes");
@@ -48,6 +51,15 @@ std::string tooLarge(const Refused& refused, const std::string& service) {
     const bool isFile = refused.kind == "file";
     return (isFile ? "the file, of " : "the request, of ") + bytes(*refused.excessiveSize) +
            ", is larger than " + service + " takes";
+}
+
+// The export without an attachment, or in a form without the file that was made of the message.
+NextCommand withoutFile(const Refused& refused, const ExportCircumstances& about) {
+    auto others = about.attachments;
+    if (refused.kind != "file" || std::erase(others, refused.name) == 0) {
+        return withAnotherType(about.takenTypes, about.type);
+    }
+    return NextCommand::again({{"--attach", others.empty() ? std::vector<std::string>{"none"} : others}});
 }
 
 Advice reasonOf(const Refused& refused, const ExportCircumstances& about) {
@@ -71,7 +83,7 @@ Advice reasonOf(const Refused& refused, const ExportCircumstances& about) {
         return {"it had an error of its own; try again later", showsLog};
     case ServiceClientError::apiCallError:
         if (refused.excessiveSize) {
-            return {tooLarge(refused, about.service), showsLog};
+            return {tooLarge(refused, about.service), withoutFile(refused, about)};
         }
         return isFirst(refused, about.report)
                    ? Advice{"it refused the request, and may not have what it was to go into any more",
@@ -101,13 +113,18 @@ Advice refusal(const ExportCircumstances& about, const std::string& verb, const 
             std::move(next)};
 }
 
-Advice noPDF(const std::optional<PDFError>& error) {
+Advice noPDF(const ExportCircumstances& about) {
+    const auto& error = about.pdfError;
     if (!error) {
         return {"The message could not be turned into a PDF.", showsLog};
     }
-    const bool isMissing = error->code == PDFErrorCode::converterMissing;
     return {"The message could not be turned into a PDF. " + error->message() + ".",
-            isMissing ? "zelto export --pdf-converter" : "zelto export --as"};
+            withAnotherType(about.takenTypes, about.type)};
+}
+
+// As a URL can hold them; whoever gets it decodes them.
+std::string encodedTags(const std::vector<std::string>& tags) {
+    return joined(tags, ",", [](const std::string& tag) { return percentEncode(tag).value_or(""); });
 }
 
 Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) {
@@ -116,20 +133,21 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
         return about.hasStalled
                    ? Advice{"The export was given up: for the time of --timeout no step of it has ended, and "
                             "hardly anything has moved.",
-                            "zelto export --timeout"}
-                   : Advice{"The export was canceled.", ""};
+                            longerTimeout(about.timeout)}
+                   : Advice{"The export was canceled.", NextCommand::again()};
     case IntegrationExportError::internalError:
         return refusal(about, "take",
                        {"The export to " + about.service + " met an internal error.", showsLog});
     case IntegrationExportError::createBodyError:
-        return {"The message has no text or no link of that kind.", "zelto preview --help"};
+        return {"The message has no text or no link of that kind.",
+                withAnotherType(about.takenTypes, about.type)};
     case IntegrationExportError::convertError:
-        return noPDF(about.pdfError);
+        return noPDF(about);
     case IntegrationExportError::unsupportedFormat:
-        return {about.service + " does not take that type; it takes " + about.takenTypes + ".",
-                "zelto export --help"};
+        return {about.service + " does not take that type; it takes " + joined(about.takenTypes, ", ") + ".",
+                withAnotherType(about.takenTypes, about.type)};
     case IntegrationExportError::fileAlreadyExists:
-        return {"A file of that name exists already.", "zelto export --policy keepBoth"};
+        return {"A file of that name exists already.", NextCommand::again("--policy", "keepBoth")};
     case IntegrationExportError::oauthError:
         return {about.service + " does not accept the account's sign-in any more.",
                 reconnectCommand(about.account)};
@@ -138,16 +156,18 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
     case IntegrationExportError::createTaskError:
         return refusal(about, "make", {about.service + " did not make the task.", showsLog});
     case IntegrationExportError::uploadAttachmentError:
-        return refusal(about, "take",
-                       {"An attachment could not be read from the message.", "zelto export --attach none"});
+        return refusal(
+            about, "take",
+            {"An attachment could not be read from the message.", NextCommand::again("--attach", "none")});
     case IntegrationExportError::urlEncodeError:
-        return {"The title or the text is not UTF-8.", "zelto export --title"};
+        return {"The title or the text is not UTF-8.",
+                NextCommand::again("--title", repairedUTF8(about.title))};
     case IntegrationExportError::createUrlError:
         return {
             "The title, the text and the tags make no URL; a tag with a blank, & or # is the usual reason.",
-            "zelto export --tags"};
+            NextCommand::again("--tags", encodedTags(about.tags))};
     case IntegrationExportError::xUrlCallbackError:
-        return {about.openerFailure, "zelto export --opener -"};
+        return {about.openerFailure, NextCommand::again("--opener", "-")};
     }
     return {};
 }
@@ -244,6 +264,11 @@ JSONObject membersOf(const ExportReport& report) {
 }
 
 } // namespace
+
+NextCommand withAnotherType(const std::vector<std::string>& takenTypes, std::string_view type) {
+    const auto other = std::ranges::find_if(takenTypes, [&](const auto& each) { return each != type; });
+    return other == takenTypes.end() ? NextCommand() : NextCommand::again("--as", *other);
+}
 
 Failure exportFailure(IntegrationExportError error, const ExportCircumstances& about) {
     auto [message, next] = isForWantOfTarget(error, about)

@@ -6,22 +6,33 @@
 #include <ZeltoIntegrations/Content/IntegrationError.h>
 #include <ZeltoIntegrations/Export/ExportReport.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace zelto::cli {
 
 // What the sentences about an export are made of.
 struct ExportCircumstances {
-    std::string service;    // as the program shows it
-    std::string account;    // its identifier
-    std::string takenTypes; // what an export to it may be
+    std::string service;                 // as the program shows it
+    std::string account;                 // its identifier
+    std::vector<std::string> takenTypes; // what an export to it may be
+    std::string type;                    // what this one is
+    std::string title;
+    std::vector<std::string> attachments; // the names of those that go along
+    std::vector<std::string> tags;
     std::string openerFailure;
     std::optional<Failure> missingTarget; // where the export needs a target and none is chosen
     std::optional<PDFError> pdfError;
     ExportReport report;
-    bool hasStalled = false; // and was cancelled for that
+    std::chrono::milliseconds timeout{0};
+    bool hasStalled = false; // for that time, and was cancelled
 };
+
+// What was typed, as the first type of these that is another one; the help where there is none.
+NextCommand withAnotherType(const std::vector<std::string>& takenTypes, std::string_view type);
 
 // Why an export failed, what is on the service already, and what to do.
 Failure exportFailure(IntegrationExportError error, const ExportCircumstances& circumstances);

@@ -31,6 +31,7 @@ struct ExportPlan {
     IntegrationExportContentType saveAs;
     std::string target; // "Board/List"; empty where none is chosen, and for a service without targets
     std::vector<std::string> attachments;
+    std::vector<std::string> tags;
     // The attachments that `--attach all` meant and the service does not take.
     std::vector<std::string> leftOut;
     // Why no target is chosen, for an export that needs one.
@@ -50,8 +51,8 @@ class ExportSession {
     // The configuration that the exporter offers, as JSON; with a target of --target where one is given.
     virtual Outcome<std::string> offeredConfiguration(const std::optional<std::string>& target) = 0;
 
-    // The names of the types that an export to the service may have, "emailBacklink, backLink".
-    virtual std::string takenTypes() = 0;
+    // The names of the types that an export to the service may have.
+    virtual std::vector<std::string> takenTypes() = 0;
 
     // The preview of a type, without one of the type that the exporter offers; nullopt where it has none.
     virtual Outcome<std::optional<IntegrationExportPreview>>

@@ -3,6 +3,8 @@
 #include "export/MessageWork.h"
 #include "export/NotesOfContent.h"
 
+#include <Platform/Joined.h>
+
 namespace zelto::cli {
 
 namespace {
@@ -87,10 +89,11 @@ Outcome<Report> runPreview(const Invocation& invocation, const Terminal& termina
         return failure(explained(preview.error(), work->workspace, work->account));
     }
     if (!*preview) {
+        const auto taken = work->session->takenTypes();
         return failure(Failure{"noPreview",
                                work->service() + " has no preview of that type for this message; it takes " +
-                                   work->session->takenTypes() + ".",
-                               "zelto preview --help"});
+                                   joined(taken, ", ") + ".",
+                               withAnotherType(taken, invocation.value("--as").value_or(""))});
     }
     Report report;
     report.members.set("preview", described(**preview));

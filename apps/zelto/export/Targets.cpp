@@ -285,7 +285,9 @@ bool holdsTargets(const TargetTree& tree) {
 Failure noTarget(const TargetTree& tree, const std::string& service, const std::string& account) {
     const bool isKnown = !tree.levels.empty();
     if (holdsTargets(tree)) {
-        return {"noTarget", "No target is chosen.", "zelto export --target"};
+        const auto paths = pathLinesOf(tree);
+        return {"noTarget", "No target is chosen.",
+                NextCommand::again("--target", paths.substr(0, paths.find('\n')))};
     }
     return {"noTarget", "No target is chosen" + (isKnown ? ": " + nothingToChoose(tree, service) : "."),
             refreshCommand(account)};

@@ -81,6 +81,7 @@ Failure failureOf(const MCPError& error) {
     Failure failure{.name = std::string(error.name()), .message = error.sentence()};
     if (asksForToken(error)) {
         failure.message += " Give a token by --header-stdin.";
+        failure.next = NextCommand::againWith("--header-stdin");
     }
     if (const auto* clientError = error.clientError()) {
         failure.members = std::visit(Payload(), clientError->value);

@@ -1,6 +1,7 @@
 #include "mcp/McpSession.h"
 
 #include "base/Terminal.h"
+#include "commandline/TimeoutOption.h"
 
 #include <Platform/Text.h>
 
@@ -113,7 +114,7 @@ Failure McpSession::failureOfEnd(const MCPError& error) const {
     if (interruption_.stop().stop_requested() && !wasInterrupted_) {
         failure.status = ExitStatus::interrupted;
     } else if (hasTimedOut_) {
-        failure = {"timedOut", "The server did not respond in time", ""};
+        failure = {"timedOut", "The server did not respond in time", longerTimeout(options_.timeout)};
         failure.message += saysGoodbye_ ? "" : "; --timeout SECONDS gives it longer";
     }
     return failure;

@@ -46,6 +46,10 @@ Failure needsSandbox(const Account& account) {
             "zelto sandbox"};
 }
 
+std::string connectCommand(const Account& account, const std::string& address) {
+    return "zelto connect " + std::string(nameOf(account.serviceType())) + " --sandbox " + shellWord(address);
+}
+
 Outcome<void> checkConsent(const Invocation& invocation, const Account& account, const std::string& address) {
     if (invocation.has(consentOption)) {
         return {};
@@ -56,12 +60,12 @@ Outcome<void> checkConsent(const Invocation& invocation, const Account& account,
         return confirms("zelto: " + escapeControlCharacters(warning) + ". Use it there?")
                    ? Outcome<void>()
                    : failure(Failure{"canceled", "Nothing was sent.",
-                                     "zelto connect --sandbox " + shellWord(address)});
+                                     connectCommand(account, address)});
     }
     return failure(Failure{
         "realAccount",
         warning + ". Connect an account there, or pass " + consentOption + " if that is meant.",
-        "zelto connect " + std::string(nameOf(account.serviceType())) + " --sandbox " + shellWord(address)});
+        connectCommand(account, address)});
 }
 
 } // namespace

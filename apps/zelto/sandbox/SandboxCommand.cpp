@@ -77,10 +77,10 @@ Outcome<Report> runSandbox(const Invocation& invocation, const Terminal&) {
     const Interruption interruption;
     const auto server = SandboxServer::start(std::move(options));
     if (!server) {
-        return failure(Failure{"sandboxError", server.error().message, "zelto sandbox --port 0"});
+        return failure(Failure{"sandboxError", server.error().message, NextCommand::again("--port", "0")});
     }
     if (!announce(invocation, (*server)->url().absoluteString())) {
-        return failure(Failure{"outputError", "Standard output cannot be written", "zelto sandbox"});
+        return failure(Failure{"outputError", "Standard output cannot be written", NextCommand::again()});
     }
     waitFor(interruption.stop());
     return Report{.members = {}, .text = {}, .isPrinted = true};

@@ -144,7 +144,8 @@ TYPED_TEST_P(TargetCommands, MakeNothingOfAConfigurationWithoutATarget) {
     EXPECT_TRUE(configuration.erase("saveTo"));
     const auto file = this->zelto.home.write("config.json", JSONValue(configuration).text().value()).string();
     this->expectFailure(this->exportOf({"--config", file}),
-                        {1, TypeParam::noTargetError, "No target is chosen.", "zelto export --target"});
+                        {1, TypeParam::noTargetError, "No target is chosen.",
+                         this->exportOf({"--config", file, "--target", this->targets().front()})});
     EXPECT_EQ(this->sent().size(), 0U);
     EXPECT_EQ(this->exportTitle({"--config", file, "--target", TypeParam::chosen}).output,
               this->madeIn(TypeParam::chosen));

@@ -142,7 +142,8 @@ TEST_F(Connect, KeepsNothingAfterADenial) {
     const auto outcome = run({"connect", "zoom", "--opener", browser(goThere)});
     EXPECT_EQ(outcome.status, 1);
     EXPECT_TRUE(outcome.errorOutput.ends_with("zelto: denied: The access was denied on the page of Zoom.\n"
-                                              "Try: zelto connect zoom\n"))
+                                              "Try: zelto connect zoom --opener " +
+                                              (zelto.home / "browser").string() + surroundings() + "\n"))
         << outcome.errorOutput;
     EXPECT_EQ(accountCount(zelto), 0U);
     EXPECT_EQ(stored("Zoom").accessToken, std::nullopt);
@@ -199,7 +200,7 @@ TEST_F(Connect, OfAnAccountThatIsThereNamesReconnect) {
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.errorOutput, "zelto: accountAlreadyExist: The account " + sandboxAccount +
                                        " is connected already.\nTry: zelto reconnect " + sandboxAccount +
-                                       "\n");
+                                       surroundings() + "\n");
     EXPECT_EQ(stored(sandboxAccount), before);
 }
 
@@ -333,7 +334,8 @@ TEST_F(Connect, PrintsTheAddressAndTakesThePastedOne) {
     EXPECT_TRUE(
         text.ends_with("zelto: canceled: Standard input ended before the right address was pasted: that "
                        "address is not whole: its end is missing. Paste all of it.\n"
-                       "Try: zelto connect --help\n"))
+                       "Try: zelto connect zoom --redirect " +
+                       std::string(redirect) + surroundings() + "\n"))
         << text;
     EXPECT_EQ(run({"connect", "zoom", "--redirect", redirect, "--json"}).text("message"),
               "Standard input ended before the address was pasted.");

@@ -21,11 +21,11 @@ TEST_F(Reconnect, PutsANewSignInIntoTheAccount) {
     sandbox->expireTokens("Trello");
     const auto refused = run({"targets", sandboxAccount, "--refresh", "--json"});
     EXPECT_EQ(refused.text("error"), "oauthError");
-    EXPECT_EQ(refused.text("next"), "zelto reconnect " + sandboxAccount);
+    EXPECT_EQ(refused.text("next"), "zelto reconnect " + sandboxAccount + surroundings());
     const auto mail = ZeltoProgram::sample("plain-note.eml");
     const auto exported = run({"export", mail, "--to", sandboxAccount, "--json"});
     EXPECT_EQ(exported.status, 1);
-    EXPECT_EQ(exported.text("next"), "zelto reconnect " + sandboxAccount);
+    EXPECT_EQ(exported.text("next"), "zelto reconnect " + sandboxAccount + surroundings());
     EXPECT_EQ(run({"reconnect", sandboxAccount, "--follow"}).output, "Reconnected " + sandboxAccount + ".\n");
     EXPECT_NE(stored(sandboxAccount).accessToken, before.accessToken);
     EXPECT_EQ(run({"targets", sandboxAccount, "--refresh"}).status, 0);
@@ -48,7 +48,7 @@ TEST_F(Reconnect, OfSomebodyElseChangesNothing) {
     EXPECT_EQ(outcome.text("error"), "accountMismatch") << outcome.output;
     EXPECT_EQ(outcome.text("message"), "The sign-in was that of " + sandboxAccount + ", not of " +
                                            trelloAccount + ", so nothing was changed.");
-    EXPECT_EQ(outcome.text("next"), "zelto reconnect " + trelloAccount);
+    EXPECT_EQ(outcome.text("next"), "zelto reconnect " + trelloAccount + surroundings());
     EXPECT_EQ(stored(trelloAccount), before);
     EXPECT_EQ(stored(sandboxAccount).accessToken, std::nullopt);
 }

@@ -240,14 +240,15 @@ TEST(PlainOutcome, OfAFailureIsItsNameASentenceAndTheNextCommand) {
     EXPECT_EQ(failed.status, 1);
     EXPECT_EQ(failed.output, "");
     EXPECT_EQ(failed.errorOutput, "zelto: xUrlCallbackError: The opener 'false' ended with status 1; is the "
-                                  "application for this URL installed?\nTry: zelto export --opener -\n");
+                                  "application for this URL installed?\nTry: zelto export " +
+                                      mail + " --to things --opener -\n");
     const auto wrong = zelto.run({"export", mail, "--to", "things", "--note", "x"});
     EXPECT_EQ(wrong.status, 2);
     EXPECT_EQ(wrong.errorOutput, "zelto: wrongUsage: Things takes no note: leave out --note.\n"
                                  "Try: zelto export --help\n");
     EXPECT_EQ(zelto.run({"accounts", "--data-dir", "/dev/null"}).errorOutput,
               "zelto: cannotAccess: '/dev/null' cannot be used (Not a directory).\n"
-              "Try: zelto accounts --data-dir DIR\n");
+              "Try: zelto accounts --data-dir zelto-accounts\n");
 }
 
 TEST(PlainOutcome, IsAFailureIfStandardOutputCannotBeWritten) {

@@ -114,7 +114,8 @@ TEST_F(DryRun, OfAnAccountWhoseDataWereNeverLoadedAsksNoService) {
     EXPECT_EQ(named.text("error"), "noTarget");
     EXPECT_EQ(named.text("message"),
               "What --target names is not known: the data of Trello were never loaded.");
-    EXPECT_EQ(named.text("next"), "zelto targets Trello+new@example.org --refresh");
+    EXPECT_EQ(named.text("next"), "zelto targets Trello+new@example.org --refresh --sandbox " +
+                                      service.server.url().absoluteString());
     const auto unnamed = other.run({"--sandbox", service.server.url().absoluteString(), "export", mail,
                                     "--to", "trello", "--as", "backLink", "--dry-run", "--json"});
     EXPECT_EQ(unnamed.text("error"), "createTaskError");

@@ -13,7 +13,11 @@ using Error = IntegrationExportError;
 ExportCircumstances circumstances() {
     return {.service = "Trello",
             .account = "Trello+me",
-            .takenTypes = "pdf, backLink",
+            .takenTypes = {"pdf", "backLink"},
+            .type = "pdf",
+            .title = "T",
+            .attachments = {"a.mov", "b.mov"},
+            .tags = {},
             .openerFailure = "The URL was not opened.",
             .missingTarget = {},
             .pdfError = {},
@@ -35,19 +39,19 @@ TEST(ExportFailures, AreEachASentenceOfTheirOwn) {
         EXPECT_EQ(failure.name, each.name);
         EXPECT_TRUE(failure.message.ends_with('.')) << failure.message;
         EXPECT_TRUE(sentences.insert(failure.message).second) << failure.message;
-        EXPECT_EQ(failure.next.empty(), each.value == Error::canceled) << each.name;
+        EXPECT_FALSE(failure.next.isHelp()) << each.name;
     }
     for (const auto& each : casesOf<ServiceClientError>()) {
         const auto failure = exportFailure(Error::createTaskError,
                                            refused({.kind = "card", .name = "T", .reason = each.value}));
         EXPECT_TRUE(failure.message.starts_with("Trello did not make the card \"T\": ")) << failure.message;
-        EXPECT_FALSE(failure.next.empty()) << each.name;
+        EXPECT_FALSE(failure.next.isHelp()) << each.name;
     }
     for (const auto& each : casesOf<IntegrationLoadError>()) {
         const auto failure = loadFailure(each.value, "Trello", "Trello+me");
         EXPECT_EQ(failure.name, each.name);
         EXPECT_TRUE(failure.message.ends_with('.')) << failure.message;
-        EXPECT_FALSE(failure.next.empty()) << each.name;
+        EXPECT_FALSE(failure.next.isHelp()) << each.name;
     }
 }
 
@@ -115,6 +119,7 @@ TEST(ExportFailures, NameWhatIsTooLargeAndItsSize) {
               R"({"kind":"file","name":"a.mov","reason":"apiCallError","words":"File too large",)"
               R"("tooLarge":true,"size":12582912},)"
               R"({"kind":"file","name":"b.mov","reason":"apiCallError","tooLarge":true,"size":1}]})");
+    EXPECT_EQ(failed.next, NextCommand::again("--attach", "b.mov"));
     EXPECT_EQ(exportFailure(Error::createTaskError, refused({.kind = "task",
                                                              .name = "T",
                                                              .reason = ServiceClientError::apiCallError,
@@ -156,14 +161,39 @@ TEST(ExportFailures, ListEverythingThatWasRefused) {
                   " Not on Trello: file \"a.txt\", file \"b.txt\", file \"c.txt\"." + unknown);
 }
 
+TEST(ExportFailures, SuggestTheSameExportWithWhatMayHelp) {
+    auto about = circumstances();
+    about.title = "a\xFF"
+                  "b";
+    about.tags = {"two words", "b\u00fcro"};
+    about.timeout = std::chrono::seconds(600);
+    about.hasStalled = true;
+    const auto next = [&](Error error) { return exportFailure(error, about).next; };
+    EXPECT_EQ(next(Error::canceled), NextCommand::again("--timeout", "1200"));
+    EXPECT_EQ(next(Error::createBodyError), NextCommand::again("--as", "backLink"));
+    EXPECT_EQ(next(Error::convertError), NextCommand::againWith("--verbose"));
+    EXPECT_EQ(next(Error::unsupportedFormat), NextCommand::again("--as", "backLink"));
+    EXPECT_EQ(next(Error::fileAlreadyExists), NextCommand::again("--policy", "keepBoth"));
+    EXPECT_EQ(next(Error::uploadAttachmentError), NextCommand::again("--attach", "none"));
+    EXPECT_EQ(next(Error::urlEncodeError), NextCommand::again("--title", "a\uFFFDb"));
+    EXPECT_EQ(next(Error::createUrlError), NextCommand::again("--tags", "two%20words,b%C3%BCro"));
+    EXPECT_EQ(next(Error::xUrlCallbackError), NextCommand::again("--opener", "-"));
+    about.timeout = std::chrono::hours(100);
+    EXPECT_EQ(next(Error::canceled), NextCommand::again("--timeout", "604800"));
+    about.pdfError = PDFError{PDFErrorCode::converterMissing};
+    EXPECT_EQ(next(Error::convertError), NextCommand::again("--as", "backLink"));
+    about.takenTypes = {"pdf"};
+    EXPECT_TRUE(next(Error::convertError).isHelp());
+}
+
 TEST(ExportFailures, OfAMissingTargetNameItUnlessTheServiceRefusedSomething) {
     auto about = circumstances();
-    about.missingTarget = Failure{"noTarget", "No target is chosen.", "zelto export --target"};
+    about.missingTarget = Failure{"noTarget", "No target is chosen.", NextCommand::again("--target", "A")};
     for (const auto error : {Error::createTaskError, Error::internalError}) {
         const auto failure = exportFailure(error, about);
         EXPECT_EQ(failure.name, nameOf(error));
         EXPECT_EQ(failure.message, "No target is chosen.");
-        EXPECT_EQ(failure.next, "zelto export --target");
+        EXPECT_EQ(failure.next, NextCommand::again("--target", "A"));
     }
     EXPECT_EQ(exportFailure(Error::oauthError, about).message,
               "Trello does not accept the account's sign-in any more.");

@@ -167,7 +167,7 @@ TEST(ExportURL, HoldsATextOfFiveMegabytes) {
     EXPECT_EQ(handed.status, 1);
     EXPECT_EQ(handed.text("error"), "xUrlCallbackError");
     EXPECT_NE(handed.text("message").find("too long to be handed to a program"), std::string::npos);
-    EXPECT_EQ(handed.text("next"), "zelto export --opener -");
+    EXPECT_EQ(handed.text("next"), "zelto export " + mail.string() + " --to bear --opener - --json");
 }
 
 TEST(ExportURL, OfAMailOnStandardInputIsTheSame) {

@@ -137,7 +137,7 @@ TEST(SandboxCommand, SaysWhatIsWrong) {
     const auto taken = zelto.run({"sandbox", "--json", "--port", std::to_string(sandbox->port())});
     EXPECT_EQ(taken.status, 1);
     EXPECT_EQ(taken.text("error"), "sandboxError");
-    EXPECT_EQ(taken.text("next"), "zelto sandbox --port 0");
+    EXPECT_EQ(taken.text("next"), "zelto sandbox --port 0 --json");
     for (const auto* port : {"x", "-1", "65536", "1.5"}) {
         const auto outcome = zelto.run({"sandbox", "--json", std::string("--port=") + port});
         EXPECT_EQ(outcome.status, 2) << port;

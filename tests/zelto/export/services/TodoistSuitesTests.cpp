@@ -125,7 +125,7 @@ TEST_F(RefusedTodoistCommands, OfCommentsAreNamedWithTheTaskThatWasMade) {
                        "Todoist did not make the comment \"Title\": it refused the request (\"Comment too "
                        "long\"). On Todoist already, and made again by another export: file \"Agenda.txt\", "
                        "task \"Title\". Not on Todoist: comment \"Agenda.txt\".",
-                       "zelto export --verbose"});
+                       this->exportOf({"--attach", "Agenda.txt", "--verbose"})});
     EXPECT_EQ(document.find("made")->text().value(),
               R"([{"kind":"file","name":"Agenda.txt"},{"kind":"task","name":"Title","identifier":"id0"}])");
     EXPECT_EQ(document.find("refused")->text().value(),

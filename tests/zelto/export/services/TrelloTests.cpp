@@ -77,7 +77,9 @@ TEST_F(TrelloCommands, AMissingPDFIsExplainedWithWhatWasMade) {
         outcome.text("message"),
         "The message could not be turned into a PDF. The PDF converter 'false' failed with status 1. On "
         "Trello already, and made again by another export: card \"Title\".");
-    EXPECT_EQ(outcome.text("next"), "zelto export --as");
+    EXPECT_EQ(outcome.text("next"),
+              "zelto export " + mail +
+                  " --to trello --as backLink --title Title --pdf-converter false --json");
 }
 
 TEST_F(TrelloCommands, EachUploadThatFailedIsNamed) {
