@@ -1,6 +1,7 @@
 #include "accounts/RegisteredClients.h"
 #include "accounts/SecretInputs.h"
 #include "accounts/Workspace.h"
+#include "base/TransferLog.h"
 #include "commandline/Commands.h"
 #include "commandline/HelpText.h"
 #include "commandline/NextCommandLine.h"
@@ -173,6 +174,7 @@ int run(const std::vector<std::string>& arguments) {
     std::optional<LogSubscription> log;
     if (invocation->has("--verbose")) {
         log.emplace(logToStandardError(LogLevel::trace));
+        logTransfers();
     }
     auto outcome = reportOf(*invocation, terminal);
     if (outcome) {

@@ -3,6 +3,7 @@
 #include <ZeltoSandbox/Addressing.h>
 
 #include <Platform/ASCII.h>
+#include <Platform/HTTP/TransferRecord.h>
 #include <Platform/UTF8.h>
 
 #include <algorithm>
@@ -91,9 +92,11 @@ Outcome<std::unique_ptr<RequestRecorder>> RequestRecorder::start(Respond respond
     if (!started) {
         return failure(Failure{"dryRunError",
                                "No stand-in of the service could be started: " + started.error(),
-                               "zelto export --verbose"});
+                               NextCommand::againWith("--verbose")});
     }
     recorder->server_ = *std::move(started);
+    // What goes to the stand-in is listed, and reaches no service.
+    setTransferObserver(nullptr);
     auto defaults = recorder->defaultsBefore_;
     defaults.route = URL::parse("http://127.0.0.1:" + std::to_string(recorder->server_->port()));
     URLSessionConfiguration::setDefaults(std::move(defaults));

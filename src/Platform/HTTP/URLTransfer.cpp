@@ -35,7 +35,7 @@ class URLTransfer::Delivery final : public Operation {
 URLTransfer::URLTransfer(std::shared_ptr<URLSessionState> session, std::int64_t identifier,
                          URLRequest request, DataTaskCompletion completion)
     : session_(std::move(session)), identifier_(identifier), hasCompletion_(static_cast<bool>(completion)),
-      completion_(std::move(completion)) {
+      completion_(std::move(completion)), record_(RecordedTransfer::of(request)) {
     if (auto wire = wireRequest(request, request.url, session_->configuration)) {
         plan_.reset(new TransferPlan{std::move(request), *std::move(wire)});
     } else {
@@ -49,6 +49,9 @@ void URLTransfer::resume() {
         return;
     }
     stage_ = Stage::resumed;
+    if (record_) {
+        record_->begin();
+    }
     if (plan_) {
         if (plan_->wire.isRouted) {
             countRoutedRequest();
@@ -128,6 +131,9 @@ bool URLTransfer::receiveData(std::span<const std::uint8_t> data) {
         return false;
     }
     data_.insert(data_.end(), data.begin(), data.end());
+    if (record_) {
+        record_->receive(data.size());
+    }
     if (!hasCompletion_ && wantsDelivery()) {
         lock.unlock();
         schedule();
@@ -229,6 +235,9 @@ void URLTransfer::deliverEnd(URLSessionDataTask& task, std::unique_lock<std::mut
     auto data = error ? std::nullopt : std::optional(std::exchange(data_, {}));
     auto completion = std::move(completion_);
     lock.unlock();
+    if (record_) {
+        record_->end(response_ ? std::optional(response_->statusCode()) : std::nullopt, error);
+    }
     containingExceptions("The completion of a task", [&] {
         if (hasCompletion_) {
             completion(std::move(data), response_, error);

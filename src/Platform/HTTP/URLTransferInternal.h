@@ -3,6 +3,7 @@
 // Internal to the transport: one task as seen by its users, the I/O thread and the delegate queue.
 
 #include <Platform/HTTP/HTTPRulesInternal.h>
+#include <Platform/HTTP/TransferRecordInternal.h>
 #include <Platform/HTTP/URLSession.h>
 #include <Platform/HTTP/URLSessionStateInternal.h>
 
@@ -84,6 +85,7 @@ class URLTransfer final : public std::enable_shared_from_this<URLTransfer> {
     Data spareData_;                // empty; its memory is reused for the next data
     std::optional<URLError> error_; // set from the start if the request cannot be sent
     DataTaskCompletion completion_;
+    std::unique_ptr<RecordedTransfer> record_; // null while nobody observes
 };
 
 } // namespace zelto
