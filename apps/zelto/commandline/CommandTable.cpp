@@ -12,8 +12,14 @@ const OptionSpec to = {
     "The account's identifier; or a service, which means its only account or the one used last",
     ValueKind::accountOrService};
 
-const OptionSpec as = {"--as", "TYPE", "The form of the export; a service takes some of them",
-                       ValueKind::contentType};
+const OptionSpec previewedAs = {"--as", "TYPE", "The form of the export; a service takes some of them",
+                                ValueKind::contentType};
+
+const OptionSpec exportedAs = {
+    "--as", "TYPE",
+    "The form of the export; a service takes some of them. It is remembered for the account, whose next "
+    "exports have it too; `zelto config MAIL --to ID --names` shows it as saveAs",
+    ValueKind::contentType};
 
 const ArgumentSpec onlyAccount = {
     "ID", "The account's identifier, as `zelto accounts` lists it; or its service, if that has no other",
@@ -33,6 +39,13 @@ const OptionSpec target = {"--target", "PATH",
 const OptionSpec realAccount = {
     "--real-account", "",
     "With --sandbox: send an account's tokens there even if it was not connected in a sandbox"};
+
+const OptionSpec exportTarget = {
+    "--target", "PATH",
+    "What the export goes into, like \"Board/List\": names or identifiers that `zelto targets` lists. It is "
+    "remembered for the account, whose next exports go there too; `zelto config MAIL --to ID --names` shows it as "
+    "saveTo",
+    ValueKind::target};
 
 // The options of a sign-in, after those that are the command's own.
 std::vector<OptionSpec> withSignInOptions(std::vector<OptionSpec> options) {
@@ -147,7 +160,7 @@ const std::vector<CommandSpec> table = {
      "Show what would be sent",
      "Prints the text or the link that an export in that form would send, and sends nothing.",
      {mail},
-     {to, as, webLink, realAccount},
+     {to, previewedAs, webLink, realAccount},
      {"zelto preview examples/mails/project-kickoff.eml --to bear --as emailBacklink",
       "zelto preview examples/mails/project-kickoff.eml --to things --as backLink"}},
     {"export",
@@ -160,8 +173,8 @@ const std::vector<CommandSpec> table = {
      "then stays there and is named.",
      {mail},
      {to,
-      as,
-      target,
+      exportedAs,
+      exportTarget,
       {"--title", "TEXT", "The title instead of the mail's subject"},
       {"--note", "TEXT", "A note of your own, before the mail's text"},
       {"--tags", "A,B", "Tags, separated by commas"},
@@ -262,7 +275,9 @@ const std::vector<OptionSpec> global = {
     {"--sandbox", "URL",
      "Take the sandbox at this address (`zelto sandbox`) for all services on the web [$ZELTO_SANDBOX]"},
     {"--quiet", "", "Print nothing but what was asked for"},
-    {"--verbose", "", "Show the log on standard error; secrets are masked"},
+    {"--verbose", "",
+     "Show the log on standard error, with each request: its method, host, path, status, milliseconds and "
+     "bytes; secrets are masked"},
     {"--help", "", "Show help for the command"},
     {"--version", "", "Show the version"},
 };

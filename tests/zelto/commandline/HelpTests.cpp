@@ -89,6 +89,16 @@ TEST(Help, FitsIntoEightyColumnsButForExamples) {
     }
 }
 
+TEST(Help, SaysWhatIsRememberedForTheNextExportAndHowToSeeIt) {
+    const auto& options = findCommand("export")->options;
+    for (const auto* name : {"--as", "--target"}) {
+        const auto option = std::ranges::find(options, name, &OptionSpec::name);
+        ASSERT_NE(option, options.end());
+        EXPECT_TRUE(option->help.contains("remembered for the account")) << name;
+        EXPECT_TRUE(option->help.contains("`zelto config MAIL --to ID --names` shows it")) << name;
+    }
+}
+
 TEST(Help, HasExamplesThatRunAsTheyStand) {
     // There a server of the protocol's own makers listens when it is started without options.
     constexpr std::string_view mcpAddress = "http://127.0.0.1:3001/mcp";
