@@ -150,12 +150,17 @@ const std::vector<CommandSpec> table = {
     {"config",
      "Show what an export would start with",
      "Prints the configuration that the service's exporter offers for a mail, as JSON: the title, the form "
-     "(saveAs) and whatever else the service takes. Saved to a file and edited, it goes back in by "
-     "`zelto export --config FILE`; dates may be written like 2026-03-05T14:00 there.",
+     "(saveAs) and whatever else the service takes. With --names it has names where the record has numbers "
+     "and identifiers. Saved to a file and edited, it goes back in by `zelto export --config FILE`, in either "
+     "form; `zelto export --config-over FILE` takes some members of it alone.",
      {mail},
-     {to, target, webLink, realAccount},
+     {to,
+      target,
+      {"--names", "", "Write names of types, targets and attachments, and dates like 2026-03-05T14:00:00Z"},
+      webLink,
+      realAccount},
      {"zelto config examples/mails/project-kickoff.eml --to bear",
-      "zelto config examples/mails/project-kickoff.eml --to things > things.json"}},
+      "zelto config examples/mails/project-kickoff.eml --to things --names > things.json"}},
     {"preview",
      "Show what would be sent",
      "Prints the text or the link that an export in that form would send, and sends nothing.",
@@ -167,8 +172,8 @@ const std::vector<CommandSpec> table = {
      "Send a mail or a meeting note to a service",
      "Sends one mail or meeting note to a service, which makes a task, a note or the like of it. Without "
      "options "
-     "it goes as the exporter offers it; options change single fields of that, and --config gives all of "
-     "them. An application is reached by a URL, which is opened by xdg-open or by the program of --opener; "
+     "it goes as the exporter offers it; options change single fields of that, --config-over some "
+     "and --config all of them. An application is reached by a URL, which is opened by xdg-open or by the program of --opener; "
      "the export has worked if that ends with status 0. Ctrl-C cancels an export; what is on the service by "
      "then stays there and is named.",
      {mail},
@@ -192,7 +197,12 @@ const std::vector<CommandSpec> table = {
        ValueKind::text,
        {"keepBoth", "overrideExisting"}},
       {"--attach", "all|none|NAME", "Which attachments go along", ValueKind::text, {}, true},
-      {"--config", "FILE", "The whole configuration, as `zelto config` prints it", ValueKind::file},
+      {"--config", "FILE", "The whole configuration, as `zelto config` prints it with or without --names",
+       ValueKind::file},
+      {"--config-over", "FILE",
+       "Some members of the configuration, each of which replaces the one that is there as a whole; null "
+       "clears it",
+       ValueKind::file},
       webLink,
       {"--opener", "COMMAND", "Opens the URL, given as its last argument; - prints the URL instead",
        ValueKind::command},

@@ -3,6 +3,7 @@
 #include "base/Waiting.h"
 #include "export/ExportFailures.h"
 #include "export/ExportSession.h"
+#include "export/NamedConfiguration.h"
 #include "export/ServiceAdapter.h"
 
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
@@ -10,7 +11,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <type_traits>
 #include <utility>
+#include <variant>
 
 namespace zelto::cli {
 
@@ -18,24 +22,25 @@ namespace zelto::cli {
 template <class Adapter> class AdaptedSession final : public ExportSession {
     using Exporter = typename Adapter::Exporter;
     using Configuration = typename Adapter::Configuration;
+    using NoData = std::optional<std::monostate>; // of a service without targets
 
   public:
     AdaptedSession(std::shared_ptr<Exporter> exporter, std::string service, std::string account)
         : exporter_(std::move(exporter)), service_(std::move(service)), account_(std::move(account)) {}
 
-    Outcome<std::string> offeredConfiguration(const std::optional<std::string>& target) override {
+    Outcome<JSONObject> offeredConfiguration(const std::optional<std::string>& target,
+                                             ConfigurationForm form) override {
         ConfigurationEdits edits;
         edits.target = target;
         if (const auto plan = prepare(edits, DataLoading::whereMissing); !plan) {
             return failure(plan.error());
         }
-        constexpr auto indent = 2;
-        auto text = JSONEncoder{.indent = indent}.encode(*prepared_);
-        if (!text) {
-            return failure(
-                Failure{"internalError", "The configuration has no JSON: " + text.error().message(), ""});
+        auto members = membersOf(*prepared_);
+        if (form == ConfigurationForm::names) {
+            writeNames(members);
+            writeTargetNames(members);
         }
-        return *std::move(text);
+        return members;
     }
 
     std::vector<std::string> takenTypes() override {
@@ -91,11 +96,11 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
             if (!data) {
                 return failure(data.error());
             }
-            auto plan = preparedPlan(edits);
+            auto plan = preparedPlan(edits, *data);
             const auto chosen = plan ? chooseTarget(*plan, *data, edits.target) : failure(plan.error());
             return chosen ? plan : failure(chosen.error());
         } else {
-            return edits.target ? notTaken(service_, "target", "--target") : preparedPlan(edits);
+            return edits.target ? notTaken(service_, "target", "--target") : preparedPlan(edits, NoData());
         }
     }
 
@@ -135,8 +140,9 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         return *std::move(result);
     }
 
-    Outcome<ExportPlan> preparedPlan(const ConfigurationEdits& edits) {
-        auto configuration = edits.whole ? decoded(*edits.whole) : offered();
+    template <class Data>
+    Outcome<ExportPlan> preparedPlan(const ConfigurationEdits& edits, const Data& data) {
+        auto configuration = edits.whole || edits.over ? fromFiles(edits, data) : offered();
         if (!configuration) {
             return failure(configuration.error());
         }
@@ -155,10 +161,138 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         return plan;
     }
 
-    static Outcome<Configuration> decoded(const std::string& json) {
-        auto configuration = JSONDecoder().decode<Configuration>(json);
-        return configuration ? Outcome<Configuration>(*std::move(configuration))
-                             : failure(configurationFailure(configuration.error()));
+    // The configuration that the files of --config and --config-over give.
+    template <class Data>
+    Outcome<Configuration> fromFiles(const ConfigurationEdits& edits, const Data& data) {
+        auto members = edits.whole ? checked(*edits.whole) : offeredMembers();
+        const auto over = members && edits.over ? checked(*edits.over) : members;
+        if (!over) {
+            return failure(over.error());
+        }
+        if (edits.over) {
+            replaceMembers(*members, *over);
+        }
+        const auto& file = edits.over ? edits.over->name : edits.whole->name;
+        if (const auto identified = identifyAttachments(*members, file); !identified) {
+            return failure(identified.error());
+        }
+        return withNamedTarget(*std::move(members), data);
+    }
+
+    static Outcome<JSONObject> checked(const ConfigurationFile& file) {
+        const auto known = checkKeys(file.members, jsonKeys(std::type_identity<Configuration>()), file.name);
+        return known ? Outcome<JSONObject>(file.members) : failure(known.error());
+    }
+
+    Outcome<JSONObject> offeredMembers() {
+        const auto configuration = offered();
+        return configuration ? Outcome<JSONObject>(membersOf(*configuration))
+                             : failure(configuration.error());
+    }
+
+    Outcome<void> identifyAttachments(JSONObject& members, const std::string& file) {
+        auto* const written = members.find("attachments");
+        if (!written || !areNamed(*written)) {
+            return {};
+        }
+        auto configuration = offered();
+        if (!configuration) {
+            return failure(configuration.error());
+        }
+        const auto* attachments = Adapter::fields(*configuration).attachments;
+        auto named = attachmentsNamed(*written, attachments ? *attachments : IntegrationAttachments(), file);
+        if (!named) {
+            return failure(named.error());
+        }
+        *written = membersOf(*named);
+        return {};
+    }
+
+    template <class Data> Outcome<Configuration> withNamedTarget(JSONObject members, const Data& data) {
+        const auto* target = members.find("saveTo");
+        const auto named = target ? namedTarget(*target) : std::nullopt;
+        if (named) {
+            members.erase("saveTo");
+        }
+        auto configuration = JSONValue(std::move(members)).as<Configuration>();
+        if (!configuration) {
+            return failure(configurationFailure(configuration.error()));
+        }
+        if constexpr (HasTargets<Adapter>) {
+            if (const auto set = named ? setTarget(*configuration, data, *named) : Outcome<void>(); !set) {
+                return failure(set.error());
+            }
+        }
+        return *std::move(configuration);
+    }
+
+    template <class Data>
+    Outcome<void> setTarget(Configuration& configuration, const Data& data, const NamedTarget& named) {
+        if (!data) {
+            return failure(targetsUnknown(service_, account_));
+        }
+        const auto path = findTarget(Adapter::targetTree(*data), named, personKey(), account_);
+        if (!path) {
+            return failure(path.error());
+        }
+        Adapter::setTarget(configuration, *data, *path);
+        if constexpr (HasPeople<Adapter>) {
+            return setPerson(configuration, *data, *path, named);
+        }
+        return {};
+    }
+
+    static constexpr std::string_view personKey() {
+        if constexpr (HasPeople<Adapter>) {
+            return Adapter::personKey;
+        }
+        return {};
+    }
+
+    template <class Data>
+    Outcome<void> setPerson(Configuration& configuration, const Data& data, const TargetPath& path,
+                            const NamedTarget& named) {
+        const auto* name = named.find(Adapter::personKey);
+        if (!name) {
+            return {};
+        }
+        const auto index = findNode(Adapter::people(data, path), *name, Adapter::personKey, account_);
+        if (!index) {
+            return failure(index.error());
+        }
+        Adapter::setPerson(configuration, data, path, *index);
+        return {};
+    }
+
+    // A target that the account's data do not have any more stays as the record has it.
+    void writeTargetNames(JSONObject& members) {
+        if constexpr (HasTargets<Adapter>) {
+            auto* const target = members.find("saveTo");
+            const auto data = loaded(false);
+            if (!target || !data || !*data) {
+                return;
+            }
+            const auto tree = Adapter::targetTree(**data);
+            const auto path = pathOf(tree, *target);
+            auto names = path ? std::optional(namesOf(tree, *path)) : std::nullopt;
+            if constexpr (HasPeople<Adapter>) {
+                names = path ? withPerson(*std::move(names), *target, Adapter::people(**data, *path))
+                             : std::nullopt;
+            }
+            if (names) {
+                *target = *std::move(names);
+            }
+        }
+    }
+
+    static std::optional<JSONObject> withPerson(JSONObject names, const JSONValue& target,
+                                                const std::vector<TargetNode>& people) {
+        const auto index = indexOf(people, target.find(Adapter::personKey));
+        if (!index) {
+            return std::nullopt;
+        }
+        names.set(Adapter::personKey, uniqueName(people, *index));
+        return names;
     }
 
     ExporterResult<void> runOnce(std::optional<ExportFilePolicy> policy, const OnStarted& onStarted) {

@@ -1,5 +1,7 @@
 #include "export/ConfigurationEdits.h"
 
+#include "export/NamedConfiguration.h"
+
 #include <Platform/FileManager.h>
 #include <Platform/ISO8601.h>
 #include <Platform/JSON/JSONValue.h>
@@ -41,53 +43,45 @@ std::vector<std::string> splitTags(const std::string& text) {
     return tags;
 }
 
-bool isDateKey(std::string_view key) {
-    return key == "deadline" || key.ends_with("Date");
-}
-
-// People write dates as ISO 8601; the record holds seconds.
-Outcome<std::string> withDatesAsNumbers(const std::string& file, const std::string& text) {
-    auto value = JSONValue::parse(text);
-    if (!value) {
-        return failure(configurationFailure(value.error()));
-    }
-    if (!value->asObject()) {
-        return wrongUsage(file + " holds no JSON object.", "zelto config --help");
-    }
-    JSONObject converted = *value->asObject();
-    for (const auto& [key, member] : *value->asObject()) {
-        if (const auto* written = member.asString(); written && isDateKey(key)) {
-            const auto date = parseISO8601(*written, MissingZone::local);
-            if (!date) {
-                return wrongUsage("\"" + key + "\" of " + file +
-                                      " is no date like 2026-03-05 or 2026-03-05T14:00.",
-                                  "zelto config --help");
-            }
-            converted.set(key, date->secondsSinceReference());
-        }
-    }
-    auto encoded = JSONValue(std::move(converted)).text();
-    if (!encoded) {
-        return wrongUsage(file + " cannot be read as JSON.", "zelto config --help");
-    }
-    return *std::move(encoded);
-}
-
-Outcome<std::optional<std::string>> wholeConfiguration(const Invocation& invocation) {
-    const auto file = invocation.value("--config");
-    if (!file) {
-        return std::nullopt;
-    }
-    const auto data = FileManager::readFile(*file, largestConfiguration);
+Outcome<JSONObject> membersIn(const std::string& file) {
+    const auto data = FileManager::readFile(file, largestConfiguration);
     if (!data) {
         return wrongUsage("The configuration cannot be read: " + data.error().message() + ".",
                           "zelto config --help");
     }
-    auto text = withDatesAsNumbers(*file, std::string(viewOf(*data)));
-    if (!text) {
-        return failure(text.error());
+    auto value = JSONValue::parse(viewOf(*data));
+    if (!value) {
+        return failure(configurationFailure(value.error()));
     }
-    return *std::move(text);
+    auto* const members = value->asObject();
+    if (!members) {
+        return wrongUsage(file + " holds no JSON object.", "zelto config --help");
+    }
+    return std::move(*members);
+}
+
+// `zelto config --json` prints its result too.
+void dropResult(JSONObject& members) {
+    if (const auto* result = members.find("result"); result && *result == JSONValue("success")) {
+        members.erase("result");
+    }
+}
+
+Outcome<std::optional<ConfigurationFile>> fileOption(const Invocation& invocation,
+                                                     const std::string& option) {
+    const auto name = invocation.value(option);
+    if (!name) {
+        return std::nullopt;
+    }
+    auto members = membersIn(*name);
+    if (!members) {
+        return failure(members.error());
+    }
+    dropResult(*members);
+    if (const auto read = readNames(*members, *name); !read) {
+        return failure(read.error());
+    }
+    return ConfigurationFile{*name, *std::move(members)};
 }
 
 Outcome<std::optional<std::uint64_t>> teamOption(const Invocation& invocation) {
@@ -240,14 +234,16 @@ Outcome<ConfigurationEdits> ConfigurationEdits::from(const Invocation& invocatio
     const auto due = dateOption(invocation, "--due");
     const auto deadline = due ? dateOption(invocation, "--deadline") : due;
     const auto team = deadline ? teamOption(invocation) : failure(deadline.error());
-    const auto whole = team ? wholeConfiguration(invocation) : failure(team.error());
-    if (!whole) {
-        return failure(whole.error());
+    auto whole = team ? fileOption(invocation, "--config") : failure(team.error());
+    auto over = whole ? fileOption(invocation, "--config-over") : failure(whole.error());
+    if (!over) {
+        return failure(over.error());
     }
     edits.due = *due;
     edits.deadline = *deadline;
     edits.team = *team;
-    edits.whole = *whole;
+    edits.whole = *std::move(whole);
+    edits.over = *std::move(over);
     return edits;
 }
 

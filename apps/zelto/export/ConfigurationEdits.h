@@ -5,6 +5,7 @@
 #include "export/EditableFields.h"
 
 #include <Platform/JSON/JSONCoding.h>
+#include <Platform/JSON/JSONValue.h>
 
 #include <cstdint>
 #include <optional>
@@ -13,9 +14,17 @@
 
 namespace zelto::cli {
 
+// What a file of --config or --config-over holds: values as the record has them, but for the names of targets
+// and attachments.
+struct ConfigurationFile {
+    std::string name;
+    JSONObject members;
+};
+
 // What the options of an export change of the configuration that its exporter offers.
 struct ConfigurationEdits {
-    std::optional<std::string> whole; // JSON, from --config
+    std::optional<ConfigurationFile> whole; // in place of the offered one
+    std::optional<ConfigurationFile> over;  // some members of it
     std::optional<IntegrationExportContentType> saveAs;
     std::optional<std::string> title;
     std::optional<std::string> note;
@@ -40,8 +49,7 @@ std::unexpected<Failure> notTaken(const std::string& service, const std::string&
 Outcome<void> select(IntegrationAttachments& attachments, const std::vector<std::string>& names);
 Failure configurationFailure(const DecodingError& error);
 
-// Changes the fields that are asked for; one that the service's configuration does not have is wrong usage.
-// `whole` must have been decoded into the configuration.
+// Changes the fields that options ask for; one that the service's configuration does not have is wrong usage.
 Outcome<void> apply(const ConfigurationEdits& edits, const EditableFields& fields,
                     const std::string& service);
 

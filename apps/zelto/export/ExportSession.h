@@ -41,6 +41,9 @@ struct ExportPlan {
 // Whether the service may be asked for data that were never loaded.
 enum class DataLoading { whereMissing, never };
 
+// Whether a configuration's JSON is that of its record, or has names in it.
+enum class ConfigurationForm { record, names };
+
 // One exporter as the command line drives it, whatever its configuration is. Calls block until they are done.
 class ExportSession {
   public:
@@ -48,8 +51,9 @@ class ExportSession {
 
     virtual ~ExportSession() = default;
 
-    // The configuration that the exporter offers, as JSON; with a target of --target where one is given.
-    virtual Outcome<std::string> offeredConfiguration(const std::optional<std::string>& target) = 0;
+    // The configuration that the exporter offers; with a target of --target where one is given.
+    virtual Outcome<JSONObject> offeredConfiguration(const std::optional<std::string>& target,
+                                                     ConfigurationForm form) = 0;
 
     // The names of the types that an export to the service may have.
     virtual std::vector<std::string> takenTypes() = 0;

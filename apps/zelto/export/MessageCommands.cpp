@@ -66,16 +66,15 @@ Outcome<Report> runConfig(const Invocation& invocation, const Terminal&) {
     if (!work) {
         return failure(work.error());
     }
-    const auto configuration = work->session->offeredConfiguration(invocation.value("--target"));
+    const auto form = invocation.has("--names") ? ConfigurationForm::names : ConfigurationForm::record;
+    const auto configuration = work->session->offeredConfiguration(invocation.value("--target"), form);
     if (!configuration) {
         return failure(explained(configuration.error(), work->workspace, work->account));
     }
-    Report report{{}, terminalSafeJSON(*configuration) + "\n"};
+    constexpr auto indent = 2;
     // Behind "result", so that this too goes back in by --config.
-    if (const auto value = JSONValue::parse(*configuration); value && value->asObject()) {
-        report.members = *value->asObject();
-    }
-    return report;
+    return Report{*configuration,
+                  terminalSafeJSON(JSONValue(*configuration).text(indent).value_or("{}")) + "\n"};
 }
 
 Outcome<Report> runPreview(const Invocation& invocation, const Terminal& terminal) {

@@ -29,6 +29,12 @@
 // and, where an export without a target is complete (it goes into the root folder, for one),
 //
 //     static constexpr bool needsTarget = false;
+//
+// and, where something of a target is for a person, under a key of its own in the configuration's "saveTo",
+//
+//     static constexpr std::string_view personKey;
+//     static std::vector<TargetNode> people(const TargetData&, const TargetPath&);
+//     static void setPerson(Configuration&, const TargetData&, const TargetPath&, std::size_t index);
 
 namespace zelto::cli {
 
@@ -90,6 +96,11 @@ template <class E> struct WebAdapter : ServiceAdapter<E> {
 template <class Adapter>
 concept HasTargets = requires {
     typename Adapter::TargetData;
+};
+
+template <class Adapter>
+concept HasPeople = HasTargets<Adapter> && requires {
+    Adapter::personKey;
 };
 
 } // namespace zelto::cli

@@ -103,10 +103,6 @@ std::string listed(std::size_t count, const std::function<std::string(std::size_
     return text;
 }
 
-std::string listed(const std::vector<TargetNode>& nodes) {
-    return listed(nodes.size(), [&](std::size_t index) { return label(nodes[index]); });
-}
-
 std::string quoted(const std::string& text) {
     return "\"" + text + "\"";
 }
@@ -132,7 +128,7 @@ std::string unknownBelow(const TargetTree& tree, const TargetPath& holder, const
     const auto& node = nodeAt(tree, holder);
     return "there is no " + std::string(tree.levels[holder.size()]) + " " + quoted(text) + "; the " +
            std::string(tree.levels[holder.size() - 1]) + " " + quoted(label(node)) + " has " +
-           listed(node.children);
+           listOf(node.children);
 }
 
 // The targets of that name, when what holds them was left out.
@@ -164,11 +160,11 @@ std::string unknown(const TargetTree& tree, const std::string& text) {
         return quoted(text) + " is a " + std::string(tree.levels.back()) + "; name its " + top + " too: " +
                listed(meant.size(), [&](std::size_t index) { return targetName(tree, meant[index]); });
     }
-    return "there is no " + top + " " + quoted(text) + "; there are " + listed(tree.nodes);
+    return "there is no " + top + " " + quoted(text) + "; there are " + listOf(tree.nodes);
 }
 
 Outcome<TargetPath> decided(const TargetTree& tree, const Search& search, const std::string& text,
-                            const std::string& account) {
+                            const std::string& account, std::string_view option) {
     if (search.targets.size() == 1) {
         return search.targets.front();
     }
@@ -181,7 +177,7 @@ Outcome<TargetPath> decided(const TargetTree& tree, const Search& search, const 
         }
         return search.lastHolder.empty() ? unknown(tree, text) : unknownBelow(tree, search.lastHolder, text);
     }();
-    return wrongUsage("--target: " + problem + ".", refreshCommand(account));
+    return wrongUsage(std::string(option) + ": " + problem + ".", refreshCommand(account));
 }
 
 void appendLines(std::string& text, const std::vector<TargetNode>& nodes, std::size_t depth,
@@ -229,10 +225,15 @@ std::unordered_map<std::string, int> usesOfTexts(const std::vector<Target>& targ
 
 } // namespace
 
-Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, const std::string& account) {
+std::string listOf(const std::vector<TargetNode>& nodes) {
+    return listed(nodes.size(), [&](std::size_t index) { return label(nodes[index]); });
+}
+
+Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, const std::string& account,
+                               std::string_view option) {
     const Search exact(tree, asWritten, text);
     if (exact.foundAny()) {
-        return decided(tree, exact, text, account);
+        return decided(tree, exact, text, account, option);
     }
     const Search folded(tree, foldedCase, text);
     if (!folded.foundAny()) {
@@ -241,7 +242,7 @@ Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, 
         }
     }
     const bool namesHolder = !folded.foundAny() && !exact.lastHolder.empty();
-    return decided(tree, namesHolder ? exact : folded, text, account);
+    return decided(tree, namesHolder ? exact : folded, text, account, option);
 }
 
 std::string targetName(const TargetTree& tree, const TargetPath& path) {

@@ -31,8 +31,12 @@ using TargetPath = std::vector<std::size_t>;
 
 // What --target names: the names or the identifiers of all levels, joined by "/", or the target's identifier
 // or its name alone where no other target has it. Names may hold "/"; without regard to case where nothing
-// fits exactly. A failure lists what there is.
-Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, const std::string& account);
+// fits exactly. A failure lists what there is, for `option`, where the text stands.
+Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, const std::string& account,
+                               std::string_view option = "--target");
+
+// The first of the nodes' names, "Inbox, Errands and 3 more".
+std::string listOf(const std::vector<TargetNode>& nodes);
 
 // "Board/List", by identifier where there is no name.
 std::string targetName(const TargetTree& tree, const TargetPath& path);

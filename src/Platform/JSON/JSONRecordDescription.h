@@ -17,6 +17,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <tuple>
 #include <utility>
@@ -27,7 +28,8 @@
 //     (name, "key")                    a key of its own
 //     (name, defaulted)                may be missing or null, and then keeps the default of T{}
 //     (name, "key", defaulted)
-// A std::optional may always be missing; every other field is required.
+// A std::optional may always be missing; every other field is required. ZELTO_JSON_KEYS makes the keys
+// public.
 #define ZELTO_JSON_RECORD(T, ...)                                                                            \
     [[maybe_unused]] static consteval auto describeJSON(const T*) {                                          \
         using namespace ::zelto::jsonrecord;                                                                 \
@@ -41,6 +43,9 @@
     }                                                                                                        \
     void decodeJSON(const ::zelto::JSONReader& reader, T& value) {                                           \
         ::zelto::jsonrecord::readFields(reader, value);                                                      \
+    }                                                                                                        \
+    [[maybe_unused]] ::std::span<const ::std::string_view> jsonKeys(::std::type_identity<T>) {               \
+        return ::zelto::jsonrecord::Description<T>::keys;                                                    \
     }                                                                                                        \
     static_assert(true)
 

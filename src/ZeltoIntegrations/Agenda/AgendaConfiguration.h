@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/Content/IntegrationExportContentType.h>
 
 #include <Platform/JSON/JSONCoding.h>
+#include <Platform/JSON/JSONKeys.h>
 
 #include <optional>
 #include <string>
@@ -30,5 +31,6 @@ struct AgendaConfiguration {
 };
 
 ZELTO_JSON_CODED(AgendaConfiguration);
+ZELTO_JSON_KEYS(AgendaConfiguration);
 
 } // namespace zelto

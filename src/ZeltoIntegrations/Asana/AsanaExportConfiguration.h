@@ -5,6 +5,7 @@
 #include <ZeltoIntegrations/Content/IntegrationExportContentType.h>
 
 #include <Platform/JSON/JSONCoding.h>
+#include <Platform/JSON/JSONKeys.h>
 
 #include <optional>
 #include <string>
@@ -34,5 +35,6 @@ struct AsanaExportConfiguration {
 };
 
 ZELTO_JSON_CODED(AsanaExportConfiguration);
+ZELTO_JSON_KEYS(AsanaExportConfiguration);
 
 } // namespace zelto

@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/Content/IntegrationExportContentType.h>
 
 #include <Platform/JSON/JSONCoding.h>
+#include <Platform/JSON/JSONKeys.h>
 
 #include <optional>
 #include <string>
@@ -31,5 +32,6 @@ struct BearExportConfiguration {
 };
 
 ZELTO_JSON_CODED(BearExportConfiguration);
+ZELTO_JSON_KEYS(BearExportConfiguration);
 
 } // namespace zelto

@@ -4,6 +4,7 @@
 
 #include <Platform/Date.h>
 #include <Platform/JSON/JSONCoding.h>
+#include <Platform/JSON/JSONKeys.h>
 
 #include <optional>
 #include <string>
@@ -31,5 +32,6 @@ struct OmniFocusConfiguration {
 };
 
 ZELTO_JSON_CODED(OmniFocusConfiguration);
+ZELTO_JSON_KEYS(OmniFocusConfiguration);
 
 } // namespace zelto

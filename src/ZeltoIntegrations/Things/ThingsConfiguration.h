@@ -4,6 +4,7 @@
 
 #include <Platform/Date.h>
 #include <Platform/JSON/JSONCoding.h>
+#include <Platform/JSON/JSONKeys.h>
 
 #include <optional>
 #include <string>
@@ -32,5 +33,6 @@ struct ThingsConfiguration {
 };
 
 ZELTO_JSON_CODED(ThingsConfiguration);
+ZELTO_JSON_KEYS(ThingsConfiguration);
 
 } // namespace zelto

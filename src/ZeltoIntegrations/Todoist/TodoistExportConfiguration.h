@@ -7,6 +7,7 @@
 
 #include <Platform/Date.h>
 #include <Platform/JSON/JSONCoding.h>
+#include <Platform/JSON/JSONKeys.h>
 
 #include <cstdint>
 #include <optional>
@@ -40,5 +41,6 @@ struct TodoistExportConfiguration {
 };
 
 ZELTO_JSON_CODED(TodoistExportConfiguration);
+ZELTO_JSON_KEYS(TodoistExportConfiguration);
 
 } // namespace zelto

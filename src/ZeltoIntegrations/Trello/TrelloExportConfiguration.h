@@ -5,6 +5,7 @@
 #include <ZeltoIntegrations/Trello/TrelloRecords.h>
 
 #include <Platform/JSON/JSONCoding.h>
+#include <Platform/JSON/JSONKeys.h>
 
 #include <optional>
 #include <string>
@@ -33,5 +34,6 @@ struct TrelloExportConfiguration {
 };
 
 ZELTO_JSON_CODED(TrelloExportConfiguration);
+ZELTO_JSON_KEYS(TrelloExportConfiguration);
 
 } // namespace zelto

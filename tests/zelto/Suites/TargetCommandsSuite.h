@@ -161,11 +161,46 @@ TYPED_TEST_P(TargetCommands, TakeAConfigurationThatWasPrinted) {
     EXPECT_EQ(exported({"--target", TypeParam::chosen}), this->madeIn(TypeParam::chosen));
 }
 
+TYPED_TEST_P(TargetCommands, WriteNamesThatAreReadAgain) {
+    auto printed = this->run(this->withMail("config", {"--names", "--target", TypeParam::chosen}));
+    EXPECT_EQ(printed.status, 0) << printed.errorOutput;
+    const auto document = printed.json();
+    std::string path;
+    for (const auto& [key, name] : *document.find("saveTo")->asObject()) {
+        path += (path.empty() ? "" : "/") + *name.asString();
+    }
+    EXPECT_TRUE((path + "/").starts_with(std::string(TypeParam::chosen) + "/")) << path;
+    EXPECT_NE(document.find("saveAs")->asString(), nullptr);
+    const auto file = this->zelto.home.write("config.json", printed.output).string();
+    EXPECT_EQ(this->exportTitle({"--config", file}).output, this->madeIn(TypeParam::chosen));
+    const auto requests = this->sent();
+    EXPECT_EQ(this->exportTitle({"--config-over", file}).output, this->madeIn(TypeParam::chosen));
+    EXPECT_EQ(this->sent().size(), 2 * requests.size());
+}
+
+TYPED_TEST_P(TargetCommands, ReplaceMembersOfTheOfferedConfiguration) {
+    const auto over = [this](const std::string& json) {
+        return this->zelto.home.write("over.json", json).string();
+    };
+    const auto target = JSONValue(TypeParam::chosen).text().value();
+    EXPECT_EQ(this->exportTitle({"--config-over", over("{\"saveTo\":" + target + "}")}).output,
+              this->madeIn(TypeParam::chosen));
+    const auto before = this->sent().size();
+    const auto unknown = this->exportTitle({"--config-over", over(R"({"savedTo":1})"), "--json"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_TRUE(unknown.text("message").contains("\"savedTo\"; it knows saveTo, saveAs, "))
+        << unknown.text("message");
+    const auto cleared = this->exportTitle({"--config-over", over(R"({"saveTo":null})"), "--json"});
+    EXPECT_EQ(cleared.text("message"), "No target is chosen.");
+    EXPECT_EQ(this->sent().size(), before);
+}
+
 REGISTER_TYPED_TEST_SUITE_P(TargetCommands, ShowWhatIsRemembered, ShowPathsThatTheOptionTakes,
                             CompleteTheTargetsOfTheNamedAccount, ShowNothingToChooseOnceTheServiceListsNone,
                             TakeTheFirstTargetWhereNoneIsNamed, TakeAPathOrANameThatIsUnique,
                             OfferTheLastTargetAgain, RefuseANameOfSeveralTargets, RefuseANameOfNoTarget,
                             MakeNothingForAnAccountWithoutTargets, MakeNothingOfAConfigurationWithoutATarget,
-                            TakeAConfigurationThatWasPrinted);
+                            TakeAConfigurationThatWasPrinted, WriteNamesThatAreReadAgain,
+                            ReplaceMembersOfTheOfferedConfiguration);
 
 } // namespace zelto

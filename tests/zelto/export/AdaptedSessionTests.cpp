@@ -237,12 +237,15 @@ TEST_F(FolderSession, PreviewsTheOfferedTypeUnlessOneIsNamed) {
 }
 
 TEST_F(FolderSession, OffersTheConfigurationWithTheTarget) {
-    const auto json = session.offeredConfiguration("Mail");
-    ASSERT_TRUE(json);
-    const auto value = JSONValue::parse(*json);
-    ASSERT_TRUE(value);
-    EXPECT_EQ(value->text().value(),
+    const auto offered = [this](ConfigurationForm form) {
+        const auto members = session.offeredConfiguration("Mail", form);
+        return members ? JSONValue(*members).text().value() : members.error().message;
+    };
+    EXPECT_EQ(offered(ConfigurationForm::record),
               R"({"fileName":"Title","selectedExportKind":0,"folder":"f1","webLinkVisibility":0})");
+    EXPECT_EQ(
+        offered(ConfigurationForm::names),
+        R"({"fileName":"Title","selectedExportKind":"pdf","folder":"f1","webLinkVisibility":"onlyMe"})");
 }
 
 } // namespace zelto::cli

@@ -113,12 +113,56 @@ TEST(Export, TakesDatesOfAConfigurationAsISO8601AndAsNumbers) {
 TEST(Export, LetsSingleOptionsChangeAWholeConfiguration) {
     const ZeltoProgram zelto;
     const auto file = zelto.home.write(
-        "config.json",
-        R"({"saveAs": 1, "tags": ["old"], "userTitle": "Old", "supportedContentTypes": [], "more": 1})");
+        "config.json", R"({"saveAs": 1, "tags": ["old"], "userTitle": "Old", "supportedContentTypes": []})");
     EXPECT_EQ(
         zelto.exportedURL({mail, "--to", "bear", "--config", file, "--title", "New", "--as", "backLink"}),
         "bear://x-callback-url/create?title=New&text=mid%3Akickoff%2D2025%2E43%40harbour%2Eexample"
         "&tags=old");
+}
+
+TEST(Export, TakesMembersOfAConfigurationOverTheOfferedOneAndBelowOptions) {
+    const ZeltoProgram zelto;
+    const auto over = zelto.home.write(
+        "over.json", R"({"saveAs": "backLink", "userTitle": "Over", "tags": ["a", "b"], "userNote": null})");
+    const std::string link = "&text=mid%3Akickoff%2D2025%2E43%40harbour%2Eexample";
+    EXPECT_EQ(zelto.exportedURL({mail, "--to", "bear", "--config-over", over}),
+              "bear://x-callback-url/create?title=Over" + link + "&tags=a,b");
+    EXPECT_EQ(zelto.exportedURL({mail, "--to", "bear", "--config-over", over, "--title", "T", "--tags", ""}),
+              "bear://x-callback-url/create?title=T" + link);
+    const auto whole = zelto.home.write(
+        "whole.json", R"({"saveAs": 1, "tags": ["old"], "userTitle": "Old", "supportedContentTypes": []})");
+    EXPECT_EQ(zelto.exportedURL({mail, "--to", "bear", "--config", whole, "--config-over", over}),
+              "bear://x-callback-url/create?title=Over" + link + "&tags=a,b");
+    const auto cleared = zelto.home.write("cleared.json", R"({"tags": null, "saveAs": "backLink"})");
+    EXPECT_EQ(zelto.exportedURL({mail, "--to", "bear", "--config", whole, "--config-over", cleared}),
+              "bear://x-callback-url/create?title=Old" + link);
+}
+
+TEST(Export, RefusesMembersThatAConfigurationDoesNotHave) {
+    const ZeltoProgram zelto;
+    const auto file = zelto.home.write("over.json", R"({"userTitel": "T"})").string();
+    for (const auto* option : {"--config", "--config-over"}) {
+        const auto outcome =
+            zelto.run({"export", mail, "--to", "things", option, file, "--opener", "-", "--json"});
+        EXPECT_EQ(outcome.status, 2);
+        EXPECT_EQ(outcome.text("message"),
+                  file +
+                      " has a key that the service does not know: \"userTitel\"; it knows saveAs, dueDate, "
+                      "deadline, userTitle, supportedContentTypes.");
+    }
+    const auto required = zelto.home.write("required.json", R"({"saveAs": null})").string();
+    EXPECT_EQ(zelto.run({"export", mail, "--to", "things", "--config-over", required, "--json"}).status, 2);
+}
+
+TEST(Export, TakesTheNamesThatConfigPrints) {
+    const ZeltoProgram zelto;
+    for (const auto* service : {"agenda", "bear", "omnifocus", "things", "2do"}) {
+        const auto config = zelto.run({"config", mail, "--to", service, "--names"});
+        EXPECT_TRUE(config.output.contains("\"saveAs\": \"emailBacklink\"")) << config.output;
+        const auto file = zelto.home.write("config.json", config.output);
+        EXPECT_EQ(zelto.exportedURL({mail, "--to", service, "--config", file}),
+                  zelto.exportedURL({mail, "--to", service}));
+    }
 }
 
 TEST(Export, RefusesAnOptionThatTheServiceHasNoFieldFor) {

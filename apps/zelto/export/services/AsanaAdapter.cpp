@@ -34,6 +34,19 @@ std::string AsanaAdapter::targetName(const AsanaExportConfiguration& configurati
     return nameOrIdentifier(workspace.name, workspace.id) + "/" + nameOrIdentifier(project.name, project.id);
 }
 
+std::vector<TargetNode> AsanaAdapter::people(const AsanaFullData& data, const TargetPath& path) {
+    std::vector<TargetNode> people;
+    for (const auto& user : data.workspaces.at(path.at(0)).users) {
+        people.push_back({user.id, user.name.value_or("")});
+    }
+    return people;
+}
+
+void AsanaAdapter::setPerson(AsanaExportConfiguration& configuration, const AsanaFullData& data,
+                             const TargetPath& path, std::size_t index) {
+    configuration.saveTo->user = data.workspaces.at(path.at(0)).users.at(index);
+}
+
 std::string AsanaAdapter::standInResponse(const SentRequest& request) {
     return request.parts.empty() ? R"({"data":{"gid":"NEW-TASK"}})" : R"({"data":{"gid":"NEW-ATTACHMENT"}})";
 }

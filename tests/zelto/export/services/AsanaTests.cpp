@@ -62,6 +62,23 @@ TEST_F(AsanaCommands, ADryRunShowsTheFormAndTheUploads) {
     EXPECT_TRUE(text.ends_with("    part file: file \"Agenda.txt\", text/plain, 163 bytes\n")) << text;
 }
 
+TEST_F(AsanaCommands, AnotherUserIsNamedInAConfiguration) {
+    const auto printed = [&](const std::string& over) {
+        const auto file = zelto.home.write("over.json", over).string();
+        return exportTitle({"--config-over", file, "--dry-run"});
+    };
+    const auto named =
+        printed(R"({"saveTo": {"workspace": "Lighthouse", "project": "Relaunch", "user": "Zoë Müller"}})");
+    EXPECT_NE(named.output.find("assignee=1200000000000002&"), std::string::npos)
+        << named.output << named.errorOutput;
+    const auto unknown =
+        printed(R"({"saveTo": {"workspace": "Lighthouse", "project": "Relaunch", "user": "Zoe"}})");
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_TRUE(unknown.errorOutput.starts_with("zelto: wrongUsage: \"saveTo\": there is no user \"Zoe\"; "
+                                                "there are Robin Sandbox, Zoë Müller, "))
+        << unknown.errorOutput;
+}
+
 TEST(AsanaTargets, AreTheProjectsOfWorkspaces) {
     const auto tree = cli::AsanaAdapter::targetTree(people());
     EXPECT_EQ(cli::pathLinesOf(tree), "Work/A\nHome/p2\n");
