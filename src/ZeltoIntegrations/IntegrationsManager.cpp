@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
 #include <ZeltoIntegrations/Client/IntegrationsServiceDataFetcher.h>
 #include <ZeltoIntegrations/Content/IntegrationsDataInteractorStub.h>
+#include <ZeltoIntegrations/Export/NetworkExporter.h>
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 
 #include <algorithm>
@@ -81,6 +82,14 @@ ServiceAccountConfiguration withSecrets(ServiceAccountConfiguration account,
     return account;
 }
 
+// Why an exporter has loaded nothing.
+AccountError::DataLoadingError loadingError(const ServiceExporter& exporter) {
+    const auto* network = dynamic_cast<const NetworkExporter*>(&exporter);
+    const auto refusal = network ? network->lastRefusal() : std::nullopt;
+    return refusal ? AccountError::DataLoadingError{refusal->words, refusal->nothingWasSent}
+                   : AccountError::DataLoadingError();
+}
+
 // What an exporter's fetch says about the account that is being connected.
 AccountResult loadAccount(const Result<void, IntegrationLoadError>& fetched,
                           const ServiceAccountConfiguration& temporary,
@@ -91,7 +100,7 @@ AccountResult loadAccount(const Result<void, IntegrationLoadError>& fetched,
     storage.remove(temporary);
     removeSecrets(temporary);
     if (!fetched || !fetchedAccount.credentials) {
-        return failure(AccountError::dataLoadingError());
+        return failure(AccountError::dataLoadingError(loadingError(exporter)));
     }
     std::optional<ServiceAccountConfiguration> account;
     if (configuration.serviceType() == ServiceType::TickTick && configuration.userName()) {

@@ -25,9 +25,19 @@ IntegrationsManager::FlowNote flowNote(const std::filesystem::path& directory) {
     };
 }
 
+std::string reasonOf(const IntegrationAccountCreationError::DataLoadingError& error) {
+    if (error.nothingWasSent) {
+        return " could not be reached, so nothing was kept.";
+    }
+    const std::string start = " did not say whose account this is, so nothing was kept";
+    return error.words.empty() ? start + ": it could not be reached, or does not accept these credentials."
+                               : start + "; it says: \"" + error.words + "\".";
+}
+
 Failure connectFailure(const IntegrationAccountCreationError& error, const Account& account,
                        Verification verification) {
-    if (!std::holds_alternative<IntegrationAccountCreationError::DataLoadingError>(error.value)) {
+    const auto* notLoaded = std::get_if<IntegrationAccountCreationError::DataLoadingError>(&error.value);
+    if (!notLoaded) {
         return failureOf(error);
     }
     const auto service = displayName(account.serviceType());
@@ -36,10 +46,12 @@ Failure connectFailure(const IntegrationAccountCreationError& error, const Accou
                 "This version cannot ask " + service + " whose account it is, so nothing was kept.",
                 "zelto services"};
     }
-    return {std::string(error.name()),
-            service + " did not say whose account this is, so nothing was kept: it could not be reached, or "
-                      "does not accept these credentials.",
-            NextCommand::againWith("--verbose")};
+    Failure failure{std::string(error.name()), service + reasonOf(*notLoaded),
+                    NextCommand::againWith("--verbose")};
+    if (notLoaded->nothingWasSent) {
+        failure.members.set("nothingWasSent", true);
+    }
+    return failure;
 }
 
 // What was stored must be there, or a later command would find the account without its secrets.

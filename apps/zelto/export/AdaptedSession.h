@@ -327,7 +327,8 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         auto data = waitFor<Result<Data, IntegrationLoadError>>(
             [&](auto done) { Adapter::loadTargetData(*exporter_, force, std::move(done)); });
         return data ? Outcome<Data>(*std::move(data))
-                    : Outcome<Data>(failure(loadFailure(data.error(), service_, account_)));
+                    : Outcome<Data>(failure(
+                          loadFailure(data.error(), service_, account_, Adapter::lastRefusal(*exporter_))));
     }
 
     auto targetData(const ConfigurationEdits& edits, DataLoading loading) {

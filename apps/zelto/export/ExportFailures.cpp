@@ -263,6 +263,19 @@ JSONObject membersOf(const ExportReport& report) {
     return members;
 }
 
+// Without the full stop.
+Advice loadAdvice(IntegrationLoadError error, const std::string& service, const std::string& account) {
+    switch (error) {
+    case IntegrationLoadError::oauthError:
+        return {service + " does not accept the account's sign-in any more", reconnectCommand(account)};
+    case IntegrationLoadError::connectionError:
+        return {service + " could not be reached", refreshCommand(account)};
+    case IntegrationLoadError::internalError:
+        return {"The data of " + service + " could not be loaded", refreshCommand(account) + " --verbose"};
+    }
+    return {};
+}
+
 } // namespace
 
 NextCommand withAnotherType(const std::vector<std::string>& takenTypes, std::string_view type) {
@@ -286,18 +299,19 @@ Failure exportFailure(IntegrationExportError error, const ExportCircumstances& a
     return {std::move(name), std::move(message), std::move(next), status, membersOf(about.report)};
 }
 
-Failure loadFailure(IntegrationLoadError error, const std::string& service, const std::string& account) {
-    switch (error) {
-    case IntegrationLoadError::oauthError:
-        return {"oauthError", service + " does not accept the account's sign-in any more.",
-                reconnectCommand(account)};
-    case IntegrationLoadError::connectionError:
-        return {"connectionError", service + " could not be reached.", refreshCommand(account)};
-    case IntegrationLoadError::internalError:
-        return {"internalError", "The data of " + service + " could not be loaded.",
-                refreshCommand(account) + " --verbose"};
+Failure loadFailure(IntegrationLoadError error, const std::string& service, const std::string& account,
+                    const std::optional<ServiceRefusal>& refusal) {
+    auto [message, next] = loadAdvice(error, service, account);
+    Failure failure{std::string(nameOf(error)), std::move(message), std::move(next)};
+    if (refusal && !refusal->words.empty()) {
+        failure.message += " (\"" + refusal->words + "\")";
+        failure.members.set("words", refusal->words);
     }
-    return {};
+    failure.message += ".";
+    if (refusal && refusal->nothingWasSent) {
+        failure.members.set("nothingWasSent", true);
+    }
+    return failure;
 }
 
 std::string listOf(const std::vector<ExportReport::Made>& made) {

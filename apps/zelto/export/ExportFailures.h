@@ -3,6 +3,7 @@
 #include "base/Outcome.h"
 
 #include <ZeltoHost/PDF/PDFError.h>
+#include <ZeltoIntegrations/Client/ServiceRefusal.h>
 #include <ZeltoIntegrations/Content/IntegrationError.h>
 #include <ZeltoIntegrations/Export/ExportReport.h>
 
@@ -37,8 +38,9 @@ NextCommand withAnotherType(const std::vector<std::string>& takenTypes, std::str
 // Why an export failed, what is on the service already, and what to do.
 Failure exportFailure(IntegrationExportError error, const ExportCircumstances& circumstances);
 
-// Why the data of an account could not be loaded.
-Failure loadFailure(IntegrationLoadError error, const std::string& service, const std::string& account);
+// Why the data of an account could not be loaded, and what is known of the request that failed.
+Failure loadFailure(IntegrationLoadError error, const std::string& service, const std::string& account,
+                    const std::optional<ServiceRefusal>& refusal = {});
 
 // `card "Title", file "a.pdf"`; empty for none.
 std::string listOf(const std::vector<ExportReport::Made>& made);

@@ -67,6 +67,8 @@ template <class E> struct ApplicationAdapter : ServiceAdapter<E> {
 
     static ExportReport report(const E& /*exporter*/) { return {}; }
 
+    static std::optional<ServiceRefusal> lastRefusal(const E& /*exporter*/) { return std::nullopt; }
+
     static std::string standInResponse(const SentRequest& /*request*/) { return {}; }
 
     static std::vector<PassedLimit> passedLimits(const E& /*exporter*/,
@@ -81,6 +83,9 @@ template <class E> struct WebAdapter : ServiceAdapter<E> {
     static constexpr bool isOnWeb = true;
 
     static ExportReport report(const E& exporter) { return exporter.exportReport(); }
+
+    // Of the request that failed last.
+    static std::optional<ServiceRefusal> lastRefusal(const E& exporter) { return exporter.lastRefusal(); }
 
     // In a dry run: the JSON that a request is responded to with, as if the service had done what was asked.
     static std::string standInResponse(const SentRequest& /*request*/) { return "{}"; }

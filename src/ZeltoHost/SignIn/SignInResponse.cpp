@@ -1,5 +1,8 @@
 #include <ZeltoHost/SignIn/SignInResponse.h>
 
+#include <ZeltoHost/SignIn/SignInWords.h>
+#include <ZeltoIntegrations/Client/ServiceRefusal.h>
+
 #include <Platform/Crypto/Digest.h>
 
 #include <algorithm>
@@ -30,6 +33,11 @@ bool haveSameOrigin(const URL& left, const URL& right) {
 
 SignInError denied(const std::string& service) {
     return {SignInErrorCode::denied, "The access was denied on the page of " + service + "."};
+}
+
+std::string refused(const std::string& service, const std::string& code, const FormItems& items) {
+    const auto words = onlyValue(items, "error_description");
+    return withWords(refusalText(service, code), words ? cleanedWords(*words) : "");
 }
 
 } // namespace
@@ -73,7 +81,7 @@ std::optional<Result<SignInResponse, SignInError>> SignInExpectation::read(const
     if (const auto error = onlyValue(items, "error")) {
         return failure(*error == "access_denied"
                            ? denied(serviceName_)
-                           : SignInError{SignInErrorCode::refused, refusalText(serviceName_, *error)});
+                           : SignInError{SignInErrorCode::refused, refused(serviceName_, *error, items)});
     }
     if (const auto value = onlyValue(items, valueName(flow_)); value && !value->empty()) {
         return SignInResponse{*value, items};

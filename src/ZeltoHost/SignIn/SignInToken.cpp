@@ -1,6 +1,8 @@
 #include <ZeltoHost/SignIn/SignInToken.h>
 
+#include <ZeltoHost/SignIn/SignInWords.h>
 #include <ZeltoIntegrations/Client/AccountAuthoriser.h>
+#include <ZeltoIntegrations/Client/ServiceRefusal.h>
 
 #include <Platform/HTTP/URLResponse.h>
 #include <Platform/JSON/JSONValue.h>
@@ -34,12 +36,14 @@ std::optional<double> lifetimeMember(const JSONValue& object) {
     return lifetime(member->asDouble());
 }
 
-SignInError refusal(const SignInService& service, int status, const JSONValue& body) {
-    const auto code = textMember(body, "error");
+SignInError refusal(const SignInService& service, int status, const JSONValue& response,
+                    std::string_view body) {
+    const auto code = textMember(response, "error");
     const bool isTroubled = status >= 500;
-    return {SignInErrorCode::refused, refusalText(service.name, code         ? *code
-                                                                : isTroubled ? "server_error"
-                                                                             : "")};
+    const auto text = refusalText(service.name, code ? *code : isTroubled ? "server_error" : "");
+    const auto words = wordsOfErrorBody(body);
+    // The code is in the text already.
+    return {SignInErrorCode::refused, withWords(text, words == code ? "" : words)};
 }
 
 } // namespace
@@ -60,7 +64,7 @@ Result<SignInToken, SignInError> readSignInToken(const SignInService& service, i
     const auto response = parsed ? *parsed : JSONValue();
     // Slack reports errors with a successful status.
     if (!isSuccess(status) || textMember(response, "error")) {
-        return failure(refusal(service, status, response));
+        return failure(refusal(service, status, response, body));
     }
     const auto* holder = service.tokenObject.empty() ? &response : response.find(service.tokenObject);
     const auto token = holder ? textMember(*holder, "access_token") : std::nullopt;

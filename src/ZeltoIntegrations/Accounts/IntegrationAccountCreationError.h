@@ -2,7 +2,9 @@
 
 #include <ZeltoIntegrations/Accounts/ServiceAccountConfiguration.h>
 
+#include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 
 namespace zelto {
@@ -24,6 +26,8 @@ struct IntegrationAccountCreationError {
 
     // The account's data could not be fetched.
     struct DataLoadingError {
+        std::string words = {};      // the service's own of why, cleaned and cut; empty where it says nothing
+        bool nothingWasSent = false; // the service could not be reached at all
         bool operator==(const DataLoadingError&) const = default;
     };
 
@@ -38,7 +42,11 @@ struct IntegrationAccountCreationError {
         return {AccountMismatch{std::move(required), std::move(actual)}};
     }
 
-    static IntegrationAccountCreationError dataLoadingError() { return {DataLoadingError{}}; }
+    static IntegrationAccountCreationError dataLoadingError() { return {DataLoadingError()}; }
+
+    static IntegrationAccountCreationError dataLoadingError(DataLoadingError error) {
+        return {std::move(error)};
+    }
 
     // The case's name.
     std::string_view name() const {

@@ -11,6 +11,28 @@ ExportReport NetworkExporter::exportReport() const {
     return log ? log->report() : ExportReport();
 }
 
+std::optional<ServiceRefusal> NetworkExporter::lastRefusal() const {
+    const std::lock_guard guard(refusalsLock_);
+    return refusals_ ? refusals_->last() : std::nullopt;
+}
+
+std::shared_ptr<NetworkExporter::Refusals> NetworkExporter::newRefusals() {
+    auto refusals = std::make_shared<Refusals>();
+    const std::lock_guard guard(refusalsLock_);
+    refusals_ = refusals;
+    return refusals;
+}
+
+void NetworkExporter::Refusals::note(const ServiceRefusal& refusal) {
+    const std::lock_guard guard(lock_);
+    last_ = refusal;
+}
+
+std::optional<ServiceRefusal> NetworkExporter::Refusals::last() const {
+    const std::lock_guard guard(lock_);
+    return last_;
+}
+
 NetworkExporter::Making NetworkExporter::uploading(const File& file, std::string_view warning,
                                                    std::string_view function) {
     std::error_code error;

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,10 @@ class NetworkExporter : public StepExporter {
 
     // Of the last export that was begun, also while it runs. Any thread.
     ExportReport exportReport() const;
+
+    // Of the last request that failed in the last run that had requests, be it an export or the loading of
+    // data; no value where none has. Any thread.
+    std::optional<ServiceRefusal> lastRefusal() const;
 
   protected:
     // A request that makes something on the service.
@@ -96,15 +101,35 @@ class NetworkExporter : public StepExporter {
                 }
             });
             auto client = std::make_shared<Client>(std::move(authoriser), JSONDecoder());
+            const auto refusals = newRefusals();
             client->setRefusalObserver(
-                [report = run.sharedReport()](const ServiceRefusal& refusal) { report->note(refusal); });
+                [report = run.sharedReport(), refusals](const ServiceRefusal& refusal) {
+                    refusals->note(refusal);
+                    report->note(refusal);
+                });
             updateActiveClient(client);
             return client;
         });
     }
 
+    // The last refusal of one run, whose requests may end after the exporter.
+    class Refusals {
+      public:
+        void note(const ServiceRefusal& refusal);
+        std::optional<ServiceRefusal> last() const;
+
+      private:
+        mutable std::mutex lock_;
+        std::optional<ServiceRefusal> last_;
+    };
+
+    std::shared_ptr<Refusals> newRefusals();
+
     static void refuse(StepRun& run, std::size_t place, const Making& making, ServiceClientError error);
     static void refuse(StepRun& run, std::size_t place, const Making& making, std::string_view words);
+
+    mutable std::mutex refusalsLock_;
+    std::shared_ptr<const Refusals> refusals_;
 };
 
 template <class T, class R, class ResultOf, class IdentifierOf, class RefusalOf>

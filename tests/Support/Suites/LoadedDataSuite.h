@@ -119,6 +119,17 @@ TYPED_TEST_P(LoadedData, StaysAfterAnyFailureAtAnyRequest) {
     });
 }
 
+TYPED_TEST_P(LoadedData, KeepsWhatTheServiceSaysOfAFailureUntilTheNextLoading) {
+    EXPECT_EQ(this->one.exporter()->lastRefusal(), std::nullopt);
+    this->service.respondToLine(TypeParam::lines().front(),
+                                PlayedResponse::json(R"({"message":"not today"})", 403));
+    EXPECT_FALSE(this->one.load(true));
+    EXPECT_EQ(this->one.exporter()->lastRefusal(), (ServiceRefusal{"not today", false}));
+    this->service.respondToLine(TypeParam::lines().front(), PlayedResponse::reset());
+    EXPECT_FALSE(this->one.load(true));
+    EXPECT_EQ(this->one.exporter()->lastRefusal(), (ServiceRefusal{"", false}));
+}
+
 TYPED_TEST_P(LoadedData, IsFetchedByForceAndNamesTheUser) {
     EXPECT_EQ(this->one.exporter()->loadUserEmail(), std::nullopt);
     EXPECT_TRUE(this->one.fetch());
@@ -158,6 +169,7 @@ TYPED_TEST_P(LoadedData, NamesAnAccountThatIsConnectedAndIsKeptInIt) {
 REGISTER_TYPED_TEST_SUITE_P(LoadedData, ComesFromTheServiceWhenForcedAndFromTheAccountElse,
                             IsNoneWithoutOneOfItsParts, WithoutCredentialsIsAnOauthError,
                             IsNoneAfterAnyFailureAtAnyRequest, StaysAfterAnyFailureAtAnyRequest,
+                            KeepsWhatTheServiceSaysOfAFailureUntilTheNextLoading,
                             IsFetchedByForceAndNamesTheUser,
                             InAStorageThatThrowsIsAnInternalErrorAndTheNextLoadingRuns,
                             NamesAnAccountThatIsConnectedAndIsKeptInIt);

@@ -57,8 +57,18 @@ TEST(SignInResponse, FromAnotherIssuerIsIgnored) {
     }
 }
 
+TEST(SignInResponse, ThatRefusesIsReportedWithTheServicesOwnWordsCleaned) {
+    const std::string start = "state=the-mark&error=user_is_odd&error_description=";
+    EXPECT_EQ(outcome(code, start + "You%20may%0anot%1b%5b2J."),
+              "GoogleDrive refused the sign-in (user_is_odd). It says: \"You may not [2J.\".");
+    EXPECT_EQ(outcome(code, start + std::string(400, 'a')),
+              "GoogleDrive refused the sign-in (user_is_odd). It says: \"" + std::string(300, 'a') + "\".");
+    EXPECT_EQ(outcome(code, start + "%20"), "GoogleDrive refused the sign-in (user_is_odd).");
+    EXPECT_EQ(outcome(code, start + "a&error_description=b"), "ignored");
+}
+
 TEST(SignInResponse, ThatRefusesIsReportedInPlainWords) {
-    const std::string form = "state=the-mark&error_description=%3Cscript%3Ealert(1)%3C/script%3E&error=";
+    const std::string form = "state=the-mark&error=";
     EXPECT_EQ(outcome(code, form + "access_denied"), "The access was denied on the page of GoogleDrive.");
     EXPECT_EQ(outcome(code, form + "invalid_scope"),
               "GoogleDrive does not grant the permissions that are asked for (invalid_scope).");

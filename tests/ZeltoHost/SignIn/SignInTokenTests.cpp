@@ -1,5 +1,7 @@
 #include <ZeltoHost/SignIn/SignInToken.h>
 
+#include <ZeltoCommonLogger/SecretRegistry.h>
+
 #include <gtest/gtest.h>
 
 namespace zelto {
@@ -43,17 +45,22 @@ TEST(SignInToken, OfSlackIsTheUsers) {
               "(invalid_code).");
 }
 
-TEST(SignInToken, ThatIsRefusedIsReportedInPlainWordsWithoutTheServersOwn) {
-    EXPECT_EQ(complaint(ServiceType::Asana, 400,
-                        R"({"error":"invalid_grant","error_description":"code secret-code is bad"})"),
-              "Asana does not take the code of its own page; it is spent or too old. Sign in again "
-              "(invalid_grant).");
+TEST(SignInToken, ThatIsRefusedIsReportedInPlainWordsWithTheServersOwnBehindThem) {
+    const auto secret = SecretRegistry::shared().add("secret-code");
+    EXPECT_EQ(
+        complaint(ServiceType::Asana, 400,
+                  R"({"error":"invalid_grant","error_description":"code secret-code\n\u001b[2J is bad"})"),
+        "Asana does not take the code of its own page; it is spent or too old. Sign in again "
+        "(invalid_grant). It says: \"code *** [2J is bad\".");
+    const auto words = std::string(400, 'a');
+    EXPECT_EQ(complaint(ServiceType::Asana, 400, R"({"error":"x","error_description":")" + words + R"("})"),
+              "Asana refused the sign-in (x). It says: \"" + words.substr(0, 300) + "\".");
     EXPECT_EQ(complaint(ServiceType::ZoomMeeting, 401, R"({"error":"invalid_client"})"),
               "Zoom does not know this program's client identifier or its secret; name your own registration "
               "(invalid_client).");
     EXPECT_EQ(complaint(ServiceType::ZoomMeeting, 503, "<html>"),
               "Zoom has trouble of its own; try again later (server_error).");
-    EXPECT_EQ(complaint(ServiceType::ZoomMeeting, 403, "no"), "Zoom refused the sign-in.");
+    EXPECT_EQ(complaint(ServiceType::ZoomMeeting, 403, "no"), "Zoom refused the sign-in. It says: \"no\".");
     EXPECT_EQ(complaint(ServiceType::ZoomMeeting, 400, R"({"error":{"code":1}})"),
               "Zoom refused the sign-in.");
     for (const auto* body : {"", "{}", "[]", "null", R"({"access_token":""})", R"({"access_token":7})", "x",

@@ -89,9 +89,11 @@ TYPED_TEST_P(ExportCommands, AreNotSpoiltByATypeThatWasRefused) {
 
 TYPED_TEST_P(ExportCommands, NameTheWayToReconnectWhereTheTokenIsRefused) {
     this->failAll(PlayedResponse::json("no", 401));
-    this->expectFailure(
+    const auto document = this->expectFailure(
         {"targets", this->account, "--refresh"},
-        {1, "oauthError", this->name + " does not accept the account's sign-in any more.", this->reconnect});
+        {1, "oauthError", this->name + " does not accept the account's sign-in any more (\"no\").",
+         this->reconnect});
+    EXPECT_EQ(this->textOf(document, "words"), R"("no")");
     this->expectFailure(
         this->exportOf(),
         this->notMade("it does not accept the account's sign-in any more (\"no\").", this->reconnect));
@@ -105,8 +107,11 @@ TYPED_TEST_P(ExportCommands, SayThatTheSandboxDoesNotAnswer) {
         1, "sandboxError",
         "The sandbox at http://127.0.0.1:1 does not answer: start it with `zelto sandbox --port 1`.",
         "zelto sandbox --port 1"};
-    this->expectFailure(targets, expected);
-    this->expectFailure(this->exportOf(nowhere), expected);
+    for (const auto& document :
+         {this->expectFailure(targets, expected), this->expectFailure(this->exportOf(nowhere), expected)}) {
+        EXPECT_EQ(this->textOf(document, "nothingWasSent"), "true");
+        EXPECT_EQ(this->textOf(document, "unsure"), "");
+    }
     EXPECT_EQ(this->sent().size(), 0U);
 }
 

@@ -207,10 +207,19 @@ TEST_F(Connect, OfAnAccountThatIsThereNamesReconnect) {
 TEST_F(Connect, KeepsNothingWithATokenThatIsRefused) {
     const auto outcome = run({"connect", "trello", "--token", "no-such-token", "--json"});
     EXPECT_EQ(outcome.text("error"), "dataLoadingError");
-    EXPECT_NE(outcome.text("message").find("Trello"), std::string::npos);
+    EXPECT_EQ(outcome.text("message"), "Trello did not say whose account this is, so nothing was kept; it "
+                                       "says: \"invalid token\".");
     EXPECT_EQ(stored(sandboxAccount).accessToken, std::nullopt);
     EXPECT_EQ(flowsLeft(zelto), 0U);
     EXPECT_EQ(accountCount(zelto), 0U);
+}
+
+TEST_F(Connect, SaysThatTheServiceCannotBeReached) {
+    const auto outcome = zelto.run({"--keychain", "file", "--sandbox", "http://127.0.0.1:1", "connect",
+                                    "trello", "--token", "token", "--json"});
+    EXPECT_EQ(outcome.text("error"), "dataLoadingError");
+    EXPECT_EQ(outcome.text("message"), "Trello could not be reached, so nothing was kept.");
+    EXPECT_EQ(outcome.json().find("nothingWasSent")->asBool(), true);
 }
 
 TEST_F(Connect, TakesATokenFromEachPlace) {

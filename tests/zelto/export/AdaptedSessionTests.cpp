@@ -49,6 +49,8 @@ class FolderExporter {
   public:
     using Configuration = FolderConfiguration;
 
+    std::optional<ServiceRefusal> lastRefusal() const { return refusal; }
+
     IntegrationExportTarget exportTarget() const { return IntegrationExportTarget::email; }
 
     IntegrationExportContentTypes contentTypes(IntegrationExportTarget) const {
@@ -84,6 +86,7 @@ class FolderExporter {
     ExportReport exportReport() const { return {}; }
 
     Texts calls;
+    std::optional<ServiceRefusal> refusal;
     bool isLoaded = false;
     ExporterResult<void> firstResult;
     std::optional<FolderConfiguration> exported;

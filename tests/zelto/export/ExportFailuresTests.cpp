@@ -55,6 +55,17 @@ TEST(ExportFailures, AreEachASentenceOfTheirOwn) {
     }
 }
 
+TEST(ExportFailures, OfLoadingQuoteTheServicesOwnWordsAndSayThatNothingWasSent) {
+    const auto refused =
+        loadFailure(IntegrationLoadError::internalError, "Trello", "Trello+me", ServiceRefusal{"not today"});
+    EXPECT_EQ(refused.message, "The data of Trello could not be loaded (\"not today\").");
+    EXPECT_EQ(JSONValue(refused.members).text().value(), R"({"words":"not today"})");
+    const auto unsent =
+        loadFailure(IntegrationLoadError::connectionError, "Trello", "Trello+me", ServiceRefusal{"", true});
+    EXPECT_EQ(unsent.message, "Trello could not be reached.");
+    EXPECT_EQ(JSONValue(unsent.members).text().value(), R"({"nothingWasSent":true})");
+}
+
 TEST(ExportFailures, QuoteTheServicesOwnWords) {
     EXPECT_EQ(exportFailure(Error::createTaskError, refused({.kind = "card",
                                                              .name = "T",
