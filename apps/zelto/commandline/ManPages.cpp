@@ -48,7 +48,8 @@ constexpr auto exitStatus = R"(
 	It worked.
 
 *1*
-	It failed. Standard error names the case, says in one sentence what is wrong, and which command to try next.
+	It failed. Standard error names the case, says in one sentence what is wrong, and which command to try next;
+	that command runs as it stands.
 
 *2*
 	The command line was wrong.
@@ -57,7 +58,8 @@ constexpr auto exitStatus = R"(
 	The export was interrupted by Ctrl-C.
 
 With *--json* every outcome is one JSON document on standard output: {"result":"success",...} or
-{"error":"the case's name","message":"...","next":"..."}.
+{"error":"the case's name","message":"...","next":"..."}. Of an export that failed it lists what was _made_, what was
+_refused_, and what is _unsure_: sent, but without a response. _nothingWasSent_ says that nothing has left the machine.
 )";
 
 std::string environment() {

@@ -8,9 +8,12 @@
 #include "export/ProgressReporter.h"
 #include "export/StallWatch.h"
 
+#include <ZeltoHost/Platform/URLOpener.h>
+
 #include <Platform/Text.h>
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <stop_token>
@@ -95,6 +98,17 @@ Outcome<void> storeLastUsed(const MessageWork& work) {
     return work.workspace.storageOutcome();
 }
 
+// A dry run hands the URL to no program, so only it can say that none would take it.
+void addSize(JSONObject& members, const std::string& url) {
+    LimitCheck limits;
+    limits.check("the URL for a program that opens it", url.size(), URLOpener::maximumURLSize(), "bytes");
+    members.set("size", static_cast<std::int64_t>(url.size()));
+    members.set("limits", described(limits.passed()));
+    for (const auto& limit : limits.passed()) {
+        writeError("zelto: warning: " + sentenceOf(limit) + "\n");
+    }
+}
+
 Report reportOf(const MessageWork& work, const ExportPlan& plan, bool isDryRun, const Terminal& terminal) {
     Report report;
     report.members.set("service", std::string(nameOf(work.account.serviceType())));
@@ -105,6 +119,9 @@ Report reportOf(const MessageWork& work, const ExportPlan& plan, bool isDryRun, 
     if (const auto shownURL = work.delivery->shownURL()) {
         report.members.set("url", *shownURL);
         report.text = *shownURL + "\n";
+        if (isDryRun) {
+            addSize(report.members, *shownURL);
+        }
     } else {
         addWhatWasMade(report, work, plan, terminal);
     }

@@ -101,14 +101,14 @@ std::string linesOfBody(const SentRequest& request, const Terminal& terminal) {
     if (request.bodySize == 0) {
         return {};
     }
+    auto lines = "    body: " + bytes(request.bodySize) + "\n";
     if (request.text) {
-        return "\n" + terminal.shownLines(shownText(*request.text)) + "\n";
+        return lines + "\n" + terminal.shownLines(shownText(*request.text)) + "\n";
     }
-    std::string lines;
     for (const auto& part : request.parts) {
         lines += lineOf(part, terminal);
     }
-    return lines.empty() ? "    body: " + bytes(request.bodySize) + "\n" : lines;
+    return lines;
 }
 
 } // namespace

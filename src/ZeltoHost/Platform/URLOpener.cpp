@@ -18,11 +18,6 @@ bool isThisMachine(const std::string& host) {
     return host == "localhost" || host == "127.0.0.1" || host == "::1";
 }
 
-// On Linux, one argument of a program has at most 32 pages, its final NUL included.
-std::size_t maximumArgumentLength() {
-    return 32 * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) - 1;
-}
-
 OpenError tooLong(std::size_t size) {
     return {OpenErrorCode::tooLong, {}, std::to_string(size) + " bytes"};
 }
@@ -49,6 +44,12 @@ Result<void, OpenError> outcome(const ProcessEnd& end, const std::string& progra
 URLOpener::URLOpener(std::vector<std::string> command, std::chrono::milliseconds limit)
     : command_(std::move(command)), limit_(limit) {}
 
+// On Linux, one argument of a program has at most 32 pages, its final NUL included.
+std::size_t URLOpener::maximumURLSize() {
+    constexpr std::size_t maximumPages = 32;
+    return maximumPages * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE)) - 1;
+}
+
 bool URLOpener::isAllowed(const URL& url) {
     const auto scheme = url.scheme();
     return scheme == "https" || (scheme == "http" && isThisMachine(url.host())) ||
@@ -67,7 +68,7 @@ void URLOpener::open(const URL& url, Completion<void, OpenError> completion) {
         completion(failure(OpenError{OpenErrorCode::openerMissing, name, {}}));
         return;
     }
-    if (text.size() > maximumArgumentLength()) {
+    if (text.size() > maximumURLSize()) {
         completion(failure(tooLong(text.size())));
         return;
     }

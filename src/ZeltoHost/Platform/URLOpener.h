@@ -7,6 +7,7 @@
 #include <Platform/URL.h>
 
 #include <chrono>
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,9 @@ class URLOpener {
 
     // The applications' schemes, https, and http to this machine.
     static bool isAllowed(const URL& url);
+
+    // The bytes of the longest URL that a program of this system can be given.
+    static std::size_t maximumURLSize();
 
     void open(const URL& url, Completion<void, OpenError> completion);
 

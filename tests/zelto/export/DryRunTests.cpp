@@ -4,6 +4,8 @@
 
 #include <Support/TrelloExport.h>
 
+#include <ZeltoHost/Platform/URLOpener.h>
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -55,7 +57,31 @@ TEST_F(DryRun, IsReadAsText) {
         std::string::npos)
         << text;
     EXPECT_TRUE(text.ends_with("    part file: file \"Agenda.txt\", text/plain, 163 bytes\n")) << text;
+    EXPECT_NE(text.find("\n    body: "), std::string::npos) << text;
     EXPECT_EQ(service.lines(), Texts{});
+}
+
+TEST(DryRunOfAnApplication, ShowsTheSizeOfItsURLAndWhetherAProgramTakesIt) {
+    const ZeltoProgram zelto;
+    const auto shown = [&](const std::string& title) {
+        return zelto.run(
+            {"export", mail, "--to", "things", "--as", "backLink", "--title", title, "--dry-run", "--json"});
+    };
+    const auto small = shown("T");
+    EXPECT_EQ(small.errorOutput, "");
+    EXPECT_EQ(small.json().find("size")->asUInt64(), small.text("url").size());
+    EXPECT_EQ(small.json().find("limits")->text().value(), "[]");
+    const auto room = URLOpener::maximumURLSize() - small.text("url").size() + 1;
+    EXPECT_EQ(shown(std::string(room, 'a')).errorOutput, "");
+    const auto large = shown(std::string(room + 1, 'a'));
+    const auto limit = std::to_string(URLOpener::maximumURLSize());
+    const auto size = std::to_string(URLOpener::maximumURLSize() + 1);
+    EXPECT_EQ(large.errorOutput,
+              "zelto: warning: The URL for a program that opens it would pass the limit of " + limit +
+                  " bytes: it has " + size + ".\n");
+    EXPECT_EQ(large.json().find("limits")->text().value(),
+              R"([{"what":"the URL for a program that opens it","limit":)" + limit + R"(,"actual":)" + size +
+                  R"(,"unit":"bytes"}])");
 }
 
 TEST_F(DryRun, LeavesNoTraceAndOpensNoKeyChain) {

@@ -119,6 +119,10 @@ TEST_F(TodoistCommands, ADryRunShowsTheUploadAndTheCommands) {
     EXPECT_NE(text.find(R"("type":"item_add")"), std::string::npos) << text;
     EXPECT_NE(text.find(R"("due":{"date":"2026-12-24T09:00:00"})"), std::string::npos) << text;
     EXPECT_NE(text.find("    Authorization: Bearer ***\n"), std::string::npos) << text;
+    const auto start = text.find("    body: ", text.find("2. POST"));
+    const auto body = text.substr(text.find("\n\n", start) + 2);
+    EXPECT_EQ(text.substr(start, text.find('\n', start) - start),
+              "    body: " + std::to_string(body.size() - 1) + " bytes");
 }
 
 TEST_F(TodoistCommands, ADueDateIsATimeOfDayInTheZoneOfTheMachine) {
