@@ -332,8 +332,10 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
     }
 
     auto targetData(const ConfigurationEdits& edits, DataLoading loading) {
-        // What is offered where a target is needed follows from the data: the default target.
-        if (!Adapter::needsTarget && !edits.target) {
+        // What is offered where a target is needed follows from the data: the default target. A file may name
+        // one.
+        const bool mayName = edits.target || edits.whole || edits.over;
+        if (!Adapter::needsTarget && !mayName) {
             return decltype(loaded(false))(std::nullopt);
         }
         return loading == DataLoading::never ? loaded(false) : loadedWhereMissing();
