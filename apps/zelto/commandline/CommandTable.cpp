@@ -132,8 +132,8 @@ const std::vector<CommandSpec> table = {
      "Bring back an account's wiped tokens",
      "Brings back the tokens of an account that its service did not renew. Whatever the reason, an account "
      "loses its tokens then; but a service that was only out of order may still take them. They are kept for "
-     "seven days, beside the account's secrets in the key chain, and erased earlier by a new sign-in or when the account is "
-     "removed. Nothing is brought back over tokens that the account has.",
+     "seven days, beside the account's secrets in the key chain, and erased earlier by a new sign-in or when "
+     "the account is removed. Nothing is brought back over tokens that the account has.",
      {onlyAccount},
      {},
      {"zelto accounts restore Zoom+work", "zelto accounts restore Trello+me@example.org --json"}},

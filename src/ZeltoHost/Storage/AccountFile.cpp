@@ -193,9 +193,10 @@ StorageResult checkTables(SQLiteConnection& connection) {
         {versionWithIdentity, "SELECT identity, path, had_accounts FROM directory"},
     };
     for (const auto& row : rows) {
-        const auto statement =
-            *version >= row.firstVersion ? connection.prepare(row.sql) : connection.prepare("SELECT 1");
-        if (!statement) {
+        if (row.firstVersion > *version) {
+            continue;
+        }
+        if (const auto statement = connection.prepare(row.sql); !statement) {
             return failure(statement.error());
         }
     }
