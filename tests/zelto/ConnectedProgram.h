@@ -62,47 +62,60 @@ class ConnectedProgram : public testing::Test {
                       arguments);
     }
 
+    // A thread sanitizer loses signals that come just before a thread waits.
+    static constexpr auto asleep = "def waitUntilAsleep():\n"
+                                   "    while zelto.poll() is None:\n"
+                                   "        stat = open('/proc/%d/stat' % zelto.pid).read()\n"
+                                   "        if stat.rsplit(')', 1)[1].split()[0] == 'S': break\n";
+
     // Runs the program under a driver, which types at its terminal and sees what is shown there. Standard
     // output goes to `output`, before what the driver prints.
     ProgramOutcome driveTerminal(const std::string& python, const std::string& arguments) const {
-        return driven("import fcntl, os, re, signal, subprocess, sys, termios\n"
-                      "terminal, inner = os.openpty()\n"
-                      "def adopt():\n"
-                      "    os.setsid()\n"
-                      "    fcntl.ioctl(inner, termios.TIOCSCTTY, 0)\n"
-                      "zelto = subprocess.Popen(sys.argv[1:], stdin=inner, stderr=inner, preexec_fn=adopt)\n"
-                      "seen = ''\n"
-                      "def until(pattern):\n"
-                      "    global seen\n"
-                      "    while not re.search(pattern, seen, re.M):\n"
-                      "        seen += os.read(terminal, 4096).decode()\n"
-                      "def type(text): os.write(terminal, text.encode())\n"
-                      "def settings(): return termios.tcgetattr(inner)\n"
-                      "before = settings()\n"
-                      "def hides(): return not settings()[3] & termios.ECHO\n"
-                      "def end():\n"
-                      "    status = zelto.wait()\n"
-                      "    print('the terminal is', 'as before' if settings() == before else settings())\n"
-                      "    os.close(inner)\n"
-                      "    sys.stderr.write(seen)\n"
-                      "    try:\n"
-                      "        while True: sys.stderr.write(os.read(terminal, 4096).decode())\n"
-                      "    except OSError: sys.exit(status)\n" +
-                          python,
-                      arguments);
+        return driven(
+            asleep +
+                std::string(
+                    "import fcntl, os, re, signal, subprocess, sys, termios\n"
+                    "terminal, inner = os.openpty()\n"
+                    "def adopt():\n"
+                    "    os.setsid()\n"
+                    "    fcntl.ioctl(inner, termios.TIOCSCTTY, 0)\n"
+                    "zelto = subprocess.Popen(sys.argv[1:], stdin=inner, stderr=inner, preexec_fn=adopt)\n"
+                    "seen = ''\n"
+                    "def until(pattern):\n"
+                    "    global seen\n"
+                    "    while not re.search(pattern, seen, re.M):\n"
+                    "        seen += os.read(terminal, 4096).decode()\n"
+                    "    waitUntilAsleep()\n"
+                    "def type(text): os.write(terminal, text.encode())\n"
+                    "def settings(): return termios.tcgetattr(inner)\n"
+                    "before = settings()\n"
+                    "def hides(): return not settings()[3] & termios.ECHO\n"
+                    "def end():\n"
+                    "    status = zelto.wait()\n"
+                    "    print('the terminal is', 'as before' if settings() == before else settings())\n"
+                    "    os.close(inner)\n"
+                    "    sys.stderr.write(seen)\n"
+                    "    try:\n"
+                    "        while True: sys.stderr.write(os.read(terminal, 4096).decode())\n"
+                    "    except OSError: sys.exit(status)\n") +
+                python,
+            arguments);
     }
 
     // Runs the program and gives it Ctrl-C as soon as it takes one, while its standard input is open.
     ProgramOutcome interruptWhileReading(const std::string& arguments) const {
         return driven(
-            "import signal, subprocess, sys\n"
-            "zelto = subprocess.Popen(sys.argv[1:], stdin=subprocess.PIPE)\n"
-            "def takes():\n"
-            "    status = dict(line.split(':', 1) for line in open('/proc/%d/status' % zelto.pid))\n"
-            "    return int(status.get('SigCgt', '0'), 16) >> signal.SIGINT - 1 & 1\n"
-            "while zelto.poll() is None and not takes(): pass\n"
-            "zelto.send_signal(signal.SIGINT)\n"
-            "sys.exit(zelto.wait())\n",
+            asleep +
+                std::string(
+                    "import signal, subprocess, sys\n"
+                    "zelto = subprocess.Popen(sys.argv[1:], stdin=subprocess.PIPE)\n"
+                    "def takes():\n"
+                    "    status = dict(line.split(':', 1) for line in open('/proc/%d/status' % zelto.pid))\n"
+                    "    return int(status.get('SigCgt', '0'), 16) >> signal.SIGINT - 1 & 1\n"
+                    "while zelto.poll() is None and not takes(): pass\n"
+                    "waitUntilAsleep()\n"
+                    "zelto.send_signal(signal.SIGINT)\n"
+                    "sys.exit(zelto.wait())\n"),
             arguments);
     }
 
