@@ -59,13 +59,12 @@ Outcome<void> checkConsent(const Invocation& invocation, const Account& account,
     if (!invocation.has("--json") && canAsk()) {
         return confirms("zelto: " + escapeControlCharacters(warning) + ". Use it there?")
                    ? Outcome<void>()
-                   : failure(Failure{"canceled", "Nothing was sent.",
-                                     connectCommand(account, address)});
+                   : failure(Failure{"canceled", "Nothing was sent.", connectCommand(account, address)});
     }
-    return failure(Failure{
-        "realAccount",
-        warning + ". Connect an account there, or pass " + consentOption + " if that is meant.",
-        connectCommand(account, address)});
+    return failure(
+        Failure{"realAccount",
+                warning + ". Connect an account there, or pass " + consentOption + " if that is meant.",
+                connectCommand(account, address)});
 }
 
 } // namespace
