@@ -24,7 +24,7 @@ std::unexpected<Failure> wrong(const Invocation& invocation, std::string message
     return wrongUsage(std::move(message), helpCommand(invocation.command));
 }
 
-Failure failureOf(const SignInError& error, const Invocation& /*invocation*/) {
+Failure failureOf(const SignInError& error) {
     switch (error.code) {
     case SignInErrorCode::cannotListen:
     case SignInErrorCode::timedOut:
@@ -193,7 +193,7 @@ Outcome<SignInToken> signInByBrowser(const Invocation& invocation, const SignInS
     }
     const auto signIn = SignIn::begin(service, *options, stop);
     if (!signIn) {
-        return failure(failureOf(signIn.error(), invocation));
+        return failure(failureOf(signIn.error()));
     }
     auto page = (*signIn)->address();
     if (const auto address = usedSandbox()) {
@@ -222,14 +222,14 @@ Outcome<SignInToken> signInByBrowser(const Invocation& invocation, const SignInS
     }
     if (const auto trouble = followed ? followed->trouble() : std::nullopt;
         trouble && !stop.stop_requested()) {
-        return failure(failureOf(*trouble, invocation));
+        return failure(failureOf(*trouble));
     }
     const auto trouble = pasted ? pasted->trouble() : std::nullopt;
     const bool wasWaiting = token.error().code == SignInErrorCode::canceled && !stop.stop_requested();
     if (wasWaiting && trouble) {
         return failure(Failure{"canceled", *trouble, NextCommand::again()});
     }
-    return failure(failureOf(token.error(), invocation));
+    return failure(failureOf(token.error()));
 }
 
 } // namespace zelto::cli
