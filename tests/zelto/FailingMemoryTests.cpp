@@ -63,7 +63,7 @@ class FailingMemory : public ConnectedProgram {
     std::size_t accountCount() const {
         const auto outcome = run({"accounts", "--json"});
         EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
-        return outcome.json().find("accounts")->asArray()->size();
+        return outcome.json().find("sandboxAccounts")->asArray()->size();
     }
 
     std::string token_;

@@ -159,7 +159,8 @@ TEST_F(Connect, TellsADenialAfterStandardInputHasEnded) {
               "connect zoom --no-browser");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_TRUE(outcome.errorOutput.ends_with("zelto: denied: The access was denied on the page of Zoom.\n"
-                                              "Try: zelto connect zoom\n"))
+                                              "Try: zelto connect zoom --no-browser" +
+                                              surroundings() + "\n"))
         << outcome.errorOutput;
 }
 

@@ -76,12 +76,12 @@ TEST_F(Restore, BringsTheTokensBackThatAServiceOutOfOrderHasCost) {
     for (const int status : {503, 429}) {
         putTokenEndpointOutOfOrder(status);
         const auto failed = use();
-        EXPECT_EQ(failed.text("next"), restore) << failed.output;
+        EXPECT_EQ(failed.text("next"), restore + surroundings()) << failed.output;
         EXPECT_NE(failed.text("message").find(hint), std::string::npos) << failed.output;
         const auto later = use();
         EXPECT_EQ(later.text("error"), "oauthError");
         EXPECT_NE(later.text("message").find(hint), std::string::npos) << later.output;
-        EXPECT_EQ(later.text("next"), reconnect);
+        EXPECT_EQ(later.text("next"), reconnect + surroundings());
         EXPECT_EQ(later.text("restore"), restore);
         EXPECT_EQ(stored(account).accessToken, std::nullopt);
 
@@ -106,10 +106,10 @@ TEST_F(Restore, IsNamedByAFailedExport) {
     const auto failed = run(exporting);
     EXPECT_EQ(failed.status, 1);
     EXPECT_NE(failed.text("message").find(hint), std::string::npos) << failed.output;
-    EXPECT_EQ(failed.text("next"), restore);
+    EXPECT_EQ(failed.text("next"), restore + surroundings());
     const auto later = run(exporting);
     EXPECT_NE(later.text("message").find(hint), std::string::npos) << later.output;
-    EXPECT_EQ(later.text("next"), reconnect);
+    EXPECT_EQ(later.text("next"), reconnect + surroundings());
 }
 
 TEST_F(Restore, IsRefusedWhereTheAccountHasTokens) {
@@ -134,21 +134,21 @@ TEST_F(Restore, IsRefusedWhereNothingIsKept) {
     EXPECT_EQ(outcome.text("error"), "nothingKept");
     EXPECT_EQ(outcome.text("message"),
               "No wiped tokens of the account " + account + " are kept in this key chain.");
-    EXPECT_EQ(outcome.text("next"), reconnect);
+    EXPECT_EQ(outcome.text("next"), reconnect + surroundings());
 }
 
 TEST_F(Restore, IsRefusedAfterSevenDays) {
     wipe();
     makeOlder(RestorableKeyChain::keptFor + TimeInterval(60));
     const auto failed = use();
-    EXPECT_EQ(failed.text("next"), reconnect);
+    EXPECT_EQ(failed.text("next"), reconnect + surroundings());
     EXPECT_EQ(failed.text("message").find("accounts restore"), std::string::npos) << failed.output;
     const auto outcome = restored();
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.text("error"), "tooOld");
     EXPECT_EQ(outcome.text("message"), "The tokens of the account " + account +
                                            " were wiped more than seven days ago. They are erased now.");
-    EXPECT_EQ(outcome.text("next"), reconnect);
+    EXPECT_EQ(outcome.text("next"), reconnect + surroundings());
     EXPECT_EQ(kept(), std::nullopt);
     EXPECT_EQ(stored(account).accessToken, std::nullopt);
 }

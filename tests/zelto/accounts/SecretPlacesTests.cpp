@@ -53,7 +53,7 @@ class SecretPlaces : public ConnectedProgram {
     }
 
     const std::string mail = ZeltoProgram::sample("plain-note.eml");
-    const std::string reconnect = "zelto reconnect " + sandboxAccount;
+    const std::string reconnect = "zelto reconnect " + sandboxAccount + " --keychain file";
 };
 
 } // namespace
@@ -63,7 +63,9 @@ TEST_F(SecretPlaces, AreNamedWhereTheAccountIsUsedWithAnotherKeyChain) {
     const auto message = tokensOf +
                          " are in the encrypted file of the data directory, and this command uses a key "
                          "chain in memory. Pass --keychain file.";
-    expectFailure(exported("memory"), message, "zelto export --keychain file");
+    expectFailure(exported("memory"), message,
+                  "zelto export " + mail + " --to " + sandboxAccount +
+                      " --as backLink --keychain file --json");
     for (const ZeltoProgram::Arguments& arguments :
          {ZeltoProgram::Arguments{"targets", sandboxAccount, "--refresh", "--keychain", "memory", "--json"},
           {"config", mail, "--to", sandboxAccount, "--target", "x", "--keychain", "memory", "--json"}}) {
@@ -73,7 +75,7 @@ TEST_F(SecretPlaces, AreNamedWhereTheAccountIsUsedWithAnotherKeyChain) {
         EXPECT_EQ(sandbox->requests().size(), requests);
     }
     expectFailure(zelto.run({"accounts", "restore", sandboxAccount, "--keychain", "memory", "--json"}),
-                  message, "zelto export --keychain file");
+                  message, "zelto accounts restore " + sandboxAccount + " --keychain file --json");
     EXPECT_EQ(exported("file").text("result"), "success");
 }
 
@@ -85,7 +87,8 @@ TEST_F(SecretPlaces, AreNamedWhereTheDesktopsKeyChainIsNotThere) {
                   tokensOf + " are in the desktop's key chain (Secret Service), and this command uses the "
                              "encrypted file of the data directory. Start it if it is not there, and pass "
                              "--keychain secret-service.",
-                  "zelto export --keychain secret-service");
+                  "zelto export " + mail + " --to " + sandboxAccount +
+                      " --as backLink --keychain secret-service --json");
 }
 
 TEST_F(SecretPlaces, OfMemoryAreGone) {

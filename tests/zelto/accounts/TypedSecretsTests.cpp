@@ -59,7 +59,7 @@ TEST_F(TypedSecrets, LeaveTheTerminalAsItWasOnEveryWayOut) {
     };
 
     const auto canceled =
-        R"({"error":"canceled","message":"The sign-in was canceled.","next":"zelto connect zoom"})";
+        R"({"error":"canceled","message":"The sign-in was canceled.","next":"zelto connect zoom )";
     const Row rows[] = {
         {"type('\\x04')\n", 2, "--token gives no token"},
         {"type('two words\\n')\n", 2, "--token gives no token"},
@@ -135,14 +135,15 @@ TEST_F(TypedSecrets, OrAnyOtherInputGiveWayToCtrlC) {
 
     const std::string mail =
         R"({"error":"canceled","message":"The reading of standard input was canceled.",)";
+    const std::string signIn = R"({"error":"canceled","message":"The sign-in was canceled.","next":"zelto )";
+    const auto again = " --keychain file --json --sandbox " + sandbox->url().absoluteString() + R"("})";
     const Row rows[] = {
         {"export - --to bear", mail + R"("next":"zelto export --help"})"},
         {"config - --to bear", mail + R"("next":"zelto config --help"})"},
         {"preview - --to bear", mail + R"("next":"zelto preview --help"})"},
-        {"connect zoom --token -",
-         R"({"error":"canceled","message":"The sign-in was canceled.","next":"zelto connect zoom"})"},
+        {"connect zoom --token -", signIn + "connect zoom --token -" + again},
         {"connect instapaper --login me --password-stdin",
-         R"({"error":"canceled","message":"The sign-in was canceled.","next":"zelto connect instapaper"})"},
+         signIn + "connect instapaper --login me --password-stdin" + again},
         {"mcp ping http://127.0.0.1:1/mcp --header-stdin",
          R"({"error":"cancelled","message":"The request was cancelled.","next":"zelto mcp ping --help"})"},
     };

@@ -143,7 +143,7 @@ TEST_F(SandboxAccounts, AreTheOnlyOnesThatGoToASandboxUnasked) {
                    "The account " + trelloAccount +
                        " was not connected in a sandbox, and its tokens would go to the one at " + url() +
                        ". Connect an account there, or pass --real-account if that is meant.",
-                   "zelto connect Trello --sandbox " + url());
+                   "zelto connect Trello --sandbox " + url() + " --keychain file");
     EXPECT_EQ(run({"targets", trelloAccount, "--refresh", "--real-account"}).status, 0);
     EXPECT_FALSE(isOfSandbox(trelloAccount));
     const auto exported = run({"export", mail, "--to", trelloAccount, "--as", "backLink", "--real-account"});
