@@ -76,6 +76,8 @@ class ConnectedProgram : public testing::Test {
                 std::string(
                     "import fcntl, os, re, signal, subprocess, sys, termios\n"
                     "terminal, inner = os.openpty()\n"
+                    "def settings(): return termios.tcgetattr(inner)\n"
+                    "before = settings()\n"
                     "def adopt():\n"
                     "    os.setsid()\n"
                     "    fcntl.ioctl(inner, termios.TIOCSCTTY, 0)\n"
@@ -87,8 +89,6 @@ class ConnectedProgram : public testing::Test {
                     "        seen += os.read(terminal, 4096).decode()\n"
                     "    waitUntilAsleep()\n"
                     "def type(text): os.write(terminal, text.encode())\n"
-                    "def settings(): return termios.tcgetattr(inner)\n"
-                    "before = settings()\n"
                     "def hides(): return not settings()[3] & termios.ECHO\n"
                     "def end():\n"
                     "    status = zelto.wait()\n"

@@ -35,8 +35,10 @@ class SecretInput {
 
   private:
     struct Reading {
+        Reading() : input(interruption.stop()) {}
+
         Interruption interruption;
-        StandardInput input{interruption.stop()};
+        StandardInput input;
     };
 
     Result<std::string, InputEnd> nextTyped(std::string_view what);
