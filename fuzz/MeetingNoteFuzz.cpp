@@ -7,6 +7,7 @@
 #include <Platform/UTF8.h>
 #include <ZeltoHost/MeetingNote/MeetingNoteReader.h>
 
+#include <algorithm>
 #include <cstdint>
 
 using namespace zelto;

@@ -15,6 +15,7 @@ namespace {
 using zelto::ExporterHelperMultipartData;
 using zelto::ExportServiceHelper;
 using zelto::HTTPBody;
+using zelto::require;
 
 struct Part {
     std::string headers;
