@@ -123,7 +123,7 @@ bool isForSize(int status) {
 
 std::string cleanedWords(std::string_view text) {
     const auto line = inOneLine(maskSecrets(repairedUTF8(text)));
-    return std::string(prefixCharacters(line, ServiceRefusal::maximumLength));
+    return std::string(prefixCharacters(escapeControlCharacters(line), ServiceRefusal::maximumLength));
 }
 
 std::string wordsOfErrorBody(std::string_view body) {
