@@ -164,7 +164,7 @@ def keep_proportions(element):
     """Images that are narrowed to the page."""
     for image in element.iter("img"):
         width = image.get("width", "").strip()
-        if width.isdecimal() and int(width) > (page_width - 2 * margin) * pixels:
+        if width.isdecimal() and int(width[:9]) > (page_width - 2 * margin) * pixels:
             image.attrib.pop("height", None)
 
 def header_bottom(header):

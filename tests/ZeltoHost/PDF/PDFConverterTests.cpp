@@ -87,6 +87,10 @@ TEST_F(PDFConverterTest, AnImageThatIsNarrowedToThePageKeepsItsProportions) {
               std::string::npos);
 }
 
+TEST_F(PDFConverterTest, AnImageOfAWidthOfTenThousandDigitsIsConverted) {
+    EXPECT_TRUE(convert("<img width=" + std::string(10'000, '9') + "><p>text"));
+}
+
 TEST_F(PDFConverterTest, ATableInACellThatIsCentredStandsInItsMiddle) {
     ASSERT_TRUE(
         convert("<table width=100%><tr><td align=center><table width=100><tr><td>word</table></table>"));
