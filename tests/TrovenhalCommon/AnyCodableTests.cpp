@@ -56,9 +56,9 @@ TEST(AnyCodable, AnEmptyMapReadsBackAsOne) {
 
 TEST(AnyCodable, AMapThatLooksLikeAWrappedValueReadsBackUnchanged) {
     const Registered once;
-    for (const TextMap& map :
-         {TextMap{{"$type", "CachedProject"}, {"$value", "x"}}, TextMap{{"$type", ""}, {"$value", "y"}},
-          TextMap{{"$type", "z"}}, TextMap{{"$value", "only"}}}) {
+    for (const TextMap& map : {TextMap{{"$type", "CachedProject"}, {"$value", "x"}},
+                               TextMap{{"$type", ""}, {"$value", "y"}}, TextMap{{"$type", "z"}},
+                               TextMap{{"$value", "only"}}, TextMap{{"$value", "one"}, {"other", "two"}}}) {
         EXPECT_EQ(readBack(written(AnyCodable(map))).value<TextMap>(), map);
     }
 }
@@ -162,6 +162,8 @@ TEST(AnyCodable, ANameThatIsTakenStaysWithTheFirstType) {
     EXPECT_TRUE(log.records().empty());
     AnyCodable::RegisterType<std::vector<int>>("CachedProject");
     EXPECT_TRUE(log.contains("'CachedProject' is taken"));
+    AnyCodable::RegisterType<std::vector<int>>("");
+    EXPECT_TRUE(log.contains("'' is taken")) << "which stands for no type at all";
     EXPECT_EQ(written(AnyCodable(std::vector<int>{1})), "[1]");
 }
 

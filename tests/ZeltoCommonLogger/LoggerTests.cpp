@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <stdexcept>
 #include <thread>
 
@@ -71,6 +72,15 @@ TEST(Logger, ASinkIsNotCalledAfterItsSubscriptionEnded) {
     }
     Talker::fail();
     EXPECT_EQ(calls, 1);
+}
+
+TEST(Logger, ASubscriptionThatEndsWhileALineIsDeliveredDoesNotGetIt) {
+    int calls = 0;
+    std::optional<LogSubscription> later;
+    const LogSubscription first([&](const LogRecord&) { later.reset(); });
+    later.emplace([&](const LogRecord&) { ++calls; });
+    Talker::fail();
+    EXPECT_EQ(calls, 0);
 }
 
 TEST(Logger, EachSinkGetsWhatItsLevelAllows) {

@@ -45,6 +45,11 @@ std::optional<MailField> fieldOf(std::string_view line) {
     return MailField{std::string(name), withoutNulls(line.substr(colon + 1))};
 }
 
+// The line before a message in a mailbox file. "From : a@b.example" is a field.
+bool isEnvelopeLine(std::string_view line) {
+    return (line.starts_with("From ") || line.starts_with(">From ")) && !fieldOf(line);
+}
+
 // A container whose parts are being read. After its end a multipart has no boundary.
 struct Frame {
     std::size_t part;
@@ -170,8 +175,8 @@ class Scanner {
             return withValue(endHeader(stray_.value_or(line_.offset)), false);
         }
         const bool first = std::exchange(firstHeaderLine_, false);
-        if (first && (line_.text.starts_with("From ") || line_.text.starts_with(">From "))) {
-            return true; // the envelope line of a mailbox file
+        if (first && isEnvelopeLine(line_.text)) {
+            return true;
         }
         return readField(first && scan_.parts.empty());
     }

@@ -67,6 +67,41 @@ TEST(ENML, AnImageBecomesMediaWhereThereIsAResource) {
     EXPECT_EQ(contentOf("<img src='data:image/png;base64,AA==' alt=c>"), "c");
 }
 
+TEST(ENML, EachElementKeepsItsOwnAttributes) {
+    for (const std::string_view kept :
+         {R"(<font color="red" face="serif" size="2">x</font>)", R"(<hr size="2" width="50%" noshade=""/>)",
+          R"(<br clear="all"/>)", R"(<ol start="3" type="a"><li type="i" value="4">x</li></ol>)",
+          R"(<ul type="square"><li>x</li></ul>)", R"(<ins datetime="2024-01-02">x</ins>)",
+          R"(<del datetime="2024-01-02">x</del>)", R"(<p lang="de" dir="rtl">x</p>)",
+          R"(<table width="9" border="1" cellspacing="2" cellpadding="3" bgcolor="red" summary="s">)"
+          R"(<colgroup span="2" width="5"><col span="1" width="4"/></colgroup>)"
+          R"(<tbody valign="top"><tr bgcolor="blue" valign="top">)"
+          R"(<td colspan="2" rowspan="3" width="4" height="5" bgcolor="red" nowrap="" abbr="a" scope="row" )"
+          R"(headers="h" valign="top" align="left">x</td></tr></tbody></table>)"}) {
+        EXPECT_EQ(contentOf(kept), kept);
+    }
+}
+
+TEST(ENML, AnAttributeOfAnotherElementIsStripped) {
+    EXPECT_EQ(contentOf("<p size=1 color=red start=2 valign=top colspan=2 span=3 datetime=x>a</p>"),
+              "<p>a</p>");
+    EXPECT_EQ(contentOf("<ul start=2><li start=1>a</li></ul>"), "<ul><li>a</li></ul>");
+    EXPECT_EQ(contentOf("<br lang=de dir=rtl><hr lang=de dir=rtl>"), "<br/><hr/>");
+    EXPECT_EQ(contentOf("<span align=left>a</span><i align=left>b</i>"), "<span>a</span><i>b</i>");
+    EXPECT_EQ(contentOf("<table colspan=2><tr><td cellspacing=1 span=2>a</td></tr></table>"),
+              "<table><tbody><tr><td>a</td></tr></tbody></table>");
+}
+
+TEST(ENML, OldListsBecomeLists) {
+    EXPECT_EQ(contentOf("<dir><li>a</dir><menu><li>b</menu>"), "<ul><li>a</li></ul><ul><li>b</li></ul>");
+}
+
+TEST(ENML, AnImageWithoutASourceIsItsText) {
+    EnmlOptions options;
+    options.mediaForImage = [](std::string_view) { return EnmlMedia{"0", "image/png"}; };
+    EXPECT_EQ(contentOf("<img alt=x>", options), "x");
+}
+
 TEST(ENML, HiddenElementsAreLeftOut) {
     EXPECT_EQ(contentOf("<p style='display:none'>x</p><p hidden>y</p>z"), "z");
 }

@@ -91,6 +91,9 @@ TEST(MailContent, JoinsFlowedLines) {
     EXPECT_EQ(unfoldedFlowedText("> quoted \n> more\n>> deeper \nreply\n", false),
               "> quoted more\n>> deeper \nreply\n");
     EXPECT_EQ(unfoldedFlowedText("bye\n-- \nMira\n", false), "bye\n-- \nMira\n");
+    EXPECT_EQ(unfoldedFlowedText("one \ntwo", false), "one two") << "without a last line end";
+    EXPECT_EQ(unfoldedFlowedText("one \ntwo ", true), "onetwo ") << "a blank that nothing follows stays";
+    EXPECT_EQ(unfoldedFlowedText(">\n> one\n>>\n", false), ">\n> one\n>>\n") << "empty quoted lines";
     EXPECT_EQ(bodyOf("Content-Type: text/plain; format=flowed; delsp=yes", "sun \nny\n"), "sunny");
 }
 

@@ -57,6 +57,22 @@ TEST(SignInResponse, FromAnotherIssuerIsIgnored) {
     }
 }
 
+TEST(SignInResponse, WithoutAllOfItsPartsWasCutWhenItWasCopied) {
+    const auto isCut = [](ServiceType type, std::string_view form) {
+        const SignInExpectation expectation(signInServiceFor(type).value(), mark);
+        return expectation.isCut(parseFormItems(form).value());
+    };
+    for (const auto* form : {"", "code=x", "code=x&state=the", "state=the-mark", "code=&state=the-mark"}) {
+        EXPECT_TRUE(isCut(code, form)) << form;
+    }
+    for (const auto* form :
+         {"code=x&state=the-mark", "error=access_denied&state=the-mark", "code=x&state=other"}) {
+        EXPECT_FALSE(isCut(code, form)) << form;
+    }
+    EXPECT_TRUE(isCut(oauth1, "oauth_token=the-mark&oauth_ver"));
+    EXPECT_FALSE(isCut(oauth1, "oauth_token=the-mark")) << "which denies";
+}
+
 TEST(SignInResponse, ThatRefusesIsReportedWithTheServicesOwnWordsCleaned) {
     const std::string start = "state=the-mark&error=user_is_odd&error_description=";
     EXPECT_EQ(outcome(code, start + "You%20may%0anot%1b%5b2J."),

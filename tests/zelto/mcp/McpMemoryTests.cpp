@@ -50,7 +50,7 @@ struct LargeContent {
     std::size_t factor = 3;
 };
 
-TEST(McpMemory, ALargeResponseTakesLessThanThreeTimesItsSizeAndManySmallItemsFour) {
+TEST(McpMemory, ALargeResponseTakesLessThanThreeTimesItsSizeAndOneOfManyItemsFour) {
     const std::string beginText = R"({"type":"text","text":")";
     for (const auto& each : std::vector<LargeContent>{
              {beginText, "iVBORw0KGgoAAAANSUhEUgAA", "\"}"},
