@@ -1,5 +1,5 @@
-// The patterns for e-mail addresses and telephone numbers find disjoint matches, from left to right, at the
-// places that they tell, whatever the text.
+// The patterns for e-mail addresses and telephone numbers find disjoint matches, from left to right, and
+// give their places in the text, whatever it is.
 
 #include "Require.h"
 

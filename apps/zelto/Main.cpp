@@ -11,6 +11,7 @@
 #include <ZeltoIntegrations/Client/TokenRefreshes.h>
 #include <ZeltoIntegrations/RegisterIntegrationsTypes.h>
 
+#include <Platform/HTTP/Traffic.h>
 #include <Platform/Text.h>
 #include <Platform/UTF8.h>
 
@@ -19,6 +20,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <exception>
+#include <initializer_list>
 #include <malloc.h>
 #include <new>
 #include <optional>
@@ -39,17 +41,26 @@ void guardMemory() {
     ::prctl(PR_SET_DUMPABLE, 0);
 }
 
-// Where there is no memory, there is none for a document or for tidying up either.
-void sayThatMemoryRanOut() {
+void writeAll(std::initializer_list<std::string_view> texts) {
+    for (const auto text : texts) {
+        static_cast<void>(!::write(STDERR_FILENO, text.data(), text.size()));
+    }
+}
+
+// Where there is no memory, there is none for a document or for tidying up either; and after an exception
+// that nothing has caught, nothing is known of the program's state.
+void sayWhatEndsTheProgram() {
     std::set_terminate([] {
         try {
             if (std::current_exception()) {
                 std::rethrow_exception(std::current_exception());
             }
         } catch (const std::bad_alloc&) {
-            constexpr std::string_view text = "zelto: outOfMemory: There is not enough memory.\n";
-            static_cast<void>(!::write(STDERR_FILENO, text.data(), text.size()));
+            writeAll({"zelto: outOfMemory: There is not enough memory.\n"});
+        } catch (const std::exception& exception) {
+            writeAll({"zelto: internalError: ", exception.what(), "\n"});
         } catch (...) {
+            writeAll({"zelto: internalError: An unknown exception.\n"});
         }
         std::abort();
     });
@@ -109,8 +120,25 @@ void addMembers(JSONObject members, JSONObject& document) {
     }
 }
 
-int report(Failure failure, const std::string& next, bool asJSON, const Terminal& terminal) {
-    const auto message = sentence(failure.message);
+// With what is known of the command as a whole.
+Failure completed(Failure failure, const Invocation& typed) {
+    failure.message = sentence(failure.message);
+    if (auto& other = failure.other) {
+        const auto line = lineOf(other->command, typed);
+        failure.message += " " + other->before + "`" + line + "`" + other->after;
+        failure.members.set(other->member, line);
+    }
+    if (failure.nothingWasSent && movedByteCount() == 0) {
+        failure.message += " Nothing was sent.";
+        failure.members.set("nothingWasSent", true);
+    }
+    return failure;
+}
+
+int report(Failure failure, const Invocation& typed, bool asJSON, const Terminal& terminal) {
+    failure = completed(std::move(failure), typed);
+    const auto& message = failure.message;
+    const auto next = lineOf(failure.next, typed);
     if (asJSON) {
         JSONObject document{{"error", failure.name}, {"message", message}, {"next", next}};
         addMembers(std::move(failure.members), document);
@@ -163,8 +191,7 @@ int run(const std::vector<std::string>& arguments) {
     const auto terminal = Terminal::ofThisProcess();
     auto invocation = parseCommandLine(arguments);
     if (!invocation) {
-        const auto next = lineOf(invocation.error().next, Invocation());
-        return report(invocation.error(), next, wantsJSON(arguments), terminal);
+        return report(invocation.error(), Invocation(), wantsJSON(arguments), terminal);
     }
     const auto typed = *invocation;
     takeSandboxOfEnvironment(*invocation);
@@ -180,9 +207,7 @@ int run(const std::vector<std::string>& arguments) {
     if (outcome) {
         return report(*std::move(outcome), asJSON, invocation->has("--quiet"));
     }
-    auto reported = withSandbox(std::move(outcome.error()), *invocation);
-    const auto next = lineOf(reported.next, typed);
-    return report(std::move(reported), next, asJSON, terminal);
+    return report(withSandbox(std::move(outcome.error()), *invocation), typed, asJSON, terminal);
 }
 
 } // namespace
@@ -192,7 +217,7 @@ int run(const std::vector<std::string>& arguments) {
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     zelto::cli::guardMemory();
-    zelto::cli::sayThatMemoryRanOut();
+    zelto::cli::sayWhatEndsTheProgram();
     const std::vector<std::string> arguments{argv + 1, argv + argc};
     zelto::cli::blankSecretArguments(argc, argv);
     zelto::cli::takeTokenOfEnvironment();

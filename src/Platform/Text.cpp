@@ -128,8 +128,8 @@ std::size_t bytesOf(std::string_view piece) {
     return piece.size();
 }
 
-// The longest prefix of whole characters that measures no more than the limit; of whole code points if the
-// first character alone measures more. The text itself measures more.
+// The prefix of as many whole characters as the limit allows; of whole code points where the first character
+// alone exceeds it. The text as a whole must exceed it.
 template <class Measure>
 std::string_view prefixMeasuring(std::string_view text, std::size_t limit, Measure measure) {
     CharacterEnds ends(text);

@@ -53,7 +53,7 @@ class FailingMemory : public ConnectedProgram {
         }
     }
 
-    // Success with its line, a failure that is told, or the end that a library has made.
+    // Success with its line, a reported failure, or the end that a library has made.
     static void expectEnd(const ProgramOutcome& outcome, std::string_view success) {
         EXPECT_TRUE(outcome.status == 0 ? outcome.output.starts_with(success)
                                         : outcome.status > signalled || !outcome.errorOutput.empty())

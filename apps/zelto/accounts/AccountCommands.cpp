@@ -55,7 +55,11 @@ Outcome<Report> runAccounts(const Invocation& invocation, const Terminal& termin
     for (const bool ofSandbox : {false, true}) {
         JSONValue::Array listed;
         for (const auto& account : *accounts) {
-            if (workspace->isOfSandbox(account) == ofSandbox) {
+            const auto isOfSandbox = workspace->isOfSandbox(account);
+            if (!isOfSandbox) {
+                return failure(isOfSandbox.error());
+            }
+            if (*isOfSandbox == ofSandbox) {
                 const bool isLast = isLastUsed(account, *workspace);
                 listed.push_back(described(account, isLast));
                 report.text += lineOf(account, isLast, ofSandbox, terminal);

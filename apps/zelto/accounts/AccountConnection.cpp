@@ -48,9 +48,7 @@ Failure connectFailure(const IntegrationAccountCreationError& error, const Accou
     }
     Failure failure{std::string(error.name()), service + reasonOf(*notLoaded),
                     NextCommand::againWith("--verbose")};
-    if (notLoaded->nothingWasSent) {
-        failure.members.set("nothingWasSent", true);
-    }
+    failure.nothingWasSent = notLoaded->nothingWasSent;
     return failure;
 }
 

@@ -8,6 +8,7 @@
 
 #include <ZeltoHost/Platform/URLOpener.h>
 #include <ZeltoHost/Process/CommandWords.h>
+#include <ZeltoHost/SignIn/SignInListener.h>
 
 #include <Platform/Text.h>
 
@@ -25,21 +26,24 @@ std::unexpected<Failure> wrong(const Invocation& invocation, std::string message
 }
 
 Failure failureOf(const SignInError& error) {
+    Failure failure{std::string(nameOf(error.code)), error.message, NextCommand::again()};
+    failure.nothingWasSent = error.nothingWasSent;
     switch (error.code) {
-    case SignInErrorCode::cannotListen:
     case SignInErrorCode::timedOut:
-        return {std::string(nameOf(error.code)), error.message, NextCommand::againWith("--no-browser")};
+        failure.next = NextCommand::againWith("--no-browser");
+        break;
     case SignInErrorCode::canceled:
-        return {std::string(nameOf(error.code)), error.message, NextCommand::again(),
-                ExitStatus::interrupted};
+        failure.status = ExitStatus::interrupted;
+        break;
     case SignInErrorCode::notOffered:
+    case SignInErrorCode::cannotListen:
     case SignInErrorCode::denied:
     case SignInErrorCode::refused:
     case SignInErrorCode::connectionError:
     case SignInErrorCode::badResponse:
         break;
     }
-    return {std::string(nameOf(error.code)), error.message, NextCommand::again()};
+    return failure;
 }
 
 Outcome<SignInOptions> signInOptions(const Invocation& invocation) {
@@ -48,6 +52,10 @@ Outcome<SignInOptions> signInOptions(const Invocation& invocation) {
         options.redirect = URL::parse(*text);
         if (!options.redirect || options.redirect->query() || options.redirect->fragment()) {
             return wrong(invocation, "--redirect takes the registered address, without a query.");
+        }
+        if (options.redirect->scheme() == "http" && !SignInListener::canListenAt(*options.redirect)) {
+            return wrong(invocation, "--redirect takes an address of plain http on this machine alone: "
+                                     "127.0.0.1, [::1] or localhost.");
         }
     }
     return options;

@@ -72,8 +72,8 @@ Outcome<Account> signedIn(const Invocation& invocation, const Workspace& workspa
     return account;
 }
 
-Report reportOf(const Account& account, const std::string& verb, const Workspace& workspace,
-                const Terminal& terminal) {
+Outcome<Report> reportOf(const Account& account, const std::string& verb, const Workspace& workspace,
+                         const Terminal& terminal) {
     Report report;
     report.members.set("account", described(account, false));
     report.text = verb + " " + terminal.shown(account.identifier()) + ".\n";
@@ -82,7 +82,11 @@ Report reportOf(const Account& account, const std::string& verb, const Workspace
         auto manager = managerOf(workspace);
         const auto verification = verificationOf(account, manager);
         report.members.set("verified", verification == Verification::asked);
-        report.members.set("sandbox", workspace.isOfSandbox(account));
+        const auto isOfSandbox = workspace.isOfSandbox(account);
+        if (!isOfSandbox) {
+            return failure(isOfSandbox.error());
+        }
+        report.members.set("sandbox", *isOfSandbox);
         const auto notice = noticeOf(verification, account.serviceType());
         report.text += notice + (notice.empty() ? "" : "\n");
     }
@@ -101,6 +105,18 @@ Outcome<void> markOfSandbox(const Workspace& workspace, const Account& account) 
     marks->isOfSandbox = workspace.usesSandbox();
     const auto marked = workspace.storage().trySetMarks(account, *marks);
     return marked ? Outcome<void>() : failure(failureOf(marked.error()));
+}
+
+// An account of the sandbox may become a real one: its tokens are replaced, and go nowhere.
+Outcome<void> checkReconnecting(const Invocation& invocation, const Workspace& workspace,
+                                const Account& account) {
+    const auto isOfSandbox = workspace.isOfSandbox(account);
+    if (!isOfSandbox) {
+        return failure(isOfSandbox.error());
+    }
+    return *isOfSandbox && !workspace.usesSandbox()
+               ? Outcome<void>()
+               : checkSandboxUse(invocation, workspace, account, Requests::sent);
 }
 
 // The name that the account starts with; most services give their own.
@@ -155,7 +171,7 @@ Outcome<Report> runReconnect(const Invocation& invocation, const Terminal& termi
     if (const auto possible = checkBeforehand(invocation, type); !possible) {
         return failure(possible.error());
     }
-    if (const auto allowed = checkSandboxUse(invocation, *workspace, *stored, Requests::sent); !allowed) {
+    if (const auto allowed = checkReconnecting(invocation, *workspace, *stored); !allowed) {
         return failure(allowed.error());
     }
     const auto account = signedIn(invocation, *workspace, *stored);

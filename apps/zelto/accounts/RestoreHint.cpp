@@ -23,10 +23,9 @@ Failure withRestoreHint(Failure failure, const ServiceAccountConfiguration& acco
         return failure;
     }
     const auto restore = "zelto accounts restore " + shellWord(account.identifier());
-    failure.message += " The account's tokens could not be renewed, and were wiped; `" + restore +
-                       "` brings them back until " + iso8601(**date + RestorableKeyChain::keptFor) +
-                       ", for when the service was only out of order.";
-    failure.members.set("restore", restore);
+    failure.other = {"restore", "The account's tokens could not be renewed, and were wiped; ", restore,
+                     " brings them back until " + iso8601(**date + RestorableKeyChain::keptFor) +
+                         ", for when the service was only out of order."};
     if (!namesReconnect) {
         failure.next = restore;
     }

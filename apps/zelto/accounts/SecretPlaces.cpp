@@ -101,7 +101,7 @@ Outcome<void> rememberKeyChain(const Workspace& workspace, const Account& accoun
         return failure(failureOf(marks.error()));
     }
     const auto before = *marks;
-    // What an earlier sign-in has left is what the next command finds.
+    // Memory holds nothing for the next command, which goes on using the earlier key chain.
     if (keyChain->kind() == KeyChainKind::memory && before.keyChain) {
         return {};
     }
@@ -131,7 +131,7 @@ void eraseSecrets(const Account& account, const AccountMarks& marks) {
     if (!account.credentials || !keyChain) {
         return;
     }
-    // What the manager has erased is not there any more; a failure has its reason here.
+    // The manager has tried before, but its interface gives no reason for a failure.
     const auto erased = keyChain->erase(account.credentials->serviceCredentialsKey);
     if (!erased) {
         warnOfLeftSecrets("the key chain", erased.error().message);

@@ -8,8 +8,8 @@ namespace zelto::cli {
 // In which key chain the secrets of an account are. A user may use several kinds with one data directory, so
 // that is remembered of each account.
 
-// Whether the key chain in force can be read and holds the account's secrets: a sign-in that is missing there
-// is none that the service has ended. An account without a sign-in needs none.
+// Fails if the key chain in force cannot be read or lacks the account's secrets. That is no sign that the
+// service has ended the sign-in. An account without a sign-in needs none.
 Outcome<void> checkSecrets(const Workspace& workspace, const ServiceAccountConfiguration& account);
 
 // Remembers that the account's secrets were just stored in the key chain in force. What another kind still

@@ -73,8 +73,7 @@ std::string reconnectCommand(const ServiceAccountConfiguration& account) {
 }
 
 Failure failureOf(const StorageError& error) {
-    return {std::string(nameOf(error.code)), error.message(),
-            NextCommand::again("--data-dir", "zelto-accounts")};
+    return {std::string(nameOf(error.code)), error.message(), NextCommand::again()};
 }
 
 Failure failureOf(const IntegrationAccountCreationError& error) {
@@ -124,17 +123,27 @@ Outcome<Workspace> Workspace::open(const Invocation& invocation, bool readOnly) 
     return Workspace(*std::move(storage), std::move(directory), invocation.has("--sandbox"));
 }
 
-bool Workspace::isOfSandbox(const ServiceAccountConfiguration& account) const {
-    return storage_->tryMarks(account).value_or(AccountMarks()).isOfSandbox;
+Outcome<bool> Workspace::isOfSandbox(const ServiceAccountConfiguration& account) const {
+    const auto marks = storage_->tryMarks(account);
+    if (!marks) {
+        return failure(failureOf(marks.error()));
+    }
+    return marks->isOfSandbox;
 }
 
 // Those that go with where the requests go, or else all.
-std::vector<ServiceAccountConfiguration>
-Workspace::suited(std::vector<ServiceAccountConfiguration> accounts) const {
-    std::vector<ServiceAccountConfiguration> suiting;
-    std::ranges::copy_if(accounts, std::back_inserter(suiting),
-                         [&](const auto& account) { return isOfSandbox(account) == usesSandbox_; });
-    return suiting.empty() ? accounts : suiting;
+Outcome<Workspace::Accounts> Workspace::suited(Accounts accounts) const {
+    Accounts suiting;
+    for (const auto& account : accounts) {
+        const auto ofSandbox = isOfSandbox(account);
+        if (!ofSandbox) {
+            return failure(ofSandbox.error());
+        }
+        if (*ofSandbox == usesSandbox_) {
+            suiting.push_back(account);
+        }
+    }
+    return suiting.empty() ? std::move(accounts) : std::move(suiting);
 }
 
 Outcome<void> Workspace::storageOutcome() const {
@@ -193,16 +202,20 @@ Outcome<ServiceAccountConfiguration> Workspace::storedAccount(const std::string&
     if (!stored) {
         return failure(failureOf(stored.error()));
     }
-    Accounts ofService;
-    std::ranges::copy_if(*stored, std::back_inserter(ofService),
+    Accounts all;
+    std::ranges::copy_if(*stored, std::back_inserter(all),
                          [&](const auto& account) { return account.serviceType() == *type; });
-    if (ofService.empty()) {
+    auto ofService = suited(std::move(all));
+    if (!ofService) {
+        return failure(ofService.error());
+    }
+    if (ofService->empty()) {
         return failure(notConnected(*type));
     }
-    if (ofService.size() > 1) {
-        return failure(ambiguousAccount(*type, ofService));
+    if (ofService->size() > 1) {
+        return failure(ambiguousAccount(*type, *ofService));
     }
-    return std::move(ofService.front());
+    return std::move(ofService->front());
 }
 
 Outcome<ServiceAccountConfiguration> Workspace::account(const std::string& idOrService,
@@ -219,10 +232,14 @@ Outcome<ServiceAccountConfiguration> Workspace::account(const std::string& idOrS
         return failure(unknownAccount(idOrService));
     }
     const auto isOfType = [&](const auto& account) { return account.serviceType() == *type; };
-    Accounts enabled;
-    std::ranges::copy_if(*stored, std::back_inserter(enabled),
+    Accounts allEnabled;
+    std::ranges::copy_if(*stored, std::back_inserter(allEnabled),
                          [&](const auto& account) { return isOfType(account) && account.enabled; });
-    enabled = suited(std::move(enabled));
+    auto fitting = suited(std::move(allEnabled));
+    if (!fitting) {
+        return failure(fitting.error());
+    }
+    const auto& enabled = *fitting;
     if (auto last = manager.lastUsedConfiguration(*type); last && last->enabled) {
         const auto isLast = [&](const auto& account) { return account.identifier() == last->identifier(); };
         if (enabled.empty() || std::ranges::any_of(enabled, isLast)) {

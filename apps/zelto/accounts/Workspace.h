@@ -31,7 +31,7 @@ class Workspace {
     SQLiteAccountStorage& storage() const { return *storage_; }
 
     // Whether the account was connected in a sandbox.
-    bool isOfSandbox(const ServiceAccountConfiguration& account) const;
+    Outcome<bool> isOfSandbox(const ServiceAccountConfiguration& account) const;
 
     // Whether this call's requests go to one.
     bool usesSandbox() const { return usesSandbox_; }
@@ -47,8 +47,8 @@ class Workspace {
     Outcome<ServiceAccountConfiguration> account(const std::string& idOrService, IntegrationsManager& manager,
                                                  bool mayConnect) const;
 
-    // The account of an identifier, or a service's only account. A failure lists those of a service that has
-    // several.
+    // The account of an identifier, or a service's only account, with the same preference for those that go
+    // with where the requests go. A failure lists those of a service that has several.
     Outcome<ServiceAccountConfiguration> storedAccount(const std::string& idOrService) const;
 
     // Takes the account's lock; that this waits for another process is written to standard error.
@@ -63,7 +63,9 @@ class Workspace {
               bool usesSandbox)
         : storage_(std::move(storage)), directory_(std::move(directory)), usesSandbox_(usesSandbox) {}
 
-    std::vector<ServiceAccountConfiguration> suited(std::vector<ServiceAccountConfiguration> accounts) const;
+    using Accounts = std::vector<ServiceAccountConfiguration>;
+
+    Outcome<Accounts> suited(Accounts accounts) const;
 
     std::shared_ptr<SQLiteAccountStorage> storage_;
     std::filesystem::path directory_;

@@ -5,6 +5,7 @@
 #include <Platform/JSON/JSONValue.h>
 #include <Platform/Result.h>
 
+#include <optional>
 #include <string>
 
 namespace zelto::cli {
@@ -20,6 +21,15 @@ struct Report {
     bool isPrinted = false; // the command has printed everything itself
 };
 
+// Another command that may help: the message goes on with it between these texts, and it is a member of the
+// JSON document.
+struct OtherCommand {
+    std::string member;
+    std::string before;
+    NextCommand command;
+    std::string after;
+};
+
 // Why a command failed.
 struct Failure {
     std::string name;    // the case's name
@@ -27,6 +37,9 @@ struct Failure {
     NextCommand next;
     ExitStatus status = ExitStatus::failed;
     JSONObject members = {}; // of the JSON document, after "next"
+    std::optional<OtherCommand> other = {};
+    // Nothing was sent of what has failed. It is said where it holds of the command as a whole.
+    bool nothingWasSent = false;
     // Without --json: what is printed on standard output all the same, and lines to print after the message.
     std::string output = {};
     std::string details = {};

@@ -37,7 +37,7 @@ class StandardInput {
   private:
     // False at a stop.
     bool waitForInput() const;
-    // False at the end of the input or at a stop, which isStopped_ tells.
+    // False at the end of the input, and at a stop (then isStopped_ is set).
     bool read();
     void take(std::string_view bytes);
     void type(char c);

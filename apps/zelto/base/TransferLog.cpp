@@ -29,13 +29,16 @@ std::string bytes(std::uint64_t count) {
 
 std::string endOf(const TransferRecord& record) {
     const auto status = record.status ? "status " + std::to_string(*record.status) : std::string();
-    const auto error = record.error ? std::string(nameOf(*record.error)) : std::string();
+    // Whoever has seen enough of a response cancels the task.
+    const bool isEnough = record.status && record.error == URLErrorCode::cancelled;
+    const auto error = record.error && !isEnough ? std::string(nameOf(*record.error)) : std::string();
     return status + (status.empty() || error.empty() ? "" : ", ") + error;
 }
 
 std::string lineOf(const TransferRecord& record) {
     const auto milliseconds = std::llround(record.duration.count() * 1000);
-    return record.method + " " + addressOf(record.url) + ": " + endOf(record) + ", " +
+    // A path that ends in "token" and a colon would be masked as a key and its value.
+    return record.method + " " + addressOf(record.url) + ", " + endOf(record) + ", " +
            std::to_string(milliseconds) + " ms, request " + bytes(record.requestSize) + ", response " +
            bytes(record.responseSize);
 }

@@ -141,6 +141,9 @@ Outcome<Invocation> parseCommandLine(const std::vector<std::string>& arguments) 
     if (const auto known = checkFirstWord(arguments); !known) {
         return failure(known.error());
     }
+    if (const auto checked = checkFlags(arguments); !checked) {
+        return failure(checked.error());
+    }
     Invocation invocation;
     CLI::App app;
     describe(app, invocation);
@@ -159,7 +162,7 @@ Outcome<Invocation> parseCommandLine(const std::vector<std::string>& arguments) 
     } catch (const CLI::ParseError& error) {
         return wrongUsage(error.what(), helpCommand(invocation.command));
     }
-    if (const auto checked = checkInvocation(invocation, arguments); !checked) {
+    if (const auto checked = checkInvocation(invocation); !checked) {
         return failure(checked.error());
     }
     return invocation;

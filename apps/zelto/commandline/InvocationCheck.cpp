@@ -14,6 +14,15 @@ std::vector<OptionSpec> optionsOf(const CommandSpec* command) {
     return options;
 }
 
+// Of any command; none has an option with a value of the same name.
+bool isFlag(std::string_view name) {
+    const auto isThat = [&](const OptionSpec& option) { return option.name == name && option.value.empty(); };
+    return name == "-h" || std::ranges::any_of(globalOptions(), isThat) ||
+           std::ranges::any_of(commands(), [&](const CommandSpec& command) {
+               return std::ranges::any_of(command.options, isThat);
+           });
+}
+
 std::string quoted(std::string_view text) {
     return '"' + std::string(text) + '"';
 }
@@ -84,16 +93,21 @@ std::unexpected<Failure> missingValue(const CommandSpec* command, std::string_vi
     return wrongUsage(std::string(option) + " needs a value" + value + ".", helpCommand(command));
 }
 
-Outcome<void> checkInvocation(const Invocation& invocation, const std::vector<std::string>& arguments) {
+Outcome<void> checkFlags(const std::vector<std::string>& arguments) {
+    const auto end = std::ranges::find(arguments, "--");
+    for (auto argument = arguments.begin(); argument != end; ++argument) {
+        const auto name = std::string_view(*argument).substr(0, argument->find('='));
+        if (name.size() < argument->size() && isFlag(name)) {
+            return wrongUsage(std::string(name) + " takes no value.");
+        }
+    }
+    return {};
+}
+
+Outcome<void> checkInvocation(const Invocation& invocation) {
     const auto* command = invocation.command;
     const auto options = optionsOf(command);
     for (const auto& option : options) {
-        const auto withValue = std::string(option.name) + "=";
-        if (option.value.empty() && std::ranges::any_of(arguments, [&](const std::string& argument) {
-                return argument.starts_with(withValue);
-            })) {
-            return wrongUsage(std::string(option.name) + " takes no value.", helpCommand(command));
-        }
         if (auto checked = checkOption(invocation, option); !checked) {
             return checked;
         }

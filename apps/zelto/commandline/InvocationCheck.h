@@ -19,7 +19,11 @@ std::unexpected<Failure> unexpectedArgument(const CommandSpec* command,
                                             const std::vector<std::string>& words);
 std::unexpected<Failure> missingValue(const CommandSpec* command, std::string_view option);
 
+// Flags that are given a value, which they do not take. Before the line is parsed: the parser takes some
+// values, and ends the program at others.
+Outcome<void> checkFlags(const std::vector<std::string>& arguments);
+
 // Arguments that are missing, options that stand twice, values that are none of the choices.
-Outcome<void> checkInvocation(const Invocation& invocation, const std::vector<std::string>& arguments);
+Outcome<void> checkInvocation(const Invocation& invocation);
 
 } // namespace zelto::cli

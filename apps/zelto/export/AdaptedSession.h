@@ -176,7 +176,14 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         if (const auto identified = identifyAttachments(*members, file); !identified) {
             return failure(identified.error());
         }
-        return withNamedTarget(*std::move(members), data);
+        return withNamedTarget(*std::move(members), data, namesOfFiles(edits));
+    }
+
+    static std::string namesOfFiles(const ConfigurationEdits& edits) {
+        if (!edits.whole || !edits.over) {
+            return edits.over ? edits.over->name : edits.whole->name;
+        }
+        return edits.whole->name + " and " + edits.over->name;
     }
 
     static Outcome<JSONObject> checked(const ConfigurationFile& file) {
@@ -208,7 +215,8 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         return {};
     }
 
-    template <class Data> Outcome<Configuration> withNamedTarget(JSONObject members, const Data& data) {
+    template <class Data>
+    Outcome<Configuration> withNamedTarget(JSONObject members, const Data& data, const std::string& files) {
         const auto* target = members.find("saveTo");
         const auto named = target ? namedTarget(*target) : std::nullopt;
         if (named) {
@@ -216,7 +224,7 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         }
         auto configuration = JSONValue(std::move(members)).as<Configuration>();
         if (!configuration) {
-            return failure(configurationFailure(configuration.error()));
+            return failure(configurationFailure(configuration.error(), files));
         }
         if constexpr (HasTargets<Adapter>) {
             if (const auto set = named ? setTarget(*configuration, data, *named) : Outcome<void>(); !set) {

@@ -51,7 +51,7 @@ Outcome<JSONObject> membersIn(const std::string& file) {
     }
     auto value = JSONValue::parse(viewOf(*data));
     if (!value) {
-        return failure(configurationFailure(value.error()));
+        return failure(configurationFailure(value.error(), file));
     }
     auto* const members = value->asObject();
     if (!members) {
@@ -165,9 +165,9 @@ std::vector<std::string> namesLeftOut(const ConfigurationEdits& edits, const Edi
     return names;
 }
 
-Failure configurationFailure(const DecodingError& error) {
-    return {"wrongUsage", "The configuration does not fit: " + error.message() + ".", "zelto config --help",
-            ExitStatus::wrongUsage};
+Failure configurationFailure(const DecodingError& error, const std::string& file) {
+    return {"wrongUsage", "The configuration in " + file + " does not fit: " + error.message() + ".",
+            "zelto config --help", ExitStatus::wrongUsage};
 }
 
 Outcome<IntegrationExportContentType> contentTypeNamed(const std::string& name) {

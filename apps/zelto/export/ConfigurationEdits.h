@@ -47,7 +47,8 @@ Outcome<IntegrationExportContentType> contentTypeNamed(const std::string& name);
 std::unexpected<Failure> notTaken(const std::string& service, const std::string& what,
                                   const std::string& option);
 Outcome<void> select(IntegrationAttachments& attachments, const std::vector<std::string>& names);
-Failure configurationFailure(const DecodingError& error);
+// `file`: the name of the file that holds it.
+Failure configurationFailure(const DecodingError& error, const std::string& file);
 
 // Changes the fields that options ask for; one that the service's configuration does not have is wrong usage.
 Outcome<void> apply(const ConfigurationEdits& edits, const EditableFields& fields,

@@ -41,7 +41,7 @@ std::string linesOf(const std::vector<PassedLimit>& limits, const Terminal& term
 }
 
 Failure failureOf(IntegrationExportError error, const MessageWork& work, const ExportPlan& plan,
-                  Report report) {
+                  Report report, bool hasRequests) {
     auto circumstances = work.circumstances(plan);
     // What the stand-in has responded to is on no service.
     circumstances.report = {};
@@ -49,7 +49,9 @@ Failure failureOf(IntegrationExportError error, const MessageWork& work, const E
     for (const auto& [key, value] : report.members) {
         failed.members.set(key, value);
     }
-    failed.output = std::move(report.text);
+    if (hasRequests) {
+        failed.output = std::move(report.text);
+    }
     return failed;
 }
 
@@ -71,7 +73,7 @@ Outcome<Report> dryRun(const MessageWork& work, const ExportPlan& plan, const Te
     report.members.set("requests", described(requests));
     report.members.set("limits", described(limits));
     if (!result) {
-        return failure(failureOf(result.error(), work, plan, std::move(report)));
+        return failure(failureOf(result.error(), work, plan, std::move(report), !requests.empty()));
     }
     return report;
 }

@@ -90,8 +90,13 @@ void addWhatWasLeftOut(JSONObject& members, const MessageWork& work, const Expor
 // The account is what the next export with its service takes.
 Outcome<void> storeLastUsed(const MessageWork& work) {
     const auto last = work.manager->lastUsedConfiguration(work.account.serviceType());
+    const auto isOfSandbox = work.workspace.isOfSandbox(work.account);
+    const auto lastIsOfSandbox = last ? work.workspace.isOfSandbox(*last) : isOfSandbox;
+    if (!isOfSandbox || !lastIsOfSandbox) {
+        return failure(isOfSandbox ? lastIsOfSandbox.error() : isOfSandbox.error());
+    }
     // What is tried in a sandbox does not change what exports without one take.
-    if (last && work.workspace.isOfSandbox(work.account) && !work.workspace.isOfSandbox(*last)) {
+    if (*isOfSandbox && !*lastIsOfSandbox) {
         return work.workspace.storageOutcome();
     }
     work.manager->setLastUsedConfiguration(work.account.serviceType(), work.account);

@@ -257,9 +257,6 @@ JSONObject membersOf(const ExportReport& report) {
     }
     add("refused", report.refused, isCertain, members);
     add("unsure", report.refused, isUnsure, members);
-    if (nothingWasSent(report)) {
-        members.set("nothingWasSent", true);
-    }
     return members;
 }
 
@@ -296,7 +293,9 @@ Failure exportFailure(IntegrationExportError error, const ExportCircumstances& a
     const auto status = error == IntegrationExportError::canceled && !hasStalled ? ExitStatus::interrupted
                                                                                  : ExitStatus::failed;
     auto name = hasStalled ? "timedOut" : std::string(nameOf(error));
-    return {std::move(name), std::move(message), std::move(next), status, membersOf(about.report)};
+    Failure failure{std::move(name), std::move(message), std::move(next), status, membersOf(about.report)};
+    failure.nothingWasSent = nothingWasSent(about.report);
+    return failure;
 }
 
 Failure loadFailure(IntegrationLoadError error, const std::string& service, const std::string& account,
@@ -308,9 +307,7 @@ Failure loadFailure(IntegrationLoadError error, const std::string& service, cons
         failure.members.set("words", refusal->words);
     }
     failure.message += ".";
-    if (refusal && refusal->nothingWasSent) {
-        failure.members.set("nothingWasSent", true);
-    }
+    failure.nothingWasSent = refusal && refusal->nothingWasSent;
     return failure;
 }
 

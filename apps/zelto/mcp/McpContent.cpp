@@ -72,8 +72,8 @@ std::string fileNameOf(const Blob& blob, std::size_t number) {
 // "name.png", else "name (1).png"...
 Outcome<std::filesystem::path> saved(const std::filesystem::path& folder, const std::filesystem::path& name,
                                      std::string_view bytes) {
-    constexpr int mostTwins = 10'000;
-    for (int twin = 0; twin < mostTwins; ++twin) {
+    constexpr int maximumTwins = 10'000;
+    for (int twin = 0; twin < maximumTwins; ++twin) {
         auto path = folder / name;
         if (twin > 0) {
             path = folder /

@@ -1,5 +1,6 @@
 #include "mcp/McpFailures.h"
 
+#include <Platform/HTTP/SendingErrors.h>
 #include <Platform/UTF8.h>
 
 namespace zelto::cli {
@@ -79,6 +80,9 @@ bool asksForToken(const MCPError& error) {
 
 Failure failureOf(const MCPError& error) {
     Failure failure{.name = std::string(error.name()), .message = error.sentence()};
+    if (const auto* urlError = std::get_if<URLError>(&error.value)) {
+        failure.nothingWasSent = isBeforeSending(urlError->code);
+    }
     if (asksForToken(error)) {
         failure.message += " Give a token by --header-stdin.";
         failure.next = NextCommand::againWith("--header-stdin");

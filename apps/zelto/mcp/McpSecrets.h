@@ -46,7 +46,7 @@ class McpSecrets {
     static JSONObject objectIn(std::string json);
     void maskMembers(JSONObject& members) const;
 
-    std::vector<std::string> plain_;  // the longest first
+    std::vector<std::string> plain_;  // in descending order of length
     std::vector<std::string> inJSON_; // the same as JSON writes them
 };
 

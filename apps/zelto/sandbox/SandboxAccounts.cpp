@@ -79,7 +79,11 @@ Outcome<void> checkSandboxUse(const Invocation& invocation, const Workspace& wor
     if (serviceAuthFlow(account.serviceType()) != ServiceAuthFlow::oauth) {
         return {};
     }
-    if (workspace.isOfSandbox(account)) {
+    const auto isOfSandbox = workspace.isOfSandbox(account);
+    if (!isOfSandbox) {
+        return failure(isOfSandbox.error());
+    }
+    if (*isOfSandbox) {
         return address ? Outcome<void>() : failure(needsSandbox(account));
     }
     if (!address || requests == Requests::none) {

@@ -75,7 +75,7 @@ std::optional<URL> usedSandbox() {
 Failure silentSandbox(const URL& sandbox) {
     const auto command = startCommand(sandbox);
     return {"sandboxError",
-            "The sandbox at " + sandbox.absoluteString() + " does not answer: start it with `" + command +
+            "The sandbox at " + sandbox.absoluteString() + " does not respond: start it with `" + command +
                 "`.",
             command};
 }
@@ -86,7 +86,9 @@ Outcome<void> needSandbox() {
     if (!sandbox || SandboxConnection::open(*sandbox)) {
         return {};
     }
-    return failure(silentSandbox(*sandbox));
+    auto silent = silentSandbox(*sandbox);
+    silent.nothingWasSent = true;
+    return failure(std::move(silent));
 }
 
 Failure withSandbox(Failure failure, const Invocation& invocation) {
@@ -96,6 +98,7 @@ Failure withSandbox(Failure failure, const Invocation& invocation) {
     if (sandbox && wasNeeded && failure.status == ExitStatus::failed && !SandboxConnection::open(*sandbox)) {
         auto silent = silentSandbox(*sandbox);
         silent.members = std::move(failure.members);
+        silent.nothingWasSent = failure.nothingWasSent;
         return silent;
     }
     return failure;

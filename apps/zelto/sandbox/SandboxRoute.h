@@ -28,8 +28,8 @@ Failure silentSandbox(const URL& sandbox);
 // For a command that needs the sandbox though it may send it no request of its own: why it cannot go on.
 Outcome<void> needSandbox();
 
-// The failure as it is told: that of a command that needed the sandbox, where nobody listens at its address,
-// is the sandbox's and not a service's.
+// The failure to report: where a command needed the sandbox and nobody listens at its address, it is the
+// sandbox's and not a service's.
 Failure withSandbox(Failure failure, const Invocation& invocation);
 
 // While an object exists, the end of the sandbox asks `ending` to stop. Does nothing without a sandbox.

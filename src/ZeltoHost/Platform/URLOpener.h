@@ -30,7 +30,7 @@ class URLOpener {
     // The applications' schemes, https, and http to this machine.
     static bool isAllowed(const URL& url);
 
-    // The bytes of the longest URL that a program of this system can be given.
+    // The maximum length, in bytes, of a URL that a program of this system can be given.
     static std::size_t maximumURLSize();
 
     void open(const URL& url, Completion<void, OpenError> completion);

@@ -21,7 +21,8 @@ ZELTO_ENUM(SignInErrorCode);
 // Why a sign-in gave no token. The text is for people and never contains a code, a token or text of a page.
 struct SignInError {
     SignInErrorCode code = SignInErrorCode::badResponse;
-    std::string message; // a plain sentence
+    std::string message;         // a plain sentence
+    bool nothingWasSent = false; // of the request that failed: the service could not be reached at all
 
     bool operator==(const SignInError&) const = default;
 };

@@ -1,5 +1,6 @@
 #include <ZeltoHost/SignIn/SignInReply.h>
 
+#include <Platform/HTTP/SendingErrors.h>
 #include <Platform/HTTP/URLSession.h>
 
 #include <future>
@@ -21,7 +22,8 @@ SignInError errorOf(const URLError& error, const std::string& service) {
     if (error.code == URLErrorCode::cancelled) {
         return {SignInErrorCode::canceled, "The sign-in was canceled."};
     }
-    return {SignInErrorCode::connectionError, service + " could not be reached: " + error.message};
+    return {SignInErrorCode::connectionError, service + " could not be reached: " + error.message,
+            isBeforeSending(error.code)};
 }
 
 Reply replyOf(const std::optional<Data>& body, const std::shared_ptr<const URLResponse>& response,

@@ -2,6 +2,7 @@
 
 #include <ZeltoCommonLogger/LogMasking.h>
 
+#include <Platform/HTTP/SendingErrors.h>
 #include <Platform/JSON/JSONValue.h>
 #include <Platform/Text.h>
 #include <Platform/UTF8.h>
@@ -95,24 +96,6 @@ std::string messageOfBody(const JSONValue& body) {
     return array ? messagesOf(*array) : textOf(&body);
 }
 
-bool isNothingSent(URLErrorCode code) {
-    switch (code) {
-    case URLErrorCode::invalidRequest:
-    case URLErrorCode::cannotFindHost:
-    case URLErrorCode::cannotConnect:
-    case URLErrorCode::secureConnection:
-        return true;
-    case URLErrorCode::cancelled:
-    case URLErrorCode::connectionLost:
-    case URLErrorCode::timedOut:
-    case URLErrorCode::bodyUnreadable:
-    case URLErrorCode::badResponse:
-    case URLErrorCode::responseTooLarge:
-        return false;
-    }
-    return false;
-}
-
 bool isForSize(int status) {
     constexpr int contentTooLarge = 413;
     constexpr int addressTooLong = 414;
@@ -123,7 +106,7 @@ bool isForSize(int status) {
 
 std::string cleanedWords(std::string_view text) {
     const auto line = inOneLine(maskSecrets(repairedUTF8(text)));
-    return std::string(prefixCharacters(escapeControlCharacters(line), ServiceRefusal::maximumLength));
+    return escapeControlCharacters(prefixCharacters(line, ServiceRefusal::maximumLength));
 }
 
 std::string wordsOfErrorBody(std::string_view body) {
@@ -140,7 +123,7 @@ std::optional<ServiceRefusal> serviceRefusal(std::uint64_t requestSize, const st
                                              const std::shared_ptr<const URLResponse>& response,
                                              const std::optional<URLError>& error) {
     if (error || !data) {
-        return ServiceRefusal{{}, error && isNothingSent(error->code)};
+        return ServiceRefusal{{}, error && isBeforeSending(error->code)};
     }
     const auto* http = dynamic_cast<const HTTPURLResponse*>(response.get());
     if (http && isSuccess(http->statusCode())) {

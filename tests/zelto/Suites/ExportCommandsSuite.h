@@ -105,7 +105,8 @@ TYPED_TEST_P(ExportCommands, SayThatTheSandboxDoesNotAnswer) {
     targets.insert(targets.end(), nowhere.begin(), nowhere.end());
     const ExpectedFailure expected{
         1, "sandboxError",
-        "The sandbox at http://127.0.0.1:1 does not answer: start it with `zelto sandbox --port 1`.",
+        "The sandbox at http://127.0.0.1:1 does not respond: start it with `zelto sandbox --port 1`. "
+        "Nothing was sent.",
         "zelto sandbox --port 1"};
     for (const auto& document :
          {this->expectFailure(targets, expected), this->expectFailure(this->exportOf(nowhere), expected)}) {

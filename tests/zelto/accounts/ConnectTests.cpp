@@ -222,6 +222,29 @@ TEST_F(Connect, SaysInJSONThatNothingWasSent) {
     EXPECT_EQ(outcome.json().find("nothingWasSent")->asBool(), true);
 }
 
+TEST_F(Connect, SaysThatNothingWasSentWhereTheServiceCannotBeReached) {
+    zelto.variables["https_proxy"] = "http://127.0.0.1:1";
+    const auto connect = [&](ZeltoProgram::Arguments more) {
+        more.insert(more.begin(), {"--keychain", "file", "connect", "trello"});
+        return zelto.run(more);
+    };
+    EXPECT_EQ(connect({"--token", "token"}).errorOutput,
+              "zelto: dataLoadingError: Trello could not be reached, so nothing was kept. Nothing was sent.\n"
+              "Try: zelto connect trello --token - --keychain file --verbose\n");
+    const auto signIn = connect({"--no-browser", "--json"});
+    EXPECT_EQ(signIn.text("error"), "connectionError");
+    EXPECT_TRUE(signIn.text("message").ends_with(" Nothing was sent.")) << signIn.output;
+    EXPECT_EQ(signIn.json().find("nothingWasSent")->asBool(), true);
+}
+
+TEST_F(Connect, RefusesARedirectToAnotherMachineOverPlainHTTP) {
+    const auto outcome = run({"connect", "trello", "--redirect", "http://example.org/x", "--json"});
+    EXPECT_EQ(outcome.status, 2);
+    EXPECT_EQ(outcome.text("message"), "--redirect takes an address of plain http on this machine alone: "
+                                       "127.0.0.1, [::1] or localhost.");
+    EXPECT_EQ(outcome.text("next"), "zelto connect --help");
+}
+
 TEST_F(Connect, TakesATokenFromEachPlace) {
     const auto token = sandbox->issueTokens("Trello").value().accessToken;
     const auto connects = [&](const ZeltoProgram::Arguments& more, const std::string& input = {}) {

@@ -15,8 +15,6 @@ namespace {
 const std::string account = "Asana+robin@sandbox.example";
 const std::string restore = "zelto accounts restore " + account;
 const std::string reconnect = "zelto reconnect " + account;
-constexpr auto hint = "The account's tokens could not be renewed, and were wiped; `zelto accounts restore "
-                      "Asana+robin@sandbox.example` brings them back until ";
 
 class Restore : public ConnectedProgram {
   protected:
@@ -32,6 +30,11 @@ class Restore : public ConnectedProgram {
     void putTokenEndpointOutOfOrder(int status) const {
         sandbox->expireTokens("Asana");
         sandbox->addFault({.host = "app.asana.com", .path = "/-/oauth_token", .status = status});
+    }
+
+    std::string hint() const {
+        return " The account's tokens could not be renewed, and were wiped; `" + restore + surroundings() +
+               "` brings them back until ";
     }
 
     void wipe() const {
@@ -77,12 +80,12 @@ TEST_F(Restore, BringsTheTokensBackThatAServiceOutOfOrderHasCost) {
         putTokenEndpointOutOfOrder(status);
         const auto failed = use();
         EXPECT_EQ(failed.text("next"), restore + surroundings()) << failed.output;
-        EXPECT_NE(failed.text("message").find(hint), std::string::npos) << failed.output;
+        EXPECT_NE(failed.text("message").find(hint()), std::string::npos) << failed.output;
         const auto later = use();
         EXPECT_EQ(later.text("error"), "oauthError");
-        EXPECT_NE(later.text("message").find(hint), std::string::npos) << later.output;
+        EXPECT_NE(later.text("message").find(hint()), std::string::npos) << later.output;
         EXPECT_EQ(later.text("next"), reconnect + surroundings());
-        EXPECT_EQ(later.text("restore"), restore);
+        EXPECT_EQ(later.text("restore"), restore + surroundings());
         EXPECT_EQ(stored(account).accessToken, std::nullopt);
 
         EXPECT_EQ(run({"accounts", "restore", account}).output, "Restored the tokens of " + account + ".\n");
@@ -105,10 +108,10 @@ TEST_F(Restore, IsNamedByAFailedExport) {
     putTokenEndpointOutOfOrder(503);
     const auto failed = run(exporting);
     EXPECT_EQ(failed.status, 1);
-    EXPECT_NE(failed.text("message").find(hint), std::string::npos) << failed.output;
+    EXPECT_NE(failed.text("message").find(hint()), std::string::npos) << failed.output;
     EXPECT_EQ(failed.text("next"), restore + surroundings());
     const auto later = run(exporting);
-    EXPECT_NE(later.text("message").find(hint), std::string::npos) << later.output;
+    EXPECT_NE(later.text("message").find(hint()), std::string::npos) << later.output;
     EXPECT_EQ(later.text("next"), reconnect + surroundings());
 }
 

@@ -45,8 +45,7 @@ class SandboxAccounts : public ConnectedProgram {
                                          {"targets", account},
                                          {"config", mail, "--to", account},
                                          {"preview", mail, "--to", account},
-                                         {"export", mail, "--to", account},
-                                         {"reconnect", account, "--token", "t"}}) {
+                                         {"export", mail, "--to", account}}) {
             auto arguments = command;
             arguments.insert(arguments.end(), options.begin(), options.end());
             const auto refused = withoutSandbox(arguments);
@@ -144,6 +143,7 @@ TEST_F(SandboxAccounts, AreTheOnlyOnesThatGoToASandboxUnasked) {
                        " was not connected in a sandbox, and its tokens would go to the one at " + url() +
                        ". Connect an account there, or pass --real-account if that is meant.",
                    "zelto connect Trello --sandbox " + url() + " --keychain file");
+    EXPECT_EQ(run({"reconnect", trelloAccount, "--token", "t", "--json"}).text("error"), "realAccount");
     EXPECT_EQ(run({"targets", trelloAccount, "--refresh", "--real-account"}).status, 0);
     EXPECT_FALSE(isOfSandbox(trelloAccount));
     const auto exported = run({"export", mail, "--to", trelloAccount, "--as", "backLink", "--real-account"});
@@ -200,6 +200,29 @@ TEST_F(SandboxAccounts, ComeOfASignInInTheSandbox) {
     EXPECT_EQ(run({"reconnect", sandboxAccount, "--follow", "--real-account"}).status, 0);
     EXPECT_TRUE(isOfSandbox(sandboxAccount));
     EXPECT_EQ(run({"targets", sandboxAccount, "--refresh"}).status, 0);
+}
+
+TEST_F(SandboxAccounts, BecomeRealOnesByASignInWithoutOne) {
+    ASSERT_EQ(run({"connect", "zoom", "--name", "work", "--token", "of-the-sandbox"}).status, 0);
+    ASSERT_TRUE(isOfSandbox("Zoom+work"));
+    const auto twin = withoutSandbox({"connect", "zoom", "--name", "work", "--token", "real"});
+    EXPECT_EQ(twin.text("error"), "accountAlreadyExist");
+    EXPECT_EQ(twin.text("next"), "zelto reconnect Zoom+work --keychain file");
+    const auto reconnected = withoutSandbox({"reconnect", "Zoom+work", "--token", "real"});
+    EXPECT_EQ(reconnected.json().find("sandbox")->asBool(), false) << reconnected.output;
+    EXPECT_FALSE(isOfSandbox("Zoom+work"));
+    EXPECT_EQ(stored("Zoom+work").accessToken, "real");
+}
+
+TEST_F(SandboxAccounts, AreThoseThatAServicesNameMeansInTheirOwnCommandsToo) {
+    ASSERT_EQ(run({"connect", "zoom", "--name", "work", "--token", "of-the-sandbox"}).status, 0);
+    ASSERT_EQ(withoutSandbox({"connect", "zoom", "--name", "real", "--token", "real"}).status, 0);
+    EXPECT_EQ(withoutSandbox({"reconnect", "zoom", "--token", "newer"}).status, 0);
+    EXPECT_EQ(stored("Zoom+real").accessToken, "newer");
+    EXPECT_EQ(run({"reconnect", "zoom", "--token", "newest"}).status, 0);
+    EXPECT_EQ(stored("Zoom+work").accessToken, "newest");
+    EXPECT_EQ(run({"accounts", "remove", "zoom"}).output, "Removed Zoom+work.\n");
+    EXPECT_EQ(withoutSandbox({"accounts", "remove", "zoom"}).text("result"), "success");
 }
 
 TEST_F(SandboxAccounts, AreMeantByTheOptionWithASandboxAlone) {

@@ -83,7 +83,8 @@ TEST(SandboxOption, TellsInEveryCommandThatNobodyListensThere) {
         EXPECT_EQ(outcome.text("error"), "sandboxError") << outcome.output << outcome.errorOutput;
         EXPECT_EQ(
             outcome.text("message"),
-            "The sandbox at http://127.0.0.1:1 does not answer: start it with `zelto sandbox --port 1`.");
+            "The sandbox at http://127.0.0.1:1 does not respond: start it with `zelto sandbox --port 1`. "
+            "Nothing was sent.");
         EXPECT_EQ(outcome.text("next"), "zelto sandbox --port 1");
         EXPECT_EQ(outcome.errorOutput, "");
     }
