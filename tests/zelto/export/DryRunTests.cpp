@@ -61,6 +61,21 @@ TEST_F(DryRun, IsReadAsText) {
     EXPECT_EQ(service.lines(), Texts{});
 }
 
+TEST_F(DryRun, ShowsNoPlanWhereItFailsWithoutARequest) {
+    const auto file = zelto.home.write("over.json", R"({"saveTo":null})");
+    const auto outcome = run({"--as", "backLink", "--config-over", file, "--dry-run"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.output, "");
+    EXPECT_TRUE(outcome.errorOutput.starts_with("zelto: createTaskError: ")) << outcome.errorOutput;
+}
+
+TEST_F(DryRun, NamesTheFileOfAConfigurationThatDoesNotFit) {
+    const auto file = zelto.home.write("over.json", R"({"saveAs":true})").string();
+    const auto outcome = run({"--config-over", file, "--dry-run", "--json"});
+    EXPECT_TRUE(outcome.text("message").starts_with("The configuration in " + file + " does not fit: "))
+        << outcome.output;
+}
+
 TEST(DryRunOfAnApplication, ShowsTheSizeOfItsURLAndWhetherAProgramTakesIt) {
     const ZeltoProgram zelto;
     const auto shown = [&](const std::string& title) {
