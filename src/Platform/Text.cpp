@@ -4,7 +4,9 @@
 #include <Platform/UTF8.h>
 
 #include <unicode/brkiter.h>
+#include <unicode/uchar.h>
 #include <unicode/utext.h>
+#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -233,6 +235,16 @@ std::size_t utf16Length(std::string_view text) {
 
 std::size_t codePointCount(std::string_view text) {
     return sumOfUnits(text, [](char byte) { return isContinuation(byte) ? 0u : 1u; });
+}
+
+std::size_t decimalDigitCount(std::string_view text) {
+    std::size_t count = 0;
+    for (std::size_t position = 0; position < text.size();) {
+        UChar32 character = U_SENTINEL;
+        U8_NEXT(text.data(), position, text.size(), character);
+        count += character >= 0 && u_charType(character) == U_DECIMAL_DIGIT_NUMBER ? 1 : 0;
+    }
+    return count;
 }
 
 } // namespace zelto

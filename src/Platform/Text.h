@@ -35,6 +35,9 @@ std::size_t utf16Length(std::string_view text);
 // The length in code points. Each ill-formed piece counts as one.
 std::size_t codePointCount(std::string_view text);
 
+// How many characters of the text are decimal digits, of any script.
+std::size_t decimalDigitCount(std::string_view text);
+
 // Transliterated to Latin letters by ICU's "Any-Latin"; letters keep or get diacritics ("Жуков" gives
 // "Žukov"). `nullopt` if the text is not UTF-8.
 std::optional<std::string> toLatin(std::string_view text);

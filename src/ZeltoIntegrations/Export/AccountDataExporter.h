@@ -16,7 +16,8 @@ template <class Data, class Base = NetworkExporter> class AccountDataExporter : 
 
     using FullData = Data;
 
-    // What was loaded last, or with `force` from the service. No value where a part of it was never loaded.
+    // What was loaded last, or with `force` from the service. Where a part of it was never loaded, no value,
+    // or for some services what the service has.
     void loadData(bool force, Completion<std::optional<Data>, IntegrationLoadError> completion) {
         this->load(std::move(completion), &AccountDataExporter::loadDataStep, force);
     }
@@ -34,6 +35,9 @@ template <class Data, class Base = NetworkExporter> class AccountDataExporter : 
     // No value where a part of it was never loaded.
     virtual std::optional<Data> loadedData() const = 0;
 
+    // Whether what was never loaded is loaded without `force` too.
+    virtual bool loadsWhatIsMissing() const { return false; }
+
     // A step that loads from the service and sets the cached values.
     virtual void fetchData(StepRun& run, DataCompletion done) = 0;
 
@@ -48,7 +52,10 @@ template <class Data, class Base = NetworkExporter> class AccountDataExporter : 
   private:
     void loadDataStep(StepRun& run, bool force, DataCompletion done) {
         if (!force) {
-            return done(loadedData());
+            auto kept = loadedData();
+            if (kept || !loadsWhatIsMissing()) {
+                return done(std::move(kept));
+            }
         }
         fetchData(run, std::move(done));
     }

@@ -7,20 +7,6 @@ namespace zelto {
 
 namespace {
 
-IntegrationLinkType linkTypeOf(const ContentText& row, const WebLinkSettings& settings) {
-    switch (row.link) {
-    case ContentText::Link::backlink:
-        return IntegrationLinkType::backlink(row.format);
-    case ContentText::Link::altBacklink:
-        return IntegrationLinkType::altBacklink(row.format);
-    case ContentText::Link::safeBacklink:
-        return IntegrationLinkType::safeBacklink(row.format);
-    case ContentText::Link::webLink:
-        return IntegrationLinkType::webLink(row.format, settings.visibility, settings.teamId);
-    }
-    return IntegrationLinkType::backlink(row.format);
-}
-
 std::optional<IntegrationExportPreview> previewOf(const ContentText& row, std::optional<std::string> text) {
     if (!text) {
         return std::nullopt;
@@ -34,9 +20,34 @@ std::optional<IntegrationExportPreview> previewOf(const ContentText& row, std::o
 
 } // namespace
 
+IntegrationExportContentTypes textContentTypes(IntegrationExportTarget target) {
+    using enum IntegrationExportContentType;
+    switch (target) {
+    case IntegrationExportTarget::email:
+        return {emailWeblink, {emailBacklink, emailWeblink, backLink, webLink}};
+    case IntegrationExportTarget::meetingNote:
+        return {mtSummaryWeblink, {mtSummaryBacklink, mtSummaryWeblink, backLink, webLink}};
+    }
+    return {emailWeblink, {}};
+}
+
 const ContentText* contentTextFor(IntegrationExportContentType type, std::span<const ContentText> rows) {
     const auto row = std::ranges::find(rows, type, &ContentText::type);
     return row == rows.end() ? nullptr : &*row;
+}
+
+IntegrationLinkType linkTypeOf(const ContentText& row, const WebLinkSettings& settings) {
+    switch (row.link) {
+    case ContentText::Link::backlink:
+        return IntegrationLinkType::backlink(row.format);
+    case ContentText::Link::altBacklink:
+        return IntegrationLinkType::altBacklink(row.format);
+    case ContentText::Link::safeBacklink:
+        return IntegrationLinkType::safeBacklink(row.format);
+    case ContentText::Link::webLink:
+        return IntegrationLinkType::webLink(row.format, settings.visibility, settings.teamId);
+    }
+    return IntegrationLinkType::backlink(row.format);
 }
 
 void loadText(IntegrationsDataInteractorProtocol& dataInteractor, const ContentText& row,

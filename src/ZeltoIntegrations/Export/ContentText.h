@@ -33,8 +33,14 @@ struct ContentText {
     IntegrationLinkFormat format;
 };
 
+// The types of the services that take the message's text with a link to it, or the link alone.
+IntegrationExportContentTypes textContentTypes(IntegrationExportTarget target);
+
 // The row of that type; null for a type that the service does not take.
 const ContentText* contentTextFor(IntegrationExportContentType type, std::span<const ContentText> rows);
+
+// The link that the row's text carries.
+IntegrationLinkType linkTypeOf(const ContentText& row, const WebLinkSettings& settings);
 
 // Asks the host for the row's text; no value where it has none.
 void loadText(IntegrationsDataInteractorProtocol& dataInteractor, const ContentText& row,

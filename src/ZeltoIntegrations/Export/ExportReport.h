@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/Client/ServiceClientError.h>
 #include <ZeltoIntegrations/Client/ServiceRefusal.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -18,6 +19,8 @@ struct ExportReport {
         std::string kind; // the service's word for it: "card", "file"
         std::string name;
         std::optional<std::string> identifier; // the service's own, where it gives one
+        // Of the blocks of its content, those from the end on that the service has no room for.
+        std::size_t leftOutBlocks = 0;
 
         bool operator==(const Made&) const = default;
     };

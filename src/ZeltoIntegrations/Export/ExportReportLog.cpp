@@ -4,11 +4,14 @@
 
 namespace zelto {
 
-std::size_t ExportReportLog::begin(std::string kind, std::string name,
-                                   std::optional<std::uint64_t> fileSize) {
+std::size_t ExportReportLog::begin(std::string kind, std::string name, std::optional<std::uint64_t> fileSize,
+                                   std::size_t leftOutBlocks) {
     const std::lock_guard guard(lock_);
     noted_.reset();
-    entries_.push_back({.kind = std::move(kind), .name = std::move(name), .fileSize = fileSize});
+    entries_.push_back({.kind = std::move(kind),
+                        .name = std::move(name),
+                        .fileSize = fileSize,
+                        .leftOutBlocks = leftOutBlocks});
     return entries_.size() - 1;
 }
 
@@ -43,7 +46,7 @@ ExportReport ExportReportLog::report() const {
     ExportReport report;
     for (const auto& each : entries_) {
         if (each.isMade) {
-            report.made.push_back({each.kind, each.name, each.identifier});
+            report.made.push_back({each.kind, each.name, each.identifier, each.leftOutBlocks});
         } else if (each.reason || isClosed_) {
             report.refused.push_back(
                 {each.kind, each.name, each.reason.value_or(ServiceClientError::connectionError),

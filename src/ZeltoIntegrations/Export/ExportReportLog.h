@@ -14,8 +14,10 @@ namespace zelto {
 // Writes the report of one run while its requests come and go. Any thread.
 class ExportReportLog {
   public:
-    // A request begins that makes something, of a file of that many bytes where it is one; gives its place.
-    std::size_t begin(std::string kind, std::string name, std::optional<std::uint64_t> fileSize = {});
+    // A request begins that makes something, of a file of that many bytes where it is one, without so many
+    // blocks of its content; gives its place.
+    std::size_t begin(std::string kind, std::string name, std::optional<std::uint64_t> fileSize = {},
+                      std::size_t leftOutBlocks = 0);
     void made(std::size_t place, std::optional<std::string> identifier);
     void refused(std::size_t place, ServiceClientError reason);
 
@@ -32,6 +34,7 @@ class ExportReportLog {
         std::string kind;
         std::string name;
         std::optional<std::uint64_t> fileSize;
+        std::size_t leftOutBlocks = 0;
         bool isMade = false;
         std::optional<std::string> identifier;
         std::optional<ServiceClientError> reason;

@@ -35,10 +35,12 @@ class NetworkExporter : public StepExporter {
     struct Making {
         std::string kind; // the service's word: "card", "file"
         std::string name;
-        IntegrationExportError error; // what the step fails with
-        std::string_view warning;     // in the log, before the name of the request's error
-        std::string_view function;    // that logs it
+        // What the step fails with; without one, what the request's error is mapped to.
+        std::optional<IntegrationExportError> error;
+        std::string_view warning;  // in the log, before the name of the request's error
+        std::string_view function; // that logs it
         std::optional<std::uint64_t> fileSize = {};
+        std::size_t leftOutBlocks = 0; // of its content, for which the service has no room
     };
 
     // The upload of a file, which fails with `uploadAttachmentError`.
@@ -136,16 +138,16 @@ template <class T, class R, class ResultOf, class IdentifierOf, class RefusalOf>
 Completion<T, ServiceClientError> NetworkExporter::reported(StepRun& run, Making making,
                                                             StepCompletion<R> done, ResultOf resultOf,
                                                             IdentifierOf identifierOf, RefusalOf refusalOf) {
-    const auto place = run.report().begin(making.kind, making.name, making.fileSize);
+    const auto place = run.report().begin(making.kind, making.name, making.fileSize, making.leftOutBlocks);
     return [&run, place, making = std::move(making), done = std::move(done), resultOf, identifierOf,
             refusalOf](Result<T, ServiceClientError> value) mutable {
         if (!value) {
             refuse(run, place, making, value.error());
-            return done(failure(making.error));
+            return done(failure(making.error.value_or(exportError(value.error()))));
         }
         if (const std::optional<std::string> words = refusalOf(value)) {
             refuse(run, place, making, *words);
-            return done(failure(making.error));
+            return done(failure(making.error.value_or(exportError(ServiceClientError::apiCallError))));
         }
         run.report().made(place, identifierOf(value));
         done(resultOf(std::move(value)));

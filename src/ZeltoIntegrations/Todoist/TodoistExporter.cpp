@@ -71,14 +71,7 @@ ServiceExporterAttachmentsValidator TodoistExporter::createAttachmentsValidator(
 }
 
 IntegrationExportContentTypes TodoistExporter::contentTypes(IntegrationExportTarget target) const {
-    using enum IntegrationExportContentType;
-    switch (target) {
-    case IntegrationExportTarget::email:
-        return {emailWeblink, {emailBacklink, emailWeblink, backLink, webLink}};
-    case IntegrationExportTarget::meetingNote:
-        return {mtSummaryWeblink, {mtSummaryBacklink, mtSummaryWeblink, backLink, webLink}};
-    }
-    return {emailWeblink, {}};
+    return textContentTypes(target);
 }
 
 void TodoistExporter::loadPreview(IntegrationExportContentType type,
