@@ -4,6 +4,7 @@
 #include <ZeltoIntegrations/Asana/AsanaExporter.h>
 #include <ZeltoIntegrations/Bear/BearExporter.h>
 #include <ZeltoIntegrations/IntegrationsManager.h>
+#include <ZeltoIntegrations/Notion/NotionExporter.h>
 #include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
 #include <ZeltoIntegrations/Things/ThingsExporter.h>
 #include <ZeltoIntegrations/Todoist/TodoistExporter.h>
@@ -55,7 +56,7 @@ constexpr ExporterRow exporters[] = {
     {ServiceType::Agenda, make<AgendaExporter>},
     {ServiceType::Slack, nullptr},
     {ServiceType::Hubspot, nullptr},
-    {ServiceType::Notion, nullptr},
+    {ServiceType::Notion, make<NotionExporter>},
     {ServiceType::GoogleDrive, nullptr},
     {ServiceType::Dropbox, nullptr},
     {ServiceType::iCloudDrive, nullptr},
