@@ -19,6 +19,10 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     std::optional<std::string> plainText = "Body";
     std::optional<std::string> summary = "Summary";
     std::optional<std::string> htmlText;
+    std::optional<IntegrationLinkComponents> linkParts;
+    IntegrationHeaderComponents header;
+    std::vector<FormattedBodyComponent> body;
+    std::vector<FormattedBodyComponent> summaryBody;
     IntegrationAttachments attachments;
     // Gives the file of an attachment; `nullopt` for an unknown one.
     std::function<std::optional<URL>(std::int64_t)> fileOf = [](std::int64_t) { return std::nullopt; };
@@ -66,7 +70,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     void linkComponents(IntegrationLinkType type,
                         Callback<std::optional<IntegrationLinkComponents>> completion) override {
         ask("linkComponents", type);
-        completion(std::nullopt);
+        complete("linkComponents", std::move(completion), linkParts);
     }
 
     void html(IntegrationExportHtmlOptions options,
@@ -90,7 +94,10 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
 
     void htmlHeader(Callback<std::optional<std::string>> completion) override { completion(std::nullopt); }
 
-    void headerComponents(Callback<IntegrationHeaderComponents> completion) override { completion({}); }
+    void headerComponents(Callback<IntegrationHeaderComponents> completion) override {
+        onAsked("headerComponents");
+        complete("headerComponents", std::move(completion), header);
+    }
 
     void messagePlainText(std::optional<IntegrationLinkType> linkType,
                           Callback<std::optional<std::string>> completion) override {
@@ -130,12 +137,14 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     }
 
     void formattedBodyComponents(Callback<std::vector<FormattedBodyComponent>> completion) override {
-        completion({});
+        onAsked("formattedBodyComponents");
+        complete("formattedBodyComponents", std::move(completion), body);
     }
 
     void
     formattedMeetingSummaryComponents(Callback<std::vector<FormattedBodyComponent>> completion) override {
-        completion({});
+        onAsked("formattedMeetingSummaryComponents");
+        complete("formattedMeetingSummaryComponents", std::move(completion), summaryBody);
     }
 
   private:

@@ -56,15 +56,27 @@ class MistakenHost {
         } else if (operation_ == "fetchAttachment") {
             misplaceFile(data);
         } else {
+            withholdValue(data);
+        }
+    }
+
+  private:
+    static constexpr std::int64_t affectedAttachment = 1;
+
+    void withholdValue(FakeDataInteractor& data) const {
+        if (operation_ == "headerComponents") {
+            data.header = {};
+        } else if (operation_ == "formattedBodyComponents") {
+            data.body = {};
+        } else if (operation_ == "linkComponents") {
+            data.linkParts = std::nullopt;
+        } else {
             (operation_ == "link"               ? data.linkText
              : operation_ == "messagePlainText" ? data.plainText
              : operation_ == "meetTranscript"   ? data.summary
                                                 : data.htmlText) = std::nullopt;
         }
     }
-
-  private:
-    static constexpr std::int64_t affectedAttachment = 1;
 
     static void convert(HostMistake mistake, Callback<bool> done) {
         if (mistake == HostMistake::throws) {

@@ -1,0 +1,150 @@
+#include <Support/NotionExport.h>
+#include <Support/Suites/ExportCancellationSuite.h>
+#include <Support/Suites/ExportHostSuite.h>
+#include <Support/Suites/ExportStatusSuite.h>
+#include <Support/Suites/ExportTargetSuite.h>
+#include <Support/Suites/ExportTitleSuite.h>
+#include <Support/Suites/LoadedDataSuite.h>
+
+#include <gtest/gtest.h>
+
+namespace zelto {
+
+namespace {
+
+using Texts = std::vector<std::string>;
+using Error = IntegrationExportError;
+using Type = IntegrationExportContentType;
+using enum HostMistake;
+
+struct NotionScenario {
+    using Export = NotionExport;
+    using Server = NotionServer;
+    static constexpr auto name = "Page";
+    static constexpr int refusedFormatUnits = 0;
+    static constexpr auto noTargetError = Error::createTaskError;
+
+    static void prepare(Export&) {}
+
+    static Texts events() {
+        return {"started",
+                "headerComponents",
+                "formattedBodyComponents",
+                "linkComponents",
+                "progress",
+                "request",
+                "progress",  //
+                "analytics", //
+                "storage",
+                "storage",
+                "storage",
+                "storage", //
+                "completion",
+                "ended"};
+    }
+
+    static Texts made() { return {"page"}; }
+
+    static Texts madeWithoutTarget() { return {}; }
+
+    // What the host has not got is not on the page.
+    static std::vector<HostFailure> hostFailures() {
+        const auto noContent = failure(Error::internalError);
+        const ExporterResult<void> success;
+        return {
+            {"headerComponents", {hasNoValue}, success, made()},
+            {"headerComponents", {throws, dropsItsCallback}, noContent, {}},
+            {"formattedBodyComponents", {hasNoValue}, success, made()},
+            {"formattedBodyComponents", {throws, dropsItsCallback}, noContent, {}},
+            {"linkComponents", {hasNoValue, throws, dropsItsCallback}, success, made()},
+        };
+    }
+
+    static std::vector<FailingStep> failingSteps() {
+        auto unreadable = unreadableResponses();
+        for (const auto* body : {R"({"object":"page"})", R"({"id":null})", R"({"id":7})",
+                                 R"({"id":"p","created_time":"yesterday"})", "[]", "{\"id\":\"\xFF\"}"}) {
+            unreadable.push_back({body, PlayedResponse::json(body), "dataParseError"});
+        }
+        return {{"/v1/pages", std::nullopt, "Notion creation page error: ", made(), 0, unreadable}};
+    }
+
+    static NotionSaveToInfo goneTarget() {
+        return NotionSaveToInfo::task({.project = {"gone", "Gone"},
+                                       .assignee = NotionUser{.id = "u"},
+                                       .status = NotionStatus{"s", "Open"},
+                                       .dueDate = Date::fromReferenceSeconds(60)});
+    }
+};
+
+// The summary of a meeting in place of a mail's body.
+struct MeetingNoteScenario : NotionScenario {
+    static constexpr auto name = "MeetingNote";
+
+    static void prepare(Export& one) {
+        one.data->target = IntegrationExportTarget::meetingNote;
+        one.configuration.saveAs = Type::mtSummaryBacklink;
+    }
+
+    static Texts events() {
+        auto all = NotionScenario::events();
+        std::ranges::replace(all, "formattedBodyComponents", "formattedMeetingSummaryComponents");
+        return all;
+    }
+};
+
+struct LinkScenario : NotionScenario {
+    static constexpr auto name = "Link";
+
+    static void prepare(Export& one) { one.configuration.saveAs = Type::webLink; }
+
+    static Texts events() {
+        auto all = NotionScenario::events();
+        std::erase(all, "headerComponents");
+        std::erase(all, "formattedBodyComponents");
+        return all;
+    }
+
+    static std::vector<HostFailure> hostFailures() {
+        return {
+            {"linkComponents", {hasNoValue, throws, dropsItsCallback}, failure(Error::createBodyError), {}}};
+    }
+};
+
+struct NotionData {
+    using Export = NotionExport;
+    using Server = NotionServer;
+    static constexpr auto name = "UserAndDatabases";
+    static constexpr auto email = "me@example.org";
+    static constexpr auto identifier = "Notion+me@example.org";
+    static constexpr bool areSideBySide = true;
+    static constexpr bool loadsWhatIsMissing = true;
+
+    static NotionFullData data() {
+        return {.me = {.id = "u1", .name = "Me", .email = "me@example.org"},
+                .databases = notionDatabases(),
+                .users = {}};
+    }
+
+    static Texts lines() { return {"GET /v1/users/me", "POST /v1/search"}; }
+
+    static auto parts() {
+        return std::tuple(LoadedPart{&NotionExporter::me, "me", data().me},
+                          LoadedPart{&NotionExporter::databases, "databases", data().databases},
+                          LoadedPart{&NotionExporter::users, "users", data().users});
+    }
+};
+
+} // namespace
+
+INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportCancellation, NotionScenario, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(NotionMeetingNote, ExportCancellation, MeetingNoteScenario, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(NotionLink, ExportCancellation, LinkScenario, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportHost, NotionScenario, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(NotionLink, ExportHost, LinkScenario, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportStatus, NotionScenario, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportTitle, NotionScenario, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportTarget, NotionScenario, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(Notion, LoadedData, NotionData, NamedByFacts);
+
+} // namespace zelto
