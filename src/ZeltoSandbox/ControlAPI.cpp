@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::size_t maximumBody = std::size_t{1} << 20;
 constexpr std::size_t maximumChallenge = 128;
+constexpr std::uint64_t maximumAdditionalTargets = 1000;
 constexpr TimeInterval eventPause{0.25};
 constexpr int pausesBetweenSigns = 60;
 
@@ -55,6 +56,12 @@ std::optional<std::string> readSetting(SandboxSettings& settings, const std::str
         return value.isNull() || settings.attachmentLimit
                    ? std::nullopt
                    : std::optional<std::string>("a number of bytes, or null for the plan's");
+    }
+    if (key == "additionalTargets") {
+        const auto count = value.asUInt64();
+        const bool isAllowed = count && *count <= maximumAdditionalTargets;
+        settings.additionalTargets = isAllowed ? static_cast<std::size_t>(*count) : 0;
+        return isAllowed ? std::nullopt : std::optional<std::string>("a number from 0 to 1000");
     }
     return "left out; there is no such setting";
 }
@@ -182,7 +189,8 @@ JSONValue ControlAPI::state() const {
               JSONObject{{"consent", nameOf(settings.consent)},
                          {"plan", settings.paidPlan ? "paid" : "free"},
                          {"attachmentLimit",
-                          settings.attachmentLimit ? JSONValue(*settings.attachmentLimit) : JSONValue()}});
+                          settings.attachmentLimit ? JSONValue(*settings.attachmentLimit) : JSONValue()},
+                         {"additionalTargets", settings.additionalTargets}});
     state.set("requests", log_.lastNumber());
     addFigures_(state);
     return state;

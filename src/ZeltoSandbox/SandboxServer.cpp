@@ -227,6 +227,10 @@ void SandboxServer::setAttachmentLimit(std::optional<std::uint64_t> bytes) {
     state_->dispatcher.changeSettings([&](SandboxSettings& settings) { settings.attachmentLimit = bytes; });
 }
 
+void SandboxServer::setAdditionalTargets(std::size_t count) {
+    state_->dispatcher.changeSettings([&](SandboxSettings& settings) { settings.additionalTargets = count; });
+}
+
 std::optional<SandboxTokens> SandboxServer::issueTokens(std::string_view service) {
     return state_->dispatcher.issueTokens(service);
 }

@@ -66,6 +66,8 @@ class SandboxServer {
     void setConsent(SandboxConsent consent);
     // Bytes; nullopt for the service's own limit by its account's plan.
     void setAttachmentLimit(std::optional<std::uint64_t> bytes);
+    // Demo targets beside the usual ones, where the service's page in docs/services names them.
+    void setAdditionalTargets(std::size_t count);
 
     // Tokens as after a sign-in, for any client. The service by its name in any case: "Trello". nullopt for a
     // service without tokens.

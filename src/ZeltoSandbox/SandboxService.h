@@ -23,6 +23,7 @@ struct SandboxSettings {
     SandboxConsent consent = SandboxConsent::ask;
     bool paidPlan = false;                        // of the accounts, where a service has plans
     std::optional<std::uint64_t> attachmentLimit; // bytes, instead of the plan's
+    std::size_t additionalTargets = 0; // demo targets beside the usual ones, where a service has them
 };
 
 // What the services share; it outlives them.

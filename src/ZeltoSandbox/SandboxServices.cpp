@@ -1,6 +1,7 @@
 #include <ZeltoSandbox/SandboxService.h>
 
 #include <ZeltoSandbox/Asana/AsanaSandbox.h>
+#include <ZeltoSandbox/Notion/NotionSandbox.h>
 #include <ZeltoSandbox/PlainService.h>
 #include <ZeltoSandbox/Todoist/TodoistSandbox.h>
 #include <ZeltoSandbox/Trello/TrelloSandbox.h>
@@ -18,7 +19,7 @@ const auto& rows = neverDestroyed(std::vector<SandboxServiceRow>{
     {"Todoist", {"api.todoist.com"}, TodoistSandbox::make},
     {"TickTick", {"api.ticktick.com"}, PlainService::make},
     {"MeisterTask", {"www.meistertask.com"}, PlainService::make},
-    {"Notion", {"api.notion.com"}, PlainService::make},
+    {"Notion", {"api.notion.com"}, NotionSandbox::make},
     {"OneNote", {"graph.microsoft.com"}, PlainService::make},
     {"MicrosoftTeams", {"graph.microsoft.com"}, PlainService::make},
     {"Dropbox", {"api.dropboxapi.com", "content.dropboxapi.com"}, PlainService::make},

@@ -175,6 +175,11 @@ TEST_F(ControlAPITest, GivesTokensAndState) {
     EXPECT_EQ(caller.control("settings", R"({"plan":"gold"})").status, 400);
     EXPECT_EQ(caller.control("settings", R"({"colour":1})").status, 400);
     EXPECT_EQ(caller.control("settings", R"({"attachmentLimit":null})").status, 204);
+    EXPECT_EQ(caller.control("settings", R"({"additionalTargets":1001})").text("error"),
+              "\"additionalTargets\" has to be a number from 0 to 1000.");
+    EXPECT_EQ(caller.control("settings", R"({"additionalTargets":-1})").status, 400);
+    EXPECT_EQ(caller.control("settings", R"({"additionalTargets":1000})").status, 204);
+    EXPECT_EQ(caller.server->state().find("settings")->find("additionalTargets")->asInt64(), 1000);
     EXPECT_EQ(caller.control("nothing", "{}").status, 404);
     EXPECT_EQ(caller.get(caller.ownHost(), "/control/nothing").status, 404);
 }

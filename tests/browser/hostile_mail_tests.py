@@ -7,11 +7,12 @@ import urllib.parse
 from attacks import OUTSIDE, attack, hostile_texts
 from browser_case import Case
 from chromium import wait_for
+from sandbox import notion_block, notion_text
 
 # Opens all that can be opened, and returns the document's HTML.
 OPENED = """
     document.querySelectorAll("details").forEach((each) => each.open = true);
-    document.querySelectorAll("button.more[aria-expanded=false]").forEach((each) => each.click());
+    document.querySelectorAll("button[aria-expanded=false]").forEach((each) => each.click());
     new Promise((resolve) => setTimeout(() => resolve(document.documentElement.outerHTML)))
 """
 # Elements whose content is wider than they are, except those that are cut or scroll on purpose.
@@ -68,6 +69,15 @@ class HostileMail(Case):
         token = self.sandbox.token("Todoist")
         for text in hostile_texts(self.trap):
             self.sandbox.add_todoist_task(token, text[:500], text, [(text[:200] + ".txt", "text/plain", b"harmless")])
+        self.assertShownAsText()
+
+    def test_no_text_of_a_notion_page_runs_or_breaks_the_layout(self):
+        token = self.sandbox.token("Notion")
+        for text in hostile_texts(self.trap):
+            pieces = [text[start:start + 1000] for start in range(0, min(len(text), 20_000), 1000)]
+            texts = [notion_text(piece, "http://link.example/", bold=True, color="red") for piece in pieces]
+            self.sandbox.add_notion_page(token, text[:1000], [notion_block(kind, *texts) for kind in
+                                                              ("paragraph", "heading_1", "quote", "to_do", "bulleted_list_item")])
         self.assertShownAsText()
 
     def assertShownAsText(self):

@@ -4,7 +4,7 @@ import os
 
 from browser_case import Case
 from chromium import wait_for
-from sandbox import ROOT
+from sandbox import ROOT, notion_block, notion_text
 
 MAIL = os.path.join(ROOT, "examples", "mails", "project-kickoff.eml")
 POLICY = ("default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
@@ -23,8 +23,8 @@ class Page(Case):
 
     def test_every_file_of_the_page_comes_with_the_strict_policy(self):
         self.show()
-        for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/columns.js", "/requests.js", "/asana.js", "/todoist.js",
-                     "/todoist.css", "/trello.js"):
+        for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/columns.js", "/requests.js", "/asana.js", "/notion.js",
+                     "/notion.css", "/todoist.js", "/todoist.css", "/trello.js"):
             names = ["content-security-policy", "x-content-type-options", "cache-control"]
             fields = self.tab.run(f"fetch('{path}').then((response) => {names}.map((name) => response.headers.get(name)))")
             self.assertEqual(fields, [POLICY, "nosniff", "no-store"], path)
@@ -121,6 +121,68 @@ class Page(Case):
         opened = self.browser.tab_opened_by(lambda: self.tab.click("document.querySelector('.attachments a')"))
         opened.wait("document.body?.innerText.includes('Kick-off, Tuesday 14:00')")
         self.assertNothingRan()
+
+    def test_a_notion_page_appears_as_it_would_look(self):
+        self.show()
+        blocks = [
+            notion_block("paragraph", notion_text("See it before Friday.")),
+            {"divider": {}},
+            notion_block("heading_1", notion_text("Überschrift & mehr")),
+            notion_block("paragraph", notion_text("bold", bold=True), notion_text(" and "), notion_text("plan", "https://plan.example/1",
+                         underline=True, color="blue"), notion_text(" or "), notion_text("Robin", "mailto:robin@mail.example")),
+            notion_block("bulleted_list_item", notion_text("first")),
+            notion_block("bulleted_list_item", notion_text("second"), children=[notion_block("paragraph", notion_text("inner"))]),
+            notion_block("to_do", notion_text("done"), checked=True),
+            notion_block("paragraph", notion_text("مرحبا بالعالم")),
+        ]
+        self.sandbox.add_notion_page(self.sandbox.token("Notion"), "読書 & notes", blocks)
+        paper = "document.querySelector('.of-notion .is-newest .paper')"
+        self.tab.wait(f"{paper} !== null && getComputedStyle({paper}).overflowY === 'auto'")
+        self.assertEqual(self.tab.run(f"Array.from({paper}.querySelector('.blocks').children, (each) => each.localName)"),
+                         ["p", "hr", "h4", "p", "ul", "div", "p"])
+        text = self.tab.run(f"{paper}.innerText")
+        for expected in ("読書 & notes", "See it before Friday.", "Überschrift & mehr", "bold and plan or Robin (mailto:robin@mail.example)",
+                         "inner", "☑ done"):
+            self.assertIn(expected, text)
+        style = f"getComputedStyle({paper}.querySelector('{{}}')).{{}}"
+        self.assertEqual(self.tab.run(style.format(".bold", "fontWeight")), "700")
+        self.assertIn("underline", self.tab.run(style.format(".underline", "textDecorationLine")))
+        self.assertNotEqual(self.tab.run(style.format(".blue", "color")), self.tab.run(style.format(".bold", "color")))
+        self.assertEqual(self.tab.run(style.format("p:last-child", "direction")), "rtl")
+        self.assertEqual(self.links(), [["plan", "https://plan.example/1", "_blank", "noopener noreferrer"]])
+        row = self.tab.run("document.querySelector('.of-notion .is-newest tr').innerText")
+        self.assertIn("newest", row)
+        section = self.tab.run("document.querySelector('.of-notion').innerText")
+        for expected in ("Robin Sandbox, robin@sandbox.example, in Sandbox", "Journal – Größe & Maß 📓", "Name", "Notes", "and 4 databases without pages"):
+            self.assertIn(expected, section)
+        self.assertNothingRan()
+
+    def test_a_notion_page_is_closed_by_the_next_one_but_not_what_somebody_has_opened(self):
+        token = self.sandbox.token("Notion")
+        titles = "Array.from(document.querySelectorAll('.of-notion .paper h3'), (each) => each.innerText).join()"
+        for name in ("First", "Second"):
+            self.sandbox.add_notion_page(token, name)
+        self.show()
+        self.tab.wait(f"{titles} === 'Second'")
+        self.tab.run("Array.from(document.querySelectorAll('.of-notion .page-name')).find((each) => each.innerText.includes('First')).click()")
+        self.assertEqual(self.tab.run(titles), "Second,First")
+        self.sandbox.add_notion_page(token, "Third", [notion_block("quote", notion_text("a"))])
+        self.tab.wait(f"{titles} === 'Third,First'")
+        self.sandbox.add_notion_page(token, "", database=1)
+        self.tab.wait("document.querySelectorAll('.of-notion table:not([hidden])').length === 2")
+        self.wait_for_text("Aufgaben im Büro ✅")
+        self.wait_for_text("An empty page")
+        self.assertNothingRan()
+
+    def test_many_notion_databases_without_pages_are_counted(self):
+        self.sandbox.control("settings", additionalTargets=300)
+        self.sandbox.notion("search", self.sandbox.token("Notion"), {})
+        self.show()
+        self.wait_for_text("and 300 more databases")
+        self.assertEqual(self.tab.run("document.querySelectorAll('.of-notion .board').length"), 5)
+        section = self.tab.run("document.querySelector('.of-notion').innerText")
+        for expected in ("Untitled", "not shared", "Empty"):
+            self.assertIn(expected, section)
 
     def test_an_attached_address_is_shown_with_its_link(self):
         token = self.sandbox.token()

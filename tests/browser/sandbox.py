@@ -26,6 +26,15 @@ def file_form(name, media_type, data, **texts):
     return "".join(parts).encode() + data + f"\r\n--{BORDER}--\r\n".encode()
 
 
+def notion_text(content, url=None, **annotations):
+    """An item of a rich text."""
+    return {"text": {"content": content, "link": {"url": url} if url else None}, "annotations": annotations}
+
+
+def notion_block(kind, *items, **members):
+    return {"type": kind, kind: {"rich_text": list(items), **members}}
+
+
 class Sandbox:
     def __init__(self, program, folder, port=0):
         self.program = program
@@ -127,3 +136,14 @@ class Sandbox:
         statuses = self.todoist("sync", token, json.dumps({"commands": commands}))["sync_status"]
         if set(statuses.values()) != {"ok"}:
             raise Failed(f"sync: {statuses}")
+
+    def notion(self, path, token, body):
+        return self.ask("POST", "api.notion.com", f"/v1/{path}", json.dumps(body), Authorization=f"Bearer {token}",
+                        Content_Type="application/json", Notion_Version="2022-06-28")
+
+    def add_notion_page(self, token, title, blocks=(), database=0):
+        """`title` is a text; blocks are in Notion's JSON."""
+        found = self.notion("search", token, {"filter": {"property": "object", "value": "database"}})["results"]
+        return self.notion("pages", token, {"parent": {"database_id": found[database]["id"]},
+                                            "properties": {"title": {"title": [notion_text(title)]}},
+                                            "children": list(blocks)})["id"]

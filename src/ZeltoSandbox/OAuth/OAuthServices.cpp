@@ -1,5 +1,7 @@
 #include <ZeltoSandbox/OAuth/OAuthServices.h>
 
+#include <ZeltoSandbox/Notion/NotionJSON.h>
+
 #include <Platform/URL.h>
 
 #include <algorithm>
@@ -32,14 +34,7 @@ void describeNotion(JSONObject& response, const OAuthResponseFacts&) {
     response.set("workspace_name", "Sandbox");
     response.set("workspace_icon", nullptr);
     response.set("duplicated_template_id", nullptr);
-    response.set(
-        "owner",
-        JSONObject{{"type", "user"},
-                   {"user", JSONObject{{"object", "user"},
-                                       {"id", "8a9a3a4b-50bf-4f68-9ab2-4ff1f35ac6b1"},
-                                       {"name", "Robin Sandbox"},
-                                       {"type", "person"},
-                                       {"person", JSONObject{{"email", "robin@sandbox.example"}}}}}});
+    response.set("owner", JSONObject{{"type", "user"}, {"user", notionOwnerJSON()}});
 }
 
 void describeSlack(JSONObject& response, const OAuthResponseFacts& facts) {

@@ -40,6 +40,13 @@ export function foreign(tag, className, text) {
   return made;
 }
 
+// The same for a piece of a foreign text, which has the direction of the whole.
+export function foreignPiece(tag, text) {
+  const made = foreign(tag, "", text);
+  made.removeAttribute("dir");
+  return made;
+}
+
 // An address as text; a link only if it leads to a web site, which does not learn this page's address.
 export function webLink(address) {
   const url = URL.canParse(address) ? new URL(address) : null;
