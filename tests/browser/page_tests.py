@@ -148,7 +148,7 @@ class Page(Case):
         self.assertEqual(self.tab.run(style.format(".bold", "fontWeight")), "700")
         self.assertIn("underline", self.tab.run(style.format(".underline", "textDecorationLine")))
         self.assertNotEqual(self.tab.run(style.format(".blue", "color")), self.tab.run(style.format(".bold", "color")))
-        self.assertEqual(self.tab.run(style.format("p:last-child", "direction")), "rtl")
+        self.assertEqual(self.tab.run(style.format(".blocks > p:last-child", "direction")), "rtl")
         self.assertEqual(self.links(), [["plan", "https://plan.example/1", "_blank", "noopener noreferrer"]])
         row = self.tab.run("document.querySelector('.of-notion .is-newest tr').innerText")
         self.assertIn("newest", row)

@@ -82,13 +82,13 @@ function open(body, isOpen) {
 
 function fillPage(body, page) {
   const [nameCell, textCell, dateCell] = body.firstElementChild.children;
-  const [button] = nameCell.children;
+  const button = nameCell.lastElementChild;
   body.page = page;
   body.classList.toggle("is-newest", Boolean(page.isNewest));
   button.replaceChildren(titleOf(page.title));
-  nameCell.replaceChildren(button, ...(page.isNewest ? [element("span", "newest", "newest")] : []));
+  nameCell.replaceChildren(...(page.isNewest ? [element("span", "newest", "newest")] : []), button);
   textCell.replaceChildren(fillText(element("div"), page.text));
-  dateCell.textContent = new Date(page.date).toLocaleString("en-GB");
+  dateCell.textContent = new Date(page.date).toLocaleString("en-GB", { dateStyle: "medium", timeStyle: "short" });
   open(body, Boolean(page.isNewest || body.isChosen));
 }
 
