@@ -66,7 +66,9 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
 
     Outcome<LoadedTargets> targets(bool refresh) override {
         if constexpr (HasTargets<Adapter>) {
-            const auto data = refresh ? loaded(true) : loadedWhereMissing();
+            auto data = loaded(refresh);
+            const bool isMissing = data && !*data && !refresh;
+            data = isMissing ? loaded(true) : std::move(data);
             if (!data) {
                 return failure(data.error());
             }
@@ -77,7 +79,8 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
             if (!json || !json->asObject()) {
                 return failure(Failure{"internalError", "The data of " + service_ + " have no JSON.", ""});
             }
-            return LoadedTargets{Adapter::targetTree(**data), *json->asObject()};
+            return LoadedTargets{Adapter::targetTree(**data), *json->asObject(),
+                                 moreTargets(**data, refresh || isMissing)};
         } else {
             return wrongUsage("There is nothing to choose for an export to " + service_ + ".",
                               "zelto export --help");
@@ -281,7 +284,8 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
                 return;
             }
             const auto tree = Adapter::targetTree(**data);
-            const auto path = pathOf(tree, *target);
+            const auto* levels = levelsIn(*target);
+            const auto path = levels ? pathOf(tree, *levels) : std::nullopt;
             auto names = path ? std::optional(namesOf(tree, *path)) : std::nullopt;
             if constexpr (HasPeople<Adapter>) {
                 names = path ? withPerson(*std::move(names), *target, Adapter::people(**data, *path))
@@ -291,6 +295,20 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
                 *target = *std::move(names);
             }
         }
+    }
+
+    static const JSONValue* levelsIn(const JSONValue& saveTo) {
+        if constexpr (HasDeepLevels<Adapter>) {
+            return Adapter::levelsIn(saveTo);
+        }
+        return &saveTo;
+    }
+
+    template <class Data> std::string moreTargets(const Data& data, bool isFresh) const {
+        if constexpr (MayHaveMoreTargets<Adapter>) {
+            return Adapter::moreTargets(*exporter_, data, isFresh);
+        }
+        return {};
     }
 
     static std::optional<JSONObject> withPerson(JSONObject names, const JSONValue& target,

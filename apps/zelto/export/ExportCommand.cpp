@@ -87,6 +87,24 @@ void addWhatWasLeftOut(JSONObject& members, const MessageWork& work, const Expor
     members.set("leftOut", std::move(leftOut));
 }
 
+// Of a long message, whose end the service has no room for.
+void addBlocksLeftOut(JSONObject& members, const MessageWork& work, std::string_view verb) {
+    std::size_t count = 0;
+    for (const auto& made : work.session->report().made) {
+        if (made.leftOutBlocks == 0) {
+            continue;
+        }
+        count += made.leftOutBlocks;
+        writeError("zelto: warning: the " + escapeControlCharacters(listOf({made})) + " " +
+                   std::string(verb) + " the end of the message, " + std::to_string(made.leftOutBlocks) +
+                   (made.leftOutBlocks == 1 ? " block: " : " blocks: ") + work.service() +
+                   " takes no more at once.\n");
+    }
+    if (count > 0) {
+        members.set("leftOutBlocks", count);
+    }
+}
+
 // The account is what the next export with its service takes.
 Outcome<void> storeLastUsed(const MessageWork& work) {
     const auto last = work.manager->lastUsedConfiguration(work.account.serviceType());
@@ -131,6 +149,7 @@ Report reportOf(const MessageWork& work, const ExportPlan& plan, bool isDryRun, 
         addWhatWasMade(report, work, plan, terminal);
     }
     addWhatWasLeftOut(report.members, work, plan);
+    addBlocksLeftOut(report.members, work, "lacks");
     addNotes(report.members, *work.notes);
     return report;
 }
@@ -142,6 +161,7 @@ Outcome<Report> shownRequests(const Invocation& invocation, const Terminal& term
                          [&] { return exportWithProgress(invocation, terminal, timeout, work).result; });
     if (report) {
         addWhatWasLeftOut(report->members, work, plan);
+        addBlocksLeftOut(report->members, work, "would lack");
         addNotes(report->members, *work.notes);
     }
     return report;

@@ -149,10 +149,11 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
     case IntegrationExportError::fileAlreadyExists:
         return {"A file of that name exists already.", NextCommand::again("--policy", "keepBoth")};
     case IntegrationExportError::oauthError:
-        return {about.service + " does not accept the account's sign-in any more.",
-                reconnectCommand(about.account)};
+        return refusal(about, "take",
+                       {about.service + " does not accept the account's sign-in any more.",
+                        reconnectCommand(about.account)});
     case IntegrationExportError::connectionError:
-        return {about.service + " could not be reached.", showsLog};
+        return refusal(about, "take", {about.service + " could not be reached.", showsLog});
     case IntegrationExportError::createTaskError:
         return refusal(about, "make", {about.service + " did not make the task.", showsLog});
     case IntegrationExportError::uploadAttachmentError:
@@ -202,9 +203,9 @@ std::string unknownOutcome(const ExportCircumstances& about) {
 }
 
 bool namesFirstRefusal(IntegrationExportError error) {
-    return error == IntegrationExportError::createTaskError ||
-           error == IntegrationExportError::uploadAttachmentError ||
-           error == IntegrationExportError::internalError;
+    using enum IntegrationExportError;
+    return error == createTaskError || error == uploadAttachmentError || error == internalError ||
+           error == oauthError || error == connectionError;
 }
 
 // An export may go on after a failure, and meet more of them.

@@ -23,6 +23,7 @@ namespace zelto::cli {
 struct LoadedTargets {
     TargetTree tree;
     JSONObject data;
+    std::string more; // a sentence about targets that are not among them; empty if there are none
 };
 
 // What an export would come to.

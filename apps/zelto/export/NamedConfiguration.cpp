@@ -15,6 +15,7 @@ namespace zelto::cli {
 namespace {
 
 constexpr std::string_view attachmentsKey = "attachments";
+constexpr std::string_view targetKey = "saveTo";
 
 std::string quoted(std::string_view text) {
     return "\"" + std::string(text) + "\"";
@@ -73,6 +74,14 @@ Outcome<void> readDate(JSONValue& value, std::string_view key, const std::string
     return {};
 }
 
+std::vector<std::string> keysOf(const JSONObject& object) {
+    std::vector<std::string> keys;
+    for (const auto& [key, value] : object) {
+        keys.push_back(key);
+    }
+    return keys;
+}
+
 // Calls a function for each object in an attachments' list.
 template <class F> void forEachAttachment(JSONValue& attachments, F function) {
     auto* const object = attachments.asObject();
@@ -107,6 +116,32 @@ Outcome<void> readAttachments(JSONValue& attachments, const std::string& file) {
     return outcome;
 }
 
+// Calls a function for each date that is a part of a target, on whatever level.
+template <class F> void forEachDate(JSONValue& target, const F& function) {
+    auto* const object = target.asObject();
+    if (!object) {
+        return;
+    }
+    for (const auto& key : keysOf(*object)) {
+        auto& value = *object->find(key);
+        if (isDateKey(key)) {
+            function(value, key);
+        } else {
+            forEachDate(value, function);
+        }
+    }
+}
+
+Outcome<void> readDates(JSONValue& target, const std::string& file) {
+    Outcome<void> outcome;
+    forEachDate(target, [&](JSONValue& value, const std::string& key) {
+        if (auto read = readDate(value, key, file); !read) {
+            outcome = std::move(read);
+        }
+    });
+    return outcome;
+}
+
 void writeMember(std::string_view key, JSONValue& value) {
     if (isTypeKey(key)) {
         writeName<IntegrationExportContentType>(value);
@@ -116,6 +151,8 @@ void writeMember(std::string_view key, JSONValue& value) {
         forEachAttachment(value, writeAttachment);
     } else if (isDateKey(key)) {
         writeDate(value);
+    } else if (key == targetKey) {
+        forEachDate(value, [](JSONValue& date, const auto&) { writeDate(date); });
     } else if (auto* const types = key == "supportedContentTypes" ? value.asArray() : nullptr) {
         std::ranges::for_each(*types, writeName<IntegrationExportContentType>);
     }
@@ -144,15 +181,10 @@ Outcome<void> readMember(std::string_view key, JSONValue& value, const std::stri
     if (isDateKey(key)) {
         return readDate(value, key, file);
     }
-    return key == "supportedContentTypes" ? readTypes(value, key, file) : Outcome<void>();
-}
-
-std::vector<std::string> keysOf(const JSONObject& object) {
-    std::vector<std::string> keys;
-    for (const auto& [key, value] : object) {
-        keys.push_back(key);
+    if (key == targetKey) {
+        return readDates(value, file);
     }
-    return keys;
+    return key == "supportedContentTypes" ? readTypes(value, key, file) : Outcome<void>();
 }
 
 // One of the message's attachments as a list names it.

@@ -9,6 +9,8 @@
 #include <ZeltoIntegrations/Export/ExportProgress.h>
 #include <ZeltoIntegrations/Export/ExportReport.h>
 
+#include <Platform/JSON/JSONValue.h>
+
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,6 +31,16 @@
 // and, where an export without a target is complete (it goes into the root folder, for one),
 //
 //     static constexpr bool needsTarget = false;
+//
+// and, where the levels of a target lie deeper in the configuration's "saveTo", in this part of it (null
+// where they have no names),
+//
+//     static const JSONValue* levelsIn(const JSONValue& saveTo);
+//
+// and, where the service may have more targets than it lists, what says so of the data (empty where it lists
+// all); `isFresh` where the exporter has just loaded them from the service,
+//
+//     static std::string moreTargets(const Exporter&, const TargetData&, bool isFresh);
 //
 // and, where something of a target is for a person, under a key of its own in the configuration's "saveTo",
 //
@@ -101,6 +113,16 @@ template <class E> struct WebAdapter : ServiceAdapter<E> {
 template <class Adapter>
 concept HasTargets = requires {
     typename Adapter::TargetData;
+};
+
+template <class Adapter>
+concept HasDeepLevels = requires(const JSONValue& saveTo) {
+    Adapter::levelsIn(saveTo);
+};
+
+template <class Adapter>
+concept MayHaveMoreTargets = requires {
+    &Adapter::moreTargets;
 };
 
 template <class Adapter>

@@ -53,6 +53,10 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
         report.text = nothingToChoose(targets->tree, displayName(account->serviceType())) + "\n";
         report.isNotice = true;
     }
+    if (!targets->more.empty()) {
+        report.members.set("hasMore", true);
+        writeError("zelto: warning: " + targets->more + "\n");
+    }
     return report;
 }
 
