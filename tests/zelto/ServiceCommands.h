@@ -20,7 +20,8 @@ namespace zelto {
 
 // What the suites in `Suites` have to know of a service on the web to test the commands with it. The targets
 // that `listTargets` makes the service list are three or more, of names with ASCII letters, blanks and "/"
-// alone. Each suite says which further facts it needs.
+// alone. Each suite says which further facts it needs. A service that tells the failures of its sign-in and
+// of the connection from others has `static constexpr bool tellsErrorsApart = true`.
 template <class T>
 concept CommandFacts = requires(typename T::Server& service) {
     { T::name } -> std::convertible_to<std::string>; // as the program shows it
@@ -29,6 +30,12 @@ concept CommandFacts = requires(typename T::Server& service) {
     T::listTargets(service);
     { T::targetPaths } -> std::convertible_to<std::string>; // as `targets --paths` prints them
     { T::made } -> std::convertible_to<std::string>;        // of an export of "Title", as it prints it
+};
+
+// They have `uploadURL` where the service takes files.
+template <class T>
+concept TakesFiles = requires {
+    T::uploadURL;
 };
 
 // The command that a failure suggests: a line, or arguments in any order.
@@ -140,6 +147,21 @@ template <CommandFacts Facts> class ServiceCommands : public testing::Test {
         return "On " + std::string(Facts::name) + ", " + target + ": " + Facts::made + ".\n";
     }
 
+    // What a failure is called that is `error` where the service tells failures apart.
+    static std::string errorOf(const std::string& error, const std::string& otherwise) {
+        return requires {
+            Facts::tellsErrorsApart;
+        }
+        ? error : otherwise;
+    }
+
+    // A member of a document as JSON; empty if there is none.
+    static std::string textOf(const JSONValue& document, std::string_view key) {
+        const auto* member = document.find(key);
+        return member ? member->text().value() : std::string();
+    }
+
+    const std::string name = Facts::name;
     const std::string mail = ZeltoProgram::sample("project-kickoff.eml");
     const std::string account = ServiceAccountConfiguration(Facts::type, "me@example.org", true).identifier();
     const std::string to = toASCIILower(Facts::name);

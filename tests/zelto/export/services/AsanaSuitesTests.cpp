@@ -3,6 +3,7 @@
 #include <zelto/Suites/FileLimitSuite.h>
 #include <zelto/Suites/RefreshCommandsSuite.h>
 #include <zelto/Suites/TargetCommandsSuite.h>
+#include <zelto/Suites/UploadCommandsSuite.h>
 
 #include <export/services/AsanaAdapter.h>
 
@@ -97,6 +98,7 @@ struct AsanaFacts {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Asana, TargetCommands, AsanaFacts, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Asana, ExportCommands, AsanaFacts, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(Asana, UploadCommands, AsanaFacts, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Asana, DryRunCommands, AsanaFacts, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Asana, FileLimits, AsanaFacts, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Asana, RefreshCommands, AsanaFacts, NamedByFacts);

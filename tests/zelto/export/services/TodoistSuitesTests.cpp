@@ -2,6 +2,7 @@
 #include <zelto/Suites/ExportCommandsSuite.h>
 #include <zelto/Suites/FileLimitSuite.h>
 #include <zelto/Suites/TargetCommandsSuite.h>
+#include <zelto/Suites/UploadCommandsSuite.h>
 
 #include <export/services/TodoistAdapter.h>
 
@@ -90,6 +91,7 @@ using RefusedTodoistCommands = ServiceCommands<TodoistFacts>;
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, TargetCommands, TodoistFacts, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, ExportCommands, TodoistFacts, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, UploadCommands, TodoistFacts, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, DryRunCommands, TodoistFacts, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, FileLimits, TodoistFacts, NamedByFacts);
 

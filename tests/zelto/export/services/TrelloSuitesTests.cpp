@@ -2,6 +2,7 @@
 #include <zelto/Suites/ExportCommandsSuite.h>
 #include <zelto/Suites/FileLimitSuite.h>
 #include <zelto/Suites/TargetCommandsSuite.h>
+#include <zelto/Suites/UploadCommandsSuite.h>
 
 #include <export/services/TrelloAdapter.h>
 
@@ -95,6 +96,7 @@ struct TrelloFacts {
 
 INSTANTIATE_TYPED_TEST_SUITE_P(Trello, TargetCommands, TrelloFacts, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Trello, ExportCommands, TrelloFacts, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(Trello, UploadCommands, TrelloFacts, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Trello, DryRunCommands, TrelloFacts, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Trello, FileLimits, TrelloFacts, NamedByFacts);
 
