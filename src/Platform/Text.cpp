@@ -22,6 +22,11 @@ bool isContinuation(char byte) {
     return (static_cast<unsigned char>(byte) & 0xC0) == 0x80;
 }
 
+// What a byte of well-formed text counts in UTF-16 code units: the first one of a code point all of it.
+std::size_t utf16UnitsOf(char byte) {
+    return isContinuation(byte) ? 0u : static_cast<unsigned char>(byte) >= 0xF0 ? 2u : 1u;
+}
+
 // The sum of what each byte of the well-formed pieces counts; each ill-formed piece counts as one.
 template <class UnitsOf> std::size_t sumOfUnits(std::string_view text, UnitsOf unitsOf) {
     std::size_t units = 0;
@@ -54,6 +59,14 @@ icu::BreakIterator& iteratorOfThread() {
     return *iterator;
 }
 
+// ICU counts in 32 bits.
+constexpr std::size_t maximumPieceLength = std::size_t{1} << 30;
+
+// Whether a character ends between the two bytes, whatever is around them.
+bool isCertainBoundary(char before, char after) {
+    return isASCII(before) && isASCII(after) && !(before == '\r' && after == '\n');
+}
+
 // Steps from the end of one character to the end of the next. Between two ASCII characters there is always a
 // boundary, except in CR LF: ICU is only asked about the pieces between such boundaries. Only one object at a
 // time may be used on a thread, since they share the thread's iterator.
@@ -84,19 +97,10 @@ class CharacterEnds {
     }
 
   private:
-    // ICU counts in 32 bits.
-    static constexpr std::size_t maximumPieceLength = std::size_t{1} << 30;
-
     // Whether the byte there is certainly a whole character, or the last byte of one.
     bool endsBehind(std::size_t index) const {
-        if (!isASCII(text_[index])) {
-            return false;
-        }
-        if (index + 1 == text_.size()) {
-            return true;
-        }
-        const char following = text_[index + 1];
-        return isASCII(following) && !(text_[index] == '\r' && following == '\n');
+        return isASCII(text_[index]) &&
+               (index + 1 == text_.size() || isCertainBoundary(text_[index], text_[index + 1]));
     }
 
     void openPiece() {
@@ -158,6 +162,56 @@ std::string_view prefixMeasuring(std::string_view text, std::size_t limit, Measu
         }
         length = next;
     }
+}
+
+// How many bytes the code points take that measure no more than the limit in UTF-16 code units; the text
+// itself has more bytes. `nullopt` where one of them or the next byte is ill-formed.
+std::optional<std::size_t> codePointsWithin(std::string_view text, std::size_t limit) {
+    std::size_t length = 0;
+    for (std::size_t units = 0; units < limit && length < text.size();) {
+        // No bytes measure more than their number.
+        const auto next = text.substr(length, limit - units);
+        const auto valid = next.substr(0, validUTF8Length(next));
+        for (const char byte : valid) {
+            units += utf16UnitsOf(byte);
+        }
+        length += valid.size();
+        if (valid.size() == next.size()) {
+            continue;
+        }
+        // The next one does not end within these bytes, or is ill-formed.
+        const auto last = text.substr(length);
+        if (validUTF8Length(last.substr(0, 4)) == 0) {
+            return std::nullopt;
+        }
+        units += utf16UnitsOf(last.front());
+        if (units <= limit) {
+            length += firstCodePoint(last).length;
+        }
+    }
+    const bool isIllFormedThere = length < text.size() && isContinuation(text[length]);
+    return isIllFormedThere ? std::nullopt : std::optional(length);
+}
+
+// The last end of a character at or before the end of a code point; 0 if there is none behind the beginning.
+// The text is well-formed up to there.
+std::size_t characterEndUpTo(std::string_view text, std::size_t end) {
+    if (end == text.size() || isCertainBoundary(text[end - 1], text[end])) {
+        return end;
+    }
+    // Whether there is a boundary depends on one code point behind it, and on those before it as far back as
+    // ICU finds necessary.
+    constexpr std::size_t longestSequence = 4;
+    UErrorCode status = U_ZERO_ERROR;
+    UText* const around =
+        utext_openUTF8(nullptr, text.data(),
+                       static_cast<std::int64_t>(std::min(text.size(), end + longestSequence)), &status);
+    auto& iterator = iteratorOfThread();
+    iterator.setText(around, status);
+    const auto at = static_cast<std::int32_t>(end);
+    const auto found = iterator.isBoundary(at) ? at : iterator.preceding(at);
+    utext_close(around);
+    return found == icu::BreakIterator::DONE ? 0 : static_cast<std::size_t>(found);
 }
 
 } // namespace
@@ -223,14 +277,19 @@ std::string_view prefixBytes(std::string_view text, std::size_t limit) {
 
 std::string_view prefixUTF16Units(std::string_view text, std::size_t limit) {
     // No text has more units than bytes.
-    return text.size() <= limit ? text : prefixMeasuring(text, limit, utf16Length);
+    if (text.size() <= limit) {
+        return text;
+    }
+    const auto fitting = codePointsWithin(text, limit);
+    if (!fitting || *fitting > maximumPieceLength) {
+        return prefixMeasuring(text, limit, utf16Length);
+    }
+    const auto end = *fitting == 0 ? 0 : characterEndUpTo(text, *fitting);
+    return text.substr(0, end == 0 ? *fitting : end);
 }
 
 std::size_t utf16Length(std::string_view text) {
-    return sumOfUnits(text, [](char byte) {
-        const bool isPair = static_cast<unsigned char>(byte) >= 0xF0;
-        return isContinuation(byte) ? 0u : isPair ? 2u : 1u;
-    });
+    return sumOfUnits(text, utf16UnitsOf);
 }
 
 std::size_t codePointCount(std::string_view text) {
