@@ -15,6 +15,20 @@ constexpr TimeInterval maximumTimeout = std::chrono::hours(24 * 366);
 // within that, and must not wait there: the call is still to be sent.
 thread_local bool isPosting = false;
 
+// Ends with its scope, also if there is no memory for the job.
+class Posting {
+  public:
+    Posting() : before_(std::exchange(isPosting, true)) {}
+
+    ~Posting() { isPosting = before_; }
+
+    Posting(const Posting&) = delete;
+    Posting& operator=(const Posting&) = delete;
+
+  private:
+    bool before_;
+};
+
 MCPError timedOut() {
     return URLError{URLErrorCode::timedOut, "The call did not end within its time-out."};
 }
@@ -44,15 +58,16 @@ MCPCallDeadlines::Deadline MCPCallDeadlines::add(const std::shared_ptr<MCPRunnin
     std::unique_lock lock(lock_);
     const Key key{end, ++count_};
     calls_.emplace(key, call);
-    if (std::exchange(isWatching_, true)) {
+    const bool isWatching = isWatching_;
+    lock.unlock();
+    Deadline deadline(key);
+    if (isWatching) {
         changed_.notify_one();
     } else {
-        lock.unlock();
-        isPosting = true;
+        const Posting posting;
         ThreadPool::shared().post([this] { watch(); });
-        isPosting = false;
     }
-    return Deadline(key);
+    return deadline;
 }
 
 void MCPCallDeadlines::remove(const Key& key) {
@@ -65,7 +80,10 @@ void MCPCallDeadlines::remove(const Key& key) {
 void MCPCallDeadlines::watch() {
     const ThreadPool::BlockingScope waiting;
     std::unique_lock lock(lock_);
-    while (!calls_.empty() && !isPosting) {
+    if (isPosting || std::exchange(isWatching_, true)) {
+        return;
+    }
+    while (!calls_.empty()) {
         const auto next = calls_.begin();
         if (next->first.first > Clock::now()) {
             changed_.wait_until(lock, next->first.first);

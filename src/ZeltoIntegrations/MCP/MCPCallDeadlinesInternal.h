@@ -52,7 +52,8 @@ class MCPCallDeadlines {
     std::condition_variable changed_;
     std::map<Key, std::weak_ptr<MCPRunningCall>> calls_;
     std::uint64_t count_ = 0;
-    bool isWatching_ = false;
+    bool isWatching_ =
+        false; // set by the thread that watches: a job that could not be posted changes nothing
 };
 
 } // namespace zelto
