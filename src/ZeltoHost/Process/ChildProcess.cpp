@@ -1,6 +1,6 @@
 #include <ZeltoHost/Process/ChildProcessInternal.h>
 
-#include <ZeltoHost/Process/ChildSetupInternal.h>
+#include <ZeltoHost/Process/SupervisorInternal.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -108,7 +108,7 @@ pid_t forkWithoutSignals(const ChildSetup& setup) {
     ::pthread_sigmask(SIG_SETMASK, &all, &before);
     const auto pid = ::fork();
     if (pid == 0) {
-        becomeProgram(setup);
+        setup.parent ? supervise(setup) : becomeProgram(setup);
     }
     const auto error = errno;
     ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
@@ -126,11 +126,11 @@ Result<ChildProcess, std::error_code> ChildProcess::start(const ProcessRequest& 
     auto nowhere = clearOfStandard(::open("/dev/null", O_WRONLY | O_CLOEXEC));
     auto output = Pipe::make();
     auto errorOutput = Pipe::make();
-    auto startError = Pipe::make();
+    auto report = Pipe::make();
     if (!input) {
         return failure(input.error());
     }
-    if (!nowhere || !output || !errorOutput || !startError) {
+    if (!nowhere || !output || !errorOutput || !report) {
         return failure(std::make_error_code(std::errc::too_many_files_open));
     }
     const auto arguments = pointersTo(request.arguments);
@@ -144,7 +144,7 @@ Result<ChildProcess, std::error_code> ChildProcess::start(const ProcessRequest& 
         .input = input->number(),
         .output = keeps ? output->writing.number() : nowhere->number(),
         .errorOutput = keeps ? errorOutput->writing.number() : nowhere->number(),
-        .startError = startError->writing.number(),
+        .report = report->writing.number(),
         .parent = request.outlivesUs ? std::nullopt : std::optional(::getpid()),
         .openFilesLimit = ::sysconf(_SC_OPEN_MAX),
     };
@@ -154,12 +154,9 @@ Result<ChildProcess, std::error_code> ChildProcess::start(const ProcessRequest& 
         return failure(lastError());
     }
     ::setpgid(child.pid_, child.pid_); // done in the child too: the first of the two has effect
-    child.outlivesUs_ = request.outlivesUs;
-    if (!request.outlivesUs) {
-        child.guard_ = GroupGuard::of(child.pid_);
-    }
+    child.isSupervised_ = !request.outlivesUs;
     child.endSignal_ = FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, child.pid_, 0)));
-    child.startError_ = std::move(startError->reading);
+    child.report_ = std::move(report->reading);
     if (keeps) {
         child.output_ = std::move(output->reading);
         child.errorOutput_ = std::move(errorOutput->reading);
@@ -167,17 +164,13 @@ Result<ChildProcess, std::error_code> ChildProcess::start(const ProcessRequest& 
     return child;
 }
 
-// Leaves its status to be collected: until then no other group can have its number.
-bool ChildProcess::hasEnded() const {
-    siginfo_t information{};
-    const int found = ::waitid(P_PID, static_cast<id_t>(pid_), &information, WEXITED | WNOHANG | WNOWAIT);
-    return found == 0 && information.si_pid == pid_;
+std::optional<ChildReport> ChildProcess::nextReport() const {
+    ChildReport report{};
+    const bool isThere = ::read(report_.number(), &report, sizeof report) == sizeof report;
+    return isThere ? std::optional(report) : std::nullopt;
 }
 
 std::optional<ProcessEnd> ChildProcess::collect() {
-    if (!outlivesUs_ && hasEnded()) {
-        kill();
-    }
     int status = 0;
     pid_t ended = 0;
     do {
@@ -186,13 +179,16 @@ std::optional<ProcessEnd> ChildProcess::collect() {
     if (ended == 0) {
         return std::nullopt;
     }
-    guard_.dismiss();
-    if (ended < 0) {
-        return ProcessFailedToStart{lastError()}; // other code has collected it
+    const auto error = lastError();
+    const auto report = nextReport();
+    if (report && report->kind == ChildReport::Kind::failedToStart) {
+        return ProcessFailedToStart{{report->value, std::generic_category()}};
     }
-    int error = 0;
-    if (::read(startError_.number(), &error, sizeof error) == sizeof error) {
-        return ProcessFailedToStart{{error, std::generic_category()}};
+    if (!report && ended < 0) {
+        return ProcessFailedToStart{error}; // other code has collected it
+    }
+    if (report) {
+        status = report->value;
     }
     if (WIFSIGNALED(status)) {
         return ProcessSignaled{WTERMSIG(status)};
@@ -201,7 +197,11 @@ std::optional<ProcessEnd> ChildProcess::collect() {
 }
 
 void ChildProcess::kill() {
-    ::kill(-pid_, SIGKILL);
+    if (isSupervised_) {
+        ::kill(pid_, SIGTERM);
+    } else {
+        ::kill(-pid_, SIGKILL);
+    }
 }
 
 } // namespace zelto

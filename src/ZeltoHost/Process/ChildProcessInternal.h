@@ -2,7 +2,7 @@
 
 // For sources only: brings in POSIX.
 
-#include <ZeltoHost/Process/GroupGuardInternal.h>
+#include <ZeltoHost/Process/ChildSetupInternal.h>
 #include <ZeltoHost/Process/Process.h>
 
 #include <Platform/FileDescriptor.h>
@@ -12,7 +12,8 @@
 
 namespace zelto {
 
-// A started program whose end has not been collected. Used by runProcess.
+// A started program whose end has not been collected. It is run by a supervisor, unless it may outlive us.
+// Used by runProcess.
 class ChildProcess {
   public:
     static Result<ChildProcess, std::error_code> start(const ProcessRequest& request);
@@ -28,24 +29,23 @@ class ChildProcess {
 
     FileDescriptor& errorOutput() { return errorOutput_; }
 
-    // How it ended; `nullopt` while it runs. What is left of its group is killed, unless it may outlive us.
+    // How it ended; `nullopt` while it runs, or while what it has started is being killed.
     std::optional<ProcessEnd> collect();
 
-    // Kills the whole process group.
+    // Kills it and all that it has started; of one that may outlive us, its process group.
     void kill();
 
   private:
     ChildProcess() = default;
 
-    bool hasEnded() const;
+    std::optional<ChildReport> nextReport() const;
 
-    pid_t pid_ = -1;
-    bool outlivesUs_ = false;
-    GroupGuard guard_;
+    pid_t pid_ = -1; // of the supervisor if there is one
+    bool isSupervised_ = false;
     FileDescriptor endSignal_;
     FileDescriptor output_;
     FileDescriptor errorOutput_;
-    FileDescriptor startError_; // delivers the error number if the start fails
+    FileDescriptor report_;
 };
 
 } // namespace zelto

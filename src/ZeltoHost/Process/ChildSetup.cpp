@@ -13,10 +13,7 @@ namespace zelto {
 
 namespace {
 
-void takeDefaultSignals() noexcept {
-    for (int signal = 1; signal < NSIG; ++signal) {
-        ::signal(signal, SIG_DFL);
-    }
+void unblockSignals() noexcept {
     sigset_t none;
     sigemptyset(&none);
     ::sigprocmask(SIG_SETMASK, &none, nullptr);
@@ -61,18 +58,29 @@ bool dieWithParent(const std::optional<pid_t>& parent) noexcept {
 
 } // namespace
 
+void takeDefaultActions() noexcept {
+    for (int signal = 1; signal < NSIG; ++signal) {
+        ::signal(signal, SIG_DFL);
+    }
+}
+
+void reportStartError(const ChildSetup& setup) noexcept {
+    const ChildReport report{ChildReport::Kind::failedToStart, errno};
+    [[maybe_unused]] const auto written = ::write(setup.report, &report, sizeof report);
+    ::_exit(127);
+}
+
 void becomeProgram(const ChildSetup& setup) noexcept {
     ::setpgid(0, 0);
-    takeDefaultSignals();
+    takeDefaultActions();
+    unblockSignals();
     errno = ESRCH;
     if (dieWithParent(setup.parent) && takeFiles(setup) &&
         (setup.workingDirectory == nullptr || ::chdir(setup.workingDirectory) == 0) &&
         takeLimits(setup.limits)) {
         ::execve(setup.arguments[0], setup.arguments, setup.environment);
     }
-    const int error = errno;
-    [[maybe_unused]] const auto written = ::write(setup.startError, &error, sizeof error);
-    ::_exit(127);
+    reportStartError(setup);
 }
 
 } // namespace zelto

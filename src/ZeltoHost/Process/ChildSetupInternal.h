@@ -10,6 +10,17 @@
 
 namespace zelto {
 
+// What a forked child writes, each in one message.
+struct ChildReport {
+    enum class Kind : int {
+        failedToStart, // with the error number
+        ended,         // the supervised program, with the status of waitpid(2)
+    };
+
+    Kind kind;
+    int value;
+};
+
 // Everything that a forked child needs to become the program, prepared before the fork: after it nothing may
 // be allocated, since another thread may have held the heap's lock.
 struct ChildSetup {
@@ -20,12 +31,18 @@ struct ChildSetup {
     int input;
     int output;
     int errorOutput;
-    int startError;              // where the error number is written if this fails
+    int report;                  // where ChildReport is written
     std::optional<pid_t> parent; // the process whose death kills it
     long openFilesLimit;
 };
 
-// To be called in a forked child, with all signals blocked.
+// All to be called in a forked child, with all signals blocked.
 [[noreturn]] void becomeProgram(const ChildSetup& setup) noexcept;
+
+// No signal is ignored, nor handled by the caller's handlers.
+void takeDefaultActions() noexcept;
+
+// Writes errno and ends the process.
+[[noreturn]] void reportStartError(const ChildSetup& setup) noexcept;
 
 } // namespace zelto

@@ -14,7 +14,7 @@
 namespace zelto {
 
 // Limits of a program that we run; an absent one does not apply. Each holds per process of the program's
-// group, as for setrlimit(2), except `wallTime`, which ends the whole group.
+// tree, as for setrlimit(2), except `wallTime`, which ends them all.
 struct ProcessLimits {
     std::optional<std::chrono::milliseconds> wallTime;
     std::optional<std::uint64_t> cpuSeconds;   // exceeding it ends the process with SIGXCPU
@@ -34,8 +34,11 @@ struct ProcessRequest {
     // How many bytes are kept of the end of each output. Zero redirects them to /dev/null, as is necessary
     // for a program that leaves another one running: that one could not write to a pipe without a reader.
     std::size_t keptOutput = 64 * 1024;
-    // Whether it and what it has started continue when it ends, or when the thread that waits for it dies;
-    // otherwise its whole group is killed then, also if this process is killed itself.
+    // Whether what it has started continues when it ends, and all of it when the thread that waits for it
+    // dies. Otherwise everything is killed then, also what has left the program's group or session, and also
+    // if this process is killed itself. What others start on its behalf (a service manager), or what runs as
+    // another user, is beyond our reach; so is, where the kernel has no /proc/*/task/*/children, what has
+    // left the group.
     bool outlivesUs = false;
 };
 
@@ -49,12 +52,12 @@ struct ProcessSignaled {
     bool operator==(const ProcessSignaled&) const = default;
 };
 
-// The wall time was exceeded; the group was killed.
+// The wall time was exceeded; all of it was killed.
 struct ProcessTimedOut {
     bool operator==(const ProcessTimedOut&) const = default;
 };
 
-// The caller requested a stop; the group was killed.
+// The caller requested a stop; all of it was killed.
 struct ProcessStopped {
     bool operator==(const ProcessStopped&) const = default;
 };
@@ -80,7 +83,8 @@ struct ProcessResult {
 std::string describe(const ProcessEnd& end);
 
 // Runs the program and waits for its end; a stop request kills it. When the program itself has ended, what it
-// started in its group is killed too, unless the request `outlivesUs`. Any thread, several at once.
+// started is killed too, unless the request `outlivesUs`. The caller's other children are not concerned. Any
+// thread, several at once.
 ProcessResult runProcess(const ProcessRequest& request, const std::stop_token& stop = {});
 
 } // namespace zelto

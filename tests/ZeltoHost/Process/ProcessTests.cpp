@@ -44,6 +44,18 @@ testing::AssertionResult endsSoon(int pid) {
     return testing::AssertionFailure() << "process " << pid << " lives on";
 }
 
+// Leaves the program's group and session, notes its number in the file that is the first argument, and runs
+// until it is killed.
+const std::string escaping =
+    "setsid sh -c 'sleep 1000 & echo $! > \"$1.part\"; mv \"$1.part\" \"$1\"; wait' sh \"$1\" & ";
+
+// Waits until the file is there.
+const std::string untilNoted = "while ! test -e \"$1\"; do sleep 0.01; done; ";
+
+int notedIn(const std::filesystem::path& note) {
+    return std::stoi(TemporaryFolder::read(note));
+}
+
 std::string statusLine(const std::string& status, const std::string& key) {
     std::istringstream lines(status);
     for (std::string line; std::getline(lines, line);) {
@@ -177,6 +189,64 @@ TEST(Process, TheWholeGroupEndsWhenWeAreKilled) {
     ::kill(caller, SIGKILL);
     ::waitpid(caller, nullptr, 0);
     EXPECT_TRUE(endsSoon(child));
+}
+
+TEST(Process, WhatLeavesItsSessionIsKilledWhenItEnds) {
+    const TemporaryFolder folder;
+    const auto note = folder / "child";
+    const auto result = runProcess(shell(escaping + untilNoted + "exit 3", {note}));
+    EXPECT_EQ(result.end, ProcessEnd(ProcessExited{3}));
+    EXPECT_FALSE(lives(notedIn(note)));
+}
+
+TEST(Process, WhatLeavesItsSessionIsKilledByAStopRequest) {
+    const TemporaryFolder folder;
+    const auto note = folder / "child";
+    std::stop_source stop;
+    std::jthread stopper([&] {
+        EXPECT_TRUE(eventually([&] { return std::filesystem::exists(note); }));
+        stop.request_stop();
+    });
+    const auto result = runProcess(shell(escaping + "exec sleep 1000", {note}), stop.get_token());
+    EXPECT_EQ(result.end, ProcessEnd(ProcessStopped{}));
+    EXPECT_FALSE(lives(notedIn(note)));
+}
+
+TEST(Process, WhatLeavesItsSessionIsKilledWhenWeAreKilled) {
+    const TemporaryFolder folder;
+    const auto note = folder / "child";
+    const auto caller = ::fork();
+    if (caller == 0) {
+        (void)runProcess(shell(escaping + "exec sleep 1000", {note}));
+        ::_exit(1);
+    }
+    ASSERT_TRUE(eventually([&] { return std::filesystem::exists(note); }));
+    const int child = notedIn(note);
+    EXPECT_TRUE(lives(child));
+    ::kill(caller, SIGKILL);
+    ::waitpid(caller, nullptr, 0);
+    EXPECT_TRUE(endsSoon(child));
+}
+
+TEST(Process, TheCallersOtherChildrenAreLeftAlone) {
+    const auto other = ::fork();
+    if (other == 0) {
+        ::pause();
+        ::_exit(0);
+    }
+    EXPECT_TRUE(runProcess(shell("sleep 1000 & exit 0")).succeeded());
+    EXPECT_TRUE(lives(other));
+    ::kill(other, SIGKILL);
+    int status = 0;
+    EXPECT_EQ(::waitpid(other, &status, 0), other);
+    EXPECT_TRUE(WIFSIGNALED(status));
+}
+
+TEST(Process, ItsStatusIsKnownThoughTheCallerIgnoresTheEndsOfItsChildren) {
+    const auto before = std::signal(SIGCHLD, SIG_IGN);
+    const auto result = runProcess(shell("exit 3"));
+    std::signal(SIGCHLD, before);
+    EXPECT_EQ(result.end, ProcessEnd(ProcessExited{3}));
 }
 
 TEST(Process, TheWallTimeEndsTheWholeGroup) {
