@@ -1,5 +1,7 @@
 #include <ZeltoHost/PDF/PDFConverter.h>
 
+#include <Platform/FileManager.h>
+
 #include "Output.h"
 #include <Support/Completed.h>
 #include <Support/Event.h>
@@ -42,12 +44,8 @@ class PDFConverterTest : public testing::Test {
 
     std::filesystem::path target() const { return folder_ / "out.pdf"; }
 
-    std::size_t filesBesideTarget() const {
-        std::size_t count = 0;
-        for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator(folder_.path())) {
-            ++count;
-        }
-        return count;
+    static std::ptrdiff_t filesIn(const std::filesystem::path& folder) {
+        return std::distance(std::filesystem::directory_iterator(folder), {});
     }
 
     TemporaryFolder folder_;
@@ -248,8 +246,10 @@ TEST_F(PDFConverterTest, TemporaryFilesOfAConverterGoWithIt) {
     EXPECT_FALSE(std::filesystem::exists(place)) << place;
 }
 
-TEST_F(PDFConverterTest, WeasyPrintLeavesNoFolderWhenItIsStopped) {
+TEST_F(PDFConverterTest, WeasyPrintLeavesNoFolderWhenItEndsOrIsStopped) {
     const TemporaryFolder place;
+    const auto ours = FileManager::temporaryDirectory().value();
+    const auto oursBefore = filesIn(ours);
     const std::string before = std::getenv("TMPDIR") == nullptr ? "" : std::getenv("TMPDIR");
     ::setenv("TMPDIR", place.path().c_str(), 1);
     std::string html;
@@ -257,8 +257,10 @@ TEST_F(PDFConverterTest, WeasyPrintLeavesNoFolderWhenItIsStopped) {
         html += "<div style='display:flex'><div>";
     }
     EXPECT_EQ(convert(html + "x", {.cpuSeconds = 3}).error().code, PDFErrorCode::timedOut);
+    EXPECT_TRUE(convert("<p>text</p>"));
     before.empty() ? ::unsetenv("TMPDIR") : ::setenv("TMPDIR", before.c_str(), 1);
     EXPECT_TRUE(std::filesystem::is_empty(place.path()));
+    EXPECT_EQ(filesIn(ours), oursBefore);
 }
 
 TEST_F(PDFConverterTest, WhatIsNoPDFIsRefusedAndTheOldFileStays) {
@@ -269,9 +271,9 @@ TEST_F(PDFConverterTest, WhatIsNoPDFIsRefusedAndTheOldFileStays) {
 
 TEST_F(PDFConverterTest, NothingButTheTargetIsLeftBehind) {
     const auto options = script("printf '%%PDF-1.4' > \"$2\"; echo x > \"$2.log\"");
-    const auto before = filesBesideTarget();
+    const auto before = filesIn(folder_.path());
     ASSERT_TRUE(convert("x", options));
-    EXPECT_EQ(filesBesideTarget(), before + 1);
+    EXPECT_EQ(filesIn(folder_.path()), before + 1);
 }
 
 TEST_F(PDFConverterTest, AMissingConverterIsReported) {
