@@ -124,8 +124,14 @@ StorageResult createIfMissing(const path& directory, const path& file) {
     if (!unfinished) {
         return failure(unfinished.error());
     }
-    const auto filled = fillNewFile(unfinished->file());
-    return filled ? publish(unfinished->file(), file) : filled;
+    auto done = fillNewFile(unfinished->file());
+    if (done) {
+        done = publish(unfinished->file(), file);
+    }
+    if (!done && done.error().path == unfinished->file()) {
+        done.error().path = file;
+    }
+    return done;
 }
 
 // By its path, since closing a descriptor of the file would release the locks that this process holds on it

@@ -16,6 +16,11 @@ bool isTemporary(const ServiceAccountConfiguration& account) {
            ServiceAccountCredentials::isFlowKey(account.credentials->serviceCredentialsKey);
 }
 
+bool mayStillBeRead(StorageErrorCode code) {
+    return code == StorageErrorCode::noSpace || code == StorageErrorCode::readOnly ||
+           code == StorageErrorCode::cannotAccess;
+}
+
 } // namespace
 
 Result<std::shared_ptr<SQLiteAccountStorage>, StorageError>
@@ -33,8 +38,7 @@ SQLiteAccountStorage::open(const std::filesystem::path& directory) {
 Result<std::shared_ptr<SQLiteAccountStorage>, StorageError>
 SQLiteAccountStorage::openForReading(const std::filesystem::path& directory) {
     auto storage = open(directory);
-    if (storage || (storage.error().code != StorageErrorCode::noSpace &&
-                    storage.error().code != StorageErrorCode::cannotAccess)) {
+    if (storage || !mayStillBeRead(storage.error().code)) {
         return storage;
     }
     auto connection = readAccountFile(directory);

@@ -1,11 +1,15 @@
 #include <ZeltoHost/Storage/SQLiteConnectionInternal.h>
 
+#include <Platform/FileDescriptor.h>
 #include <Platform/PercentEncoding.h>
 
+#include <cerrno>
 #include <random>
 #include <thread>
 
+#include <fcntl.h>
 #include <sqlite3.h>
+#include <unistd.h>
 
 namespace zelto {
 
@@ -41,6 +45,35 @@ StorageErrorCode codeOf(int result) {
     default:
         return StorageErrorCode::cannotAccess;
     }
+}
+
+// Whether the file could not be opened or written for a reason of the system's, which SQLite's text leaves
+// out.
+bool isOfSystem(int result) {
+    const int primary = result & 0xff;
+    return primary == SQLITE_IOERR || primary == SQLITE_CANTOPEN || primary == SQLITE_READONLY;
+}
+
+// Why no file can be made and filled in the folder; 0 if one can, or if that cannot be tried.
+int refusalToWriteIn(const std::filesystem::path& folder) {
+    const FileDescriptor tried(::open(folder.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600));
+    if (!tried) {
+        return errno == EOPNOTSUPP || errno == EISDIR ? 0 : errno;
+    }
+    constexpr char page[4096] = {};
+    return ::write(tried.number(), page, sizeof page) < 0 ? errno : 0;
+}
+
+// After a refusal SQLite goes on to other calls, which may leave an error number of their own.
+int systemNumberOf(sqlite3* database, const std::filesystem::path& file) {
+    const int last = sqlite3_system_errno(database);
+    if (last == ENOSPC || last == EDQUOT || last == EROFS) {
+        return last;
+    }
+    if (const int refusal = refusalToWriteIn(file.parent_path() / "."); refusal != 0) {
+        return refusal;
+    }
+    return ::access(file.c_str(), W_OK) != 0 ? errno : last;
 }
 
 } // namespace
@@ -168,7 +201,12 @@ StorageError SQLiteConnection::error() const {
     if (!database_) {
         return {StorageErrorCode::cannotAccess, path_, sqlite3_errstr(SQLITE_NOMEM)};
     }
-    return {codeOf(sqlite3_extended_errcode(database_.get())), path_, sqlite3_errmsg(database_.get())};
+    const int result = sqlite3_extended_errcode(database_.get());
+    const int systemNumber = isOfSystem(result) ? systemNumberOf(database_.get(), path_) : 0;
+    if (systemNumber != 0) {
+        return StorageError::fromSystem(systemNumber, path_);
+    }
+    return {codeOf(result), path_, sqlite3_errmsg(database_.get())};
 }
 
 } // namespace zelto

@@ -7,8 +7,8 @@
 
 namespace zelto {
 
-ZELTO_DESCRIBE_ENUM(StorageErrorCode, foreignOwner, openToOthers, cannotAccess, noSpace, busy, damaged,
-                    newerVersion, moved, recordDamaged, notEncodable);
+ZELTO_DESCRIBE_ENUM(StorageErrorCode, foreignOwner, openToOthers, cannotAccess, noSpace, readOnly, busy,
+                    damaged, newerVersion, moved, recordDamaged, notEncodable);
 
 namespace {
 
@@ -23,6 +23,8 @@ std::string sentence(StorageErrorCode code) {
         return " cannot be used";
     case StorageErrorCode::noSpace:
         return " cannot be written: no space left; free some and try again";
+    case StorageErrorCode::readOnly:
+        return " cannot be written: it is on a read-only disk; choose a directory that can be written to";
     case StorageErrorCode::busy:
         return " is in use by another process; try again";
     case StorageErrorCode::damaged:
@@ -39,12 +41,22 @@ std::string sentence(StorageErrorCode code) {
     return {};
 }
 
+StorageErrorCode codeOf(int systemNumber) {
+    switch (systemNumber) {
+    case ENOSPC:
+    case EDQUOT:
+        return StorageErrorCode::noSpace;
+    case EROFS:
+        return StorageErrorCode::readOnly;
+    default:
+        return StorageErrorCode::cannotAccess;
+    }
+}
+
 } // namespace
 
 StorageError StorageError::fromSystem(int systemNumber, std::filesystem::path path) {
-    const bool isFull = systemNumber == ENOSPC || systemNumber == EDQUOT;
-    return {isFull ? StorageErrorCode::noSpace : StorageErrorCode::cannotAccess, std::move(path),
-            std::generic_category().message(systemNumber)};
+    return {codeOf(systemNumber), std::move(path), std::generic_category().message(systemNumber)};
 }
 
 std::string StorageError::message() const {

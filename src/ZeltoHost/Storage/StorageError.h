@@ -10,8 +10,9 @@ namespace zelto {
 enum class StorageErrorCode {
     foreignOwner,  // the directory or a file belongs to another user
     openToOthers,  // others have access to the directory, and it contains files that are not ours
-    cannotAccess,  // refused by the system: permissions, a read-only disk, no directory
+    cannotAccess,  // refused by the system: permissions, no directory
     noSpace,       // or the quota is used up
+    readOnly,      // the disk is mounted so
     busy,          // another process has locked the file for five seconds
     damaged,       // not an account storage, or a truncated or changed one; it was not written to
     newerVersion,  // made by a later version of this program

@@ -28,16 +28,25 @@ const std::array<State, 4> states{
 
 constexpr int failed = 100;
 
-// Takes the steps in a new folder or one that is there, until one fails; gives how many succeeded.
-int takeSteps(const std::filesystem::path& folder) {
+// Names no file that is made for a moment only.
+bool isSaidOf(const StorageError& error, StorageErrorCode code) {
+    return error.code == code && !error.message().contains("zelto-new");
+}
+
+// Takes the steps in a new folder or one that is there, until one fails; gives how many succeeded, or
+// `failed` if the reason is not the expected one.
+int takeSteps(const std::filesystem::path& folder, std::optional<StorageErrorCode> expected) {
     const auto opening = SQLiteAccountStorage::open(folder);
     if (!opening) {
-        return 0;
+        return expected && !isSaidOf(opening.error(), *expected) ? failed : 0;
     }
     auto& storage = **opening;
     int done = 0;
     const auto isDone = [&](const Result<void, StorageError>& result) {
         done += result ? 1 : 0;
+        if (!result && expected && !isSaidOf(result.error(), *expected)) {
+            done = failed;
+        }
         return result.has_value();
     };
     const bool allDone = isDone(storage.trySave(account(ServiceType::Bear, "a"))) &&
@@ -71,17 +80,19 @@ void expectRecovered(const std::filesystem::path& folder, std::size_t done) {
 
 // Takes the steps once for each call that `fails` tells of, which gets the number of that round.
 void expectRecoveryFromEach(
-    const std::function<TracedDecision(const TracedCall&, int& seen, int round)>& fails, int minimumRounds) {
+    const std::function<TracedDecision(const TracedCall&, int& seen, int round)>& fails, int minimumRounds,
+    std::optional<StorageErrorCode> expected = {}) {
     int round = 1;
     for (bool isReached = true; isReached && !testing::Test::HasFailure(); ++round) {
         SCOPED_TRACE("call " + std::to_string(round));
         const TemporaryFolder outside;
         const auto folder = outside / "data";
         int seen = 0;
-        const auto done = runTraced([&] { return takeSteps(folder); },
+        const auto done = runTraced([&] { return takeSteps(folder, expected); },
                                     [&](const TracedCall& call) { return fails(call, seen, round); });
         isReached = seen >= round;
         ASSERT_TRUE(done);
+        ASSERT_NE(*done, failed) << "another reason";
         expectRecovered(*done == 0 ? (std::filesystem::create_directories(folder), folder) : folder,
                         static_cast<std::size_t>(*done));
     }
@@ -134,7 +145,7 @@ TEST_F(FailingDisk, ThatIsFullFromAnyCallOnLeavesNoDamage) {
             return call.needsSpace() && ++seen >= round ? TracedDecision::fail(ENOSPC)
                                                         : TracedDecision::goOn();
         },
-        40);
+        40, StorageErrorCode::noSpace);
 }
 
 TEST_F(FailingDisk, ThatFailsOnceAtAnyChangingCallLeavesNoDamage) {
@@ -185,7 +196,16 @@ TEST_F(FailingDisk, TakesNoAccountOfAStorageThatOnlyReads) {
         const auto saved = (*storage)->trySave(account(ServiceType::Bear, "c"));
         return saved ? 0 : static_cast<int>(saved.error().code);
     };
-    EXPECT_EQ(runTraced(save, onReadOnlyDisk), static_cast<int>(StorageErrorCode::cannotAccess));
+    EXPECT_EQ(runTraced(save, onReadOnlyDisk), static_cast<int>(StorageErrorCode::readOnly));
+}
+
+TEST_F(FailingDisk, ThatCannotBeWrittenToIsSaidOfAStorageThatWouldWrite) {
+    const ClosedStorage closed;
+    const auto open = [&] {
+        const auto storage = SQLiteAccountStorage::open(closed.folder.path());
+        return storage ? 0 : static_cast<int>(storage.error().code);
+    };
+    EXPECT_EQ(runTraced(open, onReadOnlyDisk), static_cast<int>(StorageErrorCode::readOnly));
 }
 
 } // namespace zelto
