@@ -127,6 +127,12 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         return Adapter::passedLimits(*exporter_, *prepared_, requests);
     }
 
+    bool tellsMissingTargets() const override { return Adapter::tellsMissingTargets; }
+
+    std::vector<std::string> refusals(const std::vector<SentRequest>& requests) const override {
+        return Adapter::refusals(requests);
+    }
+
   private:
     IntegrationExportContentTypes types() const { return exporter_->contentTypes(exporter_->exportTarget()); }
 

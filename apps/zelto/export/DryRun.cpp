@@ -3,6 +3,9 @@
 #include "export/RequestDescription.h"
 #include "export/RequestRecorder.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace zelto::cli {
 
 namespace {
@@ -32,12 +35,20 @@ JSONObject describedPlan(const ExportPlan& plan, const MessageWork& work) {
             {"attachments", std::move(attachments)}};
 }
 
-std::string linesOf(const std::vector<PassedLimit>& limits, const Terminal& terminal) {
-    std::string lines = limits.empty() ? "" : "\n";
-    for (const auto& limit : limits) {
-        lines += terminal.shown(sentenceOf(limit)) + "\n";
+std::string linesOf(const std::vector<std::string>& sentences, const Terminal& terminal) {
+    std::string lines = sentences.empty() ? "" : "\n";
+    for (const auto& sentence : sentences) {
+        lines += terminal.shown(sentence) + "\n";
     }
     return lines;
+}
+
+JSONValue described(const std::vector<std::string>& sentences) {
+    JSONValue::Array all;
+    for (const auto& sentence : sentences) {
+        all.emplace_back(sentence);
+    }
+    return all;
 }
 
 Failure failureOf(IntegrationExportError error, const MessageWork& work, const ExportPlan& plan,
@@ -67,11 +78,17 @@ Outcome<Report> dryRun(const MessageWork& work, const ExportPlan& plan, const Te
     const auto result = run();
     const auto requests = (*recorder)->requests();
     const auto limits = work.session->passedLimits(requests);
+    const auto refusals = work.session->refusals(requests);
+    auto sentences = refusals;
+    std::ranges::transform(limits, std::back_inserter(sentences), sentenceOf);
     Report report{.members = describedPlan(plan, work),
                   .text = planLine(plan, work, terminal) + linesOf(requests, terminal) +
-                          linesOf(limits, terminal)};
+                          linesOf(sentences, terminal)};
     report.members.set("requests", described(requests));
     report.members.set("limits", described(limits));
+    if (!refusals.empty()) {
+        report.members.set("refusals", described(refusals));
+    }
     if (!result) {
         return failure(failureOf(result.error(), work, plan, std::move(report), !requests.empty()));
     }

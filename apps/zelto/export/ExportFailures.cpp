@@ -85,6 +85,9 @@ Advice reasonOf(const Refused& refused, const ExportCircumstances& about) {
         if (refused.excessiveSize) {
             return {tooLarge(refused, about.service), withoutFile(refused, about)};
         }
+        if (about.tellsMissingTargets) {
+            return {"it refused the request", NextCommand::againWith("--dry-run")};
+        }
         return isFirst(refused, about.report)
                    ? Advice{"it refused the request, and may not have what it was to go into any more",
                             refreshCommand(about.account)}

@@ -26,6 +26,7 @@ struct ExportCircumstances {
     std::vector<std::string> tags;
     std::string openerFailure;
     std::optional<Failure> missingTarget; // where the export needs a target and none is chosen
+    bool tellsMissingTargets = false;     // whether the service refuses those in a way of their own
     std::optional<PDFError> pdfError;
     ExportReport report;
     std::chrono::milliseconds timeout{0};

@@ -80,9 +80,14 @@ class ExportSession {
     // What the last export did on its service.
     virtual ExportReport report() const = 0;
 
-    // For a dry run: the response to a request of the export, and the limits that the requests would pass.
+    // Whether the service refuses a request for a target that is not there in a way of its own.
+    virtual bool tellsMissingTargets() const = 0;
+
+    // For a dry run: the response to a request of the export, the limits that the requests would pass, and
+    // sentences about what else of them the service would refuse.
     virtual std::string standInResponse(const SentRequest& request) const = 0;
     virtual std::vector<PassedLimit> passedLimits(const std::vector<SentRequest>& requests) const = 0;
+    virtual std::vector<std::string> refusals(const std::vector<SentRequest>& requests) const = 0;
 };
 
 } // namespace zelto::cli

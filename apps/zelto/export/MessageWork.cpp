@@ -119,6 +119,7 @@ ExportCircumstances MessageWork::circumstances(const ExportPlan& plan) const {
             .tags = plan.tags,
             .openerFailure = delivery->failureMessage(),
             .missingTarget = plan.missingTarget,
+            .tellsMissingTargets = session->tellsMissingTargets(),
             .pdfError = platform->lastPDFError(),
             .report = session->report()};
 }

@@ -58,6 +58,12 @@ template <class E> struct ServiceAdapter {
 
     static constexpr bool needsTarget = true;
 
+    // Whether the service responds with 404, and with that alone, where it does not have a target.
+    static constexpr bool tellsMissingTargets = false;
+
+    // In a dry run: what of the requests the service would refuse, beside what passes a limit; in sentences.
+    static std::vector<std::string> refusals(const std::vector<SentRequest>& /*requests*/) { return {}; }
+
     // The data that the targets are chosen from: as they were loaded last, or with `force` from the service.
     template <class Done> static void loadTargetData(Exporter& exporter, bool force, Done done) {
         exporter.loadData(force, std::move(done));

@@ -2,8 +2,11 @@
 
 #include <Platform/JSON/JSONValue.h>
 #include <Platform/Text.h>
+#include <Platform/URL.h>
 
 #include <algorithm>
+#include <initializer_list>
+#include <iterator>
 #include <string_view>
 #include <utility>
 
@@ -18,13 +21,6 @@ constexpr std::size_t maximumLink = 2000;
 constexpr std::uint64_t maximumRequest = 500'000; // bytes
 constexpr std::size_t maximumListed = 100;        // databases
 
-// The greatest lengths in a request, in UTF-16 units.
-struct Lengths {
-    std::size_t title = 0;
-    std::size_t text = 0;
-    std::size_t link = 0;
-};
-
 // A member of a member of an object, and so on; null where there is none.
 const JSONValue* find(const JSONValue& value, std::initializer_list<std::string_view> keys) {
     const auto* found = &value;
@@ -34,8 +30,10 @@ const JSONValue* find(const JSONValue& value, std::initializer_list<std::string_
     return found;
 }
 
-std::size_t lengthOf(const JSONValue* text) {
-    return text && text->asString() ? utf16Length(*text->asString()) : 0;
+void addText(const JSONValue* text, std::vector<std::string>& texts) {
+    if (text && text->asString()) {
+        texts.push_back(*text->asString());
+    }
 }
 
 const JSONValue::Array& arrayOf(const JSONValue* value) {
@@ -43,30 +41,57 @@ const JSONValue::Array& arrayOf(const JSONValue* value) {
     return value && value->asArray() ? *value->asArray() : none;
 }
 
-void measureBlock(const JSONValue& block, Lengths& lengths) {
+// What the service has limits for, of the request that makes a page.
+struct PageTexts {
+    std::vector<std::string> titles;
+    std::vector<std::string> texts;
+    std::vector<std::string> links;
+
+    static PageTexts of(const SentRequest& request);
+
+  private:
+    void add(const JSONValue& block);
+};
+
+PageTexts PageTexts::of(const SentRequest& request) {
+    PageTexts all;
+    const auto body = JSONValue::parse(request.text.value_or(""));
+    if (!body) {
+        return all;
+    }
+    for (const auto& item : arrayOf(find(*body, {"properties", "title", "title"}))) {
+        addText(find(item, {"text", "content"}), all.titles);
+    }
+    for (const auto& block : arrayOf(body->find("children"))) {
+        all.add(block);
+    }
+    return all;
+}
+
+void PageTexts::add(const JSONValue& block) {
     const auto* type = block.find("type");
     if (!type || !type->asString()) {
         return;
     }
     for (const auto& item : arrayOf(find(block, {*type->asString(), "rich_text"}))) {
-        lengths.text = std::max(lengths.text, lengthOf(find(item, {"text", "content"})));
-        lengths.link = std::max(lengths.link, lengthOf(find(item, {"text", "link", "url"})));
+        addText(find(item, {"text", "content"}), texts);
+        addText(find(item, {"text", "link", "url"}), links);
     }
 }
 
-Lengths lengthsIn(const SentRequest& request) {
-    Lengths lengths;
-    const auto body = JSONValue::parse(request.text.value_or(""));
-    if (!body) {
-        return lengths;
+// The greatest length, in UTF-16 units.
+std::size_t maximumLength(const std::vector<std::string>& texts) {
+    std::size_t length = 0;
+    for (const auto& text : texts) {
+        length = std::max(length, utf16Length(text));
     }
-    for (const auto& item : arrayOf(find(*body, {"properties", "title", "title"}))) {
-        lengths.title = std::max(lengths.title, lengthOf(find(item, {"text", "content"})));
-    }
-    for (const auto& block : arrayOf(body->find("children"))) {
-        measureBlock(block, lengths);
-    }
-    return lengths;
+    return length;
+}
+
+bool isTakenAsLink(std::string_view text) {
+    constexpr std::string_view schemes[] = {"http", "https", "mailto", "tel"};
+    const auto url = URL::parse(text);
+    return url && std::ranges::find(schemes, url->scheme()) != std::end(schemes);
 }
 
 } // namespace
@@ -115,6 +140,19 @@ std::optional<NotionFullData> NotionAdapter::keptData(const NotionExporter& expo
     return NotionFullData{.me = *std::move(me), .databases = *std::move(databases)};
 }
 
+std::vector<std::string> NotionAdapter::refusals(const std::vector<SentRequest>& requests) {
+    std::vector<std::string> sentences;
+    for (const auto& request : requests) {
+        for (const auto& link : PageTexts::of(request).links) {
+            if (!isTakenAsLink(link)) {
+                sentences.push_back("Notion would refuse the link " + link +
+                                    ": it takes links by http, https, mailto and tel alone.");
+            }
+        }
+    }
+    return sentences;
+}
+
 std::string NotionAdapter::standInResponse(const SentRequest& /*request*/) {
     return R"({"object":"page","id":"NEW-PAGE"})";
 }
@@ -125,10 +163,10 @@ std::vector<PassedLimit> NotionAdapter::passedLimits(const NotionExporter& /*exp
     constexpr auto units = "UTF-16 units";
     LimitCheck limits;
     for (const auto& request : requests) {
-        const auto lengths = lengthsIn(request);
-        limits.check("the page's title", lengths.title, maximumText, units);
-        limits.check("a text of the page", lengths.text, maximumText, units);
-        limits.check("a link of the page", lengths.link, maximumLink, units);
+        const auto page = PageTexts::of(request);
+        limits.check("the page's title", maximumLength(page.titles), maximumText, units);
+        limits.check("a text of the page", maximumLength(page.texts), maximumText, units);
+        limits.check("a link of the page", maximumLength(page.links), maximumLink, units);
         limits.check("the request", request.bodySize, maximumRequest, "bytes");
     }
     return limits.passed();

@@ -27,6 +27,9 @@ struct NotionAdapter : WebAdapter<NotionExporter> {
         }
     }
 
+    static constexpr bool tellsMissingTargets = true;
+
+    static std::vector<std::string> refusals(const std::vector<SentRequest>& requests);
     static std::string standInResponse(const SentRequest& request);
     static std::vector<PassedLimit> passedLimits(const NotionExporter& exporter,
                                                  const NotionExportConfiguration& configuration,

@@ -235,6 +235,38 @@ TEST_F(NotionCommands, ALinkThatTheServiceDoesNotTakeIsNamedByItsWords) {
         << exported.output;
 }
 
+TEST_F(NotionCommands, ALinkOfAnotherSchemeIsNamedByTheDryRunThatARefusalSuggests) {
+    const auto exported = exportOf(mail, {"--as", "backLink", "--title", "Title", "--json"});
+    EXPECT_EQ(exported.text("message"),
+              "Notion did not take the page \"Title\": it refused the request (\"Invalid URL for link.\").");
+    EXPECT_NE(exported.text("next").find(" --dry-run"), std::string::npos) << exported.output;
+    const std::string sentence =
+        "Notion would refuse the link mid:kickoff-2025.43@harbour.example: it takes links by "
+        "http, https, mailto and tel alone.";
+    const ZeltoProgram::Arguments dryRun{"--as", "backLink", "--dry-run"};
+    EXPECT_TRUE(exportOf(mail, dryRun).output.ends_with("\n\n" + sentence + "\n"));
+    const auto document = exportOf(mail, {"--as", "backLink", "--dry-run", "--json"}).json();
+    EXPECT_EQ(document.find("refusals")->text().value(), R"([")" + sentence + R"("])");
+    const auto without = exportOf(mail, {"--as", "emailWeblink", "--dry-run", "--json"}).json();
+    EXPECT_EQ(without.find("refusals"), nullptr);
+}
+
+TEST(NotionAdapter, RefusesLinksOfOtherSchemes) {
+    const auto refusals = [](const std::string& url) {
+        return cli::NotionAdapter::refusals({{.method = "POST",
+                                              .url = {},
+                                              .text = JSONValue(withText(item("a", url))).text().value()}})
+            .size();
+    };
+    for (const auto* url :
+         {"http://a.example", "HTTPS://a.example", "mailto:a@a.example", "tel:+491701234567"}) {
+        EXPECT_EQ(refusals(url), 0U) << url;
+    }
+    for (const auto* url : {"mid:1@a.example", "zelto://m", "javascript:alert(1)", "a.example", ""}) {
+        EXPECT_EQ(refusals(url), 1U) << url;
+    }
+}
+
 TEST_F(NotionCommands, ALongMessageSaysHowMuchOfItIsLeftOut) {
     // Beside the header there is room for 98 blocks.
     EXPECT_EQ(exportOf(mailOfHeadings(98)).errorOutput, "");
