@@ -128,10 +128,12 @@ class Page(Case):
             notion_block("paragraph", notion_text("See it before Friday.")),
             {"divider": {}},
             notion_block("heading_1", notion_text("Überschrift & mehr")),
-            notion_block("paragraph", notion_text("bold", bold=True), notion_text(" and "), notion_text("plan", "https://plan.example/1",
-                         underline=True, color="blue"), notion_text(" or "), notion_text("Robin", "mailto:robin@mail.example")),
+            notion_block("paragraph", notion_text("bold", bold=True), notion_text(" and "),
+                         notion_text("plan", "https://plan.example/1", underline=True, color="blue"), notion_text(" or "),
+                         notion_text("Robin", "mailto:robin@mail.example")),
             notion_block("bulleted_list_item", notion_text("first")),
-            notion_block("bulleted_list_item", notion_text("second"), children=[notion_block("paragraph", notion_text("inner"))]),
+            notion_block("bulleted_list_item", notion_text("second"),
+                         children=[notion_block("paragraph", notion_text("inner"))]),
             notion_block("to_do", notion_text("done"), checked=True),
             notion_block("paragraph", notion_text("مرحبا بالعالم")),
         ]
@@ -141,8 +143,8 @@ class Page(Case):
         self.assertEqual(self.tab.run(f"Array.from({paper}.querySelector('.blocks').children, (each) => each.localName)"),
                          ["p", "hr", "h4", "p", "ul", "div", "p"])
         text = self.tab.run(f"{paper}.innerText")
-        for expected in ("読書 & notes", "See it before Friday.", "Überschrift & mehr", "bold and plan or Robin (mailto:robin@mail.example)",
-                         "inner", "☑ done"):
+        for expected in ("読書 & notes", "See it before Friday.", "Überschrift & mehr",
+                         "bold and plan or Robin (mailto:robin@mail.example)", "inner", "☑ done"):
             self.assertIn(expected, text)
         style = f"getComputedStyle({paper}.querySelector('{{}}')).{{}}"
         self.assertEqual(self.tab.run(style.format(".bold", "fontWeight")), "700")
@@ -153,7 +155,8 @@ class Page(Case):
         row = self.tab.run("document.querySelector('.of-notion .is-newest tr').innerText")
         self.assertIn("newest", row)
         section = self.tab.run("document.querySelector('.of-notion').innerText")
-        for expected in ("Robin Sandbox, robin@sandbox.example, in Sandbox", "Journal – Größe & Maß 📓", "Name", "Notes", "and 4 databases without pages"):
+        for expected in ("Robin Sandbox, robin@sandbox.example, in Sandbox", "Journal – Größe & Maß 📓", "Name", "Notes",
+                         "and 4 databases without pages"):
             self.assertIn(expected, section)
         self.assertNothingRan()
 
@@ -164,7 +167,8 @@ class Page(Case):
             self.sandbox.add_notion_page(token, name)
         self.show()
         self.tab.wait(f"{titles} === 'Second'")
-        self.tab.run("Array.from(document.querySelectorAll('.of-notion .page-name')).find((each) => each.innerText.includes('First')).click()")
+        self.tab.run("Array.from(document.querySelectorAll('.of-notion .page-name')).find("
+                     "(each) => each.innerText.includes('First')).click()")
         self.assertEqual(self.tab.run(titles), "Second,First")
         self.sandbox.add_notion_page(token, "Third", [notion_block("quote", notion_text("a"))])
         self.tab.wait(f"{titles} === 'Third,First'")

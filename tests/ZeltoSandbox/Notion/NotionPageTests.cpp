@@ -1,5 +1,8 @@
 #include <ZeltoSandbox/Notion/NotionCaller.h>
 
+#include <iterator>
+#include <random>
+
 namespace zelto {
 
 // What a page may have: its parent, its properties and its blocks.
@@ -66,6 +69,24 @@ JSONObject nested(std::size_t count, std::size_t inner) {
     auto block = notionBlock("toggle", {});
     block.find("toggle")->set("children", JSONValue::Array(count, child));
     return block;
+}
+
+// Puts something else in the place of a random value.
+void mutate(JSONValue& value, std::mt19937& random) {
+    auto* const object = value.asObject();
+    auto* const array = value.asArray();
+    const auto size = object ? object->size() : array ? array->size() : 0;
+    const auto place = size == 0 ? 0 : random() % (size + 1);
+    if (place == size) {
+        const char* others[] = {
+            "null", "true", "-1", "1e99", R"("text")", "[]", "{}", "[[{}]]", R"({"type":"quote"})"};
+        value = notionJSON(others[random() % std::size(others)]);
+    } else if (object) {
+        const auto key = object->begin()[place].first;
+        mutate(*object->find(key), random);
+    } else {
+        mutate((*array)[place], random);
+    }
 }
 
 } // namespace
@@ -325,6 +346,29 @@ TEST_F(NotionPageTest, HasBlocksOfKnownTypes) {
 TEST_F(NotionPageTest, NamesTheBeginningOfALongValue) {
     EXPECT_EQ(create(withParent(std::string(300, 'a'))),
               invalid("body.parent should be an object, instead was `\"" + std::string(199, 'a') + "…`."));
+}
+
+TEST_F(NotionPageTest, IsTakenOrRefusedWhateverStandsInTheRequest) {
+    std::mt19937 random(7);
+    int takenCount = 0;
+    constexpr int count = 400;
+    for (int i = 0; i < count; ++i) {
+        JSONValue page = notionPage(
+            {nested(1, 1),
+             notionParagraph(notionJSON(
+                 R"({"type":"text","text":{"content":"a","link":{"url":"https://a.example"}},"annotations":{"bold":true}})"))});
+        mutate(page, random);
+        if (!page.asObject()) {
+            continue;
+        }
+        const auto response = create(*page.asObject());
+        takenCount += response == "200" ? 1 : 0;
+        EXPECT_TRUE(response == "200" || response.starts_with("400 validation_error: ") ||
+                    response.starts_with("404 object_not_found: "))
+            << page.text().value() << response;
+    }
+    EXPECT_GT(takenCount, 0);
+    EXPECT_LT(takenCount, count / 2);
 }
 
 TEST_F(NotionPageTest, IsNotMadeAfterARefusal) {

@@ -226,6 +226,24 @@ TEST_F(NotionCommands, ADryRunNamesTheLimitsThatAnExportPassesAllTheSame) {
     EXPECT_TRUE(pages().empty());
 }
 
+TEST_F(NotionCommands, ARequestThatIsTooLargeIsNamedByTheDryRunAndByTheError) {
+    std::string text;
+    while (text.size() < 600'000) {
+        text += std::string(70, 'a') + "\r\n";
+    }
+    const auto large = zelto.home.write("large.eml", mailWith("Large", text)).string();
+    const auto dryRun = exportOf(large, {"--dry-run", "--json"}).json();
+    const auto& limits = *dryRun.find("limits")->asArray();
+    ASSERT_EQ(limits.size(), 1U);
+    EXPECT_EQ(*limits.front().find("what")->asString(), "the request");
+    EXPECT_EQ(limits.front().find("limit")->asInt64(), 500'000);
+    EXPECT_GT(limits.front().find("actual")->asInt64().value(), 600'000);
+    const auto exported = exportOf(large, {"--json"});
+    EXPECT_EQ(exported.text("message"),
+              "Notion did not take the page \"Large\": it refused the request (\"body failed validation: the "
+              "request should be ≤ `500000` bytes.\").");
+}
+
 TEST_F(NotionCommands, ALinkThatTheServiceDoesNotTakeIsNamedByItsWords) {
     const auto exported = exportOf(
         mail, {"--as", "webLink", "--web-link", "https://a.example/" + std::string(1990, 'a'), "--json"});
