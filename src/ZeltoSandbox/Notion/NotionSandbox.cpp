@@ -90,6 +90,13 @@ void readProperties(NotionPageRecord& page, const NotionDatabaseRecord& database
     }
 }
 
+// Of two objects with the times of their last edits; those of one time by their identifiers.
+bool isInFront(const std::pair<Date, JSONObject>& left, const std::pair<Date, JSONObject>& right) {
+    return left.first != right.first
+               ? left.first > right.first
+               : *left.second.find("id")->asString() < *right.second.find("id")->asString();
+}
+
 } // namespace
 
 const SandboxEndpoint<NotionSandbox> NotionSandbox::endpoints[] = {
@@ -205,7 +212,7 @@ std::vector<JSONObject> NotionSandbox::objects() const {
             all.emplace_back(page.date, notionPageJSON(page, database));
         }
     }
-    std::ranges::stable_sort(all, std::ranges::greater(), &std::pair<Date, JSONObject>::first);
+    std::ranges::sort(all, isInFront);
     std::vector<JSONObject> objects;
     for (auto& [date, object] : all) {
         objects.push_back(std::move(object));
