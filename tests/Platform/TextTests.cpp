@@ -236,3 +236,14 @@ TEST(Text, LeavesHarmlessTextUnescaped) {
     EXPECT_EQ(escapeControlCharacters(text), text);
     EXPECT_EQ(escapeControlCharacters(""), "");
 }
+
+TEST(Text, CountsDecimalDigitsOfAnyScript) {
+    EXPECT_EQ(decimalDigitCount(""), 0u);
+    EXPECT_EQ(decimalDigitCount("+49 (30) 12a"), 6u);
+    EXPECT_EQ(decimalDigitCount("\u0661\u0967\U0001D7D8"), 3u);
+    EXPECT_EQ(decimalDigitCount("\u00B2\u00BD\u2167\u4E09"), 0u);
+    EXPECT_EQ(decimalDigitCount("1\xff"
+                                "2\xe2\x82"
+                                "3\xcc"),
+              3u);
+}

@@ -29,10 +29,13 @@ class ServiceRequest {
     // "Content-Type" and "Accept" of JSON.
     ServiceRequest&& jsonHeaders() &&;
 
-    // A body of JSON, without a header. A value that has no JSON leaves the request without a body.
+    // A body of JSON, without a header. For a value that has no JSON, as a text that is not UTF-8, there is
+    // no request.
     template <class T> ServiceRequest&& json(const T& value, const JSONEncoder& encoder = {}) && {
         if (auto text = encoder.encode(value)) {
             request_.body = HTTPBody(*std::move(text));
+        } else {
+            addBody_ = [](URLRequest&) { return false; };
         }
         return std::move(*this);
     }

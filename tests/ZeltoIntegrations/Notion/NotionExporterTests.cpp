@@ -1,0 +1,179 @@
+#include <Support/NotionExport.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <latch>
+
+namespace zelto {
+
+namespace {
+
+using Texts = std::vector<std::string>;
+using Type = IntegrationExportContentType;
+using Visibility = IntegrationWebLinkVisibility;
+using Link = IntegrationLinkType;
+
+constexpr auto raw = IntegrationLinkFormat::raw;
+
+class NotionExporterTest : public testing::Test {
+  protected:
+    // Sorted, since two of them are sent side by side.
+    Texts lines() const {
+        auto lines = service.lines();
+        std::ranges::sort(lines);
+        return lines;
+    }
+
+    NotionExport one;
+    NotionServer service;
+};
+
+} // namespace
+
+TEST_F(NotionExporterTest, ContentTypesAreThoseOfTheTarget) {
+    EXPECT_EQ(
+        one.exporter()->contentTypes(IntegrationExportTarget::email),
+        (IntegrationExportContentTypes{
+            Type::emailWeblink, {Type::emailBacklink, Type::emailWeblink, Type::backLink, Type::webLink}}));
+    EXPECT_EQ(one.exporter()->contentTypes(IntegrationExportTarget::meetingNote),
+              (IntegrationExportContentTypes{
+                  Type::mtSummaryWeblink,
+                  {Type::mtSummaryBacklink, Type::mtSummaryWeblink, Type::backLink, Type::webLink}}));
+}
+
+TEST_F(NotionExporterTest, PreviewIsTheTextOrTheLink) {
+    one.exporter()->webLinks.storeFrom(
+        NotionExportConfiguration{.webLinkVisibility = Visibility::team, .teamId = 7});
+    one.data->linkText = "zelto://m";
+    EXPECT_EQ(one.preview(Type::emailBacklink), IntegrationExportPreview::email("Body"));
+    EXPECT_EQ(one.preview(Type::emailWeblink), IntegrationExportPreview::email("Body"));
+    EXPECT_EQ(one.preview(Type::mtSummaryBacklink), IntegrationExportPreview::email("Summary"));
+    EXPECT_EQ(one.preview(Type::mtSummaryWeblink), IntegrationExportPreview::email("Summary"));
+    EXPECT_EQ(one.preview(Type::backLink), IntegrationExportPreview::backLink("zelto://m"));
+    EXPECT_EQ(one.preview(Type::webLink), IntegrationExportPreview::webLink("zelto://m"));
+    const auto webLink = Link::webLink(raw, Visibility::team, 7);
+    EXPECT_EQ(one.data->askedLinks(), (std::vector{Link::backlink(raw), webLink, Link::backlink(raw), webLink,
+                                                   Link::backlink(raw), webLink}));
+    for (const auto type : {Type::pdf, Type::externalLink, Type::plainText, Type::attachment}) {
+        EXPECT_EQ(one.preview(type), std::nullopt);
+    }
+}
+
+TEST_F(NotionExporterTest, ConfigurationOffersTheFirstDatabaseAsAJournal) {
+    one.data->titleText = "Subject";
+    NotionExportConfiguration expected{
+        .saveTo = std::nullopt,
+        .saveAs = Type::emailWeblink,
+        .userTitle = "Subject",
+        .webLinkVisibility = Visibility::onlyMe,
+        .teamId = std::nullopt,
+        .userNote = std::nullopt,
+        .supportedContentTypes = {Type::emailBacklink, Type::emailWeblink, Type::backLink, Type::webLink}};
+    EXPECT_EQ(one.offered(), expected);
+    one.exporter()->databases.set(std::vector<NotionDatabase>{});
+    EXPECT_EQ(one.offered(), expected);
+    one.exporter()->databases.set(notionDatabases());
+    expected.saveTo = NotionSaveToInfo::journal({"d1", "Journal"});
+    EXPECT_EQ(one.offered(), expected);
+
+    one.data->target = IntegrationExportTarget::meetingNote;
+    expected.saveAs = Type::mtSummaryWeblink;
+    expected.supportedContentTypes = {Type::mtSummaryBacklink, Type::mtSummaryWeblink, Type::backLink,
+                                      Type::webLink};
+    EXPECT_EQ(one.offered(), expected);
+}
+
+TEST_F(NotionExporterTest, ConfigurationOffersWhatWasChosenLast) {
+    const auto gone = NotionSaveToInfo::task({.project = {"gone", "Gone"}, .dueDate = Date()});
+    one.exporter()->lastExportInfo.set(gone);
+    one.exporter()->databases.set(notionDatabases());
+    one.exporter()->setLastExportContentType(Type::backLink);
+    one.exporter()->webLinks.storeFrom(
+        NotionExportConfiguration{.webLinkVisibility = Visibility::team, .teamId = 7});
+    const auto offered = one.offered();
+    EXPECT_EQ(offered.saveTo, gone);
+    EXPECT_EQ(offered.saveAs, Type::backLink);
+    EXPECT_EQ(offered.webLinkVisibility, Visibility::team);
+    EXPECT_EQ(offered.teamId, 7U);
+}
+
+TEST_F(NotionExporterTest, WhatIsLoadedAlreadyIsGivenWithoutARequest) {
+    const NotionFullData kept{.me = {.id = "k"}, .databases = {{"d", "Kept"}}, .users = {}};
+    one.exporter()->me.set(kept.me);
+    one.exporter()->databases.set(kept.databases);
+    EXPECT_EQ(one.load(false).value(), kept);
+    EXPECT_EQ(service.lines(), Texts{});
+
+    one.exporter()->users.set(std::vector<NotionUser>{{.id = "u"}});
+    EXPECT_EQ(one.load(false).value()->users, std::vector<NotionUser>{{.id = "u"}});
+}
+
+TEST_F(NotionExporterTest, WhatIsMissingIsLoadedWithoutForce) {
+    one.exporter()->me.set(NotionUser{.id = "k"});
+    EXPECT_EQ(one.load(false).value(),
+              (NotionFullData{.me = {.id = "u1", .name = "Me", .email = "me@example.org"},
+                              .databases = notionDatabases(),
+                              .users = {}}));
+    EXPECT_EQ(lines(), (Texts{"GET /v1/users/me", "POST /v1/search"}));
+    EXPECT_EQ(one.exporter()->users(), std::vector<NotionUser>{});
+}
+
+TEST_F(NotionExporterTest, BothRequestsOfALoadingAreUnderWayAtOnce) {
+    const auto both = std::make_shared<std::latch>(2);
+    service.onRequest = [both](const auto&) {
+        both->arrive_and_wait();
+        return std::nullopt;
+    };
+    EXPECT_TRUE(one.load(true));
+}
+
+TEST_F(NotionExporterTest, OfTwoFailuresThatOfTheUserCounts) {
+    service.onRequest = [](const ReceivedRequest& request) {
+        return request.target == "/v1/search" ? PlayedResponse::json("no", 500) : PlayedResponse::reset();
+    };
+    EXPECT_EQ(one.load(true).error(), IntegrationLoadError::connectionError);
+}
+
+TEST_F(NotionExporterTest, MoreDatabasesThanWereGivenAreKnownOf) {
+    EXPECT_FALSE(one.exporter()->hasMoreDatabases());
+    service.found = R"({"results":[],"next_cursor":"c","has_more":true})";
+    ASSERT_TRUE(one.load(true));
+    EXPECT_TRUE(one.exporter()->hasMoreDatabases());
+    service.found = R"({"results":[],"next_cursor":null,"has_more":false})";
+    ASSERT_TRUE(one.load(true));
+    EXPECT_FALSE(one.exporter()->hasMoreDatabases());
+}
+
+TEST_F(NotionExporterTest, WithoutAnEMailTheNameNamesTheAccount) {
+    one.exporter()->me.set(NotionUser{.id = "u", .name = "Ann"});
+    EXPECT_EQ(one.exporter()->loadUserEmail(), "Ann");
+    one.exporter()->me.set(NotionUser{.id = "u", .name = "Ann", .email = ""});
+    EXPECT_EQ(one.exporter()->loadUserEmail(), "Ann");
+    one.exporter()->me.set(NotionUser{.id = "u"});
+    EXPECT_EQ(one.exporter()->loadUserEmail(), std::nullopt);
+}
+
+TEST_F(NotionExporterTest, TwoRequestsThatAreRefusedWaitForOneRefreshAndAreSentAgain) {
+    auto secrets = *one.account.credentials;
+    secrets.accessToken = "token";
+    secrets.refreshToken = "refresh-1";
+    ServiceCredentialsManager::store(secrets);
+    service.onRequest = [](const ReceivedRequest& request) -> std::optional<PlayedResponse> {
+        const bool isOld = request.headers.value("Authorization") == "Bearer token";
+        return isOld ? std::optional(PlayedResponse::json("no", 401)) : std::nullopt;
+    };
+    ASSERT_TRUE(one.load(true));
+    const auto all = lines();
+    EXPECT_EQ(std::ranges::count(all, "POST /v1/oauth/token"), 1);
+    EXPECT_LE(all.size(), 5U);
+    EXPECT_EQ(one.storedTokens().accessToken, "fresh");
+}
+
+TEST_F(NotionExporterTest, ARefusedTokenThatCannotBeRefreshedIsAnOauthErrorOfAnExport) {
+    service.refuse("/v1/pages", 401);
+    EXPECT_EQ(one.run(), failure(IntegrationExportError::oauthError));
+    EXPECT_EQ(service.lines(), Texts{"POST /v1/pages"});
+}
+
+} // namespace zelto
