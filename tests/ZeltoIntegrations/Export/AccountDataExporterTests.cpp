@@ -32,8 +32,11 @@ class PersonExporter final : public AccountDataExporter<PersonAndBoards, StepExp
 
     Result<Boards, IntegrationLoadError> boardsOfService = Boards{"Work"};
     int fetches = 0;
+    bool loadsMissing = false;
 
   private:
+    bool loadsWhatIsMissing() const override { return loadsMissing; }
+
     std::optional<PersonAndBoards> loadedData() const override { return dataOf(person(), boards()); }
 
     void fetchData(StepRun&, DataCompletion done) override {
@@ -103,6 +106,17 @@ TEST_F(AccountDataExporterTest, FetchesFromTheServiceWhateverIsKept) {
     EXPECT_TRUE(fetch());
     EXPECT_EQ(exporter->fetches, 1);
     EXPECT_EQ(exporter->boards(), Boards{"Work"});
+}
+
+TEST_F(AccountDataExporterTest, LoadsWhatIsMissingWithoutForceWhereTheServiceWantsThat) {
+    exporter->loadsMissing = true;
+    exporter->boardsOfService = failure(IntegrationLoadError::connectionError);
+    EXPECT_EQ(load(false), Loaded(failure(IntegrationLoadError::connectionError)));
+    exporter->boardsOfService = Boards{"Work"};
+    EXPECT_EQ(load(false), (Loaded(PersonAndBoards{"me", {"Work"}})));
+    EXPECT_EQ(exporter->fetches, 2);
+    EXPECT_EQ(load(false), (Loaded(PersonAndBoards{"me", {"Work"}})));
+    EXPECT_EQ(exporter->fetches, 2);
 }
 
 } // namespace zelto

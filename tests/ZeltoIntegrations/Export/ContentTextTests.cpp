@@ -106,4 +106,26 @@ TEST_F(ContentTextTest, WithoutSettingsOnlyTheUserMayOpenALink) {
               (WebLinkSettings{.visibility = IntegrationWebLinkVisibility::onlyMe, .teamId = std::nullopt}));
 }
 
+TEST(ContentTextTypes, AreThoseOfTheTarget) {
+    EXPECT_EQ(
+        textContentTypes(IntegrationExportTarget::email),
+        (IntegrationExportContentTypes{
+            Type::emailWeblink, {Type::emailBacklink, Type::emailWeblink, Type::backLink, Type::webLink}}));
+    EXPECT_EQ(textContentTypes(IntegrationExportTarget::meetingNote),
+              (IntegrationExportContentTypes{
+                  Type::mtSummaryWeblink,
+                  {Type::mtSummaryBacklink, Type::mtSummaryWeblink, Type::backLink, Type::webLink}}));
+}
+
+TEST(ContentTextLinks, AreThoseOfTheRow) {
+    const auto linkOf = [](Link link) {
+        return linkTypeOf({Type::webLink, Source::link, link, Format::mrkdwn}, settings);
+    };
+    EXPECT_EQ(linkOf(Link::backlink), IntegrationLinkType::backlink(Format::mrkdwn));
+    EXPECT_EQ(linkOf(Link::altBacklink), IntegrationLinkType::altBacklink(Format::mrkdwn));
+    EXPECT_EQ(linkOf(Link::safeBacklink), IntegrationLinkType::safeBacklink(Format::mrkdwn));
+    EXPECT_EQ(linkOf(Link::webLink),
+              IntegrationLinkType::webLink(Format::mrkdwn, settings.visibility, settings.teamId));
+}
+
 } // namespace zelto

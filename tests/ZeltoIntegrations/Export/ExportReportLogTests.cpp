@@ -122,4 +122,12 @@ TEST(ExportReportLog, TakesRequestsOfManyThreads) {
     EXPECT_EQ(report.refused, std::vector(800, Refused{"file", "b", Error::forbidden}));
 }
 
+TEST(ExportReportLog, BlocksThatAreLeftOutBelongToWhatWasMade) {
+    ExportReportLog log;
+    log.made(log.begin("page", "a", std::nullopt, 7), "1");
+    log.refused(log.begin("page", "b", std::nullopt, 8), Error::forbidden);
+    EXPECT_EQ(log.report(),
+              (ExportReport{{Made{"page", "a", "1", 7}}, {Refused{"page", "b", Error::forbidden}}}));
+}
+
 } // namespace zelto
