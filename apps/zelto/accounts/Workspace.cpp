@@ -46,6 +46,27 @@ Failure notConnected(ServiceType type) {
             "zelto connect " + std::string(nameOf(type))};
 }
 
+// The other reasons may be gone at the next attempt, which another directory without the accounts does not
+// help.
+bool needsAnotherDirectory(StorageErrorCode code) {
+    switch (code) {
+    case StorageErrorCode::foreignOwner:
+    case StorageErrorCode::openToOthers:
+    case StorageErrorCode::cannotAccess:
+    case StorageErrorCode::damaged:
+    case StorageErrorCode::newerVersion:
+        return true;
+    case StorageErrorCode::noSpace:
+    case StorageErrorCode::readOnly:
+    case StorageErrorCode::busy:
+    case StorageErrorCode::moved:
+    case StorageErrorCode::recordDamaged:
+    case StorageErrorCode::notEncodable:
+        return false;
+    }
+    return false;
+}
+
 // Secrets that were kept for a while are erased in whichever key chain they are.
 void eraseOldSecrets(const std::filesystem::path& directory) {
     RestorableKeyChain::eraseOld(directory, [](const std::string& name) {
@@ -73,7 +94,9 @@ std::string reconnectCommand(const ServiceAccountConfiguration& account) {
 }
 
 Failure failureOf(const StorageError& error) {
-    return {std::string(nameOf(error.code)), error.message(), NextCommand::again()};
+    return {std::string(nameOf(error.code)), error.message(),
+            needsAnotherDirectory(error.code) ? NextCommand::again("--data-dir", "zelto-accounts")
+                                              : NextCommand::again()};
 }
 
 Failure failureOf(const IntegrationAccountCreationError& error) {
