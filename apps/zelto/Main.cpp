@@ -216,6 +216,7 @@ int run(const std::vector<std::string>& arguments) {
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error that is told
     zelto::cli::guardMemory();
     zelto::cli::sayWhatEndsTheProgram();
     const std::vector<std::string> arguments{argv + 1, argv + argc};

@@ -61,7 +61,14 @@ int refusalToWriteIn(const std::filesystem::path& folder) {
         return errno == EOPNOTSUPP || errno == EISDIR ? 0 : errno;
     }
     constexpr char page[4096] = {};
-    return ::write(tried.number(), page, sizeof page) < 0 ? errno : 0;
+    for (std::size_t written = 0; written < sizeof page;) {
+        const auto count = ::write(tried.number(), page, sizeof page - written);
+        if (count < 0 && errno != EINTR) {
+            return errno;
+        }
+        written += count > 0 ? static_cast<std::size_t>(count) : 0;
+    }
+    return 0;
 }
 
 // After a refusal SQLite goes on to other calls, which may leave an error number of their own.

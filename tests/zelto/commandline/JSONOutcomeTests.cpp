@@ -271,6 +271,19 @@ TEST(PlainOutcome, IsAFailureIfStandardOutputCannotBeWritten) {
     }
 }
 
+TEST(PlainOutcome, IsAFailureIfFilesMayNotGrow) {
+    const ZeltoProgram zelto;
+    const auto outcome =
+        zelto.runShell("prlimit --fsize=1000 zelto export examples/mails/project-kickoff.eml --to bear");
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.errorOutput.substr(0, outcome.errorOutput.find('\n')),
+              "zelto: cannotAccess: '" + (zelto.dataDirectory() / "accounts.sqlite").string() +
+                  "' cannot be used (File too large).");
+    const auto cut = zelto.runShell("prlimit --fsize=1000 zelto --help > \"$HOME/help\"");
+    EXPECT_EQ(cut.status, 1);
+    EXPECT_EQ(cut.errorOutput, "zelto: standard output cannot be written.\n");
+}
+
 TEST(PlainOutcome, IsNotWrittenIntoTheDatabaseIfStandardOutputIsClosed) {
     const ZeltoProgram zelto;
     EXPECT_EQ(zelto.runShell("zelto connect bear >&- 2>&- <&-").status, 1);
