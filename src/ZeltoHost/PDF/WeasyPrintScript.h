@@ -13,10 +13,12 @@ inline constexpr int weasyPrintMissingStatus = 70;
 inline constexpr int weasyPrintMemoryStatus = 71;
 
 inline constexpr std::string_view weasyPrintScript = R"(
+import re
 import resource
 import sys
 import threading
 import time
+from xml.etree import ElementTree
 
 def refuse(event, arguments):
     if event.startswith("socket.") or event in ("subprocess.Popen", "os.exec", "os.fork", "os.posix_spawn",
@@ -86,12 +88,19 @@ def boxes_of(page):
         if box.style["overflow"] == "visible":
             waiting.extend(getattr(box, "children", ()))
 
+def right_edge(box):
+    if not isinstance(box, TextBox):
+        return box.border_box_x() + box.border_width()
+    text = box.text.rstrip("\n")
+    if not text or box.style["white_space"] not in ("nowrap", "pre") or box.style["visibility"] != "visible":
+        return 0  # it is broken where the page ends, or not seen
+    return box.position_x + box.width * len(text.rstrip()) / len(text)
+
 def width_scale(document):
     """By how much the page must grow for all content to fit."""
     left, right = margin * pixels, (page_width - margin) * pixels
-    edges = [box.border_box_x() + box.border_width()
-             for page in document.pages for box in boxes_of(page)
-             if not isinstance(box, (LineBox, InlineBox, TextBox))]
+    edges = [right_edge(box) for page in document.pages for box in boxes_of(page)
+             if not isinstance(box, (LineBox, InlineBox))]
     return min((max(edges + [right]) - left) / (right - left), maximum_scale)
 
 def unknown_characters(document):
@@ -185,6 +194,45 @@ def laid_out(header, body, scale):
     first = FirstPage(rendered.pages[0], above[-1], top * scale)
     return above[:-1] + [first] + rendered.pages[1:], rendered
 
+long_word = re.compile(r"\S{61,}")
+piece_length = 20
+maximum_pieces = 2000  # each takes a millisecond
+
+def with_breaks(text):
+    """The text before its first long word, and elements of the long words' pieces, with what follows them."""
+    before, pieces = text, []
+    for match in reversed(list(long_word.finditer(text or ""))):
+        start, end = match.span()
+        after = before[end:]
+        for index in reversed(range(start, end, piece_length)):
+            piece = ElementTree.Element("span", style="display: inline-block; text-decoration: inherit")
+            piece.text, piece.tail = before[index:min(index + piece_length, end)], after
+            pieces.insert(0, piece)
+            after = ""
+        before = before[:start]
+    return before, pieces
+
+def break_long_words(body):
+    """In tables' cells, which they would widen: to let all words be broken there would take too long, since each
+    letter would be measured. There may be a break before and behind an inline block."""
+    count = 0
+    waiting = [(body, False)]
+    while waiting and count < maximum_pieces:
+        parent, is_in_cell = waiting.pop()
+        is_in_cell = is_in_cell or parent.tag in ("td", "th")
+        waiting.extend((child, is_in_cell) for child in parent)
+        if is_in_cell:
+            count += break_words_in(parent)
+
+def break_words_in(parent):
+    count = len(parent)
+    parent.text, content = with_breaks(parent.text)
+    for child in list(parent):
+        child.tail, pieces = with_breaks(child.tail)
+        content += [child, *pieces]
+    parent[:] = content
+    return len(content) - count
+
 def may_repeat():
     """Whether there is time for a second layout: a plain PDF is better than none."""
     limit = resource.getrlimit(resource.RLIMIT_CPU)[0]
@@ -194,6 +242,8 @@ def convert():
     texts = sys.stdin.buffer.read().decode("utf-8", "replace").split("\0")
     documents = [weasyprint.HTML(string=text, url_fetcher=fetch) if text else None for text in texts]
     keep_proportions(documents[1].etree_element)
+    for body in documents[1].etree_element.iter("body"):
+        break_long_words(body)
     header = render_header(documents[0])
     pages, rendered = laid_out(header, documents[1], 1)
     scale = width_scale(rendered)

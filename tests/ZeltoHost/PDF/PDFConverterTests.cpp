@@ -60,6 +60,14 @@ TEST_F(PDFConverterTest, TextInTablesWithinTablesIsLaidOutWithinTheLimits) {
     EXPECT_TRUE(convert("<table width=600><tr><td><table><tr><td>" + paragraphs + "</table></table>"));
 }
 
+TEST_F(PDFConverterTest, ManyLongAddressesInTablesAreLaidOutWithinTheLimits) {
+    std::string paragraphs;
+    for (int index = 0; index < 500; ++index) {
+        paragraphs += "<p>see https://track.example/" + std::string(400, 'x') + " now</p>";
+    }
+    EXPECT_TRUE(convert("<table width=600><tr><td><table><tr><td>" + paragraphs + "</table></table>"));
+}
+
 TEST_F(PDFConverterTest, TextOfAllScriptsComesOut) {
     ASSERT_TRUE(convert("<p>Grüße, Привет мир</p><p>会議のお知らせ</p><p>สวัสดี</p><p>회의</p>"
                         "<table bgcolor=red><tr><td>cell</table>"));

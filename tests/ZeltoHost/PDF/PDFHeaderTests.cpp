@@ -1,4 +1,8 @@
 #include "ConvertedMail.h"
+
+#include <ZeltoHost/Mail/MailDataInteractor.h>
+#include <ZeltoHost/Mail/MailSamples.h>
+
 #include <Support/Folders.h>
 
 #include <fstream>
@@ -56,6 +60,18 @@ TEST_F(PDFHeader, ManyRecipientsAreWholeAndTheBodyFollows) {
     EXPECT_LT(text.find("Lighthouse"), text.find("the body"));
 }
 
+TEST_F(PDFHeader, LabelsStandAtTheTopOfTheirRows) {
+    std::vector<IntegrationsInteractorAddress> recipients{{"first@department.example", "First"}};
+    recipients.resize(20, {"somebody@department.example", "Somebody"});
+    recipients.push_back({"last@department.example", "Last"});
+    const auto pdf = pdfOf(cleanedHTML("<p>the body</p>", {.header = headerOf(recipients)}));
+    const auto top = coordinateOf("To:", "yMin", pdf);
+    EXPECT_GT(top, 0);
+    EXPECT_NEAR(top, coordinateOf("First", "yMin", pdf), 0.5);
+    EXPECT_GT(coordinateOf("Last", "yMin", pdf), top + 30);
+    EXPECT_NEAR(coordinateOf("From:", "yMin", pdf), coordinateOf("Mira", "yMin", pdf), 0.5);
+}
+
 TEST_F(PDFHeader, AHeaderOfSeveralPagesIsWhole) {
     std::vector<IntegrationsInteractorAddress> recipients(600, {"somebody@department.example", "Somebody"});
     recipients.push_back({"last@department.example", "The Last"});
@@ -91,6 +107,23 @@ TEST_F(PDFHeader, PlainTextKeepsItsColumns) {
     EXPECT_GT(end, 0);
     EXPECT_NEAR(rightEdgeOf("1.20", pdf), end, 0.01);
     EXPECT_NEAR(rightEdgeOf("14.40", pdf), end, 0.01);
+}
+
+TEST_F(PDFHeader, APlainTextBodyKeepsItsDistanceInThePDFAndInTheHTML) {
+    MailDataInteractor interactor(
+        testing::readMail("From: mira@harbour.example\nSubject: Lighthouse\n\nbody\nend\n"), {});
+    const auto html = testing::resultOf<std::optional<std::string>>(
+        [&](auto completion) { interactor.html({}, std::move(completion)); });
+    ASSERT_TRUE(html);
+    const auto ofHTML = folder_ / "html.pdf";
+    runScriptUncleaned(folder_.write("mail.html", *html), ofHTML);
+    for (const auto& pdf : {pdfOf(*html), ofHTML}) {
+        const auto bottom = coordinateOf("Lighthouse", "yMax", pdf);
+        const auto top = coordinateOf("body", "yMin", pdf);
+        EXPECT_GT(bottom, 0);
+        EXPECT_GT(top - bottom, 18) << pdf;
+        EXPECT_LT(top - bottom, 50) << pdf;
+    }
 }
 
 TEST_F(PDFHeader, EmojiAreShown) {
