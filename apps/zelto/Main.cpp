@@ -216,7 +216,7 @@ int run(const std::vector<std::string>& arguments) {
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
-    std::signal(SIGXFSZ, SIG_IGN); // a file that may not grow is an error that is told
+    std::signal(SIGXFSZ, SIG_IGN); // writing to a file that may not grow fails instead
     zelto::cli::guardMemory();
     zelto::cli::sayWhatEndsTheProgram();
     const std::vector<std::string> arguments{argv + 1, argv + argc};

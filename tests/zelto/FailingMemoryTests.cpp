@@ -1,73 +1,33 @@
-#include <zelto/ConnectedProgram.h>
+#include <zelto/EchoingServer.h>
+#include <zelto/FailingProgram.h>
 
-#include <Support/Folders.h>
-
-#include <cstring>
-
-// The program with memory that runs out at one point after the other: each time it ends, and what it has
-// stored is whole. ZELTO_ALLOCATION_POINTS says at how many points.
+// Memory that runs out at one point after the other: each time the program ends, and what it has stored is
+// whole. ZELTO_ALLOCATION_POINTS says at how many points.
 namespace zelto {
 
 namespace {
 
-// What bash says of a program that a signal ended begins here.
-constexpr int signalled = 128;
+constexpr std::uint64_t usualPoints = 60;
+constexpr std::uint64_t fewPoints = 24;
 
-std::uint64_t pointCount() {
+std::uint64_t pointCount(std::uint64_t usual) {
     const char* given = std::getenv("ZELTO_ALLOCATION_POINTS");
-    return given ? std::strtoull(given, nullptr, 10) : 60;
+    return given ? std::strtoull(given, nullptr, 10) : usual;
 }
 
-class FailingMemory : public ConnectedProgram {
+class FailingMemory : public FailingProgram {
   protected:
-    void SetUp() override {
-        ConnectedProgram::SetUp();
-        token_ = sandbox->issueTokens("Trello").value().accessToken;
-        connection_ = "--keychain file --sandbox " + sandbox->url().absoluteString() + " ";
-    }
-
-    ProgramOutcome runPreloaded(const std::string& variable, const std::string& arguments) const {
-        static const auto library = (buildFolder() / "tests/FailingMemory/libFailingAllocation.so").string();
-        return zelto.runShell(variable + " LD_PRELOAD=" + library + " zelto " + connection_ + arguments +
-                              "; exit $?");
-    }
-
-    std::uint64_t countAllocations(const std::string& arguments) const {
-        const auto file = zelto.home.write("count", std::string(8, '\0'));
-        const auto outcome = runPreloaded("ZELTO_ALLOCATION_COUNT=" + file.string(), arguments);
-        EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
-        std::uint64_t count = 0;
-        std::memcpy(&count, TemporaryFolder::read(file).data(), sizeof count);
-        return count;
-    }
-
     // Calls `check` after each run, with what became of it; half of them fail from the point on.
-    void atManyPoints(const std::string& arguments, const std::function<void(const ProgramOutcome&)>& check) {
-        const auto count = countAllocations(arguments);
+    void atManyPoints(const std::string& arguments, std::uint64_t usual, const Check& check) {
+        const auto count = countOf("ALLOCATION", arguments);
         ASSERT_GT(count, 1000U);
-        const auto points = pointCount();
+        const auto points = pointCount(usual);
         for (std::uint64_t index = 0; index < points && !HasFailure(); ++index) {
             const auto point = std::to_string(1 + index * count / points) + (index % 2 == 0 ? "" : "+");
             SCOPED_TRACE("allocation " + point + " of " + std::to_string(count));
             check(runPreloaded("ZELTO_FAILING_ALLOCATION=" + point, arguments));
         }
     }
-
-    // Success with its line, a reported failure, or the end that a library has made.
-    static void expectEnd(const ProgramOutcome& outcome, std::string_view success) {
-        EXPECT_TRUE(outcome.status == 0 ? outcome.output.starts_with(success)
-                                        : outcome.status > signalled || !outcome.errorOutput.empty())
-            << outcome.status << outcome.output << outcome.errorOutput;
-    }
-
-    std::size_t accountCount() const {
-        const auto outcome = run({"accounts", "--json"});
-        EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
-        return outcome.json().find("sandboxAccounts")->asArray()->size();
-    }
-
-    std::string token_;
-    std::string connection_; // options of the program
 };
 
 } // namespace
@@ -75,8 +35,8 @@ class FailingMemory : public ConnectedProgram {
 TEST_F(FailingMemory, AnExportEndsAndLosesNoAccount) {
     ASSERT_EQ(run({"connect", "trello", "--token", token_}).status, 0);
     const auto tokens = stored(sandboxAccount);
-    const std::string mail = "export examples/mails/project-kickoff.eml --to trello --as backLink";
-    atManyPoints(mail, [&](const ProgramOutcome& outcome) {
+    const auto mail = connection_ + "export examples/mails/project-kickoff.eml --to trello --as backLink";
+    atManyPoints(mail, usualPoints, [&](const ProgramOutcome& outcome) {
         expectEnd(outcome, "On Trello, ");
         EXPECT_EQ(stored(sandboxAccount), tokens);
     });
@@ -85,8 +45,25 @@ TEST_F(FailingMemory, AnExportEndsAndLosesNoAccount) {
     EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
 }
 
+TEST_F(FailingMemory, AnExportAsPDFEndsAndLosesNoAccount) {
+    ASSERT_EQ(run({"connect", "trello", "--token", token_}).status, 0);
+    const auto tokens = stored(sandboxAccount);
+    atManyPoints(exportWithPDF_, fewPoints, [&](const ProgramOutcome& outcome) {
+        expectEnd(outcome, "On Trello, ");
+        EXPECT_EQ(stored(sandboxAccount), tokens);
+    });
+    EXPECT_EQ(accountCount(), 1U);
+}
+
+TEST_F(FailingMemory, ACallOfAToolEnds) {
+    MCPServer server(echoing());
+    const auto call = "mcp call " + server.url().absoluteString() + " tool --timeout 100";
+    atManyPoints(call, fewPoints, [](const ProgramOutcome& outcome) { expectEnd(outcome, "done\n"); });
+}
+
 TEST_F(FailingMemory, ConnectingEndsAndTheNextOneSucceeds) {
-    atManyPoints("connect trello --token " + token_, [&](const ProgramOutcome& outcome) {
+    const auto connect = connection_ + "connect trello --token " + token_;
+    atManyPoints(connect, usualPoints, [&](const ProgramOutcome& outcome) {
         expectEnd(outcome, "Connected ");
         const auto next = run({"connect", "trello", "--token", token_});
         EXPECT_TRUE(next.status == 0 || next.errorOutput.starts_with("zelto: accountAlreadyExist: "))

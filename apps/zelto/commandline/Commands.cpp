@@ -1,6 +1,7 @@
 #include "commandline/Commands.h"
 
 #include <algorithm>
+#include <system_error>
 
 namespace zelto::cli {
 
@@ -34,7 +35,17 @@ constexpr CommandRow rows[] = {
 
 Outcome<Report> runCommand(const Invocation& invocation, const Terminal& terminal) {
     const auto row = std::ranges::find(rows, invocation.command->name, &CommandRow::name);
-    return row->run(invocation, terminal);
+    try {
+        return row->run(invocation, terminal);
+    } catch (const std::system_error& error) {
+        if (error.code() != std::errc::resource_unavailable_try_again) {
+            throw;
+        }
+        return failure(
+            Failure{"outOfThreads",
+                    "The system gives this program no more threads; end other programs and try again.",
+                    NextCommand::again()});
+    }
 }
 
 } // namespace zelto::cli
