@@ -11,8 +11,8 @@ static constexpr std::string_view databaseKind = "database";
 
 ZELTO_JSON_ENUM_TEXTS(SortDirection, {SortDirection::ascending, "ascending"},
                       {SortDirection::descending, "descending"});
-ZELTO_JSON_RECORD(SearchRequest::Sort, direction, timestamp);
-ZELTO_JSON_RECORD(SearchRequest::Filter, property, value);
+ZELTO_JSON_RECORD(SearchSort, direction, timestamp);
+ZELTO_JSON_RECORD(SearchFilter, property, value);
 ZELTO_JSON_RECORD(SearchRequest, query, sort, filter, start_cursor, page_size);
 ZELTO_JSON_RECORD(Database, id, (title, defaulted));
 

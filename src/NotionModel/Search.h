@@ -15,26 +15,30 @@ enum class SortDirection { ascending, descending };
 
 ZELTO_JSON_CODED(SortDirection);
 
+struct SearchSort {
+    SortDirection direction = SortDirection::descending;
+    std::string timestamp = "last_edited_time"; // the API sorts by no other
+
+    bool operator==(const SearchSort&) const = default;
+};
+
+ZELTO_JSON_CODED(SearchSort);
+
+// By the kind of an object: "database" or "page".
+struct SearchFilter {
+    std::string property = "object";
+    std::string value;
+
+    bool operator==(const SearchFilter&) const = default;
+};
+
+ZELTO_JSON_CODED(SearchFilter);
+
 // Asks for what the integration may see. Without a cursor the first page comes, of 100 results at most.
 struct SearchRequest {
-    struct Sort {
-        SortDirection direction = SortDirection::descending;
-        std::string timestamp = "last_edited_time"; // the API sorts by no other
-
-        bool operator==(const Sort&) const = default;
-    };
-
-    // By the kind of an object: "database" or "page".
-    struct Filter {
-        std::string property = "object";
-        std::string value;
-
-        bool operator==(const Filter&) const = default;
-    };
-
     std::optional<std::string> query; // a part of the title
-    std::optional<Sort> sort;
-    std::optional<Filter> filter;
+    std::optional<SearchSort> sort;
+    std::optional<SearchFilter> filter;
     std::optional<std::string> start_cursor;
     std::optional<int> page_size;
 
@@ -42,8 +46,6 @@ struct SearchRequest {
 };
 
 ZELTO_JSON_CODED(SearchRequest);
-ZELTO_JSON_CODED(SearchRequest::Sort);
-ZELTO_JSON_CODED(SearchRequest::Filter);
 
 struct Database {
     std::string id;

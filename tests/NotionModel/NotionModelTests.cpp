@@ -148,12 +148,11 @@ TEST(NotionPages, AreReadWithTheirDates) {
 
 TEST(NotionSearch, IsWrittenWithWhatItAsksForAlone) {
     EXPECT_EQ(written(SearchRequest()), "{}");
-    EXPECT_EQ(written(SearchRequest{.sort = SearchRequest::Sort(),
-                                    .filter = SearchRequest::Filter{.value = "database"}}),
+    EXPECT_EQ(written(SearchRequest{.sort = SearchSort(), .filter = SearchFilter{.value = "database"}}),
               R"({"sort":{"direction":"descending","timestamp":"last_edited_time"},)"
               R"("filter":{"property":"object","value":"database"}})");
     EXPECT_EQ(written(SearchRequest{.query = "q",
-                                    .sort = SearchRequest::Sort{.direction = SortDirection::ascending},
+                                    .sort = SearchSort{.direction = SortDirection::ascending},
                                     .start_cursor = "c",
                                     .page_size = 100}),
               R"({"query":"q","sort":{"direction":"ascending","timestamp":"last_edited_time"},)"

@@ -10,8 +10,8 @@ namespace {
 
 notion::SearchRequest searchForDatabases() {
     notion::SearchRequest request;
-    request.sort = notion::SearchRequest::Sort{.direction = notion::SortDirection::descending};
-    request.filter = notion::SearchRequest::Filter{.value = "database"};
+    request.sort = notion::SearchSort{.direction = notion::SortDirection::descending};
+    request.filter = notion::SearchFilter{.value = "database"};
     return request;
 }
 
