@@ -208,6 +208,14 @@ TEST(Chunk, PiecesOfLongRunsOfOneKindAreThoseOfCountingToo) {
 TEST(Chunk, MegabytesTakeLinearTime) {
     EXPECT_EQ(chunk(std::string(4'000'000, 'x'), 2000).size(), 2000u);
     EXPECT_EQ(chunk("e" + std::string(100'000, '\xcc'), 100).size() > 900, true);
+    // One character, and flags whose boundaries depend on where they begin.
+    for (const std::string part : {"\u0301", "\U0001F1E9"}) {
+        std::string text;
+        while (text.size() < 1'000'000) {
+            text += part;
+        }
+        EXPECT_EQ(chunk(text, 2000).size(), 250u) << part;
+    }
 }
 
 } // namespace

@@ -25,6 +25,18 @@ class NotionExporterTest : public testing::Test {
         return lines;
     }
 
+    // A token that can be refreshed, and that the service does not take.
+    void refuseOldToken() {
+        auto secrets = *one.account.credentials;
+        secrets.accessToken = "token";
+        secrets.refreshToken = "refresh-1";
+        ServiceCredentialsManager::store(secrets);
+        service.onRequest = [](const ReceivedRequest& request) -> std::optional<PlayedResponse> {
+            const bool isOld = request.headers.value("Authorization") == "Bearer token";
+            return isOld ? std::optional(PlayedResponse::json("no", 401)) : std::nullopt;
+        };
+    }
+
     NotionExport one;
     NotionServer service;
 };
@@ -154,15 +166,17 @@ TEST_F(NotionExporterTest, WithoutAnEMailTheNameNamesTheAccount) {
     EXPECT_EQ(one.exporter()->loadUserEmail(), std::nullopt);
 }
 
+TEST_F(NotionExporterTest, ARefusedExportIsSentAgainOnceWithARefreshedToken) {
+    refuseOldToken();
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(service.lines(), (Texts{"POST /v1/pages", "POST /v1/oauth/token", "POST /v1/pages"}));
+    EXPECT_EQ(service.server.requests().back().headers.value("Authorization"), "Bearer fresh");
+    EXPECT_EQ(service.server.requests().back().body, service.server.requests().front().body);
+    EXPECT_EQ(one.exporter()->exportReport(), (ExportReport{{{"page", "Title", "p1"}}, {}}));
+}
+
 TEST_F(NotionExporterTest, TwoRequestsThatAreRefusedWaitForOneRefreshAndAreSentAgain) {
-    auto secrets = *one.account.credentials;
-    secrets.accessToken = "token";
-    secrets.refreshToken = "refresh-1";
-    ServiceCredentialsManager::store(secrets);
-    service.onRequest = [](const ReceivedRequest& request) -> std::optional<PlayedResponse> {
-        const bool isOld = request.headers.value("Authorization") == "Bearer token";
-        return isOld ? std::optional(PlayedResponse::json("no", 401)) : std::nullopt;
-    };
+    refuseOldToken();
     ASSERT_TRUE(one.load(true));
     const auto all = lines();
     EXPECT_EQ(std::ranges::count(all, "POST /v1/oauth/token"), 1);
