@@ -4,12 +4,15 @@
 
 #include <ZeltoIntegrations/Asana/AsanaResponses.h>
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
+#include <ZeltoIntegrations/Notion/NotionResponses.h>
 #include <ZeltoIntegrations/Todoist/TodoistResponses.h>
 #include <ZeltoIntegrations/Trello/TrelloResponses.h>
 
+#include <NotionModel/Page.h>
 #include <Platform/JSON/JSONRecordDescription.h>
 #include <Platform/UTF8.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -60,6 +63,19 @@ template <class... T> void checkRecords(const ServiceResponse& response, const J
     (checkRecord<T>(response, decoder), ...);
 }
 
+void checkNotion(const ServiceResponse& response) {
+    if (const auto user = serviceValue<notion::User>(response, {})) {
+        const auto owner = user->bot && user->bot->owner ? user->bot->owner->user : std::nullopt;
+        require(toNotionUser(*user).id == (owner ? owner->id : user->id));
+    }
+    if (const auto found = serviceValue<notion::ListResponse<notion::SearchResultItem>>(response, {})) {
+        const auto isDatabase = [](const auto& item) { return item.object == "database"; };
+        const auto databases = toNotionDatabases(*found);
+        require(std::ssize(databases.databases) == std::ranges::count_if(found->results, isDatabase));
+        require(databases.hasMore == found->has_more);
+    }
+}
+
 void checkValues(const ServiceResponse& response) {
     require(serviceValue<Data>(response, {}) == response.body);
     const auto text = serviceValue<std::string>(response, {});
@@ -73,6 +89,9 @@ void checkValues(const ServiceResponse& response) {
     checkRecords<AsanaProjectsResponse, AsanaTaskResponse, AsanaUsersResponse, AsanaSingleUserResponse,
                  AsanaWorkspacesResponse>(response, {});
     checkRecords<TodoistFetchResponse, TodoistUploadResponse>(response, {});
+    checkRecords<notion::User, notion::ListResponse<notion::SearchResultItem>, notion::Page>(
+        response, {DateStrategy::iso8601});
+    checkNotion(response);
 }
 
 void checkError(int status, std::string_view body, ServiceClientError error) {
