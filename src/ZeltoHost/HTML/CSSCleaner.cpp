@@ -113,7 +113,7 @@ bool isPlain(std::string_view css) {
     int brackets = 0;
     char quote = '\0';
     for (const char c : css) {
-        if (c == '\\' || c == '<' || c == '@' || c == '\0') {
+        if (c == '\\' || c == '<' || c == '&' || c == '@' || c == '\0') {
             return false;
         }
         if (quote != '\0') {

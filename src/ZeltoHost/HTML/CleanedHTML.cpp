@@ -74,7 +74,7 @@ class CleanedHTMLWriter final : public MarkupWriter {
 
     std::string finish() {
         auto body = takeMarkup();
-        std::string html = "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>";
+        std::string html = "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\"/>\n<title>";
         appendEscaped(html, options_.title.empty() ? title_ : repairedUTF8(options_.title), Quotes::keep);
         html += "</title>\n";
         // HTML that is cleaned again, below a header again, has the rule already.
@@ -131,7 +131,7 @@ class CleanedHTMLWriter final : public MarkupWriter {
         markup_ += "<img";
         writeAttribute("src", *address);
         writeAttributes(image);
-        markup_ += '>';
+        markup_ += "/>";
         return true;
     }
 
@@ -174,7 +174,7 @@ class CleanedHTMLWriter final : public MarkupWriter {
 
     void addStyle(const GumboElement& element) {
         const char* media = attributeOf(element, "media");
-        const auto sheet = contentOf(element);
+        const auto sheet = withoutUnwritable(contentOf(element));
         styles_ += cleanedStyleSheet(
             media == nullptr || *media == '\0' ? sheet : "@media " + std::string(media) + "{" + sheet + "}",
             isScoped() ? "." + std::string(bodyClass) : std::string());

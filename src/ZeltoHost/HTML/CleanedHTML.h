@@ -27,12 +27,13 @@ struct CleanedHTMLOptions {
     ContentNotes* notes = nullptr; // gets what the result does not have of the HTML
 };
 
-// A whole HTML5 document, in UTF-8 and well-formed, that shows what the given one shows, but loads and runs
-// nothing: elements, attributes and CSS declarations that are not known to be harmless are left out. There
-// are no scripts, handlers, frames, forms, plug-ins, vector graphics, base, meta or link elements, no style
-// rule with url() or an escape in it, no at-rule but @media, no style that puts an element elsewhere, and no
-// image but raster images in data: URLs. An image that is left out is replaced by its alternative text. Links
-// stay if they are URLs of http, https, mailto, tel, mid or point into the document.
+// A whole HTML5 document, in UTF-8 and well-formed as XML too, with exactly one "</body>", that shows what
+// the given one shows, but loads and runs nothing: elements, attributes and CSS declarations that are not
+// known to be harmless are left out. There are no scripts, handlers, frames, forms, plug-ins, vector
+// graphics, base, meta or link elements, no style rule with url() or an escape in it, no at-rule but @media,
+// no style that puts an element elsewhere, and no image but raster images in data: URLs. An image that is
+// left out is replaced by its alternative text. Links stay if they are URLs of http, https, mailto, tel, mid
+// or point into the document.
 //
 // Accepts any bytes. Time is linear in the length whatever the nesting. Any thread.
 std::string cleanedHTML(std::string html, const CleanedHTMLOptions& options = {});

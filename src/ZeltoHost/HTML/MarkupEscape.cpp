@@ -26,20 +26,43 @@ std::string_view entityOf(char c, Quotes quotes) {
     }
 }
 
+// How many bytes at the front are a character that neither HTML nor XML allows; 0 for one that may stand.
+std::size_t unwritableLength(std::string_view text) {
+    if (text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF")) {
+        return 3;
+    }
+    return isControl(text.front()) ? 1 : 0;
+}
+
 } // namespace
 
 void appendEscaped(std::string& markup, std::string_view text, Quotes quotes) {
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        const char c = text[at];
-        if (const auto entity = entityOf(c, quotes); !entity.empty()) {
-            markup += entity;
-        } else if (c == '\xEF' &&
-                   (text.substr(at, 3) == "\xEF\xBF\xBE" || text.substr(at, 3) == "\xEF\xBF\xBF")) {
-            at += 2;
-        } else if (!isControl(c)) {
-            markup += c;
+    while (!text.empty()) {
+        const auto leftOut = unwritableLength(text);
+        if (leftOut > 0) {
+            text.remove_prefix(leftOut);
+            continue;
         }
+        if (const auto entity = entityOf(text.front(), quotes); !entity.empty()) {
+            markup += entity;
+        } else {
+            markup += text.front();
+        }
+        text.remove_prefix(1);
     }
+}
+
+std::string withoutUnwritable(std::string_view text) {
+    std::string kept;
+    kept.reserve(text.size());
+    while (!text.empty()) {
+        const auto leftOut = unwritableLength(text);
+        if (leftOut == 0) {
+            kept += text.front();
+        }
+        text.remove_prefix(leftOut == 0 ? 1 : leftOut);
+    }
+    return kept;
 }
 
 } // namespace zelto

@@ -11,4 +11,7 @@ enum class Quotes { keep, escape };
 // characters but tab and line ends, U+FFFE, U+FFFF) are left out.
 void appendEscaped(std::string& markup, std::string_view text, Quotes quotes);
 
+// The text without those characters.
+std::string withoutUnwritable(std::string_view text);
+
 } // namespace zelto

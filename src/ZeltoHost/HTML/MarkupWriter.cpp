@@ -119,7 +119,7 @@ void MarkupWriter::writeOpeningTag(const GumboElement& element, std::string_view
     markup_ += '<';
     markup_ += name;
     writeAttributes(element);
-    markup_ += isVoid && isXML() ? "/>" : ">";
+    markup_ += isVoid ? "/>" : ">";
     if (!isXML() && name == "pre" && beginsWithLineEnd(element)) {
         markup_ += '\n'; // a first one is not part of the text
     }

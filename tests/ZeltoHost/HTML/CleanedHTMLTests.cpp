@@ -52,9 +52,10 @@ TEST(CleanedHTML, TheCheckOfTheseTestsSeesWhatLoads) {
 }
 
 TEST(CleanedHTML, ADocumentDeclaresItsCharacterSetAndTitle) {
-    EXPECT_EQ(cleanedHTML("<title> A &amp; B</title><meta charset=latin1><p>x"),
-              "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>A &amp; B</title>\n</head>\n"
-              "<body>\n<p>x</p>\n</body>\n</html>\n");
+    EXPECT_EQ(
+        cleanedHTML("<title> A &amp; B</title><meta charset=latin1><p>x"),
+        "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\"/>\n<title>A &amp; B</title>\n</head>\n"
+        "<body>\n<p>x</p>\n</body>\n</html>\n");
 }
 
 TEST(CleanedHTML, WhatShowsStays) {
@@ -92,7 +93,7 @@ TEST(CleanedHTML, StyleSheetsOfTheBodyAreKeptToo) {
 
 TEST(CleanedHTML, RasterImagesInDataAddressesStay) {
     EXPECT_EQ(bodyOf("<img alt=a width=3 src='" + std::string(pixel) + "'>"),
-              "<img src=\"" + std::string(pixel) + "\" alt=\"a\" width=\"3\">");
+              "<img src=\"" + std::string(pixel) + "\" alt=\"a\" width=\"3\"/>");
 }
 
 TEST(CleanedHTML, AnyOtherImageLeavesItsAlternativeText) {
@@ -106,7 +107,7 @@ TEST(CleanedHTML, AnImageOfTheMailIsPutInWhereItStands) {
         return source == "cid:1" ? std::optional(std::string(pixel)) : std::nullopt;
     };
     EXPECT_EQ(bodyOf("<img src=cid:1><img src=cid:2 alt=two>", options),
-              "<img src=\"" + std::string(pixel) + "\">two");
+              "<img src=\"" + std::string(pixel) + "\"/>two");
 }
 
 TEST(CleanedHTML, AnAddressThatLoadsIsRefusedFromTheCallerToo) {
