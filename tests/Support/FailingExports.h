@@ -4,6 +4,7 @@
 #include <Support/FailingResponses.h>
 #include <Support/LogCapture.h>
 
+#include <ZeltoIntegrations/Client/ServiceClientError.h>
 #include <ZeltoIntegrations/Content/IntegrationError.h>
 #include <ZeltoIntegrations/Export/ExportReport.h>
 

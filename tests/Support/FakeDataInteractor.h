@@ -18,11 +18,13 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     std::optional<std::string> linkText = "mid:1@example.org";
     std::optional<std::string> plainText = "Body";
     std::optional<std::string> summary = "Summary";
+    std::optional<std::string> summaryHTML;
     std::optional<std::string> htmlText;
     std::optional<IntegrationLinkComponents> linkParts;
     IntegrationHeaderComponents header;
     std::vector<FormattedBodyComponent> body;
     std::vector<FormattedBodyComponent> summaryBody;
+    std::optional<std::string> headerHTML;
     IntegrationAttachments attachments;
     // Gives the file of an attachment; `nullopt` for an unknown one.
     std::function<std::optional<URL>(std::int64_t)> fileOf = [](std::int64_t) { return std::nullopt; };
@@ -92,7 +94,10 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
         completion(std::nullopt);
     }
 
-    void htmlHeader(Callback<std::optional<std::string>> completion) override { completion(std::nullopt); }
+    void htmlHeader(Callback<std::optional<std::string>> completion) override {
+        onAsked("htmlHeader");
+        complete("htmlHeader", std::move(completion), headerHTML);
+    }
 
     void headerComponents(Callback<IntegrationHeaderComponents> completion) override {
         onAsked("headerComponents");
@@ -118,9 +123,9 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
                         std::optional<IntegrationLinkType> linkType,
                         Callback<std::optional<std::string>> completion) override {
         ask("meetTranscript", linkType);
-        const bool isSummary = content == IntegrationMeetingTranscriptContent::summary &&
-                               format == IntegrationMeetingTranscriptFormat::text;
-        complete("meetTranscript", std::move(completion), isSummary ? summary : std::nullopt);
+        const auto& given = format == IntegrationMeetingTranscriptFormat::text ? summary : summaryHTML;
+        complete("meetTranscript", std::move(completion),
+                 content == IntegrationMeetingTranscriptContent::summary ? given : std::nullopt);
     }
 
     void availableAttachments(Callback<IntegrationAttachments> completion) override {

@@ -74,7 +74,11 @@ class MistakenHost {
             (operation_ == "link"               ? data.linkText
              : operation_ == "messagePlainText" ? data.plainText
              : operation_ == "meetTranscript"   ? data.summary
+             : operation_ == "htmlHeader"       ? data.headerHTML
                                                 : data.htmlText) = std::nullopt;
+            if (operation_ == "meetTranscript") {
+                data.summaryHTML = std::nullopt;
+            }
         }
     }
 

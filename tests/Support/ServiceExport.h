@@ -43,8 +43,12 @@ template <class Exporter> class ServiceExport {
 
     std::shared_ptr<Exporter>
     exporterFor(std::shared_ptr<IntegrationsDataInteractorProtocol> interactorOfData) const {
-        return std::make_shared<Exporter>(account, storage, interactor, std::move(interactorOfData), "test",
-                                          attachmentsAreSelectedByDefault);
+        if constexpr (requires { Exporter::emailValidator; }) {
+            return made(std::move(interactorOfData),
+                        [](const std::string& text) { return text.contains('@'); });
+        } else {
+            return made(std::move(interactorOfData));
+        }
     }
 
     std::shared_ptr<ExportProgress> start(Done done) {
@@ -80,6 +84,13 @@ template <class Exporter> class ServiceExport {
     std::shared_ptr<ExportProgress> progress; // of the last run
 
   private:
+    template <class... More>
+    std::shared_ptr<Exporter> made(std::shared_ptr<IntegrationsDataInteractorProtocol> interactorOfData,
+                                   More... more) const {
+        return std::make_shared<Exporter>(account, storage, interactor, std::move(interactorOfData), "test",
+                                          attachmentsAreSelectedByDefault, std::move(more)...);
+    }
+
     std::shared_ptr<Exporter> exporter_;
 };
 

@@ -20,8 +20,9 @@ std::string withoutBoundary(const std::string& text);
 
 // What a stand-in of a service must provide: the service's response to a request, on any thread, and a name
 // for what a request creates; `nullopt` if it creates nothing. Uploads by a form are recognised without it.
-// It may have `tokenPath`, the path of its refreshes, whose response is the token "fresh"; and `comparable`,
-// which replaces what is random in the text of a request.
+// It may have `tokenPath`, the path of its refreshes, whose response is the token "fresh" and, where each
+// refresh token is good once, `freshRefreshToken`; and `comparable`, which replaces what is random in the
+// text of a request.
 template <class T>
 concept PlayedService = requires(const T& service, const ReceivedRequest& request) {
     { service.usualResponse(request) } -> std::same_as<PlayedResponse>;
@@ -69,9 +70,10 @@ template <PlayedService Service> class ServiceServer : public Service {
     std::vector<std::string> made() const {
         std::vector<std::string> made;
         for (const auto& request : server.requests()) {
-            const auto file = uploadedFile(request);
-            if (auto name = file ? "file " + *file : Service::madeBy(request)) {
+            if (auto name = Service::madeBy(request)) {
                 made.push_back(*std::move(name));
+            } else if (const auto file = uploadedFile(request)) {
+                made.push_back("file " + *file);
             }
         }
         return made;
@@ -98,7 +100,11 @@ template <PlayedService Service> class ServiceServer : public Service {
         }
         if constexpr (requires { Service::tokenPath; }) {
             if (request.target == Service::tokenPath) {
-                return PlayedResponse::json(R"({"access_token":"fresh","expires_in":3600})");
+                std::string token = R"({"access_token":"fresh","expires_in":3600)";
+                if constexpr (requires { Service::freshRefreshToken; }) {
+                    token += R"(,"refresh_token":")" + std::string(Service::freshRefreshToken) + '"';
+                }
+                return PlayedResponse::json(token + "}");
             }
         }
         return this->usualResponse(request);

@@ -7,7 +7,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
-#include <vector>
 
 namespace zelto {
 
@@ -65,6 +64,11 @@ ServiceRequest&& ServiceRequest::upload(std::filesystem::path file, Parameters p
         ExportServiceHelper::makeFilesUploadRequest(parameters, std::vector{part}, request);
         return true;
     };
+    return std::move(*this);
+}
+
+ServiceRequest&& ServiceRequest::parts(const std::vector<ExporterHelperMultipartData>& parts) && {
+    ExportServiceHelper::makeFilesUploadRequest({}, parts, request_);
     return std::move(*this);
 }
 

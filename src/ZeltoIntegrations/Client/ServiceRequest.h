@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zelto {
 
@@ -48,6 +49,9 @@ class ServiceRequest {
     ServiceRequest&& upload(std::filesystem::path file, Parameters parameters = {},
                             std::string fieldName = "file",
                             std::string_view function = "uploadFile(fromPath:completion:)") &&;
+
+    // A multipart form of these parts with its "Content-Type".
+    ServiceRequest&& parts(const std::vector<ExporterHelperMultipartData>& parts) &&;
 
     // What a client sends. Each call makes it anew, from the file as it is then.
     RequestMaker maker() &&;

@@ -80,9 +80,10 @@ class NetworkExporter : public StepExporter {
 
     // The run's client with the account's credentials. Where there is none, for an account without
     // credentials and a run that was cancelled, the step has ended with `oauthError`, and null is returned.
-    template <class Client, class Authoriser, class R, class E>
-    std::shared_ptr<Client> clientOf(StepRun& run, Completion<R, E>& done) {
-        auto client = clientOf<Client, Authoriser>(run);
+    // The arguments are those that the client takes beside its authoriser and its decoder.
+    template <class Client, class Authoriser, class R, class E, class... Arguments>
+    std::shared_ptr<Client> clientOf(StepRun& run, Completion<R, E>& done, const Arguments&... arguments) {
+        auto client = madeClientOf<Client, Authoriser>(run, arguments...);
         if (!client) {
             done(failure(E::oauthError));
         }
@@ -90,7 +91,8 @@ class NetworkExporter : public StepExporter {
     }
 
   private:
-    template <class Client, class Authoriser> std::shared_ptr<Client> clientOf(StepRun& run) {
+    template <class Client, class Authoriser, class... Arguments>
+    std::shared_ptr<Client> madeClientOf(StepRun& run, const Arguments&... arguments) {
         return run.client<Client>([&]() -> std::shared_ptr<Client> {
             const auto credentials = accountConfiguration().credentials;
             if (!credentials) {
@@ -102,7 +104,7 @@ class NetworkExporter : public StepExporter {
                     static_cast<NetworkExporter&>(*exporter).takeRefreshedTokens(refreshed);
                 }
             });
-            auto client = std::make_shared<Client>(std::move(authoriser), JSONDecoder());
+            auto client = std::make_shared<Client>(std::move(authoriser), JSONDecoder(), arguments...);
             const auto refusals = newRefusals();
             client->setRefusalObserver(
                 [report = run.sharedReport(), refusals](const ServiceRefusal& refusal) {
