@@ -5,6 +5,7 @@
 #include <ZeltoIntegrations/Asana/AsanaResponses.h>
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
 #include <ZeltoIntegrations/Notion/NotionResponses.h>
+#include <ZeltoIntegrations/OneNote/OneNoteResponses.h>
 #include <ZeltoIntegrations/Todoist/TodoistResponses.h>
 #include <ZeltoIntegrations/Trello/TrelloResponses.h>
 
@@ -88,6 +89,7 @@ void checkValues(const ServiceResponse& response) {
         response, {});
     checkRecords<AsanaProjectsResponse, AsanaTaskResponse, AsanaUsersResponse, AsanaSingleUserResponse,
                  AsanaWorkspacesResponse>(response, {});
+    checkRecords<OneNoteUserResponse, OneNoteNotebooksResponse, OneNoteSectionsResponse>(response, {});
     checkRecords<TodoistFetchResponse, TodoistUploadResponse>(response, {});
     checkRecords<notion::User, notion::ListResponse<notion::SearchResultItem>, notion::Page>(
         response, {DateStrategy::iso8601});

@@ -6,6 +6,7 @@
 #include <ZeltoIntegrations/IntegrationsManager.h>
 #include <ZeltoIntegrations/Notion/NotionExporter.h>
 #include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
+#include <ZeltoIntegrations/OneNote/OneNoteExporter.h>
 #include <ZeltoIntegrations/Things/ThingsExporter.h>
 #include <ZeltoIntegrations/Todoist/TodoistExporter.h>
 #include <ZeltoIntegrations/Trello/TrelloExporter.h>
@@ -25,13 +26,24 @@ struct ExporterArguments {
     std::shared_ptr<IntegrationsDataInteractorProtocol> dataInteractor;
     std::optional<std::string> actionSource;
     bool attachmentsAreSelectedByDefault;
+    const IntegrationsManager::EmailValidator& emailValidator;
 };
 
-template <class Exporter> std::shared_ptr<ServiceExporter> make(ExporterArguments arguments) {
+template <class Exporter, class... More>
+std::shared_ptr<ServiceExporter> makeWith(ExporterArguments arguments, const More&... more) {
     return std::make_shared<Exporter>(arguments.configuration, std::move(arguments.storage),
                                       std::move(arguments.interactor), std::move(arguments.dataInteractor),
                                       std::move(arguments.actionSource),
-                                      arguments.attachmentsAreSelectedByDefault);
+                                      arguments.attachmentsAreSelectedByDefault, more...);
+}
+
+template <class Exporter> std::shared_ptr<ServiceExporter> make(ExporterArguments arguments) {
+    return makeWith<Exporter>(std::move(arguments));
+}
+
+std::shared_ptr<ServiceExporter> makeOneNote(ExporterArguments arguments) {
+    const auto& emailValidator = arguments.emailValidator;
+    return makeWith<OneNoteExporter>(std::move(arguments), emailValidator);
 }
 
 struct ExporterRow {
@@ -47,7 +59,7 @@ constexpr ExporterRow exporters[] = {
     {ServiceType::Things, make<ThingsExporter>},
     {ServiceType::TodoIst, make<TodoistExporter>},
     {ServiceType::Asana, make<AsanaExporter>},
-    {ServiceType::OneNote, nullptr},
+    {ServiceType::OneNote, makeOneNote},
     {ServiceType::Evernote, nullptr},
     {ServiceType::Trello, make<TrelloExporter>},
     {ServiceType::Bear, make<BearExporter>},
@@ -105,7 +117,7 @@ IntegrationsManager::makeServiceExporter(const ServiceAccountConfiguration& conf
         return nullptr;
     }
     return make({configuration, configurationStorage_, platformInteractor_, std::move(dataInteractor),
-                 std::move(actionSource), attachmentsAreSelectedByDefault});
+                 std::move(actionSource), attachmentsAreSelectedByDefault, emailValidator_});
 }
 
 std::shared_ptr<ServiceImporter>

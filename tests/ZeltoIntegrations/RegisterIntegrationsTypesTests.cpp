@@ -1,7 +1,7 @@
 #include <ZeltoIntegrations/RegisterIntegrationsTypes.h>
 
 #include <ZeltoIntegrations/Asana/AsanaRecords.h>
-#include <ZeltoIntegrations/OneNote/OneNoteNotebook.h>
+#include <ZeltoIntegrations/OneNote/OneNoteRecords.h>
 #include <ZeltoIntegrations/Todoist/TodoistRecords.h>
 
 #include <TrovenhalCommon/AnyCodable.h>

@@ -2,12 +2,13 @@
 
 #include <ZeltoIntegrations/Accounts/Secrets.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace zelto {
 
-// The values of the service's OAuth 2.0 sign-in.
+// The values of the service's OAuth 2.0 sign-in, and its limits.
 struct OneNoteConstants {
     OneNoteConstants() = delete;
 
@@ -25,6 +26,9 @@ struct OneNoteConstants {
     static constexpr std::string_view scope =
         "offline_access https://graph.microsoft.com/User.Read https://graph.microsoft.com/Notes.Create";
     static constexpr std::string_view userInfoURL = "https://graph.microsoft.com/v1.0/me";
+
+    // A file of this size is too large.
+    static constexpr std::int64_t attachmentSizeLimit = 104'857'600;
 };
 
 } // namespace zelto

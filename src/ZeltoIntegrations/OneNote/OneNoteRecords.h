@@ -8,6 +8,17 @@
 
 namespace zelto {
 
+// The account's own user.
+struct OneNoteUser {
+    std::string id;
+    std::optional<std::string> name;
+    std::optional<std::string> email;
+
+    bool operator==(const OneNoteUser&) const = default;
+};
+
+ZELTO_JSON_CODED(OneNoteUser);
+
 struct OneNoteSection {
     std::string id;
     std::optional<std::string> name;
@@ -18,6 +29,7 @@ struct OneNoteSection {
 
 ZELTO_JSON_CODED(OneNoteSection);
 
+// A notebook with the sections that a page can be put into.
 struct OneNoteNotebook {
     std::string id;
     std::optional<std::string> name;
@@ -27,5 +39,25 @@ struct OneNoteNotebook {
 };
 
 ZELTO_JSON_CODED(OneNoteNotebook);
+
+// What the exporter loads of an account. Each notebook has a section.
+struct OneNoteFullData {
+    OneNoteUser user;
+    std::vector<OneNoteNotebook> notebooks;
+
+    bool operator==(const OneNoteFullData&) const = default;
+};
+
+ZELTO_JSON_CODED(OneNoteFullData);
+
+// Where a page goes: the notebook as it was when it was chosen, and a section of it.
+struct OneNoteSaveToInfo {
+    OneNoteNotebook notebook;
+    OneNoteSection section;
+
+    bool operator==(const OneNoteSaveToInfo&) const = default;
+};
+
+ZELTO_JSON_CODED(OneNoteSaveToInfo);
 
 } // namespace zelto
