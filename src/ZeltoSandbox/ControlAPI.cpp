@@ -63,6 +63,10 @@ std::optional<std::string> readSetting(SandboxSettings& settings, const std::str
         settings.additionalTargets = isAllowed ? static_cast<std::size_t>(*count) : 0;
         return isAllowed ? std::nullopt : std::optional<std::string>("a number from 0 to 1000");
     }
+    if (key == "publishedLimits") {
+        settings.publishedLimits = value.asBool().value_or(false);
+        return value.asBool() ? std::nullopt : std::optional<std::string>("true or false");
+    }
     return "left out; there is no such setting";
 }
 
@@ -190,7 +194,8 @@ JSONValue ControlAPI::state() const {
                          {"plan", settings.paidPlan ? "paid" : "free"},
                          {"attachmentLimit",
                           settings.attachmentLimit ? JSONValue(*settings.attachmentLimit) : JSONValue()},
-                         {"additionalTargets", settings.additionalTargets}});
+                         {"additionalTargets", settings.additionalTargets},
+                         {"publishedLimits", settings.publishedLimits}});
     state.set("requests", log_.lastNumber());
     addFigures_(state);
     return state;

@@ -40,11 +40,25 @@ std::string disposition(bool inlined, const std::string& name) {
            "\"; filename*=UTF-8''" + percentEncodeBytes(name, AllowedCharacters::alphanumerics);
 }
 
+// Whatever the HTML is, the browser lets it load images of its own alone, and runs nothing of it.
+SandboxResponse document(std::string html) {
+    return SandboxResponse::html(std::move(html))
+        .with("X-Frame-Options", "SAMEORIGIN")
+        .with("Content-Security-Policy", "default-src 'none'; img-src data:; style-src 'unsafe-inline'; "
+                                         "frame-ancestors 'self'; sandbox");
+}
+
 } // namespace
 
 std::string FileStore::add(SpoolRange content, std::string name, std::string contentType) {
     const auto number = ++last_;
     files_[number] = {std::move(content), cleanedFileName(name, "file"), std::move(contentType)};
+    return "/files/" + std::to_string(number);
+}
+
+std::string FileStore::addDocument(SpoolRange html, ShowHTML show) {
+    const auto number = ++last_;
+    files_[number] = {std::move(html), {}, "text/html", show};
     return "/files/" + std::to_string(number);
 }
 
@@ -55,6 +69,9 @@ SandboxResponse FileStore::response(std::string_view path) const {
         return SandboxResponse::text("There is no such file.\n", 404);
     }
     const auto& file = found->second;
+    if (file.show) {
+        return document(file.show(file.content.text(static_cast<std::size_t>(file.content.size))));
+    }
     const auto type = shownType(file.contentType, file.content);
     SandboxResponse response{.fields = {{"Content-Type", type.empty() ? "application/octet-stream" : type},
                                         {"Content-Disposition", disposition(!type.empty(), file.name)}},

@@ -15,6 +15,11 @@ class FileStore {
     // The path at which the file can be opened.
     std::string add(SpoolRange content, std::string name, std::string contentType);
 
+    // The same for HTML, of which the page shows what the function makes of it: a document that neither loads
+    // nor runs anything, in a frame.
+    using ShowHTML = std::string (*)(std::string_view html);
+    std::string addDocument(SpoolRange html, ShowHTML show);
+
     // `path` is what follows "/files/": "7". No content can run in the browser: what could is served as text
     // or as a download.
     SandboxResponse response(std::string_view path) const;
@@ -26,6 +31,7 @@ class FileStore {
         SpoolRange content;
         std::string name;
         std::string contentType;
+        ShowHTML show = nullptr;
     };
 
     std::map<std::uint64_t, File> files_;

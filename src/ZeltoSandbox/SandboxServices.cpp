@@ -2,6 +2,7 @@
 
 #include <ZeltoSandbox/Asana/AsanaSandbox.h>
 #include <ZeltoSandbox/Notion/NotionSandbox.h>
+#include <ZeltoSandbox/OneNote/OneNoteSandbox.h>
 #include <ZeltoSandbox/PlainService.h>
 #include <ZeltoSandbox/Todoist/TodoistSandbox.h>
 #include <ZeltoSandbox/Trello/TrelloSandbox.h>
@@ -20,7 +21,7 @@ const auto& rows = neverDestroyed(std::vector<SandboxServiceRow>{
     {"TickTick", {"api.ticktick.com"}, PlainService::make},
     {"MeisterTask", {"www.meistertask.com"}, PlainService::make},
     {"Notion", {"api.notion.com"}, NotionSandbox::make},
-    {"OneNote", {"graph.microsoft.com"}, PlainService::make},
+    {"OneNote", {"graph.microsoft.com"}, OneNoteSandbox::make},
     {"MicrosoftTeams", {"graph.microsoft.com"}, PlainService::make},
     {"Dropbox", {"api.dropboxapi.com", "content.dropboxapi.com"}, PlainService::make},
     {"GoogleDrive", {"www.googleapis.com"}, PlainService::make},

@@ -20,6 +20,6 @@ std::span<const PageFile> sandboxPageFiles();
 // the page nor reach another origin.
 constexpr std::string_view sandboxPagePolicy =
     "default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
-    "frame-ancestors 'none'; base-uri 'none'; form-action 'self'";
+    "frame-src 'self'; frame-ancestors 'none'; base-uri 'none'; form-action 'self'";
 
 } // namespace zelto

@@ -11,7 +11,7 @@ import { element, foreign, longText, reconcile, sizeText, webLink } from "/text.
 
 const shownCards = 100; // of a list
 
-function fileItem(file) {
+export function fileItem(file) {
   const item = element("li");
   if (/^\/files\/[\w-]+$/.test(file.url)) {
     const link = foreign("a", "", file.name);
