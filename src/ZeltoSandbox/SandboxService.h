@@ -24,7 +24,7 @@ struct SandboxSettings {
     bool paidPlan = false;                        // of the accounts, where a service has plans
     std::optional<std::uint64_t> attachmentLimit; // bytes, instead of the plan's
     std::size_t additionalTargets = 0; // demo targets beside the usual ones, where a service has them
-    bool publishedLimits = false; // of requests, where a service takes less than clients were made for
+    bool publishedLimits = false;      // of requests, where a service takes less than clients were made for
 };
 
 // What the services share; it outlives them.

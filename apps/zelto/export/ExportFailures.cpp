@@ -56,6 +56,9 @@ std::string tooLarge(const Refused& refused, const std::string& service) {
 // The export without an attachment, or in a form without the file that was made of the message.
 NextCommand withoutFile(const Refused& refused, const ExportCircumstances& about) {
     auto others = about.attachments;
+    if (refused.kind != "file" && !others.empty()) {
+        return NextCommand::again("--attach", "none");
+    }
     if (refused.kind != "file" || std::erase(others, refused.name) == 0) {
         return withAnotherType(about.takenTypes, about.type);
     }
@@ -116,12 +119,31 @@ Advice refusal(const ExportCircumstances& about, const std::string& verb, const 
             std::move(next)};
 }
 
+Advice notUTF8(const ExportCircumstances& about) {
+    return {"The title or the text is not UTF-8.", NextCommand::again("--title", repairedUTF8(about.title))};
+}
+
 Advice noPDF(const ExportCircumstances& about) {
     const auto& error = about.pdfError;
     if (!error) {
         return {"The message could not be turned into a PDF.", showsLog};
     }
     return {"The message could not be turned into a PDF. " + error->message() + ".",
+            withAnotherType(about.takenTypes, about.type)};
+}
+
+Advice noBody(const ExportCircumstances& about) {
+    if (about.pdfError) {
+        return noPDF(about);
+    }
+    if (about.type == "externalLink") {
+        return {"There is no external link; name one as \"externalLink\" in a file for --config-over.",
+                withAnotherType(about.takenTypes, about.type)};
+    }
+    if (!isValidUTF8(about.title)) {
+        return notUTF8(about);
+    }
+    return {"The message has no text or no link of that kind.",
             withAnotherType(about.takenTypes, about.type)};
 }
 
@@ -142,8 +164,7 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
         return refusal(about, "take",
                        {"The export to " + about.service + " met an internal error.", showsLog});
     case IntegrationExportError::createBodyError:
-        return {"The message has no text or no link of that kind.",
-                withAnotherType(about.takenTypes, about.type)};
+        return noBody(about);
     case IntegrationExportError::convertError:
         return noPDF(about);
     case IntegrationExportError::unsupportedFormat:
@@ -164,8 +185,7 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
             about, "take",
             {"An attachment could not be read from the message.", NextCommand::again("--attach", "none")});
     case IntegrationExportError::urlEncodeError:
-        return {"The title or the text is not UTF-8.",
-                NextCommand::again("--title", repairedUTF8(about.title))};
+        return notUTF8(about);
     case IntegrationExportError::createUrlError:
         return {
             "The title, the text and the tags make no URL; a tag with a blank, & or # is the usual reason.",

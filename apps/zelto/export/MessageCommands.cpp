@@ -53,7 +53,9 @@ std::string textOf(const IntegrationExportPreview& preview) {
 
         std::string operator()(const IntegrationExportPreview::WebLink& link) const { return link.url; }
 
-        std::string operator()(const IntegrationExportPreview::ExternalLink&) const { return {}; }
+        std::string operator()(const IntegrationExportPreview::ExternalLink&) const {
+            return "The external link alone.";
+        }
     };
 
     return std::visit(Text(), preview.value);

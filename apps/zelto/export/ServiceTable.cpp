@@ -5,6 +5,7 @@
 #include "export/services/ApplicationAdapters.h"
 #include "export/services/AsanaAdapter.h"
 #include "export/services/NotionAdapter.h"
+#include "export/services/OneNoteAdapter.h"
 #include "export/services/TodoistAdapter.h"
 #include "export/services/TrelloAdapter.h"
 
@@ -36,9 +37,9 @@ std::unique_ptr<ExportSession> open(IntegrationsManager& manager, const ServiceA
 constexpr ServiceRow rows[] = {
     {ServiceType::Agenda, open<AgendaAdapter>},       {ServiceType::Asana, open<AsanaAdapter>},
     {ServiceType::Bear, open<BearAdapter>},           {ServiceType::Notion, open<NotionAdapter>},
-    {ServiceType::OmniFocus, open<OmniFocusAdapter>}, {ServiceType::Things, open<ThingsAdapter>},
-    {ServiceType::TodoIst, open<TodoistAdapter>},     {ServiceType::Trello, open<TrelloAdapter>},
-    {ServiceType::Type2Do, open<TwoDoAdapter>},
+    {ServiceType::OmniFocus, open<OmniFocusAdapter>}, {ServiceType::OneNote, open<OneNoteAdapter>},
+    {ServiceType::Things, open<ThingsAdapter>},       {ServiceType::TodoIst, open<TodoistAdapter>},
+    {ServiceType::Trello, open<TrelloAdapter>},       {ServiceType::Type2Do, open<TwoDoAdapter>},
 };
 
 } // namespace

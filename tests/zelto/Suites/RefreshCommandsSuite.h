@@ -64,7 +64,7 @@ TYPED_TEST_P(RefreshCommands, NameTheWayToReconnectWhereTheRefreshIsRefused) {
                             PlayedResponse::json(R"({"error":"invalid_grant"})", 400));
     const auto outcome = this->exportTitle({"--json"});
     EXPECT_EQ(outcome.status, 1);
-    EXPECT_EQ(outcome.text("error"), TypeParam::notMadeError);
+    EXPECT_EQ(outcome.text("error"), this->errorOf("oauthError", TypeParam::notMadeError));
     EXPECT_TRUE(outcome.text("message").starts_with(std::string(TypeParam::notMade) +
                                                     ": it does not accept the account's sign-in any more"))
         << outcome.output;

@@ -188,7 +188,7 @@ TEST(ExportFailures, SuggestTheSameExportWithWhatMayHelp) {
     about.hasStalled = true;
     const auto next = [&](Error error) { return exportFailure(error, about).next; };
     EXPECT_EQ(next(Error::canceled), NextCommand::again("--timeout", "1200"));
-    EXPECT_EQ(next(Error::createBodyError), NextCommand::again("--as", "backLink"));
+    EXPECT_EQ(next(Error::createBodyError), NextCommand::again("--title", "a\uFFFDb"));
     EXPECT_EQ(next(Error::convertError), NextCommand::againWith("--verbose"));
     EXPECT_EQ(next(Error::unsupportedFormat), NextCommand::again("--as", "backLink"));
     EXPECT_EQ(next(Error::fileAlreadyExists), NextCommand::again("--policy", "keepBoth"));
@@ -202,6 +202,39 @@ TEST(ExportFailures, SuggestTheSameExportWithWhatMayHelp) {
     EXPECT_EQ(next(Error::convertError), NextCommand::again("--as", "backLink"));
     about.takenTypes = {"pdf"};
     EXPECT_TRUE(next(Error::convertError).isHelp());
+}
+
+TEST(ExportFailures, SayWhatABodyIsMissing) {
+    auto about = circumstances();
+    const auto message = [&] { return exportFailure(Error::createBodyError, about).message; };
+    EXPECT_EQ(message(), "The message has no text or no link of that kind.");
+    EXPECT_EQ(exportFailure(Error::createBodyError, about).next, NextCommand::again("--as", "backLink"));
+    about.type = "externalLink";
+    EXPECT_EQ(message(),
+              "There is no external link; name one as \"externalLink\" in a file for --config-over.");
+    about.pdfError = PDFError{PDFErrorCode::converterMissing};
+    EXPECT_EQ(message(), exportFailure(Error::convertError, about).message);
+}
+
+TEST(ExportFailures, NameWhatWasRefusedWhateverTheErrorIs) {
+    auto about = circumstances();
+    EXPECT_EQ(exportFailure(Error::oauthError, about).message,
+              "Trello does not accept the account's sign-in any more.");
+    EXPECT_EQ(exportFailure(Error::connectionError, about).message, "Trello could not be reached.");
+    about.report.refused = {
+        {.kind = "page", .name = "T", .reason = ServiceClientError::connectionError, .nothingWasSent = true}};
+    EXPECT_EQ(exportFailure(Error::connectionError, about).message,
+              "Trello did not take the page \"T\": it could not be reached.");
+    about.report.refused = {{.kind = "page",
+                             .name = "T",
+                             .reason = ServiceClientError::apiCallError,
+                             .words = "too large",
+                             .excessiveSize = 1234}};
+    about.attachments = {"a.txt", "b.txt"};
+    EXPECT_EQ(exportFailure(Error::internalError, about).message,
+              "Trello did not take the page \"T\": the request, of 1234 bytes, is larger than Trello takes "
+              "(\"too large\").");
+    EXPECT_EQ(exportFailure(Error::internalError, about).next, NextCommand::again("--attach", "none"));
 }
 
 TEST(ExportFailures, OfAMissingTargetNameItUnlessTheServiceRefusedSomething) {
