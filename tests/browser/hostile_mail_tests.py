@@ -80,6 +80,39 @@ class HostileMail(Case):
                                                               ("paragraph", "heading_1", "quote", "to_do", "bulleted_list_item")])
         self.assertShownAsText()
 
+    def test_no_page_of_onenote_runs_or_breaks_the_layout(self):
+        token = self.sandbox.token("OneNote")
+        script = attack(self.trap)
+        quoted = script.replace("&", "&amp;").replace("<", "&lt;").replace('"', "&quot;")
+        bodies = [f"<script>{quoted}</script>", f'<img src="x" onerror="{quoted}" />', f'<svg onload="{quoted}"></svg>',
+                  f'<iframe src="http://{OUTSIDE}/"></iframe>', f'<a href="javascript:{quoted}">x</a>',
+                  f'<p style="background:url(http://{OUTSIDE}/)">x</p>', f'<img src="http://{OUTSIDE}/" />',
+                  f'<meta http-equiv="refresh" content="0;url=http://{OUTSIDE}/" />', "<p>" + "W" * 10_000 + "</p>",
+                  f'<object data="http://{OUTSIDE}/"></object><embed src="http://{OUTSIDE}/" />']
+        for body in bodies:
+            self.sandbox.add_onenote_page(token, body)
+        for text in hostile_texts(self.trap):
+            self.sandbox.add_onenote_page(token, "<p>x</p>", [(text[:200] + ".txt", "text/plain", b"harmless")], text[:2000])
+        self.show()
+        self.wait_for_text("__proto__")
+        self.assertEqual(self.tab.run("document.querySelectorAll('main :is(img, script, svg, base, meta, link, object, "
+                                      "embed, style, iframe:not([sandbox=\"\"]))').length"), 0)
+        for width in (900, 1600):
+            self.tab.resize(width, 800)
+            self.assertEqual(self.tab.run("document.documentElement.scrollWidth - document.documentElement.clientWidth"), 0)
+            self.assertEqual(self.tab.run(OVERFLOWING), [], f"at {width} pixels")
+        state = json.loads(self.sandbox.send("GET", f"127.0.0.1:{self.sandbox.port}", "/control/state")[1])
+        pages = state["onenote"]["notebooks"][0]["sections"][0]["pages"]
+        self.assertEqual(len(pages), len(bodies) + len(hostile_texts(self.trap)))
+        visitor = self.browser.new_tab()
+        for page in pages:
+            visitor.open(f"{self.sandbox.url}{page['url']}")
+        visitor.open(f"{self.sandbox.url}/")
+        for tab in self.browser.tabs:
+            self.assertEqual([each for each in tab.said if "canary" in each], [])
+            self.assertEqual(tab.run("typeof window.zeltoCanary"), "undefined")
+        self.assertNoCalls()
+
     def assertShownAsText(self):
         self.show()
         self.wait_for_text("__proto__")

@@ -8,7 +8,7 @@ from sandbox import ROOT, notion_block, notion_text
 
 MAIL = os.path.join(ROOT, "examples", "mails", "project-kickoff.eml")
 POLICY = ("default-src 'none'; script-src 'self'; style-src 'self'; img-src 'self'; connect-src 'self'; "
-          "frame-ancestors 'none'; base-uri 'none'; form-action 'self'")
+          "frame-src 'self'; frame-ancestors 'none'; base-uri 'none'; form-action 'self'")
 TITLE = "Project kick-off: lighthouse relaunch & first week"
 
 
@@ -24,7 +24,7 @@ class Page(Case):
     def test_every_file_of_the_page_comes_with_the_strict_policy(self):
         self.show()
         for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/columns.js", "/requests.js", "/asana.js", "/notion.js",
-                     "/notion.css", "/todoist.js", "/todoist.css", "/trello.js"):
+                     "/notion.css", "/onenote.js", "/onenote.css", "/todoist.js", "/todoist.css", "/trello.js"):
             names = ["content-security-policy", "x-content-type-options", "cache-control"]
             fields = self.tab.run(f"fetch('{path}').then((response) => {names}.map((name) => response.headers.get(name)))")
             self.assertEqual(fields, [POLICY, "nosniff", "no-store"], path)
@@ -187,6 +187,28 @@ class Page(Case):
         section = self.tab.run("document.querySelector('.of-notion').innerText")
         for expected in ("Untitled", "not shared", "Empty"):
             self.assertIn(expected, section)
+
+    def test_a_onenote_page_appears_as_it_would_look_with_its_files(self):
+        self.show()
+        self.sandbox.zelto("connect", "onenote", "--token", self.sandbox.token("OneNote"))
+        self.sandbox.zelto("export", MAIL, "--to", "onenote", "--attach", "all", "--note", "Look & see")
+        self.tab.wait("document.querySelectorAll('.of-onenote .card .attachments a').length === 2")
+        section = self.tab.run("document.querySelector('.of-onenote').innerText")
+        for text in ("Lighthouse", "Relaunch", "full", "No sections yet", "No sections", "Große Bibliothek 図書館", TITLE,
+                     "Agenda.txt", "text/plain, 163 bytes", "Relaunch plan.pdf"):
+            self.assertIn(text, section)
+        frame = "document.querySelector('.of-onenote iframe')"
+        self.assertEqual(self.tab.run(f"[{frame}.sandbox.length, {frame}.title]"), [0, TITLE])
+        self.assertGreater(self.tab.run(f"{frame}.getBoundingClientRect().height"), 200)
+        page = self.browser.new_tab()
+        page.open(self.tab.run(f"{frame}.src"))
+        shown = page.run("document.body.innerText")
+        for text in ("Look & see", "Mira", TITLE, "Agenda.txt"):
+            self.assertIn(text, shown)
+        link = "document.querySelector('a[href^=\"mid:\"]')"
+        self.assertEqual(page.run(f"getComputedStyle({link}.parentElement).fontSize"), "32px")
+        self.assertEqual(page.run("window.origin"), "null")
+        self.assertNothingRan()
 
     def test_an_attached_address_is_shown_with_its_link(self):
         token = self.sandbox.token()

@@ -1,5 +1,6 @@
 """A running `zelto sandbox`, the commands that use it, and requests to the services that it stands in for."""
 
+import html
 import http.client
 import json
 import os
@@ -12,6 +13,8 @@ from chromium import DEADLINE, Failed
 
 ROOT = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 CLIENT = "placeholder-id-of-Trello"
+# What no document may hold.
+CONTROLS = {number: None for number in [*range(9), 11, 12, *range(14, 32), 127]}
 BORDER = "border-of-the-parts"
 FILE_FORM = f"multipart/form-data; boundary={BORDER}"
 
@@ -118,6 +121,25 @@ class Sandbox:
                           Content_Type="application/x-www-form-urlencoded")["data"]["gid"]
         for file in files:
             self.asana("POST", f"tasks/{task}/attachments", token, file_form(*file), Content_Type=FILE_FORM)
+
+    def add_onenote_page(self, token, body, files=(), title="A page"):
+        """A page with that body; its files are named "1", "2" and so on in it."""
+        def onenote(method, path, content=None, **fields):
+            return self.ask(method, "graph.microsoft.com", f"/v1.0/me/onenote/{path}", content,
+                            Authorization=f"Bearer {token}", **fields)
+        section = onenote("GET", "sections")["value"][0]["id"]
+        names = [html.escape(name.translate(CONTROLS)) for name, _, _ in files]
+        objects = "".join(f'<object data-attachment="{name}" data="name:{number}" type="text/plain" />'
+                          for number, name in enumerate(names, 1))
+        page = (f"<html><head><title>{html.escape(title.translate(CONTROLS))}</title></head>"
+                f"<body>{body}{objects}</body></html>")
+        parts = [("Presentation", "text/html", page.encode())]
+        parts += [(str(number), media_type, data) for number, (_, media_type, data) in enumerate(files, 1)]
+        form = b"".join(f"--{BORDER}\r\nContent-Disposition: form-data; name=\"{name}\"; filename=\"x\"\r\n"
+                        f"Content-Type: {media_type}\r\n\r\n".encode() + data + b"\r\n"
+                        for name, media_type, data in parts)
+        return onenote("POST", f"sections/{section}/pages", form + f"--{BORDER}--\r\n".encode(),
+                       Content_Type=FILE_FORM)["id"]
 
     def todoist(self, path, token, body, media_type="application/json"):
         return self.ask("POST", "api.todoist.com", f"/api/v1/{path}", body, Authorization=f"Bearer {token}",

@@ -20,7 +20,7 @@ constexpr std::size_t maximumDepth = 2000;
 
 constexpr std::string_view documentBegin =
     "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n"
-    "<style>body{font-family:sans-serif;margin:12px;overflow-wrap:anywhere}"
+    "<style>body{font-family:sans-serif;margin:12px;overflow-wrap:anywhere}a{color:inherit}"
     ".file{border:1px solid #bbb;padding:4px 8px;margin:4px 0}</style>\n</head>\n<body>\n";
 constexpr std::string_view documentEnd = "\n</body>\n</html>\n";
 
@@ -380,13 +380,27 @@ class Reader {
                value.starts_with("mailto:") || value.starts_with("mid:");
     }
 
+    // Without an address of its own, however it is written.
+    static bool isHarmlessStyle(std::string_view style) {
+        const auto lower = toASCIILower(style);
+        return !lower.contains('\\') && !lower.contains("url") && !lower.contains("image") &&
+               !lower.contains("src");
+    }
+
+    static bool isKept(std::string_view name, std::string_view value) {
+        if (name == "href") {
+            return isLink(value);
+        }
+        return std::ranges::find(keptAttributes, name) != keptAttributes.end() &&
+               (name != "style" || isHarmlessStyle(value));
+    }
+
     static std::string written(const Attributes& attributes) {
         std::string text;
         for (const auto& [name, value] : attributes) {
-            const bool isKept = std::ranges::find(keptAttributes, name) != keptAttributes.end() ||
-                                (name == "href" && isLink(value));
-            if (isKept) {
-                text += " " + name + "=\"" + escaped(plain(value)) + "\"";
+            const auto decoded = plain(value);
+            if (isKept(name, decoded)) {
+                text += " " + name + "=\"" + escaped(decoded) + "\"";
             }
         }
         return text;

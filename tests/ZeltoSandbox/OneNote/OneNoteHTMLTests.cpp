@@ -114,6 +114,8 @@ TEST(OneNoteHTML, IsShownWithoutWhatLoadsOrRuns) {
               "<img src=\"data:image/png;base64,AAAA\" width=\"3\">");
     EXPECT_EQ(shown("<p title=\"&quot;&gt;&lt;script&gt;\">&lt;script&gt;</p>"),
               "<p title=\"&quot;>&lt;script>\">&lt;script&gt;</p>");
+    EXPECT_EQ(shown("<p style=\"background:URL(https://x)\">a</p><p style=\"background:u&#92;72l(x)\">b</p>"),
+              "<p>a</p><p>b</p>");
     EXPECT_EQ(shown("a<br>b<hr/>c"), "a<br>b<hr>c");
 }
 
