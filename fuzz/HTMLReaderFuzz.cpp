@@ -1,5 +1,5 @@
 // HTML from a mail: whatever the bytes, every reader ends, its result is UTF-8, links are links, and cleaned
-// HTML contains nothing that loads.
+// HTML is well-formed and contains nothing that loads.
 
 #include "Require.h"
 
@@ -9,6 +9,7 @@
 #include <ZeltoHost/HTML/HTMLGuard.h>
 #include <ZeltoHost/HTML/HTMLSpace.h>
 #include <ZeltoHost/HTML/PlainText.h>
+#include <ZeltoSandbox/OneNote/OneNoteHTML.h>
 
 #include <Platform/UTF8.h>
 
@@ -24,8 +25,21 @@ void checkCleaned(const std::string& html) {
     const auto cleaned = cleanedHTML(html, {.header = html.substr(0, 16), .title = html});
     require(isValidUTF8(cleaned), "cleaned HTML is not UTF-8", cleaned);
     require(loadingMarkup(cleaned).empty(), "cleaned HTML loads", cleaned);
+    const auto page = sandbox::readOneNoteHTML(cleaned);
+    require(page.has_value(), "cleaned HTML is not well-formed", cleaned);
+    require(loadingMarkup(page->shown).empty(), "a page is shown that loads", page->shown);
+    require(cleaned.find("</body>") == cleaned.rfind("</body>"), "cleaned HTML has two bodies", cleaned);
     const auto again = cleanedHTML(cleaned);
     require(loadingMarkup(again).empty(), "HTML cleaned twice loads", again);
+}
+
+// HTML that a client of the sandbox sends, well-formed or not.
+void checkShown(const std::string& html) {
+    const auto shown = sandbox::shownOneNoteHTML(html);
+    require(isValidUTF8(shown), "a page that is shown is not UTF-8", shown);
+    if (sandbox::readOneNoteHTML(html)) {
+        require(loadingMarkup(shown).empty(), "a page is shown that loads", shown);
+    }
 }
 
 void checkComponents(const std::string& html) {
@@ -62,6 +76,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(!guarded || guarded->size() <= html.size() + 2 * size, "the guard adds", std::string(html));
     checkComponents(html);
     checkCleaned(html);
+    checkShown(html);
     checkENML(html);
     return 0;
 }

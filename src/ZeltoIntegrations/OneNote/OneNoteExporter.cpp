@@ -162,7 +162,7 @@ void OneNoteExporter::createBody(StepRun& run, const OneNoteExportConfiguration&
 
 void OneNoteExporter::createPdfBody(StepRun& run, const OneNoteExportConfiguration& configuration,
                                     StepCompletion<OneNotePage> done) {
-    makePdf(run, titleOr(configuration.userTitle), ExportError::createBodyError,
+    makePdf(run, pageTitle(configuration), ExportError::createBodyError,
             [this, &run, configuration, done = std::move(done)](ExporterResult<File> pdf) mutable {
                 if (!pdf) {
                     return done(failure(pdf.error()));
@@ -178,7 +178,7 @@ void OneNoteExporter::createPdfPage(StepRun& run, const OneNoteExportConfigurati
         return done(failure(ExportError::createBodyError));
     }
     createHeader(run, configuration,
-                 [title = titleOr(configuration.userTitle), part = *std::move(part),
+                 [title = pageTitle(configuration), part = *std::move(part),
                   done = std::move(done)](const std::optional<std::string>& header) mutable {
                      if (!header) {
                          return done(failure(ExportError::createBodyError));
@@ -215,7 +215,7 @@ void OneNoteExporter::createSummaryBody(const OneNoteExportConfiguration& config
                                         StepCompletion<OneNotePage> done) {
     dataInteractor().meetTranscript(
         IntegrationMeetingTranscriptContent::summary, IntegrationMeetingTranscriptFormat::html, std::nullopt,
-        [header = std::move(header), title = titleOr(configuration.userTitle),
+        [header = std::move(header), title = pageTitle(configuration),
          give = bodyOf(std::move(done))](std::optional<std::string> summary) mutable {
             if (summary && !summary->empty()) {
                 summary = withOneNoteHeader(*std::move(summary), header, title);
@@ -228,7 +228,7 @@ void OneNoteExporter::createExternalLinkBody(const OneNoteExportConfiguration& c
                                              StepCompletion<OneNotePage> done) {
     const auto& link = configuration.externalLink;
     bodyOf(std::move(done))(ExportServiceHelper::isNotEmpty(link)
-                                ? oneNoteLinkDocument(titleOr(configuration.userTitle), *link)
+                                ? oneNoteLinkDocument(pageTitle(configuration), *link)
                                 : std::string());
 }
 
@@ -279,11 +279,16 @@ void OneNoteExporter::createPage(StepRun& run, const OneNoteExportConfiguration&
     client->createNoteInSection(configuration.saveTo->section.id, std::move(page).form(),
                                 reported(run,
                                          {.kind = "page",
-                                          .name = titleOr(configuration.userTitle),
+                                          .name = pageTitle(configuration),
                                           .error = std::nullopt,
                                           .warning = "OneNote creation page error: ",
                                           .function = "createPage(configuration:body:parts:updateProgress:)"},
                                          std::move(done)));
+}
+
+std::string OneNoteExporter::pageTitle(const OneNoteExportConfiguration& configuration) const {
+    const bool isOwn = configuration.saveAs == Type::pdf || configuration.saveAs == Type::externalLink;
+    return titleOr(isOwn ? configuration.userTitle : std::nullopt);
 }
 
 OneNoteExporter::Part OneNoteExporter::partOf(const URL& file) {

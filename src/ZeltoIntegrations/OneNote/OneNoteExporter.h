@@ -102,6 +102,9 @@ class OneNoteExporter final : public AccountDataExporter<OneNoteFullData> {
     void createHeader(StepRun& run, const OneNoteExportConfiguration& configuration, HeaderCallback done);
     void addHeaderBlock(std::string link, std::string note, HeaderCallback done);
 
+    // Of a page with the message or its summary, that of the message: the host writes it into the HTML.
+    std::string pageTitle(const OneNoteExportConfiguration& configuration) const;
+
     Part partOf(const URL& file);
     template <class Done> std::shared_ptr<OneNoteClient> createOneNoteClient(StepRun& run, Done& done);
 };

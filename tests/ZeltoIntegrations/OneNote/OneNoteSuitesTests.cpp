@@ -135,6 +135,20 @@ struct SummaryScenario : OneNoteScenario {
     }
 };
 
+// Nothing is asked of the host for the link, so the first step may end before the export is watched.
+struct ExternalLinkScenario : OneNoteScenario {
+    static constexpr auto name = "ExternalLinkAndFiles";
+
+    static void prepare(OneNoteExport& one) {
+        one.configuration.saveAs = Type::externalLink;
+        OneNoteScenario::prepare(one);
+    }
+
+    static Texts events() { return withFilesAndPage({"started"}); }
+
+    static std::vector<HostFailure> hostFailures() { return attachmentFailures(); }
+};
+
 struct OneNoteData {
     using Export = OneNoteExport;
     using Server = OneNoteServer;
@@ -159,11 +173,12 @@ struct OneNoteData {
 };
 
 using Scenarios = testing::Types<PdfScenario, MessageScenario, SummaryScenario>;
+using AllScenarios = testing::Types<PdfScenario, MessageScenario, SummaryScenario, ExternalLinkScenario>;
 
 } // namespace
 
 INSTANTIATE_TYPED_TEST_SUITE_P(OneNote, ExportCancellation, Scenarios, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(OneNote, ExportHost, Scenarios, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(OneNote, ExportHost, AllScenarios, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(OneNote, ExportStatus, PdfScenario, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(OneNote, ExportTitle, PdfScenario, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(OneNote, ExportTarget, PdfScenario, NamedByFacts);

@@ -19,7 +19,7 @@ struct OneNoteFacts {
     using Adapter = cli::OneNoteAdapter;
     static constexpr auto name = "OneNote";
     static constexpr auto type = ServiceType::OneNote;
-    static constexpr auto exportType = "emailBacklink";
+    static constexpr auto exportType = "pdf";
     static constexpr auto made = "page \"Title\"";
 
     static void listTargets(Server& service) {
