@@ -1,9 +1,10 @@
+#include <Support/Event.h>
 #include <Support/NotionExport.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <latch>
+#include <memory>
 
 namespace zelto {
 
@@ -132,9 +133,16 @@ TEST_F(NotionExporterTest, WhatIsMissingIsLoadedWithoutForce) {
 }
 
 TEST_F(NotionExporterTest, BothRequestsOfALoadingAreUnderWayAtOnce) {
-    const auto both = std::make_shared<std::latch>(2);
-    service.onRequest = [both](const auto&) {
-        both->arrive_and_wait();
+    struct Received {
+        Event me;
+        Event search;
+    };
+
+    const auto received = std::make_shared<Received>();
+    service.onRequest = [received](const ReceivedRequest& request) {
+        const bool isSearch = request.target == "/v1/search";
+        (isSearch ? received->search : received->me).set();
+        (isSearch ? received->me : received->search).wait();
         return std::nullopt;
     };
     EXPECT_TRUE(one.load(true));
