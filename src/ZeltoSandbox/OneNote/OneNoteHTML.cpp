@@ -25,7 +25,7 @@ constexpr std::string_view documentBegin =
 constexpr std::string_view documentEnd = "\n</body>\n</html>\n";
 
 // What a page keeps. Other elements leave their content, but for those below.
-const std::set<std::string, std::less<>> keptElements = {
+constexpr std::array<std::string_view, 64> keptElements = {
     "a",    "abbr", "address", "article", "aside",      "b",    "big",     "blockquote", "br",    "caption",
     "cite", "code", "col",     "center",  "colgroup",   "dd",   "del",     "div",        "dl",    "dt",
     "em",   "font", "figure",  "footer",  "figcaption", "h1",   "h2",      "h3",         "h4",    "h5",
@@ -334,7 +334,7 @@ class Reader {
     }
 
     bool isShown(std::string_view name) const {
-        return dropped_ == 0 && isInBody_ && keptElements.contains(name);
+        return dropped_ == 0 && isInBody_ && std::ranges::find(keptElements, name) != keptElements.end();
     }
 
     void enter(const std::string& name, const Attributes& attributes) {
