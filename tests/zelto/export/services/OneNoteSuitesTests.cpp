@@ -70,6 +70,8 @@ struct OneNoteFacts {
     static constexpr auto takenTypes = "pdf, emailBacklink, externalLink";
     static constexpr auto otherType = "backLink";
     static constexpr auto notMade = "OneNote did not take the page \"Title\"";
+    static constexpr auto notMadeError = "internalError";
+    static constexpr bool tellsErrorsApart = true;
     static constexpr auto unknownOutcome = "page \"Title\"";
     static constexpr auto madeData = R"([{"kind":"page","name":"Title"}])";
 
