@@ -3,6 +3,7 @@
 #include <ZeltoIntegrations/Agenda/AgendaExporter.h>
 #include <ZeltoIntegrations/Asana/AsanaExporter.h>
 #include <ZeltoIntegrations/Bear/BearExporter.h>
+#include <ZeltoIntegrations/Evernote/EvernoteExporter.h>
 #include <ZeltoIntegrations/IntegrationsManager.h>
 #include <ZeltoIntegrations/Notion/NotionExporter.h>
 #include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
@@ -60,7 +61,7 @@ constexpr ExporterRow exporters[] = {
     {ServiceType::TodoIst, make<TodoistExporter>},
     {ServiceType::Asana, make<AsanaExporter>},
     {ServiceType::OneNote, makeOneNote},
-    {ServiceType::Evernote, nullptr},
+    {ServiceType::Evernote, make<EvernoteExporter>},
     {ServiceType::Trello, make<TrelloExporter>},
     {ServiceType::Bear, make<BearExporter>},
     {ServiceType::MeisterTask, nullptr},

@@ -16,6 +16,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     IntegrationExportTarget target = IntegrationExportTarget::email;
     std::string titleText = "Title";
     std::optional<std::string> linkText = "mid:1@example.org";
+    std::optional<std::string> rawLinkText; // of the raw format; as the others where it is not set
     std::optional<std::string> plainText = "Body";
     std::optional<std::string> summary = "Summary";
     std::optional<std::string> summaryHTML;
@@ -25,6 +26,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     std::vector<FormattedBodyComponent> body;
     std::vector<FormattedBodyComponent> summaryBody;
     std::optional<std::string> headerHTML;
+    std::optional<IntegrationsInteractorEnml> enmlContent;
     IntegrationAttachments attachments;
     // Gives the file of an attachment; `nullopt` for an unknown one.
     std::function<std::optional<URL>(std::int64_t)> fileOf = [](std::int64_t) { return std::nullopt; };
@@ -47,6 +49,12 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
         return askedHtml_;
     }
 
+    // The HTML that was to be turned into Evernote's format, in order.
+    std::vector<std::string> askedEnml() const {
+        const std::lock_guard guard(lock_);
+        return askedEnml_;
+    }
+
     IntegrationExportTarget exportTarget() override { return target; }
 
     IntegrationsInteractorAddresses addresses() override { return {}; }
@@ -66,7 +74,8 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
 
     void link(IntegrationLinkType type, Callback<std::optional<std::string>> completion) override {
         ask("link", type);
-        complete("link", std::move(completion), linkText);
+        const bool isRaw = type.format() == IntegrationLinkFormat::raw;
+        complete("link", std::move(completion), isRaw && rawLinkText ? rawLinkText : linkText);
     }
 
     void linkComponents(IntegrationLinkType type,
@@ -85,13 +94,23 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
         complete("html", std::move(completion), htmlText);
     }
 
-    void enml(std::string, Callback<std::optional<IntegrationsInteractorEnml>> completion) override {
-        completion(std::nullopt);
+    void enml(std::string html, Callback<std::optional<IntegrationsInteractorEnml>> completion) override {
+        {
+            const std::lock_guard guard(lock_);
+            askedEnml_.push_back(std::move(html));
+        }
+        onAsked("enml");
+        complete("enml", std::move(completion), enmlContent);
     }
 
-    void enml(IntegrationExportHtmlOptions,
+    void enml(IntegrationExportHtmlOptions options,
               Callback<std::optional<IntegrationsInteractorEnml>> completion) override {
-        completion(std::nullopt);
+        {
+            const std::lock_guard guard(lock_);
+            askedHtml_.push_back(std::move(options));
+        }
+        onAsked("enml");
+        complete("enml", std::move(completion), enmlContent);
     }
 
     void htmlHeader(Callback<std::optional<std::string>> completion) override {
@@ -170,6 +189,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     mutable std::mutex lock_;
     std::vector<IntegrationLinkType> askedLinks_;
     std::vector<IntegrationExportHtmlOptions> askedHtml_;
+    std::vector<std::string> askedEnml_;
 };
 
 } // namespace zelto

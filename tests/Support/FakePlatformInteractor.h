@@ -43,13 +43,16 @@ class FakePlatformInteractor final : public IntegrationsPlatformInteractorProtoc
     // What making a PDF does; by default it fails.
     std::function<void(const std::string&, const std::filesystem::path&, Callback<bool>)> makePdf =
         [](const std::string&, const std::filesystem::path&, Callback<bool> done) { done(false); };
+    std::function<std::shared_ptr<EvernoteClient>(const ServiceAccountConfiguration&)> clientOfEvernote =
+        [](const auto&) { return nullptr; };
     // Called after an export event was recorded.
     std::function<void()> onExportEvent = [] {};
     std::function<void()> onAdded = [] {};
     std::function<void()> onRemoved = [] {};
 
-    std::shared_ptr<EvernoteClient> evernoteClient(const ServiceAccountConfiguration&) override {
-        return nullptr;
+    std::shared_ptr<EvernoteClient>
+    evernoteClient(const ServiceAccountConfiguration& configuration) override {
+        return clientOfEvernote(configuration);
     }
 
     std::shared_ptr<RemindersClient> remindersClient() override { return nullptr; }
