@@ -3,6 +3,8 @@
 #include <ZeltoHost/HTML/HTMLTagKindsInternal.h>
 #include <ZeltoHost/HTML/MarkupWriterInternal.h>
 
+#include <Platform/ASCII.h>
+
 #include <algorithm>
 #include <array>
 
@@ -128,15 +130,39 @@ class EnmlWriter final : public MarkupWriter {
         if (!media) {
             return false;
         }
-        markup_ += "<en-media";
-        writeAttribute("type", media->mimeType);
-        writeAttribute("hash", media->hash);
-        writeMediaAttributes(image);
-        markup_ += "/>";
+        writeMedia(*media, image);
         return true;
     }
 
+    // What an HTML parser takes for its content stands behind it.
+    void sawElement(const GumboElement& element) override {
+        const char* hash = isMedia(element) ? attributeOf(element, "hash") : nullptr;
+        const auto media =
+            hash != nullptr && options_.mediaForHash ? options_.mediaForHash(hash) : std::nullopt;
+        if (media) {
+            writeMedia(*media, element);
+        }
+    }
+
   private:
+    // A tag that HTML does not know.
+    static bool isMedia(const GumboElement& element) {
+        if (element.tag != GUMBO_TAG_UNKNOWN) {
+            return false;
+        }
+        GumboStringPiece name = element.original_tag;
+        gumbo_tag_from_original_text(&name);
+        return equalIgnoringASCIICase({name.data, name.length}, "en-media");
+    }
+
+    void writeMedia(const EnmlMedia& media, const GumboElement& element) {
+        markup_ += "<en-media";
+        writeAttribute("type", media.mimeType);
+        writeAttribute("hash", media.hash);
+        writeMediaAttributes(element);
+        markup_ += "/>";
+    }
+
     void writeMediaAttributes(const GumboElement& image) {
         static constexpr std::array<const char*, 7> names{"alt",    "width",  "height", "align",
                                                           "border", "hspace", "vspace"};

@@ -22,6 +22,10 @@ struct EnmlOptions {
     // text takes its place, since a note cannot refer to images by address.
     std::function<std::optional<EnmlMedia>(std::string_view source)> mediaForImage;
 
+    // The resource of a hash, for the en-media elements of a text that is ENML already. With `nullopt` the
+    // element is left out.
+    std::function<std::optional<EnmlMedia>(std::string_view hash)> mediaForHash;
+
     // HTML too, in front of the body and after it.
     std::string header;
     std::string footer;
@@ -33,7 +37,7 @@ struct EnmlOptions {
 // en-note element with the elements and attributes that Evernote's developer documentation permits. It is
 // well-formed XML in UTF-8 without characters that XML forbids. Links stay if they are URLs of http, https,
 // mailto, tel or mid. Style attributes are cleaned as by cleanedHTML; style sheets are left out, since ENML
-// has none.
+// has none. ENML is taken as well as HTML.
 //
 // Accepts any bytes. Time is linear in the length whatever the nesting. Any thread.
 std::string enmlFromHTML(std::string html, const EnmlOptions& options = {});

@@ -11,12 +11,6 @@ namespace zelto {
 
 namespace {
 
-std::string md5Of(const Data& data) {
-    const std::unique_ptr<char, decltype(&g_free)> digest(
-        g_compute_checksum_for_data(G_CHECKSUM_MD5, data.data(), data.size()), &g_free);
-    return digest.get();
-}
-
 // The image of a "data:image/...;base64," URL.
 std::optional<IntegrationsInteractorAttachment> imageInURL(std::string_view url) {
     constexpr std::string_view scheme = "data:";
@@ -61,7 +55,7 @@ IntegrationsInteractorEnml enmlContent(std::string html, const IntegrationExport
             if (!image) {
                 return std::nullopt;
             }
-            auto hash = md5Of(image->data);
+            auto hash = enmlHash(image->data);
             EnmlMedia media{hash, image->mimeType};
             if (known.insert(std::move(hash)).second) {
                 content.inlineAttachments.push_back(*std::move(image));
@@ -71,6 +65,12 @@ IntegrationsInteractorEnml enmlContent(std::string html, const IntegrationExport
     }
     content.enml = enmlFromHTML(std::move(html), enmlOptions);
     return content;
+}
+
+std::string enmlHash(const Data& data) {
+    const std::unique_ptr<char, decltype(&g_free)> digest(
+        g_compute_checksum_for_data(G_CHECKSUM_MD5, data.data(), data.size()), &g_free);
+    return digest.get();
 }
 
 } // namespace zelto

@@ -3,6 +3,8 @@
 #include <ZeltoHost/Content/ContentNotes.h>
 #include <ZeltoIntegrations/Content/IntegrationsInteractorTypes.h>
 
+#include <Platform/Data.h>
+
 #include <functional>
 #include <optional>
 #include <string>
@@ -18,5 +20,8 @@ using ImageSource = std::function<std::optional<IntegrationsInteractorAttachment
 // result does not have of the HTML.
 IntegrationsInteractorEnml enmlContent(std::string html, const IntegrationExportHtmlOptions& options,
                                        ContentNotes* notes, const ImageSource& source = nullptr);
+
+// The hash by which a note refers to a file of these bytes: their MD5 in lower-case hexadecimal digits.
+std::string enmlHash(const Data& data);
 
 } // namespace zelto

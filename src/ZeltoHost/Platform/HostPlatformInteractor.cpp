@@ -1,5 +1,6 @@
 #include <ZeltoHost/Platform/HostPlatformInteractor.h>
 
+#include <ZeltoHost/Evernote/EvernoteFolderClient.h>
 #include <ZeltoHost/Platform/HostDateFormatter.h>
 
 #include <Platform/Joined.h>
@@ -10,8 +11,11 @@ HostPlatformInteractor::HostPlatformInteractor(URLHandler openURL, PDFConverterO
     : openURL_(std::move(openURL)), dateFormatter_(std::make_shared<HostDateFormatter>()),
       pdfConverter_(std::move(pdfOptions)) {}
 
-std::shared_ptr<EvernoteClient> HostPlatformInteractor::evernoteClient(const ServiceAccountConfiguration&) {
-    return nullptr;
+std::shared_ptr<EvernoteClient>
+HostPlatformInteractor::evernoteClient(const ServiceAccountConfiguration& configuration) {
+    auto client = EvernoteFolderClient::of(configuration);
+    lastEvernoteClient_.exchange(client);
+    return client;
 }
 
 std::shared_ptr<RemindersClient> HostPlatformInteractor::remindersClient() {

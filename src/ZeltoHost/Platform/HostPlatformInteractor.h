@@ -12,9 +12,12 @@
 
 namespace zelto {
 
+class EvernoteFolderClient;
+
 // A ready-made platform of the integrations: PDF files by PDFConverter, dates by HostDateFormatter, URLs by a
-// function of the caller, such as URLOpener's. Analytics events and changes of accounts are logged at the
-// trace level. It has no clients for services that are reached through the platform. Any thread.
+// function of the caller, such as URLOpener's, the accounts of Evernote that are folders by
+// EvernoteFolderClient. Analytics events and changes of accounts are logged at the trace level. It has no
+// client of Reminders. Any thread.
 class HostPlatformInteractor : public IntegrationsPlatformInteractorProtocol, protected LoggerClient {
   public:
     using URLHandler = std::function<void(const URL&, Callback<bool>)>;
@@ -40,10 +43,16 @@ class HostPlatformInteractor : public IntegrationsPlatformInteractorProtocol, pr
     // The error of the last conversion that failed.
     std::optional<PDFError> lastPDFError() const { return lastPDFError_.value(); }
 
+    // The client that evernoteClient() gave last; null before.
+    std::shared_ptr<const EvernoteFolderClient> lastEvernoteClient() const {
+        return lastEvernoteClient_.value();
+    }
+
   private:
     const URLHandler openURL_;
     const std::shared_ptr<IntegrationsDateFormatter> dateFormatter_;
     Protected<std::optional<PDFError>> lastPDFError_;
+    Protected<std::shared_ptr<const EvernoteFolderClient>> lastEvernoteClient_;
     PDFConverter pdfConverter_; // last: its conversions end with it
 };
 
