@@ -1,5 +1,6 @@
 #include "accounts/AccountConnection.h"
 
+#include "accounts/FolderAccounts.h"
 #include "accounts/KeyChainCheck.h"
 #include "accounts/SecretPlaces.h"
 #include "accounts/ServiceNames.h"
@@ -44,7 +45,7 @@ Failure connectFailure(const IntegrationAccountCreationError& error, const Accou
     if (verification == Verification::impossible) {
         return {std::string(error.name()),
                 "This version cannot ask " + service + " whose account it is, so nothing was kept.",
-                "zelto services"};
+                takesFolder(account.serviceType()) ? "zelto connect --help" : "zelto services"};
     }
     Failure failure{std::string(error.name()), service + reasonOf(*notLoaded),
                     NextCommand::againWith("--verbose")};
@@ -84,6 +85,9 @@ Verification verificationOf(const Account& account, IntegrationsManager& manager
     case AccountCheck::none:
         return Verification::notAsked;
     case AccountCheck::byExporter:
+        if (takesFolder(account.serviceType()) && !isFolderAccount(account)) {
+            return Verification::impossible;
+        }
         return askedBy(
             manager.createServiceExporter(account, std::make_shared<IntegrationsDataInteractorStub>()));
     case AccountCheck::byMeetingCreator:
@@ -101,7 +105,8 @@ std::string noticeOf(Verification verification, ServiceType type) {
         return service + " was not asked whether these credentials are good, nor whose they are.";
     case Verification::impossible:
         return "This version has no client for " + service +
-               " yet: the sign-in is tried, and nothing is kept.";
+               " yet: the sign-in is tried, and nothing is kept." +
+               (takesFolder(type) ? " An account of a folder is connected by --folder." : "");
     }
     return {};
 }

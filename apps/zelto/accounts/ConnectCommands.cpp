@@ -2,6 +2,7 @@
 #include "accounts/AccountDescription.h"
 #include "accounts/BrowserSignIn.h"
 #include "accounts/DeferredKeyChain.h"
+#include "accounts/FolderAccounts.h"
 #include "accounts/GivenCredentials.h"
 #include "accounts/KeyChainCheck.h"
 #include "accounts/ServiceNames.h"
@@ -133,7 +134,12 @@ Outcome<Report> runConnect(const Invocation& invocation, const Terminal& termina
         return wrongUsage("There is no service \"" + name + "\".", "zelto services");
     }
     const bool isApplication = serviceAuthFlow(*type) == ServiceAuthFlow::installedApp;
-    if (!isApplication) {
+    const auto ofFolder = folderAccount(invocation, Account(*type, startingName(invocation, *type), true));
+    if (!ofFolder) {
+        return failure(ofFolder.error());
+    }
+    const bool needsSignIn = !isApplication && !*ofFolder;
+    if (needsSignIn) {
         if (const auto possible = checkBeforehand(invocation, *type); !possible) {
             return failure(possible.error());
         }
@@ -142,8 +148,9 @@ Outcome<Report> runConnect(const Invocation& invocation, const Terminal& termina
     if (!workspace) {
         return failure(workspace.error());
     }
-    auto account = Outcome<Account>(Account(*type, startingName(invocation, *type), true));
-    if (!isApplication) {
+    auto account =
+        Outcome<Account>(ofFolder->value_or(Account(*type, startingName(invocation, *type), true)));
+    if (needsSignIn) {
         workspace->storage().setMarksNewOfSandbox(workspace->usesSandbox());
         account = signedIn(invocation, *workspace, *std::move(account));
     }
@@ -166,6 +173,10 @@ Outcome<Report> runReconnect(const Invocation& invocation, const Terminal& termi
     const auto type = stored->serviceType();
     if (serviceAuthFlow(type) == ServiceAuthFlow::installedApp) {
         return wrongUsage(displayName(type) + " is an application on this machine, which needs no sign-in.",
+                          "zelto accounts");
+    }
+    if (isFolderAccount(*stored)) {
+        return wrongUsage(stored->identifier() + " is a folder on this machine, which needs no sign-in.",
                           "zelto accounts");
     }
     if (const auto possible = checkBeforehand(invocation, type); !possible) {

@@ -1,6 +1,7 @@
 #include "accounts/Workspace.h"
 
 #include "accounts/DeferredKeyChain.h"
+#include "accounts/FolderAccounts.h"
 #include "accounts/ServiceNames.h"
 #include "base/FileFailure.h"
 #include "base/ShellText.h"
@@ -102,11 +103,12 @@ Failure failureOf(const StorageError& error) {
 Failure failureOf(const IntegrationAccountCreationError& error) {
     struct Sentence {
         Failure operator()(const IntegrationAccountCreationError::AccountAlreadyExist& error) const {
-            const bool isApplication =
-                serviceAuthFlow(error.account.serviceType()) == ServiceAuthFlow::installedApp;
+            const bool needsNoSignIn =
+                serviceAuthFlow(error.account.serviceType()) == ServiceAuthFlow::installedApp ||
+                isFolderAccount(error.account);
             return {"accountAlreadyExist",
                     "The account " + error.account.identifier() + " is connected already.",
-                    isApplication ? "zelto accounts" : reconnectCommand(error.account)};
+                    needsNoSignIn ? "zelto accounts" : reconnectCommand(error.account)};
         }
 
         Failure operator()(const IntegrationAccountCreationError::AccountMismatch& error) const {

@@ -156,7 +156,8 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
             return failure(configuration.error());
         }
         const auto fields = Adapter::fields(*configuration);
-        if (const auto applied = apply(edits, fields, service_); !applied) {
+        if (const auto applied = apply(withoutSetTags(edits, *configuration, data), fields, service_);
+            !applied) {
             return failure(applied.error());
         }
         ExportPlan plan{.title = fields.title ? fields.title->value_or("") : "",
@@ -168,6 +169,18 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
                         .missingTarget = {}};
         prepared_ = *std::move(configuration);
         return plan;
+    }
+
+    // Sets the tags where they are more than names, which are then no edit any more.
+    template <class Data>
+    static ConfigurationEdits withoutSetTags(ConfigurationEdits edits, Configuration& configuration,
+                                             const Data& data) {
+        if constexpr (HasNamedTags<Adapter>) {
+            if (const auto names = std::exchange(edits.tags, std::nullopt)) {
+                Adapter::setTags(configuration, data, *names);
+            }
+        }
+        return edits;
     }
 
     // The configuration that the files of --config and --config-over give.
@@ -227,7 +240,7 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
     template <class Data>
     Outcome<Configuration> withNamedTarget(JSONObject members, const Data& data, const std::string& files) {
         const auto* target = members.find("saveTo");
-        const auto named = target ? namedTarget(*target) : std::nullopt;
+        const auto named = target && !isTargetItself(*target) ? namedTarget(*target) : std::nullopt;
         if (named) {
             members.erase("saveTo");
         }
@@ -290,8 +303,7 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
                 return;
             }
             const auto tree = Adapter::targetTree(**data);
-            const auto* levels = levelsIn(*target);
-            const auto path = levels ? pathOf(tree, *levels) : std::nullopt;
+            const auto path = pathIn(tree, *target);
             auto names = path ? std::optional(namesOf(tree, *path)) : std::nullopt;
             if constexpr (HasPeople<Adapter>) {
                 names = path ? withPerson(*std::move(names), *target, Adapter::people(**data, *path))
@@ -300,6 +312,21 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
             if (names) {
                 *target = *std::move(names);
             }
+        }
+    }
+
+    // Whether it is the record of the target, rather than names of its levels.
+    static bool isTargetItself(const JSONValue& saveTo) {
+        return HasTargetItself<Adapter> && saveTo.find("id") != nullptr;
+    }
+
+    static std::optional<TargetPath> pathIn(const TargetTree& tree, const JSONValue& saveTo) {
+        if constexpr (HasTargetItself<Adapter>) {
+            const auto index = indexOf(tree.nodes, &saveTo);
+            return index ? std::optional(TargetPath{*index}) : std::nullopt;
+        } else {
+            const auto* levels = levelsIn(saveTo);
+            return levels ? pathOf(tree, *levels) : std::nullopt;
         }
     }
 

@@ -67,10 +67,16 @@ void addWhatWasMade(Report& report, const MessageWork& work, const ExportPlan& p
         report.text = "Handed to " + work.service() + ".\n";
         return;
     }
-    const auto where = work.service() + (plan.target.empty() ? "" : ", " + plan.target);
-    report.text = terminal.shown("On " + where + ": " + listOf(made) + ".") + "\n";
     report.members.set("target", plan.target);
     report.members.set("made", described(made));
+    if (const auto file = work.madeFile()) {
+        report.members.set("file", file->native());
+        report.text =
+            terminal.shown("Made " + file->native() + ", which " + work.service() + " imports.") + "\n";
+        return;
+    }
+    const auto where = work.service() + (plan.target.empty() ? "" : ", " + plan.target);
+    report.text = terminal.shown("On " + where + ": " + listOf(made) + ".") + "\n";
 }
 
 // A file that is thought to be there and is not is lost with its mail.

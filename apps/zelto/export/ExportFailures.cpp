@@ -4,6 +4,8 @@
 #include "commandline/TimeoutOption.h"
 #include "export/Targets.h"
 
+#include <ZeltoIntegrations/Content/IntegrationExportContentType.h>
+
 #include <Platform/Joined.h>
 #include <Platform/PercentEncoding.h>
 #include <Platform/Text.h>
@@ -152,6 +154,16 @@ std::string encodedTags(const std::vector<std::string>& tags) {
     return joined(tags, ",", [](const std::string& tag) { return percentEncode(tag).value_or(""); });
 }
 
+// The link of the user's own has no option, and its type may be one that was remembered.
+Advice internalError(const ExportCircumstances& about) {
+    if (about.type != nameOf(IntegrationExportContentType::externalLink)) {
+        return {"The export to " + about.service + " met an internal error.", showsLog};
+    }
+    return {
+        "An export as externalLink takes a link of yours: give it as \"externalLink\" of a configuration.",
+        withAnotherType(about.takenTypes, about.type)};
+}
+
 Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) {
     switch (error) {
     case IntegrationExportError::canceled:
@@ -161,8 +173,7 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
                             longerTimeout(about.timeout)}
                    : Advice{"The export was canceled.", NextCommand::again()};
     case IntegrationExportError::internalError:
-        return refusal(about, "take",
-                       {"The export to " + about.service + " met an internal error.", showsLog});
+        return refusal(about, "take", internalError(about));
     case IntegrationExportError::createBodyError:
         return noBody(about);
     case IntegrationExportError::convertError:

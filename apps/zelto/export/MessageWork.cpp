@@ -3,11 +3,13 @@
 #include "accounts/SecretPlaces.h"
 #include "accounts/ServiceNames.h"
 #include "accounts/UnchangedStorage.h"
+#include "export/DryPlatform.h"
 #include "export/MessageFile.h"
 #include "export/PlaceholderSecrets.h"
 #include "export/ServiceTable.h"
 #include "sandbox/SandboxAccounts.h"
 
+#include <ZeltoHost/Evernote/EvernoteFolderClient.h>
 #include <ZeltoHost/Platform/EmailValidator.h>
 #include <ZeltoHost/Process/CommandWords.h>
 
@@ -47,7 +49,31 @@ Outcome<std::optional<AccountLock>> secretsFor(ServiceAccountConfiguration& acco
     return lock;
 }
 
+std::shared_ptr<HostPlatformInteractor>
+platformFor(Effects effects, const std::shared_ptr<URLDelivery>& delivery, PDFConverterOptions pdf) {
+    auto openURL = [delivery](const URL& url, Callback<bool> done) { delivery->open(url, std::move(done)); };
+    if (effects == Effects::sendsNothing) {
+        return std::make_shared<DryPlatform>(std::move(openURL), std::move(pdf));
+    }
+    return std::make_shared<HostPlatformInteractor>(std::move(openURL), std::move(pdf));
+}
+
+// With why a folder took no file, which the report of the export has no words for.
+ExportReport explainedReport(ExportReport report, const HostPlatformInteractor& platform) {
+    const auto client = platform.lastEvernoteClient();
+    const auto reason = client ? client->lastFailure() : std::nullopt;
+    if (reason && !report.refused.empty()) {
+        report.refused.front().words = *reason;
+    }
+    return report;
+}
+
 } // namespace
+
+std::optional<std::filesystem::path> MessageWork::madeFile() const {
+    const auto client = platform->lastEvernoteClient();
+    return client ? client->lastFile() : std::nullopt;
+}
 
 Outcome<MessageWork> MessageWork::open(const Invocation& invocation, Effects effects) {
     const auto to = invocation.value("--to");
@@ -80,9 +106,7 @@ Outcome<MessageWork> MessageWork::open(const Invocation& invocation, Effects eff
     if (!stores) {
         storage = std::make_shared<UnchangedStorage>(std::move(storage));
     }
-    auto platform = std::make_shared<HostPlatformInteractor>(
-        [delivery = *delivery](const URL& url, Callback<bool> done) { delivery->open(url, std::move(done)); },
-        *std::move(pdf));
+    auto platform = platformFor(effects, *delivery, *std::move(pdf));
     auto manager =
         std::make_shared<IntegrationsManager>(std::move(storage), platform, isEmailAddress, std::string());
     auto account = workspace->account(*to, *manager, stores);
@@ -121,7 +145,7 @@ ExportCircumstances MessageWork::circumstances(const ExportPlan& plan) const {
             .missingTarget = plan.missingTarget,
             .tellsMissingTargets = session->tellsMissingTargets(),
             .pdfError = platform->lastPDFError(),
-            .report = session->report()};
+            .report = explainedReport(session->report(), *platform)};
 }
 
 } // namespace zelto::cli

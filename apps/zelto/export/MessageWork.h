@@ -10,6 +10,7 @@
 #include <ZeltoHost/Content/ContentNotes.h>
 #include <ZeltoHost/Platform/HostPlatformInteractor.h>
 
+#include <filesystem>
 #include <memory>
 #include <optional>
 
@@ -36,6 +37,9 @@ struct MessageWork {
     static Outcome<MessageWork> open(const Invocation& invocation, Effects effects);
 
     std::string service() const; // as the program shows it
+
+    // The file that the last export made in an account's folder.
+    std::optional<std::filesystem::path> madeFile() const;
 
     // What the sentences about a failure of the export are made of.
     ExportCircumstances circumstances(const ExportPlan& plan) const;

@@ -37,6 +37,10 @@
 //
 //     static const JSONValue* levelsIn(const JSONValue& saveTo);
 //
+// and, where a target has one level, whose own record "saveTo" is,
+//
+//     static constexpr bool hasTargetItself = true;
+//
 // and, where the service may have more targets than it lists, what says so of the data (empty where it lists
 // all); `isFresh` where the exporter has just loaded them from the service,
 //
@@ -47,6 +51,10 @@
 //     static constexpr std::string_view personKey;
 //     static std::vector<TargetNode> people(const TargetData&, const TargetPath&);
 //     static void setPerson(Configuration&, const TargetData&, const TargetPath&, std::size_t index);
+//
+// An adapter whose service's tags are more than their names gives, for those of --tags,
+//
+//     static void setTags(Configuration&, const std::optional<TargetData>&, const std::vector<std::string>&);
 
 namespace zelto::cli {
 
@@ -127,8 +135,18 @@ concept HasDeepLevels = requires(const JSONValue& saveTo) {
 };
 
 template <class Adapter>
+concept HasTargetItself = requires {
+    Adapter::hasTargetItself;
+};
+
+template <class Adapter>
 concept MayHaveMoreTargets = requires {
     &Adapter::moreTargets;
+};
+
+template <class Adapter>
+concept HasNamedTags = HasTargets<Adapter> && requires {
+    &Adapter::setTags;
 };
 
 template <class Adapter>

@@ -4,6 +4,7 @@
 #include "export/AdaptedSession.h"
 #include "export/services/ApplicationAdapters.h"
 #include "export/services/AsanaAdapter.h"
+#include "export/services/EvernoteAdapter.h"
 #include "export/services/NotionAdapter.h"
 #include "export/services/OneNoteAdapter.h"
 #include "export/services/TodoistAdapter.h"
@@ -35,11 +36,12 @@ std::unique_ptr<ExportSession> open(IntegrationsManager& manager, const ServiceA
 
 // Every service that the program can export to. Nothing else of the program names one.
 constexpr ServiceRow rows[] = {
-    {ServiceType::Agenda, open<AgendaAdapter>},       {ServiceType::Asana, open<AsanaAdapter>},
-    {ServiceType::Bear, open<BearAdapter>},           {ServiceType::Notion, open<NotionAdapter>},
-    {ServiceType::OmniFocus, open<OmniFocusAdapter>}, {ServiceType::OneNote, open<OneNoteAdapter>},
-    {ServiceType::Things, open<ThingsAdapter>},       {ServiceType::TodoIst, open<TodoistAdapter>},
-    {ServiceType::Trello, open<TrelloAdapter>},       {ServiceType::Type2Do, open<TwoDoAdapter>},
+    {ServiceType::Agenda, open<AgendaAdapter>},   {ServiceType::Asana, open<AsanaAdapter>},
+    {ServiceType::Bear, open<BearAdapter>},       {ServiceType::Evernote, open<EvernoteAdapter>},
+    {ServiceType::Notion, open<NotionAdapter>},   {ServiceType::OmniFocus, open<OmniFocusAdapter>},
+    {ServiceType::OneNote, open<OneNoteAdapter>}, {ServiceType::Things, open<ThingsAdapter>},
+    {ServiceType::TodoIst, open<TodoistAdapter>}, {ServiceType::Trello, open<TrelloAdapter>},
+    {ServiceType::Type2Do, open<TwoDoAdapter>},
 };
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "base/PreparedFolder.h"
 #include "commandline/Commands.h"
 #include "mcp/McpContent.h"
 #include "mcp/McpSession.h"

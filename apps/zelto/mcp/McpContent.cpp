@@ -10,7 +10,6 @@
 #include <Platform/PercentEncoding.h>
 #include <Platform/Text.h>
 
-#include <cerrno>
 #include <unistd.h>
 
 namespace zelto::cli {
@@ -208,18 +207,6 @@ McpContent savedContentOf(const MCPToolCallResult& result,
         collector.save(item);
     }
     return std::move(collector.content);
-}
-
-Outcome<void> prepareFolder(const std::filesystem::path& folder) {
-    std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    if (error) {
-        return failure(failureOf(FileError::fromSystem(error.value(), folder)));
-    }
-    if (::access(folder.c_str(), W_OK | X_OK) != 0) {
-        return failure(failureOf(FileError::fromSystem(errno, folder)));
-    }
-    return {};
 }
 
 } // namespace zelto::cli

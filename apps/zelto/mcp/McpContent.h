@@ -28,7 +28,4 @@ McpContent contentOf(MCPToolCallResult result, const std::optional<std::filesyst
 McpContent savedContentOf(const MCPToolCallResult& result,
                           const std::optional<std::filesystem::path>& folder);
 
-// Makes a folder for files, if it is not there; fails if it can take none.
-Outcome<void> prepareFolder(const std::filesystem::path& folder);
-
 } // namespace zelto::cli

@@ -1,5 +1,6 @@
 #include "sandbox/SandboxAccounts.h"
 
+#include "accounts/FolderAccounts.h"
 #include "base/Question.h"
 #include "base/ShellText.h"
 #include "commandline/InvocationCheck.h"
@@ -76,7 +77,7 @@ Outcome<void> checkSandboxUse(const Invocation& invocation, const Workspace& wor
         return wrongUsage(std::string(consentOption) + " goes with --sandbox.",
                           helpCommand(invocation.command));
     }
-    if (serviceAuthFlow(account.serviceType()) != ServiceAuthFlow::oauth) {
+    if (serviceAuthFlow(account.serviceType()) != ServiceAuthFlow::oauth || isFolderAccount(account)) {
         return {};
     }
     const auto isOfSandbox = workspace.isOfSandbox(account);

@@ -1,5 +1,6 @@
 #include <zelto/ConnectedProgram.h>
 
+#include <accounts/FolderAccounts.h>
 #include <export/ServiceTable.h>
 
 #include <Support/FakePlatformInteractor.h>
@@ -48,7 +49,8 @@ bool hasMeetingCreator(ServiceType type) {
 // The services that this version can ask whose an account is, or else those that it should be able to ask.
 std::vector<ServiceType> checkedServices(bool ready) {
     auto types = signInServices(AccountCheck::byExporter);
-    std::erase_if(types, [&](ServiceType type) { return cli::canExport(type) != ready; });
+    std::erase_if(
+        types, [&](ServiceType type) { return (cli::canExport(type) && !cli::takesFolder(type)) != ready; });
     auto ofMeetings = signInServices(AccountCheck::byMeetingCreator);
     std::erase_if(ofMeetings, [&](ServiceType type) { return hasMeetingCreator(type) != ready; });
     types.insert(types.end(), ofMeetings.begin(), ofMeetings.end());
