@@ -52,7 +52,7 @@ std::string section(std::string_view text) {
 }
 
 std::string beginningOf(const EvernoteImportNote& note) {
-    static const DateFormatter times("yyyyMMdd'T'HHmmss'Z'", "en_US_POSIX", "UTC");
+    const DateFormatter times("yyyyMMdd'T'HHmmss'Z'", "en_US_POSIX", "UTC");
     const auto created = times.string(note.created);
     std::string markup = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
                          "<!DOCTYPE en-export SYSTEM \"http://xml.evernote.com/pub/evernote-export3.dtd\">\n"

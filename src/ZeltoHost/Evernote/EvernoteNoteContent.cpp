@@ -17,6 +17,7 @@ namespace {
 
 constexpr std::string_view mediaStart = "<en-media";
 constexpr std::string_view noteEnd = "</en-note>";
+constexpr std::string_view unknownType = "application/octet-stream";
 
 // Behind the ">" of the tag that begins there. In XML, a quoted value may hold a ">".
 std::size_t tagEnd(std::string_view markup, std::size_t at) {
@@ -59,7 +60,7 @@ class NoteFiles {
   public:
     explicit NoteFiles(const std::vector<EvernoteAttachment>& attachments) {
         for (const auto& each : attachments) {
-            const auto type = each.mimeType.empty() ? unknownType : each.mimeType;
+            const auto type = each.mimeType.empty() ? std::string(unknownType) : each.mimeType;
             const auto& [known, isNew] = types_.emplace(enmlHash(each.data), type);
             if (isNew) {
                 order_.push_back(known->first);
@@ -90,8 +91,6 @@ class NoteFiles {
     }
 
   private:
-    static inline const std::string unknownType = "application/octet-stream";
-
     std::map<std::string, std::string> types_; // by hash
     std::vector<std::string> order_;           // hashes
     std::set<std::string> referredTo_;
