@@ -201,11 +201,11 @@ std::size_t characterEndUpTo(std::string_view text, std::size_t end) {
     }
     // Whether there is a boundary depends on one code point behind it, and on those before it as far back as
     // ICU finds necessary.
-    constexpr std::size_t longestSequence = 4;
+    constexpr std::size_t maximumSequence = 4;
     UErrorCode status = U_ZERO_ERROR;
     UText* const around =
         utext_openUTF8(nullptr, text.data(),
-                       static_cast<std::int64_t>(std::min(text.size(), end + longestSequence)), &status);
+                       static_cast<std::int64_t>(std::min(text.size(), end + maximumSequence)), &status);
     auto& iterator = iteratorOfThread();
     iterator.setText(around, status);
     const auto at = static_cast<std::int32_t>(end);

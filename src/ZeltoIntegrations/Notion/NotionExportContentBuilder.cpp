@@ -23,7 +23,7 @@ using Blocks = std::vector<notion::WriteBlock>;
 using Kind = std::optional<Component::HeaderLevel>;
 
 constexpr std::array<std::string_view, 4> takenPrefixes = {"http://", "https://", "mailto:", "tel:"};
-constexpr std::size_t fewestDigits = 7;
+constexpr std::size_t minimumDigits = 7;
 
 bool hasTakenPrefix(std::string_view url) {
     return std::ranges::any_of(takenPrefixes, [&](std::string_view prefix) {
@@ -39,7 +39,7 @@ bool isEmail(std::string_view text) {
 bool isPhoneNumber(std::string text) {
     std::erase(text, ' ');
     const auto match = LVXRegexpManager::firstMatch(LVXRegexpPatterns::phoneNumber, text);
-    return match && decimalDigitCount(text) >= fewestDigits &&
+    return match && decimalDigitCount(text) >= minimumDigits &&
            match->utf16Length >= utf16Length(text) * 6 / 10;
 }
 
