@@ -8,7 +8,7 @@
 #include <ZeltoIntegrations/Content/IntegrationsDataInteractorProtocol.h>
 #include <ZeltoIntegrations/Export/IntegrationsPlatformInteractorProtocol.h>
 #include <ZeltoIntegrations/Export/ServiceExporter.h>
-#include <ZeltoIntegrations/Export/ServiceImporter.h>
+#include <ZeltoIntegrations/Import/ServiceImporter.h>
 
 #include <Platform/Completion.h>
 

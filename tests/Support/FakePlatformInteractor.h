@@ -33,6 +33,16 @@ struct ExportEvent {
     bool operator==(const ExportEvent&) const = default;
 };
 
+// One of an import.
+struct ImportEvent {
+    ServiceType service;
+    ImportActionType actionType;
+    std::optional<std::string> actionSource;
+    std::optional<std::string> importError;
+
+    bool operator==(const ImportEvent&) const = default;
+};
+
 // A host that records its calls; its dates are in UTC and American English.
 class FakePlatformInteractor final : public IntegrationsPlatformInteractorProtocol {
   public:
@@ -84,8 +94,12 @@ class FakePlatformInteractor final : public IntegrationsPlatformInteractorProtoc
         onExportEvent();
     }
 
-    void postImportEvent(ServiceType, ImportActionType, const std::optional<std::string>&,
-                         const std::optional<std::string>&) override {}
+    void postImportEvent(ServiceType service, ImportActionType actionType,
+                         const std::optional<std::string>& actionSource,
+                         const std::optional<std::string>& importError) override {
+        const std::lock_guard guard(lock_);
+        importEvents_.push_back({service, actionType, actionSource, importError});
+    }
 
     void integrationServiceDidAdded(const ServiceAccountConfiguration& configuration) override {
         {
@@ -107,6 +121,8 @@ class FakePlatformInteractor final : public IntegrationsPlatformInteractorProtoc
 
     std::vector<ExportEvent> exportEvents() const { return locked(exportEvents_); }
 
+    std::vector<ImportEvent> importEvents() const { return locked(importEvents_); }
+
     std::vector<std::string> added() const { return locked(added_); }
 
     std::vector<std::string> removed() const { return locked(removed_); }
@@ -120,6 +136,7 @@ class FakePlatformInteractor final : public IntegrationsPlatformInteractorProtoc
     mutable std::mutex lock_;
     std::vector<std::string> openedURLs_;
     std::vector<ExportEvent> exportEvents_;
+    std::vector<ImportEvent> importEvents_;
     std::vector<std::string> added_;
     std::vector<std::string> removed_;
 };

@@ -1,8 +1,9 @@
 #include <ZeltoIntegrations/Client/FileDownload.h>
 
+#include <Platform/Numbers.h>
+
 #include <algorithm>
 #include <cstddef>
-#include <limits>
 #include <utility>
 
 namespace zelto {
@@ -11,9 +12,16 @@ namespace {
 
 constexpr std::size_t maximumErrorBody = std::size_t{1} << 20;
 
-bool isResponseOfSuccess(const std::shared_ptr<const URLResponse>& response) {
+// Null for any other response.
+const HTTPURLResponse* responseOfSuccess(const std::shared_ptr<const URLResponse>& response) {
     const auto* http = dynamic_cast<const HTTPURLResponse*>(response.get());
-    return http && isSuccess(http->statusCode());
+    return http && isSuccess(http->statusCode()) ? http : nullptr;
+}
+
+// The length counts what is sent, which is not the file where it is compressed.
+std::optional<std::uint64_t> expectedSize(const HTTPURLResponse& response) {
+    const auto length = response.header("Content-Length");
+    return length && !response.header("Content-Encoding") ? numberIn<std::uint64_t>(*length) : std::nullopt;
 }
 
 } // namespace
@@ -27,8 +35,9 @@ class FileDownload::Delegate final : public URLSessionDataDelegate {
     URLSessionResponseDisposition
     didReceiveResponse(URLSessionDataTask&, const std::shared_ptr<const URLResponse>& response) override {
         response_ = response;
-        isFile_ = isResponseOfSuccess(response);
-        endsEarly_ = isFile_ && !download_->begin();
+        const auto* success = responseOfSuccess(response);
+        isFile_ = success != nullptr;
+        endsEarly_ = isFile_ && !download_->begin(*success);
         return endsEarly_ ? URLSessionResponseDisposition::cancel : URLSessionResponseDisposition::allow;
     }
 
@@ -64,22 +73,20 @@ class FileDownload::Delegate final : public URLSessionDataDelegate {
     Data errorBody_;
 };
 
-FileDownload::FileDownload(std::filesystem::path goal, DownloadProgress onBytes)
-    : goal_(std::move(goal)), onBytes_(std::move(onBytes)) {}
+FileDownload::FileDownload(std::shared_ptr<DownloadSession> session, std::filesystem::path goal,
+                           DownloadProgress onBytes)
+    : session_(std::move(session)), goal_(std::move(goal)), onBytes_(std::move(onBytes)) {}
 
-std::shared_ptr<URLSessionDataTask> FileDownload::makeTask(URLSessionConfiguration configuration,
-                                                           URLRequest request,
+std::shared_ptr<URLSessionDataTask> FileDownload::makeTask(URLRequest request,
                                                            DataTaskCompletion completion) {
-    configuration.maximumResponseSize = std::numeric_limits<std::uint64_t>::max();
-    URLSession session(std::move(configuration),
-                       std::make_shared<Delegate>(shared_from_this(), std::move(completion)));
-    return session.dataTask(std::move(request));
+    return session_->dataTask(std::move(request),
+                              std::make_shared<Delegate>(shared_from_this(), std::move(completion)));
 }
 
 DownloadResult FileDownload::end(const ServiceResult<ServiceResponse>& result) {
     auto file = std::exchange(file_, std::nullopt);
     if (!result) {
-        return failure(DownloadError{result.error()});
+        return failure(DownloadError{result.error(), std::nullopt, refusal_});
     }
     if (error_ || !file) {
         return failure(DownloadError{ServiceClientError::internalError, error_});
@@ -91,13 +98,15 @@ DownloadResult FileDownload::end(const ServiceResult<ServiceResponse>& result) {
     return *std::move(path);
 }
 
-bool FileDownload::begin() {
+bool FileDownload::begin(const HTTPURLResponse& response) {
     auto created = DownloadedFile::create(goal_);
     if (!created) {
         error_ = std::move(created.error());
         return false;
     }
     file_.emplace(*std::move(created));
+    bytes_ = {.received = 0, .expected = expectedSize(response)};
+    report();
     return true;
 }
 
@@ -106,11 +115,15 @@ bool FileDownload::append(std::span<const std::uint8_t> bytes) {
         error_ = std::move(written.error());
         return false;
     }
-    received_ += bytes.size();
-    if (onBytes_) {
-        onBytes_(received_);
-    }
+    bytes_.received += bytes.size();
+    report();
     return true;
+}
+
+void FileDownload::report() const {
+    if (onBytes_) {
+        onBytes_(bytes_);
+    }
 }
 
 } // namespace zelto

@@ -2,10 +2,11 @@
 
 #include <Platform/Completion.h>
 #include <Platform/FileError.h>
-#include <Platform/HTTP/URLSession.h>
+#include <ZeltoIntegrations/Client/DownloadSession.h>
 #include <ZeltoIntegrations/Client/DownloadedFile.h>
 #include <ZeltoIntegrations/Client/ServiceClientError.h>
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
+#include <ZeltoIntegrations/Client/ServiceRefusal.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -21,6 +22,7 @@ struct DownloadError {
     ServiceClientError service = ServiceClientError::internalError; // of the request
     // The request succeeded, but the file could not be written; `service` is then `internalError`.
     std::optional<FileError> file = std::nullopt;
+    ServiceRefusal refusal = {}; // of a request that failed
 
     bool operator==(const DownloadError&) const = default;
 };
@@ -33,20 +35,31 @@ template <> struct DroppedValue<DownloadResult> {
 
 using DownloadCompletion = Completion<std::filesystem::path, DownloadError>;
 
-// Called with the bytes of the file that have come so far, after decompression; on the thread on which the
-// session delivers.
-using DownloadProgress = std::function<void(std::uint64_t bytes)>;
+// How much of a file has come.
+struct DownloadedBytes {
+    std::uint64_t received = 0; // after decompression
+    // Of the whole file, if the service says it: no value for a compressed response.
+    std::optional<std::uint64_t> expected = std::nullopt;
+
+    bool operator==(const DownloadedBytes&) const = default;
+};
+
+// Called when the file begins and whenever more of it has come, on the thread on which the session delivers.
+using DownloadProgress = std::function<void(const DownloadedBytes&)>;
 
 // A response that goes to a file as it comes, for one request however often it is tried. The body of a
 // response that is no success goes into memory, of which at most 1 MiB is kept.
 class FileDownload : public std::enable_shared_from_this<FileDownload> {
   public:
-    FileDownload(std::filesystem::path goal, DownloadProgress onBytes);
+    FileDownload(std::shared_ptr<DownloadSession> session, std::filesystem::path goal,
+                 DownloadProgress onBytes);
 
     // A task that sends the request and ends as one of a session would; the body of a success that it ends
-    // with is empty. It has a session of its own, without a limit on the size of a response.
-    std::shared_ptr<URLSessionDataTask> makeTask(URLSessionConfiguration configuration, URLRequest request,
-                                                 DataTaskCompletion completion);
+    // with is empty.
+    std::shared_ptr<URLSessionDataTask> makeTask(URLRequest request, DataTaskCompletion completion);
+
+    // What is known of a failure, before its end.
+    void note(const ServiceRefusal& refusal) { refusal_ = refusal; }
 
     // What the end of the last try means. Whatever has come is at its place or removed after that.
     DownloadResult end(const ServiceResult<ServiceResponse>& result);
@@ -54,14 +67,17 @@ class FileDownload : public std::enable_shared_from_this<FileDownload> {
   private:
     class Delegate;
 
-    bool begin();
+    bool begin(const HTTPURLResponse& response);
     bool append(std::span<const std::uint8_t> bytes);
+    void report() const;
 
+    const std::shared_ptr<DownloadSession> session_;
     const std::filesystem::path goal_;
     const DownloadProgress onBytes_;
     std::optional<DownloadedFile> file_; // since a response of success has begun
     std::optional<FileError> error_;
-    std::uint64_t received_ = 0;
+    DownloadedBytes bytes_;
+    ServiceRefusal refusal_;
 };
 
 } // namespace zelto

@@ -48,7 +48,7 @@ void ServiceAsyncOperation::endBeforeStart() {
 std::shared_ptr<URLSessionDataTask> ServiceAsyncOperation::makeTask(URLRequest request,
                                                                     DataTaskCompletion completion) {
     if (const auto& download = source_->download) {
-        return download->makeTask(urlSession_->configuration(), std::move(request), std::move(completion));
+        return download->makeTask(std::move(request), std::move(completion));
     }
     return ServiceOperation::makeTask(std::move(request), std::move(completion));
 }

@@ -30,6 +30,14 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
         return enqueue(std::move(request), nullptr, targetOperation, std::move(retry));
     }
 
+    std::shared_ptr<DownloadSession> downloadSession() {
+        const std::lock_guard guard(lock_);
+        if (!downloadSession_) {
+            downloadSession_ = std::make_shared<DownloadSession>(defaultUrlSession_->configuration());
+        }
+        return downloadSession_;
+    }
+
     void cancelAllOperations() {
         ++cancellations_;
         defaultQueue_.cancelAllOperations();
@@ -54,19 +62,22 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
 
         void operator()(ServiceResult<ServiceResponse> result, RequestTry ended) {
             if (result || result.error() != ServiceClientError::authorizationError) {
-                return core->complete(std::move(completion), std::move(result), ended.refusal);
+                return core->complete(*request, std::move(completion), std::move(result), ended.refusal);
             }
             if (ended.wasCancelled || core->cancellations_ != cancellations) {
-                return core->complete(std::move(completion), failure(ServiceClientError::connectionError),
-                                      ended.refusal);
+                return core->complete(*request, std::move(completion),
+                                      failure(ServiceClientError::connectionError), ended.refusal);
             }
             core->enqueueSecond(std::move(*this), std::move(ended));
         }
     };
 
-    void complete(ServiceCompletion<ServiceResponse> completion, ServiceResult<ServiceResponse> result,
-                  const ServiceRefusal& refusal) {
+    void complete(const RequestSource& request, ServiceCompletion<ServiceResponse> completion,
+                  ServiceResult<ServiceResponse> result, const ServiceRefusal& refusal) {
         if (!result) {
+            if (request.download) {
+                request.download->note(refusal);
+            }
             notifyObserver(refusal);
         }
         completion(std::move(result));
@@ -88,12 +99,11 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
 
     void enqueueSecond(Retry first, RequestTry refused) {
         const auto operation =
-            enqueue(std::move(first.request), refreshFor(first.finishedRefreshOperation, refused),
-                    first.targetOperation,
-                    [core = first.core, completion = std::move(first.completion),
+            enqueue(first.request, refreshFor(first.finishedRefreshOperation, refused), first.targetOperation,
+                    [core = first.core, request = first.request, completion = std::move(first.completion),
                      before = std::move(refused.refusal)](ServiceResult<ServiceResponse> result,
                                                           RequestTry second) mutable {
-                        core->complete(std::move(completion), std::move(result),
+                        core->complete(*request, std::move(completion), std::move(result),
                                        ofBothTries(std::move(before), std::move(second.refusal)));
                     });
         // Whoever cancelled in between has not found it in the queue.
@@ -169,7 +179,8 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
     const JSONDecoder jsonDecoder_;
     std::mutex lock_; // guards what follows
     RefusalObserver refusalObserver_;
-    RefreshOperation currentRefreshOperation_; // in progress, or the last one
+    std::shared_ptr<DownloadSession> downloadSession_; // since the first download
+    RefreshOperation currentRefreshOperation_;         // in progress, or the last one
     std::atomic<std::uint64_t> cancellations_ = 0;
     std::atomic<bool> isClosed_ = false;
 };
@@ -193,7 +204,8 @@ void ServiceClient::setRefusalObserver(RefusalObserver observer) {
 
 std::shared_ptr<Operation> ServiceClient::download(RequestMaker makeRequest, std::filesystem::path goal,
                                                    DownloadProgress onBytes, DownloadCompletion completion) {
-    auto download = std::make_shared<FileDownload>(std::move(goal), std::move(onBytes));
+    auto download =
+        std::make_shared<FileDownload>(core_->downloadSession(), std::move(goal), std::move(onBytes));
     return enqueueRequest(
         {std::move(makeRequest), std::nullopt, download}, nullptr,
         [download, completion = std::move(completion)](const ServiceResult<ServiceResponse>& result) mutable {

@@ -1,10 +1,9 @@
 #pragma once
 
+#include <ZeltoIntegrations/Client/AccountClient.h>
 #include <ZeltoIntegrations/Client/ServiceClientError.h>
 #include <ZeltoIntegrations/Export/ExportReport.h>
 #include <ZeltoIntegrations/Export/StepExporter.h>
-
-#include <Platform/JSON/JSONDecoder.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -98,19 +97,19 @@ class NetworkExporter : public StepExporter {
             if (!credentials) {
                 return nullptr;
             }
-            auto authoriser = std::make_shared<Authoriser>(*credentials);
-            authoriser->setTokensObserver([weakly = weak_from_this()](const auto& refreshed) {
-                if (const auto exporter = weakly.lock()) {
-                    static_cast<NetworkExporter&>(*exporter).takeRefreshedTokens(refreshed);
-                }
-            });
-            auto client = std::make_shared<Client>(std::move(authoriser), JSONDecoder(), arguments...);
             const auto refusals = newRefusals();
-            client->setRefusalObserver(
+            auto client = makeAccountClient<Client, Authoriser>(
+                *credentials,
+                [weakly = weak_from_this()](const auto& refreshed) {
+                    if (const auto exporter = weakly.lock()) {
+                        static_cast<NetworkExporter&>(*exporter).takeRefreshedTokens(refreshed);
+                    }
+                },
                 [report = run.sharedReport(), refusals](const ServiceRefusal& refusal) {
                     refusals->note(refusal);
                     report->note(refusal);
-                });
+                },
+                arguments...);
             updateActiveClient(client);
             return client;
         });

@@ -14,23 +14,28 @@ bool StepRun::isCancelled() const {
 }
 
 void StepRun::cancel() {
-    std::shared_ptr<CancellableServiceClient> client;
     std::vector<std::weak_ptr<Operation>> operations;
     {
         const std::lock_guard guard(lock_);
-        if (std::exchange(isCancelled_, true)) {
-            return;
-        }
-        client = client_;
         operations = operations_;
     }
-    if (client) {
-        client->close();
-    }
+    cancelRequests();
     for (const auto& each : operations | std::views::reverse) {
         if (const auto operation = each.lock()) {
             operation->cancel();
         }
+    }
+}
+
+void StepRun::cancelRequests() {
+    std::shared_ptr<CancellableServiceClient> client;
+    {
+        const std::lock_guard guard(lock_);
+        isCancelled_ = true;
+        client = client_;
+    }
+    if (client) {
+        client->close();
     }
 }
 

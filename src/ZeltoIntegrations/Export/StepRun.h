@@ -66,6 +66,10 @@ class StepRun : public std::enable_shared_from_this<StepRun> {
     bool isCancelled() const;
     void cancel();
 
+    // The gentler form: the requests end and no step begins any more, but each step that has begun ends by
+    // itself, with what it has to clean up done.
+    void cancelRequests();
+
     // The operations of the run, in their order. Cancelled, they end from the last one to the first.
     void begin(const std::vector<std::shared_ptr<Operation>>& operations);
 

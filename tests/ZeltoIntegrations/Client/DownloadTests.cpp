@@ -1,17 +1,16 @@
 #include "ServiceClientFixture.h"
 
+#include <Support/FileSizeLimit.h>
 #include <Support/TemporaryFolder.h>
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <atomic>
-#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <set>
 #include <string_view>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 namespace zelto {
@@ -54,10 +53,18 @@ RequestMaker makerOf(const std::string& path = "/items") {
     return RequestSource::of(itemRequest("GET", path)).make;
 }
 
+// For tests that are about something else than the service's words.
+DownloadResult withoutRefusal(DownloadResult result) {
+    if (!result) {
+        result.error().refusal = {};
+    }
+    return result;
+}
+
 DownloadResult downloaded(ServiceClient& client, const fs::path& goal) {
     Completed<DownloadResult> end;
     client.download(makerOf(), goal, nullptr, end.callback<DownloadCompletion>());
-    return end.value();
+    return withoutRefusal(end.value());
 }
 
 DownloadResult failed(E error) {
@@ -98,42 +105,19 @@ class BegunDownload {
   public:
     BegunDownload(ServiceClient& client, const fs::path& goal, const std::string& path = "/items")
         : operation_(client.download(
-              makerOf(path), goal, [event = hasBegun_](std::uint64_t) { event->set(); },
+              makerOf(path), goal, [event = hasBegun_](const DownloadedBytes&) { event->set(); },
               end_.callback<DownloadCompletion>())) {
         hasBegun_->wait();
     }
 
     Operation& operation() { return *operation_; }
 
-    DownloadResult result() { return end_.value(); }
+    DownloadResult result() { return withoutRefusal(end_.value()); }
 
   private:
     const std::shared_ptr<Event> hasBegun_ = std::make_shared<Event>();
     Completed<DownloadResult> end_;
     const std::shared_ptr<Operation> operation_;
-};
-
-// As long as this lives, no file can grow beyond the size.
-class FileSizeLimit {
-  public:
-    explicit FileSizeLimit(rlim_t size) {
-        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before_), 0);
-        auto limited = before_;
-        limited.rlim_cur = size;
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limited), 0);
-    }
-
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-  private:
-    void (*const handler_)(int) = std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before_{};
 };
 
 } // namespace
@@ -148,14 +132,19 @@ TEST(Download, BringsAFileByteForByte) {
         std::vector<std::uint64_t> counts;
         Completed<DownloadResult> end;
         client.download(
-            makerOf(), folder / "report.pdf", [&](std::uint64_t bytes) { counts.push_back(bytes); },
+            makerOf(), folder / "report.pdf",
+            [&](const DownloadedBytes& bytes) {
+                counts.push_back(bytes.received);
+                EXPECT_EQ(bytes.expected, size);
+            },
             end.callback<DownloadCompletion>());
         EXPECT_EQ(end.value(), folder / "report.pdf");
         EXPECT_TRUE(TemporaryFolder::read(folder / "report.pdf") == content) << size;
         EXPECT_EQ(modeOf(folder / "report.pdf"), 0600u);
         EXPECT_EQ(namesIn(folder), Names{"report.pdf"});
         EXPECT_TRUE(std::ranges::is_sorted(counts));
-        EXPECT_EQ(counts.empty() ? 0 : counts.back(), size);
+        EXPECT_EQ(counts.front(), 0u);
+        EXPECT_EQ(counts.back(), size);
         EXPECT_EQ(server.texts(), Texts{signedRequest("good-token")});
     }
 }
@@ -300,6 +289,39 @@ TEST(Download, ThatIsRefusedEndsWithTheErrorAndTheWordsOfTheService) {
     EXPECT_EQ(downloaded(client, folder / "report.pdf"), failed(E::forbidden));
     EXPECT_EQ(refusals, (std::vector<ServiceRefusal>{{"No such file.", false}, {"", false}}));
     EXPECT_EQ(namesIn(folder), Names{});
+}
+
+TEST(Download, HandsOnTheWordsOfItsOwnRefusal) {
+    const TestHTTPServer server([](const ReceivedRequest& request) {
+        return PlayedResponse::json(R"({"message":"No file )" + request.target.substr(1) + R"(."})", 404);
+    });
+    const ServiceRoute route(server);
+    const TemporaryFolder folder;
+    auto client = signedIn();
+    std::vector<Completed<DownloadResult>> ends(20);
+    for (std::size_t index = 0; index < ends.size(); ++index) {
+        client.download(makerOf("/" + std::to_string(index)), folder / "report.pdf", nullptr,
+                        ends[index].callback<DownloadCompletion>());
+    }
+    for (std::size_t index = 0; index < ends.size(); ++index) {
+        EXPECT_EQ(ends[index].value(),
+                  failure(DownloadError{E::itemNotFound, std::nullopt,
+                                        ServiceRefusal{"No file " + std::to_string(index) + "."}}));
+    }
+}
+
+TEST(Download, TellsNoSizeOfACompressedFile) {
+    const TestHTTPServer server(Responses{{.body = "no gzip", .fields = {{"Content-Encoding", "gzip"}}}});
+    const ServiceRoute route(server);
+    const TemporaryFolder folder;
+    auto client = signedIn();
+    std::vector<DownloadedBytes> told;
+    Completed<DownloadResult> end;
+    client.download(
+        makerOf(), folder / "report.pdf", [&](const DownloadedBytes& bytes) { told.push_back(bytes); },
+        end.callback<DownloadCompletion>());
+    EXPECT_FALSE(end.value());
+    EXPECT_EQ(told, std::vector{DownloadedBytes{}});
 }
 
 TEST(Download, IsDecodedAsItsEncodingSays) {
