@@ -1,12 +1,13 @@
 #include <ZeltoIntegrations/Import/ServiceImporter.h>
 
 #include <ZeltoIntegrations/Accounts/ServiceCredentialsManager.h>
-#include <ZeltoIntegrations/Zoom/ZoomAuthoriser.h>
+#include <ZeltoIntegrations/Dropbox/DropboxAuthoriser.h>
 
 #include <Support/Completed.h>
 #include <Support/Event.h>
 #include <Support/FakePlatformInteractor.h>
 #include <Support/FileSizeLimit.h>
+#include <Support/HostMistakes.h>
 #include <Support/MemoryKeyChain.h>
 #include <Support/RotatingService.h>
 #include <Support/ServiceRoute.h>
@@ -50,7 +51,7 @@ ServiceAccountConfiguration signedInAccount() {
 Names namesIn(const fs::path& folder) {
     Names names;
     for (const auto& each : fs::recursive_directory_iterator(folder)) {
-        names.insert(fs::relative(each.path(), folder));
+        names.insert(each.path().lexically_relative(folder)); // follows no link
     }
     return names;
 }
@@ -112,7 +113,7 @@ class NetworkImporter final : public ServiceImporter {
   private:
     void downloadFile(StepRun& run, const DownloadFileInfo& file, fs::path goal, DownloadProgress onBytes,
                       DownloadCompletion done) override {
-        if (const auto client = clientOf<ServiceClient, ZoomAuthoriser>(run, done)) {
+        if (const auto client = clientOf<ServiceClient, DropboxAuthoriser>(run, done)) {
             client->download(
                 RequestSource::of(URLRequest(*URL::parse("https://api.example/" + file.fileId()))).make,
                 std::move(goal), std::move(onBytes), std::move(done));
@@ -253,6 +254,7 @@ TEST_F(Importer, PostsTheTextOfEachError) {
 }
 
 TEST_F(Importer, EndsWhenADownloadIsDroppedUncalled) {
+    const DroppedCallbacks dropped;
     const auto importer = make<HeldImporter>();
     Completed<ImportResult> end;
     begin(*importer, {{"a", "A"}, {"b", "B"}}, end);
@@ -260,6 +262,7 @@ TEST_F(Importer, EndsWhenADownloadIsDroppedUncalled) {
     importer->end("b", fs::path("/2"));
     EXPECT_EQ(end.value(), failure(E::internalError));
     EXPECT_EQ(interactor->importEvents(), (Events{event("internal_error"), event()}));
+    EXPECT_EQ(dropped.count(), 1);
 }
 
 TEST_F(Importer, WithoutCredentialsSendsNothing) {
