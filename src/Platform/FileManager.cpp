@@ -91,23 +91,34 @@ Result<Data, FileError> FileManager::readAll(const FileDescriptor& file, const p
     // One byte more than expected, so that the end of the file is found without growing again.
     bytes.resize(expectedSize(status, limit) + 1);
     for (;;) {
-        const auto count = read(file.number(), bytes.data() + filled, bytes.size() - filled);
-        if (count < 0 && errno == EINTR) {
-            continue;
+        const auto count =
+            readSome(file, {reinterpret_cast<char*>(bytes.data()) + filled, bytes.size() - filled}, where);
+        if (!count) {
+            return failure(count.error());
         }
-        if (count < 0) {
-            return systemFailure(where);
-        }
-        filled += static_cast<std::size_t>(count);
+        filled += *count;
         if (filled > limit) {
             return failure(FileError{FileErrorCode::tooLarge, 0, where});
         }
-        if (count == 0) {
+        if (*count == 0) {
             bytes.resize(filled);
             return bytes;
         }
         if (filled == bytes.size()) {
             bytes.resize(bytes.size() + std::max(readStep, bytes.size() / 2));
+        }
+    }
+}
+
+Result<std::size_t, FileError> FileManager::readSome(const FileDescriptor& file, std::span<char> buffer,
+                                                     const path& where) {
+    for (;;) {
+        const auto count = read(file.number(), buffer.data(), buffer.size());
+        if (count >= 0) {
+            return static_cast<std::size_t>(count);
+        }
+        if (errno != EINTR) {
+            return systemFailure(where);
         }
     }
 }

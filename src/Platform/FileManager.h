@@ -5,8 +5,10 @@
 #include <Platform/FileError.h>
 #include <Platform/Result.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <span>
 #include <string_view>
 
 namespace zelto {
@@ -32,6 +34,10 @@ struct FileManager {
     // The same for an open file, from its beginning.
     static Result<Data, FileError> readAll(const FileDescriptor& file, const std::filesystem::path& path,
                                            std::uint64_t limit = noLimit);
+
+    // Reads what comes next of an open file; 0 bytes at its end.
+    static Result<std::size_t, FileError> readSome(const FileDescriptor& file, std::span<char> buffer,
+                                                   const std::filesystem::path& path);
 
     // Where the user's programs keep data: $XDG_DATA_HOME if it is an absolute path, else ~/.local/share.
     static std::filesystem::path userDataDirectory();

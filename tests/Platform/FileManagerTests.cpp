@@ -307,6 +307,22 @@ TEST(WriteFileAtomically, WritesANewFileWithItsMode) {
     EXPECT_EQ(entriesOf(path.parent_path()), 1);
 }
 
+TEST(ReadSome, GivesAFilePieceByPieceAndNothingAtItsEnd) {
+    const auto path = freshPath();
+    makeFile(path, "abcde");
+    const auto file = FileManager::openFile(path, O_RDONLY);
+    ASSERT_TRUE(file);
+    std::array<char, 3> buffer{};
+    EXPECT_EQ(FileManager::readSome(*file, buffer, path), 3U);
+    EXPECT_EQ(std::string_view(buffer.data(), 3), "abc");
+    EXPECT_EQ(FileManager::readSome(*file, buffer, path), 2U);
+    EXPECT_EQ(std::string_view(buffer.data(), 2), "de");
+    EXPECT_EQ(FileManager::readSome(*file, buffer, path), 0U);
+    const auto folder = FileManager::openFile(path.parent_path(), O_RDONLY);
+    ASSERT_TRUE(folder);
+    EXPECT_EQ(FileManager::readSome(*folder, buffer, path), failure(FileError::fromSystem(EISDIR, path)));
+}
+
 TEST(WriteFileAtomically, ReplacesASymbolicLinkAndNotWhatItPointsTo) {
     const auto target = freshPath();
     makeFile(target, "precious");
