@@ -4,6 +4,7 @@
 #include <ZeltoIntegrations/Asana/AsanaExporter.h>
 #include <ZeltoIntegrations/Bear/BearExporter.h>
 #include <ZeltoIntegrations/Evernote/EvernoteExporter.h>
+#include <ZeltoIntegrations/ICloud/ICloudExporter.h>
 #include <ZeltoIntegrations/IntegrationsManager.h>
 #include <ZeltoIntegrations/Notion/NotionExporter.h>
 #include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
@@ -72,7 +73,7 @@ constexpr ExporterRow exporters[] = {
     {ServiceType::Notion, make<NotionExporter>},
     {ServiceType::GoogleDrive, nullptr},
     {ServiceType::Dropbox, nullptr},
-    {ServiceType::iCloudDrive, nullptr},
+    {ServiceType::iCloudDrive, make<ICloudExporter>},
     {ServiceType::Instapaper, nullptr},
 };
 

@@ -145,11 +145,6 @@ std::optional<std::string> EvernoteExporter::loadUserEmail() {
     return cachedUser().transform([](const auto& user) { return user.username; });
 }
 
-ExportReport EvernoteExporter::exportReport() const {
-    const auto log = reportLog();
-    return log ? log->report() : ExportReport();
-}
-
 std::shared_ptr<ExportProgress>
 EvernoteExporter::export_(EvernoteExportConfiguration configuration,
                           Completion<void, IntegrationExportError> completion) {

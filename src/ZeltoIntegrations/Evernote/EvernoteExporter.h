@@ -4,7 +4,6 @@
 #include <ZeltoIntegrations/Evernote/EvernoteExportConfiguration.h>
 #include <ZeltoIntegrations/Evernote/EvernoteRecords.h>
 #include <ZeltoIntegrations/Export/AccountDataExporter.h>
-#include <ZeltoIntegrations/Export/ExportReport.h>
 #include <ZeltoIntegrations/Export/StepExporter.h>
 
 #include <cstdint>
@@ -60,9 +59,6 @@ class EvernoteExporter final : public AccountDataExporter<EvernoteData, StepExpo
 
     // The name of the user who was loaded last.
     std::optional<std::string> loadUserEmail() override;
-
-    // Of the last export that was begun, also while it runs. Any thread.
-    ExportReport exportReport() const;
 
   private:
     using Attachment = IntegrationsInteractorAttachment;

@@ -6,11 +6,6 @@
 
 namespace zelto {
 
-ExportReport NetworkExporter::exportReport() const {
-    const auto log = reportLog();
-    return log ? log->report() : ExportReport();
-}
-
 std::optional<ServiceRefusal> NetworkExporter::lastRefusal() const {
     const std::lock_guard guard(refusalsLock_);
     return refusals_ ? refusals_->last() : std::nullopt;

@@ -2,7 +2,6 @@
 
 #include <ZeltoIntegrations/Client/AccountClient.h>
 #include <ZeltoIntegrations/Client/ServiceClientError.h>
-#include <ZeltoIntegrations/Export/ExportReport.h>
 #include <ZeltoIntegrations/Export/StepExporter.h>
 
 #include <cstddef>
@@ -21,9 +20,6 @@ namespace zelto {
 class NetworkExporter : public StepExporter {
   public:
     using StepExporter::StepExporter;
-
-    // Of the last export that was begun, also while it runs. Any thread.
-    ExportReport exportReport() const;
 
     // Of the last request that failed in the last run that had requests, be it an export or the loading of
     // data; no value where none has. Any thread.

@@ -66,19 +66,24 @@ void StepExporter::makeText(StepRun&, const ContentText& row, const WebLinkSetti
     });
 }
 
-void StepExporter::makeTextFile(StepRun&, const std::string& title, const Step<std::string>& text,
-                                ExportError error, StepCompletion<File> done) {
+ExporterResult<StepExporter::File> StepExporter::textFile(const std::string& title, const std::string& text,
+                                                          ExportError error) {
     const auto path = ExportServiceHelper::txtFilePath(title);
-    const auto content = resultOf(text);
-    if (!path || !content || !FileManager::writeFileAtomically(*path, *content)) {
-        return done(failure(error));
+    if (!path || !FileManager::writeFileAtomically(*path, text)) {
+        return failure(error);
     }
-    done(*path);
+    return *path;
 }
 
-std::shared_ptr<const ExportReportLog> StepExporter::reportLog() const {
+void StepExporter::makeTextFile(StepRun&, const std::string& title, const Step<std::string>& text,
+                                ExportError error, StepCompletion<File> done) {
+    const auto content = resultOf(text);
+    done(content ? textFile(title, *content, error) : failure(error));
+}
+
+ExportReport StepExporter::exportReport() const {
     const std::lock_guard guard(reportLock_);
-    return report_;
+    return report_ ? report_->report() : ExportReport();
 }
 
 } // namespace zelto

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ZeltoIntegrations/Export/ContentText.h>
+#include <ZeltoIntegrations/Export/ExportReport.h>
 #include <ZeltoIntegrations/Export/ServiceExporter.h>
 #include <ZeltoIntegrations/Export/StepRun.h>
 
@@ -23,6 +24,9 @@ namespace zelto {
 class StepExporter : public ServiceExporter {
   public:
     using ServiceExporter::ServiceExporter;
+
+    // Of the last export that was begun, also while it runs. Any thread.
+    ExportReport exportReport() const;
 
   protected:
     using File = std::filesystem::path;
@@ -80,6 +84,10 @@ class StepExporter : public ServiceExporter {
                   IntegrationExportError missing, StepCompletion<std::string> done);
 
     // A text as a file of that title, which stays there. Fails with `error` if it cannot be written.
+    static ExporterResult<File> textFile(const std::string& title, const std::string& text,
+                                         IntegrationExportError error);
+
+    // The same as a step behind the one of the text; fails with `error` too where that has none.
     void makeTextFile(StepRun& run, const std::string& title, const Step<std::string>& text,
                       IntegrationExportError error, StepCompletion<File> done);
 
@@ -100,9 +108,6 @@ class StepExporter : public ServiceExporter {
         *loaded = steps.add<T>(step, std::move(arguments)...);
         steps.execute();
     }
-
-    // Of the last export that was begun; null before.
-    std::shared_ptr<const ExportReportLog> reportLog() const;
 
   private:
     void convert(std::string html, const File& path, IntegrationExportError error, StepCompletion<File> done);
