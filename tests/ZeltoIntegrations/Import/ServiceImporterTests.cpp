@@ -8,6 +8,7 @@
 #include <Support/FakePlatformInteractor.h>
 #include <Support/FileSizeLimit.h>
 #include <Support/HostMistakes.h>
+#include <Support/HostileFileNames.h>
 #include <Support/MemoryKeyChain.h>
 #include <Support/RotatingService.h>
 #include <Support/ServiceRoute.h>
@@ -442,36 +443,9 @@ TEST_F(Importer, KeepsHostileNamesInItsFolder) {
     const auto precious = above.write("precious", "old");
     fs::create_directory(above / "out");
     fs::create_symlink(precious, above / "out/link");
-    const std::string parts[] = {"../precious",
-                                 "/etc/passwd",
-                                 "..",
-                                 ".",
-                                 "",
-                                 std::string("a\0b", 3),
-                                 "CON",
-                                 ".bashrc",
-                                 "-rf",
-                                 "a ",
-                                 " a",
-                                 "a.",
-                                 "link",
-                                 "link.part",
-                                 "x/../../precious",
-                                 "..\\precious",
-                                 "\u202Egnp.exe",
-                                 "a\nb",
-                                 "%2e%2e%2fprecious",
-                                 std::string(300, 'n'),
-                                 "\xff\xfe",
-                                 "~",
-                                 "$HOME",
-                                 "nul.txt",
-                                 "a:b"};
     Infos infos;
-    for (const auto& part : parts) {
-        for (const auto& suffix : {"", ".txt", "/", "/..", "/../../precious", "\\..\\precious", " .", "/."}) {
-            infos.emplace_back(std::to_string(infos.size()), part + suffix);
-        }
+    for (const auto& name : hostileFileNames()) {
+        infos.emplace_back(std::to_string(infos.size()), name);
     }
     ASSERT_EQ(infos.size(), 200u);
     const auto importer = make<NetworkImporter>();
