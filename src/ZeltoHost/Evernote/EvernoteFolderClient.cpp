@@ -2,14 +2,13 @@
 
 #include <ZeltoHost/Evernote/EvernoteImportFile.h>
 #include <ZeltoHost/Evernote/EvernoteNoteContent.h>
+#include <ZeltoHost/Folder/AccountFolder.h>
 #include <ZeltoIntegrations/Accounts/ServiceAccountConfiguration.h>
-#include <ZeltoIntegrations/Client/DownloadedFile.h>
 
 #include <Platform/FileManager.h>
 #include <Platform/FileNames.h>
 #include <Platform/UUID.h>
 
-#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -31,16 +30,14 @@ EvernoteData newData(const path& folder) {
             .tags = {}};
 }
 
-// What separates folders is a part of the title.
-path fileNameOf(std::string title) {
-    std::ranges::replace_if(
-        title, [](char c) { return c == '/' || c == '\\'; }, '_');
-    return cleanedFileName(title, "Note") + ".enex";
+std::string fileNameOf(std::string title) {
+    return cleanedFileName(withoutSeparators(std::move(title)), "Note") + ".enex";
 }
 
 } // namespace
 
-EvernoteFolderClient::EvernoteFolderClient(path folder) : folder_(std::move(folder)) {}
+EvernoteFolderClient::EvernoteFolderClient(path folder)
+    : files_(std::make_shared<FolderFiles>(std::move(folder))) {}
 
 std::shared_ptr<EvernoteFolderClient> EvernoteFolderClient::of(const ServiceAccountConfiguration& account) {
     const auto folder = folderOf(account);
@@ -48,23 +45,15 @@ std::shared_ptr<EvernoteFolderClient> EvernoteFolderClient::of(const ServiceAcco
 }
 
 void EvernoteFolderClient::setFolder(ServiceAccountConfiguration& account, const path& folder) {
-    std::error_code error;
-    const auto absolute = std::filesystem::absolute(folder, error).lexically_normal();
-    // A "/" at the end is no name.
-    account.additionalInfo[folderKey] =
-        (absolute.has_filename() ? absolute : absolute.parent_path()).native();
+    AccountFolder::set(account, folderKey, folder);
 }
 
 std::optional<path> EvernoteFolderClient::folderOf(const ServiceAccountConfiguration& account) {
-    const auto folder = account.additionalInfo.find(folderKey);
-    if (folder == account.additionalInfo.end() || !path(folder->second).is_absolute()) {
-        return std::nullopt;
-    }
-    return folder->second;
+    return AccountFolder::of(account, folderKey);
 }
 
 void EvernoteFolderClient::fetchData(Completion<EvernoteData, EvernoteClientError> completion) {
-    if (isClosed_) {
+    if (files_->isCancelled(files_->begin())) {
         return completion(failure(EvernoteClientError::connectionError));
     }
     auto data = readData();
@@ -78,7 +67,7 @@ void EvernoteFolderClient::fetchData(Completion<EvernoteData, EvernoteClientErro
 }
 
 Result<EvernoteData, std::string> EvernoteFolderClient::readData() const {
-    const auto file = folder_ / dataName;
+    const auto file = files_->folder() / dataName;
     auto bytes = FileManager::readFile(file, maximumData);
     if (!bytes && bytes.error().code == FileErrorCode::notFound) {
         if (const auto made = makeData(); !made) {
@@ -96,12 +85,12 @@ Result<EvernoteData, std::string> EvernoteFolderClient::readData() const {
 
 // Whoever makes the file at the same moment is first.
 Result<void, FileError> EvernoteFolderClient::makeData() const {
-    const auto json = JSONEncoder{.indent = 2}.encode(newData(folder_)).value_or("{}") + "\n";
-    const auto part = folder_ / (".zelto-" + uuid());
+    const auto json = JSONEncoder{.indent = 2}.encode(newData(files_->folder())).value_or("{}") + "\n";
+    const auto part = files_->folder() / (".zelto-" + uuid());
     if (auto file = FileManager::writeFileAtomically(part, json); !file) {
         return file;
     }
-    auto moved = FileManager::moveWithoutReplacing(part, folder_ / dataName);
+    auto moved = FileManager::moveWithoutReplacing(part, files_->folder() / dataName);
     if (!moved) {
         std::error_code ignored;
         std::filesystem::remove(part, ignored);
@@ -113,7 +102,7 @@ void EvernoteFolderClient::createNote(std::string title, std::string content, Ev
                                       std::vector<EvernoteTag> tags,
                                       std::vector<EvernoteAttachment> attachments, std::string sourceUrl,
                                       Completion<void, EvernoteClientError> completion) {
-    const auto before = cancellations_.load();
+    const auto begun = files_->begin();
     auto enml = evernoteNoteContent(std::move(content), attachments);
     completion(written({.title = std::move(title),
                         .content = std::move(enml),
@@ -122,45 +111,31 @@ void EvernoteFolderClient::createNote(std::string title, std::string content, Ev
                         .tags = std::move(tags),
                         .sourceUrl = std::move(sourceUrl),
                         .attachments = std::move(attachments)},
-                       before));
+                       begun));
 }
 
 Result<void, EvernoteClientError> EvernoteFolderClient::written(const EvernoteImportNote& note,
-                                                                Cancellations before) {
-    auto file = DownloadedFile::create(folder_ / fileNameOf(note.title));
-    if (!file) {
-        return failed(file.error());
-    }
-    const auto whole = writeEvernoteImportFile(note, [&file](std::string_view piece) {
-        return file->append({reinterpret_cast<const std::uint8_t*>(piece.data()), piece.size()});
+                                                                FolderFiles::Cancellations begun) {
+    const auto made = files_->make(fileNameOf(note.title), begun, [&note](const FolderFiles::Append& append) {
+        return writeEvernoteImportFile(note, append);
     });
-    if (isCancelled(before)) {
+    if (made) {
+        return {};
+    }
+    if (!made.error()) {
         return failure(EvernoteClientError::connectionError);
     }
-    if (!whole) {
-        return failed(whole.error());
-    }
-    const auto finished = file->finish();
-    if (!finished) {
-        return failed(finished.error());
-    }
-    lastFile_.exchange(*finished);
-    return {};
-}
-
-Result<void, EvernoteClientError> EvernoteFolderClient::failed(const FileError& error) {
-    lastFailure_.exchange(error.message());
-    lvxLogError("The note for Evernote cannot be written: " + error.message(),
+    lvxLogError("The note for Evernote cannot be written: " + made.error()->message(),
                 "createNote(title:content:notebook:tags:attachments:sourceUrl:completion:)");
     return failure(EvernoteClientError::internalError);
 }
 
 void EvernoteFolderClient::cancelAllOperations() {
-    ++cancellations_;
+    files_->cancelAll();
 }
 
 void EvernoteFolderClient::close() {
-    isClosed_ = true;
+    files_->close();
 }
 
 } // namespace zelto

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ZeltoHost/Folder/FolderFiles.h>
 #include <ZeltoIntegrations/Evernote/EvernoteClient.h>
 
 #include <Platform/FileError.h>
@@ -7,8 +8,6 @@
 #include <TrovenhalCommon/Protected.h>
 #include <ZeltoCommonLogger/LoggerClient.h>
 
-#include <atomic>
-#include <cstdint>
 #include <filesystem>
 #include <memory>
 #include <optional>
@@ -24,7 +23,7 @@ class ServiceAccountConfiguration;
 // into is in the folder's "evernote.json", with the members of EvernoteData; one that is missing is made, for
 // a premium user with one notebook, and an existing one is never changed.
 //
-// Files appear whole or not at all. Everything is done before an operation returns; what is cancelled by
+// Files follow the rules of FolderFiles. Everything is done before an operation returns; what is cancelled by
 // then, from another thread, ends with `connectionError` and leaves nothing. A file that cannot be read or
 // written is an `internalError`, whose reason is logged. Any thread.
 class EvernoteFolderClient final : public EvernoteClient, protected LoggerClient {
@@ -45,26 +44,19 @@ class EvernoteFolderClient final : public EvernoteClient, protected LoggerClient
     void cancelAllOperations() override;
     void close() override;
 
-    // The file of the note that was made last.
-    std::optional<std::filesystem::path> lastFile() const { return lastFile_.value(); }
+    // What it has made of notes, and why not.
+    std::shared_ptr<const FolderFiles> files() const { return files_; }
 
-    // Why the last operation that failed has failed: the beginning of a sentence, with a path.
+    // Why the data could not be loaded last: the beginning of a sentence, with a path.
     std::optional<std::string> lastFailure() const { return lastFailure_.value(); }
 
   private:
-    using Cancellations = std::uint64_t;
-
     Result<EvernoteData, std::string> readData() const;
     Result<void, FileError> makeData() const;
-    Result<void, EvernoteClientError> written(const EvernoteImportNote& note, Cancellations before);
-    Result<void, EvernoteClientError> failed(const FileError& error);
+    Result<void, EvernoteClientError> written(const EvernoteImportNote& note,
+                                              FolderFiles::Cancellations begun);
 
-    bool isCancelled(Cancellations before) const { return isClosed_ || cancellations_ != before; }
-
-    const std::filesystem::path folder_;
-    std::atomic<Cancellations> cancellations_ = 0;
-    std::atomic<bool> isClosed_ = false;
-    Protected<std::optional<std::filesystem::path>> lastFile_;
+    const std::shared_ptr<FolderFiles> files_;
     Protected<std::optional<std::string>> lastFailure_;
 };
 

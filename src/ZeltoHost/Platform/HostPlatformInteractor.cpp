@@ -1,6 +1,7 @@
 #include <ZeltoHost/Platform/HostPlatformInteractor.h>
 
 #include <ZeltoHost/Evernote/EvernoteFolderClient.h>
+#include <ZeltoHost/ICloud/ICloudFolderClient.h>
 #include <ZeltoHost/Platform/HostDateFormatter.h>
 
 #include <Platform/Joined.h>
@@ -14,7 +15,19 @@ HostPlatformInteractor::HostPlatformInteractor(URLHandler openURL, PDFConverterO
 std::shared_ptr<EvernoteClient>
 HostPlatformInteractor::evernoteClient(const ServiceAccountConfiguration& configuration) {
     auto client = EvernoteFolderClient::of(configuration);
-    lastEvernoteClient_.exchange(client);
+    lastFiles_.exchange(client ? client->files() : nullptr);
+    return client;
+}
+
+std::shared_ptr<ICloudClient>
+HostPlatformInteractor::iCloudClient(const ServiceAccountConfiguration& configuration) {
+    return iCloudClient(configuration, FolderUse::writes);
+}
+
+std::shared_ptr<ICloudClient>
+HostPlatformInteractor::iCloudClient(const ServiceAccountConfiguration& configuration, FolderUse use) {
+    auto client = ICloudFolderClient::of(configuration, use);
+    lastFiles_.exchange(client ? client->files() : nullptr);
     return client;
 }
 

@@ -12,12 +12,14 @@
 
 namespace zelto {
 
-class EvernoteFolderClient;
+class FolderFiles;
+class ICloudClient;
+enum class FolderUse;
 
 // A ready-made platform of the integrations: PDF files by PDFConverter, dates by HostDateFormatter, URLs by a
-// function of the caller, such as URLOpener's, the accounts of Evernote that are folders by
-// EvernoteFolderClient. Analytics events and changes of accounts are logged at the trace level. It has no
-// client of Reminders. Any thread.
+// function of the caller, such as URLOpener's, the accounts of Evernote and of iCloud Drive that are folders
+// by EvernoteFolderClient and ICloudFolderClient. Analytics events and changes of accounts are logged at the
+// trace level. It has no client of Reminders. Any thread.
 class HostPlatformInteractor : public IntegrationsPlatformInteractorProtocol, protected LoggerClient {
   public:
     using URLHandler = std::function<void(const URL&, Callback<bool>)>;
@@ -40,19 +42,24 @@ class HostPlatformInteractor : public IntegrationsPlatformInteractorProtocol, pr
     void integrationServiceDidAdded(const ServiceAccountConfiguration& configuration) override;
     void integrationServiceDidRemoved(const ServiceAccountConfiguration& configuration) override;
 
+    // For ICloudExporter: the client of an account that is a folder; null for other accounts.
+    virtual std::shared_ptr<ICloudClient> iCloudClient(const ServiceAccountConfiguration& configuration);
+
     // The error of the last conversion that failed.
     std::optional<PDFError> lastPDFError() const { return lastPDFError_.value(); }
 
-    // The client that evernoteClient() gave last; null before.
-    std::shared_ptr<const EvernoteFolderClient> lastEvernoteClient() const {
-        return lastEvernoteClient_.value();
-    }
+    // What the client of a folder that was given last has made; null before.
+    std::shared_ptr<const FolderFiles> lastFiles() const { return lastFiles_.value(); }
+
+  protected:
+    std::shared_ptr<ICloudClient> iCloudClient(const ServiceAccountConfiguration& configuration,
+                                               FolderUse use);
 
   private:
     const URLHandler openURL_;
     const std::shared_ptr<IntegrationsDateFormatter> dateFormatter_;
     Protected<std::optional<PDFError>> lastPDFError_;
-    Protected<std::shared_ptr<const EvernoteFolderClient>> lastEvernoteClient_;
+    Protected<std::shared_ptr<const FolderFiles>> lastFiles_;
     PDFConverter pdfConverter_; // last: its conversions end with it
 };
 

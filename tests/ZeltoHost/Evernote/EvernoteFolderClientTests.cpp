@@ -81,8 +81,8 @@ TEST_F(EvernoteFolderClientTest, MakesAFileOfANoteThatEvernoteImports) {
                            "hash=\"0cc175b9c0f1b6a831c399e269772661\"/></div></en-note>"),
               std::string::npos)
         << content;
-    EXPECT_EQ(client.lastFile(), file);
-    EXPECT_EQ(client.lastFailure(), std::nullopt);
+    EXPECT_EQ(client.files()->files(), std::vector{file});
+    EXPECT_EQ(client.files()->lastError(), std::nullopt);
     EXPECT_EQ(std::filesystem::status(file).permissions(),
               std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
 }
@@ -164,8 +164,8 @@ TEST_F(EvernoteFolderClientTest, WithoutItsFolderItMakesNothing) {
     EXPECT_EQ(make("Title"), Made(failure(ClientError::internalError)));
     EXPECT_EQ(log.messages(LogLevel::error).size(), 2U);
     EXPECT_TRUE(log.contains("The note for Evernote cannot be written: '" + folder.native()));
-    EXPECT_EQ(client.lastFailure(), "'" + (folder / "Title.enex.part").native() + "' does not exist");
-    EXPECT_EQ(client.lastFile(), std::nullopt);
+    EXPECT_EQ(client.files()->lastError(), (FileError{FileErrorCode::notFound, ENOENT, folder}));
+    EXPECT_TRUE(client.files()->files().empty());
     EXPECT_FALSE(std::filesystem::exists(folder));
 }
 
@@ -190,10 +190,10 @@ TEST_F(EvernoteFolderClientTest, AnAccountNamesItsFolder) {
     EvernoteFolderClient::setFolder(account, "a/../b");
     EXPECT_EQ(EvernoteFolderClient::folderOf(account), std::filesystem::current_path() / "b");
     HostPlatformInteractor interactor([](const URL&, Callback<bool> done) { done(false); });
-    EXPECT_EQ(interactor.lastEvernoteClient(), nullptr);
+    EXPECT_EQ(interactor.lastFiles(), nullptr);
     const auto given = interactor.evernoteClient(account);
-    EXPECT_NE(given, nullptr);
-    EXPECT_EQ(given, interactor.lastEvernoteClient());
+    ASSERT_NE(given, nullptr);
+    EXPECT_EQ(interactor.lastFiles(), std::static_pointer_cast<EvernoteFolderClient>(given)->files());
     account.additionalInfo["evernoteFolder"] = "relative";
     EXPECT_EQ(interactor.evernoteClient(account), nullptr);
 }
