@@ -24,10 +24,17 @@ Failure cannotSignIn(ServiceType type) {
             "zelto services"};
 }
 
+Failure needsFolder(ServiceType type) {
+    return wrongUsage("An account of " + displayName(type) +
+                          " is a folder on this machine: name it by --folder.",
+                      connectCommand(type))
+        .error();
+}
+
 // What is wrong is reported before anything is asked of the user.
 Outcome<void> checkBeforehand(const Invocation& invocation, ServiceType type) {
     if (!canSignIn(type)) {
-        return failure(cannotSignIn(type));
+        return failure(takesFolder(type) ? needsFolder(type) : cannotSignIn(type));
     }
     return checkSignInOptions(invocation);
 }

@@ -6,6 +6,7 @@
 #include <ZeltoIntegrations/Accounts/ServiceAccountConfiguration.h>
 
 #include <optional>
+#include <string>
 
 // Accounts that are a folder on this machine: exports become files in it that the service imports, and
 // nothing is sent.
@@ -14,6 +15,12 @@ namespace zelto::cli {
 
 // Whether accounts of the service may be folders; others of it cannot be used by this program.
 bool takesFolder(ServiceType type);
+
+// Whether the service reads the files of the folder by an import; others have the folder itself.
+bool importsFiles(ServiceType type);
+
+// What connects an account of a service, be it a folder or not.
+std::string connectCommand(ServiceType type);
 
 bool isFolderAccount(const ServiceAccountConfiguration& account);
 

@@ -1,3 +1,4 @@
+#include "accounts/FolderAccounts.h"
 #include "accounts/ServiceNames.h"
 #include "commandline/Commands.h"
 #include "export/ServiceTable.h"
@@ -8,14 +9,14 @@ namespace zelto::cli {
 
 namespace {
 
-std::string_view wayOfConnecting(ServiceAuthFlow flow) {
-    switch (flow) {
+std::string_view wayOfConnecting(ServiceType type) {
+    switch (serviceAuthFlow(type)) {
     case ServiceAuthFlow::oauth:
         return "sign-in";
     case ServiceAuthFlow::installedApp:
         return "application";
     case ServiceAuthFlow::systemPermission:
-        return "permission";
+        return takesFolder(type) ? "folder" : "permission";
     }
     return {};
 }
@@ -47,8 +48,8 @@ Outcome<Report> runServices(const Invocation&, const Terminal&) {
     for (const auto& each : casesOf<ServiceType>()) {
         services.push_back(described(each.value));
         report.text += padded(each.name, 18) + padded(displayName(each.value), 18) +
-                       padded(wayOfConnecting(serviceAuthFlow(each.value)), 14) +
-                       (canExport(each.value) ? "yes" : "not yet") + "\n";
+                       padded(wayOfConnecting(each.value), 14) + (canExport(each.value) ? "yes" : "not yet") +
+                       "\n";
     }
     report.members.set("services", std::move(services));
     return report;

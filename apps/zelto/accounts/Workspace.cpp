@@ -43,8 +43,7 @@ Failure unknownAccount(const std::string& idOrService) {
 }
 
 Failure notConnected(ServiceType type) {
-    return {"unknownAccount", "No account of " + displayName(type) + " is connected.",
-            "zelto connect " + std::string(nameOf(type))};
+    return {"unknownAccount", "No account of " + displayName(type) + " is connected.", connectCommand(type)};
 }
 
 // The other reasons may be gone at the next attempt, which another directory without the accounts does not

@@ -98,14 +98,15 @@ const std::vector<CommandSpec> table = {
      "in "
      "and agree; credentials that you have already are taken by --token, --login or $ZELTO_TOKEN instead. "
      "They are kept in the key chain. With --sandbox it becomes an account of the sandbox, which is used with "
-     "one alone. With --folder, Evernote is a folder of files that it imports. An application on this machine needs no sign-in, and need not be "
-     "connected before its first export either; --name tells several accounts of one application apart.",
+     "one alone. With --folder, iCloud Drive is a folder that another program keeps synchronised, and "
+     "Evernote a folder of files that it imports. An application on this machine needs no sign-in, and need "
+     "not be connected before its first export either; --name tells several accounts of one application apart.",
      {{"SERVICE", "The service", ValueKind::service}},
      withSignInOptions(
          {{"--name", "USER", "The account's name, where the service does not say it"},
-          {"--folder", "DIR", "For Evernote: the folder that gets a file of each export, for its import",
+          {"--folder", "DIR", "For iCloud Drive and Evernote: the folder that gets the files of exports",
            ValueKind::directory}}),
-     {"zelto connect bear", "zelto connect things --name work",
+     {"zelto connect bear", "zelto connect things --name work", "zelto connect icloud --folder iCloud",
       "printf %s my-token | zelto connect zoom --name work --token -"}},
     {"reconnect",
      "Sign in to a connected account again",

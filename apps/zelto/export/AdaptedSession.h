@@ -6,6 +6,7 @@
 #include "export/NamedConfiguration.h"
 #include "export/ServiceAdapter.h"
 
+#include <ZeltoHost/Platform/HostPlatformInteractor.h>
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 
 #include <memory>
@@ -25,8 +26,11 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
     using NoData = std::optional<std::monostate>; // of a service without targets
 
   public:
-    AdaptedSession(std::shared_ptr<Exporter> exporter, std::string service, std::string account)
-        : exporter_(std::move(exporter)), service_(std::move(service)), account_(std::move(account)) {}
+    // The platform is for exporters that take a client of it, and may be null where nothing is exported.
+    AdaptedSession(std::shared_ptr<Exporter> exporter, std::string service, std::string account,
+                   std::shared_ptr<HostPlatformInteractor> platform = nullptr)
+        : exporter_(std::move(exporter)), service_(std::move(service)), account_(std::move(account)),
+          platform_(std::move(platform)) {}
 
     Outcome<JSONObject> offeredConfiguration(const std::optional<std::string>& target,
                                              ConfigurationForm form) override {
@@ -355,8 +359,17 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
     }
 
     ExporterResult<void> runOnce(std::optional<ExportFilePolicy> policy, const OnStarted& onStarted) {
-        return waitFor<ExporterResult<void>>(
-            [&](auto done) { onStarted(Adapter::export_(*exporter_, *prepared_, policy, std::move(done))); });
+        return waitFor<ExporterResult<void>>([&](auto done) { onStarted(started(policy, std::move(done))); });
+    }
+
+    std::shared_ptr<ExportProgress> started(std::optional<ExportFilePolicy> policy,
+                                            Completion<void, IntegrationExportError> done) {
+        if constexpr (TakesHostClient<Adapter>) {
+            return exporter_->export_(*prepared_, Adapter::hostClient(*platform_, *exporter_),
+                                      std::move(done));
+        } else {
+            return Adapter::export_(*exporter_, *prepared_, policy, std::move(done));
+        }
     }
 
     // Without a target, the exporter is what refuses the export.
@@ -408,6 +421,7 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
     std::shared_ptr<Exporter> exporter_;
     std::string service_;
     std::string account_;
+    std::shared_ptr<HostPlatformInteractor> platform_;
     std::optional<Configuration> prepared_;
     std::optional<ExportFilePolicy> policy_;
 };

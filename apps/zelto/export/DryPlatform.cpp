@@ -2,7 +2,9 @@
 
 #include "accounts/FolderAccounts.h"
 
+#include <ZeltoHost/Folder/FolderFiles.h>
 #include <ZeltoIntegrations/Evernote/EvernoteClient.h>
+#include <ZeltoIntegrations/ICloud/ICloudClient.h>
 
 namespace zelto::cli {
 
@@ -28,6 +30,10 @@ class DryEvernoteClient final : public EvernoteClient {
 std::shared_ptr<EvernoteClient>
 DryPlatform::evernoteClient(const ServiceAccountConfiguration& configuration) {
     return isFolderAccount(configuration) ? std::make_shared<DryEvernoteClient>() : nullptr;
+}
+
+std::shared_ptr<ICloudClient> DryPlatform::iCloudClient(const ServiceAccountConfiguration& configuration) {
+    return HostPlatformInteractor::iCloudClient(configuration, FolderUse::plans);
 }
 
 } // namespace zelto::cli

@@ -10,6 +10,7 @@ class DryPlatform final : public HostPlatformInteractor {
     using HostPlatformInteractor::HostPlatformInteractor;
 
     std::shared_ptr<EvernoteClient> evernoteClient(const ServiceAccountConfiguration& configuration) override;
+    std::shared_ptr<ICloudClient> iCloudClient(const ServiceAccountConfiguration& configuration) override;
 };
 
 } // namespace zelto::cli

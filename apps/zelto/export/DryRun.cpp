@@ -1,5 +1,6 @@
 #include "export/DryRun.h"
 
+#include "export/FilesInFolder.h"
 #include "export/RequestDescription.h"
 #include "export/RequestRecorder.h"
 
@@ -19,6 +20,11 @@ std::string planLine(const ExportPlan& plan, const MessageWork& work, const Term
     return terminal.shown("Would go to " + work.service() + (plan.target.empty() ? "" : ", " + plan.target) +
                           title + " as " + std::string(nameOf(plan.saveAs)) + files + ".") +
            "\n";
+}
+
+std::string filesLine(const MessageWork& work, const Terminal& terminal) {
+    const auto files = work.files();
+    return files.empty() ? "" : terminal.shown("Would make " + namedInFolder(files) + ".") + "\n";
 }
 
 JSONObject describedPlan(const ExportPlan& plan, const MessageWork& work) {
@@ -82,8 +88,11 @@ Outcome<Report> dryRun(const MessageWork& work, const ExportPlan& plan, const Te
     auto sentences = refusals;
     std::ranges::transform(limits, std::back_inserter(sentences), sentenceOf);
     Report report{.members = describedPlan(plan, work),
-                  .text = planLine(plan, work, terminal) + linesOf(requests, terminal) +
-                          linesOf(sentences, terminal)};
+                  .text = planLine(plan, work, terminal) + filesLine(work, terminal) +
+                          linesOf(requests, terminal) + linesOf(sentences, terminal)};
+    if (const auto files = work.files(); !files.empty()) {
+        report.members.set("files", pathsOf(files));
+    }
     report.members.set("requests", described(requests));
     report.members.set("limits", described(limits));
     if (!refusals.empty()) {

@@ -1,8 +1,10 @@
+#include "accounts/FolderAccounts.h"
 #include "accounts/SecretPlaces.h"
 #include "base/Interruption.h"
 #include "commandline/Commands.h"
 #include "commandline/TimeoutOption.h"
 #include "export/DryRun.h"
+#include "export/FilesInFolder.h"
 #include "export/MessageWork.h"
 #include "export/NotesOfContent.h"
 #include "export/ProgressReporter.h"
@@ -69,10 +71,13 @@ void addWhatWasMade(Report& report, const MessageWork& work, const ExportPlan& p
     }
     report.members.set("target", plan.target);
     report.members.set("made", described(made));
-    if (const auto file = work.madeFile()) {
-        report.members.set("file", file->native());
+    if (const auto files = work.files(); !files.empty()) {
+        report.members.set("files", pathsOf(files));
         report.text =
-            terminal.shown("Made " + file->native() + ", which " + work.service() + " imports.") + "\n";
+            terminal.shown(importsFiles(work.account.serviceType())
+                               ? "Made " + files.front().native() + ", which " + work.service() + " imports."
+                               : "Made " + namedInFolder(files) + ".") +
+            "\n";
         return;
     }
     const auto where = work.service() + (plan.target.empty() ? "" : ", " + plan.target);

@@ -68,6 +68,9 @@ NextCommand withoutFile(const Refused& refused, const ExportCircumstances& about
 }
 
 Advice reasonOf(const Refused& refused, const ExportCircumstances& about) {
+    if (about.fileError) {
+        return {about.fileError->message(), NextCommand::again()};
+    }
     switch (refused.reason) {
     case ServiceClientError::connectionError:
         return {refused.nothingWasSent ? "it could not be reached"
@@ -156,6 +159,9 @@ std::string encodedTags(const std::vector<std::string>& tags) {
 
 // The link of the user's own has no option, and its type may be one that was remembered.
 Advice internalError(const ExportCircumstances& about) {
+    if (about.fileError) {
+        return {about.fileError->message() + ".", NextCommand::again()};
+    }
     if (about.type != nameOf(IntegrationExportContentType::externalLink)) {
         return {"The export to " + about.service + " met an internal error.", showsLog};
     }
@@ -220,6 +226,13 @@ bool isUnsure(const Refused& refused) {
 
 bool isCertain(const Refused& refused) {
     return !refused.isUnsure();
+}
+
+// What is wrong with a folder is told as its own case.
+std::string nameOfFailure(IntegrationExportError error, const ExportCircumstances& about) {
+    const bool isOfFolder = about.fileError && (error == IntegrationExportError::internalError ||
+                                                error == IntegrationExportError::createTaskError);
+    return std::string(isOfFolder ? nameOf(about.fileError->code) : nameOf(error));
 }
 
 std::string listOf(const std::vector<Refused>& refused, bool (*isListed)(const Refused&)) {
@@ -327,7 +340,7 @@ Failure exportFailure(IntegrationExportError error, const ExportCircumstances& a
     const bool hasStalled = error == IntegrationExportError::canceled && about.hasStalled;
     const auto status = error == IntegrationExportError::canceled && !hasStalled ? ExitStatus::interrupted
                                                                                  : ExitStatus::failed;
-    auto name = hasStalled ? "timedOut" : std::string(nameOf(error));
+    auto name = hasStalled ? "timedOut" : nameOfFailure(error, about);
     Failure failure{std::move(name), std::move(message), std::move(next), status, membersOf(about.report)};
     failure.nothingWasSent = nothingWasSent(about.report);
     return failure;

@@ -7,6 +7,8 @@
 #include <ZeltoIntegrations/Content/IntegrationError.h>
 #include <ZeltoIntegrations/Export/ExportReport.h>
 
+#include <Platform/FileError.h>
+
 #include <chrono>
 #include <optional>
 #include <string>
@@ -28,6 +30,7 @@ struct ExportCircumstances {
     std::optional<Failure> missingTarget; // where the export needs a target and none is chosen
     bool tellsMissingTargets = false;     // whether the service refuses those in a way of their own
     std::optional<PDFError> pdfError;
+    std::optional<FileError> fileError; // of the account's folder
     ExportReport report;
     std::chrono::milliseconds timeout{0};
     bool hasStalled = false; // for that time, and was cancelled

@@ -9,7 +9,7 @@
 #include "export/ServiceTable.h"
 #include "sandbox/SandboxAccounts.h"
 
-#include <ZeltoHost/Evernote/EvernoteFolderClient.h>
+#include <ZeltoHost/Folder/FolderFiles.h>
 #include <ZeltoHost/Platform/EmailValidator.h>
 #include <ZeltoHost/Process/CommandWords.h>
 
@@ -58,21 +58,11 @@ platformFor(Effects effects, const std::shared_ptr<URLDelivery>& delivery, PDFCo
     return std::make_shared<HostPlatformInteractor>(std::move(openURL), std::move(pdf));
 }
 
-// With why a folder took no file, which the report of the export has no words for.
-ExportReport explainedReport(ExportReport report, const HostPlatformInteractor& platform) {
-    const auto client = platform.lastEvernoteClient();
-    const auto reason = client ? client->lastFailure() : std::nullopt;
-    if (reason && !report.refused.empty()) {
-        report.refused.front().words = *reason;
-    }
-    return report;
-}
-
 } // namespace
 
-std::optional<std::filesystem::path> MessageWork::madeFile() const {
-    const auto client = platform->lastEvernoteClient();
-    return client ? client->lastFile() : std::nullopt;
+std::vector<std::filesystem::path> MessageWork::files() const {
+    const auto files = platform->lastFiles();
+    return files ? files->files() : std::vector<std::filesystem::path>();
 }
 
 Outcome<MessageWork> MessageWork::open(const Invocation& invocation, Effects effects) {
@@ -121,7 +111,7 @@ Outcome<MessageWork> MessageWork::open(const Invocation& invocation, Effects eff
     if (!lock) {
         return failure(lock.error());
     }
-    auto session = openExportSession(*manager, *account, *std::move(message));
+    auto session = openExportSession(*manager, *account, *std::move(message), platform);
     if (!session) {
         return failure(session.error());
     }
@@ -134,6 +124,7 @@ std::string MessageWork::service() const {
 }
 
 ExportCircumstances MessageWork::circumstances(const ExportPlan& plan) const {
+    const auto files = platform->lastFiles();
     return {.service = service(),
             .account = account.identifier(),
             .takenTypes = session->takenTypes(),
@@ -145,7 +136,8 @@ ExportCircumstances MessageWork::circumstances(const ExportPlan& plan) const {
             .missingTarget = plan.missingTarget,
             .tellsMissingTargets = session->tellsMissingTargets(),
             .pdfError = platform->lastPDFError(),
-            .report = explainedReport(session->report(), *platform)};
+            .fileError = files ? files->lastError() : std::nullopt,
+            .report = session->report()};
 }
 
 } // namespace zelto::cli

@@ -13,6 +13,7 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace zelto::cli {
 
@@ -38,8 +39,8 @@ struct MessageWork {
 
     std::string service() const; // as the program shows it
 
-    // The file that the last export made in an account's folder.
-    std::optional<std::filesystem::path> madeFile() const;
+    // The files that the last export made in an account's folder; in a dry run, those that it would make.
+    std::vector<std::filesystem::path> files() const;
 
     // What the sentences about a failure of the export are made of.
     ExportCircumstances circumstances(const ExportPlan& plan) const;

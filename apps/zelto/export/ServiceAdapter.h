@@ -55,6 +55,10 @@
 // An adapter whose service's tags are more than their names gives, for those of --tags,
 //
 //     static void setTags(Configuration&, const std::optional<TargetData>&, const std::vector<std::string>&);
+//
+// An adapter whose exporter's export_ takes a client of the host's gives it:
+//
+//     static std::shared_ptr<Client> hostClient(HostPlatformInteractor&, const Exporter&);
 
 namespace zelto::cli {
 
@@ -147,6 +151,11 @@ concept MayHaveMoreTargets = requires {
 template <class Adapter>
 concept HasNamedTags = HasTargets<Adapter> && requires {
     &Adapter::setTags;
+};
+
+template <class Adapter>
+concept TakesHostClient = requires {
+    &Adapter::hostClient;
 };
 
 template <class Adapter>

@@ -5,6 +5,7 @@
 #include "export/services/ApplicationAdapters.h"
 #include "export/services/AsanaAdapter.h"
 #include "export/services/EvernoteAdapter.h"
+#include "export/services/ICloudAdapter.h"
 #include "export/services/NotionAdapter.h"
 #include "export/services/OneNoteAdapter.h"
 #include "export/services/TodoistAdapter.h"
@@ -21,27 +22,29 @@ struct ServiceRow {
     ServiceType type;
     std::unique_ptr<ExportSession> (*open)(IntegrationsManager& manager,
                                            const ServiceAccountConfiguration& account,
-                                           std::shared_ptr<IntegrationsDataInteractorProtocol> message);
+                                           std::shared_ptr<IntegrationsDataInteractorProtocol> message,
+                                           std::shared_ptr<HostPlatformInteractor> platform);
 };
 
 template <class Adapter>
 std::unique_ptr<ExportSession> open(IntegrationsManager& manager, const ServiceAccountConfiguration& account,
-                                    std::shared_ptr<IntegrationsDataInteractorProtocol> message) {
+                                    std::shared_ptr<IntegrationsDataInteractorProtocol> message,
+                                    std::shared_ptr<HostPlatformInteractor> platform) {
     constexpr auto actionSource = "zelto";
     auto exporter = manager.createServiceExporter<typename Adapter::Exporter>(account, std::move(message),
                                                                               actionSource, false);
     return std::make_unique<AdaptedSession<Adapter>>(std::move(exporter), displayName(account.serviceType()),
-                                                     account.identifier());
+                                                     account.identifier(), std::move(platform));
 }
 
 // Every service that the program can export to. Nothing else of the program names one.
 constexpr ServiceRow rows[] = {
-    {ServiceType::Agenda, open<AgendaAdapter>},   {ServiceType::Asana, open<AsanaAdapter>},
-    {ServiceType::Bear, open<BearAdapter>},       {ServiceType::Evernote, open<EvernoteAdapter>},
-    {ServiceType::Notion, open<NotionAdapter>},   {ServiceType::OmniFocus, open<OmniFocusAdapter>},
-    {ServiceType::OneNote, open<OneNoteAdapter>}, {ServiceType::Things, open<ThingsAdapter>},
-    {ServiceType::TodoIst, open<TodoistAdapter>}, {ServiceType::Trello, open<TrelloAdapter>},
-    {ServiceType::Type2Do, open<TwoDoAdapter>},
+    {ServiceType::Agenda, open<AgendaAdapter>},       {ServiceType::Asana, open<AsanaAdapter>},
+    {ServiceType::Bear, open<BearAdapter>},           {ServiceType::Evernote, open<EvernoteAdapter>},
+    {ServiceType::iCloudDrive, open<ICloudAdapter>},  {ServiceType::Notion, open<NotionAdapter>},
+    {ServiceType::OmniFocus, open<OmniFocusAdapter>}, {ServiceType::OneNote, open<OneNoteAdapter>},
+    {ServiceType::Things, open<ThingsAdapter>},       {ServiceType::TodoIst, open<TodoistAdapter>},
+    {ServiceType::Trello, open<TrelloAdapter>},       {ServiceType::Type2Do, open<TwoDoAdapter>},
 };
 
 } // namespace
@@ -63,12 +66,13 @@ Failure cannotExport(ServiceType type) {
 
 Outcome<std::unique_ptr<ExportSession>>
 openExportSession(IntegrationsManager& manager, const ServiceAccountConfiguration& account,
-                  std::shared_ptr<IntegrationsDataInteractorProtocol> message) {
+                  std::shared_ptr<IntegrationsDataInteractorProtocol> message,
+                  std::shared_ptr<HostPlatformInteractor> platform) {
     const auto row = std::ranges::find(rows, account.serviceType(), &ServiceRow::type);
     if (row == std::end(rows)) {
         return failure(cannotExport(account.serviceType()));
     }
-    return row->open(manager, account, std::move(message));
+    return row->open(manager, account, std::move(message), std::move(platform));
 }
 
 } // namespace zelto::cli

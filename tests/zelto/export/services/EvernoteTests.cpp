@@ -84,7 +84,8 @@ TEST_F(EvernoteCommands, AnExportIsAFileThatIsNamed) {
     EXPECT_NE(content(name).find("<p style=\"white-space:pre\">a &amp; b<br/></p>"), std::string::npos);
     EXPECT_NE(content(name).find("<tag>x</tag>\n<tag>y</tag>\n"), std::string::npos);
     const auto again = exportOf({"--json"});
-    EXPECT_EQ(again.text("file"), (folder / "Keys for the lamp room (1).enex").native());
+    EXPECT_EQ(again.json().find("files")->text().value(),
+              "[\"" + (folder / "Keys for the lamp room (1).enex").native() + "\"]");
     EXPECT_EQ(again.text("target"), "Notes");
     EXPECT_EQ(names(), (Texts{"Keys for the lamp room (1).enex", name, "evernote.json"}));
 }
@@ -143,11 +144,9 @@ TEST_F(EvernoteCommands, AFolderThatIsGoneIsNamed) {
     std::filesystem::remove_all(folder);
     const auto failed = exportOf({"--json"});
     EXPECT_EQ(failed.status, 1);
-    EXPECT_EQ(failed.text("error"), "createTaskError");
-    EXPECT_EQ(failed.text("message"),
-              "Evernote did not make the note \"Keys for the lamp room\": the request could not be made "
-              "(\"'" +
-                  (folder / (name + ".part")).native() + "' does not exist\").");
+    EXPECT_EQ(failed.text("error"), "notFound");
+    EXPECT_EQ(failed.text("message"), "Evernote did not make the note \"Keys for the lamp room\": '" +
+                                          folder.native() + "' does not exist.");
 }
 
 TEST_F(EvernoteCommands, ASecondFolderOfTheNameNeedsAnotherUserName) {
