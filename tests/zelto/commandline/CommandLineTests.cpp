@@ -131,6 +131,7 @@ TEST(ServiceNames, HaveSomeOthersThatPeopleUse) {
     EXPECT_EQ(serviceNamed("2 Do"), ServiceType::Type2Do);
     EXPECT_EQ(serviceNamed("Type2Do"), ServiceType::Type2Do);
     EXPECT_EQ(serviceNamed("Google Drive"), ServiceType::GoogleDrive);
+    EXPECT_EQ(serviceNamed("iCloud"), ServiceType::iCloudDrive);
     EXPECT_EQ(serviceNamed("Microsoft Teams"), ServiceType::MicrosoftTeams);
     EXPECT_EQ(serviceNamed("G2Meeting"), ServiceType::G2Meeting);
     EXPECT_EQ(serviceNamed("zoommeeting"), ServiceType::ZoomMeeting);

@@ -187,7 +187,7 @@ TEST_F(ICloudCommands, ConnectSaysWhatIsWrong) {
     EXPECT_EQ(without.status, 2);
     EXPECT_EQ(without.text("message"),
               "An account of iCloudDrive is a folder on this machine: name it by --folder.");
-    EXPECT_EQ(without.text("next"), "zelto connect iCloudDrive --folder iCloudDrive --json");
+    EXPECT_EQ(without.text("next"), "zelto connect iCloudDrive --folder iCloudDrive");
     const auto file = zelto.home.write("file", "").native();
     EXPECT_EQ(zelto.run({"connect", "icloud", "--folder", file, "--json"}).status, 1);
     EXPECT_EQ(zelto.run({"connect", "icloud", "--folder", "", "--json"}).status, 2);
@@ -205,7 +205,7 @@ TEST_F(ICloudCommands, WithoutAnAccountTheCommandThatConnectsOneIsNamed) {
     ASSERT_EQ(zelto.run({"accounts", "remove", "icloud"}).status, 0);
     const auto failed = exportOf({"--json"});
     EXPECT_EQ(failed.text("error"), "unknownAccount");
-    EXPECT_EQ(failed.text("next"), "zelto connect iCloudDrive --folder iCloudDrive --json");
+    EXPECT_EQ(failed.text("next"), "zelto connect iCloudDrive --folder iCloudDrive");
     EXPECT_TRUE(std::filesystem::is_directory(folder)) << "the folder is the user's";
 }
 
