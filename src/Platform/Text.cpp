@@ -193,11 +193,42 @@ std::optional<std::size_t> codePointsWithin(std::string_view text, std::size_t l
     return isIllFormedThere ? std::nullopt : std::optional(length);
 }
 
+constexpr std::size_t indicatorLength = 4; // bytes
+
+// A regional indicator, U+1F1E6 to U+1F1FF. Two of them are a flag.
+bool isIndicatorAt(std::string_view text, std::size_t index) {
+    const auto bytes = text.substr(index, indicatorLength);
+    return bytes.starts_with("\xF0\x9F\x87") && bytes.size() == indicatorLength &&
+           isContinuation(bytes.back()) && static_cast<unsigned char>(bytes.back()) >= 0xA6;
+}
+
+// The last end of a character at or before a place between two regional indicators: within a run of them it
+// depends on nothing but how many stand before. `nullopt` at any other place, and behind the first one of a
+// run, which may belong to what is before it.
+std::optional<std::size_t> flagEndUpTo(std::string_view text, std::size_t end) {
+    if (!isIndicatorAt(text, end)) {
+        return std::nullopt;
+    }
+    auto begin = end;
+    while (begin >= indicatorLength && isIndicatorAt(text, begin - indicatorLength)) {
+        begin -= indicatorLength;
+    }
+    const auto count = (end - begin) / indicatorLength;
+    if (count < 2) {
+        return std::nullopt;
+    }
+    return count % 2 == 0 ? end : end - indicatorLength;
+}
+
 // The last end of a character at or before the end of a code point; 0 if there is none behind the beginning.
 // The text is well-formed up to there.
 std::size_t characterEndUpTo(std::string_view text, std::size_t end) {
     if (end == text.size() || isCertainBoundary(text[end - 1], text[end])) {
         return end;
+    }
+    // ICU would step through the whole run.
+    if (const auto found = flagEndUpTo(text, end)) {
+        return *found;
     }
     // Whether there is a boundary depends on one code point behind it, and on those before it as far back as
     // ICU finds necessary.

@@ -189,6 +189,25 @@ TEST(Chunk, PiecesAreThoseOfCountingCharacterByCharacter) {
     }
 }
 
+TEST(Chunk, PiecesOfRunsOfFlagsAreThoseOfCountingWhateverIsAroundThem) {
+    constexpr std::string_view around[] = {"",       "a",      "é",           "\u0600",     "\u200D",
+                                           "\uFE0F", "\u0301", "\u0903",      "\U0001F1E5", "👨",
+                                           "\xff",   "\x87",   "\xF0\x9F\x87"};
+    std::mt19937 random(1'127);
+    for (int round = 0; round < 5'000; ++round) {
+        std::string text;
+        for (auto runs = 1 + random() % 5; runs > 0; --runs) {
+            text += around[random() % std::size(around)];
+            for (auto length = random() % 40; length > 0; --length) {
+                text += random() % 2 == 0 ? "\U0001F1E6" : "\U0001F1FF";
+            }
+            text += around[random() % std::size(around)];
+        }
+        const auto limit = 1 + random() % 30;
+        ASSERT_EQ(chunk(text, limit), plainChunk(text, limit)) << round << " " << limit << " " << text;
+    }
+}
+
 TEST(Chunk, PiecesOfLongRunsOfOneKindAreThoseOfCountingToo) {
     for (const std::string part : {"\U0001F1E9", "\u0301", "👨\u200D", "\u1100", "\u0915\u094D", "\u0600",
                                    "한", "👍🏽", "\r\n", "x\u0301", "\xff", "\x80", "日"}) {
