@@ -94,7 +94,7 @@ void measurePage(const char* name, std::size_t bytes) {
     std::size_t size = 0;
     const auto time = bestSeconds(
         [&] {
-            notion::PageCreateRequest request{.parent = notion::PageParent::database("d")};
+            notion::PageCreateRequest request{.parent = notion::PageParentType::database("d")};
             request.children = NotionPageContent(content).toWriteBlocks().children;
             return JSONEncoder().encode(request)->size();
         },

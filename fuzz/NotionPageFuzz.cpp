@@ -127,8 +127,9 @@ void checkPage(NotionPageContent content) {
     const auto count = page.children.size();
     require(count <= NotionPageContent::maxBlocks + (hasLink ? 1 : 0) && count >= (hasLink ? 1 : 0));
     require(page.leftOutCount == 0 || count == NotionPageContent::maxBlocks + (hasLink ? 1 : 0));
-    const notion::PageCreateRequest request{
-        .parent = notion::PageParent::database("d"), .properties = {}, .children = std::move(page.children)};
+    const notion::PageCreateRequest request{.parent = notion::PageParentType::database("d"),
+                                            .properties = {},
+                                            .children = std::move(page.children)};
     require(JSONEncoder().encode(request).has_value());
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <NotionModel/EntityIdentifier.h>
 #include <NotionModel/RichText.h>
+#include <NotionModel/Search.h>
 #include <NotionModel/WriteBlock.h>
 
 #include <Platform/Date.h>
@@ -10,21 +12,37 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <variant>
 #include <vector>
 
 namespace notion {
 
-// What a new page lies in: a database.
-struct PageParent {
-    std::string type = "database_id";
-    std::string database_id;
+// A page that the service has. Its dates are read as ISO 8601.
+struct Page {
+    using Identifier = EntityIdentifier<Page>;
 
-    static PageParent database(std::string identifier) { return {.database_id = std::move(identifier)}; }
+    Identifier id;
+    std::optional<zelto::Date> created_time;
+    std::optional<zelto::Date> last_edited_time;
+    std::optional<std::string> url;
 
-    bool operator==(const PageParent&) const = default;
+    bool operator==(const Page&) const = default;
 };
 
-ZELTO_JSON_CODED(PageParent);
+ZELTO_JSON_CODED(Page);
+
+// What a new page lies in. Only written, never read.
+struct PageParentType {
+    std::variant<Database::Identifier, Page::Identifier> value;
+
+    static PageParentType database(std::string id) { return {Database::Identifier{std::move(id)}}; }
+
+    static PageParentType page(std::string id) { return {Page::Identifier{std::move(id)}}; }
+
+    bool operator==(const PageParentType&) const = default;
+};
+
+ZELTO_JSON_CODED(PageParentType);
 
 // The value of a property of the type "title".
 struct WritePageProperty {
@@ -38,7 +56,7 @@ ZELTO_JSON_CODED(WritePageProperty);
 // Makes a page. The key "title" of the properties addresses the title of any database, whatever it is called
 // there. The API takes 100 children and 500 KB.
 struct PageCreateRequest {
-    PageParent parent;
+    PageParentType parent;
     std::map<std::string, WritePageProperty> properties;
     std::vector<WriteBlock> children;
 
@@ -46,17 +64,5 @@ struct PageCreateRequest {
 };
 
 ZELTO_JSON_CODED(PageCreateRequest);
-
-// A page that the service has. Its dates are read as ISO 8601.
-struct Page {
-    std::string id;
-    std::optional<zelto::Date> created_time;
-    std::optional<zelto::Date> last_edited_time;
-    std::optional<std::string> url;
-
-    bool operator==(const Page&) const = default;
-};
-
-ZELTO_JSON_CODED(Page);
 
 } // namespace notion

@@ -5,12 +5,17 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <utility>
 
 namespace notion {
 
 namespace {
+
+// By the types' values.
+constexpr std::array<std::string_view, 3> typeNames = {"text", "mention", "equation"};
+static_assert(typeNames.size() == static_cast<std::size_t>(RichTextType::equation) + 1);
 
 // By the colours' values.
 constexpr std::array<std::string_view, 19> colorNames = {"default",
@@ -33,6 +38,12 @@ constexpr std::array<std::string_view, 19> colorNames = {"default",
                                                          "pink_background",
                                                          "red_background"};
 static_assert(colorNames.size() == static_cast<std::size_t>(BlockColor::redBackground) + 1);
+
+// The case of that name; the first one, which is the usual one, for a name that is not known.
+template <class Enum> Enum namedBy(std::span<const std::string_view> names, std::string_view name) {
+    const auto found = std::ranges::find(names, name);
+    return found == names.end() ? Enum() : static_cast<Enum>(found - names.begin());
+}
 
 } // namespace
 
@@ -57,14 +68,20 @@ void encodeJSON(zelto::JSONWriter& writer, const BlockColor& value) {
 }
 
 void decodeJSON(const zelto::JSONReader& reader, BlockColor& value) {
-    const auto found = std::ranges::find(colorNames, reader.string());
-    value = found == colorNames.end() ? BlockColor::default_
-                                      : static_cast<BlockColor>(found - colorNames.begin());
+    value = namedBy<BlockColor>(colorNames, reader.string());
+}
+
+void encodeJSON(zelto::JSONWriter& writer, const RichTextType& value) {
+    writer.string(typeNames[static_cast<std::size_t>(value)]);
+}
+
+void decodeJSON(const zelto::JSONReader& reader, RichTextType& value) {
+    value = namedBy<RichTextType>(typeNames, reader.string());
 }
 
 void encodeJSON(zelto::JSONWriter& writer, const RichText& value) {
     writer.beginObject();
-    writer.field("type", "text");
+    writer.field("type", RichTextType::text);
     writer.field("text", value.text);
     if (value.annotations != RichText::Annotations()) {
         writer.field("annotations", value.annotations);
@@ -78,6 +95,7 @@ void decodeJSON(const zelto::JSONReader& reader, RichText& value) {
     if (!plain && !text) {
         reader.failMissing("plain_text");
     }
+    value.type = reader.optional<RichTextType>("type").value_or(value.type);
     value.annotations = reader.optional<RichText::Annotations>("annotations").value_or(value.annotations);
     value.href = reader.optional<std::string>("href");
     value.text = text ? *text : RichText::Text{.content = *plain};

@@ -41,11 +41,16 @@ struct NotionLink {
 
 ZELTO_JSON_CODED(NotionLink);
 
+// What a text of the service is made of. One that is not known reads as text.
+enum class RichTextType { text, mention, equation };
+
+ZELTO_JSON_CODED(RichTextType);
+
 // A stretch of text in one style. The API takes 2000 UTF-16 units of content.
 //
 // It is written as the API wants it in a request: of the type "text", without `plain_text` and `href`, which
-// only the service makes, and without annotations that are all default. A mention or an equation reads as a
-// text of its `plain_text`.
+// only the service makes, and without annotations that are all default. The content of a mention or an
+// equation is its `plain_text`.
 struct RichText {
     struct Text {
         std::string content;
@@ -65,6 +70,7 @@ struct RichText {
         bool operator==(const Annotations&) const = default;
     };
 
+    RichTextType type = RichTextType::text;
     Text text;
     Annotations annotations;
     std::string plain_text; // the text without style

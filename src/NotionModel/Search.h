@@ -1,5 +1,6 @@
 #pragma once
 
+#include <NotionModel/EntityIdentifier.h>
 #include <NotionModel/RichText.h>
 
 #include <Platform/JSON/JSONCoding.h>
@@ -48,7 +49,9 @@ struct SearchRequest {
 ZELTO_JSON_CODED(SearchRequest);
 
 struct Database {
-    std::string id;
+    using Identifier = EntityIdentifier<Database>;
+
+    Identifier id;
     std::vector<RichText> title; // one after the other
 
     bool operator==(const Database&) const = default;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <NotionModel/EntityIdentifier.h>
+
 #include <Platform/JSON/JSONCoding.h>
 
 #include <optional>
@@ -16,9 +18,11 @@ struct Person {
 
 ZELTO_JSON_CODED(Person);
 
+struct User;
+
 // The person who has installed an integration.
 struct OwningUser {
-    std::string id;
+    EntityIdentifier<User> id;
     std::optional<std::string> name;
     std::optional<Person> person;
 
@@ -47,7 +51,9 @@ ZELTO_JSON_CODED(Bot);
 
 // A person, or the bot that an access token belongs to.
 struct User {
-    std::string id;
+    using Identifier = EntityIdentifier<User>;
+
+    Identifier id;
     std::optional<std::string> type; // "person" or "bot"
     std::optional<std::string> name;
     std::optional<Person> person;

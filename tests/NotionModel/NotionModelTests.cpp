@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <type_traits>
+
 namespace notion {
 
 namespace {
@@ -65,12 +67,19 @@ TEST(NotionRichText, IsReadAsTheServiceWritesIt) {
 }
 
 TEST(NotionRichText, AMentionAndAnEquationReadAsTheirPlainText) {
-    for (const auto* kind :
-         {R"("type":"mention","mention":{"type":"user"})",
-          R"("type":"equation","equation":{"expression":"x"})", R"("type":"new","new":5)"}) {
-        EXPECT_EQ(read<RichText>("{" + std::string(kind) + R"(,"plain_text":"@Ann"})"), RichText::of("@Ann"))
-            << kind;
+    const std::pair<RichTextType, std::string> rows[] = {
+        {RichTextType::mention, R"("type":"mention","mention":{"type":"user"})"},
+        {RichTextType::equation, R"("type":"equation","equation":{"expression":"x"})"},
+        {RichTextType::text, R"("type":"new","new":5)"},
+        {RichTextType::text, R"("type":null)"}};
+    for (const auto& [type, kind] : rows) {
+        auto expected = RichText::of("@Ann");
+        expected.type = type;
+        const auto text = read<RichText>("{" + kind + R"(,"plain_text":"@Ann"})");
+        EXPECT_EQ(text, expected) << kind;
+        EXPECT_EQ(written(text), R"({"type":"text","text":{"content":"@Ann"}})");
     }
+    EXPECT_FALSE(isRead<RichText>(R"({"type":5,"plain_text":"a"})"));
     EXPECT_FALSE(isRead<RichText>(R"({"type":"mention"})"));
     EXPECT_FALSE(isRead<RichText>(R"({"plain_text":5})"));
     EXPECT_FALSE(isRead<RichText>(R"({"text":{"link":null}})"));
@@ -123,25 +132,38 @@ TEST(NotionBlocks, AreWrittenByTheirTypes) {
 }
 
 TEST(NotionPages, AreAskedForWithTheirParentTheirTitleAndTheirBlocks) {
-    const PageCreateRequest request{.parent = PageParent::database("668d797c-76fa-4934-9b05-ad288df2d136"),
+    const PageCreateRequest request{.parent =
+                                        PageParentType::database("668d797c-76fa-4934-9b05-ad288df2d136"),
                                     .properties = {{"title", {.title = {RichText::of("The title")}}}},
                                     .children = {WriteBlock::divider()}};
     EXPECT_EQ(written(request),
               R"({"parent":{"type":"database_id","database_id":"668d797c-76fa-4934-9b05-ad288df2d136"},)"
               R"("properties":{"title":{"title":[{"type":"text","text":{"content":"The title"}}]}},)"
               R"("children":[{"object":"block","type":"divider","divider":{}}]})");
-    EXPECT_EQ(written(PageCreateRequest{.parent = PageParent::database("d")}),
+    EXPECT_EQ(written(PageCreateRequest{.parent = PageParentType::database("d")}),
               R"({"parent":{"type":"database_id","database_id":"d"},"properties":{},"children":[]})");
+}
+
+TEST(NotionPages, LieInADatabaseOrInAPage) {
+    EXPECT_EQ(written(PageParentType::database("d")), R"({"type":"database_id","database_id":"d"})");
+    EXPECT_EQ(written(PageParentType::page("p")), R"({"type":"page_id","page_id":"p"})");
+}
+
+TEST(NotionIdentifiers, AreTextsOfOneKindOfObject) {
+    EXPECT_EQ(written(Database::Identifier{"d"}), R"("d")");
+    EXPECT_EQ(read<Page::Identifier>(R"("p")"), Page::Identifier{"p"});
+    EXPECT_FALSE(isRead<User::Identifier>("5"));
+    EXPECT_FALSE((std::is_convertible_v<Database::Identifier, Page::Identifier>));
 }
 
 TEST(NotionPages, AreReadWithTheirDates) {
     EXPECT_EQ(read<Page>(R"({"object":"page","id":"p","created_time":"2026-11-22T09:30:00.000Z",)"
                          R"("last_edited_time":"2026-11-22T10:30:00+01:00","url":"u","archived":false})"),
-              (Page{.id = "p",
+              (Page{.id = {"p"},
                     .created_time = zelto::Date::fromUnixSeconds(1'795'339'800),
                     .last_edited_time = zelto::Date::fromUnixSeconds(1'795'339'800),
                     .url = "u"}));
-    EXPECT_EQ(read<Page>(R"({"id":"p","url":null})"), Page{.id = "p"});
+    EXPECT_EQ(read<Page>(R"({"id":"p","url":null})"), Page{.id = {"p"}});
     EXPECT_FALSE(isRead<Page>("{}"));
     EXPECT_FALSE(isRead<Page>(R"({"id":"p","created_time":5})"));
 }
@@ -168,14 +190,14 @@ TEST(NotionSearch, FindsDatabasesAndPassesOverEverythingElse) {
         R"("next_cursor":"c","has_more":true,"request_id":"r"})");
     ASSERT_EQ(found.results.size(), 12U);
     EXPECT_EQ(found.results[0],
-              (SearchResultItem{"database", Database{.id = "d", .title = {RichText::of("T")}}}));
+              (SearchResultItem{"database", Database{.id = {"d"}, .title = {RichText::of("T")}}}));
     EXPECT_EQ(found.results[1], (SearchResultItem{"page", std::nullopt}));
     EXPECT_EQ(found.results[2], (SearchResultItem{"data_source", std::nullopt}));
     for (std::size_t i = 3; i < 10; ++i) {
         EXPECT_EQ(found.results[i], SearchResultItem()) << i;
     }
-    EXPECT_EQ(found.results[10].database, Database{.id = "e"});
-    EXPECT_EQ(found.results[11].database, Database{.id = "f"});
+    EXPECT_EQ(found.results[10].database, Database{.id = {"e"}});
+    EXPECT_EQ(found.results[11].database, Database{.id = {"f"}});
     EXPECT_EQ(found.next_cursor, "c");
     EXPECT_TRUE(found.has_more);
     EXPECT_EQ(read<Found>(R"({"results":[],"next_cursor":null})"), Found());
@@ -197,16 +219,16 @@ TEST(NotionUsers, AreReadWithTheOwnerOfABot) {
     EXPECT_EQ(
         read<User>(R"({"object":"user","type":"bot","id":"b","name":"Bot","bot":{"owner":{"type":"user",)"
                    R"("user":{"id":"u","name":"Ann","person":{"email":"a@example.org"}}}}})"),
-        (User{.id = "b",
+        (User{.id = {"b"},
               .type = "bot",
               .name = "Bot",
-              .bot = Bot{BotOwner{"user", OwningUser{"u", "Ann", Person{"a@example.org"}}}}}));
+              .bot = Bot{BotOwner{"user", OwningUser{{"u"}, "Ann", Person{"a@example.org"}}}}}));
     EXPECT_EQ(read<User>(R"({"id":"b","type":"bot","name":null,"bot":{"owner":{"type":"workspace",)"
                          R"("workspace":true}}})"),
-              (User{.id = "b", .type = "bot", .bot = Bot{BotOwner{"workspace", std::nullopt}}}));
+              (User{.id = {"b"}, .type = "bot", .bot = Bot{BotOwner{"workspace", std::nullopt}}}));
     EXPECT_EQ(read<User>(R"({"id":"u","type":"person","person":{}})"),
-              (User{.id = "u", .type = "person", .person = Person()}));
-    EXPECT_EQ(read<User>(R"({"id":"b","bot":{}})"), (User{.id = "b", .bot = Bot()}));
+              (User{.id = {"u"}, .type = "person", .person = Person()}));
+    EXPECT_EQ(read<User>(R"({"id":"b","bot":{}})"), (User{.id = {"b"}, .bot = Bot()}));
     for (const auto* text :
          {"{}", R"({"name":"n"})", R"({"id":"b","bot":5})", R"({"id":"b","bot":{"owner":{"user":{}}}})",
           R"({"id":"b","person":{"email":1}})"}) {

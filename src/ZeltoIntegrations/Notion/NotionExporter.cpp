@@ -34,7 +34,7 @@ constexpr auto titleKey = "title";
 
 notion::PageCreateRequest requestOf(const NotionDatabase& parent, std::string title,
                                     std::vector<notion::WriteBlock> children) {
-    return {.parent = notion::PageParent::database(parent.id),
+    return {.parent = notion::PageParentType::database(parent.id),
             .properties = {{titleKey, {.title = {notion::RichText::of(std::move(title))}}}},
             .children = std::move(children)};
 }
@@ -186,7 +186,7 @@ void NotionExporter::createPage(StepRun& run, const NotionExportConfiguration& c
                             .function = "createPage(configuration:updateProgress:)",
                             .leftOutBlocks = blocks.leftOutCount},
                            std::move(done), [](const auto&) { return ExporterResult<void>(); },
-                           [](const auto& page) { return std::optional(page->id); }));
+                           [](const auto& page) { return std::optional(page->id.rawValue); }));
 }
 
 template <class Done>

@@ -15,7 +15,7 @@ NotionDatabase toNotionDatabase(notion::Database database) {
     for (const auto& text : database.title) {
         title += text.plain_text;
     }
-    return {.id = std::move(database.id), .title = std::move(title)};
+    return {.id = std::move(database.id.rawValue), .title = std::move(title)};
 }
 
 } // namespace
@@ -23,11 +23,13 @@ NotionDatabase toNotionDatabase(notion::Database database) {
 NotionUser toNotionUser(notion::User user) {
     if (user.bot && user.bot->owner && user.bot->owner->user) {
         auto& owner = *user.bot->owner->user;
-        return {.id = std::move(owner.id),
+        return {.id = std::move(owner.id.rawValue),
                 .name = std::move(owner.name),
                 .email = emailOf(std::move(owner.person))};
     }
-    return {.id = std::move(user.id), .name = std::move(user.name), .email = emailOf(std::move(user.person))};
+    return {.id = std::move(user.id.rawValue),
+            .name = std::move(user.name),
+            .email = emailOf(std::move(user.person))};
 }
 
 NotionDatabases toNotionDatabases(notion::ListResponse<notion::SearchResultItem> response) {

@@ -42,7 +42,7 @@ class NotionClientTest : public testing::Test {
     }
 
     static notion::PageCreateRequest pageOf(const std::string& title) {
-        return {.parent = notion::PageParent::database("d1"),
+        return {.parent = notion::PageParentType::database("d1"),
                 .properties = {{"title", {.title = {notion::RichText::of(title)}}}},
                 .children = {notion::WriteBlock::divider()}};
     }
@@ -93,7 +93,7 @@ TEST_F(NotionClientTest, MoreDatabasesAreNotAskedForButToldOf) {
 TEST_F(NotionClientTest, APageIsMadeByOneRequest) {
     const auto made = create(pageOf("The \"title\""));
     ASSERT_TRUE(made);
-    EXPECT_EQ(*made, (notion::Page{.id = "p1",
+    EXPECT_EQ(*made, (notion::Page{.id = {"p1"},
                                    .created_time = Date::fromUnixSeconds(1'795'339'800),
                                    .url = "https://www.notion.so/p1"}));
     EXPECT_EQ(service.texts(), Texts{"POST /v1/pages\n" + std::string(headers) +
