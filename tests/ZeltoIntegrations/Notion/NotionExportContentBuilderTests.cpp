@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <random>
-
 namespace zelto {
 
 namespace {
@@ -262,49 +259,6 @@ TEST(NotionExportContentBuilder, ABareTelephoneNumberOfSevenDigitsIsATelLink) {
     // Digits outside the match count, letters next to a number keep it from being one.
     EXPECT_EQ(linkOf("12345/x67"), NotionLink{"tel:12345/x67"}) << "five of nine, and seven digits";
     EXPECT_EQ(linkOf("x1234567"), std::nullopt);
-}
-
-TEST(NotionExportContentBuilder, BodiesAtRandomKeepToEveryLimitAndLoseNothingButBlanks) {
-    std::mt19937 random(4'711);
-    const std::string pieces[] = {"a",      " ",       "\n",   "word ",
-                                  "😀",      "e\u0301", "\t",   "👨‍👩‍👧‍👦",
-                                  "\u00A0", "🇩🇪",      "\r\n", "日本"};
-    const auto randomPart = [&] {
-        std::string value;
-        const auto length = random() % 150 == 0 ? 1500 + random() % 4000 : random() % 6;
-        while (value.size() < length) {
-            value += pieces[random() % std::size(pieces)];
-        }
-        return Part{.value = value, .modifiers = {static_cast<int>(random() % 16)}};
-    };
-    for (int round = 0; round < 10'000; ++round) {
-        std::vector<Component> components;
-        std::string whole;
-        for (auto count = random() % 6; count > 0; --count) {
-            Parts parts;
-            for (auto each = random() % (random() % 20 == 0 ? 230 : 6); each > 0; --each) {
-                parts.push_back(randomPart());
-                whole += parts.back().value;
-            }
-            const auto level = random() % 7;
-            components.push_back(level == 0 ? Component::text(parts)
-                                            : Component::header(static_cast<Level>(level), parts));
-        }
-        std::size_t position = 0;
-        for (const auto& block : built(components)) {
-            ASSERT_LE(block.rich_text.size(), 100U);
-            for (const auto length : lengthsOf(block)) {
-                ASSERT_TRUE(length > 0 && length <= 2000);
-            }
-            // As it is in the body, with nothing but blanks left out before it.
-            const auto content = contentOf(block);
-            const auto found = whole.find(content, position);
-            ASSERT_NE(found, std::string::npos) << round;
-            ASSERT_TRUE(isBlank(std::string_view(whole).substr(position, found - position))) << round;
-            position = found + content.size();
-        }
-        ASSERT_TRUE(isBlank(std::string_view(whole).substr(position))) << round;
-    }
 }
 
 } // namespace zelto
