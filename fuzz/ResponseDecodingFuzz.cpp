@@ -67,7 +67,7 @@ template <class... T> void checkRecords(const ServiceResponse& response, const J
 void checkNotion(const ServiceResponse& response) {
     if (const auto user = serviceValue<notion::User>(response, {})) {
         const auto owner = user->bot && user->bot->owner ? user->bot->owner->user : std::nullopt;
-        require(toNotionUser(*user).id == (owner ? owner->id : user->id));
+        require(toNotionUser(*user).id == (owner ? owner->id : user->id).rawValue);
     }
     if (const auto found = serviceValue<notion::ListResponse<notion::SearchResultItem>>(response, {})) {
         const auto isDatabase = [](const auto& item) { return item.object == "database"; };

@@ -133,7 +133,7 @@ class RandomPages {
     NotionPageContent next() {
         NotionPageContent content;
         if (isOneOf(3)) {
-            content.userNote = text(isOneOf(20) ? 110 * unitLimit : 3 * unitLimit);
+            content.userNote = text(isOneOf(200) ? 150 * unitLimit : isOneOf(10) ? 3 * unitLimit : 20);
         }
         if (isOneOf(2)) {
             content.header = IntegrationHeaderComponents{.date = {"Date:", "today"}, .sendersInfo = {}};
@@ -158,7 +158,7 @@ class RandomPages {
         for (const auto length = random_() % maximum; text.size() < length;) {
             const auto& piece = pieces[random_() % std::size(pieces)];
             // Some are long runs of one, so that a cut falls within any of them.
-            for (auto times = isOneOf(50) ? random_() % 300 : 1; times > 0; --times) {
+            for (auto times = maximum > unitLimit && isOneOf(20) ? random_() % 300 : 1; times > 0; --times) {
                 text += piece;
             }
         }
@@ -166,14 +166,14 @@ class RandomPages {
     }
 
     Part part() {
-        return {.value = text(isOneOf(150) ? 3 * unitLimit : 7),
+        return {.value = text(isOneOf(1'000) ? 3 * unitLimit : 7),
                 .modifiers = {static_cast<int>(random_() % 16)},
                 .link = isOneOf(10) ? URL::parse("https://example.org") : std::nullopt};
     }
 
     Component component() {
         std::vector<Part> parts;
-        for (auto count = random_() % (isOneOf(20) ? 230 : 6); count > 0; --count) {
+        for (auto count = random_() % (isOneOf(30) ? 230 : 6); count > 0; --count) {
             parts.push_back(part());
         }
         const auto kind = random_() % 7;
@@ -183,7 +183,7 @@ class RandomPages {
 
     std::vector<Component> body() {
         std::vector<Component> components;
-        for (auto count = random_() % (isOneOf(20) ? 200 : 6); count > 0; --count) {
+        for (auto count = random_() % (isOneOf(20) ? 250 : 5); count > 0; --count) {
             components.push_back(component());
         }
         return components;
