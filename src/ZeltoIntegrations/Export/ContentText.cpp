@@ -1,6 +1,8 @@
 #include <ZeltoIntegrations/Export/ContentText.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 namespace zelto {
@@ -47,7 +49,8 @@ IntegrationLinkType linkTypeOf(const ContentText& row, const WebLinkSettings& se
     case ContentText::Link::webLink:
         return IntegrationLinkType::webLink(row.format, settings.visibility, settings.teamId);
     }
-    return IntegrationLinkType::backlink(row.format);
+    std::fputs("Unexpected linkUsage\n", stderr);
+    std::abort();
 }
 
 void loadText(IntegrationsDataInteractorProtocol& dataInteractor, const ContentText& row,

@@ -128,4 +128,9 @@ TEST(ContentTextLinks, AreThoseOfTheRow) {
               IntegrationLinkType::webLink(Format::mrkdwn, settings.visibility, settings.teamId));
 }
 
+TEST(ContentTextLinksDeathTest, OneThatThereIsNotStopsTheProcess) {
+    const ContentText row{Type::webLink, Source::link, static_cast<Link>(99), Format::raw};
+    EXPECT_DEATH(linkTypeOf(row, settings), "Unexpected linkUsage");
+}
+
 } // namespace zelto
