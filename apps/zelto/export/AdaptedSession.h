@@ -55,6 +55,8 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         return names;
     }
 
+    std::string usualType() override { return std::string(nameOf(types().default_)); }
+
     Outcome<std::optional<IntegrationExportPreview>>
     preview(std::optional<IntegrationExportContentType> type) override {
         auto configuration = offered();

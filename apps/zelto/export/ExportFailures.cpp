@@ -55,6 +55,10 @@ std::string tooLarge(const Refused& refused, const std::string& service) {
            ", is larger than " + service + " takes";
 }
 
+NextCommand withAnotherType(const ExportCircumstances& about) {
+    return cli::withAnotherType(about.takenTypes, about.usualType, about.type);
+}
+
 // The export without an attachment, or in a form without the file that was made of the message.
 NextCommand withoutFile(const Refused& refused, const ExportCircumstances& about) {
     auto others = about.attachments;
@@ -62,7 +66,7 @@ NextCommand withoutFile(const Refused& refused, const ExportCircumstances& about
         return NextCommand::again("--attach", "none");
     }
     if (refused.kind != "file" || std::erase(others, refused.name) == 0) {
-        return withAnotherType(about.takenTypes, about.type);
+        return withAnotherType(about);
     }
     return NextCommand::again({{"--attach", others.empty() ? std::vector<std::string>{"none"} : others}});
 }
@@ -133,8 +137,7 @@ Advice noPDF(const ExportCircumstances& about) {
     if (!error) {
         return {"The message could not be turned into a PDF.", showsLog};
     }
-    return {"The message could not be turned into a PDF. " + error->message() + ".",
-            withAnotherType(about.takenTypes, about.type)};
+    return {"The message could not be turned into a PDF. " + error->message() + ".", withAnotherType(about)};
 }
 
 Advice noBody(const ExportCircumstances& about) {
@@ -143,13 +146,12 @@ Advice noBody(const ExportCircumstances& about) {
     }
     if (about.type == "externalLink") {
         return {"There is no external link; name one as \"externalLink\" in a file for --config-over.",
-                withAnotherType(about.takenTypes, about.type)};
+                withAnotherType(about)};
     }
     if (!isValidUTF8(about.title)) {
         return notUTF8(about);
     }
-    return {"The message has no text or no link of that kind.",
-            withAnotherType(about.takenTypes, about.type)};
+    return {"The message has no text or no link of that kind.", withAnotherType(about)};
 }
 
 // As a URL can hold them; whoever gets it decodes them.
@@ -167,7 +169,7 @@ Advice internalError(const ExportCircumstances& about) {
     }
     return {
         "An export as externalLink takes a link of yours: give it as \"externalLink\" of a configuration.",
-        withAnotherType(about.takenTypes, about.type)};
+        withAnotherType(about)};
 }
 
 Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) {
@@ -186,7 +188,7 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
         return noPDF(about);
     case IntegrationExportError::unsupportedFormat:
         return {about.service + " does not take that type; it takes " + joined(about.takenTypes, ", ") + ".",
-                withAnotherType(about.takenTypes, about.type)};
+                withAnotherType(about)};
     case IntegrationExportError::fileAlreadyExists:
         return {"A file of that name exists already.", NextCommand::again("--policy", "keepBoth")};
     case IntegrationExportError::oauthError:
@@ -323,7 +325,11 @@ Advice loadAdvice(IntegrationLoadError error, const std::string& service, const 
 
 } // namespace
 
-NextCommand withAnotherType(const std::vector<std::string>& takenTypes, std::string_view type) {
+NextCommand withAnotherType(const std::vector<std::string>& takenTypes, const std::string& usualType,
+                            std::string_view type) {
+    if (!usualType.empty() && usualType != type) {
+        return NextCommand::again("--as", usualType);
+    }
     const auto other = std::ranges::find_if(takenTypes, [&](const auto& each) { return each != type; });
     return other == takenTypes.end() ? NextCommand() : NextCommand::again("--as", *other);
 }

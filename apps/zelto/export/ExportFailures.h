@@ -22,6 +22,7 @@ struct ExportCircumstances {
     std::string service;                 // as the program shows it
     std::string account;                 // its identifier
     std::vector<std::string> takenTypes; // what an export to it may be
+    std::string usualType;               // what it is where none was ever chosen
     std::string type;                    // what this one is
     std::string title;
     std::vector<std::string> attachments; // the names of those that go along
@@ -36,8 +37,9 @@ struct ExportCircumstances {
     bool hasStalled = false; // for that time, and was cancelled
 };
 
-// What was typed, as the first type of these that is another one; the help where there is none.
-NextCommand withAnotherType(const std::vector<std::string>& takenTypes, std::string_view type);
+// What was typed, as the usual type or the first of these that is another one; the help where there is none.
+NextCommand withAnotherType(const std::vector<std::string>& takenTypes, const std::string& usualType,
+                            std::string_view type);
 
 // Why an export failed, what is on the service already, and what to do.
 Failure exportFailure(IntegrationExportError error, const ExportCircumstances& circumstances);

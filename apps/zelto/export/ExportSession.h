@@ -59,6 +59,9 @@ class ExportSession {
     // The names of the types that an export to the service may have.
     virtual std::vector<std::string> takenTypes() = 0;
 
+    // The one that an export has where none was ever chosen.
+    virtual std::string usualType() = 0;
+
     // The preview of a type, without one of the type that the exporter offers; nullopt where it has none.
     virtual Outcome<std::optional<IntegrationExportPreview>>
     preview(std::optional<IntegrationExportContentType> type) = 0;

@@ -91,10 +91,11 @@ Outcome<Report> runPreview(const Invocation& invocation, const Terminal& termina
     }
     if (!*preview) {
         const auto taken = work->session->takenTypes();
-        return failure(Failure{"noPreview",
-                               work->service() + " has no preview of that type for this message; it takes " +
-                                   joined(taken, ", ") + ".",
-                               withAnotherType(taken, invocation.value("--as").value_or(""))});
+        return failure(Failure{
+            "noPreview",
+            work->service() + " has no preview of that type for this message; it takes " +
+                joined(taken, ", ") + ".",
+            withAnotherType(taken, work->session->usualType(), invocation.value("--as").value_or(""))});
     }
     Report report;
     report.members.set("preview", described(**preview));

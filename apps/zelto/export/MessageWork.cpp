@@ -128,6 +128,7 @@ ExportCircumstances MessageWork::circumstances(const ExportPlan& plan) const {
     return {.service = service(),
             .account = account.identifier(),
             .takenTypes = session->takenTypes(),
+            .usualType = session->usualType(),
             .type = std::string(nameOf(plan.saveAs)),
             .title = plan.title,
             .attachments = plan.attachments,

@@ -14,6 +14,7 @@ ExportCircumstances circumstances() {
     return {.service = "Trello",
             .account = "Trello+me",
             .takenTypes = {"pdf", "backLink"},
+            .usualType = "pdf",
             .type = "pdf",
             .title = "T",
             .attachments = {"a.mov", "b.mov"},
@@ -200,7 +201,11 @@ TEST(ExportFailures, SuggestTheSameExportWithWhatMayHelp) {
     EXPECT_EQ(next(Error::canceled), NextCommand::again("--timeout", "604800"));
     about.pdfError = PDFError{PDFErrorCode::converterMissing};
     EXPECT_EQ(next(Error::convertError), NextCommand::again("--as", "backLink"));
+    about.takenTypes = {"pdf", "backLink", "webLink"};
+    about.usualType = "webLink";
+    EXPECT_EQ(next(Error::convertError), NextCommand::again("--as", "webLink"));
     about.takenTypes = {"pdf"};
+    about.usualType = "pdf";
     EXPECT_TRUE(next(Error::convertError).isHelp());
 }
 
