@@ -176,7 +176,16 @@ class Page(Case):
         self.tab.wait("document.querySelectorAll('.of-notion table:not([hidden])').length === 2")
         self.wait_for_text("Aufgaben im Büro ✅")
         self.wait_for_text("An empty page")
+        self.assertEqual(self.tab.run(titles), "First,Untitled")
         self.assertNothingRan()
+
+    def test_the_names_of_notion_pages_have_room_on_a_small_screen(self):
+        self.sandbox.add_notion_page(self.sandbox.token("Notion"), "Weekly planning: lighthouse relaunch")
+        self.tab.resize(400, 800)
+        self.show()
+        name = "document.querySelector('.of-notion .is-newest td')"
+        self.tab.wait(f"{name} !== null && getComputedStyle({name}).paddingLeft === '12px'")
+        self.assertGreater(self.tab.run(f"{name}.offsetWidth"), 150)
 
     def test_many_notion_databases_without_pages_are_counted(self):
         self.sandbox.control("settings", additionalTargets=300)

@@ -60,7 +60,7 @@ function blockList(tag, className, blocks) {
 }
 
 function titleOf(items) {
-  return items.length ? fillText(element("bdi"), items) : element("span", "note", "Untitled");
+  return items.some(({ text }) => text.content.trim()) ? fillText(element("bdi"), items) : element("span", "note", "Untitled");
 }
 
 function paperOf({ title: name, blocks }) {
