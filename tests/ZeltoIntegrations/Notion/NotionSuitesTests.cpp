@@ -88,9 +88,19 @@ struct MeetingNoteScenario : NotionScenario {
 
     static Texts events() {
         auto all = NotionScenario::events();
-        std::ranges::replace(all, "formattedBodyComponents", "formattedMeetingSummaryComponents");
+        std::ranges::replace(all, "formattedBodyComponents", summary);
         return all;
     }
+
+    static std::vector<HostFailure> hostFailures() {
+        auto all = NotionScenario::hostFailures();
+        for (auto& each : all) {
+            each.operation = each.operation == "formattedBodyComponents" ? summary : each.operation;
+        }
+        return all;
+    }
+
+    static constexpr auto summary = "formattedMeetingSummaryComponents";
 };
 
 struct LinkScenario : NotionScenario {
@@ -141,6 +151,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportCancellation, NotionScenario, Named
 INSTANTIATE_TYPED_TEST_SUITE_P(NotionMeetingNote, ExportCancellation, MeetingNoteScenario, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(NotionLink, ExportCancellation, LinkScenario, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportHost, NotionScenario, NamedByFacts);
+INSTANTIATE_TYPED_TEST_SUITE_P(NotionMeetingNote, ExportHost, MeetingNoteScenario, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(NotionLink, ExportHost, LinkScenario, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportStatus, NotionScenario, NamedByFacts);
 INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportTitle, NotionScenario, NamedByFacts);
