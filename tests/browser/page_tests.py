@@ -186,6 +186,10 @@ class Page(Case):
         name = "document.querySelector('.of-notion .is-newest td')"
         self.tab.wait(f"{name} !== null && getComputedStyle({name}).paddingLeft === '12px'")
         self.assertGreater(self.tab.run(f"{name}.offsetWidth"), 150)
+        children = f"Array.from({name}.firstElementChild.children, (each) => each.getBoundingClientRect())"
+        (title, title_height), (mark, mark_height) = self.tab.run(f"{children}.map(({{ top, height }}) => [top, height])")
+        self.assertLess(abs(title - mark), 8)
+        self.assertGreater(title_height, 2 * mark_height)
 
     def test_many_notion_databases_without_pages_are_counted(self):
         self.sandbox.control("settings", additionalTargets=300)

@@ -82,11 +82,12 @@ function open(body, isOpen) {
 
 function fillPage(body, page) {
   const [nameCell, textCell, dateCell] = body.firstElementChild.children;
-  const button = nameCell.lastElementChild;
+  const name = nameCell.firstElementChild;
+  const button = name.firstElementChild;
   body.page = page;
   body.classList.toggle("is-newest", Boolean(page.isNewest));
   button.replaceChildren(titleOf(page.title));
-  nameCell.replaceChildren(...(page.isNewest ? [element("span", "newest", "newest")] : []), button);
+  name.replaceChildren(button, ...(page.isNewest ? [element("span", "newest", "newest")] : []));
   textCell.replaceChildren(fillText(element("div"), page.text));
   dateCell.textContent = new Date(page.date).toLocaleString("en-GB", { dateStyle: "medium", timeStyle: "short" });
   open(body, Boolean(page.isNewest || body.isChosen));
@@ -100,11 +101,13 @@ function choose(body) {
 function makePage() {
   const body = element("tbody");
   const line = element("tr");
+  const name = element("div", "name-line");
   const button = element("button", "page-name");
   button.type = "button";
   button.addEventListener("click", () => choose(body));
   line.append(element("td"), element("td"), element("td"));
-  line.firstElementChild.append(button);
+  name.append(button);
+  line.firstElementChild.append(name);
   const whole = element("tr", "page");
   const cell = element("td");
   cell.colSpan = line.children.length;
