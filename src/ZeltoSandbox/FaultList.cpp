@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <vector>
 
 namespace zelto::sandbox {
@@ -13,6 +14,7 @@ namespace {
 
 constexpr double maximumDelay = 3600;
 constexpr int maximumTimes = 1'000'000;
+constexpr std::int64_t maximumLength = 1'000'000'000'000;
 
 JSONObject jsonOf(const SandboxFault& fault) {
     JSONObject json{
@@ -38,6 +40,15 @@ JSONObject jsonOf(const SandboxFault& fault) {
     }
     if (fault.slowBody) {
         json.set("slowBody", *fault.slowBody);
+    }
+    if (fault.lengthError) {
+        json.set("lengthError", *fault.lengthError);
+    }
+    if (fault.cutAfter) {
+        json.set("cutAfter", *fault.cutAfter);
+    }
+    if (fault.stallAfter) {
+        json.set("stallAfter", *fault.stallAfter);
     }
     if (fault.expireTokens) {
         json.set("expireTokens", true);
@@ -120,6 +131,16 @@ std::optional<std::string> readMember(SandboxFault& fault, const std::string& ke
         fault.slowBody = static_cast<std::uint32_t>(speed.value_or(1));
         return unless(speed.has_value(), "a number of bytes a second, from 1 on");
     }
+    if (key == "lengthError") {
+        fault.lengthError = readCount(value, -maximumLength, maximumLength);
+        return unless(fault.lengthError.has_value(), "a number of bytes, which may be negative");
+    }
+    if (key == "cutAfter" || key == "stallAfter") {
+        const auto count = readCount(value, 0, maximumLength);
+        (key == "cutAfter" ? fault.cutAfter : fault.stallAfter) =
+            static_cast<std::uint64_t>(count.value_or(0));
+        return unless(count.has_value(), "a number of bytes");
+    }
     if (key == "delay") {
         const auto seconds = value.asDouble().value_or(-1);
         fault.delay = TimeInterval(seconds);
@@ -173,9 +194,10 @@ Result<SandboxFault, std::string> readFault(const JSONValue& json) {
             return failure("\"" + key + "\" has to be " + *wanted + ".");
         }
     }
-    if (!fault.status && !fault.delay && !fault.reset && !fault.slowBody && !fault.expireTokens) {
-        return failure(std::string(
-            "A fault needs one of \"status\", \"delay\", \"reset\", \"slowBody\" and \"expireTokens\"."));
+    if (!fault.status && !fault.delay && !fault.reset && !fault.slowBody && !fault.lengthError &&
+        !fault.cutAfter && !fault.stallAfter && !fault.expireTokens) {
+        return failure(std::string("A fault needs one of \"status\", \"delay\", \"reset\", \"slowBody\", "
+                                   "\"lengthError\", \"cutAfter\", \"stallAfter\" and \"expireTokens\"."));
     }
     return fault;
 }
@@ -195,8 +217,17 @@ std::string describe(const SandboxFault& fault) {
     if (fault.slowBody) {
         pieces.push_back(std::to_string(*fault.slowBody) + " bytes a second");
     }
-    if (fault.reset) {
-        pieces.emplace_back("the connection was reset");
+    if (fault.lengthError) {
+        const bool isMore = *fault.lengthError >= 0;
+        pieces.push_back("a Content-Length of " + std::to_string(std::abs(*fault.lengthError)) +
+                         (isMore ? " bytes more" : " bytes fewer"));
+    }
+    if (fault.stallAfter) {
+        pieces.push_back("nothing after " + std::to_string(*fault.stallAfter) + " bytes");
+    }
+    if (fault.reset || fault.cutAfter) {
+        pieces.push_back(std::string("the connection was ") + (fault.reset ? "reset" : "closed") +
+                         (fault.cutAfter ? " after " + std::to_string(*fault.cutAfter) + " bytes" : ""));
     }
     return joined(pieces, ", ");
 }

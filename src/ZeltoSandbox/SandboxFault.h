@@ -28,7 +28,14 @@ struct SandboxFault {
     std::optional<TimeInterval> delay;     // before the response
     bool reset = false;                    // the connection ends instead of a response; the service has acted
     std::optional<std::uint32_t> slowBody; // bytes of the response's body a second
-    bool expireTokens = false;             // all access tokens of the host's service, before it checks them
+
+    // The service has acted, and the response's body does not arrive as its header says. Counts are in bytes
+    // of the body; a body that is shorter arrives whole.
+    std::optional<std::int64_t> lengthError; // Content-Length claims so many more than come; negative: fewer
+    std::optional<std::uint64_t> cutAfter;   // the connection ends there, by a reset if `reset` is set too
+    std::optional<std::uint64_t> stallAfter; // no more comes there, until the client ends the connection
+
+    bool expireTokens = false; // all access tokens of the host's service, before it checks them
 
     bool operator==(const SandboxFault&) const = default;
 };

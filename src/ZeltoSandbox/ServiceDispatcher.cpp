@@ -123,14 +123,19 @@ PlannedResponse ServiceDispatcher::respond(const SandboxRequest& request) {
     PlannedResponse planned;
     if (fault) {
         record.fault = describe(*fault);
-        planned = {
-            .response = {}, .delay = fault->delay, .resets = fault->reset, .slowBody = fault->slowBody};
+        planned = {.response = {},
+                   .delay = fault->delay,
+                   .resets = fault->reset,
+                   .slowBody = fault->slowBody,
+                   .lengthError = fault->lengthError.value_or(0),
+                   .cutAfter = fault->cutAfter,
+                   .stallAfter = fault->stallAfter};
         if (fault->expireTokens) {
             context_.tokens.expire(record.service);
         }
     }
     planned.response = fault && fault->status ? faultResponse(*fault, request) : serviceResponse(request);
-    record.status = planned.resets ? 0 : planned.response.status;
+    record.status = planned.resets && !planned.cutAfter ? 0 : planned.response.status;
     record.problem = planned.response.problem;
     log_.add(std::move(record));
     return planned;

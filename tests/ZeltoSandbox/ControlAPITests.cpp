@@ -3,9 +3,13 @@
 #include <Platform/ISO8601.h>
 #include <ZeltoSandbox/SandboxProof.h>
 
+#include <Support/Eventually.h>
+#include <Support/LoopbackSocket.h>
+
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <sys/socket.h>
 
 namespace zelto {
 
@@ -89,6 +93,71 @@ TEST_F(ControlAPITest, DelaysResponsesAndSlowsThemDown) {
     EXPECT_EQ(caller.server->requests().back().fault, "status 200, 200 bytes a second");
 }
 
+TEST_F(ControlAPITest, ClaimsAnotherLengthThanTheBodyHas) {
+    caller.control("faults", R"({"status":200,"body":"0123456789","lengthError":5})");
+    const auto longer = member();
+    EXPECT_EQ(longer.field("Content-Length"), "15");
+    EXPECT_EQ(longer.body, "0123456789");
+    EXPECT_EQ(caller.server->requests().back().fault, "status 200, a Content-Length of 5 bytes more");
+    caller.control("faults", R"({"status":200,"body":"0123456789","lengthError":-4})");
+    const auto shorter = member();
+    EXPECT_EQ(shorter.field("Content-Length"), "6");
+    EXPECT_EQ(shorter.body, "012345");
+    EXPECT_EQ(caller.server->requests().back().fault, "status 200, a Content-Length of 4 bytes fewer");
+    caller.control("faults", R"({"status":200,"body":"0123456789","lengthError":-40})");
+    EXPECT_EQ(member().field("Content-Length"), "0");
+    EXPECT_EQ(member().status, 200);
+}
+
+TEST_F(ControlAPITest, EndsTheConnectionWithinABody) {
+    const auto cut = [&](const std::string& how) {
+        caller.control("faults", R"({"status":200,"body":"0123456789",)" + how + "}");
+        return member();
+    };
+    const auto closed = cut(R"("cutAfter":4)");
+    EXPECT_EQ(closed.status, 200);
+    EXPECT_EQ(closed.field("Content-Length"), "10");
+    EXPECT_EQ(closed.body, "0123");
+    EXPECT_EQ(caller.server->requests().back().fault, "status 200, the connection was closed after 4 bytes");
+    EXPECT_EQ(caller.server->requests().back().status, 200);
+    EXPECT_EQ(cut(R"("cutAfter":0)").body, "");
+    EXPECT_EQ(cut(R"("cutAfter":10)").body, "0123456789");
+    EXPECT_EQ(cut(R"("cutAfter":100,"slowBody":1000)").body, "0123456789");
+    // What was sent before a reset need not have arrived.
+    EXPECT_LE(cut(R"("cutAfter":4,"reset":true)").body.size(), 4U);
+    EXPECT_EQ(caller.server->requests().back().fault, "status 200, the connection was reset after 4 bytes");
+    caller.control("faults", R"({"path":"/1/members","cutAfter":7})");
+    EXPECT_EQ(member().body.size(), 7U);
+}
+
+TEST_F(ControlAPITest, StallsWithinABodyUntilTheConnectionIsEnded) {
+    caller.control("faults", R"({"status":200,"body":"0123456789","stallAfter":3})");
+    const auto socket = LoopbackSocket::connect(caller.server->port());
+    sendAll(socket.get(), "GET " + target() + " HTTP/1.1\r\nHost: " + host + "\r\n\r\n");
+    std::string received;
+    const auto receive = [&] {
+        char byte = 0;
+        const auto got = ::recv(socket.get(), &byte, 1, 0);
+        received.append(&byte, got > 0 ? 1 : 0);
+        return got > 0;
+    };
+    while (!received.ends_with("\r\n\r\n012") && receive()) {
+    }
+    EXPECT_NE(received.find("Content-Length: 10\r\n"), std::string::npos) << received;
+    caller.server->stop();
+    EXPECT_FALSE(receive()) << received;
+}
+
+TEST_F(ControlAPITest, EndsAStallWithItsClient) {
+    caller.control("faults", R"({"status":200,"body":"0123456789","stallAfter":3})");
+    {
+        CallerConnection connection(caller.server->port());
+        connection.send("GET " + target() + " HTTP/1.1\r\nHost: " + host + "\r\n\r\n");
+        EXPECT_EQ(connection.read(false).status, 200);
+    }
+    EXPECT_TRUE(eventually([&] { return caller.server->openConnectionCount() == 0; }));
+}
+
 TEST_F(ControlAPITest, ExpiresTokens) {
     caller.server->addFault({.host = host, .expireTokens = true});
     EXPECT_EQ(member().body, "expired token");
@@ -129,7 +198,12 @@ TEST_F(ControlAPITest, SaysWhatIsWrongWithAFault) {
         return response.text("error");
     };
     EXPECT_EQ(error("{}"),
-              "A fault needs one of \"status\", \"delay\", \"reset\", \"slowBody\" and \"expireTokens\".");
+              "A fault needs one of \"status\", \"delay\", \"reset\", \"slowBody\", \"lengthError\", "
+              "\"cutAfter\", \"stallAfter\" and \"expireTokens\".");
+    EXPECT_EQ(error(R"({"lengthError":"1"})"),
+              "\"lengthError\" has to be a number of bytes, which may be negative.");
+    EXPECT_EQ(error(R"({"cutAfter":-1})"), "\"cutAfter\" has to be a number of bytes.");
+    EXPECT_EQ(error(R"({"stallAfter":0.5})"), "\"stallAfter\" has to be a number of bytes.");
     EXPECT_EQ(error(R"({"status":99})"), "\"status\" has to be a number from 200 to 599.");
     EXPECT_EQ(error(R"({"status":"503"})"), "\"status\" has to be a number from 200 to 599.");
     EXPECT_EQ(error(R"({"delay":-1})"), "\"delay\" has to be a number of seconds, from 0 to 3600.");

@@ -126,21 +126,66 @@ class Connection {
         if (planned.delay && !shared_.stop.waitFor(*planned.delay)) {
             return false;
         }
-        if (planned.resets) {
+        if (planned.resets && !planned.cutAfter) {
             resetWhenClosed(socket_);
             return false;
         }
         const auto& response = planned.response;
         const bool silent = hasNoBody || response.status == 204 || response.status == 304;
-        auto head = responseHead(response, keepsAlive);
+        auto head = responseHead(response, keepsAlive, claimedLength(planned));
         if (silent) {
             return sendBytes(head);
+        }
+        if (planned.lengthError != 0 || planned.cutAfter || planned.stallAfter) {
+            sendBroken(planned, head);
+            return false;
         }
         if (!response.file && !planned.slowBody) {
             return sendBytes(head + response.body);
         }
-        return sendBytes(head) && (response.file ? sendFile(*response.file, planned.slowBody)
-                                                 : sendSlowly(response.body, *planned.slowBody));
+        return sendBytes(head) && sendBody(response, planned.slowBody);
+    }
+
+    bool sendBody(const SandboxResponse& response, std::optional<std::uint32_t> slow) {
+        if (response.file) {
+            return sendFile(*response.file, slow);
+        }
+        return slow ? sendSlowly(response.body, *slow) : sendBytes(response.body);
+    }
+
+    static std::uint64_t claimedLength(const PlannedResponse& planned) {
+        const auto length = bodyLength(planned.response);
+        const auto error = planned.lengthError;
+        return error < 0 ? length - std::min(length, static_cast<std::uint64_t>(-error))
+                         : length + static_cast<std::uint64_t>(error);
+    }
+
+    // A body that does not arrive as the header says; the connection ends with it.
+    void sendBroken(const PlannedResponse& planned, const std::string& head) {
+        auto response = planned.response;
+        const auto length = bodyLength(response);
+        const auto end = std::min(planned.cutAfter.value_or(length), planned.stallAfter.value_or(length));
+        if (response.file) {
+            response.file->size = std::min(end, length);
+        } else {
+            response.body.resize(static_cast<std::size_t>(std::min(end, length)));
+        }
+        if (!sendBytes(head) || !sendBody(response, planned.slowBody)) {
+            return;
+        }
+        if (planned.stallAfter && *planned.stallAfter == end && end < length) {
+            waitForEndByPeer();
+        } else if (planned.resets) {
+            resetWhenClosed(socket_);
+        } else {
+            closeGently(socket_);
+        }
+    }
+
+    void waitForEndByPeer() {
+        constexpr std::chrono::milliseconds pause{20};
+        while (!isClosedByPeer(socket_) && shared_.stop.waitFor(pause)) {
+        }
     }
 
     // Always false: the connection ends with it.

@@ -19,6 +19,10 @@ struct PlannedResponse {
     std::optional<TimeInterval> delay = {};
     bool resets = false;
     std::optional<std::uint32_t> slowBody = {}; // bytes a second
+    // As in SandboxFault. `resets` without `cutAfter` sends nothing.
+    std::int64_t lengthError = 0;
+    std::optional<std::uint64_t> cutAfter = {};
+    std::optional<std::uint64_t> stallAfter = {};
 };
 
 // HTTP/1.1 on loopback addresses, bounded by the options. Each connection has a thread of its own, on which

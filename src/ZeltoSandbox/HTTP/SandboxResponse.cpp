@@ -71,7 +71,15 @@ std::string_view reasonPhrase(int status) {
     return found == std::end(phrases) ? std::string_view() : found->second;
 }
 
+std::uint64_t bodyLength(const SandboxResponse& response) {
+    return response.file ? response.file->size : response.body.size();
+}
+
 std::string responseHead(const SandboxResponse& response, bool keepsAlive) {
+    return responseHead(response, keepsAlive, bodyLength(response));
+}
+
+std::string responseHead(const SandboxResponse& response, bool keepsAlive, std::uint64_t length) {
     auto head = "HTTP/1.1 " + std::to_string(response.status) + ' ';
     head.append(reasonPhrase(response.status)).append("\r\n");
     for (const auto& field : response.fields) {
@@ -81,7 +89,6 @@ std::string responseHead(const SandboxResponse& response, bool keepsAlive) {
     }
     const bool hasBody = response.status >= 200 && response.status != 204 && response.status != 304;
     if (hasBody && !response.stream) {
-        const auto length = response.file ? response.file->size : response.body.size();
         head += "Content-Length: " + std::to_string(length) + "\r\n";
     }
     return head + (keepsAlive ? "\r\n" : "Connection: close\r\n\r\n");

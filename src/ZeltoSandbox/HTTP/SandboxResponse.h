@@ -36,7 +36,11 @@ struct SandboxResponse {
 // "Not Found"; empty for a status without a usual phrase.
 std::string_view reasonPhrase(int status);
 
-// Status line and header with the body's length.
+// Of the body or the file.
+std::uint64_t bodyLength(const SandboxResponse& response);
+
+// Status line and header, with the length that they claim for the body.
+std::string responseHead(const SandboxResponse& response, bool keepsAlive, std::uint64_t length);
 std::string responseHead(const SandboxResponse& response, bool keepsAlive);
 
 } // namespace zelto::sandbox
