@@ -40,6 +40,16 @@ std::string disposition(bool inlined, const std::string& name) {
            "\"; filename*=UTF-8''" + percentEncodeBytes(name, AllowedCharacters::alphanumerics);
 }
 
+// With the styles that browsers add themselves around what they draw.
+std::string_view policyOf(std::string_view type) {
+    // The browser's PDF viewer, which runs in a process of its own, does not open in a sandboxed document.
+    if (type == "application/pdf") {
+        return "default-src 'none'; object-src 'self'; style-src 'unsafe-inline'";
+    }
+    return type.starts_with("image/") ? "default-src 'none'; style-src 'unsafe-inline'; sandbox"
+                                      : "default-src 'none'; sandbox";
+}
+
 // Whatever the HTML is, the browser lets it load images of its own alone, and runs nothing of it.
 SandboxResponse document(std::string html) {
     return SandboxResponse::html(std::move(html))
@@ -76,11 +86,7 @@ SandboxResponse FileStore::response(std::string_view path) const {
     SandboxResponse response{.fields = {{"Content-Type", type.empty() ? "application/octet-stream" : type},
                                         {"Content-Disposition", disposition(!type.empty(), file.name)}},
                              .file = file.content};
-    // The browser's PDF viewer, which runs in a process of its own, does not open in a sandboxed document.
-    response.fields.push_back(
-        {"Content-Security-Policy", type == "application/pdf"
-                                        ? "default-src 'none'; object-src 'self'; style-src 'unsafe-inline'"
-                                        : "default-src 'none'; sandbox"});
+    response.fields.push_back({"Content-Security-Policy", std::string(policyOf(type))});
     return response;
 }
 
