@@ -35,6 +35,44 @@ std::string serviceName(const JSONValue& json) {
     return name ? *name : std::string();
 }
 
+// What "drives" has to be; nullopt if it is valid. Those of its members that are left out stay as they are.
+std::optional<std::string> readDrives(SandboxDrives& drives, const JSONValue& json) {
+    if (!json.asObject()) {
+        return "an object";
+    }
+    for (const auto& [key, value] : *json.asObject()) {
+        const auto count = value.asUInt64();
+        const auto seconds = value.asDouble().value_or(-1);
+        if (key == "additionalFolders" || key == "additionalFiles") {
+            if (!count || *count > SandboxDrives::maximumAdditionalCount) {
+                return "an object in which \"" + key + "\" is a number from 0 to 20000";
+            }
+            (key == "additionalFiles" ? drives.additionalFiles : drives.additionalFolders) =
+                static_cast<std::size_t>(*count);
+        } else if (key == "searchDelay") {
+            if (!(seconds >= 0)) {
+                return "an object in which \"searchDelay\" is a number of seconds";
+            }
+            drives.searchDelay = TimeInterval(seconds);
+        } else if (key == "space") {
+            if (!value.isNull() && !count) {
+                return "an object in which \"space\" is a number of bytes, or null";
+            }
+            drives.space = count;
+        } else {
+            return "an object without \"" + key + "\"";
+        }
+    }
+    return std::nullopt;
+}
+
+JSONObject drivesJSON(const SandboxDrives& drives) {
+    return {{"additionalFolders", drives.additionalFolders},
+            {"additionalFiles", drives.additionalFiles},
+            {"searchDelay", drives.searchDelay.count()},
+            {"space", drives.space ? JSONValue(*drives.space) : JSONValue()}};
+}
+
 // What the member has to be; nullopt if it is valid.
 std::optional<std::string> readSetting(SandboxSettings& settings, const std::string& key,
                                        const JSONValue& value) {
@@ -66,6 +104,9 @@ std::optional<std::string> readSetting(SandboxSettings& settings, const std::str
     if (key == "publishedLimits") {
         settings.publishedLimits = value.asBool().value_or(false);
         return value.asBool() ? std::nullopt : std::optional<std::string>("true or false");
+    }
+    if (key == "drives") {
+        return readDrives(settings.drives, value);
     }
     return "left out; there is no such setting";
 }
@@ -195,7 +236,8 @@ JSONValue ControlAPI::state() const {
                          {"attachmentLimit",
                           settings.attachmentLimit ? JSONValue(*settings.attachmentLimit) : JSONValue()},
                          {"additionalTargets", settings.additionalTargets},
-                         {"publishedLimits", settings.publishedLimits}});
+                         {"publishedLimits", settings.publishedLimits},
+                         {"drives", drivesJSON(settings.drives)}});
     state.set("requests", log_.lastNumber());
     addFigures_(state);
     return state;

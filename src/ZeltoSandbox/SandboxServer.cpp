@@ -67,7 +67,7 @@ class SandboxServer::State {
   public:
     explicit State(const SandboxOptions& options)
         : space_(std::make_shared<SpoolSpace>(options.maximumDiskUse)), log(options.keptRequests),
-          dispatcher(options, log),
+          dispatcher(options, log, space_),
           control(dispatcher, log, [this](JSONObject& state) { addFigures(state); }) {}
 
     Result<void, std::string> start(const SandboxOptions& options) {
@@ -229,6 +229,10 @@ void SandboxServer::setAttachmentLimit(std::optional<std::uint64_t> bytes) {
 
 void SandboxServer::setAdditionalTargets(std::size_t count) {
     state_->dispatcher.changeSettings([&](SandboxSettings& settings) { settings.additionalTargets = count; });
+}
+
+void SandboxServer::setDrives(SandboxDrives drives) {
+    state_->dispatcher.changeSettings([&](SandboxSettings& settings) { settings.drives = drives; });
 }
 
 std::optional<SandboxTokens> SandboxServer::issueTokens(std::string_view service) {

@@ -3,6 +3,7 @@
 #include <Platform/JSON/JSONValue.h>
 #include <Platform/Result.h>
 #include <Platform/URL.h>
+#include <ZeltoSandbox/SandboxDrives.h>
 #include <ZeltoSandbox/SandboxFault.h>
 #include <ZeltoSandbox/SandboxOptions.h>
 #include <ZeltoSandbox/SandboxRecord.h>
@@ -68,6 +69,7 @@ class SandboxServer {
     void setAttachmentLimit(std::optional<std::uint64_t> bytes);
     // Demo targets beside the usual ones, where the service's page in docs/services names them.
     void setAdditionalTargets(std::size_t count);
+    void setDrives(SandboxDrives drives);
 
     // Tokens as after a sign-in, for any client. The service by its name in any case: "Trello". nullopt for a
     // service without tokens.

@@ -5,6 +5,7 @@
 #include <ZeltoSandbox/HTTP/SandboxRequest.h>
 #include <ZeltoSandbox/HTTP/SandboxResponse.h>
 #include <ZeltoSandbox/OAuth/TokenStore.h>
+#include <ZeltoSandbox/SandboxDrives.h>
 #include <ZeltoSandbox/SandboxOptions.h>
 
 #include <cstdint>
@@ -25,6 +26,7 @@ struct SandboxSettings {
     std::optional<std::uint64_t> attachmentLimit; // bytes, instead of the plan's
     std::size_t additionalTargets = 0; // demo targets beside the usual ones, where a service has them
     bool publishedLimits = false;      // of requests, where a service takes less than clients were made for
+    SandboxDrives drives = {};
 };
 
 // What the services share; it outlives them.
@@ -32,6 +34,7 @@ struct SandboxContext {
     TokenStore tokens;
     FileStore files;
     SandboxSettings settings;
+    std::shared_ptr<SpoolSpace> space; // for what a service decodes
 };
 
 // The number of records a page, as a query has it; nullopt if it is not a number from `minimum` to `maximum`.

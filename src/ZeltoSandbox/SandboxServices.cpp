@@ -1,6 +1,8 @@
 #include <ZeltoSandbox/SandboxService.h>
 
 #include <ZeltoSandbox/Asana/AsanaSandbox.h>
+#include <ZeltoSandbox/Dropbox/DropboxSandbox.h>
+#include <ZeltoSandbox/GoogleDrive/GoogleDriveSandbox.h>
 #include <ZeltoSandbox/Notion/NotionSandbox.h>
 #include <ZeltoSandbox/OneNote/OneNoteSandbox.h>
 #include <ZeltoSandbox/PlainService.h>
@@ -23,8 +25,8 @@ const auto& rows = neverDestroyed(std::vector<SandboxServiceRow>{
     {"Notion", {"api.notion.com"}, NotionSandbox::make},
     {"OneNote", {"graph.microsoft.com"}, OneNoteSandbox::make},
     {"MicrosoftTeams", {"graph.microsoft.com"}, PlainService::make},
-    {"Dropbox", {"api.dropboxapi.com", "content.dropboxapi.com"}, PlainService::make},
-    {"GoogleDrive", {"www.googleapis.com"}, PlainService::make},
+    {"Dropbox", {"api.dropboxapi.com", "content.dropboxapi.com"}, DropboxSandbox::make},
+    {"GoogleDrive", {"www.googleapis.com"}, GoogleDriveSandbox::make},
     {"Slack", {"slack.com"}, PlainService::make},
     {"Hubspot", {"api.hubapi.com"}, PlainService::make},
     {"Zoom", {"api.zoom.us"}, PlainService::make},

@@ -35,8 +35,10 @@ std::optional<std::string_view> serviceNamed(std::string_view name) {
 
 } // namespace
 
-ServiceDispatcher::ServiceDispatcher(const SandboxOptions& options, RequestLog& log)
-    : log_(log), firstSettings_{.consent = options.consent}, context_{.settings = firstSettings_},
+ServiceDispatcher::ServiceDispatcher(const SandboxOptions& options, RequestLog& log,
+                                     std::shared_ptr<SpoolSpace> space)
+    : log_(log), firstSettings_{.consent = options.consent}, context_{.settings = firstSettings_,
+                                                                      .space = std::move(space)},
       clients_(options.clients), oauth1_(context_, clients_), oauth2_(context_, clients_) {
     for (const auto& row : sandboxServices()) {
         services_.push_back({&row, row.make(context_, row)});

@@ -20,7 +20,7 @@ namespace zelto::sandbox {
 // All services and their state. Any thread; the services are called one at a time.
 class ServiceDispatcher {
   public:
-    ServiceDispatcher(const SandboxOptions& options, RequestLog& log);
+    ServiceDispatcher(const SandboxOptions& options, RequestLog& log, std::shared_ptr<SpoolSpace> space);
 
     // Passes a request to its service and records it.
     PlannedResponse respond(const SandboxRequest& request);

@@ -254,6 +254,20 @@ TEST_F(ControlAPITest, GivesTokensAndState) {
     EXPECT_EQ(caller.control("settings", R"({"additionalTargets":-1})").status, 400);
     EXPECT_EQ(caller.control("settings", R"({"additionalTargets":1000})").status, 204);
     EXPECT_EQ(caller.server->state().find("settings")->find("additionalTargets")->asInt64(), 1000);
+    EXPECT_EQ(caller.control("settings", R"({"drives":{"additionalFiles":20000,"space":7}})").status, 204);
+    EXPECT_EQ(caller.control("settings", R"({"drives":{"searchDelay":1.5,"additionalFolders":3}})").status,
+              204);
+    EXPECT_EQ(caller.server->state().find("settings")->find("drives")->text().value_or(""),
+              R"({"additionalFolders":3,"additionalFiles":20000,"searchDelay":1.5,"space":7})");
+    EXPECT_EQ(caller.control("settings", R"({"drives":{"additionalFiles":20001}})").text("error"),
+              "\"drives\" has to be an object in which \"additionalFiles\" is a number from 0 to 20000.");
+    EXPECT_EQ(caller.control("settings", R"({"drives":{"searchDelay":-1}})").text("error"),
+              "\"drives\" has to be an object in which \"searchDelay\" is a number of seconds.");
+    EXPECT_EQ(caller.control("settings", R"({"drives":{"space":"7"}})").text("error"),
+              "\"drives\" has to be an object in which \"space\" is a number of bytes, or null.");
+    EXPECT_EQ(caller.control("settings", R"({"drives":{"files":1}})").text("error"),
+              "\"drives\" has to be an object without \"files\".");
+    EXPECT_EQ(caller.control("settings", R"({"drives":1})").text("error"), "\"drives\" has to be an object.");
     EXPECT_EQ(caller.control("nothing", "{}").status, 404);
     EXPECT_EQ(caller.get(caller.ownHost(), "/control/nothing").status, 404);
 }

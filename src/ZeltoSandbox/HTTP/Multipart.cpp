@@ -60,9 +60,8 @@ class Search {
 };
 
 // "Name: value" lines, each ended by CRLF.
-Result<FormPart, std::string> partOf(std::string_view header) {
-    FormPart part{.name = {}, .fileName = {}, .contentType = "text/plain", .content = {}};
-    bool named = false;
+Result<std::vector<HTTPHeaderField>, std::string> fieldsOf(std::string_view header) {
+    std::vector<HTTPHeaderField> fields;
     while (!header.empty()) {
         const auto end = header.find("\r\n");
         const auto line = header.substr(0, end);
@@ -73,8 +72,16 @@ Result<FormPart, std::string> partOf(std::string_view header) {
             !isValidHeaderValue(line.substr(colon + 1)) || !isValidUTF8(line)) {
             return failure(std::string("a part has a header line that is none"));
         }
-        const auto name = line.substr(0, colon);
-        const auto value = line.substr(colon + 1);
+        fields.push_back(
+            {std::string(line.substr(0, colon)), std::string(trimmedBlanks(line.substr(colon + 1)))});
+    }
+    return fields;
+}
+
+Result<FormPart, std::string> formPartOf(const BodyPart& whole) {
+    FormPart part{.name = {}, .fileName = {}, .contentType = "text/plain", .content = whole.content};
+    bool named = false;
+    for (const auto& [name, value] : whole.fields) {
         if (equalIgnoringASCIICase(name, "Content-Type")) {
             part.contentType = mediaTypeOf(value);
         } else if (equalIgnoringASCIICase(name, "Content-Disposition")) {
@@ -94,25 +101,26 @@ Result<FormPart, std::string> partOf(std::string_view header) {
     return part;
 }
 
-} // namespace
-
-Result<std::vector<FormPart>, std::string> parseMultipart(const SpoolRange& body, std::string_view boundary) {
+Result<std::vector<BodyPart>, std::string> partsOf(const SpoolRange& body, std::string_view boundary,
+                                                   bool mayBeginWithLineEnd) {
     if (boundary.empty() || boundary.size() > maximumBoundary) {
         return failure(std::string("the boundary has not 1 to 70 characters"));
     }
     const auto delimiter = "\r\n--" + std::string(boundary);
     Search search(body);
-    if (search.text(0, std::min<std::uint64_t>(body.size, delimiter.size() - 2)) != delimiter.substr(2)) {
+    const auto start = search.text(0, std::min<std::uint64_t>(body.size, delimiter.size()));
+    const std::uint64_t lineEnd = mayBeginWithLineEnd && start == delimiter ? 2 : 0;
+    if (lineEnd == 0 && !start.starts_with(std::string_view(delimiter).substr(2))) {
         return failure(std::string("the body does not begin with the boundary"));
     }
-    std::vector<FormPart> parts;
-    auto position = static_cast<std::uint64_t>(delimiter.size() - 2);
+    std::vector<BodyPart> parts;
+    auto position = delimiter.size() - 2 + lineEnd;
     for (;;) {
         const auto mark = search.text(position, std::min(body.size, position + 2));
         if (mark == "--") {
             const auto rest = search.text(position + 2, std::min(body.size, position + 5));
             return rest.empty() || rest == "\r\n"
-                       ? Result<std::vector<FormPart>, std::string>(std::move(parts))
+                       ? Result<std::vector<BodyPart>, std::string>(std::move(parts))
                        : failure(std::string("something stands behind the last boundary"));
         }
         if (mark != "\r\n") {
@@ -125,19 +133,48 @@ Result<std::vector<FormPart>, std::string> parseMultipart(const SpoolRange& body
         if (!headerEnd || *headerEnd - position > maximumPartHeader) {
             return failure(std::string("a part's header does not end"));
         }
-        auto part = partOf(*headerEnd == position ? std::string() : search.text(position + 2, *headerEnd));
-        if (!part) {
-            return failure(part.error());
+        const auto header = *headerEnd == position ? std::string() : search.text(position + 2, *headerEnd);
+        auto fields = fieldsOf(header);
+        if (!fields) {
+            return failure(fields.error());
         }
         const auto contentStart = *headerEnd + 4;
         const auto contentEnd = search.find(delimiter, contentStart);
         if (!contentEnd) {
             return failure(std::string("the last boundary is missing"));
         }
-        part->content = {body.bytes, body.offset + contentStart, *contentEnd - contentStart};
-        parts.push_back(std::move(*part));
+        parts.push_back(
+            {*std::move(fields), {body.bytes, body.offset + contentStart, *contentEnd - contentStart}});
         position = *contentEnd + delimiter.size();
     }
+}
+
+} // namespace
+
+const std::string* BodyPart::field(std::string_view name) const {
+    const auto found = std::ranges::find_if(
+        fields, [&](const HTTPHeaderField& each) { return equalIgnoringASCIICase(each.name, name); });
+    return found == fields.end() ? nullptr : &found->value;
+}
+
+Result<std::vector<BodyPart>, std::string> parseRelated(const SpoolRange& body, std::string_view boundary) {
+    return partsOf(body, boundary, true);
+}
+
+Result<std::vector<FormPart>, std::string> parseMultipart(const SpoolRange& body, std::string_view boundary) {
+    const auto parts = partsOf(body, boundary, false);
+    if (!parts) {
+        return failure(parts.error());
+    }
+    std::vector<FormPart> form;
+    for (const auto& part : *parts) {
+        auto ofForm = formPartOf(part);
+        if (!ofForm) {
+            return failure(ofForm.error());
+        }
+        form.push_back(*std::move(ofForm));
+    }
+    return form;
 }
 
 } // namespace zelto::sandbox

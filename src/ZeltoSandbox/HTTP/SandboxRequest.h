@@ -67,6 +67,19 @@ std::optional<std::string> headerParameter(std::string_view value, std::string_v
 // "Multipart/Form-Data; boundary=x": "multipart/form-data".
 std::string mediaTypeOf(std::string_view contentType);
 
+// One part of a multipart body of any kind.
+struct BodyPart {
+    std::vector<HTTPHeaderField> fields;
+    SpoolRange content;
+
+    // The first one of that name.
+    const std::string* field(std::string_view name) const;
+};
+
+// The parts of a multipart/related body, strictly by RFC 2046; a line end may stand before the first
+// boundary. The text of an error says what is wrong.
+Result<std::vector<BodyPart>, std::string> parseRelated(const SpoolRange& body, std::string_view boundary);
+
 // The parts of a form by RFC 7578 and RFC 2046, strictly: the boundary comes first, every part has a name,
 // headers end in CRLF, nothing is missing. The text of an error says what is wrong.
 Result<std::vector<FormPart>, std::string> parseMultipart(const SpoolRange& body, std::string_view boundary);
