@@ -65,6 +65,18 @@ class HostileMail(Case):
             self.sandbox.add_asana_task(token, text[:12_000], text, [(text[:200] + ".txt", "text/plain", b"harmless")])
         self.assertShownAsText()
 
+    def test_no_name_or_content_on_a_drive_runs_or_breaks_the_layout(self):
+        token = self.sandbox.token("GoogleDrive")
+        for text in hostile_texts(self.trap):
+            self.sandbox.drive_upload(token, text[:12_000], "text/html", text.encode())
+        self.show()
+        self.tab.wait("document.querySelectorAll('.of-googledrive .revisions').length >= 18")
+        for number in range(self.tab.run("document.querySelectorAll('.of-googledrive td a').length")):
+            opened = self.browser.new_tab()
+            opened.open(self.tab.run(f"document.querySelectorAll('.of-googledrive td a')[{number}].href"))
+            self.assertEqual(opened.run("document.contentType"), "text/plain")
+        self.assertShownAsText()
+
     def test_no_text_of_a_todoist_task_runs_or_breaks_the_layout(self):
         token = self.sandbox.token("Todoist")
         for text in hostile_texts(self.trap):

@@ -1,5 +1,6 @@
 """What people see of the sandbox in a browser."""
 
+import json
 import os
 
 from browser_case import Case
@@ -24,7 +25,8 @@ class Page(Case):
     def test_every_file_of_the_page_comes_with_the_strict_policy(self):
         self.show()
         for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/columns.js", "/requests.js", "/asana.js", "/notion.js",
-                     "/notion.css", "/onenote.js", "/onenote.css", "/todoist.js", "/todoist.css", "/trello.js"):
+                     "/notion.css", "/onenote.js", "/onenote.css", "/drives.js",
+                     "/drives.css", "/dropbox.js", "/googledrive.js", "/todoist.js", "/todoist.css", "/trello.js"):
             names = ["content-security-policy", "x-content-type-options", "cache-control"]
             fields = self.tab.run(f"fetch('{path}').then((response) => {names}.map((name) => response.headers.get(name)))")
             self.assertEqual(fields, [POLICY, "nosniff", "no-store"], path)
@@ -222,6 +224,81 @@ class Page(Case):
         self.assertEqual(page.run(f"getComputedStyle({link}.parentElement).fontSize"), "32px")
         self.assertEqual(page.run("window.origin"), "null")
         self.assertNothingRan()
+
+    # Of the table of a drive.
+    NAMES = "Array.from(document.querySelectorAll('.of-{} td:first-child > :is(a, bdi, button)'), (each) => each.innerText)"
+
+    def click_button(self, name):
+        self.tab.click("Array.from(document.querySelectorAll('#made button')).find("
+                       f"(each) => each.innerText === {json.dumps(name)})")
+
+    def test_a_drive_is_a_browser_of_its_files(self):
+        self.show()
+        self.sandbox.drive_files(self.sandbox.token("GoogleDrive"), "trashed = false")
+        names = self.NAMES.format("googledrive")
+        self.tab.wait(f"{names}.length === 5")
+        self.assertEqual(self.tab.run(names), ["Büro & Zuhause 🏡", "Drafts of last year", "Empty", "Projects", "Read me.txt"])
+        self.assertIn("Nothing has been exported yet", self.tab.run("document.body.innerText"))
+        self.click_button("Projects")
+        self.assertEqual(self.tab.run(names), ["Lighthouse", "図書館", "Minutes", "Old plan.txt", "Report.txt", "Report.txt",
+                                               "Robin's \\ notes.txt"])
+        section = "document.querySelector('.of-googledrive').innerText"
+        for text in ("in the trash", "application/vnd.google-apps.document", "2 items", "22 bytes", "robin@sandbox.example"):
+            self.assertIn(text, self.tab.run(section))
+        self.click_button("Lighthouse")
+        self.assertEqual(self.tab.run("document.querySelector('.of-googledrive .crumbs').innerText.split(/\\s*›?\\n/)"),
+                         ["All files", "Projects", "Lighthouse"])
+        link = "Array.from(document.querySelectorAll('.of-googledrive a')).find((each) => each.innerText.includes({!r}))"
+        pdf = self.browser.tab_opened_by(lambda: self.tab.click(link.format("Plan.pdf")))
+        wait_for("the viewer", lambda: any(response["url"].startswith("chrome-extension://") for response in
+                                           list(pdf.responses.values())))
+        picture = self.browser.tab_opened_by(lambda: self.tab.click(link.format("Leuchtturm")))
+        picture.wait("document.querySelector('img')?.naturalHeight === 128")
+        self.click_button("All files")
+        self.click_button("Empty")
+        self.assertIn("This folder is empty", self.tab.run(section))
+        self.assertNothingRan()
+
+    def test_an_upload_opens_its_folder_and_shows_each_revision(self):
+        token = self.sandbox.token("Dropbox")
+        self.show()
+        self.sandbox.dropbox_upload(token, "/Mails/Kick-off.txt", b"first")
+        names = self.NAMES.format("dropbox")
+        self.tab.wait(f"{names}.join() === 'Kick-off.txt'")
+        self.assertTrue(self.tab.run("document.getElementById('nothing-made').hidden"))
+        self.assertEqual(self.tab.run("document.querySelectorAll('.of-dropbox .revisions-of').length"), 0)
+        self.sandbox.dropbox_upload(token, "/Mails/Kick-off.txt", b"second")
+        self.wait_for_text("2 revisions")
+        self.click_button("2 revisions")
+        links = "document.querySelectorAll('.of-dropbox .revisions:not([hidden]) a')"
+        self.assertEqual(self.tab.run(f"{links}.length"), 2)
+        first = self.browser.tab_opened_by(lambda: self.tab.click(f"{links}[1]"))
+        first.wait("document.body?.innerText === 'first'")
+        self.click_button("All files")
+        self.assertIn("Read me.txt", self.tab.run(names))
+        self.sandbox.dropbox_upload(token, "/Projects/Plan.html", b"<p>Plan</p>")
+        self.tab.wait(f"{names}.includes('Plan.html')")
+        self.assertIn("newest", self.tab.run("document.querySelector('.of-dropbox .is-newest').innerText"))
+        self.assertNothingRan()
+
+    def test_html_on_a_drive_is_shown_as_text(self):
+        self.show()
+        self.sandbox.drive_files(self.sandbox.token("GoogleDrive"), "trashed = false")
+        self.wait_for_text("Büro & Zuhause")
+        self.click_button("Büro & Zuhause 🏡")
+        text = self.browser.tab_opened_by(lambda: self.tab.click("document.querySelectorAll('.of-googledrive td a')[1]"))
+        text.wait("document.body?.innerText.includes('<script>document.body.append')")
+        self.assertEqual(text.run("document.contentType"), "text/plain")
+        self.assertNothingRan()
+
+    def test_many_files_of_a_drive_are_counted(self):
+        self.sandbox.control("settings", drives={"additionalFiles": 10_000})
+        self.sandbox.drive_files(self.sandbox.token("GoogleDrive"), "trashed = false")
+        self.show()
+        self.wait_for_text("10,000 items")
+        self.click_button("Additional files")
+        self.wait_for_text("and 9,800 more")
+        self.assertEqual(self.tab.run(f"{self.NAMES.format('googledrive')}.length"), 200)
 
     def test_an_attached_address_is_shown_with_its_link(self):
         token = self.sandbox.token()

@@ -1,5 +1,6 @@
 """A running `zelto sandbox`, the commands that use it, and requests to the services that it stands in for."""
 
+import base64
 import html
 import http.client
 import json
@@ -140,6 +141,23 @@ class Sandbox:
                         for name, media_type, data in parts)
         return onenote("POST", f"sections/{section}/pages", form + f"--{BORDER}--\r\n".encode(),
                        Content_Type=FILE_FORM)["id"]
+
+    def dropbox_upload(self, token, path, data):
+        argument = json.dumps({"path": path, "mode": "overwrite", "autorename": False, "mute": False})
+        return self.ask("POST", "content.dropboxapi.com", "/2/files/upload", data, Authorization=f"Bearer {token}",
+                        Content_Type="application/octet-stream", Dropbox_API_Arg=argument)["id"]
+
+    def drive_files(self, token, query):
+        target = "/drive/v3/files?" + urllib.parse.urlencode({"q": query})
+        return self.ask("GET", "www.googleapis.com", target, Authorization=f"Bearer {token}")["files"]
+
+    def drive_upload(self, token, name, media_type, data, folder="root"):
+        metadata = json.dumps({"name": name, "mimeType": media_type, "parents": [folder]})
+        body = (f"\r\n--{BORDER}\r\nContent-Type: application/json; charset=UTF-8\r\n\r\n{metadata}"
+                f"\r\n--{BORDER}\r\nContent-Type: {media_type}\r\nContent-Transfer-Encoding: base64\r\n\r\n"
+                f"{base64.b64encode(data).decode()}\r\n--{BORDER}--")
+        return self.ask("POST", "www.googleapis.com", "/upload/drive/v3/files?uploadType=multipart", body.encode(),
+                        Authorization=f"Bearer {token}", Content_Type=f"multipart/related; boundary={BORDER}")["id"]
 
     def todoist(self, path, token, body, media_type="application/json"):
         return self.ask("POST", "api.todoist.com", f"/api/v1/{path}", body, Authorization=f"Bearer {token}",
