@@ -18,6 +18,7 @@ constexpr std::string_view mask = "***";
 constexpr std::size_t maximumShownBody = 8192;
 constexpr std::size_t maximumShownField = 4096;
 constexpr std::size_t maximumReadBody = std::size_t{256} << 10;
+constexpr std::size_t maximumRelatedBody = std::size_t{64} << 20; // whose parts are searched
 
 // In lower case, without "_" and "-".
 constexpr std::array<std::string_view, 13> secretNames = {
@@ -132,6 +133,24 @@ std::string cut(std::string text, std::size_t limit) {
     return text;
 }
 
+// The parts of an upload: their kinds and sizes, and JSON as it stands. Empty for a broken one.
+std::string relatedText(const SandboxRequest& request) {
+    const auto* type = request.head.field("Content-Type");
+    const auto parts = parseRelated(SpoolRange::all(request.body),
+                                    headerParameter(type ? *type : std::string(), "boundary").value_or(""));
+    std::string text;
+    for (const auto& part : parts.value_or(std::vector<BodyPart>())) {
+        const auto* partType = part.field("Content-Type");
+        text += withoutOwnSecrets(repairedUTF8(partType ? *partType : std::string("(no Content-Type)"))) +
+                ", " + std::to_string(part.content.size) + " bytes\n";
+        const bool isJSON = partType && mediaTypeOf(*partType) == "application/json";
+        if (const auto json = JSONValue::parse(isJSON ? part.content.text(maximumReadBody) : std::string())) {
+            text += maskedJSON(*json).text(2).value_or("") + "\n";
+        }
+    }
+    return text;
+}
+
 std::string partsText(const std::vector<FormPart>& parts) {
     std::string text;
     for (const auto& part : parts) {
@@ -186,6 +205,9 @@ std::string shownBody(const SandboxRequest& request) {
         return cut(repairedUTF8(partsText(request.parts)), maximumShownBody);
     }
     const auto& type = request.contentType;
+    if (type == "multipart/related" && request.body->size() <= maximumRelatedBody) {
+        return cut(relatedText(request), maximumShownBody);
+    }
     const bool isJSON = type == "application/json" || type.ends_with("+json");
     if (!isJSON && !type.starts_with("text/") && type != "application/x-www-form-urlencoded") {
         return {};

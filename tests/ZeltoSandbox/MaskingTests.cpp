@@ -70,6 +70,23 @@ TEST(SandboxMasking, HidesCredentialsInBodies) {
     EXPECT_LT(shownOf("text/plain", std::string(100'000, 'x')).size(), 9000U);
 }
 
+TEST(SandboxMasking, ShowsThePartsOfAnUploadWithItsMetadata) {
+    SandboxRequest request;
+    request.head.fields = {{"Content-Type", "multipart/related; boundary=B"}};
+    request.contentType = "multipart/related";
+    const auto shown = [&](const std::string& body) {
+        request.body = std::make_shared<SpooledBytes>(body);
+        return shownBody(request);
+    };
+    EXPECT_EQ(shown("\r\n--B\r\nContent-Type: application/json; charset=UTF-8\r\n\r\n"
+                    "{\"name\":\"zsb_secret\",\"token\":\"x\"}\r\n--B\r\nContent-Type: text/plain\r\n\r\n"
+                    "content\r\n--B--"),
+              "application/json; charset=UTF-8, 33 bytes\n{\n  \"name\": \"***\",\n  \"token\": \"***\"\n}\n"
+              "text/plain, 7 bytes\n");
+    EXPECT_EQ(shown("--B\r\n\r\nx\r\n--B--"), "(no Content-Type), 1 bytes\n");
+    EXPECT_EQ(shown("--B\r\n\r\nx"), "");
+}
+
 TEST(SandboxMasking, ShowsNoSecretOfAWholeSignIn) {
     const SandboxCaller caller;
     const auto tokens = caller.server->issueTokens("Zoom");

@@ -1,7 +1,6 @@
 #include <ZeltoSandbox/GoogleDrive/GoogleDriveUpload.h>
 
 #include <Platform/ASCII.h>
-#include <Platform/Base64.h>
 #include <Platform/JSON/JSONValue.h>
 
 #include <algorithm>
@@ -26,61 +25,82 @@ GoogleError badContent(const std::string& detail) {
     return badRequest("Malformed multipart body: " + detail + ".");
 }
 
+constexpr std::uint8_t notBase64 = 64;
+constexpr std::uint8_t lineBreak = 65;
+constexpr std::uint8_t padding = 66;
+
+// What each character stands for: a number below 64, or one of the above.
+constexpr auto base64Values = [] {
+    constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::array<std::uint8_t, 256> values{};
+    values.fill(notBase64);
+    for (std::size_t i = 0; i < alphabet.size(); ++i) {
+        values[static_cast<unsigned char>(alphabet[i])] = static_cast<std::uint8_t>(i);
+    }
+    values['\r'] = values['\n'] = lineBreak;
+    values['='] = padding;
+    return values;
+}();
+
 // Reads Base64 piece by piece, strictly: line breaks alone may stand between its characters, which are a
-// multiple of four with their padding.
+// multiple of four with their padding. A whole gigabyte may come, so it looks at each character once.
 class Base64Decoder {
   public:
-    explicit Base64Decoder(std::shared_ptr<SpoolSpace> space) : writer_(std::move(space)) {}
-
-    // What is wrong; nullopt if nothing is.
-    std::optional<GoogleError> put(std::string_view text) {
+    // Appends to `bytes` what the text stands for; false if it is no Base64.
+    bool put(std::string_view text, std::string& bytes) {
         for (const char c : text) {
-            const bool isPadding = c == '=';
-            if (c == '\r' || c == '\n') {
+            const auto value = base64Values[static_cast<unsigned char>(c)];
+            if (value == lineBreak) {
                 continue;
             }
-            if ((!isASCIIAlphanumeric(c) && c != '+' && c != '/' && !isPadding) || (padded_ && !isPadding)) {
-                return badContent("the second part is not Base64");
+            const bool isPadding = value == padding;
+            if (value == notBase64 || (isPadding ? count_ < 2 : padding_ > 0)) {
+                return false;
             }
-            padded_ = padded_ || isPadding;
-            waiting_.push_back(c);
+            padding_ += isPadding ? 1 : 0;
+            bits_ = bits_ << 6 | (isPadding ? 0U : value);
+            if (++count_ == 4) {
+                const char group[] = {static_cast<char>(bits_ >> 16), static_cast<char>(bits_ >> 8),
+                                      static_cast<char>(bits_)};
+                bytes.append(group, 3 - padding_);
+                count_ = 0;
+            }
         }
-        const auto whole = waiting_.size() - waiting_.size() % 4;
-        const auto bytes = base64Decoded(std::string_view(waiting_).substr(0, whole));
-        if (!bytes) {
-            return badContent("the second part is not Base64");
-        }
-        waiting_.erase(0, whole);
-        return writer_.append(*bytes) ? std::nullopt : std::optional(GoogleError::ofStatus(507));
+        return true;
     }
 
-    Result<SpoolRange, GoogleError> finish() {
-        if (!waiting_.empty()) {
-            return failure(badContent("the Base64 of the second part does not end"));
-        }
-        return SpoolRange::all(writer_.finish());
-    }
+    bool isWhole() const { return count_ == 0; }
 
   private:
-    SpoolWriter writer_;
-    std::string waiting_;
-    bool padded_ = false;
+    std::uint32_t bits_ = 0;
+    std::size_t count_ = 0; // characters of the present group of four
+    std::size_t padding_ = 0;
 };
 
 Result<SpoolRange, GoogleError> decoded(const SpoolRange& text, std::shared_ptr<SpoolSpace> space) {
-    Base64Decoder decoder(std::move(space));
-    std::string piece(std::size_t{256} << 10, '\0');
+    constexpr std::size_t pieceSize = std::size_t{256} << 10;
+    Base64Decoder decoder;
+    SpoolWriter writer(std::move(space));
+    std::string piece(pieceSize, '\0');
+    std::string bytes;
     for (std::uint64_t position = 0; position < text.size;) {
         const auto count = text.read(position, piece);
         if (count == 0) {
             return failure(GoogleError::ofStatus(500));
         }
-        if (auto problem = decoder.put(std::string_view(piece).substr(0, count))) {
-            return failure(*std::move(problem));
+        bytes.clear();
+        if (!decoder.put(std::string_view(piece).substr(0, count), bytes)) {
+            return failure(badContent("the second part is not Base64"));
+        }
+        if (!writer.append(bytes)) {
+            return failure(GoogleError::ofStatus(507));
         }
         position += count;
     }
-    return decoder.finish();
+    if (!decoder.isWhole()) {
+        return failure(badContent("the Base64 of the second part does not end"));
+    }
+    return SpoolRange::all(writer.finish());
 }
 
 Result<SpoolRange, GoogleError> contentOf(const BodyPart& part, std::shared_ptr<SpoolSpace> space) {

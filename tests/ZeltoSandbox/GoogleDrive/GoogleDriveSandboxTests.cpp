@@ -369,6 +369,21 @@ TEST_F(GoogleDriveSandboxTest, ChecksBothPartsOfAnUpload) {
     EXPECT_EQ(found("name = 'Untitled'").size(), 3U);
 }
 
+TEST_F(GoogleDriveSandboxTest, DecodesALongFileInLinesToItsLastByte) {
+    std::string bytes;
+    for (std::uint32_t i = 0; bytes.size() < 1'000'001; ++i) {
+        bytes.push_back(static_cast<char>(i * 2654435761U >> 24));
+    }
+    const auto text = base64Encoded(bytes);
+    std::string lines;
+    for (std::size_t i = 0; i < text.size(); i += 76) {
+        lines += text.substr(i, 76) + "\r\n";
+    }
+    const auto made = create({"{}", "application/octet-stream", lines, "base64", false});
+    ASSERT_EQ(made.status, 200) << made.body.substr(0, 500);
+    EXPECT_TRUE(content(made.text("id")) == bytes);
+}
+
 TEST_F(GoogleDriveSandboxTest, ChecksTheMetadataOfAnUpload) {
     EXPECT_EQ(refusal(create({"{"})), "400 parseError Parse Error");
     EXPECT_EQ(refusal(create({"[]"})), "400 parseError Parse Error");
