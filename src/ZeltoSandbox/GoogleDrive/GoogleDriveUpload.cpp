@@ -1,5 +1,7 @@
 #include <ZeltoSandbox/GoogleDrive/GoogleDriveUpload.h>
 
+#include <ZeltoSandbox/GoogleDrive/Base64Decoder.h>
+
 #include <Platform/ASCII.h>
 #include <Platform/JSON/JSONValue.h>
 
@@ -24,58 +26,6 @@ GoogleError badRequest(std::string message) {
 GoogleError badContent(const std::string& detail) {
     return badRequest("Malformed multipart body: " + detail + ".");
 }
-
-constexpr std::uint8_t notBase64 = 64;
-constexpr std::uint8_t lineBreak = 65;
-constexpr std::uint8_t padding = 66;
-
-// What each character stands for: a number below 64, or one of the above.
-constexpr auto base64Values = [] {
-    constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    std::array<std::uint8_t, 256> values{};
-    values.fill(notBase64);
-    for (std::size_t i = 0; i < alphabet.size(); ++i) {
-        values[static_cast<unsigned char>(alphabet[i])] = static_cast<std::uint8_t>(i);
-    }
-    values['\r'] = values['\n'] = lineBreak;
-    values['='] = padding;
-    return values;
-}();
-
-// Reads Base64 piece by piece, strictly: line breaks alone may stand between its characters, which are a
-// multiple of four with their padding. A whole gigabyte may come, so it looks at each character once.
-class Base64Decoder {
-  public:
-    // Appends to `bytes` what the text stands for; false if it is no Base64.
-    bool put(std::string_view text, std::string& bytes) {
-        for (const char c : text) {
-            const auto value = base64Values[static_cast<unsigned char>(c)];
-            if (value == lineBreak) {
-                continue;
-            }
-            const bool isPadding = value == padding;
-            if (value == notBase64 || (isPadding ? count_ < 2 : padding_ > 0)) {
-                return false;
-            }
-            padding_ += isPadding ? 1 : 0;
-            bits_ = bits_ << 6 | (isPadding ? 0U : value);
-            if (++count_ == 4) {
-                const char group[] = {static_cast<char>(bits_ >> 16), static_cast<char>(bits_ >> 8),
-                                      static_cast<char>(bits_)};
-                bytes.append(group, 3 - padding_);
-                count_ = 0;
-            }
-        }
-        return true;
-    }
-
-    bool isWhole() const { return count_ == 0; }
-
-  private:
-    std::uint32_t bits_ = 0;
-    std::size_t count_ = 0; // characters of the present group of four
-    std::size_t padding_ = 0;
-};
 
 Result<SpoolRange, GoogleError> decoded(const SpoolRange& text, std::shared_ptr<SpoolSpace> space) {
     constexpr std::size_t pieceSize = std::size_t{256} << 10;
