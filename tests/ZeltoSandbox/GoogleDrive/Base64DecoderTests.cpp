@@ -37,8 +37,8 @@ TEST(Base64DecoderTest, DecodesEveryLengthInPiecesOfEveryLength) {
 TEST(Base64DecoderTest, SkipsLineBreaksAlone) {
     for (std::size_t piece = 1; piece < 20; ++piece) {
         EXPECT_EQ(decoded("\r\nYW\r\nJjZA\n=\n=\r\n", piece), "abcd") << piece;
-        for (const auto* wrong : {"YWJj ZA==", "YWJj\tZA==", "YWJjZA=", "YWJjZA", "YWJjZ", "YWJjZ===", "====",
-                                  "YQ==YQ==", "YQ=A", "Y-_j", "YWJj\xC3\xA4", "YWJj!"}) {
+        for (const auto* wrong : {"YWJj ZA==", "YWJj\tZA==", "YWJjZA=", "YWJjZA", "YWJjZ",
+                                  "YWJjZ===", "====", "YQ==YQ==", "YQ=A", "Y-_j", "YWJj\xC3\xA4", "YWJj!"}) {
             EXPECT_EQ(decoded(wrong, piece), "(none)") << wrong << " in pieces of " << piece;
         }
     }
