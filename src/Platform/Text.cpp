@@ -327,6 +327,13 @@ std::size_t codePointCount(std::string_view text) {
     return sumOfUnits(text, [](char byte) { return isContinuation(byte) ? 0u : 1u; });
 }
 
+bool isLetterOrDigit(std::string_view character) {
+    std::size_t position = 0;
+    UChar32 first = U_SENTINEL;
+    U8_NEXT(character.data(), position, character.size(), first);
+    return first >= 0 && u_isalnum(first);
+}
+
 std::size_t decimalDigitCount(std::string_view text) {
     std::size_t count = 0;
     for (std::size_t position = 0; position < text.size();) {

@@ -35,6 +35,9 @@ std::size_t utf16Length(std::string_view text);
 // The length in code points. Each ill-formed piece counts as one.
 std::size_t codePointCount(std::string_view text);
 
+// Whether a character, which is not empty, begins with a letter or a decimal digit, of any script.
+bool isLetterOrDigit(std::string_view character);
+
 // How many characters of the text are decimal digits, of any script.
 std::size_t decimalDigitCount(std::string_view text);
 
