@@ -25,6 +25,16 @@ URL urlOf(std::string_view apiBaseURL, std::string_view path, const ServiceReque
     return *std::move(url);
 }
 
+// Logs, under the function's name, that there is none.
+std::optional<HTTPBody> contentOf(const std::filesystem::path& file, std::string_view function) {
+    HTTPBody content;
+    if (!content.appendFile(file)) {
+        Logger::shared().error("Failed to uploadFile - no file on path", function);
+        return std::nullopt;
+    }
+    return content;
+}
+
 } // namespace
 
 ServiceRequest::ServiceRequest(std::string method, std::string_view apiBaseURL, std::string_view path,
@@ -52,17 +62,38 @@ ServiceRequest&& ServiceRequest::upload(std::filesystem::path file, Parameters p
                                         std::string fieldName, std::string_view function) && {
     addBody_ = [file = std::move(file), parameters = std::move(parameters), fieldName = std::move(fieldName),
                 function](URLRequest& request) {
-        HTTPBody content;
-        if (!content.appendFile(file)) {
-            Logger::shared().error("Failed to uploadFile - no file on path", function);
+        auto content = contentOf(file, function);
+        if (!content) {
             return false;
         }
         const ExporterHelperMultipartData part{.name = fieldName,
                                                .dataId = file.filename().native(),
                                                .contentType = ExportServiceHelper::mimeType(file),
-                                               .data = std::move(content)};
+                                               .data = *std::move(content)};
         ExportServiceHelper::makeFilesUploadRequest(parameters, std::vector{part}, request);
         return true;
+    };
+    return std::move(*this);
+}
+
+ServiceRequest&& ServiceRequest::content(std::filesystem::path file, std::string_view function) && {
+    addBody_ = [file = std::move(file), function](URLRequest& request) {
+        request.body = contentOf(file, function);
+        return request.body.has_value();
+    };
+    return std::move(*this);
+}
+
+ServiceRequest&& ServiceRequest::driveUpload(std::filesystem::path file, std::string fileName,
+                                             std::optional<std::string> parentId,
+                                             std::string_view function) && {
+    addBody_ = [file = std::move(file), fileName = std::move(fileName), parentId = std::move(parentId),
+                function](URLRequest& request) {
+        if (!contentOf(file, function)) {
+            return false;
+        }
+        ExportServiceHelper::makeDriveFileUploadRequest(file, fileName, parentId, request);
+        return request.body.has_value(); // not for a name that is not UTF-8
     };
     return std::move(*this);
 }

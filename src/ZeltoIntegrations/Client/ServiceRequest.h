@@ -50,6 +50,15 @@ class ServiceRequest {
                             std::string fieldName = "file",
                             std::string_view function = "uploadFile(fromPath:completion:)") &&;
 
+    // A body of the file's bytes, without a header. The file is opened, and a missing one treated, as by
+    // `upload`.
+    ServiceRequest&& content(std::filesystem::path file, std::string_view function) &&;
+
+    // A drive's multipart upload of the file, with its "Content-Type": its metadata, with the parent where
+    // there is one, and its content in Base64. The file is opened, and a missing one treated, as by `upload`.
+    ServiceRequest&& driveUpload(std::filesystem::path file, std::string fileName,
+                                 std::optional<std::string> parentId, std::string_view function) &&;
+
     // A multipart form of these parts with its "Content-Type".
     ServiceRequest&& parts(const std::vector<ExporterHelperMultipartData>& parts) &&;
 
