@@ -31,7 +31,7 @@ struct ExportReport {
         std::string name;
         ServiceClientError reason;
         std::string words = {};      // the service's own of why, cleaned and cut; empty where it says nothing
-        bool nothingWasSent = false; // the service could not be reached at all
+        bool nothingWasSent = false; // for want of a connection: the service has nothing of it
         // What is larger than the service takes: the bytes of the file, else of the request.
         std::optional<std::uint64_t> excessiveSize = {};
 

@@ -31,6 +31,17 @@ void ExportReportLog::refused(std::size_t place, ServiceClientError reason) {
     }
 }
 
+void ExportReportLog::refusedUnsent(std::string kind, std::string name, ServiceClientError reason) {
+    const std::lock_guard guard(lock_);
+    auto refusal = std::exchange(noted_, std::nullopt).value_or(ServiceRefusal());
+    refusal.nothingWasSent = refusal.nothingWasSent || reason == ServiceClientError::connectionError;
+    entries_.push_back({.kind = std::move(kind),
+                        .name = std::move(name),
+                        .fileSize = std::nullopt,
+                        .reason = reason,
+                        .refusal = std::move(refusal)});
+}
+
 void ExportReportLog::note(ServiceRefusal refusal) {
     const std::lock_guard guard(lock_);
     noted_ = std::move(refusal);

@@ -21,6 +21,9 @@ class ExportReportLog {
     void made(std::size_t place, std::optional<std::string> identifier);
     void refused(std::size_t place, ServiceClientError reason);
 
+    // A request that makes nothing has failed, and nothing was sent of what was to be made after it.
+    void refusedUnsent(std::string kind, std::string name, ServiceClientError reason);
+
     // What the service says of a refusal in its own words; for the request under way that is refused next.
     void note(ServiceRefusal refusal);
 

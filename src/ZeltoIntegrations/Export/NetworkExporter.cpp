@@ -64,6 +64,14 @@ void NetworkExporter::refuse(StepRun& run, std::size_t place, const Making& maki
     lvxLogWarn(std::string(making.warning) + std::string(nameOf(error)), making.function);
 }
 
+void NetworkExporter::refuseUnsent(StepRun& run, const Making& making, ServiceClientError error) {
+    // Cancelled before anything was to be made, it refuses nothing.
+    if (!run.isCancelled()) {
+        run.report().refusedUnsent(making.kind, making.name, error);
+    }
+    lvxLogWarn(std::string(making.warning) + std::string(nameOf(error)), making.function);
+}
+
 void NetworkExporter::refuse(StepRun& run, std::size_t place, const Making& making, std::string_view words) {
     const auto error = ServiceClientError::apiCallError;
     auto cleaned = cleanedWords(words);

@@ -69,6 +69,19 @@ class NetworkExporter : public StepExporter {
     static Completion<void, ServiceClientError> reported(StepRun& run, Making making,
                                                          StepCompletion<void> done);
 
+    // The completion of a request that makes nothing, but has to succeed before this is made: logs its
+    // failure, and reports it as one of what was to be made.
+    template <class T>
+    static Completion<T, ServiceClientError> preparing(StepRun& run, Making making, StepCompletion<T> done) {
+        return [&run, making = std::move(making), done = std::move(done)](auto value) mutable {
+            if (!value) {
+                refuseUnsent(run, making, value.error());
+                return done(failure(making.error.value_or(exportError(value.error()))));
+            }
+            done(*std::move(value));
+        };
+    }
+
     // Reports and logs a part of what a request makes that the service refused in these words, while the
     // other parts were made.
     static void reportRefusal(StepRun& run, const Making& making, std::string_view words);
@@ -126,6 +139,7 @@ class NetworkExporter : public StepExporter {
 
     static void refuse(StepRun& run, std::size_t place, const Making& making, ServiceClientError error);
     static void refuse(StepRun& run, std::size_t place, const Making& making, std::string_view words);
+    static void refuseUnsent(StepRun& run, const Making& making, ServiceClientError error);
 
     mutable std::mutex refusalsLock_;
     std::shared_ptr<const Refusals> refusals_;
