@@ -2,13 +2,14 @@
 
 #include <ZeltoIntegrations/Accounts/Secrets.h>
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
 
 namespace zelto {
 
-// The values of the service's OAuth 2.0 sign-in.
+// The values of the service's OAuth 2.0 sign-in, and its limits.
 struct DropboxConstants {
     DropboxConstants() = delete;
 
@@ -24,6 +25,9 @@ struct DropboxConstants {
     static constexpr std::string_view authorizationURL = "https://www.dropbox.com/oauth2/authorize";
     static constexpr std::string_view accessTokenURL = "https://api.dropboxapi.com/oauth2/token";
     static constexpr std::string_view responseType = "code";
+
+    // An attachment of this size is too large.
+    static constexpr std::int64_t attachmentSizeLimit = std::int64_t{20} << 20;
 };
 
 } // namespace zelto

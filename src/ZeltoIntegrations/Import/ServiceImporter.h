@@ -8,6 +8,7 @@
 #include <ZeltoIntegrations/Import/DownloadFileInfo.h>
 #include <ZeltoIntegrations/Import/ImportProgress.h>
 #include <ZeltoIntegrations/Import/ImportReport.h>
+#include <ZeltoIntegrations/Import/IntegrationImportFile.h>
 
 #include <Platform/Completion.h>
 
@@ -17,6 +18,7 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace zelto {
@@ -93,6 +95,27 @@ class ServiceImporter : public std::enable_shared_from_this<ServiceImporter> {
             done(failure(DownloadError{ServiceClientError::oauthError}));
         }
         return client;
+    }
+
+    // The completion of the request of a listing, of which `toFile` makes each entry. It holds the importer
+    // weakly, and fails once that is gone.
+    template <class Entry, class ToFile>
+    Completion<std::vector<Entry>, ServiceClientError>
+    listed(std::shared_ptr<StepRun> run, ToFile toFile,
+           Completion<std::vector<IntegrationImportFile>, IntegrationLoadError> done) {
+        return [weakly = weak_from_this(), run = std::move(run), toFile,
+                done = std::move(done)](Result<std::vector<Entry>, ServiceClientError> entries) mutable {
+            if (weakly.expired() || !entries) {
+                return done(
+                    failure(entries ? IntegrationLoadError::internalError : loadError(entries.error())));
+            }
+            std::vector<IntegrationImportFile> files;
+            files.reserve(entries->size());
+            for (auto& entry : *entries) {
+                files.push_back(toFile(std::move(entry)));
+            }
+            done(std::move(files));
+        };
     }
 
   private:

@@ -1,0 +1,111 @@
+#include <ZeltoIntegrations/Dropbox/DropboxExporter.h>
+
+#include <ZeltoIntegrations/Dropbox/DropboxAuthoriser.h>
+#include <ZeltoIntegrations/Dropbox/DropboxClient.h>
+#include <ZeltoIntegrations/Dropbox/DropboxConstants.h>
+#include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
+
+#include <utility>
+
+namespace zelto {
+
+void DropboxExporter::loadConfiguration(
+    Completion<DropboxExporterConfiguration, IntegrationLoadError> completion) {
+    offer(*this, &DropboxExporter::offered, std::move(completion));
+}
+
+DropboxExporterConfiguration DropboxExporter::offered(IntegrationAttachments attachments) const {
+    const auto types = contentTypes(exportTarget());
+    return {
+        .userTitle = dataInteractor().title(),
+        .selectedExportKind = ExportServiceHelper::saveAs(lastExportContentType(), types),
+        .availableExportKinds = types.supported,
+        .attachments = std::move(attachments),
+        .selectedFolderPath = std::nullopt,
+    };
+}
+
+ServiceExporterAttachmentsValidator DropboxExporter::createAttachmentsValidator() const {
+    return ServiceExporterAttachmentsValidator(DropboxConstants::attachmentSizeLimit, std::nullopt,
+                                               std::nullopt);
+}
+
+void DropboxExporter::fetchFolders(Completion<std::vector<DropboxFolder>, IntegrationLoadError> completion) {
+    load<std::vector<DropboxFolder>>(std::move(completion), &DropboxExporter::loadFolders);
+}
+
+void DropboxExporter::fetchData(StepRun& run, DataCompletion done) {
+    const auto client = createDropboxClient(run, done);
+    if (!client) {
+        return;
+    }
+    client->fetchUser([this, done = std::move(done)](auto user) mutable {
+        if (!user) {
+            return done(failure(loadError(user.error())));
+        }
+        myUser.set(*user);
+        done(*std::move(user));
+    });
+}
+
+void DropboxExporter::loadFolders(StepRun& run, LoadCompletion<std::vector<DropboxFolder>> done) {
+    const auto client = createDropboxClient(run, done);
+    if (!client) {
+        return;
+    }
+    client->fetchFolders("", [done = std::move(done)](auto folders) mutable {
+        if (!folders) {
+            return done(failure(loadError(folders.error())));
+        }
+        done(*std::move(folders));
+    });
+}
+
+std::shared_ptr<ExportProgress>
+DropboxExporter::export_(DropboxExporterConfiguration configuration, std::optional<ExportFilePolicy> policy,
+                         Completion<void, IntegrationExportError> completion) {
+    auto finish = createResultMediator(configuration, std::move(completion));
+    return exportFiles({.type = configuration.selectedExportKind,
+                        .title = titleOr(configuration.userTitle),
+                        .attachments = configuration.attachments.selected(),
+                        .folder = std::move(configuration.selectedFolderPath),
+                        .policy = policy},
+                       std::move(finish));
+}
+
+void DropboxExporter::checkFilesExists(StepRun& run, const std::vector<std::string>& fileNames,
+                                       const std::optional<std::string>& folder, StepCompletion<Files> done) {
+    const auto client = createDropboxClient(run, done);
+    if (!client) {
+        return;
+    }
+    client->checkFilesExists(fileNames, folder.value_or(""),
+                             preparing(run,
+                                       checking(fileNames, "Dropbox checking files error: ",
+                                                "checkFilesExists(fileNames:folderPath:updateProgress:)"),
+                                       std::move(done)));
+}
+
+void DropboxExporter::uploadFile(StepRun& run, const Upload& upload, StepCompletion<void> done) {
+    const auto client = createDropboxClient(run, done);
+    if (!client) {
+        return;
+    }
+    const bool overwrites = upload.overrides && (upload.isMessage || upload.existed);
+    client->uploadFile(upload.name, upload.file, upload.folder.value_or(""), overwrites,
+                       reported(run,
+                                making(upload, "Dropbox uploading file error: ",
+                                       "uploadFile(fileName:filePath:folderPath:updateProgress:)"),
+                                std::move(done)));
+}
+
+std::string DropboxExporter::comparedName(const DropboxMetadata& file) const {
+    return file.name;
+}
+
+template <class Done>
+std::shared_ptr<DropboxClient> DropboxExporter::createDropboxClient(StepRun& run, Done& done) {
+    return clientOf<DropboxClient, DropboxAuthoriser>(run, done);
+}
+
+} // namespace zelto
