@@ -3,7 +3,11 @@
 #include <ZeltoIntegrations/Agenda/AgendaExporter.h>
 #include <ZeltoIntegrations/Asana/AsanaExporter.h>
 #include <ZeltoIntegrations/Bear/BearExporter.h>
+#include <ZeltoIntegrations/Dropbox/DropboxExporter.h>
+#include <ZeltoIntegrations/Dropbox/DropboxImporter.h>
 #include <ZeltoIntegrations/Evernote/EvernoteExporter.h>
+#include <ZeltoIntegrations/GoogleDrive/GoogleDriveExporter.h>
+#include <ZeltoIntegrations/GoogleDrive/GoogleDriveImporter.h>
 #include <ZeltoIntegrations/ICloud/ICloudExporter.h>
 #include <ZeltoIntegrations/IntegrationsManager.h>
 #include <ZeltoIntegrations/Notion/NotionExporter.h>
@@ -71,8 +75,8 @@ constexpr ExporterRow exporters[] = {
     {ServiceType::Slack, nullptr},
     {ServiceType::Hubspot, nullptr},
     {ServiceType::Notion, make<NotionExporter>},
-    {ServiceType::GoogleDrive, nullptr},
-    {ServiceType::Dropbox, nullptr},
+    {ServiceType::GoogleDrive, make<GoogleDriveExporter>},
+    {ServiceType::Dropbox, make<DropboxExporter>},
     {ServiceType::iCloudDrive, make<ICloudExporter>},
     {ServiceType::Instapaper, nullptr},
 };
@@ -85,9 +89,17 @@ struct ImporterRow {
         std::optional<std::string> actionSource);
 };
 
+template <class Importer>
+std::shared_ptr<ServiceImporter>
+makeImporter(const ServiceAccountConfiguration& configuration,
+             std::shared_ptr<IntegrationsPlatformInteractorProtocol> interactor,
+             std::optional<std::string> actionSource) {
+    return std::make_shared<Importer>(configuration, std::move(interactor), std::move(actionSource));
+}
+
 constexpr ImporterRow importers[] = {
-    {ServiceType::GoogleDrive, nullptr},
-    {ServiceType::Dropbox, nullptr},
+    {ServiceType::GoogleDrive, makeImporter<GoogleDriveImporter>},
+    {ServiceType::Dropbox, makeImporter<DropboxImporter>},
 };
 
 struct MeetingCreatorRow {

@@ -2,13 +2,14 @@
 
 #include <ZeltoIntegrations/Accounts/Secrets.h>
 
+#include <cstdint>
 #include <map>
 #include <string>
 #include <string_view>
 
 namespace zelto {
 
-// The values of the service's OAuth 2.0 sign-in.
+// The values of the service's OAuth 2.0 sign-in, and its limits.
 struct GoogleDriveConstants {
     GoogleDriveConstants() = delete;
 
@@ -27,6 +28,9 @@ struct GoogleDriveConstants {
     static constexpr std::string_view scope =
         "https://www.googleapis.com/auth/drive.file https://www.googleapis.com/auth/drive.readonly "
         "https://www.googleapis.com/auth/userinfo.profile https://www.googleapis.com/auth/userinfo.email";
+
+    // An attachment of this size is too large.
+    static constexpr std::int64_t attachmentSizeLimit = std::int64_t{20} << 20;
 };
 
 } // namespace zelto
