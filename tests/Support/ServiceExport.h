@@ -52,7 +52,11 @@ template <class Exporter> class ServiceExport {
     }
 
     std::shared_ptr<ExportProgress> start(Done done) {
-        return exporter()->export_(configuration, std::move(done));
+        if constexpr (requires { exporter()->export_(configuration, policy, std::move(done)); }) {
+            return exporter()->export_(configuration, policy, std::move(done));
+        } else {
+            return exporter()->export_(configuration, std::move(done));
+        }
     }
 
     VoidResult run() {
@@ -75,7 +79,17 @@ template <class Exporter> class ServiceExport {
         return completed.value();
     }
 
+    // The type in the configuration, by whichever name the service has it.
+    IntegrationExportContentType& contentType() {
+        if constexpr (requires { configuration.saveAs; }) {
+            return configuration.saveAs;
+        } else {
+            return configuration.selectedExportKind;
+        }
+    }
+
     ServiceAccountConfiguration account;
+    std::optional<ExportFilePolicy> policy; // where exports have one
     bool attachmentsAreSelectedByDefault = true;
     Configuration configuration;
     std::shared_ptr<FakeDataInteractor> data = std::make_shared<FakeDataInteractor>();

@@ -38,12 +38,10 @@ template <PlayedService Service> class ServiceServer : public Service {
 
     Replaceable<Handler> onRequest;
 
-    // Requests whose line or body contains the part get this response, instead of what onRequest was before.
+    // Requests whose text contains the part get this response, instead of what onRequest was before.
     void respondTo(const std::string& part, const PlayedResponse& response) {
         onRequest = [part, response](const ReceivedRequest& request) {
-            const bool isMeant = request.target.find(part) != std::string::npos ||
-                                 request.body.find(part) != std::string::npos;
-            return isMeant ? std::optional(response) : std::nullopt;
+            return request.text().contains(part) ? std::optional(response) : std::nullopt;
         };
     }
 
@@ -70,13 +68,17 @@ template <PlayedService Service> class ServiceServer : public Service {
     std::vector<std::string> made() const {
         std::vector<std::string> made;
         for (const auto& request : server.requests()) {
-            if (auto name = Service::madeBy(request)) {
+            if (auto name = nameOfMade(request)) {
                 made.push_back(*std::move(name));
-            } else if (const auto file = uploadedFile(request)) {
-                made.push_back("file " + *file);
             }
         }
         return made;
+    }
+
+    // Whether the last request so far makes something.
+    bool lastMakes() const {
+        const auto requests = server.requests();
+        return !requests.empty() && nameOfMade(requests.back());
     }
 
     // The text of each request, with "B" for the boundary and without what else is random.
@@ -92,6 +94,13 @@ template <PlayedService Service> class ServiceServer : public Service {
     }
 
   private:
+    std::optional<std::string> nameOfMade(const ReceivedRequest& request) const {
+        if (auto name = Service::madeBy(request)) {
+            return name;
+        }
+        return uploadedFile(request).transform([](const auto& file) { return "file " + file; });
+    }
+
     PlayedResponse respond(const ReceivedRequest& request) const {
         if (const auto handler = onRequest.get(); *handler) {
             if (auto own = (*handler)(request)) {

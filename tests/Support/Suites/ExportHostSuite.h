@@ -122,7 +122,7 @@ TYPED_TEST_P(ExportHost, OtherTypesAreRefusedAtOnce) {
             continue;
         }
         SCOPED_TRACE(type.name);
-        one.configuration.saveAs = type.value;
+        one.contentType() = type.value;
         one.data->onAsked = [](const std::string& asked) { ADD_FAILURE() << asked; };
         Outcome outcome;
         const auto progress = one.start(outcome.template callback<typename TypeParam::Export::Done>());
