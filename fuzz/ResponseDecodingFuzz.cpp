@@ -4,6 +4,9 @@
 
 #include <ZeltoIntegrations/Asana/AsanaResponses.h>
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
+#include <ZeltoIntegrations/Dropbox/DropboxArguments.h>
+#include <ZeltoIntegrations/Dropbox/DropboxResponses.h>
+#include <ZeltoIntegrations/GoogleDrive/GoogleDriveResponses.h>
 #include <ZeltoIntegrations/Notion/NotionResponses.h>
 #include <ZeltoIntegrations/OneNote/OneNoteResponses.h>
 #include <ZeltoIntegrations/Todoist/TodoistResponses.h>
@@ -11,6 +14,8 @@
 
 #include <NotionModel/Page.h>
 #include <Platform/JSON/JSONRecordDescription.h>
+#include <Platform/JSON/JSONValue.h>
+#include <Platform/Text.h>
 #include <Platform/UTF8.h>
 
 #include <algorithm>
@@ -77,6 +82,46 @@ void checkNotion(const ServiceResponse& response) {
     }
 }
 
+// What is asked of the service by the names that it has given.
+void checkDropboxNames(const std::vector<DropboxMetadata>& entries) {
+    std::vector<std::string> names;
+    for (const auto& entry : entries) {
+        names.push_back(entry.name);
+        const JSONValue arguments(JSONObject{{"path", entry.path_lower.value_or(entry.id)}});
+        const auto escaped = asciiEscaped(*arguments.text());
+        require(std::ranges::all_of(escaped, [](char each) { return each >= ' ' && each < 0x7F; }));
+        require(JSONValue::parse(escaped) == arguments);
+    }
+    for (const auto& query : dropboxQueries(names)) {
+        require(isValidUTF8(query) && codePointCount(query) <= maximumDropboxQuery);
+    }
+}
+
+void checkDropbox(const ServiceResponse& response) {
+    if (const auto listing = serviceValue<DropboxListFolderResponse>(response, {})) {
+        const auto folders = filterFolders(*listing);
+        require(folders.has_value() == (!listing->has_more || listing->cursor.has_value()));
+        if (folders) {
+            require(folders->next.has_value() == listing->has_more);
+            require(std::ssize(folders->items) ==
+                    std::ranges::count_if(listing->entries, &DropboxMetadata::isFolder));
+        }
+        checkDropboxNames(listing->entries);
+    }
+    if (auto found = serviceValue<DropboxSearchResponse>(response, {})) {
+        checkDropboxNames(toDropboxMatches(*std::move(found)));
+    }
+}
+
+void checkGoogleDrive(const ServiceResponse& response) {
+    if (const auto listing = serviceValue<GoogleDriveSingleFilesResponse>(response, {})) {
+        for (const auto& file : listing->files) {
+            require(getNameWithExtension(file).starts_with(file.name));
+            require(toIntegrationImportFile(file).isFolder() == file.isFolder());
+        }
+    }
+}
+
 void checkValues(const ServiceResponse& response) {
     require(serviceValue<Data>(response, {}) == response.body);
     const auto text = serviceValue<std::string>(response, {});
@@ -91,6 +136,10 @@ void checkValues(const ServiceResponse& response) {
                  AsanaWorkspacesResponse>(response, {});
     checkRecords<OneNoteUserResponse, OneNoteNotebooksResponse, OneNoteSectionsResponse>(response, {});
     checkRecords<TodoistFetchResponse, TodoistUploadResponse>(response, {});
+    checkRecords<DropboxAccountResponse, DropboxListFolderResponse, DropboxSearchResponse>(response, {});
+    checkRecords<GoogleDriveSingleUserResponse, GoogleDriveSingleFilesResponse>(response, {});
+    checkDropbox(response);
+    checkGoogleDrive(response);
     checkRecords<notion::User, notion::ListResponse<notion::SearchResultItem>, notion::Page>(
         response, {DateStrategy::iso8601});
     checkNotion(response);
