@@ -237,6 +237,17 @@ TEST(Text, LeavesHarmlessTextUnescaped) {
     EXPECT_EQ(escapeControlCharacters(""), "");
 }
 
+TEST(Text, KnowsLettersAndDigitsOfAnyScriptByWhatACharacterBeginsWith) {
+    for (const auto* each :
+         {"a", "Z", "7", "\u00e4", "a\u0308", "\u0416", "\u6f22", "\u0967", "\U0001D504"}) {
+        EXPECT_TRUE(isLetterOrDigit(each)) << each;
+    }
+    for (const auto* each : {" ", ".", "_", "&", "\n", "\u20ac", "\u2603", "\U0001F600", "\u0308", "\u00BD",
+                             "\xff", "\xe2\x82"}) {
+        EXPECT_FALSE(isLetterOrDigit(each)) << each;
+    }
+}
+
 TEST(Text, CountsDecimalDigitsOfAnyScript) {
     EXPECT_EQ(decimalDigitCount(""), 0u);
     EXPECT_EQ(decimalDigitCount("+49 (30) 12a"), 6u);

@@ -55,6 +55,21 @@ TEST(ExportReportLog, AnEndThatComesAfterTheRunIsTaken) {
     EXPECT_EQ(log.report(), (ExportReport{{Made{"card", "a", "1"}}, {}}));
 }
 
+TEST(ExportReportLog, WhatWasRefusedByARequestThatMakesNothingWasNotSent) {
+    ExportReportLog log;
+    log.note({.words = "not there"});
+    log.refusedUnsent("file", "a", Error::apiCallError);
+    log.refusedUnsent("file", "b", Error::connectionError);
+    log.close();
+    EXPECT_EQ(
+        log.report(),
+        (ExportReport{
+            {},
+            {Refused{.kind = "file", .name = "a", .reason = Error::apiCallError, .words = "not there"},
+             Refused{
+                 .kind = "file", .name = "b", .reason = Error::connectionError, .nothingWasSent = true}}}));
+}
+
 TEST(ExportReportLog, WordsOfTheServiceGoToTheRefusalBehindThem) {
     ExportReportLog log;
     const auto first = log.begin("card", "a");
