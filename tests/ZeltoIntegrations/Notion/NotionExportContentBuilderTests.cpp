@@ -153,12 +153,17 @@ TEST(NotionExportContentBuilder, ABlockTakesAHundredItems) {
                                           {100, {100}},
                                           {101, {100, 1}},
                                           {250, {100, 100, 50}}}) {
-        std::vector<std::size_t> sizes;
-        for (const auto& block : built({Component::header(Level::h2, manyParts(count, "a"))})) {
-            EXPECT_EQ(block.type, BlockType::heading2);
-            sizes.push_back(block.rich_text.size());
+        const auto parts = manyParts(count, "a");
+        for (const auto& [component, type] :
+             {std::pair{Component::text(parts), BlockType::paragraph},
+              std::pair{Component::header(Level::h2, parts), BlockType::heading2}}) {
+            std::vector<std::size_t> sizes;
+            for (const auto& block : built({component})) {
+                EXPECT_EQ(block.type, type);
+                sizes.push_back(block.rich_text.size());
+            }
+            EXPECT_EQ(sizes, expected);
         }
-        EXPECT_EQ(sizes, expected);
     }
 }
 
