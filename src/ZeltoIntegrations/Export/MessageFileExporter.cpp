@@ -1,11 +1,7 @@
 #include <ZeltoIntegrations/Export/MessageFileExporter.h>
 
-#include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
-
-#include <Platform/FileManager.h>
 #include <Platform/UTF8.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace zelto {
@@ -15,26 +11,10 @@ namespace {
 using Type = IntegrationExportContentType;
 using ExportError = IntegrationExportError;
 
-const IntegrationExportContentTypes& bodies() {
-    static const IntegrationExportContentTypes types{Type::pdf, {Type::pdf, Type::plainText}};
-    return types;
-}
-
-// Fails without a text that can be written as UTF-8.
-ExporterResult<std::filesystem::path> writtenText(const std::string& title,
-                                                  const std::optional<std::string>& text) {
-    const auto path = ExportServiceHelper::txtFilePath(title);
-    const bool isText = text && isValidUTF8(*text);
-    if (!path || !isText || !FileManager::writeFileAtomically(*path, *text)) {
-        return failure(ExportError::createBodyError);
-    }
-    return *path;
-}
-
 } // namespace
 
 IntegrationExportContentTypes MessageFileExporter::contentTypes(IntegrationExportTarget) const {
-    return bodies();
+    return {Type::pdf, {Type::pdf, Type::plainText}};
 }
 
 void MessageFileExporter::loadPreview(IntegrationExportContentType type,
@@ -51,7 +31,7 @@ void MessageFileExporter::loadPreview(IntegrationExportContentType type,
 }
 
 bool MessageFileExporter::hasBody(IntegrationExportContentType type) {
-    return std::ranges::count(bodies().supported, type) != 0;
+    return type == Type::pdf || type == Type::plainText;
 }
 
 void MessageFileExporter::makeBody(StepRun& run, IntegrationExportContentType type, const std::string& title,
@@ -65,7 +45,9 @@ void MessageFileExporter::makeBody(StepRun& run, IntegrationExportContentType ty
 void MessageFileExporter::makeTextBody(const std::string& title, StepCompletion<File> done) {
     dataInteractor().messagePlainText(
         std::nullopt, [title, done = std::move(done)](const std::optional<std::string>& text) mutable {
-            done(writtenText(title, text));
+            const bool isText = text && isValidUTF8(*text);
+            done(isText ? textFile(title, *text, ExportError::createBodyError)
+                        : failure(ExportError::createBodyError));
         });
 }
 
