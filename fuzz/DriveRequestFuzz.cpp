@@ -10,6 +10,7 @@
 #include <ZeltoSandbox/GoogleDrive/GoogleDriveJSON.h>
 #include <ZeltoSandbox/GoogleDrive/GoogleDriveQuery.h>
 
+#include <Platform/NeverDestroyed.h>
 #include <Platform/UTF8.h>
 
 #include <algorithm>
@@ -46,7 +47,7 @@ void checkGoogleDrive(std::string_view text) {
         query->matches(file);
         query->parents();
     }
-    static const auto schema = googleListSchema();
+    static const auto& schema = neverDestroyed(googleListSchema());
     if (const auto mask = FieldMask::parse(text, schema)) {
         checkPart(mask->applied(schema), schema);
     }

@@ -77,7 +77,7 @@ bool sortForGoogleDrive(std::vector<const DriveEntry*>& entries, std::string_vie
         goesOn = end != std::string_view::npos;
         orderBy.remove_prefix(goesOn ? end + 1 : orderBy.size());
     }
-    // The last key first: stable sorts leave what the later ones do not tell apart in its order.
+    // The last key first: a sort leaves what it does not tell apart in the order of those before.
     for (auto part = parts.rbegin(); part != parts.rend(); ++part) {
         const bool isDescending = part->ends_with(descending);
         const auto key =
@@ -88,8 +88,16 @@ bool sortForGoogleDrive(std::vector<const DriveEntry*>& entries, std::string_vie
         if (!keysOf({&any}, key, keys) || !keysOf(entries, key, keys)) {
             return false;
         }
-        std::ranges::stable_sort(entries, [&](const DriveEntry* left, const DriveEntry* right) {
-            return isDescending ? keys[right] < keys[left] : keys[left] < keys[right];
+        // A stable sort by hand: that of this library uses what newer compilers warn of.
+        std::map<const DriveEntry*, std::size_t> positions;
+        for (const auto* entry : entries) {
+            positions.emplace(entry, positions.size());
+        }
+        std::ranges::sort(entries, [&](const DriveEntry* left, const DriveEntry* right) {
+            if (const auto order = keys[left].compare(keys[right]); order != 0) {
+                return (order < 0) != isDescending;
+            }
+            return positions[left] < positions[right];
         });
     }
     return true;
