@@ -1,5 +1,7 @@
 #include <ZeltoHost/HTML/SafeLink.h>
 
+#include <ZeltoHost/Platform/EmailValidator.h>
+
 #include <Platform/ASCII.h>
 
 #include <algorithm>
@@ -44,6 +46,24 @@ std::string encoded(std::string_view href) {
     return text;
 }
 
+bool isTelephoneNumber(std::string_view text) {
+    constexpr std::string_view between = " -.()/";
+    constexpr auto minimumDigits = 7;
+    if (text.starts_with('+')) {
+        text.remove_prefix(1);
+    }
+    return std::ranges::count_if(text, isASCIIDigit) >= minimumDigits &&
+           std::ranges::all_of(text, [&](char c) { return isASCIIDigit(c) || between.contains(c); });
+}
+
+// The scheme of a bare address, which a browser would take for a relative reference.
+std::string_view missingScheme(std::string_view href) {
+    if (isEmailAddress(href)) {
+        return "mailto:";
+    }
+    return isTelephoneNumber(href) ? "tel:" : "";
+}
+
 } // namespace
 
 std::optional<URL> safeLink(std::string_view href) {
@@ -56,7 +76,7 @@ std::optional<URL> safeLink(std::string_view href) {
     if (href.empty() || href.size() > lengthLimit) {
         return std::nullopt;
     }
-    auto url = URL::parse(encoded(href));
+    auto url = URL::parse(std::string(missingScheme(href)) + encoded(href));
     if (!url || std::ranges::find(safeSchemes, url->scheme()) == safeSchemes.end()) {
         return std::nullopt;
     }

@@ -23,6 +23,18 @@ TEST(SafeLink, OfASchemeThatOnlyShowsSomethingIsKept) {
     }
 }
 
+TEST(SafeLink, OfABareAddressGetsItsScheme) {
+    EXPECT_EQ(linkOf("jane.doe+x@example.org"), "mailto:jane.doe+x@example.org");
+    EXPECT_EQ(linkOf(" jane@example.org\n"), "mailto:jane@example.org");
+    EXPECT_EQ(linkOf("+49 (30) 123-456.7/8"), "tel:+49%20(30)%20123-456.7/8");
+    EXPECT_EQ(linkOf("0301234"), "tel:0301234");
+    for (const std::string_view href :
+         {"030123", "+", "1+2345678", "0301234x", "jane@", "@example.org", "jane@example.org/page", "jane",
+          "jane@example.org, joe@example.org"}) {
+        EXPECT_EQ(linkOf(href), "none") << href;
+    }
+}
+
 TEST(SafeLink, LosesBlanksAroundItAndLineEndsWithinIt) {
     EXPECT_EQ(linkOf(" \n\x01https://a.example/ \r\n"), "https://a.example/");
     EXPECT_EQ(linkOf("ht\ttps://a.ex\r\nample/b"), "https://a.example/b");
