@@ -19,6 +19,16 @@ namespace {
 // file offset.
 constexpr std::uint64_t maximumFileSize = std::uint64_t{1} << 53;
 
+// Tells a file from another one that has taken its path since, and from itself before a change.
+struct FileVersion {
+    dev_t device;
+    ino_t number;
+    std::int64_t changedSeconds;
+    std::int64_t changedNanoseconds;
+
+    bool operator==(const FileVersion&) const = default;
+};
+
 class OpenFile {
   public:
     // Null if it cannot be opened or is not a regular file; does not wait for the other end of a pipe.
@@ -29,13 +39,21 @@ class OpenFile {
             return nullptr;
         }
         const auto size = static_cast<std::uint64_t>(status.st_size);
-        return size <= maximumFileSize ? std::make_shared<OpenFile>(std::move(*descriptor), size) : nullptr;
+        if (size > maximumFileSize) {
+            return nullptr;
+        }
+        const auto& changed = status.st_mtim;
+        return std::make_shared<OpenFile>(
+            std::move(*descriptor), size,
+            FileVersion{status.st_dev, status.st_ino, changed.tv_sec, changed.tv_nsec});
     }
 
-    OpenFile(FileDescriptor descriptor, std::uint64_t size)
-        : descriptor_(std::move(descriptor)), size_(size) {}
+    OpenFile(FileDescriptor descriptor, std::uint64_t size, const FileVersion& version)
+        : descriptor_(std::move(descriptor)), size_(size), version_(version) {}
 
     std::uint64_t size() const { return size_; }
+
+    const FileVersion& version() const { return version_; }
 
     // Fills the whole buffer.
     Result<void, HTTPBodyError> read(std::uint64_t offset, std::span<std::uint8_t> buffer) const {
@@ -57,6 +75,7 @@ class OpenFile {
   private:
     FileDescriptor descriptor_;
     std::uint64_t size_;
+    FileVersion version_;
 };
 
 } // namespace
@@ -98,6 +117,31 @@ class HTTPBody::FileSegment final : public Segment {
 
   private:
     std::shared_ptr<const OpenFile> file_;
+};
+
+// Holds no descriptor between two reads.
+class HTTPBody::ReopenedFileSegment final : public Segment {
+  public:
+    ReopenedFileSegment(std::filesystem::path path, const OpenFile& file)
+        : path_(std::move(path)), size_(file.size()), version_(file.version()) {}
+
+    std::uint64_t size() const override { return size_; }
+
+    Result<void, HTTPBodyError> read(std::uint64_t offset, std::span<std::uint8_t> buffer) const override {
+        const auto file = OpenFile::open(path_);
+        if (!file) {
+            return failure(HTTPBodyError::fileUnreadable);
+        }
+        if (file->version() != version_) {
+            return failure(HTTPBodyError::fileChanged);
+        }
+        return file->read(offset, buffer);
+    }
+
+  private:
+    const std::filesystem::path path_;
+    const std::uint64_t size_;
+    const FileVersion version_;
 };
 
 class HTTPBody::Base64FileSegment final : public Segment {
@@ -170,6 +214,15 @@ bool HTTPBody::appendFile(const std::filesystem::path& path) {
         return false;
     }
     append(std::make_shared<FileSegment>(std::move(file)));
+    return true;
+}
+
+bool HTTPBody::appendFileToReopen(const std::filesystem::path& path) {
+    const auto file = OpenFile::open(path);
+    if (!file) {
+        return false;
+    }
+    append(std::make_shared<ReopenedFileSegment>(path, *file));
     return true;
 }
 

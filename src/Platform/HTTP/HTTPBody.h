@@ -15,10 +15,11 @@ namespace zelto {
 enum class HTTPBodyError {
     fileTooShort, // a file has become shorter since it was appended
     fileUnreadable,
+    fileChanged, // another file, or other bytes, are at the path of a file that is opened again
 };
 
-// The bytes of a message body as a list of segments: texts in memory, and open files that are read while the
-// body is sent, as they are or as Base64. The length is fixed when a segment is appended: a file that has
+// The bytes of a message body as a list of segments: texts in memory, and files that are read while the body
+// is sent, as they are or as Base64. The length is fixed when a segment is appended: a file that has
 // grown gives only its first bytes, one that has shrunk gives an error. Copies share their segments and cost
 // no memory; several threads may read copies of one body.
 class HTTPBody {
@@ -33,6 +34,10 @@ class HTTPBody {
     // The file is opened here and stays open as long as a copy of the body lives, so replacing or removing it
     // has no effect. False, with nothing appended, if it cannot be opened or is not a regular file.
     [[nodiscard]] bool appendFile(const std::filesystem::path& path);
+
+    // The same for a body of many files: none stays open. Each is opened again whenever a piece of it is
+    // read, and has to be there unchanged until the body was sent; else reading fails.
+    [[nodiscard]] bool appendFileToReopen(const std::filesystem::path& path);
 
     // Appends the file's bytes as Base64 without line breaks.
     [[nodiscard]] bool appendFileAsBase64(const std::filesystem::path& path);
@@ -51,6 +56,7 @@ class HTTPBody {
     class Segment;
     class TextSegment;
     class FileSegment;
+    class ReopenedFileSegment;
     class Base64FileSegment;
 
     void append(std::shared_ptr<const Segment> segment);

@@ -1,7 +1,8 @@
 // Memory and threads that remain after many calls and large responses.
 
 #include "MCPCalls.h"
-#include "ProcessMemory.h"
+
+#include <Support/ProcessMemory.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,9 @@
 // A server that never stops must not use more memory than is read at a time.
 
 #include "MCPCalls.h"
-#include "ProcessMemory.h"
 
 #include <Support/Event.h>
+#include <Support/ProcessMemory.h>
 
 #include <gtest/gtest.h>
 

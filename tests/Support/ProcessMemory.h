@@ -33,12 +33,14 @@ inline std::size_t memoryOf(std::string_view field) {
     return 0;
 }
 
-// The growth of this process's memory above its current size while the function runs.
+// The growth of this process's memory above its current size while the function runs; 0 where others freed
+// more meanwhile.
 template <class F> std::size_t growthDuring(F&& function) {
     std::ofstream("/proc/self/clear_refs") << "5";
     const auto before = memoryOf("VmRSS:");
     function();
-    return memoryOf("VmHWM:") - before;
+    const auto peak = memoryOf("VmHWM:");
+    return peak > before ? peak - before : 0;
 }
 
 } // namespace zelto
