@@ -1,30 +1,27 @@
 #include <ZeltoIntegrations/Evernote/EvernoteContent.h>
 
+#include <ZeltoIntegrations/Helpers/HTMLText.h>
+
 #include <Platform/Text.h>
 
 namespace zelto {
 
 namespace {
 
-enum class LineEnds { keep, asBreaks };
-
-std::string escaped(std::string_view plain, LineEnds lineEnds) {
-    std::string html;
-    html.reserve(plain.size());
-    for (const char each : plain) {
-        if (each == '<') {
-            html += "&lt;";
-        } else if (each == '>') {
-            html += "&gt;";
-        } else if (each == '"') {
-            html += "&quot;";
-        } else if (each == '\n' && lineEnds == LineEnds::asBreaks) {
-            html += "<br/>";
+// A line may end with CR LF, which is one end.
+std::string withBreaks(std::string_view html) {
+    std::string lines;
+    for (std::size_t at = 0; at < html.size(); ++at) {
+        if (html.substr(at).starts_with("\r\n")) {
+            continue;
+        }
+        if (html[at] == '\n') {
+            lines += "<br/>";
         } else {
-            html += each;
+            lines += html[at];
         }
     }
-    return html;
+    return lines;
 }
 
 } // namespace
@@ -34,12 +31,8 @@ std::string htmlRemark(const std::optional<std::string>& remark) {
     if (text.empty()) {
         return {};
     }
-    return "<p style='white-space:pre;'>" + escaped(text, LineEnds::asBreaks) + "<br/></p><hr/><br/>";
-}
-
-std::string htmlLink(std::string_view url) {
-    const auto written = escaped(url, LineEnds::keep);
-    return "<a href=\"" + written + "\">" + written + "</a>";
+    return "<p style='white-space:pre;'>" + withBreaks(htmlText(text, Ampersands::keep)) +
+           "<br/></p><hr/><br/>";
 }
 
 } // namespace zelto

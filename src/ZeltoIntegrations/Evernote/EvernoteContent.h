@@ -4,7 +4,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace zelto {
@@ -18,11 +17,7 @@ struct EvernoteContent {
     bool operator==(const EvernoteContent&) const = default;
 };
 
-// The remark above the message as HTML. Empty for one that is absent or blank.
+// The remark above the message as HTML, in which "&" stays as it is. Empty for one that is absent or blank.
 std::string htmlRemark(const std::optional<std::string>& remark);
-
-// A link of the user's as HTML. In it and in a remark, markup characters are written as entities but "&",
-// which stays.
-std::string htmlLink(std::string_view url);
 
 } // namespace zelto

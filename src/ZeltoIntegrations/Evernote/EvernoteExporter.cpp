@@ -4,6 +4,7 @@
 #include <ZeltoIntegrations/Evernote/EvernoteConstants.h>
 #include <ZeltoIntegrations/Evernote/EvernoteContent.h>
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
+#include <ZeltoIntegrations/Helpers/HTMLText.h>
 
 #include <Platform/FileManager.h>
 
@@ -19,11 +20,6 @@ using ExportError = IntegrationExportError;
 using Enml = std::optional<IntegrationsInteractorEnml>;
 
 constexpr auto fetchFunction = "fetchAttachment(attachmentPk:updateProgress:)";
-
-bool isTaken(Type type) {
-    return type == Type::pdf || type == Type::emailBacklink || type == Type::externalLink ||
-           type == Type::mtSummaryBacklink;
-}
 
 std::optional<IntegrationsInteractorAttachment> attachmentOf(const std::filesystem::path& file) {
     auto bytes = FileManager::readFile(file);
@@ -93,24 +89,7 @@ IntegrationExportContentTypes EvernoteExporter::contentTypes(IntegrationExportTa
 
 void EvernoteExporter::loadPreview(IntegrationExportContentType type,
                                    Callback<std::optional<IntegrationExportPreview>> completion) {
-    auto deliverText = [](Callback<std::optional<IntegrationExportPreview>> toHost) {
-        return [toHost = std::move(toHost)](std::optional<std::string> text) mutable {
-            toHost(text ? std::optional(IntegrationExportPreview::email(*std::move(text))) : std::nullopt);
-        };
-    };
-    if (type == Type::pdf) {
-        completion(pdfPreview());
-    } else if (type == Type::externalLink) {
-        completion(IntegrationExportPreview::externalLink());
-    } else if (type == Type::emailBacklink) {
-        dataInteractor().messagePlainText(std::nullopt, deliverText(std::move(completion)));
-    } else if (type == Type::mtSummaryBacklink) {
-        dataInteractor().meetTranscript(IntegrationMeetingTranscriptContent::summary,
-                                        IntegrationMeetingTranscriptFormat::text, std::nullopt,
-                                        deliverText(std::move(completion)));
-    } else {
-        completion(std::nullopt);
-    }
+    loadWholeMessagePreview(type, std::move(completion));
 }
 
 std::shared_ptr<EvernoteClient> EvernoteExporter::createClient(StepRun& run) {
@@ -149,7 +128,7 @@ std::shared_ptr<ExportProgress>
 EvernoteExporter::export_(EvernoteExportConfiguration configuration,
                           Completion<void, IntegrationExportError> completion) {
     auto finish = createResultMediator(configuration, std::move(completion));
-    if (!isTaken(configuration.saveAs)) {
+    if (!isWholeMessage(configuration.saveAs)) {
         return refuseFormat(0, finish);
     }
     const auto selected = configuration.attachments.selected();
@@ -157,19 +136,20 @@ EvernoteExporter::export_(EvernoteExportConfiguration configuration,
 
     Files files;
     for (const auto& attachment : selected) {
-        files.push_back(steps.add<Attachment>(&EvernoteExporter::readAttachment, attachment.id));
+        files.push_back(steps.add<ReadAttachment>(&EvernoteExporter::readAttachment, attachment.id));
     }
     const auto content = steps.add<EvernoteContent>(&EvernoteExporter::makeContent, configuration);
     steps.add<void>(&EvernoteExporter::createNote, std::move(configuration), std::move(files), content);
     return steps.execute();
 }
 
-void EvernoteExporter::readAttachment(StepRun&, std::int64_t attachmentPk, StepCompletion<Attachment> done) {
+void EvernoteExporter::readAttachment(StepRun&, std::int64_t attachmentPk,
+                                      StepCompletion<ReadAttachment> done) {
     using Fetched = Result<std::optional<URL>, AttachmentFetchError>;
     dataInteractor().fetchAttachment(attachmentPk, [done = std::move(done)](const Fetched& fetched) mutable {
         auto attachment = fetched && *fetched ? attachmentOf((*fetched)->filePath()) : std::nullopt;
         if (attachment) {
-            return done(*std::move(attachment));
+            return done(std::make_shared<Attachment>(*std::move(attachment)));
         }
         lvxLogWarn(fetched ? "Evernote exporter encountered unknown error while fetching attachment"
                            : "Evernote exporter encountered with " + std::string(nameOf(fetched.error())) +
@@ -283,7 +263,7 @@ void EvernoteExporter::createNote(StepRun& run, const EvernoteExportConfiguratio
     auto made = *resultOf(content);
     std::vector<Attachment> attachments;
     for (const auto& file : files) {
-        attachments.push_back(*resultOf(file));
+        attachments.push_back(std::move(**resultOf(file)));
     }
     std::ranges::move(made.attachments, std::back_inserter(attachments));
     const auto title = titleOr(configuration.userTitle);

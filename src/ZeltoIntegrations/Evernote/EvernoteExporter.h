@@ -62,7 +62,9 @@ class EvernoteExporter final : public AccountDataExporter<EvernoteData, StepExpo
 
   private:
     using Attachment = IntegrationsInteractorAttachment;
-    using Files = std::vector<Step<Attachment>>;
+    // The step of the note takes the bytes out of it: nothing holds them twice.
+    using ReadAttachment = std::shared_ptr<Attachment>;
+    using Files = std::vector<Step<ReadAttachment>>;
 
     EvernoteExportConfiguration offered(IntegrationAttachments attachments) const;
     std::optional<EvernoteNotebook> createDefaultSaveToInfo() const;
@@ -73,7 +75,7 @@ class EvernoteExporter final : public AccountDataExporter<EvernoteData, StepExpo
     std::optional<EvernoteData> loadedData() const override;
     std::shared_ptr<EvernoteClient> createClient(StepRun& run);
 
-    void readAttachment(StepRun& run, std::int64_t attachmentPk, StepCompletion<Attachment> done);
+    void readAttachment(StepRun& run, std::int64_t attachmentPk, StepCompletion<ReadAttachment> done);
 
     // The step of the content, which asks for the link in HTML, then for its URL, then for the rest.
     void makeContent(StepRun& run, const EvernoteExportConfiguration& configuration,

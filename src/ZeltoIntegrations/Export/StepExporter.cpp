@@ -10,8 +10,48 @@ namespace zelto {
 
 using ExportError = IntegrationExportError;
 
+namespace {
+
+auto textPreview(Callback<std::optional<IntegrationExportPreview>> completion) {
+    return [completion = std::move(completion)](std::optional<std::string> text) mutable {
+        completion(text ? std::optional(IntegrationExportPreview::email(*std::move(text))) : std::nullopt);
+    };
+}
+
+} // namespace
+
 IntegrationExportPreview StepExporter::pdfPreview() const {
     return IntegrationExportPreview::pdf(ExportServiceHelper::pdfName(dataInteractor().title()));
+}
+
+bool StepExporter::isWholeMessage(IntegrationExportContentType type) {
+    using enum IntegrationExportContentType;
+    return type == pdf || type == emailBacklink || type == externalLink || type == mtSummaryBacklink;
+}
+
+void StepExporter::loadWholeMessagePreview(IntegrationExportContentType type,
+                                           Callback<std::optional<IntegrationExportPreview>> completion) {
+    using enum IntegrationExportContentType;
+    switch (type) {
+    case pdf:
+        return completion(pdfPreview());
+    case externalLink:
+        return completion(IntegrationExportPreview::externalLink());
+    case emailBacklink:
+        return dataInteractor().messagePlainText(std::nullopt, textPreview(std::move(completion)));
+    case mtSummaryBacklink:
+        return dataInteractor().meetTranscript(IntegrationMeetingTranscriptContent::summary,
+                                               IntegrationMeetingTranscriptFormat::text, std::nullopt,
+                                               textPreview(std::move(completion)));
+    case backLink:
+    case webLink:
+    case plainText:
+    case attachment:
+    case mtSummaryWeblink:
+    case emailWeblink:
+        break;
+    }
+    completion(std::nullopt);
 }
 
 StepExporter::ExportSteps StepExporter::exportSteps(FailureRule rule, std::size_t unitCount,

@@ -38,6 +38,15 @@ class StepExporter : public ServiceExporter {
     // The preview of an export as a PDF.
     IntegrationExportPreview pdfPreview() const;
 
+    // Whether it is one of the types of the services that take the message or its summary as it looks, a PDF
+    // of it, or a link of the user's own.
+    static bool isWholeMessage(IntegrationExportContentType type);
+
+    // The preview of these types: the plain text without a link, the PDF's name, or a link of the user's own.
+    // No value for another type, and where the host has no text.
+    void loadWholeMessagePreview(IntegrationExportContentType type,
+                                 Callback<std::optional<IntegrationExportPreview>> completion);
+
     // Asks the host for the attachments and offers the configuration that the function makes with them, each
     // marked by the exporter's validator.
     template <class Exporter, class Configuration>

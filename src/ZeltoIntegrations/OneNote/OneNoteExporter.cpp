@@ -16,18 +16,8 @@ namespace {
 
 using Type = IntegrationExportContentType;
 using ExportError = IntegrationExportError;
-using Source = ContentText::Source;
-using Link = ContentText::Link;
 
 const auto messageLink = IntegrationLinkType::backlink(IntegrationLinkFormat::html);
-constexpr ContentText previews[] = {
-    {Type::emailBacklink, Source::messagePlainText, Link::backlink, IntegrationLinkFormat::raw},
-    {Type::mtSummaryBacklink, Source::meetingSummary, Link::backlink, IntegrationLinkFormat::raw},
-};
-
-bool hasBody(Type type) {
-    return type == Type::pdf || type == Type::externalLink || contentTextFor(type, previews);
-}
 
 // The completion of what the host gives for a page.
 auto bodyOf(Completion<OneNotePage, IntegrationExportError> done) {
@@ -94,13 +84,7 @@ IntegrationExportContentTypes OneNoteExporter::contentTypes(IntegrationExportTar
 
 void OneNoteExporter::loadPreview(IntegrationExportContentType type,
                                   Callback<std::optional<IntegrationExportPreview>> completion) {
-    if (type == Type::pdf) {
-        return completion(pdfPreview());
-    }
-    if (type == Type::externalLink) {
-        return completion(IntegrationExportPreview::externalLink());
-    }
-    loadTextPreview(dataInteractor(), type, previews, {}, std::move(completion));
+    loadWholeMessagePreview(type, std::move(completion));
 }
 
 void OneNoteExporter::fetchData(StepRun& run, DataCompletion done) {
@@ -130,7 +114,7 @@ std::shared_ptr<ExportProgress>
 OneNoteExporter::export_(OneNoteExportConfiguration configuration,
                          Completion<void, IntegrationExportError> completion) {
     auto finish = createResultMediator(configuration, std::move(completion));
-    if (!hasBody(configuration.saveAs)) {
+    if (!isWholeMessage(configuration.saveAs)) {
         return refuseFormat(0, finish);
     }
     const auto selected = configuration.attachments.selected();

@@ -52,8 +52,7 @@ class OneNoteExporter final : public AccountDataExporter<OneNoteFullData> {
     // The default stays what it is if it is not supported.
     IntegrationExportContentTypes contentTypes(IntegrationExportTarget target) const;
 
-    // The text of the message or of the summary, with its link. No value for a type that the service does not
-    // have, and where the host has no text.
+    // No value for a type that the service does not have, and where the host has no text.
     void loadPreview(IntegrationExportContentType type,
                      Callback<std::optional<IntegrationExportPreview>> completion);
 

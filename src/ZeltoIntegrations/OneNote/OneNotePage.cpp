@@ -1,6 +1,7 @@
 #include <ZeltoIntegrations/OneNote/OneNotePage.h>
 
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
+#include <ZeltoIntegrations/Helpers/HTMLText.h>
 
 #include <utility>
 
@@ -9,43 +10,6 @@ namespace zelto {
 namespace {
 
 constexpr std::string_view bodyEnd = "</body>";
-
-// "&" stays as it is in an address, where it separates parameters.
-enum class Ampersand { escape, keep };
-
-std::string_view entityOf(char character, Ampersand ampersand) {
-    switch (character) {
-    case '<':
-        return "&lt;";
-    case '>':
-        return "&gt;";
-    case '"':
-        return "&quot;";
-    case '&':
-        return ampersand == Ampersand::escape ? "&amp;" : "";
-    default:
-        return {};
-    }
-}
-
-// No document may have one, not even as an entity.
-bool isControl(char character) {
-    const auto byte = static_cast<unsigned char>(character);
-    return (byte < 0x20 && character != '\t' && character != '\n' && character != '\r') || byte == 0x7F;
-}
-
-std::string escaped(std::string_view plain, Ampersand ampersand = Ampersand::escape) {
-    std::string html;
-    html.reserve(plain.size());
-    for (const char each : plain) {
-        if (const auto entity = entityOf(each, ampersand); !entity.empty()) {
-            html += entity;
-        } else if (!isControl(each)) {
-            html += each;
-        }
-    }
-    return html;
-}
 
 // Behind the opening tag of the body; `npos` for HTML without one. In what the host writes, no attribute has
 // a ">".
@@ -76,7 +40,8 @@ std::vector<ExporterHelperMultipartData> OneNotePage::form() && {
 
 std::optional<ExporterHelperMultipartData> oneNotePart(const std::filesystem::path& file) {
     HTTPBody content;
-    if (!content.appendFile(file)) {
+    // A page may have more files than a process may have open.
+    if (!content.appendFileToReopen(file)) {
         return std::nullopt;
     }
     // Two files may have one name.
@@ -87,8 +52,8 @@ std::optional<ExporterHelperMultipartData> oneNotePart(const std::filesystem::pa
 }
 
 std::string createHtmlObject(const ExporterHelperMultipartData& fromData) {
-    return "<object data-attachment=\"" + escaped(fromData.dataId) +
-           "\" data=\"name:" + escaped(fromData.name) + "\" type=\"" + escaped(fromData.contentType) +
+    return "<object data-attachment=\"" + htmlText(fromData.dataId) +
+           "\" data=\"name:" + htmlText(fromData.name) + "\" type=\"" + htmlText(fromData.contentType) +
            "\" />";
 }
 
@@ -96,7 +61,7 @@ std::string oneNoteHeader(std::string_view link, std::string_view note,
                           const std::optional<std::string>& headerBlock) {
     std::string header;
     if (!note.empty()) {
-        header = "<p>" + escaped(note) + "<br>______________________________</p>";
+        header = "<p>" + htmlText(note) + "<br>______________________________</p>";
     }
     header.append("<p style=\"color:#3e81de; font-size:32px;\">").append(link).append("<br></p>");
     if (headerBlock) {
@@ -106,13 +71,12 @@ std::string oneNoteHeader(std::string_view link, std::string_view note,
 }
 
 std::string oneNoteDocument(std::string_view title, std::string_view content) {
-    return "<html><head><title>" + escaped(title) + "</title></head><body>" + std::string(content) +
+    return "<html><head><title>" + htmlText(title) + "</title></head><body>" + std::string(content) +
            "</body></html>";
 }
 
 std::string oneNoteLinkDocument(std::string_view title, std::string_view externalLink) {
-    const auto link = escaped(externalLink, Ampersand::keep);
-    return oneNoteDocument(title, "<p><a href=\"" + link + "\">" + link + "</a></p>");
+    return oneNoteDocument(title, "<p>" + htmlLink(externalLink) + "</p>");
 }
 
 std::string withOneNoteHeader(std::string html, const std::string& header, std::string_view title) {

@@ -23,7 +23,8 @@ struct OneNotePage {
     std::vector<ExporterHelperMultipartData> form() &&;
 };
 
-// A part of the file, which is read when it is sent. `nullopt` if it cannot be opened.
+// A part of the file, which stays where it is until it was sent, and is read then. `nullopt` if it cannot be
+// opened.
 std::optional<ExporterHelperMultipartData> oneNotePart(const std::filesystem::path& file);
 
 // The element that shows the part.
