@@ -1,5 +1,6 @@
 #include <Support/EvernoteExport.h>
 #include <Support/LogCapture.h>
+#include <Support/ProcessMemory.h>
 
 #include <gtest/gtest.h>
 
@@ -221,6 +222,15 @@ TEST_F(EvernoteExportTest, OnlySelectedAttachmentsAreFetched) {
     one.configuration.attachments.list.at(0).state = IntegrationAttachmentState::allowed;
     EXPECT_TRUE(one.run());
     EXPECT_EQ(one.client->notes().at(0).attachments, std::vector{textFile("b.txt", "content")});
+}
+
+TEST_F(EvernoteExportTest, TheBytesOfAttachmentsAreInMemoryOnce) {
+    constexpr std::size_t size = std::size_t{20} << 20;
+    for (const auto* name : {"a.bin", "b.bin", "c.bin"}) {
+        one.attach(name, std::string(size, 'x'));
+    }
+    EXPECT_LT(growthDuring([&] { EXPECT_TRUE(one.run()); }), 4 * size + memoryOverhead);
+    EXPECT_EQ(one.client->notes().at(0).attachments.at(2).data.size(), size);
 }
 
 TEST_F(EvernoteExportTest, EveryErrorOfTheClientIsReported) {
