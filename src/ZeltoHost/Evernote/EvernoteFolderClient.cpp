@@ -7,6 +7,7 @@
 
 #include <Platform/FileManager.h>
 #include <Platform/FileNames.h>
+#include <Platform/Text.h>
 #include <Platform/UUID.h>
 
 #include <system_error>
@@ -21,6 +22,7 @@ using std::filesystem::path;
 constexpr auto folderKey = "evernoteFolder";
 constexpr auto dataName = "evernote.json";
 constexpr std::uint64_t maximumData = std::uint64_t{16} << 20;
+constexpr std::size_t maximumContent = 5'242'880; // characters of a note, with its markup
 
 // Of the folder's own name, which tells several folders apart.
 EvernoteData newData(const path& folder) {
@@ -32,6 +34,11 @@ EvernoteData newData(const path& folder) {
 
 std::string fileNameOf(std::string title) {
     return cleanedFileName(withoutSeparators(std::move(title)), "Note") + ".enex";
+}
+
+// A character has one byte at least.
+bool isTooLong(const std::string& content) {
+    return content.size() > maximumContent && codePointCount(content) > maximumContent;
 }
 
 } // namespace
@@ -116,8 +123,10 @@ void EvernoteFolderClient::createNote(std::string title, std::string content, Ev
 
 Result<void, EvernoteClientError> EvernoteFolderClient::written(const EvernoteImportNote& note,
                                                                 FolderFiles::Cancellations begun) {
-    const auto made = files_->make(fileNameOf(note.title), begun, [&note](const FolderFiles::Append& append) {
-        return writeEvernoteImportFile(note, append);
+    const auto made = files_->make(fileNameOf(note.title), begun, [&](const FolderFiles::Append& append) {
+        return isTooLong(note.content)
+                   ? failure(FileError{FileErrorCode::tooLarge, 0, files_->folder() / fileNameOf(note.title)})
+                   : writeEvernoteImportFile(note, append);
     });
     if (made) {
         return {};

@@ -25,7 +25,7 @@ class ServiceAccountConfiguration;
 //
 // Files follow the rules of FolderFiles. Everything is done before an operation returns; what is cancelled by
 // then, from another thread, ends with `connectionError` and leaves nothing. A file that cannot be read or
-// written is an `internalError`, whose reason is logged. Any thread.
+// written, or a text longer than Evernote takes, is an `internalError`, whose reason is logged. Any thread.
 class EvernoteFolderClient final : public EvernoteClient, protected LoggerClient {
   public:
     explicit EvernoteFolderClient(std::filesystem::path folder);

@@ -17,7 +17,9 @@ namespace {
 
 using Write = std::function<Result<void, FileError>(std::string_view)>;
 
-constexpr std::size_t maximumTitle = 255; // characters
+constexpr std::size_t maximumTitle = 255;       // characters
+constexpr std::size_t maximumTag = 100;         // characters
+constexpr std::size_t maximumSourceURL = 4'096; // characters
 constexpr std::size_t pieceSize = std::size_t{192} << 10;
 static_assert(pieceSize % 3 == 0, "Base64 of all pieces but the last has no padding");
 
@@ -33,12 +35,23 @@ std::string element(const std::string& name, std::string_view text) {
     return "<" + name + ">" + escaped(text) + "</" + name + ">";
 }
 
-std::string titleOf(std::string_view title) {
-    auto line = repairedUTF8(title);
+// As one line without blanks at its ends.
+std::string lineOf(std::string_view text, std::size_t maximum) {
+    auto line = repairedUTF8(text);
     std::ranges::replace_if(
         line, [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }, ' ');
-    const auto cut = trimmed(prefixUTF16Units(trimmed(line), maximumTitle));
-    return cut.empty() ? "Untitled" : std::string(cut);
+    return std::string(trimmed(prefixUTF16Units(trimmed(line), maximum)));
+}
+
+std::string titleOf(std::string_view title) {
+    const auto line = lineOf(title, maximumTitle);
+    return line.empty() ? "Untitled" : line;
+}
+
+// Tags are separated by commas where they are shown.
+std::string tagOf(std::string name) {
+    std::ranges::replace(name, ',', ';');
+    return lineOf(name, maximumTag);
 }
 
 // The end of a section in the text is written in two sections.
@@ -61,11 +74,13 @@ std::string beginningOf(const EvernoteImportNote& note) {
                          element("title", titleOf(note.title)) + "\n<content>" + section(note.content) +
                          "</content>\n" + element("created", created) + "\n" + element("updated", created) +
                          "\n";
-    for (const auto& tag : note.tags) {
-        markup += element("tag", tag.name) + "\n";
+    for (const auto& each : note.tags) {
+        if (const auto tag = tagOf(each.name); !tag.empty()) {
+            markup += element("tag", tag) + "\n";
+        }
     }
     markup += "<note-attributes>";
-    if (!note.sourceUrl.empty()) {
+    if (!note.sourceUrl.empty() && utf16Length(note.sourceUrl) <= maximumSourceURL) {
         markup += element("source-url", note.sourceUrl);
     }
     return markup + "<application-data key=\"notebook\">" + escaped(note.notebook.name) +
@@ -83,9 +98,9 @@ Result<void, FileError> writeResource(const EvernoteAttachment& attachment, cons
         return written;
     }
     const auto& type = attachment.mimeType;
+    const auto name = attachment.name.empty() ? "" : element("file-name", attachment.name);
     return write("</data>" + element("mime", type.empty() ? "application/octet-stream" : type) +
-                 "<resource-attributes>" + element("file-name", attachment.name) +
-                 "</resource-attributes></resource>\n");
+                 "<resource-attributes>" + name + "</resource-attributes></resource>\n");
 }
 
 } // namespace

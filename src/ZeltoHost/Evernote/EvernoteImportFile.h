@@ -26,9 +26,10 @@ struct EvernoteImportNote {
 };
 
 // Gives the file piece by piece to `write`, up to its first failure, which is returned. A piece is no longer
-// than the content or 256 KiB. The title is what Evernote takes: without control characters, trimmed and of
-// 255 characters at most, and "Untitled" where nothing is left. Characters that XML does not allow are left
-// out. An import file knows no notebooks: the notebook's name is data of the note for programs.
+// than the content or 256 KiB. Titles and tags are what Evernote takes: one line, trimmed, of 255 and of 100
+// characters at most, without commas in a tag; "Untitled" stands where nothing is left of a title, and an
+// empty tag is left out. So is an address of more than 4,096 characters, and so are characters that XML does
+// not allow. An import file knows no notebooks: the notebook's name is data of the note for programs.
 Result<void, FileError>
 writeEvernoteImportFile(const EvernoteImportNote& note,
                         const std::function<Result<void, FileError>(std::string_view)>& write);

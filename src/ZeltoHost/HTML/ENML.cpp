@@ -49,8 +49,8 @@ template <std::size_t N> bool isOneOf(std::string_view name, const std::array<st
 bool allowsTableAttribute(GumboTag tag, std::string_view name) {
     static constexpr std::array<std::string_view, 6> ofTables{"width",       "border",  "cellspacing",
                                                               "cellpadding", "bgcolor", "summary"};
-    static constexpr std::array<std::string_view, 9> ofCells{
-        "colspan", "rowspan", "width", "height", "bgcolor", "nowrap", "abbr", "scope", "headers"};
+    static constexpr std::array<std::string_view, 7> ofCells{"colspan", "rowspan", "width", "height",
+                                                             "bgcolor", "nowrap",  "abbr"};
     if (tag == T(TABLE)) {
         return isOneOf(name, ofTables);
     }

@@ -1,5 +1,6 @@
 #include <ZeltoHost/Evernote/EvernoteFolderClient.h>
 
+#include <ZeltoHost/Evernote/EvernoteNoteContent.h>
 #include <ZeltoHost/Evernote/ValidNotes.h>
 #include <ZeltoHost/Mail/MailDataInteractor.h>
 #include <ZeltoHost/Mail/MailSamples.h>
@@ -37,9 +38,10 @@ class EvernoteFolderClientTest : public ::testing::Test {
         return resultOf<Loaded>([&](auto completion) { client.fetchData(std::move(completion)); });
     }
 
-    Made make(const std::string& title, std::vector<EvernoteAttachment> attachments = {}) {
+    Made make(const std::string& title, std::vector<EvernoteAttachment> attachments = {},
+              const std::string& content = "a & b") {
         return resultOf<Made>([&](auto completion) {
-            client.createNote(title, "a & b", {"notes", "Notes"}, {{"t", "mail"}}, std::move(attachments),
+            client.createNote(title, content, {"notes", "Notes"}, {{"t", "mail"}}, std::move(attachments),
                               "https://a.example/?a=1&b=2", std::move(completion));
         });
     }
@@ -167,6 +169,19 @@ TEST_F(EvernoteFolderClientTest, WithoutItsFolderItMakesNothing) {
     EXPECT_EQ(client.files()->lastError(), (FileError{FileErrorCode::notFound, ENOENT, folder}));
     EXPECT_TRUE(client.files()->files().empty());
     EXPECT_FALSE(std::filesystem::exists(folder));
+}
+
+TEST_F(EvernoteFolderClientTest, ATextIsTakenUpToTheLengthThatEvernoteTakes) {
+    constexpr std::size_t maximum = 5'242'880;
+    const auto markup = evernoteNoteContent("", {}).size();
+    std::string text;
+    for (std::size_t count = markup; count < maximum; ++count) {
+        text += "ä"; // one character of two bytes
+    }
+    EXPECT_TRUE(make("Longest", {}, text));
+    EXPECT_EQ(make("Too long", {}, text + "x"), Made(failure(ClientError::internalError)));
+    EXPECT_EQ(client.files()->lastError().value().code, FileErrorCode::tooLarge);
+    EXPECT_EQ(names(), Texts{"Longest.enex"});
 }
 
 TEST_F(EvernoteFolderClientTest, WhatIsClosedMakesNothing) {

@@ -109,6 +109,37 @@ TEST(EvernoteImportFile, TitlesAreThoseThatEvernoteTakes) {
     }
 }
 
+TEST(EvernoteImportFile, TagsAreThoseThatEvernoteTakes) {
+    const std::string longest(100, 'x');
+    for (const auto& [name, expected] :
+         std::vector<std::pair<std::string, std::string>>{{"", ""},
+                                                          {" \n\x01", ""},
+                                                          {" a\tb ", "<tag>a b</tag>\n"},
+                                                          {"Smith, Robin", "<tag>Smith; Robin</tag>\n"},
+                                                          {longest, "<tag>" + longest + "</tag>\n"},
+                                                          {longest + "y", "<tag>" + longest + "</tag>\n"}}) {
+        auto one = note();
+        one.tags = {{"t", name}};
+        EXPECT_EQ(fileOf(one),
+                  fileWith("Title", expected + "<note-attributes>" + notebook + "</note-attributes>\n"));
+    }
+}
+
+TEST(EvernoteImportFile, ASourceThatEvernoteDoesNotTakeIsLeftOut) {
+    auto one = note();
+    one.sourceUrl = std::string(4096, 'x');
+    EXPECT_NE(fileOf(one).find("<source-url>" + one.sourceUrl + "</source-url>"), std::string::npos);
+    one.sourceUrl += 'x';
+    EXPECT_EQ(fileOf(one), fileWith("Title", "<note-attributes>" + notebook + "</note-attributes>\n"));
+}
+
+TEST(EvernoteImportFile, AFileWithoutANameHasNone) {
+    auto one = note();
+    one.attachments = {{"", "text/plain", Data{'a'}}};
+    EXPECT_NE(fileOf(one).find("<mime>text/plain</mime><resource-attributes></resource-attributes>"),
+              std::string::npos);
+}
+
 TEST(EvernoteImportFile, TheEndOfASectionInTheContentDoesNotEndIt) {
     auto one = note();
     one.content = "<en-note>a<![CDATA[b]]>c</en-note>";
