@@ -140,16 +140,39 @@ Advice noPDF(const ExportCircumstances& about) {
     return {"The message could not be turned into a PDF. " + error->message() + ".", withAnotherType(about)};
 }
 
+bool takes(const ExportCircumstances& about, IntegrationExportContentType type) {
+    return std::ranges::find(about.takenTypes, nameOf(type)) != about.takenTypes.end();
+}
+
+// The link of the user's own has no option, and its type may be one that was remembered.
+Advice noExternalLink(const ExportCircumstances& about) {
+    return {"There is no external link; name one as \"externalLink\" in a file for --config-over.",
+            withAnotherType(about)};
+}
+
+Advice noLink(const ExportCircumstances& about) {
+    const std::string reason = "There is no link to the message, which an export as " + about.type +
+                               " needs: a mail has one by its Message-ID.";
+    const auto own = nameOf(IntegrationExportContentType::externalLink);
+    if (takes(about, IntegrationExportContentType::externalLink)) {
+        return {reason + " A link of your own goes as " + std::string(own) + ".",
+                NextCommand::again("--as", std::string(own))};
+    }
+    return {reason, withAnotherType(about)};
+}
+
 Advice noBody(const ExportCircumstances& about) {
     if (about.pdfError) {
         return noPDF(about);
     }
     if (about.type == "externalLink") {
-        return {"There is no external link; name one as \"externalLink\" in a file for --config-over.",
-                withAnotherType(about)};
+        return noExternalLink(about);
     }
     if (!isValidUTF8(about.title)) {
         return notUTF8(about);
+    }
+    if (!about.hasLink) {
+        return noLink(about);
     }
     return {"The message has no text or no link of that kind.", withAnotherType(about)};
 }
@@ -159,17 +182,21 @@ std::string encodedTags(const std::vector<std::string>& tags) {
     return joined(tags, ",", [](const std::string& tag) { return percentEncode(tag).value_or(""); });
 }
 
-// The link of the user's own has no option, and its type may be one that was remembered.
+// The error of the services without another one for a content that is missing.
 Advice internalError(const ExportCircumstances& about) {
     if (about.fileError) {
         return {about.fileError->message() + ".", NextCommand::again()};
     }
-    if (about.type != nameOf(IntegrationExportContentType::externalLink)) {
-        return {"The export to " + about.service + " met an internal error.", showsLog};
+    if (about.type == nameOf(IntegrationExportContentType::externalLink)) {
+        return noExternalLink(about);
     }
-    return {
-        "An export as externalLink takes a link of yours: give it as \"externalLink\" of a configuration.",
-        withAnotherType(about)};
+    if (about.pdfError) {
+        return noPDF(about);
+    }
+    if (!about.hasLink && takes(about, IntegrationExportContentType::externalLink)) {
+        return noLink(about);
+    }
+    return {"The export to " + about.service + " met an internal error.", showsLog};
 }
 
 Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) {

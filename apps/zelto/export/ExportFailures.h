@@ -27,6 +27,7 @@ struct ExportCircumstances {
     std::string title;
     std::vector<std::string> attachments; // the names of those that go along
     std::vector<std::string> tags;
+    bool hasLink = true; // whether there is a link to the message
     std::string openerFailure;
     std::optional<Failure> missingTarget; // where the export needs a target and none is chosen
     bool tellsMissingTargets = false;     // whether the service refuses those in a way of their own

@@ -3,6 +3,7 @@
 #include "accounts/SecretPlaces.h"
 #include "accounts/ServiceNames.h"
 #include "accounts/UnchangedStorage.h"
+#include "base/Waiting.h"
 #include "export/DryPlatform.h"
 #include "export/MessageFile.h"
 #include "export/PlaceholderSecrets.h"
@@ -58,6 +59,13 @@ platformFor(Effects effects, const std::shared_ptr<URLDelivery>& delivery, PDFCo
     return std::make_shared<HostPlatformInteractor>(std::move(openURL), std::move(pdf));
 }
 
+bool isLinked(IntegrationsDataInteractorProtocol& message) {
+    return waitFor<std::optional<std::string>>([&](auto done) {
+               message.link(IntegrationLinkType::backlink(IntegrationLinkFormat::raw), std::move(done));
+           })
+        .has_value();
+}
+
 } // namespace
 
 std::vector<std::filesystem::path> MessageWork::files() const {
@@ -75,6 +83,7 @@ Outcome<MessageWork> MessageWork::open(const Invocation& invocation, Effects eff
     if (!message) {
         return failure(message.error());
     }
+    const bool hasOwnLink = isLinked(**message);
     auto pdf = pdfOptions(invocation);
     if (!pdf) {
         return failure(pdf.error());
@@ -115,8 +124,15 @@ Outcome<MessageWork> MessageWork::open(const Invocation& invocation, Effects eff
     if (!session) {
         return failure(session.error());
     }
-    return MessageWork{*std::move(workspace), *std::move(delivery), std::move(platform), std::move(manager),
-                       *std::move(account),   *std::move(lock),     *std::move(session), notes};
+    return MessageWork{*std::move(workspace),
+                       *std::move(delivery),
+                       std::move(platform),
+                       std::move(manager),
+                       *std::move(account),
+                       *std::move(lock),
+                       *std::move(session),
+                       notes,
+                       hasOwnLink};
 }
 
 std::string MessageWork::service() const {
@@ -133,6 +149,7 @@ ExportCircumstances MessageWork::circumstances(const ExportPlan& plan) const {
             .title = plan.title,
             .attachments = plan.attachments,
             .tags = plan.tags,
+            .hasLink = hasLink,
             .openerFailure = delivery->failureMessage(),
             .missingTarget = plan.missingTarget,
             .tellsMissingTargets = session->tellsMissingTargets(),

@@ -34,6 +34,7 @@ struct MessageWork {
     std::optional<AccountLock> lock;
     std::unique_ptr<ExportSession> session;
     std::shared_ptr<const ContentNotes> notes; // what an export does not show of the message
+    bool hasLink;                              // whether there is a link to the message
 
     static Outcome<MessageWork> open(const Invocation& invocation, Effects effects);
 

@@ -221,6 +221,27 @@ TEST(ExportFailures, SayWhatABodyIsMissing) {
     EXPECT_EQ(message(), exportFailure(Error::convertError, about).message);
 }
 
+TEST(ExportFailures, SayWhatNeedsALinkToTheMessage) {
+    auto about = circumstances();
+    about.hasLink = false;
+    about.type = "backLink";
+    EXPECT_EQ(exportFailure(Error::createBodyError, about).message,
+              "There is no link to the message, which an export as backLink needs: a mail has one by its "
+              "Message-ID.");
+    EXPECT_EQ(exportFailure(Error::internalError, about).message,
+              "The export to Trello met an internal error.");
+    about.takenTypes = {"pdf", "externalLink"};
+    about.type = "pdf";
+    const auto failed = exportFailure(Error::internalError, about);
+    EXPECT_EQ(failed.message,
+              "There is no link to the message, which an export as pdf needs: a mail has one by "
+              "its Message-ID. A link of your own goes as externalLink.");
+    EXPECT_EQ(failed.next, NextCommand::again("--as", "externalLink"));
+    about.pdfError = PDFError{PDFErrorCode::converterMissing};
+    EXPECT_EQ(exportFailure(Error::internalError, about).message,
+              exportFailure(Error::convertError, about).message);
+}
+
 TEST(ExportFailures, NameWhatWasRefusedWhateverTheErrorIs) {
     auto about = circumstances();
     EXPECT_EQ(exportFailure(Error::oauthError, about).message,

@@ -123,12 +123,22 @@ TEST_F(EvernoteCommands, AConfigurationGoesBackInWithNamesAndAsItsRecord) {
 TEST_F(EvernoteCommands, AnExportAsALinkWithoutOneSaysWhereToGiveIt) {
     const auto failed = exportOf({"--as", "externalLink", "--json"});
     EXPECT_EQ(failed.text("error"), "internalError");
-    EXPECT_EQ(
-        failed.text("message"),
-        "An export as externalLink takes a link of yours: give it as \"externalLink\" of a configuration.");
+    EXPECT_EQ(failed.text("message"),
+              "There is no external link; name one as \"externalLink\" in a file for --config-over.");
     EXPECT_EQ(failed.text("next"),
               "zelto export " + mail + " --to evernote --as emailBacklink --keychain file --json");
     EXPECT_EQ(names(), Texts{"evernote.json"});
+}
+
+TEST_F(EvernoteCommands, AMailWithoutALinkToItSaysWhatGoesWithoutOne) {
+    const auto unlinked = zelto.home.write("mail.eml", "Subject: S\r\nFrom: a@b.example\r\n\r\nText\r\n");
+    for (const std::string type : {"emailBacklink", "pdf"}) {
+        const auto failed = exportOf({"--as", type, "--json"}, unlinked.string());
+        EXPECT_EQ(failed.text("error"), "internalError");
+        EXPECT_EQ(failed.text("message"),
+                  "There is no link to the message, which an export as " + type +
+                      " needs: a mail has one by its Message-ID. A link of your own goes as externalLink.");
+    }
 }
 
 TEST_F(EvernoteCommands, ADryRunMakesNothing) {
