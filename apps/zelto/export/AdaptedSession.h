@@ -162,8 +162,10 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
             return failure(configuration.error());
         }
         const auto fields = Adapter::fields(*configuration);
-        if (const auto applied = apply(withoutSetTags(edits, *configuration, data), fields, service_);
-            !applied) {
+        auto used = withoutSetTags(edits, *configuration, data);
+        auto unused =
+            takeUnused(used, Adapter::unusedOptions(edits.saveAs.value_or(configuration->exportType())));
+        if (const auto applied = apply(used, fields, service_); !applied) {
             return failure(applied.error());
         }
         ExportPlan plan{.title = fields.title ? fields.title->value_or("") : "",
@@ -172,6 +174,7 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
                         .attachments = selectedNames(fields),
                         .tags = fields.tags ? *fields.tags : std::vector<std::string>(),
                         .leftOut = namesLeftOut(edits, fields),
+                        .unused = std::move(unused),
                         .missingTarget = {}};
         prepared_ = *std::move(configuration);
         return plan;

@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 namespace zelto::cli {
 
@@ -143,6 +144,14 @@ Outcome<void> apply(const ConfigurationEdits& edits, const EditableFields& field
     const auto failed =
         std::ranges::find_if(outcomes, [](const Outcome<void>& each) { return !each.has_value(); });
     return failed == std::end(outcomes) ? Outcome<void>() : *failed;
+}
+
+std::vector<UnusedOption> takeUnused(ConfigurationEdits& edits, std::vector<UnusedOption> unused) {
+    std::erase_if(unused, [&](const UnusedOption& each) {
+        auto& edit = each.option == "--title" ? edits.title : edits.note;
+        return !std::exchange(edit, std::nullopt);
+    });
+    return unused;
 }
 
 std::vector<std::string> selectedNames(const EditableFields& fields) {

@@ -54,6 +54,9 @@ Failure configurationFailure(const DecodingError& error, const std::string& file
 Outcome<void> apply(const ConfigurationEdits& edits, const EditableFields& fields,
                     const std::string& service);
 
+// Takes these options out of the edits, and gives those that were among them.
+std::vector<UnusedOption> takeUnused(ConfigurationEdits& edits, std::vector<UnusedOption> unused);
+
 // The names of the attachments that would go along.
 std::vector<std::string> selectedNames(const EditableFields& fields);
 

@@ -27,6 +27,12 @@ struct EditableFields {
     std::optional<std::uint64_t>* team = nullptr;
 };
 
+// An option that an export of some type makes no use of, and why, as the end of a sentence.
+struct UnusedOption {
+    std::string option; // "--title"
+    std::string reason;
+};
+
 // The fields under the names that they have in most configurations. An adapter sets those that have another.
 template <class Configuration> EditableFields usualFields(Configuration& configuration) {
     EditableFields fields;

@@ -98,6 +98,19 @@ void addWhatWasLeftOut(JSONObject& members, const MessageWork& work, const Expor
     members.set("leftOut", std::move(leftOut));
 }
 
+// What was typed and makes no difference is an error that nothing else shows.
+void addUnusedOptions(JSONObject& members, const ExportPlan& plan) {
+    JSONValue::Array options;
+    for (const auto& [option, reason] : plan.unused) {
+        options.emplace_back(option);
+        writeError("zelto: warning: " + option + " makes no difference to an export as " +
+                   std::string(nameOf(plan.saveAs)) + ": " + reason + ".\n");
+    }
+    if (!options.empty()) {
+        members.set("unusedOptions", std::move(options));
+    }
+}
+
 // Of a long message, whose end the service has no room for.
 void addBlocksLeftOut(JSONObject& members, const MessageWork& work, std::string_view verb) {
     std::size_t count = 0;
@@ -160,6 +173,7 @@ Report reportOf(const MessageWork& work, const ExportPlan& plan, bool isDryRun, 
         addWhatWasMade(report, work, plan, terminal);
     }
     addWhatWasLeftOut(report.members, work, plan);
+    addUnusedOptions(report.members, plan);
     addBlocksLeftOut(report.members, work, "lacks");
     addNotes(report.members, *work.notes);
     return report;
@@ -172,6 +186,7 @@ Outcome<Report> shownRequests(const Invocation& invocation, const Terminal& term
                          [&] { return exportWithProgress(invocation, terminal, timeout, work).result; });
     if (report) {
         addWhatWasLeftOut(report->members, work, plan);
+        addUnusedOptions(report->members, plan);
         addBlocksLeftOut(report->members, work, "would lack");
         addNotes(report->members, *work.notes);
     }

@@ -35,6 +35,8 @@ struct ExportPlan {
     std::vector<std::string> tags;
     // The attachments that `--attach all` meant and the service does not take.
     std::vector<std::string> leftOut;
+    // The options that were given and make no difference.
+    std::vector<UnusedOption> unused;
     // Why no target is chosen, for an export that needs one.
     std::optional<Failure> missingTarget;
 };

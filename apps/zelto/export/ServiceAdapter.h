@@ -68,6 +68,9 @@ template <class E> struct ServiceAdapter {
 
     static EditableFields fields(Configuration& configuration) { return usualFields(configuration); }
 
+    // The options that an export of that type makes no use of: "--title" and "--note" may be among them.
+    static std::vector<UnusedOption> unusedOptions(IntegrationExportContentType /*type*/) { return {}; }
+
     static constexpr bool needsTarget = true;
 
     // Whether the service responds with 404, and with that alone, where it does not have a target.

@@ -18,6 +18,17 @@ std::string nameOf(const SentPart& part) {
 
 } // namespace
 
+std::vector<UnusedOption> OneNoteAdapter::unusedOptions(IntegrationExportContentType type) {
+    using enum IntegrationExportContentType;
+    if (type == emailBacklink || type == mtSummaryBacklink) {
+        return {{"--title", "the page has the message's own title"}};
+    }
+    if (type == externalLink) {
+        return {{"--note", "the page is the link alone"}};
+    }
+    return {};
+}
+
 TargetTree OneNoteAdapter::targetTree(const OneNoteFullData& data) {
     TargetTree tree{.levels = {"notebook", "section"}, .nodes = {}};
     for (const auto& notebook : data.notebooks) {

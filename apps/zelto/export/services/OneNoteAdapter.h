@@ -10,6 +10,8 @@ namespace zelto::cli {
 struct OneNoteAdapter : WebAdapter<OneNoteExporter> {
     using TargetData = OneNoteFullData;
 
+    static std::vector<UnusedOption> unusedOptions(IntegrationExportContentType type);
+
     static TargetTree targetTree(const OneNoteFullData& data);
     static void setTarget(OneNoteExportConfiguration& configuration, const OneNoteFullData& data,
                           const TargetPath& path);

@@ -105,12 +105,30 @@ TEST_F(OneNoteCommands, ADryRunShowsTheFormAndNamesTheLimitsOfToday) {
     EXPECT_EQ(outcome.status, 0) << outcome.errorOutput;
     const auto& text = outcome.output;
     EXPECT_TRUE(text.starts_with(
-        "Would go to OneNote, Lighthouse/Relaunch: \"Title\" as emailBacklink, Agenda.txt.\n\n"
+        "Would go to OneNote, Lighthouse/Relaunch: \"Project kick-off: lighthouse relaunch & first week\" "
+        "as emailBacklink, Agenda.txt.\n\n"
         "1. POST https://graph.microsoft.com/v1.0/me/onenote/sections/1-"))
         << text;
     EXPECT_NE(text.find("    Authorization: Bearer ***\n"), std::string::npos) << text;
     EXPECT_NE(text.find("    part Presentation: file \""), std::string::npos) << text;
     EXPECT_TRUE(text.ends_with(": file \"Agenda.txt\", text/plain, 163 bytes\n")) << text;
+}
+
+TEST_F(OneNoteCommands, AnOptionThatMakesNoDifferenceIsWarnedOf) {
+    const auto message = exportTitle({"--json"});
+    EXPECT_EQ(message.errorOutput,
+              "zelto: warning: --title makes no difference to an export as emailBacklink: "
+              "the page has the message's own title.\n");
+    EXPECT_EQ(message.json().find("unusedOptions")->text().value(), R"(["--title"])");
+    const auto note = run({"export", ZeltoProgram::sample("weekly-planning.json"), "--to", "onenote",
+                           "--title", "Title", "--dry-run"});
+    EXPECT_EQ(note.errorOutput, "zelto: warning: --title makes no difference to an export as "
+                                "mtSummaryBacklink: the page has the message's own title.\n");
+    const auto link = exportOver(R"({"externalLink": "https://example.org/"})", {"--as", "externalLink"});
+    EXPECT_EQ(link.errorOutput,
+              "zelto: warning: --note makes no difference to an export as externalLink: the "
+              "page is the link alone.\n");
+    EXPECT_EQ(exportTitle({"--as", "pdf"}).errorOutput, "");
 }
 
 TEST_F(OneNoteCommands, AnExternalLinkIsNamedInAConfiguration) {
@@ -120,6 +138,15 @@ TEST_F(OneNoteCommands, AnExternalLinkIsNamedInAConfiguration) {
         "zelto: createBodyError: There is no external link; name one as \"externalLink\" in a file for "
         "--config-over.\nTry: "))
         << outcome.errorOutput;
+}
+
+TEST_F(OneNoteCommands, AMailWithoutALinkToItSaysWhatGoesWithoutOne) {
+    const auto unlinked = zelto.home.write("mail.eml", "Subject: S\r\nFrom: a@b.example\r\n\r\nText\r\n");
+    const auto failed = run({"export", unlinked.string(), "--to", "onenote", "--as", "pdf", "--json"});
+    EXPECT_EQ(failed.text("error"), "createBodyError");
+    EXPECT_EQ(failed.text("message"),
+              "There is no link to the message, which an export as pdf needs: a mail has "
+              "one by its Message-ID. A link of your own goes as externalLink.");
 }
 
 TEST_F(OneNoteCommands, ATitleThatIsNotUTF8IsNamed) {
