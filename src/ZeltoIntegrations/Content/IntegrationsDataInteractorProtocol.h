@@ -69,7 +69,7 @@ class IntegrationsDataInteractorProtocol {
                                 Callback<std::optional<std::string>> completion) = 0;
 
     virtual void availableAttachments(Callback<IntegrationAttachments> completion) = 0;
-    // A local file that holds the attachment of that id.
+    // A local file that holds the attachment of that id, unchanged until the export has ended.
     virtual void fetchAttachment(std::int64_t attachmentPk,
                                  Completion<std::optional<URL>, AttachmentFetchError> completion) = 0;
 
