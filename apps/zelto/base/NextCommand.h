@@ -12,7 +12,7 @@ namespace zelto::cli {
 // as it is printed.
 class NextCommand {
   public:
-    // The values of each option; none leaves it out. That of a flag is "true".
+    // The values of each option or argument; none leaves it out. That of a flag is "true".
     using Options = std::map<std::string, std::vector<std::string>, std::less<>>;
 
     // The help of the command that failed.
@@ -23,7 +23,7 @@ class NextCommand {
 
     NextCommand(const char* command) : command_(command) {}
 
-    // What was typed, with these options in place of those of the same names.
+    // What was typed, with these options and arguments in place of those of the same names.
     static NextCommand again(Options changes = {}) {
         NextCommand next;
         next.changes_ = std::move(changes);

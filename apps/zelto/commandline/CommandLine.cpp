@@ -29,6 +29,11 @@ void addOption(CLI::App& app, const OptionSpec& spec, Given& given) {
 
 void addArgument(CLI::App& app, const ArgumentSpec& spec, Given& given) {
     const std::string name(spec.name);
+    if (spec.repeatable) {
+        app.add_option_function<std::vector<std::string>>(
+            name, [&given, name](const std::vector<std::string>& values) { given[name] = values; });
+        return;
+    }
     app.add_option_function<std::string>(name,
                                          [&given, name](const std::string& value) { given[name] = {value}; });
 }

@@ -227,6 +227,40 @@ const std::vector<CommandSpec> table = {
       "zelto export examples/mails/project-kickoff.eml --to bear --tags work,mail --note 'Call back' "
       "--dry-run",
       "zelto export - --to agenda --as backLink --opener - < examples/mails/plain-note.eml"}},
+    {"files",
+     "List the files of a cloud drive",
+     "Lists what is in a folder of a connected drive: folders first, each file as `zelto fetch` takes it, its "
+     "identifier and its name. Without FOLDER it lists the drive's root.",
+     {{"ID", "The account's identifier, or its service", ValueKind::accountOrService},
+      {"FOLDER",
+       "A folder's identifier, as this command lists it; for Dropbox its path does too",
+       ValueKind::text,
+       {},
+       true}},
+     {realAccount},
+     {"zelto files dropbox", "zelto files Dropbox+me@example.org /Reports --json"}},
+    {"fetch",
+     "Bring files of a cloud drive to this machine",
+     "Downloads files of a connected drive into a folder, side by side, and prints the path of each. A name "
+     "that is taken there gets a number, like \"report (1).pdf\": no file is replaced. What comes lies there "
+     "as NAME.part until it is whole. Ctrl-C cancels and leaves nothing of what had not come whole.",
+     {{"ID", "The account's identifier, or its service", ValueKind::accountOrService},
+      {"FILE_ID:NAME",
+       "A file's identifier and the name that it gets, as `zelto files` lists them; the last colon parts them",
+       ValueKind::text,
+       {},
+       false,
+       true}},
+     {{"--out", "DIR", "The folder that the files are put into; made if it is missing", ValueKind::directory},
+      {"--timeout", "SECONDS",
+       "Give up when for so long no file has ended and fewer than 64 KiB have moved [600]"},
+      {"--progress",
+       "KIND",
+       "How progress is shown on standard error; a bar is shown on a terminal only",
+       ValueKind::text,
+       {"bar", "json", "none"}},
+      realAccount},
+     {"zelto fetch dropbox id:a4ayc_80_OEAAAAAAAAAXw:report.pdf --out reports"}},
     {"sandbox",
      "Stand in for the services on this machine",
      "Listens on this machine alone and responds like the outside services do, so that everything can be "
@@ -297,6 +331,11 @@ const std::vector<OptionSpec> global = {
 };
 
 } // namespace
+
+std::string shownName(const ArgumentSpec& argument) {
+    const auto name = std::string(argument.name) + (argument.repeatable ? "..." : "");
+    return argument.isOptional ? "[" + name + "]" : name;
+}
 
 std::span<const CommandSpec> commands() {
     return table;

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -38,7 +39,12 @@ struct ArgumentSpec {
     std::string_view help;
     ValueKind kind = ValueKind::text;
     std::vector<std::string_view> choices = {};
+    bool isOptional = false;
+    bool repeatable = false; // the last one alone
 };
+
+// "MAIL", "[FOLDER]", "FILE..."
+std::string shownName(const ArgumentSpec& argument);
 
 struct CommandSpec {
     std::string_view name; // "export", "accounts remove"

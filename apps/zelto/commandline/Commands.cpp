@@ -23,6 +23,8 @@ constexpr CommandRow rows[] = {
     {"config", runConfig},
     {"preview", runPreview},
     {"export", runExport},
+    {"files", runFiles},
+    {"fetch", runFetch},
     {"sandbox", runSandbox},
     {"mcp", runMcp},
     {"mcp ping", runMcpPing},

@@ -17,6 +17,8 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
 Outcome<Report> runConfig(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runPreview(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runFiles(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runFetch(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runSandbox(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runMcp(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runMcpPing(const Invocation& invocation, const Terminal& terminal);

@@ -95,7 +95,7 @@ std::string servicesConnectedBy(ServiceAuthFlow flow) {
 std::string usageLine(const CommandSpec& command) {
     auto line = "zelto " + std::string(command.name);
     for (const auto& argument : command.arguments) {
-        line += ' ' + std::string(argument.name);
+        line += ' ' + shownName(argument);
     }
     const auto isTo = [](const OptionSpec& option) { return option.name == "--to"; };
     if (std::ranges::any_of(command.options, isTo)) {

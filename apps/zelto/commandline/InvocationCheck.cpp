@@ -63,6 +63,17 @@ Outcome<void> checkOption(const Invocation& invocation, const OptionSpec& option
     return {};
 }
 
+Outcome<void> checkArgument(const Invocation& invocation, const ArgumentSpec& argument) {
+    const auto values = invocation.values(argument.name);
+    if (values.empty() && argument.isOptional) {
+        return {};
+    }
+    if (values.empty() || std::ranges::any_of(values, &std::string::empty)) {
+        return wrongUsage(std::string(argument.name) + " is missing.", helpCommand(invocation.command));
+    }
+    return checkChoice(invocation, argument.name, values.back(), argument.choices);
+}
+
 } // namespace
 
 std::string helpCommand(const CommandSpec* command) {
@@ -116,12 +127,8 @@ Outcome<void> checkInvocation(const Invocation& invocation) {
         return {};
     }
     for (const auto& argument : command->arguments) {
-        const auto value = invocation.value(argument.name);
-        if (!value || value->empty()) {
-            return wrongUsage(std::string(argument.name) + " is missing.", helpCommand(command));
-        }
-        if (auto chosen = checkChoice(invocation, argument.name, *value, argument.choices); !chosen) {
-            return chosen;
+        if (auto checked = checkArgument(invocation, argument); !checked) {
+            return checked;
         }
     }
     return {};

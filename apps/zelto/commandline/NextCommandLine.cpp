@@ -64,9 +64,11 @@ std::string repeated(const Invocation& typed, const NextCommand::Options& change
     std::string line = "zelto " + std::string(command.name);
     std::string dashed; // arguments that would be taken for options
     for (const auto& argument : command.arguments) {
-        const auto value = typed.value(argument.name).value_or("");
-        const bool looksLikeOption = value.starts_with('-') && value != "-";
-        (looksLikeOption ? dashed : line) += " " + shellWord(value);
+        const auto changed = changes.find(argument.name);
+        for (const auto& value : changed == changes.end() ? typed.values(argument.name) : changed->second) {
+            const bool looksLikeOption = value.starts_with('-') && value != "-";
+            (looksLikeOption ? dashed : line) += " " + shellWord(value);
+        }
     }
     const auto add = [&](const OptionSpec& option) {
         const auto changed = changes.find(option.name);

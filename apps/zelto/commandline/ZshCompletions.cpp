@@ -145,8 +145,10 @@ std::string function(const CommandSpec& command) {
     text += "    _arguments" + options;
     int place = 1;
     for (const auto& argument : command.arguments) {
-        text += " \\\n            " + shellQuoted(std::to_string(place++) + ":" + escaped(argument.name) +
-                                                  ":" + action(argument.kind, argument.choices));
+        const auto which = argument.repeatable ? "*" : std::to_string(place++);
+        text += " \\\n            " +
+                shellQuoted(which + (argument.isOptional ? "::" : ":") + escaped(argument.name) + ":" +
+                            action(argument.kind, argument.choices));
     }
     return text + "\n}\n\n";
 }

@@ -2,6 +2,7 @@
 #include "accounts/SecretPlaces.h"
 #include "base/Interruption.h"
 #include "commandline/Commands.h"
+#include "commandline/ProgressOption.h"
 #include "commandline/TimeoutOption.h"
 #include "export/DryRun.h"
 #include "export/FilesInFolder.h"
@@ -23,14 +24,6 @@
 namespace zelto::cli {
 
 namespace {
-
-ProgressStyle progressStyle(const Invocation& invocation) {
-    const auto style = invocation.value("--progress");
-    if (style == "json") {
-        return ProgressStyle::json;
-    }
-    return style == "none" || invocation.has("--quiet") ? ProgressStyle::none : ProgressStyle::bar;
-}
 
 struct EndedExport {
     ExporterResult<void> result;

@@ -2,28 +2,11 @@
 
 #include <Platform/JSON/JSONValue.h>
 
-#include <algorithm>
 #include <cmath>
 
 namespace zelto::cli {
 
 namespace {
-
-constexpr int barWidth = 30;
-constexpr auto startOfLine = "\r";
-constexpr auto clearLine = "\r\x1b[K";
-constexpr auto green = "\x1b[32m";
-constexpr auto plain = "\x1b[0m";
-
-std::string bar(float fraction, bool usesColour) {
-    const int filled = std::clamp(static_cast<int>(std::lround(fraction * barWidth)), 0, barWidth);
-    std::string text = "[";
-    text += usesColour ? green : "";
-    text.append(static_cast<std::size_t>(filled), '#');
-    text += usesColour ? plain : "";
-    text.append(static_cast<std::size_t>(barWidth - filled), ' ');
-    return text + "] " + std::to_string(std::lround(fraction * 100)) + " %";
-}
 
 std::string jsonLine(float fraction) {
     JSONObject line;
@@ -62,7 +45,7 @@ void ProgressReporter::show(float fraction) const {
     switch (style_) {
     case ProgressStyle::bar:
         if (terminal_.showsBar) {
-            writeError(startOfLine + bar(fraction, terminal_.usesColour));
+            writeError(std::string(startOfLine) + progressBar(fraction, terminal_.usesColour));
         }
         return;
     case ProgressStyle::json:

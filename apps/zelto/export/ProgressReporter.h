@@ -1,5 +1,6 @@
 #pragma once
 
+#include "base/ProgressBar.h"
 #include "base/Terminal.h"
 
 #include <ZeltoIntegrations/Export/ExportProgress.h>
@@ -9,8 +10,6 @@
 #include <string>
 
 namespace zelto::cli {
-
-enum class ProgressStyle { bar, json, none };
 
 // Shows the progress of an export on standard error: a bar that is gone at the end, or {"progress":0.25}
 // lines.

@@ -1,10 +1,8 @@
-#include "accounts/AccountConnection.h"
-#include "accounts/KeyChainCheck.h"
+#include "accounts/AccountWork.h"
 #include "accounts/SecretPlaces.h"
 #include "accounts/ServiceNames.h"
 #include "commandline/Commands.h"
 #include "export/ServiceTable.h"
-#include "sandbox/SandboxAccounts.h"
 
 #include <ZeltoIntegrations/Content/IntegrationsDataInteractorStub.h>
 
@@ -15,42 +13,26 @@ Outcome<Report> runTargets(const Invocation& invocation, const Terminal& termina
     if (const auto type = serviceNamed(named); type && !canExport(*type)) {
         return failure(cannotExport(*type));
     }
-    const auto workspace = Workspace::open(invocation, true);
-    if (!workspace) {
-        return failure(workspace.error());
-    }
-    auto manager = managerOf(*workspace);
-    auto account = workspace->account(named, manager, false);
-    if (!account) {
-        return failure(account.error());
-    }
-    if (const auto allowed = checkSandboxUse(invocation, *workspace, *account, Requests::sent); !allowed) {
-        return failure(allowed.error());
-    }
-    const auto lock = workspace->lockForUse(*account);
-    if (!lock) {
-        return failure(lock.error());
-    }
-    // What is remembered is shown without them.
-    if (const auto readable = hasRecord(account->credentials); !readable) {
-        return failure(readable.error());
+    auto work = AccountWork::open(invocation, named);
+    if (!work) {
+        return failure(work.error());
     }
     const auto session =
-        openExportSession(manager, *account, std::make_shared<IntegrationsDataInteractorStub>());
+        openExportSession(work->manager, work->account, std::make_shared<IntegrationsDataInteractorStub>());
     if (!session) {
         return failure(session.error());
     }
     const auto targets = (*session)->targets(invocation.has("--refresh"));
     if (!targets) {
-        return failure(explained(targets.error(), *workspace, *account));
+        return failure(explained(targets.error(), work->workspace, work->account));
     }
-    if (const auto stored = workspace->storageOutcome(); !stored) {
+    if (const auto stored = work->workspace.storageOutcome(); !stored) {
         return failure(stored.error());
     }
     Report report{targets->data, invocation.has("--paths") ? terminal.shownLines(pathLinesOf(targets->tree))
                                                            : linesOf(targets->tree, terminal)};
     if (!holdsTargets(targets->tree)) {
-        report.text = nothingToChoose(targets->tree, displayName(account->serviceType())) + "\n";
+        report.text = nothingToChoose(targets->tree, work->service()) + "\n";
         report.isNotice = true;
     }
     if (!targets->more.empty()) {

@@ -1,0 +1,65 @@
+#include "accounts/SecretPlaces.h"
+#include "base/ShellText.h"
+#include "base/Waiting.h"
+#include "commandline/Commands.h"
+#include "export/ExportFailures.h"
+#include "import/ImportWork.h"
+
+#include <algorithm>
+
+namespace zelto::cli {
+
+namespace {
+
+using Listing = ImportSession::Listing;
+
+// A file as `zelto fetch` takes it. What a shell would not take as it stands is quoted.
+std::string lineOf(const IntegrationImportFile& entry, const Terminal& terminal) {
+    if (entry.isFolder()) {
+        return terminal.shown(entry.name() + "/  " + entry.id()) + "\n";
+    }
+    return terminal.shown(shellWord(entry.id() + ":" + entry.name())) + "\n";
+}
+
+JSONValue::Array described(const Listing& listing) {
+    JSONValue::Array entries;
+    for (const auto& entry : listing) {
+        entries.emplace_back(JSONObject{
+            {"kind", entry.isFolder() ? "folder" : "file"}, {"id", entry.id()}, {"name", entry.name()}});
+    }
+    return entries;
+}
+
+Report reportOf(Listing listing, const Terminal& terminal) {
+    std::ranges::stable_partition(listing, &IntegrationImportFile::isFolder);
+    Report report;
+    report.members.set("files", described(listing));
+    for (const auto& entry : listing) {
+        report.text += lineOf(entry, terminal);
+    }
+    if (listing.empty()) {
+        report.text = "The folder is empty.\n";
+        report.isNotice = true;
+    }
+    return report;
+}
+
+} // namespace
+
+Outcome<Report> runFiles(const Invocation& invocation, const Terminal& terminal) {
+    const auto work = ImportWork::open(invocation);
+    if (!work) {
+        return failure(work.error());
+    }
+    const auto& [importer, fetchFiles] = work->session;
+    auto listing = waitFor<Result<Listing, IntegrationLoadError>>(
+        [&](auto done) { fetchFiles(*importer, invocation.value("FOLDER"), std::move(done)); });
+    if (!listing) {
+        auto failed = loadFailure(listing.error(), work->account.service(),
+                                  work->account.account.identifier(), importer->lastRefusal());
+        return failure(explained(std::move(failed), work->account.workspace, work->account.account));
+    }
+    return reportOf(*std::move(listing), terminal);
+}
+
+} // namespace zelto::cli

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "base/Outcome.h"
+#include "base/Terminal.h"
+
+#include <ZeltoIntegrations/Import/ImportReport.h>
+
+#include <chrono>
+#include <optional>
+#include <string>
+
+namespace zelto::cli {
+
+// What the sentences about downloads are made of.
+struct ImportCircumstances {
+    std::string service; // as the program shows it
+    std::string account; // its identifier
+    ImportReport report;
+    bool wasInterrupted = false;
+    std::optional<std::chrono::milliseconds> stalledFor; // and was cancelled for that
+};
+
+// Why files did not come, which ones, and what to do. What has come is printed all the same.
+Failure importFailure(const ImportCircumstances& circumstances, const Terminal& terminal);
+
+// The files that have come: "id", "name" and "path" of each; and their paths, one a line.
+JSONValue::Array fetchedFiles(const ImportReport& report);
+std::string fetchedPaths(const ImportReport& report, const Terminal& terminal);
+
+} // namespace zelto::cli
