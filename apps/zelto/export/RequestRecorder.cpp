@@ -44,6 +44,51 @@ SentPart sent(const FormPart& part) {
     return sent;
 }
 
+// The size of what is written in Base64, in one line.
+std::uint64_t decodedSize(const sandbox::SpoolRange& content) {
+    constexpr std::uint64_t encodedGroup = 4;
+    constexpr std::uint64_t decodedGroup = 3;
+    if (content.size < encodedGroup) {
+        return 0;
+    }
+    const auto end = sandbox::SpoolRange{content.bytes, content.offset + content.size - 2, 2}.text(2);
+    return content.size / encodedGroup * decodedGroup -
+           static_cast<std::uint64_t>(std::ranges::count(end, '='));
+}
+
+SentPart sent(const sandbox::BodyPart& part, std::size_t number) {
+    const auto* type = part.field("Content-Type");
+    const auto* encoding = part.field("Content-Transfer-Encoding");
+    const bool isBase64 = encoding && equalIgnoringASCIICase(*encoding, "base64");
+    SentPart sent{.name = std::to_string(number),
+                  .fileName = {},
+                  .contentType = type ? sandbox::mediaTypeOf(*type) : "text/plain",
+                  .size = isBase64 ? decodedSize(part.content) : part.content.size,
+                  .text = {}};
+    if (!isBase64 && isText(sent.contentType)) {
+        sent.text = repairedUTF8(part.content.text(maximumPartText));
+    }
+    return sent;
+}
+
+// Those of a multipart body that is no form.
+std::vector<SentPart> relatedParts(const SentRequest& request,
+                                   const std::shared_ptr<const sandbox::SpooledBytes>& body) {
+    const auto type = std::ranges::find_if(request.headers, [](const HTTPHeaderField& field) {
+        return equalIgnoringASCIICase(field.name, "Content-Type");
+    });
+    if (type == request.headers.end() || sandbox::mediaTypeOf(type->value) != "multipart/related") {
+        return {};
+    }
+    const auto boundary = sandbox::headerParameter(type->value, "boundary");
+    const auto parts = sandbox::parseRelated(sandbox::SpoolRange::all(body), boundary.value_or(""));
+    std::vector<SentPart> all;
+    for (std::size_t index = 0; parts && index < parts->size(); ++index) {
+        all.push_back(sent((*parts)[index], index + 1));
+    }
+    return all;
+}
+
 SentRequest sent(const sandbox::RequestHead& head, std::uint64_t bodySize) {
     const auto* host = head.field("Host");
     SentRequest sent{.method = head.method,
@@ -66,6 +111,9 @@ void addBody(SentRequest& sent, sandbox::RequestHead head,
     }
     std::ranges::transform(request->parts, std::back_inserter(sent.parts),
                            [](const FormPart& part) { return zelto::cli::sent(part); });
+    if (sent.parts.empty()) {
+        sent.parts = relatedParts(sent, body);
+    }
     const auto maximum = isJSON(request->contentType) ? maximumJSON : maximumText;
     if (sent.bodySize <= maximum && isText(request->contentType)) {
         sent.text = repairedUTF8(sandbox::SpoolRange::all(body).text(maximum));

@@ -9,12 +9,12 @@
 
 namespace zelto::cli {
 
-// One part of a multipart form.
+// One part of a multipart body.
 struct SentPart {
-    std::string name;
+    std::string name; // in a form; elsewhere its number
     std::optional<std::string> fileName;
     std::string contentType;
-    std::uint64_t size = 0;          // bytes
+    std::uint64_t size = 0;          // bytes, of a file in Base64 those of the file
     std::optional<std::string> text; // of a part that is no file
 
     bool operator==(const SentPart&) const = default;
@@ -27,7 +27,7 @@ struct SentRequest {
     std::vector<HTTPHeaderField> headers; // without Host, which the URL holds
     std::uint64_t bodySize = 0;           // bytes
     std::optional<std::string> text;      // of a body that is text
-    std::vector<SentPart> parts;          // of a body that is a multipart form
+    std::vector<SentPart> parts;          // of a multipart body
 
     bool operator==(const SentRequest&) const = default;
 };

@@ -68,6 +68,35 @@ TEST_F(Recorder, ReceivesWhatIsMeantForAServiceAndResponds) {
     EXPECT_EQ(shown(), R"({"method":"GET","url":"https://api.service.example/a%20b?x=1&x=2","headers":{}})");
 }
 
+TEST_F(Recorder, ShowsTheNumberedPartsOfABodyThatIsNoFormWithTheSizesOfTheirFiles) {
+    const std::string head =
+        "\r\n--b\r\nContent-Type: application/json; charset=UTF-8\r\n\r\n{\"name\":\"a\"}\r\n";
+    const auto withFile = [&](const std::string& base64) {
+        return head + "--b\r\nContent-Type: text/plain\r\nContent-Transfer-Encoding: base64\r\n\r\n" +
+               base64 + "\r\n--b--";
+    };
+    for (const auto& file : {"", "a", "ab", "abc", "abcd"}) {
+        EXPECT_EQ(send("POST", "https://api.service.example/",
+                       {{"Content-Type", "multipart/related; boundary=b"}}, withFile(base64Encoded(file))),
+                  "2");
+        const auto parts = recorder->requests().back().parts;
+        ASSERT_EQ(parts.size(), 2U);
+        EXPECT_EQ(parts[0], (SentPart{.name = "1",
+                                      .fileName = {},
+                                      .contentType = "application/json",
+                                      .size = 12,
+                                      .text = R"({"name":"a"})"}));
+        EXPECT_EQ(parts[1], (SentPart{.name = "2",
+                                      .fileName = {},
+                                      .contentType = "text/plain",
+                                      .size = std::string_view(file).size(),
+                                      .text = {}}));
+    }
+    EXPECT_EQ(send("POST", "https://api.service.example/",
+                   {{"Content-Type", "multipart/related; boundary=b"}}, "no parts"),
+              "0");
+}
+
 TEST_F(Recorder, ShowsTextsWholeAndSecretsMasked) {
     EXPECT_EQ(send("POST", "https://api.service.example/" + placeholder + "?token=" + placeholder,
                    {{"Authorization", "Bearer " + placeholder}, {"Content-Type", "application/json"}},
