@@ -20,14 +20,6 @@ const std::string& label(const TargetNode& node) {
     return node.name.empty() ? node.id : node.name;
 }
 
-const TargetNode& nodeAt(const TargetTree& tree, std::span<const std::size_t> path) {
-    const auto* node = &tree.nodes.at(path.front());
-    for (const auto index : path.subspan(1)) {
-        node = &node->children.at(index);
-    }
-    return *node;
-}
-
 using TextForm = std::string (*)(std::string_view);
 
 std::string asWritten(std::string_view text) {
@@ -180,13 +172,74 @@ Outcome<TargetPath> decided(const TargetTree& tree, const Search& search, const 
     return wrongUsage(std::string(option) + ": " + problem + ".", refreshCommand(account));
 }
 
+// Of a nested tree.
+
+// Calls the visitor with the path of each node, holders first.
+void visitNodes(const std::vector<TargetNode>& nodes, TargetPath& path,
+                const std::function<void(const TargetPath&)>& visitor) {
+    for (std::size_t index = 0; index < nodes.size(); ++index) {
+        path.push_back(index);
+        visitor(path);
+        visitNodes(nodes[index].children, path, visitor);
+        path.pop_back();
+    }
+}
+
+std::vector<TargetPath> nestedTargets(const TargetTree& tree) {
+    std::vector<TargetPath> all;
+    TargetPath path;
+    visitNodes(tree.nodes, path, [&](const TargetPath& each) { all.push_back(each); });
+    return all;
+}
+
+std::string absolutePath(std::string_view text) {
+    text = text.substr(0, text.find_last_not_of('/') + 1);
+    return text.starts_with('/') ? std::string(text) : "/" + std::string(text);
+}
+
+// The targets that the text names by path or identifier, else those that it names by name.
+std::vector<TargetPath> nestedTargetsNamed(const TargetTree& tree, TextForm form, const std::string& text) {
+    const auto wanted = form(text);
+    const auto wantedPath = form(absolutePath(text));
+    std::vector<TargetPath> places;
+    std::vector<TargetPath> namesakes;
+    for (auto& path : nestedTargets(tree)) {
+        const auto& node = nodeAt(tree, path);
+        if (form(targetName(tree, path)) == wantedPath || form(node.id) == wanted) {
+            places.push_back(std::move(path));
+        } else if (form(node.name) == wanted) {
+            namesakes.push_back(std::move(path));
+        }
+    }
+    return places.empty() ? namesakes : places;
+}
+
+Outcome<TargetPath> findNestedTarget(const TargetTree& tree, const std::string& text,
+                                     const std::string& account, std::string_view option) {
+    auto found = nestedTargetsNamed(tree, asWritten, text);
+    if (found.empty()) {
+        found = nestedTargetsNamed(tree, foldedCase, text);
+    }
+    if (found.size() == 1) {
+        return found.front();
+    }
+    const auto all = nestedTargets(tree);
+    const auto problem =
+        found.empty()
+            ? "there is no " + std::string(tree.levels.front()) + " " + quoted(text) + "; there are " +
+                  listed(all.size(), [&](std::size_t index) { return targetName(tree, all[index]); })
+            : ambiguous(tree, found, text);
+    return wrongUsage(std::string(option) + ": " + problem + ".", refreshCommand(account));
+}
+
 void appendLines(std::string& text, const std::vector<TargetNode>& nodes, std::size_t depth,
                  const Terminal& terminal) {
     constexpr std::size_t indent = 2;
     for (const auto& node : nodes) {
         text.append(depth * indent, ' ');
-        text += node.name.empty() ? terminal.shown(node.id)
-                                  : terminal.shown(node.name) + "  (" + terminal.shown(node.id) + ")";
+        const bool hasBoth = !node.name.empty() && node.name != node.id;
+        text += hasBoth ? terminal.shown(node.name) + "  (" + terminal.shown(node.id) + ")"
+                        : terminal.shown(node.id);
         text += '\n';
         appendLines(text, node.children, depth + 1, terminal);
     }
@@ -200,6 +253,12 @@ struct Target {
 
 void appendTargets(std::vector<Target>& targets, TargetPath& path, const TargetTree& tree,
                    const std::vector<TargetNode>& nodes) {
+    if (tree.isNested) {
+        for (const auto& each : nestedTargets(tree)) {
+            targets.push_back({targetName(tree, each), nodeAt(tree, each).id});
+        }
+        return;
+    }
     for (std::size_t index = 0; index < nodes.size(); ++index) {
         path.push_back(index);
         if (path.size() < tree.levels.size()) {
@@ -225,12 +284,23 @@ std::unordered_map<std::string, int> usesOfTexts(const std::vector<Target>& targ
 
 } // namespace
 
+const TargetNode& nodeAt(const TargetTree& tree, std::span<const std::size_t> path) {
+    const auto* node = &tree.nodes.at(path.front());
+    for (const auto index : path.subspan(1)) {
+        node = &node->children.at(index);
+    }
+    return *node;
+}
+
 std::string listOf(const std::vector<TargetNode>& nodes) {
     return listed(nodes.size(), [&](std::size_t index) { return label(nodes[index]); });
 }
 
 Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, const std::string& account,
                                std::string_view option) {
+    if (tree.isNested) {
+        return findNestedTarget(tree, text, account, option);
+    }
     const Search exact(tree, asWritten, text);
     if (exact.foundAny()) {
         return decided(tree, exact, text, account, option);
@@ -248,7 +318,9 @@ Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, 
 std::string targetName(const TargetTree& tree, const TargetPath& path) {
     std::string name;
     for (std::size_t depth = 1; depth <= path.size(); ++depth) {
-        name.append(depth == 1 ? "" : "/").append(label(nodeAt(tree, std::span(path).first(depth))));
+        const auto& text = label(nodeAt(tree, std::span(path).first(depth)));
+        const bool begins = depth == 1 && (!tree.isNested || text.starts_with('/'));
+        name.append(begins ? "" : "/").append(text);
     }
     return name;
 }

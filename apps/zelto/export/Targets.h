@@ -24,21 +24,26 @@ struct TargetNode {
 struct TargetTree {
     std::vector<std::string_view> levels; // the service's word for each: "board", "list"
     std::vector<TargetNode> nodes;
+    // Of folders in folders: every node is a target, of the one level, named by a path that begins with "/".
+    bool isNested = false;
 };
 
 // Which node on each level, from the top.
 using TargetPath = std::vector<std::size_t>;
 
+const TargetNode& nodeAt(const TargetTree& tree, std::span<const std::size_t> path);
+
 // What --target names: the names or the identifiers of all levels, joined by "/", or the target's identifier
 // or its name alone where no other target has it. Names may hold "/"; without regard to case where nothing
-// fits exactly. A failure lists what there is, for `option`, where the text stands.
+// fits exactly. In a nested tree "/" may lack at the start, and stand at the end. A failure lists what there
+// is, for `option`, where the text stands.
 Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, const std::string& account,
                                std::string_view option = "--target");
 
 // The first of the nodes' names, "Inbox, Errands and 3 more".
 std::string listOf(const std::vector<TargetNode>& nodes);
 
-// "Board/List", by identifier where there is no name.
+// "Board/List", "/Folder/Folder", by identifier where there is no name.
 std::string targetName(const TargetTree& tree, const TargetPath& path);
 
 // The name as people know it; the identifier where there is none.

@@ -19,7 +19,44 @@ std::string found(const std::string& text) {
     return path ? targetName(tree, *path) : path.error().message;
 }
 
+// Folders of a drive.
+const TargetTree folders{.levels = {"folder"},
+                         .nodes = {{"/", "/"},
+                                   {"f1", "Work", {{"f2", "Plans", {{"f3", "Old"}}}, {"f4", "Ärger"}}},
+                                   {"f5", "Home", {{"f6", "Plans"}}}},
+                         .isNested = true};
+
+std::string foundFolder(const std::string& text) {
+    const auto path = findTarget(folders, text, "Dropbox+me");
+    return path ? targetName(folders, *path) + " " + nodeAt(folders, *path).id : path.error().message;
+}
+
 } // namespace
+
+TEST(Targets, OfFoldersInFoldersAreNamedByPathIdentifierOrAUniqueName) {
+    for (const auto* text : {"/Work/Plans", "Work/Plans", "/Work/Plans/", "/work/PLANS", "f2"}) {
+        EXPECT_EQ(foundFolder(text), "/Work/Plans f2") << text;
+    }
+    for (const auto* text : {"Old", "old", "/Work/Plans/Old"}) {
+        EXPECT_EQ(foundFolder(text), "/Work/Plans/Old f3") << text;
+    }
+    EXPECT_EQ(foundFolder("ärger"), "/Work/Ärger f4");
+    for (const auto* text : {"/", "", "//"}) {
+        EXPECT_EQ(foundFolder(text), "/ /") << text;
+    }
+    EXPECT_EQ(foundFolder("Plans"), "--target: \"Plans\" means several: /Work/Plans (f2), /Home/Plans (f6); "
+                                    "give the identifier.");
+    EXPECT_EQ(foundFolder("/Plans"), "--target: there is no folder \"/Plans\"; there are /, /Work, "
+                                     "/Work/Plans, /Work/Plans/Old, /Work/Ärger, /Home, /Home/Plans.");
+}
+
+TEST(Targets, OfFoldersInFoldersAreListedAsATreeAndByPath) {
+    EXPECT_EQ(linesOf(folders, {}), "/\nWork  (f1)\n  Plans  (f2)\n    Old  (f3)\n  Ärger  (f4)\n"
+                                    "Home  (f5)\n  Plans  (f6)\n");
+    EXPECT_EQ(pathLinesOf(folders),
+              "/\n/Work\n/Work/Plans\n/Work/Plans/Old\n/Work/Ärger\n/Home\n/Home/Plans\n");
+    EXPECT_TRUE(holdsTargets(folders));
+}
 
 TEST(Targets, AreNamedByNamesOrIdentifiersInAnyMixture) {
     for (const auto* text : {"Work/To Do", "b1/To Do", "Work/l1", "b1/l1", "l1"}) {
