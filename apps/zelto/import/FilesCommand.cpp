@@ -2,7 +2,7 @@
 #include "base/ShellText.h"
 #include "base/Waiting.h"
 #include "commandline/Commands.h"
-#include "export/ExportFailures.h"
+#include "import/ImportFailures.h"
 #include "import/ImportWork.h"
 
 #include <algorithm>
@@ -13,12 +13,19 @@ namespace {
 
 using Listing = ImportSession::Listing;
 
+// As the last colon of what `zelto fetch` takes needs it.
+std::string nameToFetch(const IntegrationImportFile& file) {
+    auto name = file.name().empty() ? file.id() : file.name();
+    std::ranges::replace(name, ':', '_');
+    return name;
+}
+
 // A file as `zelto fetch` takes it. What a shell would not take as it stands is quoted.
 std::string lineOf(const IntegrationImportFile& entry, const Terminal& terminal) {
     if (entry.isFolder()) {
         return terminal.shown(entry.name() + "/  " + entry.id()) + "\n";
     }
-    return terminal.shown(shellWord(entry.id() + ":" + entry.name())) + "\n";
+    return terminal.shown(shellWord(entry.id() + ":" + nameToFetch(entry))) + "\n";
 }
 
 JSONValue::Array described(const Listing& listing) {
@@ -52,11 +59,12 @@ Outcome<Report> runFiles(const Invocation& invocation, const Terminal& terminal)
         return failure(work.error());
     }
     const auto& [importer, fetchFiles] = work->session;
+    const auto folder = invocation.value("FOLDER");
     auto listing = waitFor<Result<Listing, IntegrationLoadError>>(
-        [&](auto done) { fetchFiles(*importer, invocation.value("FOLDER"), std::move(done)); });
+        [&](auto done) { fetchFiles(*importer, folder, std::move(done)); });
     if (!listing) {
-        auto failed = loadFailure(listing.error(), work->account.service(),
-                                  work->account.account.identifier(), importer->lastRefusal());
+        auto failed = listingFailure(listing.error(), work->account.service(),
+                                     work->account.account.identifier(), folder, importer->lastRefusal());
         return failure(explained(std::move(failed), work->account.workspace, work->account.account));
     }
     return reportOf(*std::move(listing), terminal);

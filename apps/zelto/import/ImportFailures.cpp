@@ -37,8 +37,8 @@ std::string reconnect(const std::string& account) {
     return "zelto reconnect " + shellWord(account);
 }
 
-std::string filesCommand(const ImportCircumstances& about) {
-    return "zelto files " + shellWord(about.account);
+std::string filesCommand(const std::string& account) {
+    return "zelto files " + shellWord(account);
 }
 
 // What was typed, for the files that did not come.
@@ -67,11 +67,12 @@ Advice reasonOf(const DownloadError& error, const ImportCircumstances& about) {
     case ServiceClientError::invalidAccount:
         return {about.service + " does not accept the account's sign-in any more", reconnect(about.account)};
     case ServiceClientError::forbidden:
-        return {"the account may not read it, or it is no file that can be downloaded", filesCommand(about)};
+        return {"the account may not read it, or it is no file that can be downloaded",
+                filesCommand(about.account)};
     case ServiceClientError::itemNotFound:
-        return {about.service + " has no such file", filesCommand(about)};
+        return {about.service + " has no such file", filesCommand(about.account)};
     case ServiceClientError::apiCallError:
-        return {about.service + " refused the request", filesCommand(about)};
+        return {about.service + " refused the request", filesCommand(about.account)};
     case ServiceClientError::toManyRequests:
         return {about.service + " had too many requests; wait some minutes", again};
     case ServiceClientError::serviceInternalError:
@@ -125,7 +126,36 @@ Failure failureOf(const std::vector<File>& failed, const ImportCircumstances& ab
             reasonOf(error, about).second};
 }
 
+// Without the full stop.
+Advice listingAdvice(IntegrationLoadError error, const std::string& service, const std::string& account,
+                     const std::optional<std::string>& folder) {
+    switch (error) {
+    case IntegrationLoadError::oauthError:
+        return {service + " does not accept the account's sign-in any more", reconnect(account)};
+    case IntegrationLoadError::connectionError:
+        return {service + " could not be reached", NextCommand::again()};
+    case IntegrationLoadError::internalError:
+        return folder
+                   ? Advice{service + " did not list the folder \"" + *folder + "\"", filesCommand(account)}
+                   : Advice{service + " did not list its files", NextCommand::againWith("--verbose")};
+    }
+    return {};
+}
+
 } // namespace
+
+Failure listingFailure(IntegrationLoadError error, const std::string& service, const std::string& account,
+                       const std::optional<std::string>& folder,
+                       const std::optional<ServiceRefusal>& refusal) {
+    auto [message, next] = listingAdvice(error, service, account, folder);
+    Failure failure{std::string(nameOf(error)), std::move(message), std::move(next)};
+    if (refusal && !refusal->words.empty()) {
+        failure.message += " (\"" + refusal->words + "\")";
+        failure.members.set("words", refusal->words);
+    }
+    failure.nothingWasSent = refusal && refusal->nothingWasSent;
+    return failure;
+}
 
 Failure importFailure(const ImportCircumstances& about, const Terminal& terminal) {
     std::vector<File> failed;

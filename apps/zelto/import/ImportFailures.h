@@ -3,6 +3,8 @@
 #include "base/Outcome.h"
 #include "base/Terminal.h"
 
+#include <ZeltoIntegrations/Client/ServiceRefusal.h>
+#include <ZeltoIntegrations/Content/IntegrationError.h>
 #include <ZeltoIntegrations/Import/ImportReport.h>
 
 #include <chrono>
@@ -10,6 +12,11 @@
 #include <string>
 
 namespace zelto::cli {
+
+// Why a folder of the service's account could not be listed; without one it is the drive's root.
+Failure listingFailure(IntegrationLoadError error, const std::string& service, const std::string& account,
+                       const std::optional<std::string>& folder,
+                       const std::optional<ServiceRefusal>& refusal);
 
 // What the sentences about downloads are made of.
 struct ImportCircumstances {

@@ -22,7 +22,8 @@ struct ImportRow {
 template <class Importer>
 void fetchFiles(ServiceImporter& importer, const std::optional<std::string>& folder,
                 ImportSession::ListingCompletion completion) {
-    static_cast<Importer&>(importer).fetchFiles(folder.value_or(""), std::move(completion));
+    const bool isRoot = folder == "/";
+    static_cast<Importer&>(importer).fetchFiles(isRoot ? std::nullopt : folder, std::move(completion));
 }
 
 template <class Importer>

@@ -19,7 +19,7 @@ struct ImportSession {
     using ListingCompletion = Completion<Listing, IntegrationLoadError>;
 
     std::shared_ptr<ServiceImporter> importer;
-    // Without a folder it is the drive's root.
+    // Without a folder, and of "/", it is the drive's root.
     void (*fetchFiles)(ServiceImporter& importer, const std::optional<std::string>& folder,
                        ListingCompletion completion);
 };

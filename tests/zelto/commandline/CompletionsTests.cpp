@@ -95,7 +95,7 @@ TEST(Completions, OfBashOfferCommands) {
     const ZeltoProgram zelto;
     EXPECT_EQ(offered(zelto, "zelto ''"),
               (Words{"services", "connect", "reconnect", "accounts", "targets", "config", "preview", "export",
-                     "sandbox", "mcp", "completion"}));
+                     "files", "fetch", "sandbox", "mcp", "completion"}));
     EXPECT_EQ(offered(zelto, "zelto con"), (Words{"connect", "config"}));
     EXPECT_EQ(offered(zelto, "zelto --json --data-dir x exp"), Words{"export"});
     EXPECT_EQ(offered(zelto, "zelto accounts ''"), (Words{"remove", "restore"}));
