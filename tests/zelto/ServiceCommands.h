@@ -143,8 +143,15 @@ template <CommandFacts Facts> class ServiceCommands : public testing::Test {
         return paths;
     }
 
+    // Where an export goes for which none is named; empty for the root of a drive.
+    std::string usualTarget() const {
+        const auto first = targets().front();
+        return first == "/" ? "" : first;
+    }
+
     static std::string madeIn(const std::string& target) {
-        return "On " + std::string(Facts::name) + ", " + target + ": " + Facts::made + ".\n";
+        return "On " + std::string(Facts::name) + (target.empty() ? "" : ", " + target) + ": " + Facts::made +
+               ".\n";
     }
 
     // What a failure is called that is `error` where the service tells failures apart.

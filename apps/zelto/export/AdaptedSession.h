@@ -113,6 +113,21 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         }
     }
 
+    std::vector<std::string> existingFiles() const override {
+        if constexpr (Adapter::takesPolicy) {
+            return Adapter::existingFiles(*exporter_);
+        }
+        return {};
+    }
+
+    std::string assumption() const override {
+        if (!Adapter::takesPolicy || policy_ == ExportFilePolicy::keepBoth) {
+            return {};
+        }
+        return std::string("Shown as for a folder without files of these names, which is not looked at; ") +
+               (policy_ ? "such files would be replaced." : "with such files the export would end there.");
+    }
+
     ExporterResult<void> run(const OnStarted& onStarted) override {
         // Overriding needs what the check of an export without a policy has found.
         if (policy_ != ExportFilePolicy::overrideExisting) {
@@ -385,14 +400,18 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
             return failure(targetsUnknown(service_, account_));
         }
         const auto tree = data ? Adapter::targetTree(*data) : TargetTree();
+        const auto path = wanted ? findTarget(tree, *wanted, account_) : TargetPath();
+        if (!path) {
+            return failure(path.error());
+        }
         if (wanted) {
-            const auto path = findTarget(tree, *wanted, account_);
-            if (!path) {
-                return failure(path.error());
-            }
             Adapter::setTarget(*prepared_, *data, *path);
         }
         plan.target = Adapter::targetName(*prepared_);
+        // A configuration may have but the target's identifier.
+        if (wanted && !plan.target.empty()) {
+            plan.target = cli::targetName(tree, *path);
+        }
         if (plan.target.empty() && Adapter::needsTarget) {
             plan.missingTarget = noTarget(tree, service_, account_);
         }
@@ -409,13 +428,15 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
     }
 
     auto targetData(const ConfigurationEdits& edits, DataLoading loading) {
-        // What is offered where a target is needed follows from the data: the default target. A file may name
-        // one.
-        const bool mayName = edits.target || edits.whole || edits.over;
-        if (!Adapter::needsTarget && !mayName) {
+        // What is offered where a target is needed follows from the data: the default target.
+        if (!Adapter::needsTarget && !edits.target && !namesTarget(edits.whole) && !namesTarget(edits.over)) {
             return decltype(loaded(false))(std::nullopt);
         }
         return loading == DataLoading::never ? loaded(false) : loadedWhereMissing();
+    }
+
+    static bool namesTarget(const std::optional<ConfigurationFile>& file) {
+        return file && file->members.find("saveTo");
     }
 
     auto loadedWhereMissing() {

@@ -86,6 +86,10 @@ Outcome<Report> dryRun(const MessageWork& work, const ExportPlan& plan, const Te
     const auto limits = work.session->passedLimits(requests);
     const auto refusals = work.session->refusals(requests);
     auto sentences = refusals;
+    const auto assumption = result ? work.session->assumption() : std::string();
+    if (!assumption.empty()) {
+        sentences.insert(sentences.begin(), assumption);
+    }
     std::ranges::transform(limits, std::back_inserter(sentences), sentenceOf);
     Report report{.members = describedPlan(plan, work),
                   .text = planLine(plan, work, terminal) + filesLine(work, terminal) +
@@ -97,6 +101,9 @@ Outcome<Report> dryRun(const MessageWork& work, const ExportPlan& plan, const Te
     report.members.set("limits", described(limits));
     if (!refusals.empty()) {
         report.members.set("refusals", described(refusals));
+    }
+    if (!assumption.empty()) {
+        report.members.set("assumption", assumption);
     }
     if (!result) {
         return failure(failureOf(result.error(), work, plan, std::move(report), !requests.empty()));

@@ -41,9 +41,10 @@ EndedExport exportWithProgress(const Invocation& invocation, const Terminal& ter
     auto result = work.session->run([&](const auto& progress) {
         const auto cancel = [progress] { progress->cancel(); };
         reporter.follow(progress);
-        cancelling.reset();
-        interruption.reset();
-        interruption.emplace();
+        // One for all, so that a Ctrl-C between an export and its repetition stops that too.
+        if (!interruption) {
+            interruption.emplace();
+        }
         cancelling.emplace(interruption->stop(), cancel);
         stallWatch.emplace(
             timeout, [progress] { return progress->fractionCompleted(); }, cancel);

@@ -199,6 +199,35 @@ Advice internalError(const ExportCircumstances& about) {
     return {"The export to " + about.service + " met an internal error.", showsLog};
 }
 
+std::string alreadyThere(const ExportCircumstances& about) {
+    constexpr std::size_t maximumCount = 10;
+    const auto& files = about.existingFiles;
+    if (files.empty()) {
+        return "A file of that name exists already.";
+    }
+    const auto count = std::min(files.size(), maximumCount);
+    const auto names = joined(files | std::views::take(count), ", ",
+                              [](const std::string& name) { return named("", name).substr(1); });
+    const auto others = files.size() - count;
+    return "On " + about.service + " there is already " + names +
+           (others > 0 ? " and " + std::to_string(others) + " more" : "") +
+           ". Nothing was uploaded; the next command keeps both.";
+}
+
+// Of an export that ended for files of the same names: the other way to go on.
+OtherCommand overriding() {
+    return {"override", "To replace what is there: ", NextCommand::again("--policy", "overrideExisting"),
+            "."};
+}
+
+JSONValue arrayOf(const std::vector<std::string>& texts) {
+    JSONValue::Array all;
+    for (const auto& text : texts) {
+        all.emplace_back(text);
+    }
+    return all;
+}
+
 Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) {
     switch (error) {
     case IntegrationExportError::canceled:
@@ -217,7 +246,7 @@ Advice adviceOn(IntegrationExportError error, const ExportCircumstances& about) 
         return {about.service + " does not take that type; it takes " + joined(about.takenTypes, ", ") + ".",
                 withAnotherType(about)};
     case IntegrationExportError::fileAlreadyExists:
-        return {"A file of that name exists already.", NextCommand::again("--policy", "keepBoth")};
+        return {alreadyThere(about), NextCommand::again("--policy", "keepBoth")};
     case IntegrationExportError::oauthError:
         return refusal(about, "take",
                        {about.service + " does not accept the account's sign-in any more.",
@@ -376,6 +405,10 @@ Failure exportFailure(IntegrationExportError error, const ExportCircumstances& a
     auto name = hasStalled ? "timedOut" : nameOfFailure(error, about);
     Failure failure{std::move(name), std::move(message), std::move(next), status, membersOf(about.report)};
     failure.nothingWasSent = nothingWasSent(about.report);
+    if (error == IntegrationExportError::fileAlreadyExists) {
+        failure.members.set("existing", arrayOf(about.existingFiles));
+        failure.other = overriding();
+    }
     return failure;
 }
 

@@ -29,8 +29,9 @@ struct ExportCircumstances {
     std::vector<std::string> tags;
     bool hasLink = true; // whether there is a link to the message
     std::string openerFailure;
-    std::optional<Failure> missingTarget; // where the export needs a target and none is chosen
-    bool tellsMissingTargets = false;     // whether the service refuses those in a way of their own
+    std::optional<Failure> missingTarget;        // where the export needs a target and none is chosen
+    std::vector<std::string> existingFiles = {}; // in place of those of the export, as they are shown
+    bool tellsMissingTargets = false;            // whether the service refuses those in a way of their own
     std::optional<PDFError> pdfError;
     std::optional<FileError> fileError; // of the account's folder
     ExportReport report;

@@ -85,14 +85,19 @@ class ExportSession {
     // What the last export did on its service.
     virtual ExportReport report() const = 0;
 
+    // The files that the last export has found in place of its own, as they are shown.
+    virtual std::vector<std::string> existingFiles() const = 0;
+
     // Whether the service refuses a request for a target that is not there in a way of its own.
     virtual bool tellsMissingTargets() const = 0;
 
-    // For a dry run: the response to a request of the export, the limits that the requests would pass, and
-    // sentences about what else of them the service would refuse.
+    // For a dry run: the response to a request of the export, the limits that the requests would pass,
+    // sentences about what else of them the service would refuse, and one about what was taken for granted of
+    // the service, which is not asked; empty for nothing.
     virtual std::string standInResponse(const SentRequest& request) const = 0;
     virtual std::vector<PassedLimit> passedLimits(const std::vector<SentRequest>& requests) const = 0;
     virtual std::vector<std::string> refusals(const std::vector<SentRequest>& requests) const = 0;
+    virtual std::string assumption() const = 0;
 };
 
 } // namespace zelto::cli

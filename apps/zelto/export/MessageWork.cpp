@@ -152,6 +152,7 @@ ExportCircumstances MessageWork::circumstances(const ExportPlan& plan) const {
             .hasLink = hasLink,
             .openerFailure = delivery->failureMessage(),
             .missingTarget = plan.missingTarget,
+            .existingFiles = session->existingFiles(),
             .tellsMissingTargets = session->tellsMissingTargets(),
             .pdfError = platform->lastPDFError(),
             .fileError = files ? files->lastError() : std::nullopt,

@@ -29,6 +29,10 @@ bool isTypeKey(std::string_view key) {
     return key == "saveAs" || key == "selectedExportKind";
 }
 
+bool isTypesKey(std::string_view key) {
+    return key == "supportedContentTypes" || key == "availableExportKinds";
+}
+
 // A value's number as its name; anything else stays.
 template <class E> void writeName(JSONValue& value) {
     const auto number = value.asInt64();
@@ -153,7 +157,7 @@ void writeMember(std::string_view key, JSONValue& value) {
         writeDate(value);
     } else if (key == targetKey) {
         forEachDate(value, [](JSONValue& date, const auto&) { writeDate(date); });
-    } else if (auto* const types = key == "supportedContentTypes" ? value.asArray() : nullptr) {
+    } else if (auto* const types = isTypesKey(key) ? value.asArray() : nullptr) {
         std::ranges::for_each(*types, writeName<IntegrationExportContentType>);
     }
 }
@@ -184,7 +188,7 @@ Outcome<void> readMember(std::string_view key, JSONValue& value, const std::stri
     if (key == targetKey) {
         return readDates(value, file);
     }
-    return key == "supportedContentTypes" ? readTypes(value, key, file) : Outcome<void>();
+    return isTypesKey(key) ? readTypes(value, key, file) : Outcome<void>();
 }
 
 // One of the message's attachments as a list names it.

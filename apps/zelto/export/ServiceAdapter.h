@@ -84,7 +84,9 @@ template <class E> struct ServiceAdapter {
         exporter.loadData(force, std::move(done));
     }
 
-    // Whether export_ takes a policy for files that exist already.
+    // Whether export_ takes a policy for files that exist already. The adapter of such a service also gives
+    //
+    //     static std::vector<std::string> existingFiles(const Exporter&); // as they are shown
     static constexpr bool takesPolicy = false;
 
     static std::shared_ptr<ExportProgress> export_(Exporter& exporter, Configuration configuration,

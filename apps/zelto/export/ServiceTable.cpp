@@ -4,7 +4,9 @@
 #include "export/AdaptedSession.h"
 #include "export/services/ApplicationAdapters.h"
 #include "export/services/AsanaAdapter.h"
+#include "export/services/DropboxAdapter.h"
 #include "export/services/EvernoteAdapter.h"
+#include "export/services/GoogleDriveAdapter.h"
 #include "export/services/ICloudAdapter.h"
 #include "export/services/NotionAdapter.h"
 #include "export/services/OneNoteAdapter.h"
@@ -40,7 +42,8 @@ std::unique_ptr<ExportSession> open(IntegrationsManager& manager, const ServiceA
 // Every service that the program can export to. Nothing else of the program names one.
 constexpr ServiceRow rows[] = {
     {ServiceType::Agenda, open<AgendaAdapter>},       {ServiceType::Asana, open<AsanaAdapter>},
-    {ServiceType::Bear, open<BearAdapter>},           {ServiceType::Evernote, open<EvernoteAdapter>},
+    {ServiceType::Bear, open<BearAdapter>},           {ServiceType::Dropbox, open<DropboxAdapter>},
+    {ServiceType::Evernote, open<EvernoteAdapter>},   {ServiceType::GoogleDrive, open<GoogleDriveAdapter>},
     {ServiceType::iCloudDrive, open<ICloudAdapter>},  {ServiceType::Notion, open<NotionAdapter>},
     {ServiceType::OmniFocus, open<OmniFocusAdapter>}, {ServiceType::OneNote, open<OneNoteAdapter>},
     {ServiceType::Things, open<ThingsAdapter>},       {ServiceType::TodoIst, open<TodoistAdapter>},

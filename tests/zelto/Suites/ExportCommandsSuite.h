@@ -32,6 +32,15 @@ template <CommandFacts Facts> class ExportCommands : public ServiceCommands<Fact
         this->service.onRequest = [response](const auto&) { return response; };
     }
 
+    // Requests that make something.
+    void failMaking(const PlayedResponse& response) {
+        this->service.onRequest =
+            [this, response](const ReceivedRequest& request) -> std::optional<PlayedResponse> {
+            const bool makes = this->service.madeBy(request) || uploadedFile(request);
+            return makes ? std::optional(response) : std::nullopt;
+        };
+    }
+
     // `error`: what the reason is called, where the service has a failure of its own for it.
     ExpectedFailure notMade(const std::string& reason, const ExpectedNext& next,
                             const std::string& error = Facts::notMadeError) const {
@@ -54,12 +63,14 @@ TYPED_TEST_P(ExportCommands, PreviewWhatEachTypeWouldMake) {
 TYPED_TEST_P(ExportCommands, SayInJSONWhatWasMade) {
     EXPECT_EQ(this->run(this->exportOf({"--json"})).output,
               R"({"result":"success","service":")" + std::string(nameOf(TypeParam::type)) +
-                  R"(","identifier":")" + this->account + R"(","target":")" + this->targets().front() +
+                  R"(","identifier":")" + this->account + R"(","target":")" + this->usualTarget() +
                   R"(","made":)" + TypeParam::madeData + "}\n");
 }
 
 TYPED_TEST_P(ExportCommands, RefuseATypeThatTheServiceDoesNotTake) {
-    const auto usual = this->run(this->withMail("config", {"--names"})).text("saveAs");
+    const auto offered = this->run(this->withMail("config", {"--names"}));
+    const auto form = offered.text("saveAs");
+    const auto usual = form.empty() ? offered.text("selectedExportKind") : form;
     this->expectFailure(this->withMail("preview", {"--as", TypeParam::otherType}),
                         {1, "noPreview",
                          this->name + " has no preview of that type for this message; it takes " +
@@ -111,6 +122,7 @@ TYPED_TEST_P(ExportCommands, SayThatTheOutcomeOfACutOffRequestIsNotKnown) {
     this->failAll(PlayedResponse::reset());
     this->expectFailure({"targets", this->account, "--refresh"},
                         {1, "connectionError", this->name + " could not be reached.", this->refresh});
+    this->failMaking(PlayedResponse::reset());
     const auto document = this->expectFailure(
         this->exportOf(), this->notMade("the connection ended without a response. Whether " + this->name +
                                             " has this is not known, since no response came: " +

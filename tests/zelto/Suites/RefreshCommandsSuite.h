@@ -32,7 +32,7 @@ TYPED_TEST_SUITE_P(RefreshCommands);
 
 TYPED_TEST_P(RefreshCommands, RefreshAStaleTokenOnceAndStoreIt) {
     const auto first = this->exportTitle();
-    EXPECT_EQ(first.output, this->madeIn(this->targets().front())) << first.errorOutput;
+    EXPECT_EQ(first.output, this->madeIn(this->usualTarget())) << first.errorOutput;
     EXPECT_EQ(this->sent().front().target, TypeParam::Server::tokenPath);
     EXPECT_EQ(storedTokens(this->zelto, this->account).accessToken, "fresh");
     EXPECT_EQ(this->exportTitle().status, 0);
@@ -54,7 +54,7 @@ TYPED_TEST_P(RefreshCommands, RefreshATokenThatTheServiceRefuses) {
         return isOld ? std::optional(PlayedResponse::json("no", 401)) : std::nullopt;
     };
     const auto exported = this->exportTitle();
-    EXPECT_EQ(exported.output, this->madeIn(this->targets().front())) << exported.errorOutput;
+    EXPECT_EQ(exported.output, this->madeIn(this->usualTarget())) << exported.errorOutput;
     EXPECT_EQ(storedTokens(this->zelto, this->account).accessToken, "fresh");
     EXPECT_EQ(this->refreshCount(), 1);
 }

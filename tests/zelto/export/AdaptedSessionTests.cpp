@@ -127,6 +127,8 @@ struct FolderAdapter : WebAdapter<FolderExporter> {
 
     static constexpr bool takesPolicy = true;
 
+    static std::vector<std::string> existingFiles(const FolderExporter& /*exporter*/) { return {"a.pdf"}; }
+
     static std::shared_ptr<ExportProgress> export_(FolderExporter& exporter,
                                                    FolderConfiguration configuration,
                                                    std::optional<ExportFilePolicy> policy,
@@ -159,7 +161,7 @@ TEST_F(FolderSession, EditsTheFieldsThatTheAdapterNames) {
     ASSERT_TRUE(plan);
     EXPECT_EQ(plan->title, "Other");
     EXPECT_EQ(plan->saveAs, Type::plainText);
-    EXPECT_EQ(plan->target, "f2");
+    EXPECT_EQ(plan->target, "Notes");
     EXPECT_TRUE(session.run([](const auto&) {}));
     EXPECT_EQ(*exporter->exported,
               (FolderConfiguration{.fileName = "Other",
