@@ -6,6 +6,8 @@
 #include "import/ImportWork.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 
 namespace zelto::cli {
 
@@ -37,8 +39,15 @@ JSONValue::Array described(const Listing& listing) {
     return entries;
 }
 
-Report reportOf(Listing listing, const Terminal& terminal) {
-    std::ranges::stable_partition(listing, &IntegrationImportFile::isFolder);
+Listing foldersFirst(const Listing& entries) {
+    Listing sorted;
+    std::ranges::copy_if(entries, std::back_inserter(sorted), &IntegrationImportFile::isFolder);
+    std::ranges::copy_if(entries, std::back_inserter(sorted), std::not_fn(&IntegrationImportFile::isFolder));
+    return sorted;
+}
+
+Report reportOf(const Listing& entries, const Terminal& terminal) {
+    const auto listing = foldersFirst(entries);
     Report report;
     report.members.set("files", described(listing));
     for (const auto& entry : listing) {
@@ -67,7 +76,7 @@ Outcome<Report> runFiles(const Invocation& invocation, const Terminal& terminal)
                                      work->account.account.identifier(), folder, importer->lastRefusal());
         return failure(explained(std::move(failed), work->account.workspace, work->account.account));
     }
-    return reportOf(*std::move(listing), terminal);
+    return reportOf(*listing, terminal);
 }
 
 } // namespace zelto::cli
