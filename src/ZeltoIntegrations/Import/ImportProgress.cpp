@@ -2,6 +2,8 @@
 
 #include <Platform/Operations/ContainedException.h>
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace zelto {
@@ -60,10 +62,16 @@ void ImportProgress::setFile(std::size_t index, const DownloadedBytes& bytes, bo
 
 void ImportProgress::count(const File& file, std::int64_t times) {
     const auto& [received, expected] = file.bytes;
-    receivedBytes_ += times * static_cast<std::int64_t>(received);
-    expectedBytes_ += times * static_cast<std::int64_t>(expected.value_or(0));
+    receivedBytes_ += times * countable(received);
+    expectedBytes_ += times * countable(expected.value_or(0));
     unknownSizes_ += expected ? 0 : times;
     endedFiles_ += file.hasEnded ? times : 0;
+}
+
+// A service may say any size; this way the sum over all files is a number.
+std::int64_t ImportProgress::countable(std::uint64_t bytes) const {
+    const auto maximum = std::numeric_limits<std::int64_t>::max() / static_cast<std::int64_t>(files_.size());
+    return static_cast<std::int64_t>(std::min(bytes, static_cast<std::uint64_t>(maximum)));
 }
 
 } // namespace zelto

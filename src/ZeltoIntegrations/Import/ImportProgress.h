@@ -42,6 +42,7 @@ class ImportProgress final : public Progress {
 
     void setFile(std::size_t index, const DownloadedBytes& bytes, bool hasEnded);
     void count(const File& file, std::int64_t times);
+    std::int64_t countable(std::uint64_t bytes) const;
 
     mutable std::mutex lock_; // guards what follows
     std::vector<File> files_;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -40,6 +42,20 @@ TEST(ImportProgress, KnowsTheTotalOnceFilesOfUnknownSizeHaveEnded) {
     progress->endFile(0);
     EXPECT_TRUE(progress->isFinished());
     EXPECT_EQ(progress->totalUnitCount(), 10);
+}
+
+TEST(ImportProgress, TakesAnySizeThatAServiceSays) {
+    const auto progress = std::make_shared<ImportProgress>(3);
+    for (std::size_t file = 0; file < 3; ++file) {
+        progress->setBytes(file, {.received = 10, .expected = std::numeric_limits<std::uint64_t>::max()});
+    }
+    EXPECT_EQ(progress->totalUnitCount(), std::numeric_limits<std::int64_t>::max() / 3 * 3);
+    EXPECT_EQ(progress->completedUnitCount(), 30);
+    for (std::size_t file = 0; file < 3; ++file) {
+        progress->endFile(file);
+    }
+    EXPECT_EQ(progress->totalUnitCount(), 30);
+    EXPECT_TRUE(progress->isFinished());
 }
 
 TEST(ImportProgress, TellsItsHandlerOfEachChangeAndContainsWhatThatThrows) {
