@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <limits>
 #include <utility>
 
 namespace zelto {
@@ -12,16 +13,22 @@ namespace {
 
 constexpr std::size_t maximumErrorBody = std::size_t{1} << 20;
 
-// Null for any other response.
-const HTTPURLResponse* responseOfSuccess(const std::shared_ptr<const URLResponse>& response) {
+// Null for any other response: of those of success only this one brings a whole file.
+const HTTPURLResponse* responseWithFile(const std::shared_ptr<const URLResponse>& response) {
+    constexpr int ok = 200;
     const auto* http = dynamic_cast<const HTTPURLResponse*>(response.get());
-    return http && isSuccess(http->statusCode()) ? http : nullptr;
+    return http && http->statusCode() == ok ? http : nullptr;
 }
 
-// The length counts what is sent, which is not the file where it is compressed.
+// The length counts what is sent, which is not the file where it is compressed, and counts nothing where it
+// is sent in chunks.
 std::optional<std::uint64_t> expectedSize(const HTTPURLResponse& response) {
     const auto length = response.header("Content-Length");
-    return length && !response.header("Content-Encoding") ? numberIn<std::uint64_t>(*length) : std::nullopt;
+    if (!length || response.header("Content-Encoding") || response.header("Transfer-Encoding")) {
+        return std::nullopt;
+    }
+    // The transport passes over a length that is too large for it, or not the only one. No file has it.
+    return numberIn<std::uint64_t>(*length).value_or(std::numeric_limits<std::uint64_t>::max());
 }
 
 } // namespace
@@ -35,9 +42,9 @@ class FileDownload::Delegate final : public URLSessionDataDelegate {
     URLSessionResponseDisposition
     didReceiveResponse(URLSessionDataTask&, const std::shared_ptr<const URLResponse>& response) override {
         response_ = response;
-        const auto* success = responseOfSuccess(response);
-        isFile_ = success != nullptr;
-        endsEarly_ = isFile_ && !download_->begin(*success);
+        const auto* begun = responseWithFile(response);
+        isFile_ = begun != nullptr;
+        endsEarly_ = isFile_ && !download_->begin(*begun);
         return endsEarly_ ? URLSessionResponseDisposition::cancel : URLSessionResponseDisposition::allow;
     }
 
@@ -88,8 +95,14 @@ DownloadResult FileDownload::end(const ServiceResult<ServiceResponse>& result) {
     if (!result) {
         return failure(DownloadError{result.error(), std::nullopt, refusal_});
     }
-    if (error_ || !file) {
+    if (error_) {
         return failure(DownloadError{ServiceClientError::internalError, error_});
+    }
+    if (!file) {
+        return failure(DownloadError{ServiceClientError::dataParseError});
+    }
+    if (bytes_.received != bytes_.expected.value_or(bytes_.received)) {
+        return failure(DownloadError{ServiceClientError::connectionError});
     }
     auto path = file->finish();
     if (!path) {

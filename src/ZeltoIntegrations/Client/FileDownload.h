@@ -47,8 +47,9 @@ struct DownloadedBytes {
 // Called when the file begins and whenever more of it has come, on the thread on which the session delivers.
 using DownloadProgress = std::function<void(const DownloadedBytes&)>;
 
-// A response that goes to a file as it comes, for one request however often it is tried. The body of a
-// response that is no success goes into memory, of which at most 1 MiB is kept.
+// A response that goes to a file as it comes, for one request however often it is tried. The body of any
+// response but 200 goes into memory, of which at most 1 MiB is kept; another response of success brings no
+// file, and is a `dataParseError`.
 class FileDownload : public std::enable_shared_from_this<FileDownload> {
   public:
     FileDownload(std::shared_ptr<DownloadSession> session, std::filesystem::path goal,
@@ -74,7 +75,7 @@ class FileDownload : public std::enable_shared_from_this<FileDownload> {
     const std::shared_ptr<DownloadSession> session_;
     const std::filesystem::path goal_;
     const DownloadProgress onBytes_;
-    std::optional<DownloadedFile> file_; // since a response of success has begun
+    std::optional<DownloadedFile> file_; // since a response with one has begun
     std::optional<FileError> error_;
     DownloadedBytes bytes_;
     ServiceRefusal refusal_;

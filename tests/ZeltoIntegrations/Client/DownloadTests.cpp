@@ -181,6 +181,19 @@ TEST(Download, LeavesFilesThatAreThereAndTakesANumberedName) {
     EXPECT_EQ(namesIn(folder), (Names{"report.pdf", "report (1).pdf", "report (2).pdf"}));
 }
 
+TEST(Download, TakesAGoalWhoseNameIsAsLongAsFileSystemsAllow) {
+    const TestHTTPServer server(Responses{{.body = "one"}, {.body = "two"}});
+    const ServiceRoute route(server);
+    const TemporaryFolder folder;
+    auto client = signedIn();
+    const auto name = std::string(251, 'x') + ".txt";
+    const auto numbered = std::string(247, 'x') + " (1).txt";
+    EXPECT_EQ(downloaded(client, folder / name), folder / name);
+    EXPECT_EQ(downloaded(client, folder / name), folder / numbered);
+    EXPECT_EQ(namesIn(folder), (Names{name, numbered}));
+    EXPECT_EQ(TemporaryFolder::read(folder / numbered), "two");
+}
+
 TEST(Download, TakesItsGoalBesideAPartThatAnotherProcessHasLeft) {
     const TestHTTPServer server(Responses{{.body = "new"}});
     const ServiceRoute route(server);
@@ -238,6 +251,9 @@ TEST(Download, ThatBreaksOffIsAConnectionErrorAndLeavesNothing) {
         cut(500, true),
         PlayedResponse::reset(),
         PlayedResponse::bytes("garbage"),
+        PlayedResponse::bytes("HTTP/1.1 200 OK\r\nContent-Length: 9300000000000000000\r\n\r\nabc"),
+        PlayedResponse::bytes("HTTP/1.1 200 OK\r\nContent-Length: 99999999999999999999\r\n\r\nabc"),
+        PlayedResponse::bytes("HTTP/1.1 200 OK\r\nContent-Length: 9\r\nContent-Length: 3\r\n\r\nabc"),
         PlayedResponse::bytes("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3\r\nabc\r\n"),
         PlayedResponse::bytes("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n9\r\nabc"),
         {.body = "no gzip", .fields = {{"Content-Encoding", "gzip"}}},
@@ -322,6 +338,38 @@ TEST(Download, TellsNoSizeOfACompressedFile) {
         end.callback<DownloadCompletion>());
     EXPECT_FALSE(end.value());
     EXPECT_EQ(told, std::vector{DownloadedBytes{}});
+}
+
+TEST(Download, TellsNoSizeOfAFileThatComesInChunks) {
+    const TestHTTPServer server(Responses{PlayedResponse::bytes(
+        "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\nContent-Length: 2\r\n\r\n3\r\nabc\r\n0\r\n\r\n")});
+    const ServiceRoute route(server);
+    const TemporaryFolder folder;
+    auto client = signedIn();
+    std::vector<DownloadedBytes> told;
+    Completed<DownloadResult> end;
+    client.download(
+        makerOf(), folder / "report.pdf", [&](const DownloadedBytes& bytes) { told.push_back(bytes); },
+        end.callback<DownloadCompletion>());
+    EXPECT_EQ(end.value(), folder / "report.pdf");
+    EXPECT_EQ(TemporaryFolder::read(folder / "report.pdf"), "abc");
+    EXPECT_EQ(told.back(), DownloadedBytes{.received = 3});
+}
+
+TEST(Download, OfASuccessThatBringsNoWholeFileLeavesNothing) {
+    const PlayedResponse rows[] = {
+        PlayedResponse::bytes("HTTP/1.1 204 No Content\r\n\r\n"),
+        PlayedResponse::bytes(
+            "HTTP/1.1 206 Partial Content\r\nContent-Range: bytes 0-2/9\r\nContent-Length: 3\r\n\r\nabc"),
+    };
+    for (const auto& row : rows) {
+        const TestHTTPServer server(Responses{row});
+        const ServiceRoute route(server);
+        const TemporaryFolder folder;
+        auto client = signedIn();
+        EXPECT_EQ(downloaded(client, folder / "report.pdf"), failed(E::dataParseError)) << *row.raw;
+        EXPECT_EQ(namesIn(folder), Names{});
+    }
 }
 
 TEST(Download, IsDecodedAsItsEncodingSays) {
