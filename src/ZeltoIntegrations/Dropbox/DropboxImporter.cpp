@@ -18,8 +18,8 @@ void DropboxImporter::fetchFiles(
     }
 }
 
-void DropboxImporter::downloadFile(StepRun& run, const DownloadFileInfo& file, std::filesystem::path goal,
-                                   DownloadProgress onBytes, DownloadCompletion done) {
+void DropboxImporter::performDownload(StepRun& run, const DownloadFileInfo& file, std::filesystem::path goal,
+                                      DownloadProgress onBytes, DownloadCompletion done) {
     if (const auto client = clientOf<DropboxClient, DropboxAuthoriser>(run, done)) {
         client->downloadFile(file, std::move(goal), std::move(onBytes), std::move(done));
     }

@@ -20,8 +20,8 @@ class DropboxImporter final : public ServiceImporter {
                     Completion<std::vector<IntegrationImportFile>, IntegrationLoadError> completion);
 
   private:
-    void downloadFile(StepRun& run, const DownloadFileInfo& file, std::filesystem::path goal,
-                      DownloadProgress onBytes, DownloadCompletion done) override;
+    void performDownload(StepRun& run, const DownloadFileInfo& file, std::filesystem::path goal,
+                         DownloadProgress onBytes, DownloadCompletion done) override;
 };
 
 } // namespace zelto

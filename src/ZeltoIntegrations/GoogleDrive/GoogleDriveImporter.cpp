@@ -18,8 +18,9 @@ void GoogleDriveImporter::fetchFiles(
     }
 }
 
-void GoogleDriveImporter::downloadFile(StepRun& run, const DownloadFileInfo& file, std::filesystem::path goal,
-                                       DownloadProgress onBytes, DownloadCompletion done) {
+void GoogleDriveImporter::performDownload(StepRun& run, const DownloadFileInfo& file,
+                                          std::filesystem::path goal, DownloadProgress onBytes,
+                                          DownloadCompletion done) {
     if (const auto client = clientOf<GoogleDriveClient, GoogleDriveAuthoriser>(run, done)) {
         client->downloadFile(file, std::move(goal), std::move(onBytes), std::move(done));
     }

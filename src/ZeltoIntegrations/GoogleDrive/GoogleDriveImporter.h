@@ -20,8 +20,8 @@ class GoogleDriveImporter final : public ServiceImporter {
                     Completion<std::vector<IntegrationImportFile>, IntegrationLoadError> completion);
 
   private:
-    void downloadFile(StepRun& run, const DownloadFileInfo& file, std::filesystem::path goal,
-                      DownloadProgress onBytes, DownloadCompletion done) override;
+    void performDownload(StepRun& run, const DownloadFileInfo& file, std::filesystem::path goal,
+                         DownloadProgress onBytes, DownloadCompletion done) override;
 };
 
 } // namespace zelto

@@ -104,12 +104,12 @@ void ServiceImporter::downloadFile(std::string fileId, std::string fileName,
     if (!goal) {
         return completion(failure(LoadError::internalError));
     }
-    downloadFile(*run, DownloadFileInfo(std::move(fileId), std::move(fileName)), *goal, nullptr,
-                 [self = shared_from_this(), run,
-                  completion = std::move(completion)](const DownloadResult& result) mutable {
-                     completion(result ? Result<std::string, LoadError>(result->native())
-                                       : failure(loadError(result.error().service)));
-                 });
+    performDownload(*run, DownloadFileInfo(std::move(fileId), std::move(fileName)), *goal, nullptr,
+                    [self = shared_from_this(), run,
+                     completion = std::move(completion)](const DownloadResult& result) mutable {
+                        completion(result ? Result<std::string, LoadError>(result->native())
+                                          : failure(loadError(result.error().service)));
+                    });
 }
 
 std::shared_ptr<ImportProgress>
@@ -155,7 +155,7 @@ void ServiceImporter::downloadStep(StepRun& run, const std::shared_ptr<Download>
     if (!goal) {
         return ended(failure(DownloadError{ServiceClientError::internalError, goal.error()}));
     }
-    downloadFile(
+    performDownload(
         run, info, *std::move(goal),
         [progress = download->progress(), index](const DownloadedBytes& bytes) {
             progress->setBytes(index, bytes);
@@ -163,8 +163,8 @@ void ServiceImporter::downloadStep(StepRun& run, const std::shared_ptr<Download>
         std::move(ended));
 }
 
-void ServiceImporter::downloadFile(StepRun&, const DownloadFileInfo&, std::filesystem::path, DownloadProgress,
-                                   DownloadCompletion done) {
+void ServiceImporter::performDownload(StepRun&, const DownloadFileInfo&, std::filesystem::path,
+                                      DownloadProgress, DownloadCompletion done) {
     done(failure(DownloadError{}));
 }
 
@@ -202,6 +202,10 @@ void ServiceImporter::remember(const std::shared_ptr<StepRun>& run) {
     std::erase_if(runs_, [](const auto& each) { return each.expired(); });
     runs_.push_back(run);
     lastRefusal_.reset();
+}
+
+ServiceClientError ServiceImporter::reasonForNoClient(const StepRun& run) {
+    return run.isCancelled() ? ServiceClientError::connectionError : ServiceClientError::oauthError;
 }
 
 AccountAuthoriser::TokensObserver ServiceImporter::tokensObserver() {

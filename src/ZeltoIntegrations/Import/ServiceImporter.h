@@ -71,19 +71,20 @@ class ServiceImporter : public std::enable_shared_from_this<ServiceImporter> {
 
   protected:
     // A download as a part of a run. A concrete importer sends one request by the client of the run.
-    virtual void downloadFile(StepRun& run, const DownloadFileInfo& file, std::filesystem::path goal,
-                              DownloadProgress onBytes, DownloadCompletion done);
+    virtual void performDownload(StepRun& run, const DownloadFileInfo& file, std::filesystem::path goal,
+                                 DownloadProgress onBytes, DownloadCompletion done);
 
     // The run of a listing, which is one request.
     std::shared_ptr<StepRun> newRun();
 
-    // The run's client with the account's credentials. Where there is none, for an account without
-    // credentials and a run that was cancelled, `done` has got that, and null is returned.
+    // The run's client with the account's credentials. Where there is none, `done` has got why, and null is
+    // returned: `oauthError` for an account without credentials, `connectionError` for a run that was
+    // cancelled.
     template <class Client, class Authoriser, class T>
     std::shared_ptr<Client> clientOf(StepRun& run, Completion<T, IntegrationLoadError>& done) {
         auto client = madeClientOf<Client, Authoriser>(run);
         if (!client) {
-            done(failure(IntegrationLoadError::oauthError));
+            done(failure(loadError(reasonForNoClient(run))));
         }
         return client;
     }
@@ -92,7 +93,7 @@ class ServiceImporter : public std::enable_shared_from_this<ServiceImporter> {
     std::shared_ptr<Client> clientOf(StepRun& run, DownloadCompletion& done) {
         auto client = madeClientOf<Client, Authoriser>(run);
         if (!client) {
-            done(failure(DownloadError{ServiceClientError::oauthError}));
+            done(failure(DownloadError{reasonForNoClient(run)}));
         }
         return client;
     }
@@ -130,6 +131,8 @@ class ServiceImporter : public std::enable_shared_from_this<ServiceImporter> {
             return makeAccountClient<Client, Authoriser>(*credentials, tokensObserver(), refusalObserver());
         });
     }
+
+    static ServiceClientError reasonForNoClient(const StepRun& run);
 
     AccountAuthoriser::TokensObserver tokensObserver();
     ServiceClient::RefusalObserver refusalObserver();

@@ -152,6 +152,19 @@ TYPED_TEST_P(DriveImport, BringsFilesToDiskSideBySideUnderTheirNames) {
     EXPECT_EQ(this->interactor->importEvents().size(), 3U);
 }
 
+TYPED_TEST_P(DriveImport, BringsOneFileToDisk) {
+    this->service.onRequest = [](const auto&) { return PlayedResponse{.body = "content"}; };
+    using Path = Result<std::string, IntegrationLoadError>;
+    Completed<Path> completed;
+    const auto importer = this->importer();
+    importer->downloadFile("id-1", "../a.txt", completed.template callback<Callback<Path>>());
+    EXPECT_EQ(completed.value(), (this->folder / "a.txt").native());
+    EXPECT_EQ(this->contentOf(this->folder / "a.txt"), "content");
+    ASSERT_EQ(this->service.texts().size(), 1U);
+    EXPECT_TRUE(this->service.texts().front().starts_with(TypeParam::downloadLine("id-1") + "\n"));
+    EXPECT_TRUE(this->interactor->importEvents().empty());
+}
+
 TYPED_TEST_P(DriveImport, OfAFileThatFailsLeavesNothing) {
     for (const auto& failing : failingResponses()) {
         this->service.onRequest = [&](const auto&) { return failing.response; };
@@ -171,6 +184,7 @@ TYPED_TEST_P(DriveImport, WithoutCredentialsSendsNothing) {
 REGISTER_TYPED_TEST_SUITE_P(DriveImport, ListsFoldersAndFiles, ListsNothingAfterAnyFailure,
                             KeepsWhatTheServiceSaysOfARefusal, DropsAListingOnceItIsReleased,
                             EndsAListingThatIsCancelled, BringsFilesToDiskSideBySideUnderTheirNames,
-                            OfAFileThatFailsLeavesNothing, WithoutCredentialsSendsNothing);
+                            BringsOneFileToDisk, OfAFileThatFailsLeavesNothing,
+                            WithoutCredentialsSendsNothing);
 
 } // namespace zelto

@@ -5,8 +5,10 @@
 
 #include <Support/Completed.h>
 #include <Support/Event.h>
+#include <Support/Eventually.h>
 #include <Support/FakePlatformInteractor.h>
 #include <Support/FileSizeLimit.h>
+#include <Support/Gate.h>
 #include <Support/HostMistakes.h>
 #include <Support/HostileFileNames.h>
 #include <Support/MemoryKeyChain.h>
@@ -17,6 +19,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <filesystem>
 #include <functional>
@@ -88,8 +91,8 @@ class HeldImporter final : public ServiceImporter {
     }
 
   private:
-    void downloadFile(StepRun&, const DownloadFileInfo& file, fs::path, DownloadProgress,
-                      DownloadCompletion done) override {
+    void performDownload(StepRun&, const DownloadFileInfo& file, fs::path, DownloadProgress,
+                         DownloadCompletion done) override {
         {
             const std::lock_guard guard(lock_);
             held_.emplace(file.fileId(), std::move(done));
@@ -112,13 +115,33 @@ class NetworkImporter final : public ServiceImporter {
     using ServiceImporter::ServiceImporter;
 
   private:
-    void downloadFile(StepRun& run, const DownloadFileInfo& file, fs::path goal, DownloadProgress onBytes,
-                      DownloadCompletion done) override {
+    void performDownload(StepRun& run, const DownloadFileInfo& file, fs::path goal, DownloadProgress onBytes,
+                         DownloadCompletion done) override {
         if (const auto client = clientOf<ServiceClient, DropboxAuthoriser>(run, done)) {
             client->download(
                 RequestSource::of(URLRequest(*URL::parse("https://api.example/" + file.fileId()))).make,
                 std::move(goal), std::move(onBytes), std::move(done));
         }
+    }
+};
+
+// Is cancelled before it has asked for a client.
+class CancelledImporter final : public ServiceImporter {
+  public:
+    using ServiceImporter::ServiceImporter;
+    using Listed = Result<std::vector<IntegrationImportFile>, E>;
+
+    void fetchFiles(Completion<std::vector<IntegrationImportFile>, E> completion) {
+        const auto run = newRun();
+        cancelTasks();
+        EXPECT_EQ((clientOf<ServiceClient, DropboxAuthoriser>(*run, completion)), nullptr);
+    }
+
+  private:
+    void performDownload(StepRun& run, const DownloadFileInfo&, fs::path, DownloadProgress,
+                         DownloadCompletion done) override {
+        cancelTasks();
+        EXPECT_EQ((clientOf<ServiceClient, DropboxAuthoriser>(run, done)), nullptr);
     }
 };
 
@@ -275,6 +298,20 @@ TEST_F(Importer, WithoutCredentialsSendsNothing) {
     EXPECT_EQ(interactor->importEvents(), Events{event("oauth_error")});
 }
 
+TEST_F(Importer, CancelledBeforeItSendsSaysNothingOfTheSignIn) {
+    const auto importer = make<CancelledImporter>();
+    Completed<CancelledImporter::Listed> listed;
+    importer->fetchFiles(listed.callback<Completion<std::vector<IntegrationImportFile>, E>>());
+    EXPECT_EQ(listed.value().error(), E::connectionError);
+    Completed<Result<std::string, E>> end;
+    importer->downloadFile("a", "A", end.callback<Completion<std::string, E>>());
+    EXPECT_EQ(end.value(), failure(E::connectionError));
+    EXPECT_EQ(imported(*importer, {{"a", "A"}}), failure(E::connectionError));
+    EXPECT_EQ(importer->importReport().files.at(0).result,
+              DownloadResult(failure(DownloadError{ServiceClientError::connectionError})));
+    EXPECT_EQ(interactor->importEvents(), Events{event("connection_error")});
+}
+
 TEST_F(Importer, BringsAllFilesSideBySideByNoMoreConnectionsThanASessionHas) {
     GatedServer server(64);
     const ServiceRoute route(server.http());
@@ -328,6 +365,43 @@ TEST_F(Importer, CancelledEndsOnceAndLeavesNothingWhenItHasEnded) {
         EXPECT_EQ(end.value(), failure(E::connectionError));
         EXPECT_EQ(namesIn(folder.path()), Names());
         EXPECT_EQ(imported(*importer, {}), Paths()); // and can go on
+    }
+}
+
+TEST_F(Importer, CancelledAtAnyChangeOfItsProgressEndsOnceAndLeavesOnlyWholeFiles) {
+    bool wasCancelled = true;
+    for (int cancelling = 1; wasCancelled; ++cancelling) {
+        Event isFollowed;
+        const TestHTTPServer server([&](const ReceivedRequest& request) {
+            isFollowed.wait();
+            return PlayedResponse{.body = GatedServer::fileAt(request.target)};
+        });
+        const ServiceRoute route(server);
+        const TemporaryFolder out;
+        const auto importer = make<NetworkImporter>();
+        importer->setDownloadFolder(out.path());
+        Completed<ImportResult> end;
+        const auto progress = begin(*importer, numbered(4), end);
+        std::atomic<int> changes = 0;
+        progress->setProgressHandler([&changes, cancelling, weakly = std::weak_ptr(progress)](const auto&) {
+            if (++changes == cancelling) {
+                weakly.lock()->cancel();
+            }
+        });
+        isFollowed.set();
+        const auto result = end.value();
+        wasCancelled = changes >= cancelling;
+        EXPECT_EQ(result.has_value(), !wasCancelled) << cancelling;
+        EXPECT_TRUE(result || result.error() == E::connectionError) << cancelling;
+        const auto left = namesIn(out.path());
+        EXPECT_TRUE(wasCancelled || left.size() == 4) << cancelling;
+        for (const auto& info : numbered(4)) {
+            EXPECT_TRUE(!left.contains(info.fileName()) || TemporaryFolder::read(out / info.fileName()) ==
+                                                               GatedServer::fileAt("/" + info.fileId()))
+                << cancelling;
+        }
+        EXPECT_FALSE(std::ranges::any_of(left, [](const auto& name) { return name.ends_with(".part"); }))
+            << cancelling;
     }
 }
 
@@ -475,6 +549,47 @@ TEST_F(Importer, TakesRefreshedTokensIntoItsOwnCopyOfTheAccount) {
     EXPECT_EQ(ServiceCredentialsManager::stored(account.credentials->serviceCredentialsKey).value(),
               importer->accountConfiguration().credentials);
     EXPECT_EQ(service.refreshCount(), 1);
+}
+
+TEST_F(Importer, RefreshesARefusedTokenOnceForAllDownloads) {
+    RotatingService service;
+    const TestHTTPServer server([&](const ReceivedRequest& request) { return service.respond(request); });
+    const ServiceRoute route(server);
+    auto account = signedInAccount();
+    account.credentials = service.freshCredentials(account.identifier());
+    ServiceCredentialsManager::store(*account.credentials);
+    const auto importer = make<NetworkImporter>(account);
+    EXPECT_TRUE(imported(*importer, numbered(10)));
+    service.refuseAccessToken();
+    EXPECT_TRUE(imported(*importer, numbered(10)));
+    EXPECT_EQ(service.refreshCount(), 1);
+    EXPECT_FALSE(service.hasEndedTheGrant());
+    EXPECT_EQ(importer->accountConfiguration().credentials->refreshToken, "refresh-2");
+    EXPECT_EQ(namesIn(folder.path()).size(), 20u);
+}
+
+TEST_F(Importer, CancelledWhileItsTokenIsRefreshedEndsAtOnceAndKeepsTheNewToken) {
+    RotatingService service;
+    const auto gate = std::make_shared<Gate>();
+    const TestHTTPServer server([&service, gate](const ReceivedRequest& request) {
+        gate->pass();
+        return service.respond(request);
+    });
+    const ServiceRoute route(server);
+    auto account = signedInAccount();
+    account.credentials = service.expiredCredentials(account.identifier());
+    ServiceCredentialsManager::store(*account.credentials);
+    const auto importer = make<NetworkImporter>(account);
+    Completed<ImportResult> end;
+    const auto progress = begin(*importer, numbered(10), end);
+    gate->waitUntilReached();
+    progress->cancel();
+    EXPECT_EQ(end.value(), failure(E::connectionError));
+    EXPECT_EQ(namesIn(folder.path()), Names());
+    gate->open();
+    EXPECT_TRUE(eventually(
+        [&] { return importer->accountConfiguration().credentials->refreshToken == "refresh-2"; }));
+    EXPECT_EQ(service.requestCount(), 0);
 }
 
 } // namespace zelto
