@@ -5,6 +5,8 @@
 #include <ZeltoIntegrations/Dropbox/DropboxConstants.h>
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 
+#include <Platform/Text.h>
+
 #include <utility>
 
 namespace zelto {
@@ -101,6 +103,11 @@ void DropboxExporter::uploadFile(StepRun& run, const Upload& upload, StepComplet
 
 std::string DropboxExporter::comparedName(const DropboxMetadata& file) const {
     return file.name;
+}
+
+// The service keeps the case of names, but tells none apart by it.
+bool DropboxExporter::nameSameFile(const std::string& one, const std::string& other) const {
+    return foldedCase(one) == foldedCase(other);
 }
 
 template <class Done>

@@ -45,6 +45,7 @@ class DropboxExporter final : public DriveExporter<DropboxUser, DropboxMetadata>
                           const std::optional<std::string>& folder, StepCompletion<Files> done) override;
     void uploadFile(StepRun& run, const Upload& upload, StepCompletion<void> done) override;
     std::string comparedName(const DropboxMetadata& file) const override;
+    bool nameSameFile(const std::string& one, const std::string& other) const override;
 
     template <class Done> std::shared_ptr<DropboxClient> createDropboxClient(StepRun& run, Done& done);
 };

@@ -102,6 +102,9 @@ class DriveExporter : public AccountDataExporter<User, MessageFileExporter> {
     // As it is compared with the names of what is uploaded.
     virtual std::string comparedName(const ListedFile& file) const = 0;
 
+    // Whether a file of the one name would replace a file of the other.
+    virtual bool nameSameFile(const std::string& one, const std::string& other) const { return one == other; }
+
     // The only data of the account.
     std::optional<User> loadedData() const override { return myUser(); }
 
@@ -159,7 +162,7 @@ class DriveExporter : public AccountDataExporter<User, MessageFileExporter> {
                        const Step<Files>& check, std::size_t index, StepCompletion<void> done) {
         auto upload = uploadOf(*files, file, files->attachmentName(index), *this->resultOf(check));
         // What this export has just put there is not to be replaced by it.
-        if (files->isTwin(index, nameOf(body))) {
+        if (files->isTwin(index, nameOf(body)) || nameSameFile(nameOf(body), upload.name)) {
             upload.overrides = false;
             upload.existed = std::nullopt;
         }

@@ -78,6 +78,17 @@ TEST_F(DropboxExportTest, OverwritesAnAttachmentOnlyWhereAMatchHasExactlyItsName
                      upload("/B.txt", add, "B"), upload("/c.txt", overwrite, "C")}));
 }
 
+TEST_F(DropboxExportTest, ReplacesTheMessageByNoAttachmentOfItsNameInAnotherCase) {
+    one.attach("TITLE.PDF", "A");
+    service.matches = DropboxService::matching({"TITLE.PDF"});
+    EXPECT_EQ(one.run(), failure(Error::fileAlreadyExists));
+    one.policy = ExportFilePolicy::overrideExisting;
+    EXPECT_TRUE(one.run());
+    const auto texts = service.texts();
+    EXPECT_EQ(Texts(texts.begin() + 1, texts.end()),
+              (Texts{upload("/Title.pdf", overwrite, "%PDF <p>Body</p>"), upload("/TITLE.PDF", add, "A")}));
+}
+
 TEST_F(DropboxExportTest, ATextGoesOutAsUTF8) {
     one.configuration.selectedExportKind = Type::plainText;
     one.configuration.userTitle = "\u00dcber/Plan";
