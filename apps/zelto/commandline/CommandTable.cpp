@@ -260,7 +260,9 @@ const std::vector<CommandSpec> table = {
        ValueKind::text,
        {"bar", "json", "none"}},
       realAccount},
-     {"zelto fetch dropbox id:a4ayc_80_OEAAAAAAAAAXw:report.pdf --out reports"}},
+     {"zelto fetch dropbox id:a4ayc_80_OEAAAAAAAAAXw:report.pdf --out reports",
+      "zelto fetch Dropbox+me@example.org id:a4ayc_80_OEAAAAAAAAAXw:report.pdf "
+      "id:a4ayc_80_OEAAAAAAAAAXx:photo.png --json"}},
     {"sandbox",
      "Stand in for the services on this machine",
      "Listens on this machine alone and responds like the outside services do, so that everything can be "

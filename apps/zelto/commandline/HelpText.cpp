@@ -105,12 +105,14 @@ std::string usageLine(const CommandSpec& command) {
 }
 
 std::string helpText() {
-    auto text = wrapped("zelto sends a mail or a meeting note to the services that you use: " +
-                            servicesConnectedBy(ServiceAuthFlow::oauth) + " over the network, " +
-                            servicesConnectedBy(ServiceAuthFlow::installedApp) +
-                            " by the URL that the application is opened with.",
-                        0, 0) +
-                "\n\nUsage: zelto COMMAND [options]\n\nCommands:\n";
+    auto text =
+        wrapped("zelto sends a mail or a meeting note to the services that you use: " +
+                    servicesConnectedBy(ServiceAuthFlow::oauth) + " over the network, " +
+                    servicesConnectedBy(ServiceAuthFlow::installedApp) +
+                    " by the URL that the application is opened with, and " +
+                    servicesConnectedBy(ServiceAuthFlow::systemPermission) + " by a folder on this machine.",
+                0, 0) +
+        "\n\nUsage: zelto COMMAND [options]\n\nCommands:\n";
     for (const auto& command : commands()) {
         text += row(command.name, command.summary);
     }

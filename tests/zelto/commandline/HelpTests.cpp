@@ -7,6 +7,7 @@
 #include <commandline/HelpText.h>
 #include <export/ServiceTable.h>
 
+#include <Support/DropboxExport.h>
 #include <Support/MCPServer.h>
 
 #include <Platform/Text.h>
@@ -108,6 +109,10 @@ TEST(Help, HasExamplesThatRunAsTheyStand) {
     });
     const ZeltoProgram zelto;
     addTrelloAccount(zelto, AccountOf::service);
+    const DropboxServer dropbox;
+    ZeltoProgram withDrive;
+    addAccount(withDrive, ServiceAccountConfiguration(ServiceType::Dropbox, "me@example.org", true));
+    withDrive.variables["ZELTO_SANDBOX"] = dropbox.server.url().absoluteString();
     for (const auto& command : commands()) {
         for (const auto& example : command.examples) {
             auto line = std::string(example);
@@ -122,7 +127,8 @@ TEST(Help, HasExamplesThatRunAsTheyStand) {
             if (command.name == "sandbox") {
                 line = endedOnceItTells(line);
             }
-            const auto outcome = zelto.runShell(line);
+            const bool isOfDrive = command.name == "files" || command.name == "fetch";
+            const auto outcome = (isOfDrive ? withDrive : zelto).runShell(line);
             EXPECT_EQ(outcome.status, 0) << example << '\n' << outcome.errorOutput;
             EXPECT_EQ(outcome.errorOutput, "") << example;
         }
