@@ -78,6 +78,7 @@ Advice reasonOf(const DownloadError& error, const ImportCircumstances& about) {
     case ServiceClientError::serviceInternalError:
         return {about.service + " had an error of its own; try again later", again};
     case ServiceClientError::dataParseError:
+        return {"the response of " + about.service + " held no whole file", again};
     case ServiceClientError::internalError:
         return {"the request could not be made", again};
     }

@@ -1,5 +1,6 @@
 #include <ZeltoIntegrations/Dropbox/DropboxArguments.h>
 
+#include <Platform/FileNames.h>
 #include <Platform/Text.h>
 #include <Platform/UTF8.h>
 
@@ -33,6 +34,11 @@ void appendEscapes(std::string& text, char32_t codePoint) {
 bool isSearched(std::string_view character) {
     return isLetterOrDigit(character) || character == " " || character == "." || character == "-" ||
            character == "_";
+}
+
+bool isControl(char each) {
+    constexpr char deleteCharacter = 0x7F;
+    return (each >= 0 && each < ' ') || each == deleteCharacter;
 }
 
 std::string_view prefixCodePoints(std::string_view text, std::size_t count) {
@@ -87,6 +93,16 @@ std::string dropboxSearchName(std::string_view fileName) {
         filtered += isSearched(character) && isValidUTF8(character) ? character : " ";
     }
     return filtered;
+}
+
+std::string dropboxFileName(std::string_view name) {
+    constexpr std::size_t maximumBytes = 255;
+    std::string accepted;
+    for (const char each : name) {
+        accepted += each == '/' || each == '\\' || isControl(each) ? '_' : each;
+    }
+    auto stored = fileNameCutTo(trimmed(accepted), maximumBytes);
+    return stored.find_first_not_of('.') == std::string::npos ? "unnamed" : stored;
 }
 
 std::string dropboxFolderPath(std::string_view path) {

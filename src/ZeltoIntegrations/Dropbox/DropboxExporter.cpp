@@ -1,5 +1,6 @@
 #include <ZeltoIntegrations/Dropbox/DropboxExporter.h>
 
+#include <ZeltoIntegrations/Dropbox/DropboxArguments.h>
 #include <ZeltoIntegrations/Dropbox/DropboxAuthoriser.h>
 #include <ZeltoIntegrations/Dropbox/DropboxClient.h>
 #include <ZeltoIntegrations/Dropbox/DropboxConstants.h>
@@ -101,8 +102,18 @@ void DropboxExporter::uploadFile(StepRun& run, const Upload& upload, StepComplet
                                 std::move(done)));
 }
 
-std::string DropboxExporter::comparedName(const DropboxMetadata& file) const {
-    return file.name;
+// A search finds in folders below as well. Where the folder is an identifier, its path is not known.
+bool DropboxExporter::isReplaced(const DropboxMetadata& file, const std::string& name,
+                                 const std::optional<std::string>& folder) const {
+    const auto path = dropboxFolderPath(folder.value_or(""));
+    const bool isPath = path.empty() || path.starts_with('/');
+    const bool isThere =
+        !isPath || !file.path_lower || foldedCase(*file.path_lower) == foldedCase(path + "/" + name);
+    return !file.isFolder() && file.name == name && isThere;
+}
+
+std::string DropboxExporter::storedName(std::string name) const {
+    return dropboxFileName(name);
 }
 
 // The service keeps the case of names, but tells none apart by it.

@@ -16,8 +16,8 @@ class DropboxClient;
 
 // Puts the message as a file, and attachments, into a folder of Dropbox. The clash check is a search, which
 // also finds below the folder, and files that only contain the words of a name: each match counts. With
-// `overrideExisting` the message's file replaces whatever has its name; an attachment replaces what has its
-// name if a match had exactly that name, and else the service gives it another one.
+// `overrideExisting` the message's file replaces whatever has its name; an attachment replaces the file in
+// the folder that has its name if a match had exactly that name, and else the service gives it another one.
 class DropboxExporter final : public DriveExporter<DropboxUser, DropboxMetadata> {
   public:
     using DriveExporter::DriveExporter;
@@ -44,7 +44,9 @@ class DropboxExporter final : public DriveExporter<DropboxUser, DropboxMetadata>
     void checkFilesExists(StepRun& run, const std::vector<std::string>& fileNames,
                           const std::optional<std::string>& folder, StepCompletion<Files> done) override;
     void uploadFile(StepRun& run, const Upload& upload, StepCompletion<void> done) override;
-    std::string comparedName(const DropboxMetadata& file) const override;
+    bool isReplaced(const DropboxMetadata& file, const std::string& name,
+                    const std::optional<std::string>& folder) const override;
+    std::string storedName(std::string name) const override;
     bool nameSameFile(const std::string& one, const std::string& other) const override;
 
     template <class Done> std::shared_ptr<DropboxClient> createDropboxClient(StepRun& run, Done& done);

@@ -4,16 +4,10 @@
 
 namespace zelto {
 
-std::string DriveExport::attachmentName(std::size_t index) const {
-    auto name = attachments.at(index).name;
-    std::ranges::replace(name, '/', '_');
-    return name;
-}
-
 std::vector<std::string> DriveExport::names(const std::string& messageName) const {
     std::vector<std::string> names = {messageName};
-    for (std::size_t index = 0; index < attachments.size(); ++index) {
-        names.push_back(attachmentName(index));
+    for (const auto& attachment : attachments) {
+        names.push_back(attachment.name);
     }
     return names;
 }

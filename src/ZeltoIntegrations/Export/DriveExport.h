@@ -21,9 +21,6 @@ struct DriveExport {
 
     bool overrides() const { return policy == ExportFilePolicy::overrideExisting; }
 
-    // The name that the attachment gets. A "/" would name a folder, and becomes "_".
-    std::string attachmentName(std::size_t index) const;
-
     // The name of the message's file, and those of the attachments.
     std::vector<std::string> names(const std::string& messageName) const;
 

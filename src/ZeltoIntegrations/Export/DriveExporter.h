@@ -59,6 +59,9 @@ class DriveExporter : public AccountDataExporter<User, MessageFileExporter> {
         if (!this->hasBody(files.type)) {
             return this->refuseFormat(0, finish);
         }
+        for (auto& attachment : files.attachments) {
+            attachment.name = storedName(std::move(attachment.name));
+        }
         const auto existed = existedFilesFor(files);
         const auto all = std::make_shared<const DriveExport>(std::move(files));
         const auto count = all->attachments.size();
@@ -99,8 +102,15 @@ class DriveExporter : public AccountDataExporter<User, MessageFileExporter> {
     virtual void checkFilesExists(StepRun& run, const std::vector<std::string>& fileNames,
                                   const std::optional<std::string>& folder, StepCompletion<Files> done) = 0;
     virtual void uploadFile(StepRun& run, const Upload& upload, StepCompletion<void> done) = 0;
-    // As it is compared with the names of what is uploaded.
-    virtual std::string comparedName(const ListedFile& file) const = 0;
+    // Whether a file of that name, put into the folder, is to replace the listed one, if anything.
+    virtual bool isReplaced(const ListedFile& file, const std::string& name,
+                            const std::optional<std::string>& folder) const = 0;
+
+    // The name under which a file is put there. A "/" would name a folder.
+    virtual std::string storedName(std::string name) const {
+        std::ranges::replace(name, '/', '_');
+        return name;
+    }
 
     // Whether a file of the one name would replace a file of the other.
     virtual bool nameSameFile(const std::string& one, const std::string& other) const { return one == other; }
@@ -160,7 +170,7 @@ class DriveExporter : public AccountDataExporter<User, MessageFileExporter> {
 
     void uploadFetched(StepRun& run, const File& file, const Export& files, const Step<File>& body,
                        const Step<Files>& check, std::size_t index, StepCompletion<void> done) {
-        auto upload = uploadOf(*files, file, files->attachmentName(index), *this->resultOf(check));
+        auto upload = uploadOf(*files, file, files->attachments[index].name, *this->resultOf(check));
         // What this export has just put there is not to be replaced by it.
         if (files->isTwin(index, nameOf(body)) || nameSameFile(nameOf(body), upload.name)) {
             upload.overrides = false;
@@ -174,7 +184,7 @@ class DriveExporter : public AccountDataExporter<User, MessageFileExporter> {
         std::optional<ListedFile> found;
         if (files.overrides()) {
             const auto place = std::ranges::find_if(
-                existed, [&](const ListedFile& each) { return comparedName(each) == name; });
+                existed, [&](const ListedFile& each) { return isReplaced(each, name, files.folder); });
             found = place == existed.end() ? std::nullopt : std::optional(*place);
         }
         return {.file = file,
@@ -184,8 +194,8 @@ class DriveExporter : public AccountDataExporter<User, MessageFileExporter> {
                 .existed = std::move(found)};
     }
 
-    static std::string nameOf(const Step<File>& body) {
-        return ServiceExporter::resultOf(body)->filename().native();
+    std::string nameOf(const Step<File>& body) const {
+        return storedName(ServiceExporter::resultOf(body)->filename().native());
     }
 
     struct Existed {

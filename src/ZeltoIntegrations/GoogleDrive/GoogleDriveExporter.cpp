@@ -121,8 +121,10 @@ void GoogleDriveExporter::uploadFile(StepRun& run, const Upload& upload, StepCom
     client->uploadFile(upload.name, upload.file, upload.folder, std::move(uploaded));
 }
 
-std::string GoogleDriveExporter::comparedName(const GoogleDriveFile& file) const {
-    return getNameWithExtension(file);
+// Documents of Google's own have no bytes to replace.
+bool GoogleDriveExporter::isReplaced(const GoogleDriveFile& file, const std::string& name,
+                                     const std::optional<std::string>&) const {
+    return !file.isOfOwnType() && getNameWithExtension(file) == name;
 }
 
 template <class Done>

@@ -44,7 +44,8 @@ class GoogleDriveExporter final : public DriveExporter<GoogleDriveUser, GoogleDr
     void checkFilesExists(StepRun& run, const std::vector<std::string>& fileNames,
                           const std::optional<std::string>& folder, StepCompletion<Files> done) override;
     void uploadFile(StepRun& run, const Upload& upload, StepCompletion<void> done) override;
-    std::string comparedName(const GoogleDriveFile& file) const override;
+    bool isReplaced(const GoogleDriveFile& file, const std::string& name,
+                    const std::optional<std::string>& folder) const override;
 
     template <class Done>
     std::shared_ptr<GoogleDriveClient> createGoogleDriveClient(StepRun& run, Done& done);

@@ -12,8 +12,6 @@ ZELTO_JSON_RECORD(GoogleDriveFile, id, name, mimeType);
 
 namespace {
 
-constexpr std::string_view ownTypes = "application/vnd.google-apps.";
-
 bool hasExtension(const std::string& name) {
     // A dot at the end begins none.
     return std::filesystem::path(name).extension().native().size() > 1;
@@ -22,7 +20,7 @@ bool hasExtension(const std::string& name) {
 } // namespace
 
 std::string getNameWithExtension(const GoogleDriveFile& file) {
-    if (!file.mimeType || file.mimeType->starts_with(ownTypes) || hasExtension(file.name)) {
+    if (!file.mimeType || file.isOfOwnType() || hasExtension(file.name)) {
         return file.name;
     }
     const auto extension = extensionForMediaType(*file.mimeType);

@@ -35,6 +35,9 @@ struct GoogleDriveFile {
 
     bool isFolder() const { return mimeType == folderMimeType; }
 
+    // A folder or a document of Google's own, which is no file.
+    bool isOfOwnType() const { return mimeType && mimeType->starts_with("application/vnd.google-apps."); }
+
     bool operator==(const GoogleDriveFile&) const = default;
 };
 

@@ -108,6 +108,27 @@ TEST(DropboxArguments, ANameThatAloneIsTooLongIsCutToItsBeginning) {
     EXPECT_EQ(dropboxQueries({"x", longest + "b", "y"}), (Texts{"x", longest, "y"}));
 }
 
+TEST(DropboxArguments, AFileNameIsOneThatTheServiceTakes) {
+    const std::pair<std::string, std::string> rows[] = {
+        {"\u00dcber & plan?.pdf", "\u00dcber & plan?.pdf"},
+        {"C:\\plan.pdf", "C:_plan.pdf"},
+        {"a/b.txt", "a_b.txt"},
+        {"a\nb\tc\x7f.txt", "a_b_c_.txt"},
+        {std::string("a\0b", 3), "a_b"},
+        {" plan.txt \u3000", "plan.txt"},
+        {".", "unnamed"},
+        {"..", "unnamed"},
+        {" .. ", "unnamed"},
+        {"", "unnamed"},
+        {".profile", ".profile"},
+        {std::string(251, 'a') + ".txt", std::string(251, 'a') + ".txt"},
+        {std::string(252, 'a') + ".txt", std::string(251, 'a') + ".txt"},
+    };
+    for (const auto& [name, expected] : rows) {
+        EXPECT_EQ(dropboxFileName(name), expected) << name;
+    }
+}
+
 TEST(DropboxArguments, AFolderHasNoSlashAtItsEnd) {
     EXPECT_EQ(dropboxFolderPath("/Work/Plans"), "/Work/Plans");
     EXPECT_EQ(dropboxFolderPath("/Work/"), "/Work");

@@ -89,6 +89,39 @@ TEST_F(DropboxExportTest, ReplacesTheMessageByNoAttachmentOfItsNameInAnotherCase
               (Texts{upload("/Title.pdf", overwrite, "%PDF <p>Body</p>"), upload("/TITLE.PDF", add, "A")}));
 }
 
+TEST_F(DropboxExportTest, ReplacesNoFolderAndNothingInAFolderBelow) {
+    one.attach("a.txt", "A");
+    one.attach("b.txt", "B");
+    one.attach("c.txt", "C");
+    one.configuration.selectedFolderPath = "/Work";
+    const auto match = [](const std::string& tag, const std::string& name, const std::string& path) {
+        return R"({"metadata":{"metadata":{".tag":")" + tag + R"(","id":"id:)" + name + R"(","name":")" +
+               name + R"(","path_lower":")" + path + R"("}}})";
+    };
+    service.matches = R"({"matches":[)" + match("folder", "a.txt", "/work/a.txt") + "," +
+                      match("file", "b.txt", "/work/plans/b.txt") + "," +
+                      match("file", "c.txt", "/work/c.txt") + "]}";
+    EXPECT_EQ(one.run(), failure(Error::fileAlreadyExists));
+    EXPECT_EQ(one.exporter()->existedFiles().size(), 3U);
+    one.policy = ExportFilePolicy::overrideExisting;
+    EXPECT_TRUE(one.run());
+    const auto texts = service.texts();
+    EXPECT_EQ(
+        Texts(texts.begin() + 1, texts.end()),
+        (Texts{upload("/Work/Title.pdf", overwrite, "%PDF <p>Body</p>"), upload("/Work/a.txt", add, "A"),
+               upload("/Work/b.txt", add, "B"), upload("/Work/c.txt", overwrite, "C")}));
+}
+
+TEST_F(DropboxExportTest, GivesFilesNamesThatTheServiceTakes) {
+    one.configuration.userTitle = "C:\\plan";
+    one.attach("a\\b/c.txt", "A");
+    one.attach("..", "B");
+    EXPECT_TRUE(one.run());
+    EXPECT_EQ(service.texts(), (Texts{search("C _plan.pdf OR a_b_c.txt OR unnamed", ""),
+                                      upload("/C:_plan.pdf", add, "%PDF <p>Body</p>"),
+                                      upload("/a_b_c.txt", add, "A"), upload("/unnamed", add, "B")}));
+}
+
 TEST_F(DropboxExportTest, ATextGoesOutAsUTF8) {
     one.configuration.selectedExportKind = Type::plainText;
     one.configuration.userTitle = "\u00dcber/Plan";

@@ -114,6 +114,14 @@ TEST_F(GoogleDriveExportTest, AFolderAndADocumentOfAnotherNameAreNoClash) {
     EXPECT_EQ(linesAfter(1), Texts{"POST /upload/drive/v3/files?uploadType=multipart"});
 }
 
+TEST_F(GoogleDriveExportTest, ADocumentOfTheNameClashesButHasNoBytesToReplace) {
+    service.files = R"({"files":[)" + file("1", "Title.pdf", "application/vnd.google-apps.document") + "]}";
+    EXPECT_EQ(one.run(), failure(Error::fileAlreadyExists));
+    one.policy = ExportFilePolicy::overrideExisting;
+    EXPECT_TRUE(one.run());
+    EXPECT_EQ(linesAfter(1), Texts{"POST /upload/drive/v3/files?uploadType=multipart"});
+}
+
 TEST_F(GoogleDriveExportTest, SaysWhatTheServiceSaysOfARefusedCheckAndOfARefusedFile) {
     for (const auto* part : {"trashed", "/upload/drive"}) {
         const LogCapture log;
