@@ -25,8 +25,8 @@ inline constexpr std::size_t maximumDropboxQuery = 1000;
 // character is a blank.
 std::string dropboxSearchName(std::string_view fileName);
 
-// A name as the service takes it for a file: with "_" for each "\\" and control character, without white
-// space at its ends, not longer than 255 characters; "unnamed" where nothing but dots remains.
+// A name as the service takes it for a file: with "_" for each slash, backslash and control character,
+// without white space at its ends, not longer than 255 characters; "unnamed" where nothing but dots remains.
 std::string dropboxFileName(std::string_view name);
 
 // A folder's path without "/" at its end; the root is empty.
