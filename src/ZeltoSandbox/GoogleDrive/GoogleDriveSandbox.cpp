@@ -25,7 +25,7 @@ constexpr std::string_view googleTypes = "application/vnd.google-apps.";
 constexpr std::size_t usualPage = 100;
 constexpr std::size_t maximumPage = 1000;
 constexpr std::size_t maximumPageCount = 10'000;
-constexpr std::uint64_t publishedUpload = std::uint64_t{5} << 20;
+constexpr std::uint64_t publishedUpload = 5'000'000; // of a file that goes by one request
 
 std::string padded(std::string text, std::size_t length, std::uint64_t number) {
     const auto digits = std::to_string(number);
@@ -264,10 +264,6 @@ Result<GoogleDriveUpload, GoogleError> GoogleDriveSandbox::uploadOf(const Sandbo
     if (const auto mask = fieldsOf(request, googleFileSchema(), googleFileDefault); !mask) {
         return zelto::failure(mask.error());
     }
-    const auto& settings = context_.settings;
-    if (settings.publishedLimits && request.body->size() > publishedUpload) {
-        return zelto::failure(GoogleError::ofStatus(413));
-    }
     auto upload = GoogleDriveUpload::read(request, context_.space);
     if (!upload) {
         return upload;
@@ -278,10 +274,13 @@ Result<GoogleDriveUpload, GoogleError> GoogleDriveSandbox::uploadOf(const Sandbo
                         .reason = "badRequest",
                         .message = "The sandbox does not convert files to Google's own types."});
     }
-    if (settings.attachmentLimit && upload->content.size > *settings.attachmentLimit) {
+    const auto& settings = context_.settings;
+    const auto size = upload->content.size;
+    if ((settings.attachmentLimit && size > *settings.attachmentLimit) ||
+        (settings.publishedLimits && size > publishedUpload)) {
         return zelto::failure(GoogleError::ofStatus(413));
     }
-    if (!drive().hasSpace(settings.drives, upload->content.size)) {
+    if (!drive().hasSpace(settings.drives, size)) {
         return zelto::failure(GoogleError{.status = 403,
                                           .reason = "storageQuotaExceeded",
                                           .message = "The user's Drive storage quota has been exceeded."});

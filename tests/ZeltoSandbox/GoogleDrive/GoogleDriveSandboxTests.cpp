@@ -414,14 +414,14 @@ TEST_F(GoogleDriveSandboxTest, TakesFilesUpToTheLimitsThatAreSet) {
     EXPECT_EQ(ofSize(10).status, 200);
     EXPECT_EQ(refusal(ofSize(11)), "413 uploadTooLarge Request Too Large");
     caller.control("settings", R"({"attachmentLimit":null,"publishedLimits":true})");
-    EXPECT_EQ(ofSize(3'900'000).status, 200);
-    EXPECT_EQ(refusal(ofSize(3'940'000)), "413 uploadTooLarge Request Too Large");
-    caller.control("settings", R"({"publishedLimits":false,"drives":{"space":4000000}})");
+    EXPECT_EQ(ofSize(5'000'000).status, 200);
+    EXPECT_EQ(refusal(ofSize(5'000'001)), "413 uploadTooLarge Request Too Large");
+    caller.control("settings", R"({"publishedLimits":false,"drives":{"space":5100000}})");
     EXPECT_EQ(ofSize(50'000).status, 200);
     EXPECT_EQ(refusal(ofSize(100'000)),
               "403 storageQuotaExceeded The user's Drive storage quota has been exceeded.");
     EXPECT_EQ(get("about", {{"fields", "storageQuota/limit"}}).body,
-              R"({"storageQuota":{"limit":"4000000"}})");
+              R"({"storageQuota":{"limit":"5100000"}})");
 }
 
 TEST_F(GoogleDriveSandboxTest, RefusesInItsOwnWordsForAFault) {
