@@ -56,7 +56,7 @@ struct DropboxFacts {
     }
 
     // The path, as the service gives it.
-    static std::string existing(const std::string& name) { return "/" + toASCIILower(name); }
+    static std::string existing(const std::string& file) { return "/" + toASCIILower(file); }
 
     static constexpr auto checkLine = "POST /2/files/search_v2";
     static constexpr auto makingLine = "POST /2/files/upload";

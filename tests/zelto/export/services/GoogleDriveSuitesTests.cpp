@@ -50,7 +50,7 @@ struct GoogleDriveFacts {
         service.files = R"({"files":[)" + listed + "]}";
     }
 
-    static std::string existing(const std::string& name) { return name; }
+    static std::string existing(const std::string& file) { return file; }
 
     static constexpr auto checkLine =
         "GET /drive/v3/files?fields=files%28id%2Cname%2CmimeType%29&q=%27root%27%20in%20parents%20and%20trashed"
