@@ -76,17 +76,16 @@ DropboxExporter::export_(DropboxExporterConfiguration configuration, std::option
                        std::move(finish));
 }
 
-void DropboxExporter::checkFilesExists(StepRun& run, const std::vector<std::string>& fileNames,
-                                       const std::optional<std::string>& folder, StepCompletion<Files> done) {
-    const auto client = createDropboxClient(run, done);
-    if (!client) {
-        return;
+void DropboxExporter::findExisting(StepRun& run, const std::vector<std::string>& fileNames,
+                                   const std::optional<std::string>& folder, FoundCompletion done) {
+    if (const auto client = createDropboxClient(run, done)) {
+        client->checkFilesExists(fileNames, folder.value_or(""), std::move(done));
     }
-    client->checkFilesExists(fileNames, folder.value_or(""),
-                             preparing(run,
-                                       checking(fileNames, "Dropbox checking files error: ",
-                                                "checkFilesExists(fileNames:folderPath:updateProgress:)"),
-                                       std::move(done)));
+}
+
+DropboxExporter::Making DropboxExporter::checking(const std::vector<std::string>& names) const {
+    return DriveExporter::checking(
+        names, "Dropbox checking files error: ", "checkFilesExists(fileNames:folderPath:updateProgress:)");
 }
 
 void DropboxExporter::uploadFile(StepRun& run, const Upload& upload, StepCompletion<void> done) {

@@ -41,6 +41,14 @@ class DriveExporter : public AccountDataExporter<User, MessageFileExporter> {
         return existed_.files;
     }
 
+    // Which files of the folder, without one of the root, have one of these names, as the check of an export
+    // finds them. It is no such check: nothing of it is kept.
+    void checkFilesExists(std::vector<std::string> fileNames, std::optional<std::string> folder,
+                          Completion<std::vector<ListedFile>, IntegrationLoadError> completion) {
+        this->template load<Files>(std::move(completion), &DriveExporter::loadExisting, std::move(fileNames),
+                                   std::move(folder));
+    }
+
     std::optional<std::string> loadUserEmail() override {
         return myUser().transform([](const User& user) { return user.email; });
     }
@@ -50,7 +58,9 @@ class DriveExporter : public AccountDataExporter<User, MessageFileExporter> {
     using typename StepExporter::File;
     template <class R> using StepCompletion = typename StepExporter::template StepCompletion<R>;
     template <class R> using Step = typename ServiceExporter::template Step<R>;
+    template <class R> using LoadCompletion = typename StepExporter::template LoadCompletion<R>;
     using Files = std::vector<ListedFile>;
+    using FoundCompletion = Completion<Files, ServiceClientError>;
     using Upload = DriveUpload<ListedFile>;
     using typename NetworkExporter::Making;
 
@@ -99,8 +109,10 @@ class DriveExporter : public AccountDataExporter<User, MessageFileExporter> {
     // Of the service.
 
     // Which files of the folder have one of the names.
-    virtual void checkFilesExists(StepRun& run, const std::vector<std::string>& fileNames,
-                                  const std::optional<std::string>& folder, StepCompletion<Files> done) = 0;
+    virtual void findExisting(StepRun& run, const std::vector<std::string>& fileNames,
+                              const std::optional<std::string>& folder, FoundCompletion done) = 0;
+    // The search for the names as a part of an export.
+    virtual Making checking(const std::vector<std::string>& names) const = 0;
     virtual void uploadFile(StepRun& run, const Upload& upload, StepCompletion<void> done) = 0;
     // Whether a file of that name, put into the folder, is to replace the listed one, if anything.
     virtual bool isReplaced(const ListedFile& file, const std::string& name,
@@ -136,10 +148,24 @@ class DriveExporter : public AccountDataExporter<User, MessageFileExporter> {
         if (files->policy) {
             return done(existed);
         }
-        checkFilesExists(run, files->names(nameOf(body)), files->folder,
-                         [this, &run, files, done = std::move(done)](ExporterResult<Files> found) mutable {
-                             takeFound(run, *files, std::move(found), std::move(done));
-                         });
+        if (run.isCancelled()) {
+            return done(failure(IntegrationExportError::canceled));
+        }
+        const auto names = files->names(nameOf(body));
+        auto take = [this, &run, files, done = std::move(done)](ExporterResult<Files> found) mutable {
+            takeFound(run, *files, std::move(found), std::move(done));
+        };
+        findExisting(run, names, files->folder,
+                     this->template preparing<Files>(run, checking(names), std::move(take)));
+    }
+
+    void loadExisting(StepRun& run, const std::vector<std::string>& fileNames,
+                      const std::optional<std::string>& folder, LoadCompletion<Files> done) {
+        findExisting(run, fileNames, folder,
+                     [done = std::move(done)](Result<Files, ServiceClientError> found) mutable {
+                         done(found ? Result<Files, IntegrationLoadError>(*std::move(found))
+                                    : failure(loadError(found.error())));
+                     });
     }
 
     void takeFound(StepRun& run, const DriveExport& files, ExporterResult<Files> found,

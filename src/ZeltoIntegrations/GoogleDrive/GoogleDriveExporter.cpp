@@ -89,21 +89,20 @@ GoogleDriveExporter::export_(GoogleDriveExporterConfiguration configuration,
                        std::move(finish));
 }
 
-void GoogleDriveExporter::checkFilesExists(StepRun& run, const std::vector<std::string>& fileNames,
-                                           const std::optional<std::string>& folder,
-                                           StepCompletion<Files> done) {
+void GoogleDriveExporter::findExisting(StepRun& run, const std::vector<std::string>& fileNames,
+                                       const std::optional<std::string>& folder, FoundCompletion done) {
     const auto client = createGoogleDriveClient(run, done);
     if (!client) {
         return;
     }
-    auto keepClashes = [fileNames, done = std::move(done)](ExporterResult<Files> listed) mutable {
+    client->fetchFiles(folder, [fileNames, done = std::move(done)](ServiceResult<Files> listed) mutable {
         done(listed ? clashesOf(*std::move(listed), fileNames) : std::move(listed));
-    };
-    client->fetchFiles(folder,
-                       preparing<Files>(run,
-                                        checking(fileNames, "Google Drive checking files error: ",
-                                                 "checkFilesExists(fileNames:folderId:updateProgress:)"),
-                                        std::move(keepClashes)));
+    });
+}
+
+GoogleDriveExporter::Making GoogleDriveExporter::checking(const std::vector<std::string>& names) const {
+    return DriveExporter::checking(
+        names, "Google Drive checking files error: ", "checkFilesExists(fileNames:folderId:updateProgress:)");
 }
 
 void GoogleDriveExporter::uploadFile(StepRun& run, const Upload& upload, StepCompletion<void> done) {

@@ -41,8 +41,9 @@ class GoogleDriveExporter final : public DriveExporter<GoogleDriveUser, GoogleDr
     void fetchData(StepRun& run, DataCompletion done) override;
     void loadFolders(StepRun& run, LoadCompletion<std::vector<GoogleDriveFolder>> done);
 
-    void checkFilesExists(StepRun& run, const std::vector<std::string>& fileNames,
-                          const std::optional<std::string>& folder, StepCompletion<Files> done) override;
+    void findExisting(StepRun& run, const std::vector<std::string>& fileNames,
+                      const std::optional<std::string>& folder, FoundCompletion done) override;
+    Making checking(const std::vector<std::string>& names) const override;
     void uploadFile(StepRun& run, const Upload& upload, StepCompletion<void> done) override;
     bool isReplaced(const GoogleDriveFile& file, const std::string& name,
                     const std::optional<std::string>& folder) const override;

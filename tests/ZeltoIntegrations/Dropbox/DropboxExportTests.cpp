@@ -1,3 +1,4 @@
+#include <Support/Completed.h>
 #include <Support/DropboxExport.h>
 #include <Support/LogCapture.h>
 
@@ -110,6 +111,25 @@ TEST_F(DropboxExportTest, ReplacesNoFolderAndNothingInAFolderBelow) {
         Texts(texts.begin() + 1, texts.end()),
         (Texts{upload("/Work/Title.pdf", overwrite, "%PDF <p>Body</p>"), upload("/Work/a.txt", add, "A"),
                upload("/Work/b.txt", add, "B"), upload("/Work/c.txt", overwrite, "C")}));
+}
+
+TEST_F(DropboxExportTest, NamesCanBeCheckedWithoutAnExport) {
+    const auto exporter = one.exporter();
+    const auto checked = [&](const std::vector<std::string>& names) {
+        Completed<Result<std::vector<DropboxMetadata>, IntegrationLoadError>> end;
+        exporter->checkFilesExists(
+            names, "/Work", end.callback<Completion<std::vector<DropboxMetadata>, IntegrationLoadError>>());
+        return end.value();
+    };
+    EXPECT_EQ(checked({}), std::vector<DropboxMetadata>());
+    EXPECT_EQ(checked({"a.txt"}), std::vector<DropboxMetadata>());
+    service.matches = DropboxService::matching({"my a.txt"});
+    EXPECT_EQ(checked({"a.txt", "b.txt"}), std::vector{dropboxMatch("my a.txt")});
+    EXPECT_EQ(exporter->existedFiles(), std::vector<DropboxMetadata>());
+    service.respondTo("search_v2", PlayedResponse::json("{}", 500));
+    EXPECT_EQ(checked({"a.txt"}), failure(IntegrationLoadError::internalError));
+    EXPECT_EQ(service.texts(),
+              (Texts{search("a.txt", "/Work"), search("a.txt OR b.txt", "/Work"), search("a.txt", "/Work")}));
 }
 
 TEST_F(DropboxExportTest, GivesFilesNamesThatTheServiceTakes) {

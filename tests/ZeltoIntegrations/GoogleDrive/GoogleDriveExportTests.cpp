@@ -1,3 +1,4 @@
+#include <Support/Completed.h>
 #include <Support/GoogleDriveExport.h>
 #include <Support/GoogleDriveUpload.h>
 #include <Support/LogCapture.h>
@@ -112,6 +113,19 @@ TEST_F(GoogleDriveExportTest, AFolderAndADocumentOfAnotherNameAreNoClash) {
                     file("3", "title.pdf", "application/pdf") + "]}";
     EXPECT_TRUE(one.run());
     EXPECT_EQ(linesAfter(1), Texts{"POST /upload/drive/v3/files?uploadType=multipart"});
+}
+
+TEST_F(GoogleDriveExportTest, NamesCanBeCheckedWithoutAnExport) {
+    service.files =
+        R"({"files":[)" + file("1", "a.txt", "text/plain") + "," + file("2", "b.txt", "text/plain") + "]}";
+    const auto exporter = one.exporter();
+    Completed<Result<std::vector<GoogleDriveFile>, IntegrationLoadError>> end;
+    exporter->checkFilesExists(
+        {"b.txt", "c.txt"}, "f1",
+        end.callback<Completion<std::vector<GoogleDriveFile>, IntegrationLoadError>>());
+    EXPECT_EQ(end.value(),
+              (std::vector<GoogleDriveFile>{{.id = "2", .name = "b.txt", .mimeType = "text/plain"}}));
+    EXPECT_EQ(exporter->existedFiles(), std::vector<GoogleDriveFile>());
 }
 
 TEST_F(GoogleDriveExportTest, ADocumentOfTheNameClashesButHasNoBytesToReplace) {
