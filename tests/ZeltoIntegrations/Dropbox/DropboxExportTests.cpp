@@ -134,8 +134,10 @@ TEST_F(DropboxExportTest, NamesCanBeCheckedWithoutAnExport) {
 
 TEST_F(DropboxExportTest, GivesFilesNamesThatTheServiceTakes) {
     one.configuration.userTitle = "C:\\plan";
-    one.attach("a\\b/c.txt", "A");
-    one.attach("..", "B");
+    one.attach("1.txt", "A");
+    one.attach("2.txt", "B");
+    one.configuration.attachments.list[0].name = "a\\b/c.txt";
+    one.configuration.attachments.list[1].name = "..";
     EXPECT_TRUE(one.run());
     EXPECT_EQ(service.texts(), (Texts{search("C _plan.pdf OR a_b_c.txt OR unnamed", ""),
                                       upload("/C:_plan.pdf", add, "%PDF <p>Body</p>"),
