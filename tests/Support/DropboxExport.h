@@ -23,9 +23,9 @@ class DropboxService {
 
     Replaceable<std::string> user{R"({"account_id":"dbid:1","email":"me@example.org","locale":"en"})"};
     Replaceable<std::string> entries{
-        R"({"cursor":"c1","entries":[{".tag":"folder","id":"id:w","name":"Work","path_lower":"/work"},)"
-        R"({".tag":"file","id":"id:a","name":"a.txt","path_lower":"/work/a.txt","size":7},)"
-        R"({".tag":"folder","id":"id:p","name":"Plans","path_lower":"/work/plans"}],"has_more":false})"};
+        R"({"cursor":"c1","entries":[{".tag":"folder","id":"id:w","name":"Team","path_lower":"/team"},)"
+        R"({".tag":"file","id":"id:a","name":"a.txt","path_lower":"/team/a.txt","size":7},)"
+        R"({".tag":"folder","id":"id:p","name":"Plans","path_lower":"/team/plans"}],"has_more":false})"};
     Replaceable<std::string> matches{std::string(noMatches)};
 
     PlayedResponse usualResponse(const ReceivedRequest& request) const {

@@ -19,7 +19,7 @@ ZELTO_JSON_CODED(DropboxUser);
 struct DropboxFolder {
     std::string id;   // the service's own, which stays when the folder is moved or renamed
     std::string name; // the last part of its path
-    std::string path; // as `selectedFolderPath` takes it: in lower case ("/work/plans"), else `id`
+    std::string path; // as `selectedFolderPath` takes it: in lower case ("/team/plans"), else `id`
 
     bool operator==(const DropboxFolder&) const = default;
 };

@@ -130,8 +130,8 @@ TEST(DropboxArguments, AFileNameIsOneThatTheServiceTakes) {
 }
 
 TEST(DropboxArguments, AFolderHasNoSlashAtItsEnd) {
-    EXPECT_EQ(dropboxFolderPath("/Work/Plans"), "/Work/Plans");
-    EXPECT_EQ(dropboxFolderPath("/Work/"), "/Work");
+    EXPECT_EQ(dropboxFolderPath("/Team/Plans"), "/Team/Plans");
+    EXPECT_EQ(dropboxFolderPath("/Team/"), "/Team");
     EXPECT_EQ(dropboxFolderPath("id:a"), "id:a");
     EXPECT_EQ(dropboxFolderPath("/"), "");
     EXPECT_EQ(dropboxFolderPath(""), "");

@@ -95,18 +95,18 @@ TEST_F(DropboxClientTest, TheUserIsAskedForWithTheBodyNull) {
 }
 
 TEST_F(DropboxClientTest, TheFilesOfAFolderAreAskedForWithoutALimit) {
-    EXPECT_EQ(files("/Work").value(),
-              (Entries{{.tag = "folder", .name = "Work", .path_lower = "/work", .id = "id:w"},
-                       {.tag = "file", .name = "a.txt", .path_lower = "/work/a.txt", .id = "id:a"},
-                       {.tag = "folder", .name = "Plans", .path_lower = "/work/plans", .id = "id:p"}}));
+    EXPECT_EQ(files("/Team").value(),
+              (Entries{{.tag = "folder", .name = "Team", .path_lower = "/team", .id = "id:w"},
+                       {.tag = "file", .name = "a.txt", .path_lower = "/team/a.txt", .id = "id:a"},
+                       {.tag = "folder", .name = "Plans", .path_lower = "/team/plans", .id = "id:p"}}));
     EXPECT_TRUE(files());
     EXPECT_TRUE(files("/"));
-    EXPECT_EQ(service.texts(), (Texts{listing("/Work"), listing(""), listing("")}));
+    EXPECT_EQ(service.texts(), (Texts{listing("/Team"), listing(""), listing("")}));
 }
 
 TEST_F(DropboxClientTest, FoldersAreTheFoldersOfAWholeListingInItsOrder) {
-    EXPECT_EQ(folders().value(), (Folders{{.id = "id:w", .name = "Work", .path = "/work"},
-                                          {.id = "id:p", .name = "Plans", .path = "/work/plans"}}));
+    EXPECT_EQ(folders().value(), (Folders{{.id = "id:w", .name = "Team", .path = "/team"},
+                                          {.id = "id:p", .name = "Plans", .path = "/team/plans"}}));
     EXPECT_EQ(service.texts(), Texts{listing("", true)});
 }
 
@@ -167,9 +167,9 @@ TEST_F(DropboxClientTest, ALaterPageThatFailsFailsTheListing) {
 
 TEST_F(DropboxClientTest, ASearchAsksForTheNamesBelowTheFolder) {
     service.matches = DropboxService::matching({"Title.pdf", "b.txt"});
-    EXPECT_EQ(matches({"Title.pdf", "a\"&b.txt"}, "/Work/").value(),
+    EXPECT_EQ(matches({"Title.pdf", "a\"&b.txt"}, "/Team/").value(),
               (Entries{dropboxMatch("Title.pdf"), dropboxMatch("b.txt")}));
-    EXPECT_EQ(service.texts(), Texts{search("Title.pdf OR a  b.txt", "/Work")});
+    EXPECT_EQ(service.texts(), Texts{search("Title.pdf OR a  b.txt", "/Team")});
 }
 
 TEST_F(DropboxClientTest, NamesThatAreTooLongForOneSearchAreAskedForInSeveral) {
@@ -198,7 +198,7 @@ TEST_F(DropboxClientTest, WithoutASearchableNameNothingIsAsked) {
 
 TEST_F(DropboxClientTest, AnUploadIsTheFilesBytesWithItsArgumentsInAHeader) {
     const auto file = folder.write("local", std::string("a\r\n\0b", 5));
-    EXPECT_TRUE(upload("\u00dcber \"x\" \U0001f600\x7F.txt", file, "/Work"));
+    EXPECT_TRUE(upload("\u00dcber \"x\" \U0001f600\x7F.txt", file, "/Team"));
     EXPECT_TRUE(upload("b.txt", file, "", true));
     const auto text = [](const std::string& arguments) {
         return "POST /2/files/upload\nDropbox-API-Arg: " + arguments +
@@ -206,7 +206,7 @@ TEST_F(DropboxClientTest, AnUploadIsTheFilesBytesWithItsArgumentsInAHeader) {
                std::string("a\r\n\0b", 5);
     };
     EXPECT_EQ(service.texts(),
-              (Texts{text(R"({"path":"/Work/\u00dcber \"x\" \ud83d\ude00\u007f.txt","mode":"add",)"
+              (Texts{text(R"({"path":"/Team/\u00dcber \"x\" \ud83d\ude00\u007f.txt","mode":"add",)"
                           R"("autorename":true,"mute":false})"),
                      text(R"({"path":"/b.txt","mode":"overwrite","autorename":false,"mute":false})")}));
 }

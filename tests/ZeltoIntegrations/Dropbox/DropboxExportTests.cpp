@@ -42,13 +42,13 @@ class DropboxExportTest : public testing::Test {
 TEST_F(DropboxExportTest, ChecksTheNamesAndAddsTheFiles) {
     one.attach("a.txt", "A");
     one.attach("\u00fc & b.txt", "B");
-    one.configuration.selectedFolderPath = "/Work/Pl\u00e4ne";
+    one.configuration.selectedFolderPath = "/Team/Pl\u00e4ne";
     EXPECT_TRUE(one.run());
     EXPECT_EQ(one.progress->totalUnitCount(), 5);
-    EXPECT_EQ(service.texts(), (Texts{search("Title.pdf OR a.txt OR \u00fc   b.txt", "/Work/Pl\u00e4ne"),
-                                      upload(R"(/Work/Pl\u00e4ne/Title.pdf)", add, "%PDF <p>Body</p>"),
-                                      upload(R"(/Work/Pl\u00e4ne/a.txt)", add, "A"),
-                                      upload(R"(/Work/Pl\u00e4ne/\u00fc & b.txt)", add, "B")}));
+    EXPECT_EQ(service.texts(), (Texts{search("Title.pdf OR a.txt OR \u00fc   b.txt", "/Team/Pl\u00e4ne"),
+                                      upload(R"(/Team/Pl\u00e4ne/Title.pdf)", add, "%PDF <p>Body</p>"),
+                                      upload(R"(/Team/Pl\u00e4ne/a.txt)", add, "A"),
+                                      upload(R"(/Team/Pl\u00e4ne/\u00fc & b.txt)", add, "B")}));
     EXPECT_EQ(one.exporter()->exportReport(),
               (ExportReport{
                   .made = {{"file", "Title.pdf", {}}, {"file", "a.txt", {}}, {"file", "\u00fc & b.txt", {}}},
@@ -94,14 +94,14 @@ TEST_F(DropboxExportTest, ReplacesNoFolderAndNothingInAFolderBelow) {
     one.attach("a.txt", "A");
     one.attach("b.txt", "B");
     one.attach("c.txt", "C");
-    one.configuration.selectedFolderPath = "/Work";
+    one.configuration.selectedFolderPath = "/Team";
     const auto match = [](const std::string& tag, const std::string& name, const std::string& path) {
         return R"({"metadata":{"metadata":{".tag":")" + tag + R"(","id":"id:)" + name + R"(","name":")" +
                name + R"(","path_lower":")" + path + R"("}}})";
     };
-    service.matches = R"({"matches":[)" + match("folder", "a.txt", "/work/a.txt") + "," +
-                      match("file", "b.txt", "/work/plans/b.txt") + "," +
-                      match("file", "c.txt", "/work/c.txt") + "]}";
+    service.matches = R"({"matches":[)" + match("folder", "a.txt", "/team/a.txt") + "," +
+                      match("file", "b.txt", "/team/plans/b.txt") + "," +
+                      match("file", "c.txt", "/team/c.txt") + "]}";
     EXPECT_EQ(one.run(), failure(Error::fileAlreadyExists));
     EXPECT_EQ(one.exporter()->existedFiles().size(), 3U);
     one.policy = ExportFilePolicy::overrideExisting;
@@ -109,8 +109,8 @@ TEST_F(DropboxExportTest, ReplacesNoFolderAndNothingInAFolderBelow) {
     const auto texts = service.texts();
     EXPECT_EQ(
         Texts(texts.begin() + 1, texts.end()),
-        (Texts{upload("/Work/Title.pdf", overwrite, "%PDF <p>Body</p>"), upload("/Work/a.txt", add, "A"),
-               upload("/Work/b.txt", add, "B"), upload("/Work/c.txt", overwrite, "C")}));
+        (Texts{upload("/Team/Title.pdf", overwrite, "%PDF <p>Body</p>"), upload("/Team/a.txt", add, "A"),
+               upload("/Team/b.txt", add, "B"), upload("/Team/c.txt", overwrite, "C")}));
 }
 
 TEST_F(DropboxExportTest, NamesCanBeCheckedWithoutAnExport) {
@@ -118,7 +118,7 @@ TEST_F(DropboxExportTest, NamesCanBeCheckedWithoutAnExport) {
     const auto checked = [&](const std::vector<std::string>& names) {
         Completed<Result<std::vector<DropboxMetadata>, IntegrationLoadError>> end;
         exporter->checkFilesExists(
-            names, "/Work", end.callback<Completion<std::vector<DropboxMetadata>, IntegrationLoadError>>());
+            names, "/Team", end.callback<Completion<std::vector<DropboxMetadata>, IntegrationLoadError>>());
         return end.value();
     };
     EXPECT_EQ(checked({}), std::vector<DropboxMetadata>());
@@ -129,7 +129,7 @@ TEST_F(DropboxExportTest, NamesCanBeCheckedWithoutAnExport) {
     service.respondTo("search_v2", PlayedResponse::json("{}", 500));
     EXPECT_EQ(checked({"a.txt"}), failure(IntegrationLoadError::internalError));
     EXPECT_EQ(service.texts(),
-              (Texts{search("a.txt", "/Work"), search("a.txt OR b.txt", "/Work"), search("a.txt", "/Work")}));
+              (Texts{search("a.txt", "/Team"), search("a.txt OR b.txt", "/Team"), search("a.txt", "/Team")}));
 }
 
 TEST_F(DropboxExportTest, GivesFilesNamesThatTheServiceTakes) {

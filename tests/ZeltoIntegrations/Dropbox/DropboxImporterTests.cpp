@@ -47,7 +47,7 @@ INSTANTIATE_TYPED_TEST_SUITE_P(Dropbox, DriveImport, DropboxImport, NamedByFacts
 
 TEST_F(DropboxImporterTest, AsksForTheFolderByItsPathOrItsIdentifier) {
     const auto asking = importer();
-    for (const auto& path : {std::optional<std::string>(), std::optional<std::string>("/Work"),
+    for (const auto& path : {std::optional<std::string>(), std::optional<std::string>("/Team"),
                              std::optional<std::string>("id:w")}) {
         EXPECT_TRUE(list(*asking, path));
         const auto body = JSONValue::parse(service.server.requests().back().body).value();

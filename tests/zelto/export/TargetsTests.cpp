@@ -22,7 +22,7 @@ std::string found(const std::string& text) {
 // Folders of a drive.
 const TargetTree folders{.levels = {"folder"},
                          .nodes = {{"/", "/"},
-                                   {"f1", "Work", {{"f2", "Plans", {{"f3", "Old"}}}, {"f4", "Ärger"}}},
+                                   {"f1", "Team", {{"f2", "Plans", {{"f3", "Old"}}}, {"f4", "Ärger"}}},
                                    {"f5", "Home", {{"f6", "Plans"}}}},
                          .isNested = true};
 
@@ -34,27 +34,27 @@ std::string foundFolder(const std::string& text) {
 } // namespace
 
 TEST(Targets, OfFoldersInFoldersAreNamedByPathIdentifierOrAUniqueName) {
-    for (const auto* text : {"/Work/Plans", "Work/Plans", "/Work/Plans/", "/work/PLANS", "f2"}) {
-        EXPECT_EQ(foundFolder(text), "/Work/Plans f2") << text;
+    for (const auto* text : {"/Team/Plans", "Team/Plans", "/Team/Plans/", "/team/PLANS", "f2"}) {
+        EXPECT_EQ(foundFolder(text), "/Team/Plans f2") << text;
     }
-    for (const auto* text : {"Old", "old", "/Work/Plans/Old"}) {
-        EXPECT_EQ(foundFolder(text), "/Work/Plans/Old f3") << text;
+    for (const auto* text : {"Old", "old", "/Team/Plans/Old"}) {
+        EXPECT_EQ(foundFolder(text), "/Team/Plans/Old f3") << text;
     }
-    EXPECT_EQ(foundFolder("ärger"), "/Work/Ärger f4");
+    EXPECT_EQ(foundFolder("ärger"), "/Team/Ärger f4");
     for (const auto* text : {"/", "", "//"}) {
         EXPECT_EQ(foundFolder(text), "/ /") << text;
     }
-    EXPECT_EQ(foundFolder("Plans"), "--target: \"Plans\" means several: /Work/Plans (f2), /Home/Plans (f6); "
+    EXPECT_EQ(foundFolder("Plans"), "--target: \"Plans\" means several: /Team/Plans (f2), /Home/Plans (f6); "
                                     "give the identifier.");
-    EXPECT_EQ(foundFolder("/Plans"), "--target: there is no folder \"/Plans\"; there are /, /Work, "
-                                     "/Work/Plans, /Work/Plans/Old, /Work/Ärger, /Home, /Home/Plans.");
+    EXPECT_EQ(foundFolder("/Plans"), "--target: there is no folder \"/Plans\"; there are /, /Team, "
+                                     "/Team/Plans, /Team/Plans/Old, /Team/Ärger, /Home, /Home/Plans.");
 }
 
 TEST(Targets, OfFoldersInFoldersAreListedAsATreeAndByPath) {
-    EXPECT_EQ(linesOf(folders, {}), "/\nWork  (f1)\n  Plans  (f2)\n    Old  (f3)\n  Ärger  (f4)\n"
+    EXPECT_EQ(linesOf(folders, {}), "/\nTeam  (f1)\n  Plans  (f2)\n    Old  (f3)\n  Ärger  (f4)\n"
                                     "Home  (f5)\n  Plans  (f6)\n");
     EXPECT_EQ(pathLinesOf(folders),
-              "/\n/Work\n/Work/Plans\n/Work/Plans/Old\n/Work/Ärger\n/Home\n/Home/Plans\n");
+              "/\n/Team\n/Team/Plans\n/Team/Plans/Old\n/Team/Ärger\n/Home\n/Home/Plans\n");
     EXPECT_TRUE(holdsTargets(folders));
 }
 

@@ -16,7 +16,7 @@ namespace zelto::cli {
 struct DriveFolder {
     std::string id;
     std::string name;
-    std::optional<std::string> path; // "/work/plans", where the service says in what a folder lies
+    std::optional<std::string> path; // "/team/plans", where the service says in what a folder lies
 
     bool operator==(const DriveFolder&) const = default;
 };

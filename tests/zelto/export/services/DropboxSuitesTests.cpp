@@ -20,30 +20,30 @@ struct DropboxFacts {
 
     static void listTargets(Server& service) {
         service.entries =
-            R"({"cursor":"c1","entries":[{".tag":"folder","id":"id:p","name":"Plans","path_lower":"/work/plans"},)"
-            R"({".tag":"file","id":"id:a","name":"a.txt","path_lower":"/work/a.txt"},)"
-            R"({".tag":"folder","id":"id:w","name":"Work","path_lower":"/work"},)"
+            R"({"cursor":"c1","entries":[{".tag":"folder","id":"id:p","name":"Plans","path_lower":"/team/plans"},)"
+            R"({".tag":"file","id":"id:a","name":"a.txt","path_lower":"/team/a.txt"},)"
+            R"({".tag":"folder","id":"id:w","name":"Team","path_lower":"/team"},)"
             R"({".tag":"folder","id":"id:h","name":"Home","path_lower":"/home"},)"
             R"({".tag":"folder","id":"id:q","name":"Plans","path_lower":"/home/plans"}],"has_more":false})";
     }
 
-    static constexpr auto targetPaths = "/\n/Home\n/Home/Plans\n/Work\n/Work/Plans\n";
+    static constexpr auto targetPaths = "/\n/Home\n/Home/Plans\n/Team\n/Team/Plans\n";
     static constexpr auto targetLines = "/\nHome  (id:h)\n  Plans  (id:q)\nWork  (id:w)\n  Plans  (id:p)\n";
     static constexpr auto targetData =
-        R"("folders":[{"id":"id:p","name":"Plans","path":"/work/plans"},)"
-        R"({"id":"id:w","name":"Work","path":"/work"},{"id":"id:h","name":"Home","path":"/home"},)"
+        R"("folders":[{"id":"id:p","name":"Plans","path":"/team/plans"},)"
+        R"({"id":"id:w","name":"Team","path":"/team"},{"id":"id:h","name":"Home","path":"/home"},)"
         R"({"id":"id:q","name":"Plans","path":"/home/plans"}])";
 
-    static constexpr auto folder = "/Work/Plans";
-    static constexpr auto folderTexts = {"/Work/Plans", "work/plans/", "id:p"};
+    static constexpr auto folder = "/Team/Plans";
+    static constexpr auto folderTexts = {"/Team/Plans", "work/plans/", "id:p"};
     static constexpr auto folderKey = "selectedFolderPath";
-    static constexpr auto folderData = R"("/work/plans")";
-    static constexpr auto folderPart = R"("path":"/work/plans/Title.pdf")";
+    static constexpr auto folderData = R"("/team/plans")";
+    static constexpr auto folderPart = R"("path":"/team/plans/Title.pdf")";
     static constexpr auto ambiguousName = "plans";
-    static constexpr auto ambiguity = "--target: \"plans\" means several: /Home/Plans (id:q), /Work/Plans "
+    static constexpr auto ambiguity = "--target: \"plans\" means several: /Home/Plans (id:q), /Team/Plans "
                                       "(id:p); give the identifier.";
     static constexpr auto absence =
-        "--target: there is no folder \"Nowhere\"; there are /, /Home, /Home/Plans, /Work, /Work/Plans.";
+        "--target: there is no folder \"Nowhere\"; there are /, /Home, /Home/Plans, /Team, /Team/Plans.";
 
     static void have(Server& service, const std::vector<std::string>& names) {
         std::string found;
@@ -87,7 +87,7 @@ struct DropboxFacts {
 cli::SentRequest upload(std::uint64_t size) {
     return {.method = "POST",
             .url = "https://content.dropboxapi.com/2/files/upload",
-            .headers = {{"dropbox-api-arg", R"({"path":"/work/B\u00fccher.zip"})"}},
+            .headers = {{"dropbox-api-arg", R"({"path":"/team/B\u00fccher.zip"})"}},
             .bodySize = size};
 }
 
