@@ -28,14 +28,14 @@ struct DropboxFacts {
     }
 
     static constexpr auto targetPaths = "/\n/Home\n/Home/Plans\n/Team\n/Team/Plans\n";
-    static constexpr auto targetLines = "/\nHome  (id:h)\n  Plans  (id:q)\nWork  (id:w)\n  Plans  (id:p)\n";
+    static constexpr auto targetLines = "/\nHome  (id:h)\n  Plans  (id:q)\nTeam  (id:w)\n  Plans  (id:p)\n";
     static constexpr auto targetData =
         R"("folders":[{"id":"id:p","name":"Plans","path":"/team/plans"},)"
         R"({"id":"id:w","name":"Team","path":"/team"},{"id":"id:h","name":"Home","path":"/home"},)"
         R"({"id":"id:q","name":"Plans","path":"/home/plans"}])";
 
     static constexpr auto folder = "/Team/Plans";
-    static constexpr auto folderTexts = {"/Team/Plans", "work/plans/", "id:p"};
+    static constexpr auto folderTexts = {"/Team/Plans", "team/plans/", "id:p"};
     static constexpr auto folderKey = "selectedFolderPath";
     static constexpr auto folderData = R"("/team/plans")";
     static constexpr auto folderPart = R"("path":"/team/plans/Title.pdf")";
