@@ -6,6 +6,7 @@
 
 #include <Platform/Completion.h>
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -35,6 +36,21 @@ struct ContentText {
 
 // The types of the services that take the message's text with a link to it, or the link alone.
 IntegrationExportContentTypes textContentTypes(IntegrationExportTarget target);
+
+// The rows of those types: a service chooses its links' format, and which link a text carries that has the
+// plain one.
+constexpr std::array<ContentText, 6> textContents(ContentText::Link linkOfText,
+                                                  IntegrationLinkFormat format) {
+    using enum IntegrationExportContentType;
+    using Source = ContentText::Source;
+    using Link = ContentText::Link;
+    return {{{emailBacklink, Source::messagePlainText, linkOfText, format},
+             {emailWeblink, Source::messagePlainText, Link::webLink, format},
+             {mtSummaryBacklink, Source::meetingSummary, linkOfText, format},
+             {mtSummaryWeblink, Source::meetingSummary, Link::webLink, format},
+             {backLink, Source::link, Link::backlink, format},
+             {webLink, Source::link, Link::webLink, format}}};
+}
 
 // The row of that type; null for a type that the service does not take.
 const ContentText* contentTextFor(IntegrationExportContentType type, std::span<const ContentText> rows);

@@ -11,22 +11,11 @@ namespace zelto {
 
 namespace {
 
-using Type = IntegrationExportContentType;
 using ExportError = IntegrationExportError;
 using Source = ContentText::Source;
-using Link = ContentText::Link;
 
 // The service gets the text of a link and its address apart.
-constexpr auto raw = IntegrationLinkFormat::raw;
-
-constexpr ContentText texts[] = {
-    {Type::emailBacklink, Source::messagePlainText, Link::backlink, raw},
-    {Type::emailWeblink, Source::messagePlainText, Link::webLink, raw},
-    {Type::mtSummaryBacklink, Source::meetingSummary, Link::backlink, raw},
-    {Type::mtSummaryWeblink, Source::meetingSummary, Link::webLink, raw},
-    {Type::backLink, Source::link, Link::backlink, raw},
-    {Type::webLink, Source::link, Link::webLink, raw},
-};
+constexpr auto texts = textContents(ContentText::Link::backlink, IntegrationLinkFormat::raw);
 
 constexpr std::size_t stepCount = 2;
 

@@ -11,21 +11,9 @@ namespace zelto {
 
 namespace {
 
-using Type = IntegrationExportContentType;
 using ExportError = IntegrationExportError;
-using Source = ContentText::Source;
-using Link = ContentText::Link;
 
-constexpr auto markdown = IntegrationLinkFormat::markdown;
-
-constexpr ContentText texts[] = {
-    {Type::emailBacklink, Source::messagePlainText, Link::altBacklink, markdown},
-    {Type::emailWeblink, Source::messagePlainText, Link::webLink, markdown},
-    {Type::mtSummaryBacklink, Source::meetingSummary, Link::altBacklink, markdown},
-    {Type::mtSummaryWeblink, Source::meetingSummary, Link::webLink, markdown},
-    {Type::backLink, Source::link, Link::backlink, markdown},
-    {Type::webLink, Source::link, Link::webLink, markdown},
-};
+constexpr auto texts = textContents(ContentText::Link::altBacklink, IntegrationLinkFormat::markdown);
 
 // A time without a zone, which the service takes as one of the user's day.
 constexpr auto dateFormat = "yyyy-MM-dd'T'HH:mm:ss";
