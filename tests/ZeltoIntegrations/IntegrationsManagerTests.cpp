@@ -76,7 +76,28 @@ class FakeExporter final : public ServiceExporter {
     FakeService& service_;
 };
 
-struct FakeMeetingCreator final : MeetingCreator, IntegrationsServiceDataFetcher {
+// Makes no meetings.
+struct PlainMeetingCreator : MeetingCreator {
+    void createMeeting(const std::optional<std::string>&, std::optional<Date>, std::optional<Date>,
+                       CreationCompletion completion) override {
+        completion(failure(MeetingCreatorError::internalError));
+    }
+
+    void updateMeeting(const std::string&, const std::optional<std::string>&, std::optional<Date>,
+                       std::optional<Date>, ChangeCompletion completion) override {
+        completion(failure(MeetingCreatorError::internalError));
+    }
+
+    void deleteMeeting(const std::string&, ChangeCompletion completion) override {
+        completion(failure(MeetingCreatorError::internalError));
+    }
+
+    void cancelAllOperations() override {}
+
+    std::optional<ServiceRefusal> lastRefusal() const override { return std::nullopt; }
+};
+
+struct FakeMeetingCreator final : PlainMeetingCreator, IntegrationsServiceDataFetcher {
     FakeMeetingCreator(FakeService& service, ServiceAccountCredentials credentials)
         : service(service), credentials(std::move(credentials)) {}
 
@@ -92,8 +113,6 @@ struct FakeMeetingCreator final : MeetingCreator, IntegrationsServiceDataFetcher
     FakeService& service;
     const ServiceAccountCredentials credentials;
 };
-
-struct PlainMeetingCreator final : MeetingCreator {};
 
 // A manager whose REST services are the fake one; the factory's table stands for all else.
 class ManagerUnderTest : public IntegrationsManager {

@@ -85,7 +85,8 @@ std::string messageIn(const JSONObject& object) {
             return message;
         }
     }
-    return textAt(object, {"error_description", "message", "error_summary", "reason", "detail", "error"});
+    return textAt(object, {"error_description", "message", "error_summary", "reason", "detail", "description",
+                           "msg", "error", "errorCode"});
 }
 
 std::string messageOfBody(const JSONValue& body) {
