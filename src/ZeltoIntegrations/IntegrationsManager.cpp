@@ -82,12 +82,15 @@ ServiceAccountConfiguration withSecrets(ServiceAccountConfiguration account,
     return account;
 }
 
+AccountError::DataLoadingError loadingError(const std::optional<ServiceRefusal>& refusal) {
+    return refusal ? AccountError::DataLoadingError{refusal->words, refusal->nothingWasSent}
+                   : AccountError::DataLoadingError();
+}
+
 // Why an exporter has loaded nothing.
 AccountError::DataLoadingError loadingError(const ServiceExporter& exporter) {
     const auto* network = dynamic_cast<const NetworkExporter*>(&exporter);
-    const auto refusal = network ? network->lastRefusal() : std::nullopt;
-    return refusal ? AccountError::DataLoadingError{refusal->words, refusal->nothingWasSent}
-                   : AccountError::DataLoadingError();
+    return loadingError(network ? network->lastRefusal() : std::nullopt);
 }
 
 // What an exporter's fetch says about the account that is being connected.
@@ -119,10 +122,14 @@ AccountResult loadAccount(const Result<void, IntegrationLoadError>& fetched,
 // cannot be read, the tokens at hand may be spent.
 AccountResult checkedAccount(const Result<void, IntegrationLoadError>& fetched,
                              const ServiceAccountConfiguration& temporary,
-                             const ServiceAccountConfiguration& configuration) {
+                             const ServiceAccountConfiguration& configuration,
+                             const MeetingCreator& creator) {
     const auto stored = ServiceCredentialsManager::stored(temporary.credentials->serviceCredentialsKey);
     removeSecrets(temporary);
-    if (!fetched || !stored) {
+    if (!fetched) {
+        return failure(AccountError::dataLoadingError(loadingError(creator.lastRefusal())));
+    }
+    if (!stored) {
         return failure(AccountError::dataLoadingError());
     }
     return *stored ? withSecrets(configuration, **stored) : configuration;
@@ -287,15 +294,15 @@ void IntegrationsManager::fetchAccountByMeetingCreator(const ServiceAccountConfi
         return completion(failure(AccountError::dataLoadingError()));
     }
     const auto temporary = underKeyOfItsOwn(configuration);
-    const auto fetcher =
-        std::dynamic_pointer_cast<IntegrationsServiceDataFetcher>(createMeetingCreator(temporary));
+    const auto creator = createMeetingCreator(temporary);
+    auto* fetcher = dynamic_cast<IntegrationsServiceDataFetcher*>(creator.get());
     if (!fetcher) {
         return completion(failure(AccountError::dataLoadingError()));
     }
     fetcher->fetchServiceData([note = noted(flowNote_, temporary.credentials->serviceCredentialsKey),
-                               temporary, configuration, fetcher, completion = std::move(completion)](
+                               temporary, configuration, creator, completion = std::move(completion)](
                                   const Result<void, IntegrationLoadError>& fetched) mutable {
-        auto account = checkedAccount(fetched, temporary, configuration);
+        auto account = checkedAccount(fetched, temporary, configuration, *creator);
         note = nullptr;
         completion(std::move(account));
     });

@@ -6,10 +6,14 @@
 #include <ZeltoIntegrations/Dropbox/DropboxExporter.h>
 #include <ZeltoIntegrations/Dropbox/DropboxImporter.h>
 #include <ZeltoIntegrations/Evernote/EvernoteExporter.h>
+#include <ZeltoIntegrations/GoTo/GoToAuthoriser.h>
+#include <ZeltoIntegrations/GoTo/GoToClient.h>
 #include <ZeltoIntegrations/GoogleDrive/GoogleDriveExporter.h>
 #include <ZeltoIntegrations/GoogleDrive/GoogleDriveImporter.h>
 #include <ZeltoIntegrations/ICloud/ICloudExporter.h>
 #include <ZeltoIntegrations/IntegrationsManager.h>
+#include <ZeltoIntegrations/MicrosoftTeams/MicrosoftTeamsAuthoriser.h>
+#include <ZeltoIntegrations/MicrosoftTeams/MicrosoftTeamsClient.h>
 #include <ZeltoIntegrations/Notion/NotionExporter.h>
 #include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
 #include <ZeltoIntegrations/OneNote/OneNoteExporter.h>
@@ -17,6 +21,8 @@
 #include <ZeltoIntegrations/Todoist/TodoistExporter.h>
 #include <ZeltoIntegrations/Trello/TrelloExporter.h>
 #include <ZeltoIntegrations/TwoDo/TwoDoExporter.h>
+#include <ZeltoIntegrations/Zoom/ZoomAuthoriser.h>
+#include <ZeltoIntegrations/Zoom/ZoomClient.h>
 
 #include <algorithm>
 
@@ -107,10 +113,15 @@ struct MeetingCreatorRow {
     std::shared_ptr<MeetingCreator> (*make)(const ServiceAccountCredentials& credentials);
 };
 
+template <class Client, class Authoriser>
+std::shared_ptr<MeetingCreator> makeMeetingCreator(const ServiceAccountCredentials& credentials) {
+    return std::make_shared<Client>(std::make_shared<Authoriser>(credentials));
+}
+
 constexpr MeetingCreatorRow meetingCreators[] = {
-    {ServiceType::G2Meeting, nullptr},
-    {ServiceType::ZoomMeeting, nullptr},
-    {ServiceType::MicrosoftTeams, nullptr},
+    {ServiceType::G2Meeting, makeMeetingCreator<GoToClient, GoToAuthoriser>},
+    {ServiceType::ZoomMeeting, makeMeetingCreator<ZoomClient, ZoomAuthoriser>},
+    {ServiceType::MicrosoftTeams, makeMeetingCreator<MicrosoftTeamsClient, MicrosoftTeamsAuthoriser>},
 };
 
 // The maker in the type's row, or null.
