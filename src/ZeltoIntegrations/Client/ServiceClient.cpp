@@ -22,6 +22,15 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
         refusalObserver_ = std::move(observer);
     }
 
+    void notifyObserver(const ServiceRefusal& refusal) {
+        std::unique_lock guard(lock_);
+        const auto observer = refusalObserver_;
+        guard.unlock();
+        if (observer) {
+            containingExceptions("An observer of refusals", [&] { observer(refusal); });
+        }
+    }
+
     std::shared_ptr<Operation> enqueueFirst(RequestSource source, std::shared_ptr<Operation> targetOperation,
                                             ServiceCompletion<ServiceResponse> completion) {
         auto request = std::make_shared<const RequestSource>(std::move(source));
@@ -86,15 +95,6 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
     static ServiceRefusal ofBothTries(ServiceRefusal first, ServiceRefusal second) {
         return {second.words.empty() ? std::move(first.words) : std::move(second.words),
                 first.nothingWasSent && second.nothingWasSent, second.excessiveSize};
-    }
-
-    void notifyObserver(const ServiceRefusal& refusal) {
-        std::unique_lock guard(lock_);
-        const auto observer = refusalObserver_;
-        guard.unlock();
-        if (observer) {
-            containingExceptions("An observer of refusals", [&] { observer(refusal); });
-        }
     }
 
     void enqueueSecond(Retry first, RequestTry refused) {
@@ -200,6 +200,10 @@ void ServiceClient::close() {
 
 void ServiceClient::setRefusalObserver(RefusalObserver observer) {
     core_->setRefusalObserver(std::move(observer));
+}
+
+RefusalObserver ServiceClient::refusalObserver() const {
+    return [core = core_](const ServiceRefusal& refusal) { core->notifyObserver(refusal); };
 }
 
 std::shared_ptr<Operation> ServiceClient::download(RequestMaker makeRequest, std::filesystem::path goal,

@@ -33,9 +33,9 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
     ServiceClient(const ServiceClient&) = delete;
     ServiceClient& operator=(const ServiceClient&) = delete;
 
-    // Called with what is known of each request that got no response of success, before its completion and on
-    // the same thread. To be set before the first request.
-    using RefusalObserver = std::function<void(const ServiceRefusal&)>;
+    // Called with what is known of each request that got no response of success, or one that cannot be read,
+    // before its completion and on the same thread. To be set before the first request.
+    using RefusalObserver = zelto::RefusalObserver;
     void setRefusalObserver(RefusalObserver observer);
 
     // Sends the request and completes with the response as T: std::string for the body as text, Data for its
@@ -78,15 +78,19 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
                                              ServiceCompletion<T> completion) {
         return enqueueRequest(
             std::move(source), std::move(targetOperation),
-            [decoder = jsonDecoder_,
+            [decoder = jsonDecoder_, onRefusal = refusalObserver(),
              completion = std::move(completion)](ServiceResult<ServiceResponse> result) mutable {
-                completion(result ? serviceValue<T>(std::move(*result), decoder) : failure(result.error()));
+                completion(result ? serviceValue<T>(std::move(*result), decoder, onRefusal)
+                                  : failure(result.error()));
             });
     }
 
     std::shared_ptr<Operation> enqueueRequest(RequestSource source,
                                               std::shared_ptr<Operation> targetOperation,
                                               ServiceCompletion<ServiceResponse> completion);
+
+    // The one that is set when it is called, for requests that may outlive the client.
+    RefusalObserver refusalObserver() const;
 
     const JSONDecoder jsonDecoder_;
     const std::shared_ptr<Core> core_; // also held by the requests that may be repeated

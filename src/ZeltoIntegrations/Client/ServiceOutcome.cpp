@@ -75,11 +75,19 @@ ServiceResult<ServiceResponse> serviceOutcome(URL url, std::optional<Data> data,
     return ServiceResponse{std::move(url), status, std::move(*data)};
 }
 
-ServiceClientError dataParseError(const ServiceResponse& response, const DecodingError& error) {
+ServiceClientError dataParseError(const ServiceResponse& response, const DecodingError& error,
+                                  const RefusalObserver& onRefusal) {
     log(LogLevel::error, [&] {
         return "Data parse error for request: " + response.url.absoluteString() +
                " with error: " + error.message();
     });
+    const ServiceRefusal refusal{wordsOfRefusingSuccess(viewOf(response.body))};
+    if (!refusal.words.empty()) {
+        log(LogLevel::error, [&] { return "The service refuses the request: " + refusal.words; });
+    }
+    if (onRefusal) {
+        onRefusal(refusal);
+    }
     return ServiceClientError::dataParseError;
 }
 

@@ -8,6 +8,7 @@
 #include <Platform/UTF8.h>
 #include <ZeltoIntegrations/Client/OAuthToken.h>
 #include <ZeltoIntegrations/Client/ServiceClientError.h>
+#include <ZeltoIntegrations/Client/ServiceRefusal.h>
 
 #include <memory>
 #include <optional>
@@ -30,12 +31,18 @@ ServiceResult<ServiceResponse> serviceOutcome(URL url, std::optional<Data> data,
                                               const std::shared_ptr<const URLResponse>& response,
                                               const std::optional<URLError>& error);
 
-// The value that a service responded with: the body itself for a text or bytes, else its JSON.
-template <class T> ServiceResult<T> serviceValue(ServiceResponse response, const JSONDecoder& decoder);
+// The value that a service responded with: the body itself for a text or bytes, else its JSON. The observer,
+// which may be null, gets what a body that is no such value says of why.
+template <class T>
+ServiceResult<T> serviceValue(ServiceResponse response, const JSONDecoder& decoder,
+                              const RefusalObserver& onRefusal = nullptr);
 
-ServiceClientError dataParseError(const ServiceResponse& response, const DecodingError& error);
+ServiceClientError dataParseError(const ServiceResponse& response, const DecodingError& error,
+                                  const RefusalObserver& onRefusal);
 
-template <class T> ServiceResult<T> serviceValue(ServiceResponse response, const JSONDecoder& decoder) {
+template <class T>
+ServiceResult<T> serviceValue(ServiceResponse response, const JSONDecoder& decoder,
+                              const RefusalObserver& onRefusal) {
     if constexpr (std::is_same_v<T, Data>) {
         return std::move(response.body);
     } else {
@@ -50,7 +57,7 @@ template <class T> ServiceResult<T> serviceValue(ServiceResponse response, const
         }
         auto value = decoder.decode<T>(viewOf(response.body));
         if (!value) {
-            return failure(dataParseError(response, value.error()));
+            return failure(dataParseError(response, value.error(), onRefusal));
         }
         return std::move(*value);
     }

@@ -120,6 +120,13 @@ std::string wordsOfErrorBody(std::string_view body) {
     return isMessage ? cleanedWords(text) : std::string();
 }
 
+std::string wordsOfRefusingSuccess(std::string_view body) {
+    const auto json = JSONValue::parse(body);
+    const auto* object = json ? json->asObject() : nullptr;
+    const auto* ok = object ? object->find("ok") : nullptr;
+    return ok && *ok == JSONValue(false) ? cleanedWords(messageIn(*object)) : std::string();
+}
+
 std::optional<ServiceRefusal> serviceRefusal(std::uint64_t requestSize, const std::optional<Data>& data,
                                              const std::shared_ptr<const URLResponse>& response,
                                              const std::optional<URLError>& error) {

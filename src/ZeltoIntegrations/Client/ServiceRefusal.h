@@ -5,6 +5,7 @@
 #include <Platform/HTTP/URLResponse.h>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -12,7 +13,7 @@
 
 namespace zelto {
 
-// What is known of a request that got no response of success, beside its ServiceClientError.
+// What is known of a request that failed, beside its ServiceClientError.
 struct ServiceRefusal {
     // What the service said about it, for people; empty if none of it can be shown. At most
     // `maximumLength` characters in one line, without secrets.
@@ -28,6 +29,8 @@ struct ServiceRefusal {
     bool operator==(const ServiceRefusal&) const = default;
 };
 
+using RefusalObserver = std::function<void(const ServiceRefusal&)>;
+
 // How a service's own text is shown to people: control characters and runs of white space are one blank each,
 // secrets are masked, and what is longer than `maximumLength` characters is cut.
 std::string cleanedWords(std::string_view text);
@@ -35,6 +38,10 @@ std::string cleanedWords(std::string_view text);
 // The words in the body of a refusal, cleaned: the messages that its JSON has where services put them, else a
 // plain text that is not HTML.
 std::string wordsOfErrorBody(std::string_view body);
+
+// The words in the body of a response of success that refuses the request all the same, by `"ok":false`;
+// empty for any other body.
+std::string wordsOfRefusingSuccess(std::string_view body);
 
 // What the end of a data task says of a request of that size; no value for a response with a status of
 // success.

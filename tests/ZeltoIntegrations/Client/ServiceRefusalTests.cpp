@@ -26,6 +26,9 @@ class ObservedClient {
 
     ServiceClient& client() { return client_; }
 
+    // Once no request is under way.
+    const std::vector<ServiceRefusal>& refusals() const { return refusals_; }
+
     // What was observed by the time the completion came.
     std::vector<ServiceRefusal> refusalsOf(URLRequest request) {
         Completed<std::vector<ServiceRefusal>> observed;
@@ -87,6 +90,20 @@ TEST(ServiceWords, AreTakenFromWhereServicesPutThem) {
     EXPECT_EQ(wordsOfErrorBody(std::string(10'000, 'a')), "") << "a page, not a message";
 }
 
+TEST(ServiceWords, OfASuccessAreThoseOfOneThatIsNotOk) {
+    EXPECT_EQ(wordsOfRefusingSuccess(R"({"ok":false,"error":"channel_not_found"})"), "channel_not_found");
+    EXPECT_EQ(wordsOfRefusingSuccess(R"({"error":" not_in\nchannel ","ok":false,"channel":"C1"})"),
+              "not_in channel");
+    EXPECT_EQ(wordsOfRefusingSuccess(R"({"ok":false,"error":")" + std::string(400, 'e') + R"("})"),
+              std::string(300, 'e'));
+    for (const auto* body :
+         {R"({"ok":false})", R"({"ok":false,"error":7})", R"({"ok":true,"error":"x"})", R"({"error":"x"})",
+          R"({"ok":0,"error":"x"})", R"({"ok":null,"error":"x"})", R"({"ok":"false","error":"x"})",
+          R"([{"ok":false,"error":"x"}])", R"("text")", "text", "", "{\"ok\":false,\"error\":\"x\xff\"}"}) {
+        EXPECT_EQ(wordsOfRefusingSuccess(body), "") << body;
+    }
+}
+
 TEST(ServiceWords, AreOneLineWithoutControlCharactersAndAreCut) {
     EXPECT_EQ(cleanedWords(" a\r\n\tb \x1b[31mc\x7f\u0085d\u202e e  "), "a b [31mc d e");
     EXPECT_EQ(cleanedWords(std::string("nul\0byte", 8)), "nul byte");
@@ -121,6 +138,23 @@ TEST(ServiceRefusal, IsNoneOfASuccessNorOfATryThatWasRepeated) {
     const ServiceRoute route(server);
     ObservedClient client(std::make_shared<FakeAuthoriser>("old-token"));
     EXPECT_TRUE(client.refusalsOf(itemRequest()).empty());
+}
+
+TEST(ServiceRefusal, IsToldOnceOfAResponseOfSuccessThatCannotBeRead) {
+    const std::pair<const char*, const char*> rows[] = {
+        {R"({"ok":false,"error":"is_archived"})", "is_archived"},
+        {R"({"error":"of another kind"})", ""},
+        {"<html>", ""},
+    };
+    for (const auto& [body, words] : rows) {
+        const TestHTTPServer server(Responses{PlayedResponse::json(body)});
+        const ServiceRoute route(server);
+        ObservedClient observed;
+        Completed<ServiceResult<int>> completed;
+        observed.client().perform<int>(itemRequest(), nullptr, completed.callback<ServiceCompletion<int>>());
+        EXPECT_EQ(completed.value().error(), E::dataParseError);
+        EXPECT_EQ(observed.refusals(), (std::vector<ServiceRefusal>{{words, false}})) << body;
+    }
 }
 
 TEST(ServiceRefusal, OfARefreshIsThatOfEachRequestThatWaitedForIt) {
