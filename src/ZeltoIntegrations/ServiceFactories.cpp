@@ -17,6 +17,7 @@
 #include <ZeltoIntegrations/Notion/NotionExporter.h>
 #include <ZeltoIntegrations/OmniFocus/OmniFocusExporter.h>
 #include <ZeltoIntegrations/OneNote/OneNoteExporter.h>
+#include <ZeltoIntegrations/Slack/SlackExporter.h>
 #include <ZeltoIntegrations/Things/ThingsExporter.h>
 #include <ZeltoIntegrations/Todoist/TodoistExporter.h>
 #include <ZeltoIntegrations/Trello/TrelloExporter.h>
@@ -78,7 +79,7 @@ constexpr ExporterRow exporters[] = {
     {ServiceType::MeisterTask, nullptr},
     {ServiceType::TickTick, nullptr},
     {ServiceType::Agenda, make<AgendaExporter>},
-    {ServiceType::Slack, nullptr},
+    {ServiceType::Slack, make<SlackExporter>},
     {ServiceType::Hubspot, nullptr},
     {ServiceType::Notion, make<NotionExporter>},
     {ServiceType::GoogleDrive, make<GoogleDriveExporter>},
