@@ -71,7 +71,7 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
     }
 
     Outcome<LoadedTargets> targets(bool refresh) override {
-        if constexpr (HasTargets<Adapter>) {
+        if constexpr (HasChoices<Adapter>) {
             auto data = loaded(refresh);
             const bool isMissing = data && !*data && !refresh;
             data = isMissing ? loaded(true) : std::move(data);
@@ -99,6 +99,9 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         if (edits.policy && !Adapter::takesPolicy) {
             return notTaken(service_, "policy", "--policy");
         }
+        if (const auto option = edits.contacts.firstOption(); !KeepsContacts<Adapter> && !option.empty()) {
+            return wrongUsage(service_ + " keeps no contacts: leave out " + option + ".");
+        }
         policy_ = edits.policy;
         if constexpr (HasTargets<Adapter>) {
             const auto data = targetData(edits, loading);
@@ -108,8 +111,13 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
             auto plan = preparedPlan(edits, *data);
             const auto chosen = plan ? chooseTarget(*plan, *data, edits.target) : failure(plan.error());
             return chosen ? plan : failure(chosen.error());
+        } else if (edits.target) {
+            return notTaken(service_, "target", "--target");
+        } else if constexpr (KeepsContacts<Adapter>) {
+            const auto data = stageData(edits, loading);
+            return data ? preparedPlan(edits, *data) : failure(data.error());
         } else {
-            return edits.target ? notTaken(service_, "target", "--target") : preparedPlan(edits, NoData());
+            return preparedPlan(edits, NoData());
         }
     }
 
@@ -122,7 +130,7 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
 
     std::string assumption() const override {
         if (!Adapter::takesPolicy || policy_ == ExportFilePolicy::keepBoth) {
-            return {};
+            return Adapter::assumption(*prepared_);
         }
         return std::string("Shown as for a folder without files of these names, which is not looked at; ") +
                (policy_ ? "such files would be replaced." : "with such files the export would end there.");
@@ -140,8 +148,8 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
 
     ExportReport report() const override { return Adapter::report(*exporter_); }
 
-    std::string standInResponse(const SentRequest& request) const override {
-        return Adapter::standInResponse(request);
+    StandInResponse standInResponse(const SentRequest& request) const override {
+        return {Adapter::standInResponse(request), Adapter::standInStatus(request)};
     }
 
     std::vector<PassedLimit> passedLimits(const std::vector<SentRequest>& requests) const override {
@@ -149,6 +157,10 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
     }
 
     bool tellsMissingTargets() const override { return Adapter::tellsMissingTargets; }
+
+    std::optional<RefusalAdvice> adviceOn(const ExportReport::Refused& refused) const override {
+        return Adapter::adviceOn({refused.reason, refused.words});
+    }
 
     std::vector<std::string> refusals(const std::vector<SentRequest>& requests) const override {
         return Adapter::refusals(requests);
@@ -183,6 +195,9 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         if (const auto applied = apply(used, fields, service_); !applied) {
             return failure(applied.error());
         }
+        if (const auto set = setContacts(*configuration, edits, data); !set) {
+            return failure(set.error());
+        }
         ExportPlan plan{.title = fields.title ? fields.title->value_or("") : "",
                         .saveAs = configuration->exportType(),
                         .target = {},
@@ -193,6 +208,16 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
                         .missingTarget = {}};
         prepared_ = *std::move(configuration);
         return plan;
+    }
+
+    template <class Data>
+    Outcome<void> setContacts(Configuration& configuration, const ConfigurationEdits& edits,
+                              const Data& data) const {
+        if constexpr (KeepsContacts<Adapter>) {
+            return Adapter::setContacts(configuration, data, edits.contacts, exporter_->exportTarget(),
+                                        account_);
+        }
+        return {};
     }
 
     // Sets the tags where they are more than names, which are then no edit any more.
@@ -346,12 +371,17 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
 
     static std::optional<TargetPath> pathIn(const TargetTree& tree, const JSONValue& saveTo) {
         if constexpr (HasTargetItself<Adapter>) {
-            const auto index = indexOf(tree.nodes, &saveTo);
-            return index ? std::optional(TargetPath{*index}) : std::nullopt;
+            return pathTo(indexOf(tree.nodes, &saveTo));
+        } else if constexpr (HasTargetIdentifier<Adapter>) {
+            return pathTo(indexWithIdentifier(tree.nodes, Adapter::targetIdentifier(saveTo)));
         } else {
             const auto* levels = levelsIn(saveTo);
             return levels ? pathOf(tree, *levels) : std::nullopt;
         }
+    }
+
+    static std::optional<TargetPath> pathTo(std::optional<std::size_t> index) {
+        return index ? std::optional(TargetPath{*index}) : std::nullopt;
     }
 
     static const JSONValue* levelsIn(const JSONValue& saveTo) {
@@ -407,7 +437,7 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         if (wanted) {
             Adapter::setTarget(*prepared_, *data, *path);
         }
-        plan.target = Adapter::targetName(*prepared_);
+        plan.target = targetNameIn(tree);
         // A configuration may have but the target's identifier.
         if (wanted && !plan.target.empty()) {
             plan.target = cli::targetName(tree, *path);
@@ -418,13 +448,33 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         return {};
     }
 
+    std::string targetNameIn(const TargetTree& tree) const {
+        auto name = Adapter::targetName(*prepared_);
+        if constexpr (HasTargetIdentifier<Adapter>) {
+            const auto path = pathTo(indexWithIdentifier(tree.nodes, name));
+            return path ? cli::targetName(tree, *path) : name;
+        }
+        return name;
+    }
+
     auto loaded(bool force) {
         using Data = std::optional<typename Adapter::TargetData>;
         auto data = waitFor<Result<Data, IntegrationLoadError>>(
             [&](auto done) { Adapter::loadTargetData(*exporter_, force, std::move(done)); });
-        return data ? Outcome<Data>(*std::move(data))
-                    : Outcome<Data>(failure(
-                          loadFailure(data.error(), service_, account_, Adapter::lastRefusal(*exporter_))));
+        if (data) {
+            return Outcome<Data>(*std::move(data));
+        }
+        const auto refusal = Adapter::lastRefusal(*exporter_);
+        const auto advice = refusal ? Adapter::adviceOn({std::nullopt, refusal->words}) : std::nullopt;
+        return Outcome<Data>(failure(loadFailure(data.error(), service_, account_, refusal, advice)));
+    }
+
+    // What a stage is chosen from by its label.
+    auto stageData(const ConfigurationEdits& edits, DataLoading loading) {
+        if (!edits.contacts.stage) {
+            return decltype(loaded(false))(std::nullopt);
+        }
+        return loading == DataLoading::never ? loaded(false) : loadedWhereMissing();
     }
 
     auto targetData(const ConfigurationEdits& edits, DataLoading loading) {

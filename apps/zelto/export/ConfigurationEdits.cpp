@@ -230,6 +230,10 @@ Outcome<ConfigurationEdits> ConfigurationEdits::from(const Invocation& invocatio
     edits.attach = invocation.values("--attach");
     edits.visibility = caseOption<IntegrationWebLinkVisibility>(invocation, "--visibility");
     edits.policy = caseOption<ExportFilePolicy>(invocation, "--policy");
+    edits.contacts = {.contacts = invocation.value("--contacts"),
+                      .stage = invocation.value("--stage"),
+                      .status = invocation.value("--status"),
+                      .withMeeting = invocation.has("--meeting")};
     if (const auto tags = invocation.value("--tags")) {
         edits.tags = splitTags(*tags);
     }

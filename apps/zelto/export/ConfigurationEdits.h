@@ -2,6 +2,7 @@
 
 #include "base/Outcome.h"
 #include "commandline/CommandLine.h"
+#include "export/ContactEdits.h"
 #include "export/EditableFields.h"
 
 #include <Platform/JSON/JSONCoding.h>
@@ -37,6 +38,7 @@ struct ConfigurationEdits {
     // What is no field of the configuration; applied by the session.
     std::optional<std::string> target;
     std::optional<ExportFilePolicy> policy;
+    ContactEdits contacts;
 
     static Outcome<ConfigurationEdits> from(const Invocation& invocation);
 };

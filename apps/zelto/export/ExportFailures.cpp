@@ -71,9 +71,29 @@ NextCommand withoutFile(const Refused& refused, const ExportCircumstances& about
     return NextCommand::again({{"--attach", others.empty() ? std::vector<std::string>{"none"} : others}});
 }
 
+NextCommand commandFor(RefusalAdvice::Remedy remedy, const ExportCircumstances& about) {
+    using enum RefusalAdvice::Remedy;
+    switch (remedy) {
+    case again:
+        return NextCommand::again();
+    case otherTarget:
+        return refreshCommand(about.account);
+    case reconnect:
+        return reconnectCommand(about.account);
+    case otherType:
+        return withAnotherType(about);
+    case log:
+        return showsLog;
+    }
+    return {};
+}
+
 Advice reasonOf(const Refused& refused, const ExportCircumstances& about) {
     if (about.fileError) {
         return {about.fileError->message(), NextCommand::again()};
+    }
+    if (about.advice) {
+        return {about.advice->reason, commandFor(about.advice->remedy, about)};
     }
     switch (refused.reason) {
     case ServiceClientError::connectionError:
@@ -413,8 +433,14 @@ Failure exportFailure(IntegrationExportError error, const ExportCircumstances& a
 }
 
 Failure loadFailure(IntegrationLoadError error, const std::string& service, const std::string& account,
-                    const std::optional<ServiceRefusal>& refusal) {
+                    const std::optional<ServiceRefusal>& refusal,
+                    const std::optional<RefusalAdvice>& advice) {
     auto [message, next] = loadAdvice(error, service, account);
+    if (advice) {
+        message += ": " + advice->reason;
+        next =
+            advice->remedy == RefusalAdvice::Remedy::reconnect ? reconnectCommand(account) : std::move(next);
+    }
     Failure failure{std::string(nameOf(error)), std::move(message), std::move(next)};
     if (refusal && !refusal->words.empty()) {
         failure.message += " (\"" + refusal->words + "\")";

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "base/Outcome.h"
+#include "export/RefusalAdvice.h"
 
 #include <ZeltoHost/PDF/PDFError.h>
 #include <ZeltoIntegrations/Client/ServiceRefusal.h>
@@ -35,6 +36,7 @@ struct ExportCircumstances {
     std::optional<PDFError> pdfError;
     std::optional<FileError> fileError; // of the account's folder
     ExportReport report;
+    std::optional<RefusalAdvice> advice = {}; // on the report's first refusal
     std::chrono::milliseconds timeout{0};
     bool hasStalled = false; // for that time, and was cancelled
 };
@@ -48,7 +50,8 @@ Failure exportFailure(IntegrationExportError error, const ExportCircumstances& c
 
 // Why the data of an account could not be loaded, and what is known of the request that failed.
 Failure loadFailure(IntegrationLoadError error, const std::string& service, const std::string& account,
-                    const std::optional<ServiceRefusal>& refusal = {});
+                    const std::optional<ServiceRefusal>& refusal = {},
+                    const std::optional<RefusalAdvice>& advice = {});
 
 // `card "Title", file "a.pdf"`; empty for none.
 std::string listOf(const std::vector<ExportReport::Made>& made);

@@ -3,6 +3,7 @@
 #include "base/Outcome.h"
 #include "export/ConfigurationEdits.h"
 #include "export/PassedLimit.h"
+#include "export/RefusalAdvice.h"
 #include "export/SentRequest.h"
 #include "export/Targets.h"
 
@@ -91,10 +92,13 @@ class ExportSession {
     // Whether the service refuses a request for a target that is not there in a way of its own.
     virtual bool tellsMissingTargets() const = 0;
 
+    // What a refusal means by the service's own words; nullopt for what any service's refusal means.
+    virtual std::optional<RefusalAdvice> adviceOn(const ExportReport::Refused& refused) const = 0;
+
     // For a dry run: the response to a request of the export, the limits that the requests would pass,
     // sentences about what else of them the service would refuse, and one about what was taken for granted of
     // the service, which is not asked; empty for nothing.
-    virtual std::string standInResponse(const SentRequest& request) const = 0;
+    virtual StandInResponse standInResponse(const SentRequest& request) const = 0;
     virtual std::vector<PassedLimit> passedLimits(const std::vector<SentRequest>& requests) const = 0;
     virtual std::vector<std::string> refusals(const std::vector<SentRequest>& requests) const = 0;
     virtual std::string assumption() const = 0;

@@ -141,6 +141,7 @@ std::string MessageWork::service() const {
 
 ExportCircumstances MessageWork::circumstances(const ExportPlan& plan) const {
     const auto files = platform->lastFiles();
+    const auto report = session->report();
     return {.service = service(),
             .account = account.identifier(),
             .takenTypes = session->takenTypes(),
@@ -156,7 +157,8 @@ ExportCircumstances MessageWork::circumstances(const ExportPlan& plan) const {
             .tellsMissingTargets = session->tellsMissingTargets(),
             .pdfError = platform->lastPDFError(),
             .fileError = files ? files->lastError() : std::nullopt,
-            .report = session->report()};
+            .report = report,
+            .advice = report.refused.empty() ? std::nullopt : session->adviceOn(report.refused.front())};
 }
 
 } // namespace zelto::cli

@@ -8,6 +8,7 @@
 #include <Platform/Text.h>
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 
 namespace zelto::cli {
@@ -252,6 +253,26 @@ const std::vector<TargetNode>& nodesBelow(const TargetTree& tree, const TargetPa
     return *nodes;
 }
 
+constexpr std::string_view saveToOption = "\"saveTo\"";
+
+// Of a tree of kinds.
+Outcome<TargetPath> findTargetOfKind(const TargetTree& tree, const NamedTarget& target,
+                                     const std::string& account) {
+    const auto& [kind, name] = target.parts.front();
+    if (target.parts.size() != 1 || std::ranges::find(tree.kinds, kind) == tree.kinds.end()) {
+        return wrongUsage("\"saveTo\" takes one of " + joined(tree.kinds, ", ") + ".",
+                          refreshCommand(account));
+    }
+    TargetTree ofKind{.levels = {kind}, .nodes = {}};
+    std::ranges::copy_if(tree.nodes, std::back_inserter(ofKind.nodes),
+                         [&](const TargetNode& node) { return node.kind == kind; });
+    const auto found = findTarget(ofKind, name, account, saveToOption);
+    if (!found) {
+        return failure(found.error());
+    }
+    return TargetPath{indexWithIdentifier(tree.nodes, nodeAt(ofKind, *found).id).value()};
+}
+
 } // namespace
 
 void writeNames(JSONObject& configuration) {
@@ -347,7 +368,10 @@ const std::string* NamedTarget::find(std::string_view key) const {
 Outcome<TargetPath> findTarget(const TargetTree& tree, const NamedTarget& target, std::string_view otherKey,
                                const std::string& account) {
     if (target.parts.empty()) {
-        return findTarget(tree, target.path, account, "\"saveTo\"");
+        return findTarget(tree, target.path, account, saveToOption);
+    }
+    if (!tree.kinds.empty()) {
+        return findTargetOfKind(tree, target, account);
     }
     for (const auto& [key, name] : target.parts) {
         if (key != otherKey && std::ranges::find(tree.levels, key) == tree.levels.end()) {
@@ -374,7 +398,12 @@ std::optional<std::size_t> indexOf(const std::vector<TargetNode>& nodes, const J
     if (!id || !id->asString()) {
         return std::nullopt;
     }
-    const auto node = std::ranges::find(nodes, *id->asString(), &TargetNode::id);
+    return indexWithIdentifier(nodes, *id->asString());
+}
+
+std::optional<std::size_t> indexWithIdentifier(const std::vector<TargetNode>& nodes,
+                                               std::string_view identifier) {
+    const auto node = std::ranges::find(nodes, identifier, &TargetNode::id);
     return node == nodes.end() ? std::nullopt : std::optional(static_cast<std::size_t>(node - nodes.begin()));
 }
 
@@ -394,7 +423,9 @@ JSONObject namesOf(const TargetTree& tree, const TargetPath& path) {
     JSONObject names;
     TargetPath above;
     for (const auto index : path) {
-        names.set(tree.levels.at(above.size()), uniqueName(nodesBelow(tree, above), index));
+        const auto& nodes = nodesBelow(tree, above);
+        const auto kind = nodes.at(index).kind;
+        names.set(kind.empty() ? tree.levels.at(above.size()) : kind, uniqueName(nodes, index));
         above.push_back(index);
     }
     return names;

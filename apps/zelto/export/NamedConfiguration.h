@@ -58,7 +58,11 @@ Outcome<std::size_t> findNode(const std::vector<TargetNode>& nodes, const std::s
 // Where a target in the record's own form is in the tree; `nullopt` if it is not there any more.
 std::optional<TargetPath> pathOf(const TargetTree& tree, const JSONValue& target);
 
-// The names of the levels, as they are read again.
+// Which of the nodes has that identifier.
+std::optional<std::size_t> indexWithIdentifier(const std::vector<TargetNode>& nodes,
+                                               std::string_view identifier);
+
+// The names of the levels, as they are read again; of a tree of kinds, the name under its kind.
 JSONObject namesOf(const TargetTree& tree, const TargetPath& path);
 
 // Which of the nodes a part of a target in the record's own form is, which may be null.

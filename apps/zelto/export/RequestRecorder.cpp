@@ -132,7 +132,8 @@ Outcome<std::unique_ptr<RequestRecorder>> RequestRecorder::start(Respond respond
         {.refusal = [](const sandbox::RequestHead&) { return std::nullopt; },
          .respond =
              [self = recorder.get()](sandbox::RequestHead head, const auto& body, std::uint64_t) {
-                 sandbox::SandboxResponse response{.body = self->responseTo(std::move(head), body)};
+                 auto [json, status] = self->responseTo(std::move(head), body);
+                 sandbox::SandboxResponse response{.status = status, .body = std::move(json)};
                  return sandbox::PlannedResponse{
                      std::move(response).with("Content-Type", "application/json")};
              },
@@ -160,8 +161,8 @@ std::vector<SentRequest> RequestRecorder::requests() const {
     return requests_;
 }
 
-std::string RequestRecorder::responseTo(sandbox::RequestHead head,
-                                        const std::shared_ptr<const sandbox::SpooledBytes>& body) {
+StandInResponse RequestRecorder::responseTo(sandbox::RequestHead head,
+                                            const std::shared_ptr<const sandbox::SpooledBytes>& body) {
     auto request = sent(head, body ? body->size() : 0);
     if (request.bodySize > 0) {
         addBody(request, std::move(head), body);

@@ -17,8 +17,8 @@ namespace zelto::cli {
 // Receives on a loopback address what this process would send to services, in a dry run.
 class RequestRecorder {
   public:
-    // The JSON that a request is responded to with. Called on any thread.
-    using Respond = std::function<std::string(const SentRequest&)>;
+    // Called on any thread.
+    using Respond = std::function<StandInResponse(const SentRequest&)>;
 
     // While the recorder exists, every new session of this process sends what is meant for services to it.
     static Outcome<std::unique_ptr<RequestRecorder>> start(Respond respond);
@@ -33,8 +33,8 @@ class RequestRecorder {
   private:
     explicit RequestRecorder(Respond respond) : respond_(std::move(respond)) {}
 
-    std::string responseTo(sandbox::RequestHead head,
-                           const std::shared_ptr<const sandbox::SpooledBytes>& body);
+    StandInResponse responseTo(sandbox::RequestHead head,
+                               const std::shared_ptr<const sandbox::SpooledBytes>& body);
 
     const URLSessionConfiguration defaultsBefore_ = URLSessionConfiguration::ephemeral();
     const Respond respond_;

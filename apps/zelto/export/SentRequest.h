@@ -32,4 +32,10 @@ struct SentRequest {
     bool operator==(const SentRequest&) const = default;
 };
 
+// What a request is responded to with by what stands in for its service.
+struct StandInResponse {
+    std::string json;
+    int status = 200;
+};
+
 } // namespace zelto::cli

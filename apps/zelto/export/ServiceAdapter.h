@@ -1,7 +1,9 @@
 #pragma once
 
+#include "export/ContactEdits.h"
 #include "export/EditableFields.h"
 #include "export/PassedLimit.h"
+#include "export/RefusalAdvice.h"
 #include "export/SentRequest.h"
 #include "export/Targets.h"
 
@@ -41,6 +43,11 @@
 //
 //     static constexpr bool hasTargetItself = true;
 //
+// and, where "saveTo" and targetName have the target's identifier alone, where it is in "saveTo" (empty for
+// none),
+//
+//     static std::string targetIdentifier(const JSONValue& saveTo);
+//
 // and, where the service may have more targets than it lists, what says so of the data (empty where it lists
 // all); `isFresh` where the exporter has just loaded them from the service,
 //
@@ -55,6 +62,14 @@
 // An adapter whose service's tags are more than their names gives, for those of --tags,
 //
 //     static void setTags(Configuration&, const std::optional<TargetData>&, const std::vector<std::string>&);
+//
+// An adapter whose service has no targets, but a list that an option chooses from, gives TargetData and
+// targetTree alone. One whose service keeps contacts gives, for the options of ContactEdits,
+//
+//     static Outcome<void> setContacts(Configuration&, const std::optional<TargetData>&, const ContactEdits&,
+//                                      IntegrationExportTarget, const std::string& account);
+//
+// where the data are loaded if a stage is named.
 //
 // An adapter whose exporter's export_ takes a client of the host's gives it:
 //
@@ -75,6 +90,12 @@ template <class E> struct ServiceAdapter {
 
     // Whether the service responds with 404, and with that alone, where it does not have a target.
     static constexpr bool tellsMissingTargets = false;
+
+    // What the service's own words for a refusal mean; nullopt for what any service's refusal means.
+    static std::optional<RefusalAdvice> adviceOn(const RefusedRequest& /*refused*/) { return std::nullopt; }
+
+    // In a dry run: a sentence about what is taken for granted of the service; empty for nothing.
+    static std::string assumption(const Configuration& /*configuration*/) { return {}; }
 
     // In a dry run: what of the requests the service would refuse, beside what passes a limit; in sentences.
     static std::vector<std::string> refusals(const std::vector<SentRequest>& /*requests*/) { return {}; }
@@ -106,6 +127,8 @@ template <class E> struct ApplicationAdapter : ServiceAdapter<E> {
 
     static std::string standInResponse(const SentRequest& /*request*/) { return {}; }
 
+    static int standInStatus(const SentRequest& /*request*/) { return 200; }
+
     static std::vector<PassedLimit> passedLimits(const E& /*exporter*/,
                                                  const typename E::Configuration& /*configuration*/,
                                                  const std::vector<SentRequest>& /*requests*/) {
@@ -125,6 +148,8 @@ template <class E> struct WebAdapter : ServiceAdapter<E> {
     // In a dry run: the JSON that a request is responded to with, as if the service had done what was asked.
     static std::string standInResponse(const SentRequest& /*request*/) { return "{}"; }
 
+    static int standInStatus(const SentRequest& /*request*/) { return 200; }
+
     // In a dry run: what the export would pass of the limits that the service publishes.
     static std::vector<PassedLimit> passedLimits(const E& /*exporter*/,
                                                  const typename E::Configuration& /*configuration*/,
@@ -134,8 +159,18 @@ template <class E> struct WebAdapter : ServiceAdapter<E> {
 };
 
 template <class Adapter>
-concept HasTargets = requires {
+concept HasChoices = requires {
     typename Adapter::TargetData;
+};
+
+template <class Adapter>
+concept HasTargets = HasChoices<Adapter> && requires {
+    &Adapter::setTarget;
+};
+
+template <class Adapter>
+concept KeepsContacts = HasChoices<Adapter> && requires {
+    &Adapter::setContacts;
 };
 
 template <class Adapter>
@@ -146,6 +181,11 @@ concept HasDeepLevels = requires(const JSONValue& saveTo) {
 template <class Adapter>
 concept HasTargetItself = requires {
     Adapter::hasTargetItself;
+};
+
+template <class Adapter>
+concept HasTargetIdentifier = requires(const JSONValue& saveTo) {
+    Adapter::targetIdentifier(saveTo);
 };
 
 template <class Adapter>

@@ -26,12 +26,18 @@ std::string asWritten(std::string_view text) {
     return std::string(text);
 }
 
+// What of a target is compared with a text.
+enum class Compared { names, aliases };
+
 // Everything in a tree that a text names, when both are compared in a form.
 class Search {
   public:
-    Search(const TargetTree& tree, TextForm form, const std::string& text)
-        : tree_(tree), form_(form), text_(form(text)) {
-        visit(tree.nodes, text_);
+    Search(const TargetTree& tree, TextForm form, const std::string& text,
+           Compared compared = Compared::names)
+        : tree_(tree), form_(form), compared_(compared), text_(form(text)) {
+        if (compared == Compared::names || tree.levels.size() == 1) {
+            visit(tree.nodes, text_);
+        }
     }
 
     bool foundAny() const { return !targets.empty() || !holders.empty(); }
@@ -50,7 +56,7 @@ class Search {
             const bool isNamed = remaining && remaining->empty();
             path_.push_back(index);
             if (holdTargets) {
-                if (isNamed || form_(node.id) == text_) {
+                if (compared_ == Compared::aliases ? hasAlias(node) : isNamed || form_(node.id) == text_) {
                     targets.push_back(path_);
                 }
             } else if (isNamed) {
@@ -64,6 +70,11 @@ class Search {
             }
             path_.pop_back();
         }
+    }
+
+    bool hasAlias(const TargetNode& node) const {
+        return std::ranges::any_of(node.aliases,
+                                   [&](const std::string& alias) { return form_(alias) == text_; });
     }
 
     // What follows the node's name or identifier: an empty text, or "/" and more.
@@ -83,6 +94,7 @@ class Search {
 
     const TargetTree& tree_;
     const TextForm form_;
+    const Compared compared_;
     const std::string text_;
     TargetPath path_;
 };
@@ -232,14 +244,20 @@ Outcome<TargetPath> findNestedTarget(const TargetTree& tree, const std::string& 
     return wrongUsage(std::string(option) + ": " + problem + ".", refreshCommand(account));
 }
 
+std::string besideLabel(const TargetNode& node) {
+    const auto id = label(node) == node.id ? "" : node.id;
+    return id + (id.empty() || node.remark.empty() ? "" : ", ") + node.remark;
+}
+
 void appendLines(std::string& text, const std::vector<TargetNode>& nodes, std::size_t depth,
                  const Terminal& terminal) {
     constexpr std::size_t indent = 2;
     for (const auto& node : nodes) {
         text.append(depth * indent, ' ');
-        const bool hasBoth = !node.name.empty() && node.name != node.id;
-        text += hasBoth ? terminal.shown(node.name) + "  (" + terminal.shown(node.id) + ")"
-                        : terminal.shown(node.id);
+        text += terminal.shown(label(node));
+        if (const auto more = besideLabel(node); !more.empty()) {
+            text += "  (" + terminal.shown(more) + ")";
+        }
         text += '\n';
         appendLines(text, node.children, depth + 1, terminal);
     }
@@ -305,8 +323,14 @@ Outcome<TargetPath> findTarget(const TargetTree& tree, const std::string& text, 
     if (exact.foundAny()) {
         return decided(tree, exact, text, account, option);
     }
+    if (const Search called(tree, asWritten, text, Compared::aliases); called.foundAny()) {
+        return decided(tree, called, text, account, option);
+    }
     const Search folded(tree, foldedCase, text);
     if (!folded.foundAny()) {
+        if (const Search called(tree, foldedCase, text, Compared::aliases); called.foundAny()) {
+            return decided(tree, called, text, account, option);
+        }
         if (const auto named = targetsNamed(tree, text); named.size() == 1) {
             return named.front();
         }
@@ -347,8 +371,10 @@ std::string pathLinesOf(const TargetTree& tree) {
 }
 
 std::string nothingToChoose(const TargetTree& tree, const std::string& service) {
-    return service + " shows no " + joined(tree.levels, " with a ") +
-           " to put it into; make one there first.";
+    const TargetTree usual;
+    const auto purpose = tree.option == usual.option ? "to put it into" : "for " + std::string(tree.option);
+    return service + " shows no " + joined(tree.levels, " with a ") + " " + purpose +
+           "; make one there first.";
 }
 
 bool holdsTargets(const TargetTree& tree) {
@@ -366,8 +392,10 @@ Failure noTarget(const TargetTree& tree, const std::string& service, const std::
             refreshCommand(account)};
 }
 
-Failure targetsUnknown(const std::string& service, const std::string& account) {
-    return {"noTarget", "What --target names is not known: the data of " + service + " were never loaded.",
+Failure targetsUnknown(const std::string& service, const std::string& account, std::string_view option) {
+    return {"noTarget",
+            "What " + std::string(option) + " names is not known: the data of " + service +
+                " were never loaded.",
             refreshCommand(account)};
 }
 

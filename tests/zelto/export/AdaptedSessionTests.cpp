@@ -180,6 +180,23 @@ TEST_F(FolderSession, RefusesWhatTheConfigurationHasNoFieldFor) {
     EXPECT_EQ(plan.error().status, ExitStatus::wrongUsage);
 }
 
+TEST_F(FolderSession, RefusesOptionsOfAServiceThatKeepsContacts) {
+    const std::pair<ContactEdits, std::string> rows[] = {
+        {{.contacts = "senderOnly", .stage = "lead"}, "--contacts"},
+        {{.stage = "lead", .status = "open"}, "--stage"},
+        {{.status = "open", .withMeeting = true}, "--status"},
+        {{.withMeeting = true}, "--meeting"}};
+    for (const auto& [contacts, option] : rows) {
+        ConfigurationEdits edits;
+        edits.contacts = contacts;
+        const auto plan = session.prepare(edits, DataLoading::whereMissing);
+        ASSERT_FALSE(plan);
+        EXPECT_EQ(plan.error().message, "Drive keeps no contacts: leave out " + option + ".");
+        EXPECT_EQ(plan.error().status, ExitStatus::wrongUsage);
+    }
+    EXPECT_EQ(exporter->calls, Texts{});
+}
+
 TEST_F(FolderSession, MissesNoTargetThatItCanDoWithout) {
     const auto plan = session.prepare({}, DataLoading::whereMissing);
     ASSERT_TRUE(plan);

@@ -280,4 +280,36 @@ TEST(ExportFailures, OfAMissingTargetNameItUnlessTheServiceRefusedSomething) {
               "Trello did not make the card \"T\": it had an error of its own; try again later.");
 }
 
+TEST(ExportFailures, SayWhatTheServicesOwnWordsMeanAndWhatHelps) {
+    using enum RefusalAdvice::Remedy;
+    const auto failureBy = [](RefusalAdvice::Remedy remedy) {
+        auto about = refused({.kind = "message",
+                              .name = "T",
+                              .reason = ServiceClientError::dataParseError,
+                              .words = "is_archived"});
+        about.advice = RefusalAdvice{"the channel is archived", remedy};
+        return exportFailure(Error::internalError, about);
+    };
+    EXPECT_EQ(failureBy(otherTarget).message,
+              "Trello did not take the message \"T\": the channel is archived (\"is_archived\").");
+    EXPECT_EQ(failureBy(otherTarget).next, "zelto targets Trello+me --refresh");
+    EXPECT_EQ(failureBy(reconnect).next, "zelto reconnect Trello+me");
+    EXPECT_EQ(failureBy(again).next, NextCommand::again());
+    EXPECT_EQ(failureBy(otherType).next, NextCommand::again("--as", "backLink"));
+    EXPECT_EQ(failureBy(log).next, NextCommand::againWith("--verbose"));
+}
+
+TEST(ExportFailures, OfLoadingSayWhatTheServicesOwnWordsMean) {
+    using enum RefusalAdvice::Remedy;
+    const ServiceRefusal refusal{"token_revoked"};
+    const auto failureBy = [&](RefusalAdvice::Remedy remedy) {
+        return loadFailure(IntegrationLoadError::internalError, "Slack", "Slack+me", refusal,
+                           RefusalAdvice{"it does not accept the sign-in", remedy});
+    };
+    EXPECT_EQ(failureBy(reconnect).message, "The data of Slack could not be loaded: it does not accept the "
+                                            "sign-in (\"token_revoked\").");
+    EXPECT_EQ(failureBy(reconnect).next, "zelto reconnect Slack+me");
+    EXPECT_EQ(failureBy(log).next, "zelto targets Slack+me --refresh --verbose");
+}
+
 } // namespace zelto::cli

@@ -152,6 +152,36 @@ TEST(NamedConfiguration, WritesAnIdentifierWhereANameMeansSeveralOrNone) {
     EXPECT_EQ(names(R"({"board":"Work"})"), "");
 }
 
+TEST(NamedConfiguration, NamesATargetOfSeveralKindsUnderItsKind) {
+    const TargetTree conversations{.levels = {"channel or person"},
+                                   .nodes = {{"C1", "#general", {}, {"general"}, {}, "channel"},
+                                             {"U1", "@general", {}, {"general"}, {}, "user"},
+                                             {"U2", "@twin", {}, {}, {}, "user"},
+                                             {"U3", "@twin", {}, {}, {}, "user"}},
+                                   .kinds = {"channel", "user"}};
+    const auto found = [&](const std::string& target) {
+        const auto path = findTarget(conversations, namedTarget(value(target)).value(), {}, "Slack+me");
+        return path ? nodeAt(conversations, *path).id : path.error().message;
+    };
+    EXPECT_EQ(found(R"({"channel":"#general"})"), "C1");
+    EXPECT_EQ(found(R"({"channel":"General"})"), "C1");
+    EXPECT_EQ(found(R"({"user":"general"})"), "U1");
+    EXPECT_EQ(found(R"({"user":"U3"})"), "U3");
+    EXPECT_EQ(found(R"("#general")"), "C1");
+    EXPECT_EQ(found(R"({"user":"#general"})"),
+              "\"saveTo\": there is no user \"#general\"; there are @general, @twin, @twin.");
+    EXPECT_EQ(found(R"({"user":"@twin"})"),
+              "\"saveTo\": \"@twin\" means several: @twin (U2), @twin (U3); give the identifier.");
+    for (const auto* wrong : {R"({"team":"a"})", R"({"channel":"#general","user":"@general"})"}) {
+        EXPECT_EQ(found(wrong), "\"saveTo\" takes one of channel, user.") << wrong;
+    }
+    EXPECT_EQ(text(namesOf(conversations, {0})), R"({"channel":"#general"})");
+    EXPECT_EQ(text(namesOf(conversations, {1})), R"({"user":"@general"})");
+    EXPECT_EQ(text(namesOf(conversations, {2})), R"({"user":"U2"})");
+    EXPECT_EQ(indexWithIdentifier(conversations.nodes, "U2"), 2U);
+    EXPECT_EQ(indexWithIdentifier(conversations.nodes, "u2"), std::nullopt);
+}
+
 TEST(NamedConfiguration, KnowsItsKeys) {
     constexpr std::string_view known[] = {"saveAs", "tags"};
     EXPECT_TRUE(checkKeys(object(R"({"tags":1})"), known, "FILE"));

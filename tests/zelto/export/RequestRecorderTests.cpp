@@ -25,8 +25,9 @@ const std::string placeholder(placeholderSecret);
 class Recorder : public testing::Test {
   protected:
     void SetUp() override {
-        auto started = RequestRecorder::start(
-            [](const SentRequest& request) { return std::to_string(request.parts.size()); });
+        auto started = RequestRecorder::start([](const SentRequest& request) -> StandInResponse {
+            return {std::to_string(request.parts.size()), request.method == "PUT" ? 404 : 200};
+        });
         ASSERT_TRUE(started) << started.error().message;
         recorder = *std::move(started);
     }
@@ -66,6 +67,16 @@ class Recorder : public testing::Test {
 TEST_F(Recorder, ReceivesWhatIsMeantForAServiceAndResponds) {
     EXPECT_EQ(send("GET", "https://api.service.example/a%20b?x=1&x=2"), "0");
     EXPECT_EQ(shown(), R"({"method":"GET","url":"https://api.service.example/a%20b?x=1&x=2","headers":{}})");
+}
+
+TEST_F(Recorder, RespondsWithTheStatusThatTheStandInGives) {
+    const auto statusOf = [](const std::string& method) {
+        URLSession session(URLSessionConfiguration::ephemeral());
+        return TaskEnd::of(session, URLRequest(URL::parse("https://api.service.example/").value(), method))
+            .status();
+    };
+    EXPECT_EQ(statusOf("GET"), 200);
+    EXPECT_EQ(statusOf("PUT"), 404);
 }
 
 TEST_F(Recorder, ShowsTheNumberedPartsOfABodyThatIsNoFormWithTheSizesOfTheirFiles) {

@@ -31,7 +31,68 @@ std::string foundFolder(const std::string& text) {
     return path ? targetName(folders, *path) + " " + nodeAt(folders, *path).id : path.error().message;
 }
 
+// Channels and people of a chat.
+const TargetTree conversations{.levels = {"channel or person"},
+                               .nodes = {{"C1", "#general", {}, {"general"}, {}, "channel"},
+                                         {"C2", "#anna", {}, {"anna"}, "private", "channel"},
+                                         {"U1", "@anna", {}, {"anna", "Ärger", "@Ärger"}, "Ärger", "user"},
+                                         {"U2", "@robin", {}, {"robin", "anna", "@anna"}, "anna", "user"},
+                                         {"U3", "@sam", {}, {"sam", "Twin", "@Twin"}, "Twin", "user"},
+                                         {"U4", "@kim", {}, {"kim", "Twin", "@Twin"}, "Twin", "user"}},
+                               .kinds = {"channel", "user"}};
+
+std::string foundConversation(const std::string& text) {
+    const auto path = findTarget(conversations, text, "Slack+me");
+    return path ? nodeAt(conversations, *path).id : path.error().message;
+}
+
 } // namespace
+
+TEST(Targets, OfOneLevelAreAlsoFoundByTheirOtherNames) {
+    for (const auto* text : {"#general", "general", "C1", "#General", "GENERAL", "c1"}) {
+        EXPECT_EQ(foundConversation(text), "C1") << text;
+    }
+    for (const auto* text : {"@robin", "robin", "U2", "Robin"}) {
+        EXPECT_EQ(foundConversation(text), "U2") << text;
+    }
+    for (const auto* text : {"Ärger", "@Ärger", "ärger", "@ÄRGER"}) {
+        EXPECT_EQ(foundConversation(text), "U1") << text;
+    }
+}
+
+TEST(Targets, GoByTheirNamesBeforeTheOtherNamesOfOthers) {
+    EXPECT_EQ(foundConversation("@anna"), "U1");
+    EXPECT_EQ(foundConversation("@Anna"), "U1");
+    EXPECT_EQ(foundConversation("#anna"), "C2");
+}
+
+TEST(Targets, WithAnotherNameInCommonNeedTheIdentifier) {
+    EXPECT_EQ(foundConversation("Twin"),
+              "--target: \"Twin\" means several: @sam (U3), @kim (U4); give the identifier.");
+    EXPECT_EQ(foundConversation("@twin"),
+              "--target: \"@twin\" means several: @sam (U3), @kim (U4); give the identifier.");
+    EXPECT_EQ(foundConversation("anna"), "--target: \"anna\" means several: #anna (C2), @anna (U1), "
+                                         "@robin (U2); give the identifier.");
+    EXPECT_EQ(foundConversation("nobody"), "--target: there is no channel or person \"nobody\"; there are "
+                                           "#general, #anna, @anna, @robin, @sam, @kim.");
+}
+
+TEST(Targets, AreListedWithARemarkAndAreNamedWithoutIt) {
+    EXPECT_EQ(linesOf(conversations, {}), "#general  (C1)\n#anna  (C2, private)\n@anna  (U1, Ärger)\n"
+                                          "@robin  (U2, anna)\n@sam  (U3, Twin)\n@kim  (U4, Twin)\n");
+    EXPECT_EQ(pathLinesOf(conversations), "#general\n#anna\n@anna\n@robin\n@sam\n@kim\n");
+    EXPECT_EQ(linesOf({.levels = {"channel"}, .nodes = {{"C1", "", {}, {}, "private"}}}, {}),
+              "C1  (private)\n");
+}
+
+TEST(Targets, OfAnotherOptionAreNamedForIt) {
+    const TargetTree stages{.levels = {"stage"}, .nodes = {}, .option = "--stage"};
+    EXPECT_EQ(nothingToChoose(stages, "CRM"), "CRM shows no stage for --stage; make one there first.");
+    EXPECT_EQ(nothingToChoose(tree, "CRM"),
+              "CRM shows no board with a list to put it into; make one there first.");
+    EXPECT_EQ(targetsUnknown("CRM", "CRM+me", "--stage").message,
+              "What --stage names is not known: the data of CRM were never loaded.");
+}
 
 TEST(Targets, OfFoldersInFoldersAreNamedByPathIdentifierOrAUniqueName) {
     for (const auto* text : {"/Team/Plans", "Team/Plans", "/Team/Plans/", "/team/PLANS", "f2"}) {
