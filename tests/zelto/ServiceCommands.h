@@ -21,7 +21,9 @@ namespace zelto {
 // What the suites in `Suites` have to know of a service on the web to test the commands with it. The targets
 // that `listTargets` makes the service list are three or more, of names with ASCII letters, blanks and "/"
 // alone. Each suite says which further facts it needs. A service that tells the failures of its sign-in and
-// of the connection from others has `static constexpr bool tellsErrorsApart = true`.
+// of the connection from others has `static constexpr bool tellsErrorsApart = true`; one whose exports have
+// the mail's subject for their title, `static constexpr bool takesTitle = false`; one that shows its first
+// target otherwise than it is typed, `firstTarget`.
 template <class T>
 concept CommandFacts = requires(typename T::Server& service) {
     { T::name } -> std::convertible_to<std::string>; // as the program shows it
@@ -87,8 +89,10 @@ template <CommandFacts Facts> class ServiceCommands : public testing::Test {
 
     // An export of "Title", with a PDF that is the same at each conversion.
     Arguments exportAs(const std::string& contentType, const Arguments& more = {}) const {
-        auto arguments = withMail(
-            "export", {"--as", contentType, "--title", "Title", "--pdf-converter", "/bin/sh " + converter});
+        auto arguments = withMail("export", {"--as", contentType, "--pdf-converter", "/bin/sh " + converter});
+        if (takesTitle()) {
+            arguments.insert(arguments.end(), {"--title", title()});
+        }
         arguments.insert(arguments.end(), more.begin(), more.end());
         return arguments;
     }
@@ -143,10 +147,25 @@ template <CommandFacts Facts> class ServiceCommands : public testing::Test {
         return paths;
     }
 
-    // Where an export goes for which none is named; empty for the root of a drive.
+    // Where an export goes for which none is named, as it is shown; empty for the root of a drive.
     std::string usualTarget() const {
+        if constexpr (requires { Facts::firstTarget; }) {
+            return Facts::firstTarget;
+        }
         const auto first = targets().front();
         return first == "/" ? "" : first;
+    }
+
+    static constexpr bool takesTitle() {
+        if constexpr (requires { Facts::takesTitle; }) {
+            return Facts::takesTitle;
+        }
+        return true;
+    }
+
+    // That of an export, which is the sample's own where none is taken.
+    static std::string title() {
+        return takesTitle() ? "Title" : "Project kick-off: lighthouse relaunch & first week";
     }
 
     static std::string madeIn(const std::string& target) {

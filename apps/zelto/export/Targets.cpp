@@ -266,14 +266,14 @@ void appendLines(std::string& text, const std::vector<TargetNode>& nodes, std::s
 // By its whole name.
 struct Target {
     std::string name;
-    std::string id;
+    const TargetNode* node;
 };
 
 void appendTargets(std::vector<Target>& targets, TargetPath& path, const TargetTree& tree,
                    const std::vector<TargetNode>& nodes) {
     if (tree.isNested) {
         for (const auto& each : nestedTargets(tree)) {
-            targets.push_back({targetName(tree, each), nodeAt(tree, each).id});
+            targets.push_back({targetName(tree, each), &nodeAt(tree, each)});
         }
         return;
     }
@@ -282,22 +282,38 @@ void appendTargets(std::vector<Target>& targets, TargetPath& path, const TargetT
         if (path.size() < tree.levels.size()) {
             appendTargets(targets, path, tree, nodes[index].children);
         } else {
-            targets.push_back({targetName(tree, path), nodes[index].id});
+            targets.push_back({targetName(tree, path), &nodes[index]});
         }
         path.pop_back();
     }
 }
 
-// How many targets each text may mean.
-std::unordered_map<std::string, int> usesOfTexts(const std::vector<Target>& targets) {
-    std::unordered_map<std::string, int> uses;
-    for (const auto& target : targets) {
-        ++uses[target.name];
-        if (target.id != target.name) {
-            ++uses[target.id];
+using Uses = std::unordered_map<std::string, int>;
+
+// How many targets each name or identifier may mean.
+Uses usesOfNames(const std::vector<Target>& targets) {
+    Uses uses;
+    for (const auto& [name, node] : targets) {
+        ++uses[name];
+        if (node->id != name) {
+            ++uses[node->id];
         }
     }
     return uses;
+}
+
+// How many each of these or an alias may mean.
+Uses usesOfTexts(const std::vector<Target>& targets, Uses uses) {
+    for (const auto& [name, node] : targets) {
+        for (const auto& alias : node->aliases) {
+            ++uses[alias];
+        }
+    }
+    return uses;
+}
+
+bool isOneLine(const std::string& text) {
+    return !text.empty() && text.find_first_of("\r\n") == std::string::npos;
 }
 
 } // namespace
@@ -363,10 +379,15 @@ std::string pathLinesOf(const TargetTree& tree) {
     std::vector<Target> targets;
     TargetPath path;
     appendTargets(targets, path, tree, tree.nodes);
-    const auto uses = usesOfTexts(targets);
+    const auto ofNames = usesOfNames(targets);
+    const auto ofTexts = usesOfTexts(targets, ofNames);
     return joined(targets, "", [&](const Target& target) {
-        const bool isOneLine = target.name.find_first_of("\r\n") == std::string::npos;
-        return (isOneLine && uses.at(target.name) == 1 ? target.name : target.id) + "\n";
+        const auto& [name, node] = target;
+        const auto alias = node->aliases.empty() ? std::string() : node->aliases.front();
+        if (shellWord(name) != name && isOneLine(alias) && ofTexts.at(alias) == 1) {
+            return alias + "\n";
+        }
+        return (isOneLine(name) && ofNames.at(name) == 1 ? name : node->id) + "\n";
     });
 }
 

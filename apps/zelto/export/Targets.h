@@ -17,9 +17,10 @@ struct TargetNode {
     std::string id;
     std::string name; // as people know it; may be empty
     std::vector<TargetNode> children = {};
-    std::vector<std::string> aliases = {}; // what else it is called, of a tree with one level
-    std::string remark = {};               // is shown beside the identifier: "private"
-    std::string_view kind = {};            // one of the tree's
+    // What else it is called, of a tree with one level.
+    std::vector<std::string> aliases = {};
+    std::string remark = {};    // is shown beside the identifier: "private"
+    std::string_view kind = {}; // one of the tree's
 };
 
 // All that an account's exports can be put into, by the service's own data. The nodes of the last level are
@@ -69,7 +70,8 @@ Failure noTarget(const TargetTree& tree, const std::string& service, const std::
 Failure targetsUnknown(const std::string& service, const std::string& account,
                        std::string_view option = "--target");
 
-// Each target on a line as --target takes it: by its identifier where its name has more than one line, or
+// Each target on a line as --target takes it: by its name, or where that has to be quoted in a shell and the
+// first alias means this target alone, by that; by its identifier where the name has more than one line, or
 // means another target too.
 std::string pathLinesOf(const TargetTree& tree);
 

@@ -129,8 +129,8 @@ TYPED_TEST_P(DryRunCommands, ShowThePlan) {
     arguments.emplace_back("--dry-run");
     const auto outcome = this->run(arguments);
     EXPECT_TRUE(outcome.output.starts_with(
-        "Would go to " + std::string(TypeParam::name) + ", " + this->targets().front() + ": \"Title\" as " +
-        TypeParam::exportType + (TakesFiles<TypeParam> ? ", Agenda.txt" : "") + ".\n\n1. POST " +
+        "Would go to " + std::string(TypeParam::name) + ", " + this->usualTarget() + ": \"" + this->title() +
+        "\" as " + TypeParam::exportType + (TakesFiles<TypeParam> ? ", Agenda.txt" : "") + ".\n\n1. POST " +
         TypeParam::origin + "/"))
         << outcome.output << outcome.errorOutput;
     EXPECT_EQ(outcome.errorOutput, "");

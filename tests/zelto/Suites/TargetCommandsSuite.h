@@ -104,7 +104,7 @@ TYPED_TEST_P(TargetCommands, ShowNothingToChooseOnceTheServiceListsNone) {
 }
 
 TYPED_TEST_P(TargetCommands, TakeTheFirstTargetWhereNoneIsNamed) {
-    EXPECT_EQ(this->exportTitle().output, this->madeIn(this->targets().front()));
+    EXPECT_EQ(this->exportTitle().output, this->madeIn(this->usualTarget()));
 }
 
 TYPED_TEST_P(TargetCommands, TakeAPathOrANameThatIsUnique) {
@@ -157,7 +157,7 @@ TYPED_TEST_P(TargetCommands, TakeAConfigurationThatWasPrinted) {
         const auto file = this->zelto.home.write("config.json", printed.output).string();
         return this->exportTitle({"--config", file}).output;
     };
-    EXPECT_EQ(exported({}), this->madeIn(this->targets().front()));
+    EXPECT_EQ(exported({}), this->madeIn(this->usualTarget()));
     EXPECT_EQ(exported({"--target", TypeParam::chosen}), this->madeIn(TypeParam::chosen));
 }
 

@@ -80,7 +80,10 @@ TEST(Targets, WithAnotherNameInCommonNeedTheIdentifier) {
 TEST(Targets, AreListedWithARemarkAndAreNamedWithoutIt) {
     EXPECT_EQ(linesOf(conversations, {}), "#general  (C1)\n#anna  (C2, private)\n@anna  (U1, Ärger)\n"
                                           "@robin  (U2, anna)\n@sam  (U3, Twin)\n@kim  (U4, Twin)\n");
-    EXPECT_EQ(pathLinesOf(conversations), "#general\n#anna\n@anna\n@robin\n@sam\n@kim\n");
+    EXPECT_EQ(pathLinesOf(conversations), "general\n#anna\n@anna\n@robin\n@sam\n@kim\n");
+    EXPECT_EQ(pathLinesOf({.levels = {"channel"}, .nodes = {{"C1", "#a", {}, {"C2"}}, {"C2", "#b"}}}),
+              "#a\n#b\n");
+    EXPECT_EQ(pathLinesOf({.levels = {"channel"}, .nodes = {{"C1", "#a\nb", {}, {"a\nb"}}}}), "C1\n");
     EXPECT_EQ(linesOf({.levels = {"channel"}, .nodes = {{"C1", "", {}, {}, "private"}}}, {}),
               "C1  (private)\n");
 }
