@@ -1,6 +1,10 @@
 #include <Platform/Collation.h>
 
+#include "Support/FreshProcess.h"
+
 #include <gtest/gtest.h>
+
+#include <stdlib.h>
 
 namespace zelto {
 
@@ -52,8 +56,18 @@ TEST(Collation, DisregardsCaseAlsoWhereTheLocaleHasNoLanguage) {
 }
 
 TEST(Collation, IsThatOfTheEnvironmentWithoutALocale) {
-    EXPECT_EQ(Collation().key("a"), Collation().key("A"));
-    EXPECT_LT(Collation().key("a"), Collation().key("B"));
+    expectInFreshProcess([] {
+        ::setenv("LC_ALL", "sv_SE.UTF-8", 1);
+        return Collation().key("z") < Collation().key("Ä") && Collation().key("Ä") == Collation().key("ä");
+    });
+    expectInFreshProcess([] {
+        ::setenv("LC_ALL", "de_DE.UTF-8", 1);
+        return Collation().key("Ä") < Collation().key("z");
+    });
+    expectInFreshProcess([] {
+        ::setenv("LC_ALL", "C", 1);
+        return Collation().key("a") == Collation().key("A") && Collation().key("a") < Collation().key("B");
+    });
 }
 
 TEST(Collation, TakesAnyText) {
