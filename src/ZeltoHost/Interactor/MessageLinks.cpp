@@ -72,6 +72,9 @@ std::optional<std::string> MessageLinks::written(const IntegrationLinkType& type
 }
 
 std::string MessageLinks::appended(std::string body, const std::optional<IntegrationLinkType>& type) const {
+    if (type && type->format() == IntegrationLinkFormat::mrkdwn) {
+        body = slackEscaped(body);
+    }
     if (const auto link = type ? written(*type) : std::nullopt) {
         body.append(body.empty() ? "" : "\n\n").append(*link);
     }

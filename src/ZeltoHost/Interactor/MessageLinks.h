@@ -19,7 +19,8 @@ struct MessageLinks {
     std::optional<IntegrationLinkComponents> components(const IntegrationLinkType& type) const;
     // The link in the type's format.
     std::optional<std::string> written(const IntegrationLinkType& type) const;
-    // The body, a blank line and the written link; what is absent is left out.
+    // The body, a blank line and the written link; what is absent is left out. With the format `mrkdwn` the
+    // whole is text for Slack, so `&`, `<` and `>` of the body are escaped, also where there is no link.
     std::string appended(std::string body, const std::optional<IntegrationLinkType>& type) const;
 };
 

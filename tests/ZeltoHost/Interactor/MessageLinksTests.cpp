@@ -43,5 +43,21 @@ TEST(MessageLinks, EachFormatEscapesItsText) {
               "<https://x.example/(a)?b=c&amp;d%7Ce|a &lt;b&gt; [c] \"d\" &amp; *e* |f>");
 }
 
+TEST(MessageLinks, ATextWithAMrkdwnLinkIsEscapedAsAWhole) {
+    MessageLinks links{.text = "Q&A <1>", .backlink = "mid:1@x"};
+    const std::string body = "1 < 2 & 3 > 2 <!channel> <@U1> <https://evil.example|x> &amp; *b*";
+    const std::string escaped = "1 &lt; 2 &amp; 3 &gt; 2 &lt;!channel&gt; &lt;@U1&gt; "
+                                "&lt;https://evil.example|x&gt; &amp;amp; *b*";
+    EXPECT_EQ(links.appended(body, IntegrationLinkType::backlink(IntegrationLinkFormat::mrkdwn)),
+              escaped + "\n\n<mid:1@x|Q&amp;A &lt;1&gt;>");
+    EXPECT_EQ(links.appended(body, IntegrationLinkType::safeBacklink(IntegrationLinkFormat::mrkdwn)), escaped)
+        << "also without a link";
+    for (const auto format :
+         {IntegrationLinkFormat::raw, IntegrationLinkFormat::html, IntegrationLinkFormat::markdown}) {
+        EXPECT_EQ(links.appended(body, IntegrationLinkType::altBacklink(format)), body);
+    }
+    EXPECT_EQ(links.appended(body, std::nullopt), body);
+}
+
 } // namespace
 } // namespace zelto

@@ -142,6 +142,15 @@ TEST(MailDataInteractor, AMailWithoutMessageIDHasNoBacklink) {
     }
 }
 
+TEST(MailDataInteractor, TextForSlackIsEscapedWithItsLink) {
+    auto interactor = interactorOf("Subject: <!here> & you\nMessage-ID: <1@x>\n\n1 < 2 & <@U1>\n");
+    EXPECT_EQ(plainTextOf(interactor, LinkType::altBacklink(Format::mrkdwn)),
+              "1 &lt; 2 &amp; &lt;@U1&gt;\n\n<message:%3C1@x%3E|&lt;!here&gt; &amp; you>");
+    EXPECT_EQ(linkOf(interactor, LinkType::backlink(Format::mrkdwn)), "<mid:1@x|&lt;!here&gt; &amp; you>");
+    auto html = interactorOf("Content-Type: text/html\n\n<p>1 &lt; 2 &amp;amp; <b>3</b></p>");
+    EXPECT_EQ(plainTextOf(html, LinkType::altBacklink(Format::mrkdwn)), "1 &lt; 2 &amp;amp; 3");
+}
+
 TEST(MailDataInteractor, PlainTextEndsInTheLinkAfterABlankLine) {
     auto interactor = interactorOf("Subject: a [b]\nMessage-ID: <1@x>\n\nbody\n\n\n");
     EXPECT_EQ(plainTextOf(interactor), "body");

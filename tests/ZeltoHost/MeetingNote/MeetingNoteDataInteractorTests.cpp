@@ -95,6 +95,20 @@ TEST(MeetingNoteDataInteractor, TheBodyIsAllPiecesUnderHeadings) {
         "alone");
 }
 
+TEST(MeetingNoteDataInteractor, TextForSlackIsEscapedWithItsLink) {
+    MeetingNoteDataInteractor one(MeetingNote{.title = "<Q&A>",
+                                              .link = "zelto://note?a&b",
+                                              .summary = MeetingNoteText{"<p>1 &lt; 2 &amp; 3</p>", true},
+                                              .notes = MeetingNoteText{"ask <@U1>", false}});
+    const auto link = LinkType::altBacklink(IntegrationLinkFormat::mrkdwn);
+    const std::string written = "\n\n<zelto://note?a&amp;b|&lt;Q&amp;A&gt;>";
+    EXPECT_EQ(pieceOf(one, Content::summary, Format::text, link), "1 &lt; 2 &amp; 3" + written);
+    EXPECT_EQ(pieceOf(one, Content::notes, Format::text, link), "ask &lt;@U1&gt;" + written);
+    EXPECT_EQ(resultOf<Text>([&](auto completion) { one.messagePlainText(link, std::move(completion)); }),
+              "Summary\n\n1 &lt; 2 &amp; 3\n\nNotes\n\nask &lt;@U1&gt;" + written);
+    EXPECT_EQ(pieceOf(one, Content::notes, Format::text), "ask <@U1>");
+}
+
 TEST(MeetingNoteDataInteractor, GivesHTMLWithTheHeader) {
     auto interactor = planning();
     const auto html =
