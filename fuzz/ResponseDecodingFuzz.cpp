@@ -9,6 +9,7 @@
 #include <ZeltoIntegrations/GoogleDrive/GoogleDriveResponses.h>
 #include <ZeltoIntegrations/Notion/NotionResponses.h>
 #include <ZeltoIntegrations/OneNote/OneNoteResponses.h>
+#include <ZeltoIntegrations/Slack/SlackResponses.h>
 #include <ZeltoIntegrations/Todoist/TodoistResponses.h>
 #include <ZeltoIntegrations/Trello/TrelloResponses.h>
 
@@ -122,6 +123,21 @@ void checkGoogleDrive(const ServiceResponse& response) {
     }
 }
 
+// What does not say ok is no response, and each page but the last names the next.
+void checkSlack(const ServiceResponse& response) {
+    const auto json = JSONValue::parse(viewOf(response.body));
+    const auto* ok = json && json->asObject() ? json->asObject()->find("ok") : nullptr;
+    const bool isOk = ok && *ok == JSONValue(true);
+    require(isOk || !serviceValue<SlackSelfUserResponse>(response, {}));
+    require(isOk || !serviceValue<SlackPostMessageResponse>(response, {}));
+    if (auto found = serviceValue<SlackUserListResponse>(response, {})) {
+        require(isOk && !toSlackUsers(*std::move(found)).next.value_or("next").empty());
+    }
+    if (auto found = serviceValue<SlackChannelListResponse>(response, {})) {
+        require(isOk && !toSlackChannels(*std::move(found)).next.value_or("next").empty());
+    }
+}
+
 void checkValues(const ServiceResponse& response) {
     require(serviceValue<Data>(response, {}) == response.body);
     const auto text = serviceValue<std::string>(response, {});
@@ -138,6 +154,9 @@ void checkValues(const ServiceResponse& response) {
     checkRecords<TodoistFetchResponse, TodoistUploadResponse>(response, {});
     checkRecords<DropboxAccountResponse, DropboxListFolderResponse, DropboxSearchResponse>(response, {});
     checkRecords<GoogleDriveSingleUserResponse, GoogleDriveSingleFilesResponse>(response, {});
+    checkRecords<SlackSelfUserResponse, SlackChannelListResponse, SlackUserListResponse,
+                 SlackPostMessageResponse>(response, {});
+    checkSlack(response);
     checkDropbox(response);
     checkGoogleDrive(response);
     checkRecords<notion::User, notion::ListResponse<notion::SearchResultItem>, notion::Page>(
