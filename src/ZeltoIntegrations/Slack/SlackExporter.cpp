@@ -75,8 +75,9 @@ void SlackExporter::fetchData(StepRun& run, DataCompletion done) {
         if (!loaded) {
             return done(failure(loadError(loaded.error())));
         }
-        auto [self, channels, users] = *std::move(loaded);
-        store({.me = std::move(self), .channels = std::move(channels), .users = std::move(users)});
+        store({.me = std::get<0>(*std::move(loaded)),
+               .channels = std::get<1>(*std::move(loaded)),
+               .users = std::get<2>(*std::move(loaded))});
         done(loadedData());
     });
     client->fetchSelf(all->part<0>());
