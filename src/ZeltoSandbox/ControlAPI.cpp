@@ -3,6 +3,7 @@
 #include <ZeltoSandbox/FaultList.h>
 #include <ZeltoSandbox/JSONBody.h>
 #include <ZeltoSandbox/SandboxProof.h>
+#include <ZeltoSandbox/Slack/SlackSettings.h>
 
 #include <Platform/Numbers.h>
 
@@ -107,6 +108,9 @@ std::optional<std::string> readSetting(SandboxSettings& settings, const std::str
     }
     if (key == "drives") {
         return readDrives(settings.drives, value);
+    }
+    if (key == "slack") {
+        return readSlackSettings(settings.slack, value);
     }
     return "left out; there is no such setting";
 }
@@ -237,7 +241,8 @@ JSONValue ControlAPI::state() const {
                           settings.attachmentLimit ? JSONValue(*settings.attachmentLimit) : JSONValue()},
                          {"additionalTargets", settings.additionalTargets},
                          {"publishedLimits", settings.publishedLimits},
-                         {"drives", drivesJSON(settings.drives)}});
+                         {"drives", drivesJSON(settings.drives)},
+                         {"slack", slackSettingsJSON(settings.slack)}});
     state.set("requests", log_.lastNumber());
     addFigures_(state);
     return state;

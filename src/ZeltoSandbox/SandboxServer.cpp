@@ -235,6 +235,10 @@ void SandboxServer::setDrives(SandboxDrives drives) {
     state_->dispatcher.changeSettings([&](SandboxSettings& settings) { settings.drives = drives; });
 }
 
+void SandboxServer::setSlack(SandboxSlack slack) {
+    state_->dispatcher.changeSettings([&](SandboxSettings& settings) { settings.slack = std::move(slack); });
+}
+
 std::optional<SandboxTokens> SandboxServer::issueTokens(std::string_view service) {
     return state_->dispatcher.issueTokens(service);
 }

@@ -7,6 +7,7 @@
 #include <ZeltoSandbox/SandboxFault.h>
 #include <ZeltoSandbox/SandboxOptions.h>
 #include <ZeltoSandbox/SandboxRecord.h>
+#include <ZeltoSandbox/SandboxSlack.h>
 
 #include <cstdint>
 #include <memory>
@@ -70,6 +71,7 @@ class SandboxServer {
     // Demo targets beside the usual ones, where the service's page in docs/services names them.
     void setAdditionalTargets(std::size_t count);
     void setDrives(SandboxDrives drives);
+    void setSlack(SandboxSlack slack);
 
     // Tokens as after a sign-in, for any client. The service by its name in any case: "Trello". nullopt for a
     // service without tokens.

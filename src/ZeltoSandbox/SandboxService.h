@@ -7,6 +7,7 @@
 #include <ZeltoSandbox/OAuth/TokenStore.h>
 #include <ZeltoSandbox/SandboxDrives.h>
 #include <ZeltoSandbox/SandboxOptions.h>
+#include <ZeltoSandbox/SandboxSlack.h>
 
 #include <cstdint>
 #include <functional>
@@ -27,6 +28,7 @@ struct SandboxSettings {
     std::size_t additionalTargets = 0; // demo targets beside the usual ones, where a service has them
     bool publishedLimits = false;      // of requests, where a service takes less than clients were made for
     SandboxDrives drives = {};
+    SandboxSlack slack = {};
 };
 
 // What the services share; it outlives them.

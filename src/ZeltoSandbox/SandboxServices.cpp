@@ -6,6 +6,7 @@
 #include <ZeltoSandbox/Notion/NotionSandbox.h>
 #include <ZeltoSandbox/OneNote/OneNoteSandbox.h>
 #include <ZeltoSandbox/PlainService.h>
+#include <ZeltoSandbox/Slack/SlackSandbox.h>
 #include <ZeltoSandbox/Todoist/TodoistSandbox.h>
 #include <ZeltoSandbox/Trello/TrelloSandbox.h>
 
@@ -27,7 +28,7 @@ const auto& rows = neverDestroyed(std::vector<SandboxServiceRow>{
     {"MicrosoftTeams", {"graph.microsoft.com"}, PlainService::make},
     {"Dropbox", {"api.dropboxapi.com", "content.dropboxapi.com"}, DropboxSandbox::make},
     {"GoogleDrive", {"www.googleapis.com"}, GoogleDriveSandbox::make},
-    {"Slack", {"slack.com"}, PlainService::make},
+    {"Slack", {"slack.com"}, SlackSandbox::make},
     {"Hubspot", {"api.hubapi.com"}, PlainService::make},
     {"Zoom", {"api.zoom.us"}, PlainService::make},
     {"GoTo", {"api.getgo.com"}, PlainService::make},

@@ -272,6 +272,41 @@ TEST_F(ControlAPITest, GivesTokensAndState) {
     EXPECT_EQ(caller.get(caller.ownHost(), "/control/nothing").status, 404);
 }
 
+TEST_F(ControlAPITest, ChangesWhatSlackHas) {
+    const auto set = [&](const std::string& json) {
+        return caller.control("settings", R"({"slack":)" + json + "}");
+    };
+    const auto settings = [&] {
+        return caller.server->state().find("settings")->find("slack")->text().value_or("");
+    };
+    const std::string none = R"({"additionalUsers":0,"additionalChannels":0,"archivedChannels":[],)"
+                             R"("missingScopes":[],"revoked":false})";
+    EXPECT_EQ(settings(), none);
+    EXPECT_EQ(set(R"({"additionalUsers":20000,"archivedChannels":["C0SANDBOX01"]})").status, 204);
+    EXPECT_EQ(set(R"({"additionalChannels":3,"missingScopes":["chat:write"],"revoked":true})").status, 204);
+    EXPECT_EQ(settings(),
+              R"({"additionalUsers":20000,"additionalChannels":3,)"
+              R"("archivedChannels":["C0SANDBOX01"],"missingScopes":["chat:write"],"revoked":true})");
+    const std::string inWhich = "\"slack\" has to be an object in which ";
+    const std::pair<std::string, std::string> refused[] = {
+        {R"({"additionalUsers":20001})", "\"additionalUsers\" is a number from 0 to 20000."},
+        {R"({"additionalChannels":-1})", "\"additionalChannels\" is a number from 0 to 20000."},
+        {R"({"archivedChannels":"C0SANDBOX01"})", "\"archivedChannels\" is an array of identifiers."},
+        {R"({"archivedChannels":[1]})", "\"archivedChannels\" is an array of identifiers."},
+        {R"({"missingScopes":["chat:read"]})", "\"missingScopes\" is an array of Slack's scopes."},
+        {R"({"revoked":"yes"})", "\"revoked\" is true or false."},
+        {R"({"users":1})", "\"users\" is left out; there is no such member."},
+    };
+    for (const auto& [json, text] : refused) {
+        EXPECT_EQ(set(json).text("error"), inWhich + text);
+    }
+    EXPECT_EQ(set("1").text("error"), "\"slack\" has to be an object.");
+    caller.server->reset();
+    EXPECT_EQ(settings(), none);
+    caller.server->setSlack({.additionalUsers = 7});
+    EXPECT_EQ(caller.server->state().find("settings")->find("slack")->find("additionalUsers")->asInt64(), 7);
+}
+
 TEST_F(ControlAPITest, GivesTheRequestsAfterANumber) {
     member();
     member();

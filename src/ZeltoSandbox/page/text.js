@@ -59,7 +59,7 @@ export function webLink(address) {
 }
 
 // Without the punctuation of the sentence around an address; its own brackets come in pairs.
-function withoutPunctuation(address) {
+export function withoutPunctuation(address) {
   let unopened = address.split(")").length - address.split("(").length;
   let end = address.length;
   for (; ; end -= 1) {
@@ -73,8 +73,8 @@ function unescaped(text) {
   return text.replaceAll(escaped, "$1");
 }
 
-// A link of Markdown as its label; an address that leads to no web site is shown beside it.
-function appendLabelled(parent, label, target) {
+// A link as its label; an address that leads to no web site is shown beside it.
+export function appendLabelled(parent, label, target) {
   const link = webLink(target);
   if (!label.trim()) {
     parent.append(link);
@@ -104,14 +104,16 @@ function appendMarkdown(parent, found) {
   return found[0].length;
 }
 
-// The forms of foreign text: what is not shown as it stands, and how it is.
+// The forms of foreign text: what is not shown as it stands, and how it is. `append` is given what was found of `piece`,
+// and returns how much of the text that was.
 const forms = {
   plain: {},
   links: { piece: webAddress, append: appendAddress },
   markdown: { piece: markdownPiece, append: appendMarkdown },
 };
 
-function fillWith(parent, text, { piece, append }) {
+// Appends foreign text of a form.
+export function fillWith(parent, text, { piece, append }) {
   let end = 0;
   for (const found of piece ? text.matchAll(piece) : []) {
     appendVisible(parent, text.slice(end, found.index));
@@ -130,11 +132,12 @@ function beginning(text, length, { piece }) {
 }
 
 // Foreign text, shortened beyond `limit` characters until its button is pressed. `form`: "links" makes web addresses
-// links, "markdown" those with a label too.
-export function longText(tag, className, text, { limit = 600, form = "plain" } = {}) {
+// links, "markdown" those with a label too; or a form of one's own.
+export function longText(tag, className, text, { limit = 600, form: wanted = "plain" } = {}) {
+  const form = forms[wanted] ?? wanted;
   const whole = text.replaceAll("\r\n", "\n");
   const characters = Array.from(whole);
-  const fill = (parent, shown) => fillWith(parent, shown, forms[form]);
+  const fill = (parent, shown) => fillWith(parent, shown, form);
   const made = element(tag, className);
   made.dir = "auto";
   if (characters.length <= limit) {
@@ -145,7 +148,7 @@ export function longText(tag, className, text, { limit = 600, form = "plain" } =
   more.type = "button";
   const show = (all) => {
     made.replaceChildren();
-    const short = () => beginning(whole, characters.slice(0, limit / 2).join("").length, forms[form]);
+    const short = () => beginning(whole, characters.slice(0, limit / 2).join("").length, form);
     fill(made, all ? whole : short() + "… ");
     more.textContent = all ? "Show less" : `Show all ${characters.length.toLocaleString("en")} characters`;
     more.setAttribute("aria-expanded", all);
