@@ -92,6 +92,16 @@ class HostileMail(Case):
                                                               ("paragraph", "heading_1", "quote", "to_do", "bulleted_list_item")])
         self.assertShownAsText()
 
+    def test_no_message_of_slack_runs_or_breaks_the_layout(self):
+        token = self.sandbox.token("Slack")
+        for text in hostile_texts(self.trap):
+            # As many messages as the page shows.
+            forms = (text, f"*{text}*", f"```{text}```", f"> `{text}`", f"<http://link.example/|{text}>", f"<@{text}>",
+                     f"<javascript:{text}|{text}>")
+            for form in forms:
+                self.sandbox.add_slack_message(token, form)
+        self.assertShownAsText()
+
     def test_no_page_of_onenote_runs_or_breaks_the_layout(self):
         token = self.sandbox.token("OneNote")
         script = attack(self.trap)

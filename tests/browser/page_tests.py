@@ -26,7 +26,7 @@ class Page(Case):
         self.show()
         for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/columns.js", "/requests.js", "/asana.js", "/notion.js",
                      "/notion.css", "/onenote.js", "/onenote.css", "/drives.js",
-                     "/drives.css", "/dropbox.js", "/googledrive.js", "/todoist.js", "/todoist.css", "/trello.js"):
+                     "/drives.css", "/dropbox.js", "/googledrive.js", "/mrkdwn.js", "/slack.js", "/slack.css", "/todoist.js", "/todoist.css", "/trello.js"):
             names = ["content-security-policy", "x-content-type-options", "cache-control"]
             fields = self.tab.run(f"fetch('{path}').then((response) => {names}.map((name) => response.headers.get(name)))")
             self.assertEqual(fields, [POLICY, "nosniff", "no-store"], path)
@@ -224,6 +224,121 @@ class Page(Case):
         self.assertEqual(page.run(f"getComputedStyle({link}.parentElement).fontSize"), "32px")
         self.assertEqual(page.run("window.origin"), "null")
         self.assertNothingRan()
+
+    SLACK_BUTTONS = "Array.from(document.querySelectorAll('.of-slack nav button'))"
+    SLACK_TEXT = "document.querySelector('.of-slack .is-newest .text')"
+
+    def choose_conversation(self, name):
+        self.tab.click(f"{self.SLACK_BUTTONS}.find((each) => each.innerText.includes({json.dumps(name)}))")
+        self.tab.wait(f"document.querySelector('.of-slack .conversation h3').innerText.includes({json.dumps(name)})")
+
+    def show_message(self, text):
+        """Its text as it is shown."""
+        self.sandbox.add_slack_message(self.sandbox.token("Slack"), text)
+        self.show()
+        self.tab.wait(f"{self.SLACK_TEXT} !== null && getComputedStyle({self.SLACK_TEXT}).whiteSpace === 'pre-wrap'")
+        return self.tab.run(f"{self.SLACK_TEXT}.innerText")
+
+    def shown(self, selector):
+        return self.tab.run(f"Array.from({self.SLACK_TEXT}.querySelectorAll({json.dumps(selector)}), (each) => each.innerText)")
+
+    def test_slack_is_a_chat_that_opens_where_a_message_arrives(self):
+        token = self.sandbox.token("Slack")
+        self.show()
+        self.sandbox.slack("auth.test", token)
+        self.tab.wait("document.querySelector('.of-slack .chat') !== null")
+        section = "document.querySelector('.of-slack').innerText"
+        for text in ("Robin in Sandbox", "general", "büro-münchen", "図書館", "leadership", "old-project", "archived",
+                     "announcements", "not a member", "robin, zoe, haruto", "Zoë ✨", "No messages"):
+            self.assertIn(text, self.tab.run(section))
+        self.wait_for_text("Nothing has been exported yet")
+        self.sandbox.add_slack_message(token, "In the library", "C0SANDBOX03")
+        self.wait_for_text("In the library")
+        self.assertTrue(self.tab.run("document.getElementById('nothing-made').hidden"))
+        chosen = f"{self.SLACK_BUTTONS}.filter((each) => each.ariaPressed === 'true').map((each) => each.innerText.split('\\n').slice(0, 2).join(' '))"
+        self.assertEqual(self.tab.run(chosen), ["# 図書館"])
+        self.sandbox.add_slack_message(token, "For Layla", "U0SANDBOX04")
+        self.wait_for_text("For Layla")
+        self.assertEqual(self.tab.run(chosen), ["@ ليلى حداد"])
+        self.assertNotIn("In the library", self.tab.run(section))
+        self.choose_conversation("図書館")
+        self.assertIn("In the library", self.tab.run(section))
+        # What somebody has chosen stays until the next message.
+        self.sandbox.slack("auth.test", token)
+        self.tab.wait("document.querySelectorAll('.request').length === 4")
+        self.assertEqual(self.tab.run(chosen), ["# 図書館"])
+        self.sandbox.add_slack_message(token, "Again", "U0SANDBOX04")
+        self.wait_for_text("Again")
+        self.assertEqual(self.tab.run(chosen), ["@ ليلى حداد"])
+        self.assertEqual(self.tab.run("Array.from(document.querySelectorAll('.of-slack .conversation li'), "
+                                      "(each) => each.querySelector('.newest') !== null)"), [False, True])
+        self.assertNothingRan()
+
+    def test_mrkdwn_is_shown_as_slack_shows_it(self):
+        shown = self.show_message("*bold* _italic_ ~struck~ *_both_* `a *b* &lt;` snake_case_name 2*3*4 * no * _ no_\n"
+                                  "&amp;lt; &lt;b&gt; \"q\"\n&gt; one *two*\n&gt; three\nafter ```\n*x* <y>\n``` end")
+        self.assertEqual(shown, "bold italic struck both a *b* < snake_case_name 2*3*4 * no * _ no_\n"
+                                "&lt; <b> \"q\"\n\none two\nthree\nafter \n*x* <y>\n\n end")
+        self.assertEqual(self.shown("b"), ["bold", "both", "two"])
+        self.assertEqual(self.shown("i"), ["italic", "both"])
+        self.assertEqual(self.shown("s"), ["struck"])
+        self.assertEqual(self.shown("code"), ["a *b* <"])
+        self.assertEqual(self.shown("blockquote"), ["one two\nthree"])
+        self.assertEqual(self.shown("pre"), ["*x* <y>\n"])
+        self.assertNothingRan()
+
+    def test_a_long_quote_of_slack_lasts_to_the_end(self):
+        self.show_message("before\n&gt;&gt;&gt; one\ntwo\n\n*three*")
+        self.assertEqual(self.shown("blockquote"), ["one\ntwo\n\nthree"])
+        self.assertEqual(self.shown("blockquote b"), ["three"])
+
+    def test_links_and_mentions_of_slack_are_shown_as_what_they_lead_to(self):
+        shown = self.show_message("<https://plan.example/?a=1&amp;b=2|the *plan* &amp; more>, <https://bare.example/>, "
+                                  "https://auto.example/a_b_(c)?x=1&amp;y=2). _<https://a_b.example/c_d|styled>_ "
+                                  "<mid:kickoff-2025.43@harbour.example|Kick-off> <javascript:alert(1)|script> "
+                                  "<mailto:mira@harbour.example|Mira> <script> "
+                                  "<@U0SANDBOX02> <@U0UNKNOWN01> <#C0SANDBOX03> <#C9|else> <!here> <!subteam^S1|@crew> "
+                                  "<!date^1392734382^{date}|Feb 18>")
+        self.assertEqual(shown, "the *plan* & more, https://bare.example/, https://auto.example/a_b_(c)?x=1&y=2). styled "
+                                "Kick-off (mid:kickoff-2025.43@harbour.example) script (javascript:alert(1)) "
+                                "Mira (mailto:mira@harbour.example) <script> "
+                                "@Zoë ✨ @U0UNKNOWN01 #図書館 #else @here @crew Feb 18")
+        rules = ["_blank", "noopener noreferrer"]
+        self.assertEqual(self.links(), [["the *plan* & more", "https://plan.example/?a=1&b=2", *rules],
+                                        ["https://bare.example/", "https://bare.example/", *rules],
+                                        ["https://auto.example/a_b_(c)?x=1&y=2", "https://auto.example/a_b_(c)?x=1&y=2", *rules],
+                                        ["styled", "https://a_b.example/c_d", *rules]])
+        self.assertEqual(self.shown("i a"), ["styled"])
+        self.assertNothingRan()
+
+    def test_a_message_that_slack_cut_says_so_and_opens_whole(self):
+        self.show_message("word " * 8000 + "lost")
+        self.wait_for_text("Slack cut this message off: 40,004 characters were sent.")
+        self.tab.click("Array.from(document.querySelectorAll('.of-slack .more')).find((each) => "
+                       "each.innerText === 'Show all 40,000 characters')")
+        self.tab.wait(f"{self.SLACK_TEXT}.innerText.length > 39000")
+        self.assertNotIn("lost", self.tab.run(f"{self.SLACK_TEXT}.innerText"))
+
+    def test_many_channels_and_messages_of_slack_are_counted(self):
+        token = self.sandbox.token("Slack")
+        self.sandbox.control("settings", slack={"additionalChannels": 2000, "additionalUsers": 12_000})
+        self.sandbox.add_slack_message(token, "To one of many", "additional-1999")
+        for number in range(103):
+            self.sandbox.add_slack_message(token, f"Message {number}")
+        self.show()
+        self.wait_for_text("Message 102")
+        self.wait_for_text("and 1,999 without messages")
+        self.wait_for_text("3 older messages")
+        self.wait_for_text("additional-1999")
+        self.assertEqual(self.tab.run("document.querySelectorAll('.of-slack .conversation li').length"), 100)
+
+    def test_the_chat_has_room_on_a_small_screen(self):
+        self.tab.resize(400, 800)
+        self.show_message("Good morning")
+        widths = "['nav', '.conversation'].map((each) => document.querySelector('.of-slack ' + each).clientWidth)"
+        for width in self.tab.run(widths):
+            self.assertGreater(width, 300)
+        self.assertEqual(self.tab.run("document.documentElement.scrollWidth - document.documentElement.clientWidth"), 0)
 
     # Of the table of a drive.
     NAMES = "Array.from(document.querySelectorAll('.of-{} td:first-child > :is(a, bdi, button)'), (each) => each.innerText)"

@@ -187,3 +187,15 @@ class Sandbox:
         return self.notion("pages", token, {"parent": {"database_id": found[database]["id"]},
                                             "properties": {"title": {"title": [notion_text(title)]}},
                                             "children": list(blocks)})["id"]
+
+    def slack(self, method, token, body=None):
+        """A call by GET, or by POST with a JSON object."""
+        fields = {"Content_Type": "application/json; charset=utf-8"} if body is not None else {}
+        response = self.ask("POST" if body is not None else "GET", "slack.com", f"/api/{method}",
+                            json.dumps(body) if body is not None else None, Authorization=f"Bearer {token}", **fields)
+        if not response["ok"]:
+            raise Failed(f"{method}: {response}")
+        return response
+
+    def add_slack_message(self, token, text, channel="C0SANDBOX01"):
+        return self.slack("chat.postMessage", token, {"channel": channel, "text": text})["ts"]
