@@ -24,11 +24,13 @@ class SlackListTest : public SlackCaller {
         std::set<std::string> seen;
         std::string cursor;
         do {
-            const auto page = get(target + (cursor.empty() ? "" : "&cursor=" + encoded(cursor)));
-            const auto ids = identifiers(page, key);
-            counts.push_back(ids.size());
-            seen.insert(ids.begin(), ids.end());
-            cursor = nextCursor(page);
+            const auto page = get(target + (cursor.empty() ? "" : "&cursor=" + encoded(cursor))).json();
+            const auto& records = *page.find(key)->asArray();
+            counts.push_back(records.size());
+            for (const auto& each : records) {
+                seen.insert(*each.find("id")->asString());
+            }
+            cursor = *page.find("response_metadata")->find("next_cursor")->asString();
             EXPECT_TRUE(cursor.empty() || cursor.ends_with("=")) << cursor;
         } while (!cursor.empty() && counts.size() < 1000);
         total = seen.size();
@@ -78,10 +80,8 @@ TEST_F(SlackListTest, GivesTwelveThousandUsersInTwentyFourPages) {
     set(R"({"additionalUsers":11992})");
     EXPECT_EQ(pages("users.list?limit=500", "members"), std::vector<std::size_t>(24, 500));
     EXPECT_EQ(total, 12'000U);
-    set(R"({"additionalUsers":11993})");
-    auto counts = std::vector<std::size_t>(24, 500);
-    counts.push_back(1);
-    EXPECT_EQ(pages("users.list?limit=500", "members"), counts);
+    set(R"({"additionalUsers":493})");
+    EXPECT_EQ(pages("users.list?limit=500", "members"), (std::vector<std::size_t>{500, 1}));
 }
 
 TEST_F(SlackListTest, RefusesToGiveMoreThanAThousandUsersWithoutALimit) {
