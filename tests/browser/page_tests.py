@@ -274,6 +274,17 @@ class Page(Case):
                                       "(each) => each.querySelector('.newest') !== null)"), [False, True])
         self.assertNothingRan()
 
+    def test_what_slack_refuses_by_a_response_of_success_is_marked_as_refused(self):
+        token = self.sandbox.token("Slack")
+        self.sandbox.slack("auth.test", token)
+        self.sandbox.send("GET", "slack.com", "/api/chat.postMessage?channel=C0SANDBOX06&text=x", Authorization=f"Bearer {token}")
+        self.show()
+        lines = "Array.from(document.querySelectorAll('.request summary'), (each) => [each.querySelector('.status').className, each.innerText])"
+        self.tab.wait(f"{lines}.length === 2")
+        (refused, text), (accepted, _) = self.tab.run(lines)
+        self.assertEqual([refused, accepted], ["status refused", "status accepted"])
+        self.assertIn("not_in_channel: the user is no member of the channel", text)
+
     def test_mrkdwn_is_shown_as_slack_shows_it(self):
         shown = self.show_message("*bold* _italic_ ~struck~ *_both_* `a *b* &lt;` snake_case_name 2*3*4 * no * _ no_\n"
                                   "&amp;lt; &lt;b&gt; \"q\"\n&gt; one *two*\n&gt; three\nafter ```\n*x* <y>\n``` end")

@@ -17,7 +17,7 @@ function timeOf(record) {
 }
 
 function statusOf(record) {
-  const kind = record.fault ? "fault" : record.status === 0 || record.status >= 400 ? "refused" : "accepted";
+  const kind = record.fault ? "fault" : record.problem || record.status === 0 || record.status >= 400 ? "refused" : "accepted";
   return element("span", `status ${kind}`, record.status || "none");
 }
 
