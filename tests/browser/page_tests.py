@@ -298,7 +298,7 @@ class Page(Case):
         self.assertEqual(self.shown("pre"), ["*x* <y>\n"])
         self.assertNothingRan()
 
-    def test_a_long_quote_of_slack_lasts_to_the_end(self):
+    def test_a_long_quote_of_slack_reaches_to_the_end(self):
         self.show_message("before\n&gt;&gt;&gt; one\ntwo\n\n*three*")
         self.assertEqual(self.shown("blockquote"), ["one\ntwo\n\nthree"])
         self.assertEqual(self.shown("blockquote b"), ["three"])

@@ -200,9 +200,12 @@ JSONObject slackState(SlackStore& store, std::size_t additionalUsers, std::size_
         conversations.push_back(conversationState(each, isArchived(each), std::move(messagesIn[each.id])));
     };
     const auto& channels = store.channels(additionalChannels);
+    std::size_t otherChannels = 0;
     for (std::size_t i = 0; i < channels.size(); ++i) {
         if (i < slackDemoChannelCount() || messagesIn.contains(channels[i].id)) {
             add(channels[i]);
+        } else {
+            ++otherChannels;
         }
     }
     for (const auto& each : store.directMessages()) {
@@ -215,7 +218,7 @@ JSONObject slackState(SlackStore& store, std::size_t additionalUsers, std::size_
             {"user", SlackStore::selfID},
             {"people", std::move(people)},
             {"conversations", std::move(conversations)},
-            {"additionalChannels", additionalChannels}};
+            {"otherChannels", otherChannels}};
 }
 
 } // namespace zelto::sandbox

@@ -18,7 +18,7 @@ function nameOf({ kind, name, user }, people) {
 }
 
 // The lines of the list of conversations, with its headings.
-function linesOf({ conversations, people, additionalChannels }, chosen) {
+function linesOf({ conversations, people, otherChannels }, chosen) {
   return headings.flatMap(([heading, kinds], index) => {
     const lines = conversations.filter(({ kind }) => kinds.includes(kind)).map((each) => ({
       id: each.id,
@@ -28,8 +28,8 @@ function linesOf({ conversations, people, additionalChannels }, chosen) {
       facts: [...(each.isArchived ? ["archived"] : []), ...(each.isMember ? [] : ["not a member"])],
       isChosen: each.id === chosen,
     }));
-    const hidden = index === 0 ? additionalChannels - conversations.filter(({ id }) => /^C1\d+$/u.test(id)).length : 0;
-    const more = hidden > 0 ? [{ id: `more ${heading}`, note: `and ${hidden.toLocaleString("en")} without messages` }] : [];
+    const hasMore = index === 0 && otherChannels > 0;
+    const more = hasMore ? [{ id: "more", note: `and ${otherChannels.toLocaleString("en")} without messages` }] : [];
     return [{ id: heading, heading }, ...lines, ...more];
   });
 }

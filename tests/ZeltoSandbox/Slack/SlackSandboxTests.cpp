@@ -315,7 +315,7 @@ TEST_F(SlackSandboxTest, ShowsNothingOfAChannelThatWasOnlyAdded) {
     EXPECT_EQ(slack.find("people")->asObject()->size(), 9U);
     EXPECT_EQ(*slack.find("people")->find("U1000000900")->asString(), "Additional user 900");
     EXPECT_EQ(*slack.find("people")->find("U0SANDBOX04")->asString(), "ليلى حداد");
-    EXPECT_EQ(slack.find("additionalChannels")->asInt64(), 1000);
+    EXPECT_EQ(slack.find("otherChannels")->asInt64(), 999);
 }
 
 TEST_F(SlackSandboxTest, KeepsAsManyMessagesAsItHasSpaceFor) {
