@@ -533,7 +533,8 @@ class Page(Case):
         self.sandbox.send("GET", "api.trello.com", "/1/members/me?number=last")
         self.wait_for_text("and 31 older")
         self.assertEqual(self.tab.run("document.querySelectorAll('.request').length"), 200)
-        self.assertIn("number=last", self.tab.run("document.querySelector('.request').innerText"))
+        # The count may come before the request.
+        self.tab.wait("document.querySelector('.request').innerText.includes('number=last')")
 
     def test_the_page_shows_that_the_sandbox_has_ended_and_that_it_is_back(self):
         self.sandbox.close()

@@ -35,7 +35,7 @@ class SlackCaller : public testing::Test {
         EXPECT_EQ(response.status, 200);
         const auto json = response.json();
         const bool isAccepted = json.find("ok")->asBool() == true;
-        const auto& problem = caller.server->requests().back().problem;
+        const auto problem = caller.server->requests().back().problem;
         EXPECT_EQ(problem.empty(), isAccepted) << problem;
         return isAccepted ? "ok" : response.text("error");
     }
