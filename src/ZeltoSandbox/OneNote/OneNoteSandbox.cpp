@@ -1,11 +1,9 @@
 #include <ZeltoSandbox/OneNote/OneNoteSandbox.h>
 
 #include <ZeltoSandbox/BearerAccess.h>
-#include <ZeltoSandbox/DateText.h>
+#include <ZeltoSandbox/Graph/GraphAccess.h>
 #include <ZeltoSandbox/OneNote/OneNoteForm.h>
 #include <ZeltoSandbox/OneNote/OneNoteJSON.h>
-
-#include <Platform/UUID.h>
 
 #include <utility>
 
@@ -13,29 +11,8 @@ namespace zelto::sandbox {
 
 namespace {
 
-constexpr std::string_view graph = "https://graph.microsoft.com/";
 constexpr auto readUser = "User.Read";
 constexpr auto createNotes = "Notes.Create";
-constexpr const char* retryAfter = "30"; // seconds
-
-SandboxResponse refused(int status, std::string code, std::string message) {
-    JSONObject inner{{"date", dateText(Date::now(), 3)}, {"request-id", uuid()}};
-    return SandboxResponse::json(JSONObject{{"error", JSONObject{{"code", std::move(code)},
-                                                                 {"message", message},
-                                                                 {"innerError", std::move(inner)}}}},
-                                 status)
-        .because(std::move(message));
-}
-
-SandboxResponse list(const std::string& context, JSONValue::Array records) {
-    return SandboxResponse::json(JSONObject{
-        {"@odata.context", std::string(graph) + "v1.0/$metadata#" + context}, {"value", std::move(records)}});
-}
-
-// A scope may be named with its resource or without.
-bool covers(const TokenGrant& grant, std::string_view scope) {
-    return coversScope(grant, scope) || hasScope(grant.scope, std::string(graph).append(scope));
-}
 
 } // namespace
 
@@ -60,9 +37,9 @@ SandboxResponse OneNoteSandbox::respond(const SandboxRequest& request) {
     }
     const auto* endpoint = endpointFor<OneNoteSandbox>(request, endpoints);
     if (!endpoint) {
-        return refused(400, "BadRequest", "Resource not found for the path of this request.");
+        return graphRefusal(400, "BadRequest", "Resource not found for the path of this request.");
     }
-    if (!covers(**grant, endpoint->scope)) {
+    if (!graphCovers(**grant, endpoint->scope)) {
         return failure(403).because("the token does not have the scope " + std::string(endpoint->scope));
     }
     return (this->*endpoint->handler)(request);
@@ -71,22 +48,20 @@ SandboxResponse OneNoteSandbox::respond(const SandboxRequest& request) {
 SandboxResponse OneNoteSandbox::failure(int status) const {
     switch (status) {
     case 401:
-        return refused(status, "InvalidAuthenticationToken",
-                       "The access token is missing, invalid or expired.");
+        return graphRefusal(status, "InvalidAuthenticationToken",
+                            "The access token is missing, invalid or expired.");
     case 403:
-        return refused(status, "40004", "The request does not have the scopes that it needs.");
+        return graphRefusal(status, "40004", "The request does not have the scopes that it needs.");
     case 404:
-        return refused(status, "20102", "The specified resource does not exist.");
+        return graphRefusal(status, "20102", "The specified resource does not exist.");
     case 429:
-        return refused(status, "20166", "The application has made too many requests for this user.")
-            .with("Retry-After", retryAfter);
+        return graphRefusal(status, "20166", "The application has made too many requests for this user.");
     case 503:
-        return refused(status, "10002", "The service is not available now. Try again later.")
-            .with("Retry-After", retryAfter);
+        return graphRefusal(status, "10002", "The service is not available now. Try again later.");
     case 507:
-        return refused(status, "30102", "The section is full: it takes no more pages.");
+        return graphRefusal(status, "30102", "The section is full: it takes no more pages.");
     default:
-        return refused(status, status >= 500 ? "10001" : "10017", std::string(reasonPhrase(status)));
+        return graphRefusal(status, status >= 500 ? "10001" : "10017", std::string(reasonPhrase(status)));
     }
 }
 
@@ -99,7 +74,7 @@ SandboxResponse OneNoteSandbox::notebooks(const SandboxRequest&) {
     for (const auto& notebook : store_->notebooks()) {
         records.push_back(oneNoteNotebookJSON(notebook));
     }
-    return list("users('me')/onenote/notebooks", std::move(records));
+    return graphList("users('me')/onenote/notebooks", std::move(records));
 }
 
 SandboxResponse OneNoteSandbox::sections(const SandboxRequest&) {
@@ -109,7 +84,7 @@ SandboxResponse OneNoteSandbox::sections(const SandboxRequest&) {
             records.push_back(oneNoteSectionJSON(section, notebook));
         }
     }
-    return list("users('me')/onenote/sections", std::move(records));
+    return graphList("users('me')/onenote/sections", std::move(records));
 }
 
 SandboxResponse OneNoteSandbox::addPage(const SandboxRequest& request) {
@@ -119,7 +94,7 @@ SandboxResponse OneNoteSandbox::addPage(const SandboxRequest& request) {
     }
     auto form = readOneNoteForm(request, context_.settings);
     if (!form) {
-        return refused(form.error().status, form.error().code, form.error().message);
+        return graphRefusal(form.error().status, form.error().code, form.error().message);
     }
     if (section->isFull || store_->pageCount() >= OneNoteStore::maximumPageCount) {
         return failure(507);
