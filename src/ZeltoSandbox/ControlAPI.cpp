@@ -2,6 +2,7 @@
 
 #include <ZeltoSandbox/FaultList.h>
 #include <ZeltoSandbox/JSONBody.h>
+#include <ZeltoSandbox/Meetings/MeetingSettings.h>
 #include <ZeltoSandbox/SandboxProof.h>
 #include <ZeltoSandbox/Slack/SlackSettings.h>
 
@@ -111,6 +112,9 @@ std::optional<std::string> readSetting(SandboxSettings& settings, const std::str
     }
     if (key == "slack") {
         return readSlackSettings(settings.slack, value);
+    }
+    if (key == "meetings") {
+        return readMeetings(settings.meetings, value);
     }
     return "left out; there is no such setting";
 }
@@ -242,7 +246,8 @@ JSONValue ControlAPI::state() const {
                          {"additionalTargets", settings.additionalTargets},
                          {"publishedLimits", settings.publishedLimits},
                          {"drives", drivesJSON(settings.drives)},
-                         {"slack", slackSettingsJSON(settings.slack)}});
+                         {"slack", slackSettingsJSON(settings.slack)},
+                         {"meetings", meetingSettingsJSON(settings.meetings)}});
     state.set("requests", log_.lastNumber());
     addFigures_(state);
     return state;

@@ -239,6 +239,11 @@ void SandboxServer::setSlack(SandboxSlack slack) {
     state_->dispatcher.changeSettings([&](SandboxSettings& settings) { settings.slack = std::move(slack); });
 }
 
+void SandboxServer::setMeetings(SandboxMeetings meetings) {
+    state_->dispatcher.changeSettings(
+        [&](SandboxSettings& settings) { settings.meetings = std::move(meetings); });
+}
+
 std::optional<SandboxTokens> SandboxServer::issueTokens(std::string_view service) {
     return state_->dispatcher.issueTokens(service);
 }

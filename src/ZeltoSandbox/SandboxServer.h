@@ -5,6 +5,7 @@
 #include <Platform/URL.h>
 #include <ZeltoSandbox/SandboxDrives.h>
 #include <ZeltoSandbox/SandboxFault.h>
+#include <ZeltoSandbox/SandboxMeetings.h>
 #include <ZeltoSandbox/SandboxOptions.h>
 #include <ZeltoSandbox/SandboxRecord.h>
 #include <ZeltoSandbox/SandboxSlack.h>
@@ -72,6 +73,7 @@ class SandboxServer {
     void setAdditionalTargets(std::size_t count);
     void setDrives(SandboxDrives drives);
     void setSlack(SandboxSlack slack);
+    void setMeetings(SandboxMeetings meetings);
 
     // Tokens as after a sign-in, for any client. The service by its name in any case: "Trello". nullopt for a
     // service without tokens.

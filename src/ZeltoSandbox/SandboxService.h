@@ -6,6 +6,7 @@
 #include <ZeltoSandbox/HTTP/SandboxResponse.h>
 #include <ZeltoSandbox/OAuth/TokenStore.h>
 #include <ZeltoSandbox/SandboxDrives.h>
+#include <ZeltoSandbox/SandboxMeetings.h>
 #include <ZeltoSandbox/SandboxOptions.h>
 #include <ZeltoSandbox/SandboxSlack.h>
 
@@ -29,6 +30,7 @@ struct SandboxSettings {
     bool publishedLimits = false;      // of requests, where a service takes less than clients were made for
     SandboxDrives drives = {};
     SandboxSlack slack = {};
+    SandboxMeetings meetings = {};
 };
 
 // What the services share; it outlives them.
@@ -63,8 +65,11 @@ class SandboxService {
 // A row of the table of services.
 struct SandboxServiceRow {
     std::string_view name;               // as in its constants: "Trello"
-    std::vector<std::string_view> hosts; // of its API
+    std::vector<std::string_view> hosts; // of its API, and of its pages for browsers
     std::unique_ptr<SandboxService> (*make)(SandboxContext& context, const SandboxServiceRow& row);
+    // What its paths begin with, where several services share a host and no token decides; the first of them
+    // gets all others.
+    std::vector<std::string_view> paths = {};
 };
 
 std::span<const SandboxServiceRow> sandboxServices();

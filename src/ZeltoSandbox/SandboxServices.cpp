@@ -2,13 +2,16 @@
 
 #include <ZeltoSandbox/Asana/AsanaSandbox.h>
 #include <ZeltoSandbox/Dropbox/DropboxSandbox.h>
+#include <ZeltoSandbox/GoTo/GoToSandbox.h>
 #include <ZeltoSandbox/GoogleDrive/GoogleDriveSandbox.h>
+#include <ZeltoSandbox/MicrosoftTeams/MicrosoftTeamsSandbox.h>
 #include <ZeltoSandbox/Notion/NotionSandbox.h>
 #include <ZeltoSandbox/OneNote/OneNoteSandbox.h>
 #include <ZeltoSandbox/PlainService.h>
 #include <ZeltoSandbox/Slack/SlackSandbox.h>
 #include <ZeltoSandbox/Todoist/TodoistSandbox.h>
 #include <ZeltoSandbox/Trello/TrelloSandbox.h>
+#include <ZeltoSandbox/Zoom/ZoomSandbox.h>
 
 #include <Platform/NeverDestroyed.h>
 
@@ -25,13 +28,16 @@ const auto& rows = neverDestroyed(std::vector<SandboxServiceRow>{
     {"MeisterTask", {"www.meistertask.com"}, PlainService::make},
     {"Notion", {"api.notion.com"}, NotionSandbox::make},
     {"OneNote", {"graph.microsoft.com"}, OneNoteSandbox::make},
-    {"MicrosoftTeams", {"graph.microsoft.com"}, PlainService::make},
+    {"MicrosoftTeams",
+     {"graph.microsoft.com", "teams.microsoft.com"},
+     MicrosoftTeamsSandbox::make,
+     {"/v1.0/me/onlineMeetings", "/v1.0/me/licenseDetails", "/v1.0//me/licenseDetails"}},
     {"Dropbox", {"api.dropboxapi.com", "content.dropboxapi.com"}, DropboxSandbox::make},
     {"GoogleDrive", {"www.googleapis.com"}, GoogleDriveSandbox::make},
     {"Slack", {"slack.com"}, SlackSandbox::make},
     {"Hubspot", {"api.hubapi.com"}, PlainService::make},
-    {"Zoom", {"api.zoom.us"}, PlainService::make},
-    {"GoTo", {"api.getgo.com"}, PlainService::make},
+    {"Zoom", {"api.zoom.us", "zoom.us"}, ZoomSandbox::make},
+    {"GoTo", {"api.getgo.com", "global.gotomeeting.com"}, GoToSandbox::make},
     {"Instapaper", {"www.instapaper.com"}, PlainService::make},
 });
 

@@ -60,7 +60,13 @@ ServiceDispatcher::Entry* ServiceDispatcher::apiAt(const SandboxRequest& request
             }
         }
     }
-    const auto found = std::ranges::find_if(services_, hasHost);
+    const auto hasPath = [&](const Entry& entry) {
+        return hasHost(entry) && std::ranges::any_of(entry.row->paths, [&](std::string_view path) {
+                   return request.path.starts_with(path);
+               });
+    };
+    const auto byPath = std::ranges::find_if(services_, hasPath);
+    const auto found = byPath == services_.end() ? std::ranges::find_if(services_, hasHost) : byPath;
     return found == services_.end() ? nullptr : &*found;
 }
 

@@ -307,6 +307,45 @@ TEST_F(ControlAPITest, ChangesWhatSlackHas) {
     EXPECT_EQ(caller.server->state().find("settings")->find("slack")->find("additionalUsers")->asInt64(), 7);
 }
 
+TEST_F(ControlAPITest, ChangesTheSettingsOfMeetings) {
+    const auto settings = [&](const std::string& json) {
+        return caller.control("settings", R"({"meetings":)" + json + "}");
+    };
+    const auto state = [&] {
+        const auto whole = caller.get(caller.ownHost(), "/control/state").json();
+        return whole.find("settings")->find("meetings")->text().value_or("");
+    };
+    EXPECT_EQ(
+        state(),
+        R"({"additionalMeetings":0,"dailyLimit":null,"emptyList":false,"personalAccount":false,"licenses":null})");
+    EXPECT_EQ(settings(R"({"additionalMeetings":20000,"dailyLimit":100})").status, 204);
+    EXPECT_EQ(settings(R"({"emptyList":true,"licenses":[["Disabled","Odd"],[]]})").status, 204);
+    EXPECT_EQ(
+        state(),
+        R"({"additionalMeetings":20000,"dailyLimit":100,"emptyList":true,"personalAccount":false,"licenses":[["Disabled","Odd"],[]]})");
+    EXPECT_EQ(settings(R"({"dailyLimit":null,"licenses":null,"personalAccount":true})").status, 204);
+    EXPECT_EQ(
+        state(),
+        R"({"additionalMeetings":20000,"dailyLimit":null,"emptyList":true,"personalAccount":true,"licenses":null})");
+    EXPECT_EQ(
+        settings(R"({"additionalMeetings":20001})").text("error"),
+        "\"meetings\" has to be an object in which \"additionalMeetings\" is a number from 0 to 20000.");
+    EXPECT_EQ(
+        settings(R"({"dailyLimit":-1})").text("error"),
+        "\"meetings\" has to be an object in which \"dailyLimit\" is a number from 0 to 10000, or null.");
+    EXPECT_EQ(settings(R"({"emptyList":1})").text("error"),
+              "\"meetings\" has to be an object in which \"emptyList\" is true or false.");
+    const std::string licenses =
+        "\"meetings\" has to be an object in which \"licenses\" is a list of licences, "
+        "each a list of the texts of its plans' status, or null.";
+    for (const std::string wrong : {R"(1)", R"([1])", R"([[1]])", R"({})"}) {
+        EXPECT_EQ(settings(R"({"licenses":)" + wrong + "}").text("error"), licenses) << wrong;
+    }
+    EXPECT_EQ(settings(R"({"colour":1})").text("error"),
+              "\"meetings\" has to be an object without \"colour\".");
+    EXPECT_EQ(settings("1").text("error"), "\"meetings\" has to be an object.");
+}
+
 TEST_F(ControlAPITest, GivesTheRequestsAfterANumber) {
     member();
     member();

@@ -479,7 +479,7 @@ TEST(OAuth2Token, TakesACodeOnceAndRevokesWhatItGave) {
     const auto code = codeFor(caller, zoom);
     const auto tokens = token(caller, zoom, codeItems(code));
     const auto bearer = "Authorization: Bearer " + tokens.text("access_token") + "\r\n";
-    EXPECT_EQ(caller.get("api.zoom.us", "/v2/x", bearer).status, 501);
+    EXPECT_EQ(caller.get("api.zoom.us", "/v2/x", bearer).status, 404);
     EXPECT_EQ(errorOf(token(caller, zoom, codeItems(code))), "400 invalid_grant");
     EXPECT_EQ(caller.get("api.zoom.us", "/v2/x", bearer).status, 401);
     EXPECT_EQ(errorOf(refresh(caller, zoom, tokens.text("refresh_token"))), "400 invalid_grant");
@@ -498,7 +498,7 @@ TEST(OAuth2Token, TakesACodeForTwoMinutesAndATokenForItsLifetime) {
     EXPECT_EQ(errorOf(token(caller, zoom, codeItems(late))), "400 invalid_grant");
     const auto bearer = "Authorization: Bearer " + tokens.text("access_token") + "\r\n";
     clock.advance(TimeInterval(3597));
-    EXPECT_EQ(caller.get("api.zoom.us", "/v2/x", bearer).status, 501);
+    EXPECT_EQ(caller.get("api.zoom.us", "/v2/x", bearer).status, 404);
     clock.advance(TimeInterval(1));
     EXPECT_EQ(caller.get("api.zoom.us", "/v2/x", bearer).status, 401);
     EXPECT_EQ(caller.server->requests().back().problem, "the access token has expired");
@@ -544,14 +544,14 @@ TEST(OAuth2Token, IsGoodForItsOwnServiceAlone) {
     const SandboxCaller caller;
     const auto tokens = caller.server->issueTokens("Zoom");
     const auto bearer = "Authorization: Bearer " + tokens->accessToken + "\r\n";
-    EXPECT_EQ(caller.get("api.zoom.us", "/v2/x", bearer).status, 501);
+    EXPECT_EQ(caller.get("api.zoom.us", "/v2/x", bearer).status, 404);
     EXPECT_EQ(caller.get("api.hubapi.com", "/x", bearer).status, 401);
     const auto ofTeams = caller.server->issueTokens("MicrosoftTeams");
     EXPECT_EQ(
         caller
             .get("graph.microsoft.com", "/v1.0/me", "Authorization: Bearer " + ofTeams->accessToken + "\r\n")
             .status,
-        501);
+        400);
     EXPECT_EQ(caller.server->requests().back().service, "MicrosoftTeams");
     EXPECT_FALSE(caller.server->issueTokens("Instapaper"));
     EXPECT_FALSE(caller.server->issueTokens("Nobody"));
