@@ -83,6 +83,18 @@ class HostileMail(Case):
             self.sandbox.add_todoist_task(token, text[:500], text, [(text[:200] + ".txt", "text/plain", b"harmless")])
         self.assertShownAsText()
 
+    def test_no_title_of_a_meeting_runs_or_breaks_the_layout(self):
+        token = self.sandbox.token("MicrosoftTeams")
+        for text in hostile_texts(self.trap):
+            meeting = self.sandbox.add_teams_meeting(token, text)
+            self.sandbox.teams("PATCH", meeting["id"], token, {"subject": text + " again"})
+            page = self.browser.new_tab()
+            page.open(meeting["joinWebUrl"].replace("https://", f"{self.sandbox.url}/host/"))
+            self.assertEqual(page.run("document.querySelectorAll('main :not(h1, p, b, span)').length"), 0)
+            page.resize(900, 800)
+            self.assertEqual(page.run("document.documentElement.scrollWidth - document.documentElement.clientWidth"), 0)
+        self.assertShownAsText()
+
     def test_no_text_of_a_notion_page_runs_or_breaks_the_layout(self):
         token = self.sandbox.token("Notion")
         for text in hostile_texts(self.trap):

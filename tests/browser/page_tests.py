@@ -25,6 +25,7 @@ class Page(Case):
     def test_every_file_of_the_page_comes_with_the_strict_policy(self):
         self.show()
         for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/columns.js", "/requests.js", "/asana.js", "/notion.js",
+                     "/meetings.js", "/meetings.css", "/zoom.js", "/goto.js", "/microsoftteams.js",
                      "/notion.css", "/onenote.js", "/onenote.css", "/drives.js",
                      "/drives.css", "/dropbox.js", "/googledrive.js", "/mrkdwn.js", "/slack.js", "/slack.css", "/todoist.js", "/todoist.css", "/trello.js"):
             names = ["content-security-policy", "x-content-type-options", "cache-control"]
@@ -425,6 +426,66 @@ class Page(Case):
         self.click_button("Additional files")
         self.wait_for_text("and 9,800 more")
         self.assertEqual(self.tab.run(f"{self.NAMES.format('googledrive')}.length"), 200)
+
+    def meeting(self, number, key="zoom"):
+        """The text of the n-th meeting in the list of a service."""
+        return self.tab.run(f"document.querySelectorAll('.of-{key} .meetings > li')[{number}].innerText")
+
+    def test_meetings_are_listed_with_what_they_were_and_that_they_were_deleted(self):
+        self.show()
+        token = self.sandbox.token("Zoom")
+        first = self.sandbox.add_zoom_meeting(token, "Überblick & 図書館")
+        second = self.sandbox.add_zoom_meeting(token, "Weekly", type=3)
+        self.tab.wait("document.querySelectorAll('.of-zoom .meetings > li').length === 2")
+        for text in ("No fixed time", "newest", "Weekly", "recurring", f"ID: {second['id']}"):
+            self.assertIn(text, self.meeting(0))
+        for text in ("24 Dec 2026", "45 minutes", "Überblick & 図書館", "scheduled", "Host: Robin Sandbox", f"ID: {first['id']}"):
+            self.assertIn(text, self.meeting(1))
+        self.sandbox.zoom("PATCH", f"meetings/{first['id']}", token, {"topic": "Rückblick", "duration": 90})
+        self.wait_for_text("Changed 1 time")
+        for text in ("newest", "Rückblick", "1 hour 30 minutes", "Überblick & 図書館", "until"):
+            self.assertIn(text, self.meeting(1))
+        self.sandbox.zoom("DELETE", f"meetings/{second['id']}", token)
+        self.tab.wait("document.querySelector('.of-zoom .is-deleted') !== null")
+        self.assertIn("Deleted", self.meeting(0))
+        self.tab.wait("getComputedStyle(document.querySelector('.is-deleted h4')).textDecorationLine === 'line-through'")
+        self.assertTrue(self.tab.run("document.getElementById('nothing-made').hidden"))
+        self.assertNothingRan()
+
+    def test_a_meeting_opens_its_join_page(self):
+        token = self.sandbox.token("Zoom")
+        meeting = self.sandbox.add_zoom_meeting(token, "Kick-off")
+        self.sandbox.add_goto_meeting(self.sandbox.token("GoTo"), "Of GoTo")
+        self.sandbox.add_teams_meeting(self.sandbox.token("MicrosoftTeams"), "Of Teams")
+        self.show()
+        self.tab.wait("document.querySelectorAll('.join').length === 3")
+        for key, text in (("zoom", "Kick-off"), ("goto", "Of GoTo"), ("microsoftteams", "Of Teams")):
+            page = self.browser.tab_opened_by(lambda: self.tab.click(f"document.querySelector('.of-{key} .join')"))
+            page.wait(f"document.querySelector('h1')?.innerText === {json.dumps(text)}")
+            self.assertIn("Host: Robin Sandbox", page.run("document.body.innerText"))
+            self.assertTrue(page.run("window.opener === null"))
+            self.assertEqual(page.run("getComputedStyle(document.querySelector('main')).borderTopStyle"), "solid")
+        self.sandbox.zoom("DELETE", f"meetings/{meeting['id']}", token)
+        gone = self.browser.tab_opened_by(lambda: self.tab.click("document.querySelector('.of-zoom .join')"))
+        gone.wait("document.querySelector('h1')?.innerText === 'This meeting was deleted'")
+
+    def test_many_meetings_are_counted(self):
+        self.sandbox.control("settings", meetings={"additionalMeetings": 150})
+        self.sandbox.add_teams_meeting(self.sandbox.token("MicrosoftTeams"), "Mine")
+        self.show()
+        self.wait_for_text("and 51 more")
+        self.assertIn("Mine", self.meeting(0, "microsoftteams"))
+        self.assertIn("Additional meeting 1", self.meeting(1, "microsoftteams"))
+        self.assertIn("Additional meeting 99", self.meeting(99, "microsoftteams"))
+
+    def test_meetings_have_room_on_a_small_screen(self):
+        self.sandbox.add_teams_meeting(self.sandbox.token("MicrosoftTeams"), "Lighthouse relaunch")
+        self.tab.resize(400, 800)
+        self.show()
+        item = "document.querySelector('.meetings > li')"
+        self.tab.wait(f"{item} !== null && getComputedStyle({item}).display === 'grid'")
+        self.assertGreater(self.tab.run(f"{item}.querySelector('.what').offsetWidth"), 250)
+        self.assertEqual(self.tab.run("document.documentElement.scrollWidth - document.documentElement.clientWidth"), 0)
 
     def test_an_attached_address_is_shown_with_its_link(self):
         token = self.sandbox.token()

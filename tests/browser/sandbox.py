@@ -159,6 +159,32 @@ class Sandbox:
         return self.ask("POST", "www.googleapis.com", "/upload/drive/v3/files?uploadType=multipart", body.encode(),
                         Authorization=f"Bearer {token}", Content_Type=f"multipart/related; boundary={BORDER}")["id"]
 
+    def zoom(self, method, path, token, body=None):
+        """The JSON of a response, or nothing where it has no body."""
+        status, data = self.send(method, "api.zoom.us", f"/v2/{path}", json.dumps(body), Authorization=f"Bearer {token}",
+                                 Content_Type="application/json")
+        if status not in (201, 204):
+            raise Failed(f"{method} {path}: {status} {data!r}")
+        return json.loads(data) if data else None
+
+    def add_zoom_meeting(self, token, topic, type=2):
+        times = {"start_time": "2026-12-24T12:00:00Z", "duration": 45} if type == 2 else {}
+        return self.zoom("POST", "users/me/meetings", token, {"topic": topic, "type": type, **times})
+
+    def add_goto_meeting(self, token, subject):
+        body = {"subject": subject, "conferencecallinfo": "VoIP", "meetingtype": "scheduled", "passwordrequired": True,
+                "starttime": "2026-12-24T12:00:00Z", "endtime": "2026-12-24T12:45:00Z", "timezonekey": ""}
+        return self.ask("POST", "api.getgo.com", "/G2M/rest/meetings", json.dumps(body), Authorization=f"Bearer {token}",
+                        Content_Type="application/json")[0]
+
+    def teams(self, method, path, token, body):
+        return self.ask(method, "graph.microsoft.com", f"/v1.0/me/onlineMeetings{path and '/' + path}", json.dumps(body),
+                        Authorization=f"Bearer {token}", Content_Type="application/json")
+
+    def add_teams_meeting(self, token, subject):
+        return self.teams("POST", "", token, {"subject": subject, "startDateTime": "2026-12-24T12:00:00Z",
+                                              "endDateTime": "2026-12-24T12:45:00Z"})
+
     def todoist(self, path, token, body, media_type="application/json"):
         return self.ask("POST", "api.todoist.com", f"/api/v1/{path}", body, Authorization=f"Bearer {token}",
                         Content_Type=media_type)

@@ -1,0 +1,4 @@
+export { showMeetings as show } from "/meetings.js";
+
+export const title = "GoTo Meeting";
+export const styleSheet = "/meetings.css";
