@@ -23,7 +23,7 @@ std::string timeText(Date date) {
 }
 
 std::string timesText(const MeetingDetails& details) {
-    if (!details.start) {
+    if (!details.start || *details.start >= Date::distantFuture()) {
         return "no fixed time";
     }
     return timeText(*details.start) + (details.end ? " to " + timeText(*details.end) : "");

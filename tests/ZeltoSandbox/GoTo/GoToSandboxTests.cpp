@@ -90,7 +90,8 @@ TEST_F(GoToSandboxTest, TakesARecurringMeetingInTheDistantFuture) {
     auto json = with("meetingtype", "recurring");
     json.set("starttime", "4001-01-01T00:00:00Z");
     json.set("endtime", "4001-01-01T01:00:00Z");
-    created(json);
+    const auto url = *created(json).find("joinURL")->asString();
+    EXPECT_NE(caller.open(url).body.find("no fixed time"), std::string::npos);
     EXPECT_EQ(caller.meetings(), Texts{"Kick-off|4001-01-01T00:00|4001-01-01T01:00|recurring|0|there"});
 }
 
