@@ -10,6 +10,7 @@
 #include <ZeltoHost/Platform/HostPlatformInteractor.h>
 #include <ZeltoHost/Storage/ConnectingFlow.h>
 #include <ZeltoIntegrations/Content/IntegrationsDataInteractorStub.h>
+#include <ZeltoIntegrations/MicrosoftTeams/MicrosoftTeamsClient.h>
 
 namespace zelto::cli {
 
@@ -26,13 +27,18 @@ IntegrationsManager::FlowNote flowNote(const std::filesystem::path& directory) {
     };
 }
 
-std::string reasonOf(const IntegrationAccountCreationError::DataLoadingError& error) {
+std::string reasonOf(const IntegrationAccountCreationError::DataLoadingError& error, AccountCheck check) {
     if (error.nothingWasSent) {
         return " could not be reached, so nothing was kept.";
     }
-    const std::string start = " did not say whose account this is, so nothing was kept";
-    return error.words.empty() ? start + ": it could not be reached, or does not accept these credentials."
-                               : start + "; it says: \"" + error.words + "\".";
+    if (check == AccountCheck::byMeetingCreator && error.words == MicrosoftTeamsClient::noWorkingPlan) {
+        return " makes no meetings for this user, so nothing was kept: " + error.words + ".";
+    }
+    const auto* said = check == AccountCheck::byMeetingCreator
+                           ? " did not say that this account can make meetings, so nothing was kept"
+                           : " did not say whose account this is, so nothing was kept";
+    return said + (error.words.empty() ? ": it could not be reached, or does not accept these credentials."
+                                       : "; it says: \"" + error.words + "\".");
 }
 
 Failure connectFailure(const IntegrationAccountCreationError& error, const Account& account,
@@ -47,7 +53,8 @@ Failure connectFailure(const IntegrationAccountCreationError& error, const Accou
                 "This version cannot ask " + service + " whose account it is, so nothing was kept.",
                 takesFolder(account.serviceType()) ? "zelto connect --help" : "zelto services"};
     }
-    Failure failure{std::string(error.name()), service + reasonOf(*notLoaded),
+    Failure failure{std::string(error.name()),
+                    service + reasonOf(*notLoaded, IntegrationsManager::accountCheck(account.serviceType())),
                     NextCommand::againWith("--verbose")};
     failure.nothingWasSent = notLoaded->nothingWasSent;
     return failure;

@@ -3,11 +3,12 @@
 #include "accounts/AccountConnection.h"
 #include "accounts/KeyChainCheck.h"
 #include "accounts/ServiceNames.h"
-#include "sandbox/SandboxAccounts.h"
+#include "export/PlaceholderSecrets.h"
 
 namespace zelto::cli {
 
-Outcome<AccountWork> AccountWork::open(const Invocation& invocation, const std::string& idOrService) {
+Outcome<AccountWork> AccountWork::open(const Invocation& invocation, const std::string& idOrService,
+                                       Requests requests) {
     auto workspace = Workspace::open(invocation, true);
     if (!workspace) {
         return failure(workspace.error());
@@ -17,8 +18,12 @@ Outcome<AccountWork> AccountWork::open(const Invocation& invocation, const std::
     if (!account) {
         return failure(account.error());
     }
-    if (const auto allowed = checkSandboxUse(invocation, *workspace, *account, Requests::sent); !allowed) {
+    if (const auto allowed = checkSandboxUse(invocation, *workspace, *account, requests); !allowed) {
         return failure(allowed.error());
+    }
+    if (requests == Requests::none) {
+        usePlaceholderSecrets(*account);
+        return AccountWork{*std::move(workspace), std::move(manager), *std::move(account), std::nullopt};
     }
     auto lock = workspace->lockForUse(*account);
     if (!lock) {

@@ -3,6 +3,7 @@
 #include "accounts/Workspace.h"
 #include "base/Outcome.h"
 #include "commandline/CommandLine.h"
+#include "sandbox/SandboxAccounts.h"
 
 #include <optional>
 #include <string>
@@ -17,7 +18,9 @@ struct AccountWork {
     ServiceAccountConfiguration account;
     std::optional<AccountLock> lock;
 
-    static Outcome<AccountWork> open(const Invocation& invocation, const std::string& idOrService);
+    // For a command that sends nothing, no lock is taken, and placeholders stand for the secrets.
+    static Outcome<AccountWork> open(const Invocation& invocation, const std::string& idOrService,
+                                     Requests requests = Requests::sent);
 
     std::string service() const; // as the program shows it
 };

@@ -2,6 +2,7 @@
 #include "accounts/ServiceNames.h"
 #include "commandline/Commands.h"
 #include "export/ServiceTable.h"
+#include "meeting/MeetingTable.h"
 
 #include <ZeltoIntegrations/Helpers/ExportServiceHelper.h>
 
@@ -21,6 +22,14 @@ std::string_view wayOfConnecting(ServiceType type) {
     return {};
 }
 
+// What the column of exports says.
+std::string_view useOf(ServiceType type) {
+    if (canMakeMeetings(type)) {
+        return "meetings";
+    }
+    return canExport(type) ? "yes" : "not yet";
+}
+
 std::string padded(std::string_view text, std::size_t width) {
     std::string cell(text);
     cell.append(cell.size() < width ? width - cell.size() : 1, ' ');
@@ -36,6 +45,7 @@ JSONValue described(ServiceType type) {
     }
     service.set("authFlow", std::string(nameOf(serviceAuthFlow(type))));
     service.set("canExport", canExport(type));
+    service.set("canMakeMeetings", canMakeMeetings(type));
     return service;
 }
 
@@ -48,8 +58,7 @@ Outcome<Report> runServices(const Invocation&, const Terminal&) {
     for (const auto& each : casesOf<ServiceType>()) {
         services.push_back(described(each.value));
         report.text += padded(each.name, 18) + padded(displayName(each.value), 18) +
-                       padded(wayOfConnecting(each.value), 14) + (canExport(each.value) ? "yes" : "not yet") +
-                       "\n";
+                       padded(wayOfConnecting(each.value), 14) + std::string(useOf(each.value)) + "\n";
     }
     report.members.set("services", std::move(services));
     return report;

@@ -115,6 +115,7 @@ std::string action(ValueKind kind, const std::vector<std::string_view>& choices)
     case ValueKind::account:
         return "_zelto_accounts";
     case ValueKind::accountOrService:
+    case ValueKind::meetingAccountOrService:
         return offered + "; _zelto_accounts";
     case ValueKind::target:
         return "_zelto_targets";

@@ -83,6 +83,29 @@ std::vector<OptionSpec> withMcpOptions(std::vector<OptionSpec> options) {
     return options;
 }
 
+const ArgumentSpec meetingAccount = {"ID", "The account's identifier; or its service: zoom, goto or teams",
+                                     ValueKind::meetingAccountOrService};
+
+const ArgumentSpec meeting = {"MEETING", "The meeting's identifier, as `zelto meeting create` prints it"};
+
+// What every command about a meeting takes; some write its fields.
+std::vector<OptionSpec> withMeetingOptions(bool writesFields) {
+    std::vector<OptionSpec> options;
+    if (writesFields) {
+        options = {{"--title", "TEXT", "What the meeting is called"},
+                   {"--start", "ISO8601",
+                    "When it begins, with a zone: 2026-03-05T14:00Z or 2026-03-05T14:00+01:00"},
+                   {"--end", "ISO8601", "When it ends, in the same form"}};
+    }
+    const std::vector<OptionSpec> shared = {
+        {"--dry-run", "",
+         "Send nothing; show the request, without secrets, and each limit of the service that it would pass"},
+        {"--timeout", "SECONDS", "Give up when for so long fewer than 64 KiB have moved [120]"},
+        realAccount};
+    options.insert(options.end(), shared.begin(), shared.end());
+    return options;
+}
+
 const std::vector<CommandSpec> table = {
     {"services",
      "List the services",
@@ -275,6 +298,36 @@ const std::vector<CommandSpec> table = {
      {"zelto fetch dropbox id:a4ayc_80_OEAAAAAAAAAXw:report.pdf --out reports",
       "zelto fetch Dropbox+me@example.org id:a4ayc_80_OEAAAAAAAAAXw:report.pdf "
       "id:a4ayc_80_OEAAAAAAAAAXx:photo.png --json"}},
+    {"meeting",
+     "Make online meetings",
+     "Lists the commands that make, change and delete meetings on Zoom, GoTo and Microsoft Teams.",
+     {},
+     {},
+     {"zelto meeting", "zelto meeting create --help"}},
+    {"meeting create",
+     "Make a meeting",
+     "Makes an online meeting and prints the link for those who join, the text with call information for an "
+     "event, and the meeting's identifier, which the other commands take. Without both --start and --end it is "
+     "a meeting at no fixed time: on Zoom and GoTo then neither date goes out, on Microsoft Teams the one that "
+     "is given does.",
+     {meetingAccount},
+     withMeetingOptions(true),
+     {"zelto meeting create zoom --title 'Weekly' --start 2026-12-24T10:00:00Z --end 2026-12-24T10:45:00Z",
+      "zelto meeting create zoom --title 'Open house' --json"}},
+    {"meeting update",
+     "Change a meeting",
+     "Writes a meeting anew, as `zelto meeting create` would make it with the same options: what is left out is "
+     "not kept by Zoom and GoTo; Microsoft Teams keeps it.",
+     {meetingAccount, meeting},
+     withMeetingOptions(true),
+     {"zelto meeting update zoom 92674392836 --title 'Weekly' --start 2026-12-24T11:00:00+01:00 --end "
+      "2026-12-24T12:00:00+01:00"}},
+    {"meeting delete",
+     "Delete a meeting",
+     "Deletes a meeting on its service.",
+     {meetingAccount, meeting},
+     withMeetingOptions(false),
+     {"zelto meeting delete zoom 92674392836"}},
     {"sandbox",
      "Stand in for the services on this machine",
      "Listens on this machine alone and responds like the outside services do, so that everything can be "

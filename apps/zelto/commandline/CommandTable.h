@@ -20,6 +20,7 @@ enum class ValueKind {
     service,
     account,
     accountOrService,
+    meetingAccountOrService, // of a service that meetings are made on
     contentType,
     target, // of the account that --to names
     mail

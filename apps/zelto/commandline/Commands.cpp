@@ -25,6 +25,10 @@ constexpr CommandRow rows[] = {
     {"export", runExport},
     {"files", runFiles},
     {"fetch", runFetch},
+    {"meeting", runMeeting},
+    {"meeting create", runMeetingCreate},
+    {"meeting update", runMeetingUpdate},
+    {"meeting delete", runMeetingDelete},
     {"sandbox", runSandbox},
     {"mcp", runMcp},
     {"mcp ping", runMcpPing},
@@ -34,6 +38,19 @@ constexpr CommandRow rows[] = {
 };
 
 } // namespace
+
+Report commandsBelow(const CommandSpec& command) {
+    Report report;
+    JSONValue::Array names;
+    for (const auto& each : commands()) {
+        if (each.name.starts_with(std::string(command.name) + " ")) {
+            names.emplace_back(each.name);
+            report.text += "zelto " + std::string(each.name) + "  " + std::string(each.summary) + "\n";
+        }
+    }
+    report.members.set("commands", std::move(names));
+    return report;
+}
 
 Outcome<Report> runCommand(const Invocation& invocation, const Terminal& terminal) {
     const auto row = std::ranges::find(rows, invocation.command->name, &CommandRow::name);

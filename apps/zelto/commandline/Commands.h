@@ -19,12 +19,19 @@ Outcome<Report> runPreview(const Invocation& invocation, const Terminal& termina
 Outcome<Report> runExport(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runFiles(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runFetch(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runMeeting(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runMeetingCreate(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runMeetingUpdate(const Invocation& invocation, const Terminal& terminal);
+Outcome<Report> runMeetingDelete(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runSandbox(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runMcp(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runMcpPing(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runMcpTools(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runMcpCall(const Invocation& invocation, const Terminal& terminal);
 Outcome<Report> runCompletion(const Invocation& invocation, const Terminal& terminal);
+
+// Lists the commands whose names begin with that of this one.
+Report commandsBelow(const CommandSpec& command);
 
 // Calls the function of the invocation's command.
 Outcome<Report> runCommand(const Invocation& invocation, const Terminal& terminal);

@@ -69,6 +69,7 @@ std::string action(ValueKind kind, const std::vector<std::string_view>& choices)
     case ValueKind::account:
         return " -x -a '(__zelto_accounts)'";
     case ValueKind::accountOrService:
+    case ValueKind::meetingAccountOrService:
         return " -x -a " + quoted(offered + " (__zelto_accounts)");
     case ValueKind::target:
         return " -x -a '(__zelto_targets)'";

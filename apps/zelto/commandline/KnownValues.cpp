@@ -3,6 +3,7 @@
 #include "accounts/GivenCredentials.h"
 #include "accounts/ServiceNames.h"
 #include "export/ServiceTable.h"
+#include "meeting/MeetingTable.h"
 
 #include <Platform/ASCII.h>
 #include <ZeltoIntegrations/IntegrationsManager.h>
@@ -18,9 +19,11 @@ std::string typedName(ServiceType type) {
     return name;
 }
 
-// A service that this program signs in at, and keeps the account of without asking whose it is.
-bool isKeptUnasked(ServiceType type) {
-    return canSignIn(type) && IntegrationsManager::accountCheck(type) == AccountCheck::none;
+// A service without exports that this program signs in at: one of meetings, or one whose accounts are kept
+// without asking whose they are.
+bool isConnectedAlone(ServiceType type) {
+    return canSignIn(type) &&
+           (canMakeMeetings(type) || IntegrationsManager::accountCheck(type) == AccountCheck::none);
 }
 
 } // namespace
@@ -31,9 +34,14 @@ std::vector<std::string> knownValues(ValueKind kind, const std::vector<std::stri
     case ValueKind::service:
     case ValueKind::accountOrService:
         for (const auto& each : casesOf<ServiceType>()) {
-            if (canExport(each.value) || (kind == ValueKind::service && isKeptUnasked(each.value))) {
+            if (canExport(each.value) || (kind == ValueKind::service && isConnectedAlone(each.value))) {
                 values.push_back(typedName(each.value));
             }
+        }
+        return values;
+    case ValueKind::meetingAccountOrService:
+        for (const auto type : meetingServices()) {
+            values.push_back(typedName(type));
         }
         return values;
     case ValueKind::contentType:

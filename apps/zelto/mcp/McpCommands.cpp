@@ -79,17 +79,8 @@ Failure savingFailure(Report report, const std::vector<Failure>& unsaved) {
 
 } // namespace
 
-Outcome<Report> runMcp(const Invocation&, const Terminal&) {
-    Report report;
-    JSONValue::Array names;
-    for (const auto& command : commands()) {
-        if (command.name.starts_with("mcp ")) {
-            names.emplace_back(command.name);
-            report.text += "zelto " + std::string(command.name) + "  " + std::string(command.summary) + "\n";
-        }
-    }
-    report.members.set("commands", std::move(names));
-    return report;
+Outcome<Report> runMcp(const Invocation& invocation, const Terminal&) {
+    return commandsBelow(*invocation.command);
 }
 
 Outcome<Report> runMcpPing(const Invocation& invocation, const Terminal&) {
