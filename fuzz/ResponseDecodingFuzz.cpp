@@ -6,12 +6,15 @@
 #include <ZeltoIntegrations/Client/ServiceOutcome.h>
 #include <ZeltoIntegrations/Dropbox/DropboxArguments.h>
 #include <ZeltoIntegrations/Dropbox/DropboxResponses.h>
+#include <ZeltoIntegrations/GoTo/GoToRecords.h>
 #include <ZeltoIntegrations/GoogleDrive/GoogleDriveResponses.h>
+#include <ZeltoIntegrations/MicrosoftTeams/MicrosoftTeamsRecords.h>
 #include <ZeltoIntegrations/Notion/NotionResponses.h>
 #include <ZeltoIntegrations/OneNote/OneNoteResponses.h>
 #include <ZeltoIntegrations/Slack/SlackResponses.h>
 #include <ZeltoIntegrations/Todoist/TodoistResponses.h>
 #include <ZeltoIntegrations/Trello/TrelloResponses.h>
+#include <ZeltoIntegrations/Zoom/ZoomRecords.h>
 
 #include <NotionModel/Page.h>
 #include <Platform/JSON/JSONRecordDescription.h>
@@ -138,6 +141,27 @@ void checkSlack(const ServiceResponse& response) {
     }
 }
 
+// A meeting has an identifier that is a number on Zoom and GoTo, and joins by the link that its service
+// gives.
+void checkMeetings(const ServiceResponse& response) {
+    const JSONDecoder decoder{DateStrategy::iso8601};
+    checkRecords<ZoomMeetingResponse, std::vector<GoToMeetingResponse>, CreateMeetingResponse,
+                 MSLicenceResponse>(response, decoder);
+    if (auto zoom = serviceValue<ZoomMeetingResponse>(response, decoder)) {
+        const auto details = zoomConferenceDetails(*zoom);
+        require(std::stoll(details.id) == zoom->id && details.joinURL == zoom->join_url);
+    }
+    if (auto goTo = serviceValue<std::vector<GoToMeetingResponse>>(response, decoder)) {
+        const auto details = goToConferenceDetails(*goTo);
+        require(details.has_value() != goTo->empty());
+        require(!details || std::stoll(details->id) == goTo->front().meetingid);
+    }
+    if (const auto licences = serviceValue<MSLicenceResponse>(response, decoder)) {
+        const auto written = JSONEncoder().encode(*licences).value();
+        require(hasWorkingPlan(*licences) == written.contains(R"("provisioningStatus":"Success")"));
+    }
+}
+
 void checkValues(const ServiceResponse& response) {
     require(serviceValue<Data>(response, {}) == response.body);
     const auto text = serviceValue<std::string>(response, {});
@@ -162,6 +186,7 @@ void checkValues(const ServiceResponse& response) {
     checkRecords<notion::User, notion::ListResponse<notion::SearchResultItem>, notion::Page>(
         response, {DateStrategy::iso8601});
     checkNotion(response);
+    checkMeetings(response);
 }
 
 void checkError(int status, std::string_view body, ServiceClientError error) {

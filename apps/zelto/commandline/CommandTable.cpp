@@ -83,7 +83,7 @@ std::vector<OptionSpec> withMcpOptions(std::vector<OptionSpec> options) {
     return options;
 }
 
-const ArgumentSpec meetingAccount = {"ID", "The account's identifier; or its service: zoom, goto or teams",
+const ArgumentSpec meetingAccount = {"ID", "The account's identifier, or its service",
                                      ValueKind::meetingAccountOrService};
 
 const ArgumentSpec meeting = {"MEETING", "The meeting's identifier, as `zelto meeting create` prints it"};

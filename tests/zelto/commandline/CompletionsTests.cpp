@@ -95,13 +95,15 @@ TEST(Completions, OfBashOfferCommands) {
     const ZeltoProgram zelto;
     EXPECT_EQ(offered(zelto, "zelto ''"),
               (Words{"services", "connect", "reconnect", "accounts", "targets", "config", "preview", "export",
-                     "files", "fetch", "sandbox", "mcp", "completion"}));
+                     "files", "fetch", "meeting", "sandbox", "mcp", "completion"}));
     EXPECT_EQ(offered(zelto, "zelto con"), (Words{"connect", "config"}));
     EXPECT_EQ(offered(zelto, "zelto --json --data-dir x exp"), Words{"export"});
     EXPECT_EQ(offered(zelto, "zelto accounts ''"), (Words{"remove", "restore"}));
     EXPECT_EQ(offered(zelto, "zelto mcp ''"), (Words{"ping", "tools", "call"}));
+    EXPECT_EQ(offered(zelto, "zelto meeting ''"), (Words{"create", "update", "delete"}));
+    EXPECT_EQ(offered(zelto, "zelto meeting create ''"), (Words{"zoom", "goto", "microsoftteams"}));
     const auto connectable = offered(zelto, "zelto connect ''");
-    for (const auto* each : {"trello", "bear", "zoom", "goto", "instapaper"}) {
+    for (const auto* each : {"trello", "bear", "zoom", "goto", "microsoftteams", "instapaper"}) {
         EXPECT_TRUE(holds(connectable, each)) << each;
     }
     // Without an exporter, nobody can ask such a service whose an account is.

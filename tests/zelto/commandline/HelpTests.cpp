@@ -9,6 +9,8 @@
 
 #include <Support/DropboxExport.h>
 #include <Support/MCPServer.h>
+#include <Support/MeetingFacts.h>
+#include <Support/MeetingFixture.h>
 
 #include <Platform/Text.h>
 
@@ -113,6 +115,10 @@ TEST(Help, HasExamplesThatRunAsTheyStand) {
     ZeltoProgram withDrive;
     addAccount(withDrive, ServiceAccountConfiguration(ServiceType::Dropbox, "me@example.org", true));
     withDrive.variables["ZELTO_SANDBOX"] = dropbox.server.url().absoluteString();
+    const ServiceServer<MeetingService<ZoomFacts>> zoom;
+    ZeltoProgram withMeetings;
+    addAccount(withMeetings, ServiceAccountConfiguration(ServiceType::ZoomMeeting, "work", true));
+    withMeetings.variables["ZELTO_SANDBOX"] = zoom.server.url().absoluteString();
     for (const auto& command : commands()) {
         for (const auto& example : command.examples) {
             auto line = std::string(example);
@@ -128,7 +134,8 @@ TEST(Help, HasExamplesThatRunAsTheyStand) {
                 line = endedOnceItTells(line);
             }
             const bool isOfDrive = command.name == "files" || command.name == "fetch";
-            const auto outcome = (isOfDrive ? withDrive : zelto).runShell(line);
+            const bool isOfMeeting = command.name.starts_with("meeting");
+            const auto outcome = (isOfDrive ? withDrive : isOfMeeting ? withMeetings : zelto).runShell(line);
             EXPECT_EQ(outcome.status, 0) << example << '\n' << outcome.errorOutput;
             EXPECT_EQ(outcome.errorOutput, "") << example;
         }
