@@ -321,13 +321,14 @@ const std::vector<CommandSpec> table = {
      {meetingAccount, meeting},
      withMeetingOptions(true),
      {"zelto meeting update zoom 92674392836 --title 'Weekly' --start 2026-12-24T11:00:00+01:00 --end "
-      "2026-12-24T12:00:00+01:00"}},
+      "2026-12-24T12:00:00+01:00",
+      "zelto meeting update Zoom+work 92674392836 --title 'Open house' --json"}},
     {"meeting delete",
      "Delete a meeting",
      "Deletes a meeting on its service.",
      {meetingAccount, meeting},
      withMeetingOptions(false),
-     {"zelto meeting delete zoom 92674392836"}},
+     {"zelto meeting delete zoom 92674392836", "zelto meeting delete zoom 92674392836 --dry-run"}},
     {"sandbox",
      "Stand in for the services on this machine",
      "Listens on this machine alone and responds like the outside services do, so that everything can be "

@@ -34,6 +34,10 @@ Outcome<std::optional<Date>> dateOf(const Invocation& invocation, const std::str
     if (!date) {
         return wrongUsage(given + "is no date and time like 2026-03-05T14:00:00Z or 2026-03-05T14:00+01:00.");
     }
+    if (parseISO8601(*text + "T00:00Z")) {
+        return wrongUsage(given + "is a day without a time and a zone: write it like " + *text + "T14:00" +
+                          localOffset(*text) + ".");
+    }
     // A second zone would be no date.
     if (parseISO8601(*text + "Z")) {
         return wrongUsage(given + "has no time zone; end it with Z for UTC, or with an offset like +01:00.",
