@@ -39,11 +39,9 @@ class GoToSandboxTest : public testing::Test {
 
     // The one meeting of a response.
     JSONValue created(const JSONObject& json = body()) const {
-        const auto response = create(json);
-        EXPECT_EQ(response.status, 201) << response.body;
-        const auto list = response.json();
+        const auto list = caller.create(meetings, text(json));
         EXPECT_EQ(list.asArray()->size(), 1U);
-        return list.asArray()->front();
+        return list.asArray()->at(0);
     }
 
     std::string createdID() const { return created().find("meetingid")->text().value_or(""); }

@@ -1,5 +1,7 @@
 #include <ZeltoSandbox/Meetings/MeetingCaller.h>
 
+#include <stdexcept>
+
 namespace zelto {
 
 namespace {
@@ -32,6 +34,14 @@ CallerResponse MeetingCaller::call(const std::string& method, const std::string&
     const auto content = body.empty() ? std::string() : "Content-Type: " + type + "\r\n";
     return send(method + " " + target + " HTTP/1.1\r\nHost: " + host_ + "\r\n" + authorization + content +
                 "Content-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body);
+}
+
+JSONValue MeetingCaller::create(const std::string& target, const std::string& body) const {
+    const auto response = call("POST", target, body);
+    if (response.status != 201) {
+        throw std::runtime_error(std::to_string(response.status) + " " + response.body);
+    }
+    return response.json();
 }
 
 CallerResponse MeetingCaller::open(const std::string& joinURL) const {

@@ -15,6 +15,8 @@ class MeetingCaller : public SandboxCaller {
 
     CallerResponse call(const std::string& method, const std::string& target, const std::string& body = {},
                         const std::string& type = "application/json") const;
+    // The JSON of the response to a creation; throws where it is refused, which fails the test.
+    JSONValue create(const std::string& target, const std::string& body) const;
     // "zoom.us" and "/j/1", as a browser reaches it.
     CallerResponse open(const std::string& joinURL) const;
 
