@@ -215,7 +215,7 @@ TEST_F(MicrosoftTeamsSandboxTest, RefusesARequestWithoutAGoodToken) {
     EXPECT_EQ(refusal(create()), refused);
 }
 
-TEST_F(MicrosoftTeamsSandboxTest, IsToldFromOneNoteByThePathWhereNoTokenDecides) {
+TEST_F(MicrosoftTeamsSandboxTest, IsChosenByThePathWhereNoTokenDecides) {
     const auto service = [&](const std::string& path) {
         caller.get(host, path);
         return caller.server->requests().back().service;

@@ -206,7 +206,7 @@ TEST_F(ZoomSandboxTest, DeletesAMeetingOnce) {
     EXPECT_EQ(changed.body, refusal);
 }
 
-TEST_F(ZoomSandboxTest, TellsAMeetingThatIsNotThereFromWhatIsNoNumber) {
+TEST_F(ZoomSandboxTest, DistinguishesAMeetingThatIsNotThereFromWhatIsNoNumber) {
     EXPECT_EQ(update("123", "{}").body, R"({"code":3001,"message":"Meeting does not exist: 123."})");
     const auto wrong = update("12a", "{}");
     EXPECT_EQ(wrong.status, 400);
