@@ -1,13 +1,13 @@
 #include <ZeltoSandbox/OneNote/OneNoteHTML.h>
 
+#include <ZeltoSandbox/ShownMarkup.h>
+
 #include <Platform/ASCII.h>
-#include <Platform/Numbers.h>
 #include <Platform/UTF8.h>
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <set>
 
@@ -18,34 +18,10 @@ namespace {
 constexpr std::string_view space = " \t\r\n";
 constexpr std::size_t maximumDepth = 2000;
 
-constexpr std::string_view documentBegin =
-    "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n"
-    "<style>body{font-family:sans-serif;margin:12px;overflow-wrap:anywhere}a{color:inherit}"
-    ".file{border:1px solid #bbb;padding:4px 8px;margin:4px 0}</style>\n</head>\n<body>\n";
-constexpr std::string_view documentEnd = "\n</body>\n</html>\n";
-
-// What a page keeps. Other elements leave their content, but for those below.
-constexpr std::array<std::string_view, 64> keptElements = {
-    "a",    "abbr", "address", "article", "aside",      "b",    "big",     "blockquote", "br",    "caption",
-    "cite", "code", "col",     "center",  "colgroup",   "dd",   "del",     "div",        "dl",    "dt",
-    "em",   "font", "figure",  "footer",  "figcaption", "h1",   "h2",      "h3",         "h4",    "h5",
-    "h6",   "hr",   "header",  "i",       "ins",        "kbd",  "li",      "main",       "mark",  "nav",
-    "ol",   "p",    "pre",     "q",       "s",          "samp", "section", "small",      "span",  "strike",
-    "sub",  "sup",  "strong",  "table",   "tbody",      "td",   "tfoot",   "th",         "thead", "tr",
-    "tt",   "u",    "ul",      "var"};
-
 // What is dropped with its content.
 constexpr std::array<std::string_view, 16> droppedElements = {
     "audio",  "embed", "form", "iframe", "math",     "noscript", "object",   "script",
     "select", "style", "svg",  "title",  "template", "textarea", "datalist", "video"};
-
-constexpr std::array<std::string_view, 18> keptAttributes = {
-    "align", "alt",     "bgcolor", "border", "cellpadding", "cellspacing", "color", "colspan", "dir",
-    "face",  "rowspan", "height",  "lang",   "size",        "style",       "title", "valign",  "width"};
-
-constexpr std::array<std::string_view, 5> imageAddresses = {
-    "data:image/png;base64,", "data:image/jpeg;base64,", "data:image/gif;base64,", "data:image/webp;base64,",
-    "data:image/bmp;base64,"};
 
 struct Attribute {
     std::string name;
@@ -68,87 +44,11 @@ bool isControl(char c) {
     return (byte < 0x20 && space.find(c) == std::string_view::npos) || byte == 0x7F;
 }
 
-// The length of the entity at the front of the text; 0 if there is none.
-std::size_t entityLength(std::string_view text) {
-    const auto end = text.substr(0, 32).find(';');
-    if (end == std::string_view::npos || end < 2) {
-        return 0;
-    }
-    auto name = text.substr(1, end - 1);
-    const auto isAll = [&](bool (*isAllowed)(char)) {
-        return !name.empty() && std::ranges::all_of(name, isAllowed);
-    };
-    if (!name.starts_with('#')) {
-        return isASCIILetter(name.front()) && isAll(isASCIIAlphanumeric) ? end + 1 : 0;
-    }
-    name.remove_prefix(1);
-    if (!name.starts_with('x')) {
-        return isAll(isASCIIDigit) ? end + 1 : 0;
-    }
-    name.remove_prefix(1);
-    constexpr auto isHex = [](char c) {
-        return isASCIIDigit(c) || (toASCIILower(c) >= 'a' && toASCIILower(c) <= 'f');
-    };
-    return isAll(isHex) ? end + 1 : 0;
-}
-
-// Of a name without "&" and ";"; empty for one that is not among the usual ones.
-std::string entityText(std::string_view name) {
-    constexpr std::array<std::pair<std::string_view, std::string_view>, 6> known = {
-        {{"lt", "<"}, {"gt", ">"}, {"amp", "&"}, {"quot", "\""}, {"apos", "'"}, {"nbsp", "\u00A0"}}};
-    const auto found = std::ranges::find(known, name, &std::pair<std::string_view, std::string_view>::first);
-    if (found != known.end()) {
-        return std::string(found->second);
-    }
-    const auto number = name.starts_with('#') ? numberIn<std::uint32_t>(name.substr(1)) : std::nullopt;
-    std::string text;
-    if (number && *number > 0x1F && *number < 0xD800) {
-        appendUTF8(text, *number);
-    }
-    return text;
-}
-
-// The text that markup without elements stands for.
-std::string plain(std::string_view markup) {
-    std::string text;
-    while (!markup.empty()) {
-        const auto length = markup.front() == '&' ? entityLength(markup) : 0;
-        if (length > 0) {
-            text += entityText(markup.substr(1, length - 2));
-        } else {
-            text += markup.front();
-        }
-        markup.remove_prefix(std::max<std::size_t>(length, 1));
-    }
-    return text;
-}
-
-// With an entity for each bare "&".
-std::string withEntities(std::string_view markup) {
-    std::string text;
-    for (; !markup.empty(); markup.remove_prefix(1)) {
-        text += markup.front();
-        if (markup.front() == '&' && entityLength(markup) == 0) {
-            text += "amp;";
-        }
-    }
-    return text;
-}
-
-std::string escaped(std::string_view text) {
-    std::string html;
-    for (const char c : text) {
-        html += c == '<' ? "&lt;" : c == '&' ? "&amp;" : c == '"' ? "&quot;" : std::string(1, c);
-    }
-    return html;
-}
-
 class Reader {
   public:
     explicit Reader(std::string_view html) : html_(html) {}
 
     Result<OneNoteHTML, std::string> read() {
-        result_.shown = documentBegin;
         while (position_ < html_.size() && !problem_) {
             readNext();
         }
@@ -160,7 +60,7 @@ class Reader {
         if (problem_) {
             return failure(*std::move(problem_));
         }
-        result_.shown += documentEnd;
+        result_.shown = shownDocument(result_.shown);
         return std::move(result_);
     }
 
@@ -312,7 +212,7 @@ class Reader {
             return;
         }
         if (open_.back() == "title") {
-            result_.title += plain(text);
+            result_.title += markupText(text);
         } else if (dropped_ == 0 && isInBody_) {
             result_.shown += withEntities(text);
         }
@@ -333,9 +233,7 @@ class Reader {
         return std::ranges::find(droppedElements, toASCIILower(name)) != droppedElements.end();
     }
 
-    bool isShown(std::string_view name) const {
-        return dropped_ == 0 && isInBody_ && std::ranges::find(keptElements, name) != keptElements.end();
-    }
+    bool isShown(std::string_view name) const { return dropped_ == 0 && isInBody_ && isKeptElement(name); }
 
     void enter(const std::string& name, const Attributes& attributes) {
         refer(attributes);
@@ -364,8 +262,9 @@ class Reader {
         constexpr std::string_view scheme = "name:";
         for (const auto* attribute : {"data", "src"}) {
             if (const auto* value = valueOf(attributes, attribute); value && value->starts_with(scheme)) {
-                result_.references.push_back({.part = plain(std::string_view(*value).substr(scheme.size())),
-                                              .fileName = plain(fileNameOf(attributes))});
+                result_.references.push_back(
+                    {.part = markupText(std::string_view(*value).substr(scheme.size())),
+                     .fileName = markupText(fileNameOf(attributes))});
             }
         }
     }
@@ -375,32 +274,12 @@ class Reader {
         return name ? *name : std::string();
     }
 
-    static bool isLink(std::string_view value) {
-        return value.starts_with("https://") || value.starts_with("http://") ||
-               value.starts_with("mailto:") || value.starts_with("mid:");
-    }
-
-    // Without an address of its own, however it is written.
-    static bool isHarmlessStyle(std::string_view style) {
-        const auto lower = toASCIILower(style);
-        return !lower.contains('\\') && !lower.contains("url") && !lower.contains("image") &&
-               !lower.contains("src");
-    }
-
-    static bool isKept(std::string_view name, std::string_view value) {
-        if (name == "href") {
-            return isLink(value);
-        }
-        return std::ranges::find(keptAttributes, name) != keptAttributes.end() &&
-               (name != "style" || isHarmlessStyle(value));
-    }
-
     static std::string written(const Attributes& attributes) {
         std::string text;
         for (const auto& [name, value] : attributes) {
-            const auto decoded = plain(value);
-            if (isKept(name, decoded)) {
-                text += " " + name + "=\"" + escaped(decoded) + "\"";
+            const auto decoded = markupText(value);
+            if (isKeptAttribute(name, decoded)) {
+                text += " " + name + "=\"" + escapedMarkup(decoded) + "\"";
             }
         }
         return text;
@@ -408,11 +287,9 @@ class Reader {
 
     void showImage(const Attributes& attributes) {
         const auto* source = valueOf(attributes, "src");
-        const bool isImage = source && std::ranges::any_of(imageAddresses, [&](std::string_view address) {
-                                 return source->starts_with(address);
-                             });
-        if (isImage) {
-            result_.shown += "<img src=\"" + escaped(plain(*source)) + "\"" + written(attributes) + ">";
+        if (source && isOwnImage(*source)) {
+            result_.shown +=
+                "<img src=\"" + escapedMarkup(markupText(*source)) + "\"" + written(attributes) + ">";
         } else if (const auto* alternative = valueOf(attributes, "alt")) {
             result_.shown += withEntities(*alternative);
         }
