@@ -89,13 +89,21 @@ std::string maskedForm(std::string_view form) {
     return result;
 }
 
+// The segment of a path that a credential follows.
+bool isBeforeSecret(std::string_view segment) {
+    return percentDecodeBytes(segment) == "access-tokens";
+}
+
 std::string maskedPath(std::string_view path) {
     std::string result;
+    bool isSecret = false;
     while (!path.empty()) {
         const auto end = std::min(path.find('/', 1), path.size());
         const auto slash = path.starts_with('/') ? std::size_t{1} : 0;
+        const auto segment = path.substr(slash, end - slash);
         result.append(path.substr(0, slash))
-            .append(withoutOwnEscapedSecrets(path.substr(slash, end - slash)));
+            .append(isSecret && !segment.empty() ? std::string(mask) : withoutOwnEscapedSecrets(segment));
+        isSecret = isBeforeSecret(segment);
         path.remove_prefix(end);
     }
     return result;

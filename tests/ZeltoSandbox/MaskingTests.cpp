@@ -46,6 +46,10 @@ TEST(SandboxMasking, HidesCredentialsInQueries) {
               "/x?to%6Ben=***&%zz=***&oauth%5Fsignature=***&state=s");
     EXPECT_EQ(maskedTarget("/oauth/v1/access-tokens/zsb_abc/x?a=zsb_def"),
               "/oauth/v1/access-tokens/***/x?a=***");
+    EXPECT_EQ(maskedTarget("/oauth/v1/access-tokens/abc/x"), "/oauth/v1/access-tokens/***/x");
+    EXPECT_EQ(maskedTarget("/oauth/v1/access%2Dtokens/abc?b=c"), "/oauth/v1/access%2Dtokens/***?b=c");
+    EXPECT_EQ(maskedTarget("/access-tokens//abc"), "/access-tokens//abc");
+    EXPECT_EQ(maskedTarget("/access-tokens/"), "/access-tokens/");
     EXPECT_EQ(maskedTarget("/zsb%5Fabc/y%20z?zsb%5Fa=zs%62_x&note=zsb%5Fabc"), "/***/y%20z?***=***&note=***");
     EXPECT_EQ(maskedTarget("/plain"), "/plain");
     EXPECT_EQ(maskedTarget("/x?token"), "/x?token");
