@@ -47,6 +47,12 @@ template <class T> class SecretTable {
         return entry ? &entry->value : nullptr;
     }
 
+    // When it expires or has expired; nullopt for one that is unknown or never expires.
+    std::optional<Date> endOf(std::string_view secret) const {
+        const auto found = entries_.find(secret);
+        return found == entries_.end() ? std::nullopt : found->second.end;
+    }
+
     void erase(std::string_view secret) {
         if (const auto found = entries_.find(secret); found != entries_.end()) {
             entries_.erase(found);

@@ -45,6 +45,9 @@ class TokenStore {
     // The same, but finds one that has expired too.
     const TokenGrant* anyAccess(std::string_view token) { return access_.findEvenExpired(token); }
 
+    // When the access token expires or has expired; nullopt for one that is unknown or never expires.
+    std::optional<Date> accessEnd(std::string_view token) const { return access_.endOf(token); }
+
     const TokenGrant* refresh(std::string_view token) { return refresh_.find(token); }
 
     void spendRefresh(std::string_view token) { refresh_.erase(token); }
