@@ -75,6 +75,30 @@ JSONObject drivesJSON(const SandboxDrives& drives) {
             {"space", drives.space ? JSONValue(*drives.space) : JSONValue()}};
 }
 
+// The same of "hubspot".
+std::optional<std::string> readHubspot(SandboxHubspot& hubspot, const JSONValue& json) {
+    if (!json.asObject()) {
+        return "an object";
+    }
+    for (const auto& [key, value] : *json.asObject()) {
+        if (key != "additionalContacts" && key != "concurrentContacts") {
+            return "an object without \"" + key + "\"";
+        }
+        const auto count = value.asUInt64();
+        if (!count || *count > SandboxHubspot::maximumContactCount) {
+            return "an object in which \"" + key + "\" is a number from 0 to 20000";
+        }
+        (key == "additionalContacts" ? hubspot.additionalContacts : hubspot.concurrentContacts) =
+            static_cast<std::size_t>(*count);
+    }
+    return std::nullopt;
+}
+
+JSONObject hubspotJSON(const SandboxHubspot& hubspot) {
+    return {{"additionalContacts", hubspot.additionalContacts},
+            {"concurrentContacts", hubspot.concurrentContacts}};
+}
+
 // What the member has to be; nullopt if it is valid.
 std::optional<std::string> readSetting(SandboxSettings& settings, const std::string& key,
                                        const JSONValue& value) {
@@ -115,6 +139,9 @@ std::optional<std::string> readSetting(SandboxSettings& settings, const std::str
     }
     if (key == "meetings") {
         return readMeetings(settings.meetings, value);
+    }
+    if (key == "hubspot") {
+        return readHubspot(settings.hubspot, value);
     }
     return "left out; there is no such setting";
 }
@@ -247,7 +274,8 @@ JSONValue ControlAPI::state() const {
                          {"publishedLimits", settings.publishedLimits},
                          {"drives", drivesJSON(settings.drives)},
                          {"slack", slackSettingsJSON(settings.slack)},
-                         {"meetings", meetingSettingsJSON(settings.meetings)}});
+                         {"meetings", meetingSettingsJSON(settings.meetings)},
+                         {"hubspot", hubspotJSON(settings.hubspot)}});
     state.set("requests", log_.lastNumber());
     addFigures_(state);
     return state;

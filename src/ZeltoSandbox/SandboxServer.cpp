@@ -244,6 +244,10 @@ void SandboxServer::setMeetings(SandboxMeetings meetings) {
         [&](SandboxSettings& settings) { settings.meetings = std::move(meetings); });
 }
 
+void SandboxServer::setHubspot(SandboxHubspot hubspot) {
+    state_->dispatcher.changeSettings([&](SandboxSettings& settings) { settings.hubspot = hubspot; });
+}
+
 std::optional<SandboxTokens> SandboxServer::issueTokens(std::string_view service) {
     return state_->dispatcher.issueTokens(service);
 }

@@ -5,6 +5,7 @@
 #include <Platform/URL.h>
 #include <ZeltoSandbox/SandboxDrives.h>
 #include <ZeltoSandbox/SandboxFault.h>
+#include <ZeltoSandbox/SandboxHubspot.h>
 #include <ZeltoSandbox/SandboxMeetings.h>
 #include <ZeltoSandbox/SandboxOptions.h>
 #include <ZeltoSandbox/SandboxRecord.h>
@@ -74,6 +75,7 @@ class SandboxServer {
     void setDrives(SandboxDrives drives);
     void setSlack(SandboxSlack slack);
     void setMeetings(SandboxMeetings meetings);
+    void setHubspot(SandboxHubspot hubspot);
 
     // Tokens as after a sign-in, for any client. The service by its name in any case: "Trello". nullopt for a
     // service without tokens.

@@ -6,6 +6,7 @@
 #include <ZeltoSandbox/HTTP/SandboxResponse.h>
 #include <ZeltoSandbox/OAuth/TokenStore.h>
 #include <ZeltoSandbox/SandboxDrives.h>
+#include <ZeltoSandbox/SandboxHubspot.h>
 #include <ZeltoSandbox/SandboxMeetings.h>
 #include <ZeltoSandbox/SandboxOptions.h>
 #include <ZeltoSandbox/SandboxSlack.h>
@@ -31,6 +32,7 @@ struct SandboxSettings {
     SandboxDrives drives = {};
     SandboxSlack slack = {};
     SandboxMeetings meetings = {};
+    SandboxHubspot hubspot = {};
 };
 
 // What the services share; it outlives them.

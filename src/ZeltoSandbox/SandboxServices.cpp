@@ -4,6 +4,7 @@
 #include <ZeltoSandbox/Dropbox/DropboxSandbox.h>
 #include <ZeltoSandbox/GoTo/GoToSandbox.h>
 #include <ZeltoSandbox/GoogleDrive/GoogleDriveSandbox.h>
+#include <ZeltoSandbox/Hubspot/HubspotSandbox.h>
 #include <ZeltoSandbox/MicrosoftTeams/MicrosoftTeamsSandbox.h>
 #include <ZeltoSandbox/Notion/NotionSandbox.h>
 #include <ZeltoSandbox/OneNote/OneNoteSandbox.h>
@@ -35,9 +36,9 @@ const auto& rows = neverDestroyed(std::vector<SandboxServiceRow>{
     {"Dropbox", {"api.dropboxapi.com", "content.dropboxapi.com"}, DropboxSandbox::make},
     {"GoogleDrive", {"www.googleapis.com"}, GoogleDriveSandbox::make},
     {"Slack", {"slack.com"}, SlackSandbox::make},
-    {"Hubspot", {"api.hubapi.com"}, PlainService::make},
     {"Zoom", {"api.zoom.us", "zoom.us"}, ZoomSandbox::make},
     {"GoTo", {"api.getgo.com", "global.gotomeeting.com"}, GoToSandbox::make},
+    {"Hubspot", {"api.hubapi.com"}, HubspotSandbox::make},
     {"Instapaper", {"www.instapaper.com"}, PlainService::make},
 });
 

@@ -268,6 +268,18 @@ TEST_F(ControlAPITest, GivesTokensAndState) {
     EXPECT_EQ(caller.control("settings", R"({"drives":{"files":1}})").text("error"),
               "\"drives\" has to be an object without \"files\".");
     EXPECT_EQ(caller.control("settings", R"({"drives":1})").text("error"), "\"drives\" has to be an object.");
+    EXPECT_EQ(caller.control("settings", R"({"hubspot":{"additionalContacts":20000}})").status, 204);
+    EXPECT_EQ(caller.control("settings", R"({"hubspot":{"concurrentContacts":2}})").status, 204);
+    EXPECT_EQ(caller.server->state().find("settings")->find("hubspot")->text().value_or(""),
+              R"({"additionalContacts":20000,"concurrentContacts":2})");
+    EXPECT_EQ(caller.control("settings", R"({"hubspot":{"additionalContacts":20001}})").text("error"),
+              "\"hubspot\" has to be an object in which \"additionalContacts\" is a number from 0 to 20000.");
+    EXPECT_EQ(caller.control("settings", R"({"hubspot":{"concurrentContacts":-1}})").text("error"),
+              "\"hubspot\" has to be an object in which \"concurrentContacts\" is a number from 0 to 20000.");
+    EXPECT_EQ(caller.control("settings", R"({"hubspot":{"contacts":1}})").text("error"),
+              "\"hubspot\" has to be an object without \"contacts\".");
+    EXPECT_EQ(caller.control("settings", R"({"hubspot":1})").text("error"),
+              "\"hubspot\" has to be an object.");
     EXPECT_EQ(caller.control("nothing", "{}").status, 404);
     EXPECT_EQ(caller.get(caller.ownHost(), "/control/nothing").status, 404);
 }
