@@ -10,6 +10,7 @@
 #include <ZeltoHost/HTML/HTMLSpace.h>
 #include <ZeltoHost/HTML/PlainText.h>
 #include <ZeltoSandbox/OneNote/OneNoteHTML.h>
+#include <ZeltoSandbox/ShownMail.h>
 
 #include <Platform/UTF8.h>
 
@@ -40,6 +41,9 @@ void checkShown(const std::string& html) {
     if (sandbox::readOneNoteHTML(html)) {
         require(loadingMarkup(shown).empty(), "a page is shown that loads", shown);
     }
+    const auto mail = sandbox::shownMailHTML(repairedUTF8(html));
+    require(isValidUTF8(mail), "a mail that is shown is not UTF-8", mail);
+    require(loadingMarkup(mail).empty(), "a mail is shown that loads", mail);
 }
 
 void checkComponents(const std::string& html) {

@@ -147,6 +147,43 @@ class HostileMail(Case):
             self.assertEqual(tab.run("typeof window.zeltoCanary"), "undefined")
         self.assertNoCalls()
 
+    def test_no_e_mail_of_hubspot_runs_or_breaks_the_layout(self):
+        token = self.sandbox.token("Hubspot")
+        script = attack(self.trap)
+        markup = [f"<p onclick=\"{script}\" style=\"background:url(http://{OUTSIDE}/)\">x</p><body onload='{script}'>",
+                  f"<link rel=preconnect href=\"http://{OUTSIDE}/\"><link rel=stylesheet href=\"http://{OUTSIDE}/\">",
+                  f"<noscript><p title=\"</noscript><img src=x onerror='{script}'>\"></noscript>",
+                  f"<math><mtext><table><mglyph><style><!--</style><img title=\"--&gt;&lt;img src=1 onerror='{script}'&gt;\">",
+                  f"<img src=\"http://{OUTSIDE}/\" srcset=\"http://{OUTSIDE}/ 2x\"><video poster=\"http://{OUTSIDE}/\"></video>",
+                  f"<form action=\"http://{OUTSIDE}/\"><button autofocus onfocus=\"{script}\">x</button></form>"]
+        texts = hostile_texts(self.trap)
+        for text in [*markup, *texts]:
+            contact = self.sandbox.hubspot_contact(token, f"someone{len(text)}@mail.example", firstname=text, lastname=text[:100])
+            people = {"from": {"email": text, "firstname": text}, "to": [{"email": text}] * 2}
+            self.sandbox.log_in_hubspot(token, "emails", [contact], hs_email_subject=text, hs_email_text=text, hs_email_html=text,
+                                        hs_email_headers=json.dumps(people))
+        for text in texts:
+            self.sandbox.log_in_hubspot(token, "notes", hs_note_body=text)
+            self.sandbox.log_in_hubspot(token, "meetings", hs_meeting_title=text, hs_meeting_body=text,
+                                        hs_meeting_external_url=text, hs_internal_meeting_notes=text)
+        self.show()
+        self.wait_for_text("__proto__")
+        self.tab.run(OPENED)
+        self.assertEqual(self.tab.run("document.querySelectorAll('main :is(img, script, svg, base, meta, link, object, "
+                                      "embed, style, iframe:not([sandbox=\"\"]))').length"), 0)
+        for width in (400, 900, 1600):
+            self.tab.resize(width, 800)
+            self.assertEqual(self.tab.run("document.documentElement.scrollWidth - document.documentElement.clientWidth"), 0)
+            self.assertEqual(self.tab.run(OVERFLOWING), [], f"at {width} pixels")
+        state = json.loads(self.sandbox.send("GET", f"127.0.0.1:{self.sandbox.port}", "/control/state")[1])
+        pages = [each["html"] for each in state["hubspot"]["activities"] if each["html"]]
+        self.assertEqual(len(pages), len(markup) + len(texts))
+        visitor = self.browser.new_tab()
+        for page in pages:
+            visitor.open(f"{self.sandbox.url}{page}")
+        visitor.open(f"{self.sandbox.url}/")
+        self.assertNothingRan()
+
     def assertShownAsText(self):
         self.show()
         self.wait_for_text("__proto__")

@@ -27,7 +27,7 @@ class Page(Case):
         for path in ("/", "/page.css", "/page.js", "/text.js", "/boards.js", "/columns.js", "/requests.js", "/asana.js", "/notion.js",
                      "/meetings.js", "/meetings.css", "/zoom.js", "/goto.js", "/microsoftteams.js",
                      "/notion.css", "/onenote.js", "/onenote.css", "/drives.js",
-                     "/drives.css", "/dropbox.js", "/googledrive.js", "/mrkdwn.js", "/slack.js", "/slack.css", "/todoist.js", "/todoist.css", "/trello.js"):
+                     "/drives.css", "/dropbox.js", "/googledrive.js", "/hubspot.js", "/hubspot.css", "/mrkdwn.js", "/slack.js", "/slack.css", "/todoist.js", "/todoist.css", "/trello.js"):
             names = ["content-security-policy", "x-content-type-options", "cache-control"]
             fields = self.tab.run(f"fetch('{path}').then((response) => {names}.map((name) => response.headers.get(name)))")
             self.assertEqual(fields, [POLICY, "nosniff", "no-store"], path)
@@ -351,6 +351,56 @@ class Page(Case):
         for width in self.tab.run(widths):
             self.assertGreater(width, 300)
         self.assertEqual(self.tab.run("document.documentElement.scrollWidth - document.documentElement.clientWidth"), 0)
+
+    def test_what_is_logged_in_hubspot_appears_as_a_timeline_with_its_contacts(self):
+        token = self.sandbox.token("Hubspot")
+        self.show()
+        mira = self.sandbox.hubspot_contact(token, "Mira@harbour.example")
+        ana = self.sandbox.hubspot_contact(token, "ana@quay.example", firstname="Ana", lastname="Reis",
+                                           lifecyclestage="268312745", hs_lead_status="IN_PROGRESS")
+        self.sandbox.log_in_hubspot(token, "notes", [mira], hs_note_body="Minutes\n\nhttps://plan.example/a_(b)?c=1.")
+        self.sandbox.log_in_hubspot(token, "meetings", [mira, ana], hs_meeting_title="Planning", hs_meeting_body="Agenda",
+                                    hs_internal_meeting_notes="For us", hs_meeting_external_url="https://meet.example/1",
+                                    hs_meeting_start_time="2026-12-24T09:00:00Z", hs_meeting_end_time=1798106400000)
+        people = {"from": {"email": "mira@harbour.example", "firstname": "Mira"}, "to": [{"email": "ana@quay.example"}]}
+        self.sandbox.log_in_hubspot(token, "emails", [mira, ana], hs_email_subject="Größe & Maß", hs_email_text="In plain text",
+                                    hs_email_direction="INCOMING_EMAIL", hs_email_headers=json.dumps(people),
+                                    hs_email_html="<p onclick=run()>Hello<p><b>and more</b>")
+        self.tab.wait("document.querySelectorAll('.of-hubspot .card').length === 3")
+        cards = self.tab.run("Array.from(document.querySelectorAll('.of-hubspot .card'), (each) => each.innerText)")
+        for card, texts in zip(cards, [
+                ("E-mail", "newest", "Größe & Maß", "Mira <mira@harbour.example>", "ana@quay.example", "Incoming", "Plain text",
+                 "Associated with", "Mira Lindqvist", "Ana Reis"),
+                ("Meeting", "Planning", "24 Dec 2026", "https://meet.example/1", "Agenda", "Internal notes", "For us", "Ana Reis"),
+                ("Note", "Minutes\n\nhttps://plan.example/a_(b)?c=1.", "Mira Lindqvist")]):
+            for text in texts:
+                self.assertIn(text, card)
+        self.assertEqual(self.tab.run("document.querySelectorAll('.of-hubspot .newest').length"), 1)
+        rows = self.tab.run("Array.from(document.querySelectorAll('.of-hubspot tbody tr'), (each) => each.innerText.split(/\\s*[\\t\\n]\\s*/))")
+        self.assertEqual(rows[0], ["Ana Reis new", "ana@quay.example", "Bestandskunde – Büro & Ärzte 🌱", "In progress", "2"])
+        self.assertEqual(rows[1], ["Mira Lindqvist", "mira@harbour.example", "Customer", "Connected", "3"])
+        self.assertEqual(len(rows), 8)
+        frame = "document.querySelector('.of-hubspot iframe')"
+        self.assertEqual(self.tab.run(f"[{frame}.sandbox.length, {frame}.title]"), [0, "Größe & Maß"])
+        page = self.browser.new_tab()
+        page.open(self.tab.run(f"{frame}.src"))
+        self.assertEqual(page.run("document.body.innerText"), "Hello\n\nand more")
+        self.assertEqual(page.run("window.origin"), "null")
+        self.assertNothingRan()
+
+    def test_many_contacts_of_hubspot_are_counted(self):
+        token = self.sandbox.token("Hubspot")
+        self.sandbox.control("settings", hubspot={"additionalContacts": 2000})
+        self.sandbox.log_in_hubspot(token, "emails", [str(1_000_000 + number) for number in range(1, 2001)])
+        self.show()
+        self.wait_for_text("and 1,988 more")
+        self.wait_for_text("and 1,982 more contacts")
+        self.assertIn("No subject", self.tab.run("document.querySelector('.of-hubspot .card').innerText"))
+        self.tab.resize(400, 800)
+        cell = "document.querySelector('.of-hubspot tbody td')"
+        self.tab.wait(f"{cell}.offsetWidth > 250")
+        self.assertEqual(self.tab.run("document.documentElement.scrollWidth - document.documentElement.clientWidth"), 0)
+        self.assertNothingRan()
 
     # Of the table of a drive.
     NAMES = "Array.from(document.querySelectorAll('.of-{} td:first-child > :is(a, bdi, button)'), (each) => each.innerText)"

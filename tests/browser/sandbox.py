@@ -225,3 +225,23 @@ class Sandbox:
 
     def add_slack_message(self, token, text, channel="C0SANDBOX01"):
         return self.slack("chat.postMessage", token, {"channel": channel, "text": text})["ts"]
+
+    def hubspot(self, method, path, token, body=None):
+        return self.ask(method, "api.hubapi.com", f"/{path}", None if body is None else json.dumps(body),
+                        Authorization=f"Bearer {token}", Content_Type="application/json")
+
+    def hubspot_contact(self, token, email, **properties):
+        """The identifier of a contact with that address, which is created if there is none."""
+        target = f"/crm/v3/objects/contacts/{urllib.parse.quote(email, safe='')}?idProperty=email"
+        status, data = self.send("GET", "api.hubapi.com", target, Authorization=f"Bearer {token}")
+        if status == 200:
+            return json.loads(data)["id"]
+        return self.hubspot("POST", "crm/v3/objects/contacts", token, {"properties": {"email": email, **properties}})["id"]
+
+    def log_in_hubspot(self, token, kind, contacts=(), **properties):
+        """`kind` is "emails", "notes" or "meetings", contacts are identifiers; a date of 2026 unless there is one."""
+        number = {"emails": 198, "notes": 202, "meetings": 200}[kind]
+        types = [{"associationCategory": "HUBSPOT_DEFINED", "associationTypeId": number}]
+        return self.hubspot("POST", f"crm/v3/objects/{kind}", token, {
+            "properties": {"hs_timestamp": "2026-12-24T09:00:00Z", **properties},
+            "associations": [{"to": {"id": contact}, "types": types} for contact in contacts]})["id"]

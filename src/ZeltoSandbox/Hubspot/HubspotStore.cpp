@@ -33,15 +33,18 @@ std::vector<HubspotStageRecord> demoStages() {
     };
 }
 
+constexpr auto additionalEmails = "hs_additional_emails";
+
 struct DemoContact {
-    std::string_view email, firstName, lastName, stage, status;
+    std::string_view email, firstName, lastName, stage, status, additionalEmail = {};
 };
 
 constexpr DemoContact demoContacts[] = {
     {"mira@harbour.example", "Mira", "Lindqvist", "customer", "CONNECTED"},
     {"zoe.mueller@quay.example", "Zoë", "Müller-Lüdenscheidt", "268312745", ""},
     {"o'neil+crm@quay.example", "Aoife", "O’Neil", "lead", "IN_PROGRESS"},
-    {"olena@lighthouse.example", "Олена", "Ковальчук", "marketingqualifiedlead", "NEW"},
+    {"olena@lighthouse.example", "Олена", "Ковальчук", "marketingqualifiedlead", "NEW",
+     "olena.k@harbour.example"},
     {"dawen.chen@lighthouse.example", "大文", "陳", "opportunity", "OPEN_DEAL"},
     {"layla@harbour.example", "ليلى", "حداد", "", "BAD_TIMING"},
     {"newsletter@pier.example", "", "", "268312746", ""},
@@ -60,6 +63,7 @@ HubspotContactRecord contactOf(std::uint64_t id, const DemoContact& demo) {
     set("lastname", demo.lastName);
     set("lifecyclestage", demo.stage);
     set("hs_lead_status", demo.status);
+    set(additionalEmails, demo.additionalEmail);
     return contact;
 }
 
@@ -130,8 +134,10 @@ std::optional<HubspotContactRecord> HubspotStore::findContactByEmail(std::string
 void HubspotStore::keepContact(HubspotContactRecord contact) {
     const auto place = contacts_.size();
     placesByID_[contact.id] = place;
-    if (const auto email = contact.text("email"); !email.empty()) {
-        placesByEmail_[foldedCase(email)] = place;
+    for (const auto* property : {"email", additionalEmails}) {
+        if (const auto email = contact.text(property); !email.empty()) {
+            placesByEmail_[foldedCase(email)] = place;
+        }
     }
     contacts_.push_back(std::move(contact));
 }

@@ -62,7 +62,7 @@ class HubspotStore {
     const std::deque<HubspotContactRecord>& contacts() const { return contacts_; }
 
     std::optional<HubspotContactRecord> findContact(std::string_view id, std::size_t additional) const;
-    // Without regard to case.
+    // By its address or by a further one ("hs_additional_emails"), without regard to case.
     std::optional<HubspotContactRecord> findContactByEmail(std::string_view email,
                                                            std::size_t additional) const;
 

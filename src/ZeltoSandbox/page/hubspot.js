@@ -8,6 +8,7 @@ export const styleSheet = "/hubspot.css";
 const shownActivities = 30;
 const shownContacts = 25;
 const shownPeople = 12; // of a line of a header, or of an activity's associations
+const columns = ["Contact", "Lifecycle stage", "Lead status", "Logged"];
 const kinds = { email: ["✉️", "E-mail"], note: ["📝", "Note"], meeting: ["📅", "Meeting"] };
 const directions = { EMAIL: "Sent from the CRM", INCOMING_EMAIL: "Incoming", FORWARDED_EMAIL: "Forwarded to the CRM" };
 
@@ -113,20 +114,25 @@ function fillActivity(item, activity) {
   item.replaceChildren(heading, ...title, factsOf(activity), ...bodyOf(activity, name || kind), associations);
 }
 
+function valueCell(name, value) {
+  const cell = value ? foreign("td", "", value) : element("td", "note", "–");
+  cell.dataset.name = name;
+  return cell;
+}
+
 function fillContact(row, contact) {
   const name = element("td");
   name.append(foreign("bdi", "name", contactName(contact)));
-  if (!contact.isDemo) name.append(element("span", "tag", "new"));
-  if (contact.email) name.append(foreign("div", "note", contact.email));
-  const stage = contact.stage ? foreign("td", "", contact.stage) : element("td", "note", "–");
-  const status = contact.status ? foreign("td", "", statusText(contact.status)) : element("td", "note", "–");
-  row.replaceChildren(name, stage, status, element("td", "count", contact.count || ""));
+  if (!contact.isDemo) name.append(" ", element("span", "tag", "new"));
+  if (contact.email && contact.email !== contactName(contact)) name.append(foreign("div", "note", contact.email));
+  row.replaceChildren(name, ...[contact.stage, statusText(contact.status), String(contact.count)].map(
+    (value, index) => valueCell(columns[index + 1], value)));
 }
 
 function makeTable() {
   const table = element("table");
   const names = element("tr");
-  names.append(...["Contact", "Lifecycle stage", "Lead status", "Logged"].map((name) => element("th", "", name)));
+  names.append(...columns.map((name) => element("th", "", name)));
   const head = element("thead");
   head.append(names);
   table.append(head, element("tbody"));

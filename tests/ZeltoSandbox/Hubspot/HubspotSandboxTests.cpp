@@ -240,6 +240,8 @@ TEST_F(HubspotSandboxTest, FindsAContactByItsAddressWithoutRegardToCase) {
                        "archived":false})"));
     EXPECT_EQ(find("MIRA@Harbour.Example").text("id"), miraID);
     EXPECT_EQ(find("O'Neil+crm@quay.example").text("id"), "103");
+    EXPECT_EQ(find("olena@lighthouse.example").text("id"), "104");
+    EXPECT_EQ(find("Olena.K@harbour.example").text("id"), "104");
     EXPECT_EQ(get("crm/v3/objects/contacts/o'neil+crm@quay.example?idProperty=email").text("id"), "103");
     EXPECT_EQ(get("crm/v3/objects/contacts/101").text("id"), miraID);
     const std::string unknown = "404 OBJECT_NOT_FOUND resource not found";
