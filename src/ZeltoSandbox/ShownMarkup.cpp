@@ -42,11 +42,13 @@ bool isLink(std::string_view value) {
            value.starts_with("mid:");
 }
 
-// Without an address of its own, however it is written.
+// Without an address of its own or a program, however they are written.
 bool isHarmlessStyle(std::string_view style) {
+    constexpr std::array<std::string_view, 12> refused = {"\\",     "<",       "@",          "url",
+                                                          "image",  "src",     "attr(",      "element(",
+                                                          "progid", "binding", "expression", "behavior"};
     const auto lower = toASCIILower(style);
-    return !lower.contains('\\') && !lower.contains("url") && !lower.contains("image") &&
-           !lower.contains("src");
+    return std::ranges::none_of(refused, [&](std::string_view each) { return lower.contains(each); });
 }
 
 // Of a name without "&" and ";"; empty for one that is not among the usual ones.

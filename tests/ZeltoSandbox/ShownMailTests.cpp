@@ -32,7 +32,10 @@ TEST(ShownMail, LeavesOutWhatRunsOrLoads) {
     expectShown("<a href=\"javascript:run()\">a</a><a href=\"&#106;avascript:run()\">b</a>",
                 "<a>a</a><a>b</a>");
     expectShown("<img src=\"https://a.example/x.png\" alt=\"A <b>\" onerror=run()>", "A &lt;b>");
-    expectShown("<p style=\"background:url(https://a.example/)\">a</p>", "<p>a</p>");
+    for (const std::string style : {"background:url(https://a.example/)", "color:re\\64", "a<b", "@import x",
+                                    "width:EXPRESSION(run())", "x:attr(y)", "-moz-binding:x"}) {
+        expectShown("<p style=\"" + style + "\">a</p>", "<p>a</p>");
+    }
     expectShown("<iframe src=x>b</iframe><object data=x></object><embed src=x><link rel=preconnect href=x>"
                 "<meta http-equiv=refresh content=0><base href=x><svg onload=run()><form action=x><input>",
                 "");
