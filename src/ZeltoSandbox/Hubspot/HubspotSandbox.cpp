@@ -15,6 +15,8 @@ namespace zelto::sandbox {
 namespace {
 
 constexpr std::uint64_t maximumBody = std::uint64_t{64} << 20;
+constexpr std::size_t maximumRecent = 110; // requests
+constexpr TimeInterval recentTime{10};
 constexpr auto readContacts = "crm.objects.contacts.read";
 constexpr auto writeContacts = "crm.objects.contacts.write";
 constexpr std::string_view htmlProperty = "hs_email_html";
@@ -74,6 +76,9 @@ SandboxResponse HubspotSandbox::respond(const SandboxRequest& request) {
     if (!grant && (!isTokenRequest || request.head.field("Authorization"))) {
         return refusedToken(request, grant.error());
     }
+    if (context_.settings.publishedLimits && !isWithinRate()) {
+        return failure(429);
+    }
     if (isTokenRequest) {
         return token(request);
     }
@@ -97,6 +102,18 @@ SandboxResponse HubspotSandbox::refusedToken(const SandboxRequest& request, cons
     }
     const auto seconds = std::max(0.0, (Date::now() - *end).count());
     return HubspotError::expiredToken(static_cast<std::uint64_t>(seconds)).response().because(reason);
+}
+
+bool HubspotSandbox::isWithinRate() {
+    const auto now = Date::now();
+    while (!recent_.empty() && recent_.front() + recentTime <= now) {
+        recent_.pop_front();
+    }
+    if (recent_.size() >= maximumRecent) {
+        return false;
+    }
+    recent_.push_back(now);
+    return true;
 }
 
 SandboxResponse HubspotSandbox::failure(int status) const {
@@ -219,6 +236,7 @@ JSONObject HubspotSandbox::state() const {
 
 void HubspotSandbox::reset() {
     store_ = std::make_unique<HubspotStore>();
+    recent_.clear();
 }
 
 } // namespace zelto::sandbox

@@ -3,6 +3,7 @@
 #include <ZeltoSandbox/Hubspot/HubspotObjects.h>
 #include <ZeltoSandbox/SandboxService.h>
 
+#include <deque>
 #include <memory>
 
 namespace zelto::sandbox {
@@ -33,6 +34,8 @@ class HubspotSandbox final : public SandboxService {
 
     // The refusal of a token that is unknown or has expired, or of a request without one.
     SandboxResponse refusedToken(const SandboxRequest& request, const std::string& reason);
+    // Whether the request comes within the published limit, which counts it then.
+    bool isWithinRate();
     SandboxResponse addActivity(HubspotActivityType type, const SandboxRequest& request);
     // Its path in the file store; empty if there is no space for it.
     std::string storedHTML(const std::string& html);
@@ -42,6 +45,7 @@ class HubspotSandbox final : public SandboxService {
 
     SandboxContext& context_;
     std::unique_ptr<HubspotStore> store_;
+    std::deque<Date> recent_; // requests of the last ten seconds
 };
 
 } // namespace zelto::sandbox

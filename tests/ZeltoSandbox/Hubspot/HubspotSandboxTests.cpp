@@ -520,6 +520,24 @@ TEST_F(HubspotSandboxTest, ChecksEachAssociation) {
     EXPECT_EQ(associatedWith("notes", "[]"), "201");
 }
 
+TEST_F(HubspotSandboxTest, TakesAHundredAndTenRequestsInTenSecondsWhereItKeepsToPublishedLimits) {
+    ClockOverride clock(*parseISO8601("2026-12-24T09:00:00Z"));
+    token = caller.server->issueTokens("Hubspot")->accessToken;
+    set(R"({"publishedLimits":true})");
+    for (int i = 0; i < 110; ++i) {
+        ASSERT_EQ(find("mira@harbour.example").status, 200) << i;
+        clock.advance(TimeInterval(0.0625));
+    }
+    EXPECT_EQ(outcome(find("mira@harbour.example")),
+              "429 RATE_LIMITS You have reached your ten_secondly_rolling limit.");
+    set(R"({"publishedLimits":false})");
+    EXPECT_EQ(find("mira@harbour.example").status, 200);
+    set(R"({"publishedLimits":true})");
+    clock.set(*parseISO8601("2026-12-24T09:00:10Z"));
+    EXPECT_EQ(find("mira@harbour.example").status, 200);
+    EXPECT_EQ(find("mira@harbour.example").status, 429);
+}
+
 TEST_F(HubspotSandboxTest, RefusesABodyThatIsNotOfTheSchema) {
     for (const auto* path : {"objects/contacts", "objects/emails", "objects/notes", "objects/meetings"}) {
         EXPECT_EQ(outcome(post(path, "{}")),
