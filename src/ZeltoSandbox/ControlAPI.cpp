@@ -2,9 +2,8 @@
 
 #include <ZeltoSandbox/FaultList.h>
 #include <ZeltoSandbox/JSONBody.h>
-#include <ZeltoSandbox/Meetings/MeetingSettings.h>
 #include <ZeltoSandbox/SandboxProof.h>
-#include <ZeltoSandbox/Slack/SlackSettings.h>
+#include <ZeltoSandbox/SettingsJSON.h>
 
 #include <Platform/Numbers.h>
 
@@ -14,7 +13,6 @@ namespace {
 
 constexpr std::size_t maximumBody = std::size_t{1} << 20;
 constexpr std::size_t maximumChallenge = 128;
-constexpr std::uint64_t maximumAdditionalTargets = 1000;
 constexpr TimeInterval eventPause{0.25};
 constexpr int pausesBetweenSigns = 60;
 
@@ -35,115 +33,6 @@ std::optional<std::uint64_t> startOf(std::string_view query) {
 std::string serviceName(const JSONValue& json) {
     const auto* name = textMember(json, "service");
     return name ? *name : std::string();
-}
-
-// What "drives" has to be; nullopt if it is valid. Those of its members that are left out stay as they are.
-std::optional<std::string> readDrives(SandboxDrives& drives, const JSONValue& json) {
-    if (!json.asObject()) {
-        return "an object";
-    }
-    for (const auto& [key, value] : *json.asObject()) {
-        const auto count = value.asUInt64();
-        const auto seconds = value.asDouble().value_or(-1);
-        if (key == "additionalFolders" || key == "additionalFiles") {
-            if (!count || *count > SandboxDrives::maximumAdditionalCount) {
-                return "an object in which \"" + key + "\" is a number from 0 to 20000";
-            }
-            (key == "additionalFiles" ? drives.additionalFiles : drives.additionalFolders) =
-                static_cast<std::size_t>(*count);
-        } else if (key == "searchDelay") {
-            if (!(seconds >= 0)) {
-                return "an object in which \"searchDelay\" is a number of seconds";
-            }
-            drives.searchDelay = TimeInterval(seconds);
-        } else if (key == "space") {
-            if (!value.isNull() && !count) {
-                return "an object in which \"space\" is a number of bytes, or null";
-            }
-            drives.space = count;
-        } else {
-            return "an object without \"" + key + "\"";
-        }
-    }
-    return std::nullopt;
-}
-
-JSONObject drivesJSON(const SandboxDrives& drives) {
-    return {{"additionalFolders", drives.additionalFolders},
-            {"additionalFiles", drives.additionalFiles},
-            {"searchDelay", drives.searchDelay.count()},
-            {"space", drives.space ? JSONValue(*drives.space) : JSONValue()}};
-}
-
-// The same of "hubspot".
-std::optional<std::string> readHubspot(SandboxHubspot& hubspot, const JSONValue& json) {
-    if (!json.asObject()) {
-        return "an object";
-    }
-    for (const auto& [key, value] : *json.asObject()) {
-        if (key != "additionalContacts" && key != "concurrentContacts") {
-            return "an object without \"" + key + "\"";
-        }
-        const auto count = value.asUInt64();
-        if (!count || *count > SandboxHubspot::maximumContactCount) {
-            return "an object in which \"" + key + "\" is a number from 0 to 20000";
-        }
-        (key == "additionalContacts" ? hubspot.additionalContacts : hubspot.concurrentContacts) =
-            static_cast<std::size_t>(*count);
-    }
-    return std::nullopt;
-}
-
-JSONObject hubspotJSON(const SandboxHubspot& hubspot) {
-    return {{"additionalContacts", hubspot.additionalContacts},
-            {"concurrentContacts", hubspot.concurrentContacts}};
-}
-
-// What the member has to be; nullopt if it is valid.
-std::optional<std::string> readSetting(SandboxSettings& settings, const std::string& key,
-                                       const JSONValue& value) {
-    if (key == "consent") {
-        const auto* name = value.asString();
-        const auto consent = name ? fromName<SandboxConsent>(*name) : std::nullopt;
-        settings.consent = consent.value_or(settings.consent);
-        return consent ? std::nullopt : std::optional<std::string>("\"ask\", \"allow\" or \"deny\"");
-    }
-    if (key == "plan") {
-        const auto* plan = value.asString();
-        settings.paidPlan = plan && *plan == "paid";
-        return plan && (*plan == "paid" || *plan == "free")
-                   ? std::nullopt
-                   : std::optional<std::string>("\"free\" or \"paid\"");
-    }
-    if (key == "attachmentLimit") {
-        settings.attachmentLimit = value.asUInt64();
-        return value.isNull() || settings.attachmentLimit
-                   ? std::nullopt
-                   : std::optional<std::string>("a number of bytes, or null for the plan's");
-    }
-    if (key == "additionalTargets") {
-        const auto count = value.asUInt64();
-        const bool isAllowed = count && *count <= maximumAdditionalTargets;
-        settings.additionalTargets = isAllowed ? static_cast<std::size_t>(*count) : 0;
-        return isAllowed ? std::nullopt : std::optional<std::string>("a number from 0 to 1000");
-    }
-    if (key == "publishedLimits") {
-        settings.publishedLimits = value.asBool().value_or(false);
-        return value.asBool() ? std::nullopt : std::optional<std::string>("true or false");
-    }
-    if (key == "drives") {
-        return readDrives(settings.drives, value);
-    }
-    if (key == "slack") {
-        return readSlackSettings(settings.slack, value);
-    }
-    if (key == "meetings") {
-        return readMeetings(settings.meetings, value);
-    }
-    if (key == "hubspot") {
-        return readHubspot(settings.hubspot, value);
-    }
-    return "left out; there is no such setting";
 }
 
 } // namespace
@@ -233,18 +122,15 @@ SandboxResponse ControlAPI::change(std::string_view path, const JSONValue& json)
 }
 
 SandboxResponse ControlAPI::changeSettings(const JSONValue& json) const {
-    std::string problem;
+    std::optional<std::string> problem;
     dispatcher_.changeSettings([&](SandboxSettings& settings) {
         auto changed = settings;
-        for (const auto& [key, value] : *json.asObject()) {
-            if (const auto wanted = readSetting(changed, key, value)) {
-                problem = "\"" + key + "\" has to be " + *wanted + ".";
-                return;
-            }
+        problem = readSettings(changed, *json.asObject());
+        if (!problem) {
+            settings = changed;
         }
-        settings = changed;
     });
-    return problem.empty() ? done() : refused(400, std::move(problem));
+    return problem ? refused(400, *std::move(problem)) : done();
 }
 
 SandboxResponse ControlAPI::issueTokens(const JSONValue& json) const {
@@ -264,18 +150,7 @@ SandboxResponse ControlAPI::issueTokens(const JSONValue& json) const {
 
 JSONValue ControlAPI::state() const {
     auto state = dispatcher_.state();
-    const auto settings = dispatcher_.settings();
-    state.set("settings",
-              JSONObject{{"consent", nameOf(settings.consent)},
-                         {"plan", settings.paidPlan ? "paid" : "free"},
-                         {"attachmentLimit",
-                          settings.attachmentLimit ? JSONValue(*settings.attachmentLimit) : JSONValue()},
-                         {"additionalTargets", settings.additionalTargets},
-                         {"publishedLimits", settings.publishedLimits},
-                         {"drives", drivesJSON(settings.drives)},
-                         {"slack", slackSettingsJSON(settings.slack)},
-                         {"meetings", meetingSettingsJSON(settings.meetings)},
-                         {"hubspot", hubspotJSON(settings.hubspot)}});
+    state.set("settings", settingsJSON(dispatcher_.settings()));
     state.set("requests", log_.lastNumber());
     addFigures_(state);
     return state;

@@ -307,11 +307,11 @@ TEST_F(ControlAPITest, ChangesWhatSlackHas) {
         {R"({"archivedChannels":[1]})", "\"archivedChannels\" is an array of identifiers."},
         {R"({"missingScopes":["chat:read"]})", "\"missingScopes\" is an array of Slack's scopes."},
         {R"({"revoked":"yes"})", "\"revoked\" is true or false."},
-        {R"({"users":1})", "\"users\" is left out; there is no such member."},
     };
     for (const auto& [json, text] : refused) {
         EXPECT_EQ(set(json).text("error"), inWhich + text);
     }
+    EXPECT_EQ(set(R"({"users":1})").text("error"), "\"slack\" has to be an object without \"users\".");
     EXPECT_EQ(set("1").text("error"), "\"slack\" has to be an object.");
     caller.server->reset();
     EXPECT_EQ(settings(), none);

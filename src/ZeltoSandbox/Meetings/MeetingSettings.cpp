@@ -1,6 +1,5 @@
 #include <ZeltoSandbox/Meetings/MeetingSettings.h>
 
-#include <algorithm>
 #include <utility>
 
 namespace zelto::sandbox {
@@ -41,37 +40,41 @@ std::optional<std::vector<Plans>> licensesOf(const JSONValue& json) {
     return licenses;
 }
 
-// What the member has to be; nullopt if it is valid.
-std::optional<std::string> readMember(SandboxMeetings& meetings, const std::string& key,
-                                      const JSONValue& value) {
-    const auto count = value.asUInt64();
-    if (key == "additionalMeetings") {
-        const bool isAllowed = count && *count <= SandboxMeetings::maximumAdditionalCount;
-        meetings.additionalMeetings = isAllowed ? static_cast<std::size_t>(*count) : 0;
-        return isAllowed ? std::nullopt : std::optional<std::string>("is a number from 0 to 20000");
-    }
-    if (key == "dailyLimit") {
-        const bool isAllowed = count && *count <= SandboxMeetings::maximumDailyLimit;
-        meetings.dailyLimit = isAllowed ? std::optional(static_cast<std::size_t>(*count)) : std::nullopt;
-        return isAllowed || value.isNull()
-                   ? std::nullopt
-                   : std::optional<std::string>("is a number from 0 to 10000, or null");
-    }
-    if (key == "licenses") {
-        meetings.licenses = licensesOf(value);
-        return meetings.licenses || value.isNull()
-                   ? std::nullopt
-                   : std::optional<std::string>(
-                         "is a list of licences, each a list of the texts of its plans' "
-                         "status, or null");
-    }
-    auto& flag = key == "emptyList" ? meetings.emptyList : meetings.personalAccount;
-    flag = value.asBool().value_or(false);
-    return value.asBool() ? std::nullopt : std::optional<std::string>("is true or false");
+Wanted readAdditionalMeetings(SandboxMeetings& settings, const JSONValue& value) {
+    return readCount(settings.additionalMeetings, value, SandboxMeetings::maximumAdditionalCount);
 }
 
-constexpr std::string_view keys[] = {"additionalMeetings", "dailyLimit", "emptyList", "personalAccount",
-                                     "licenses"};
+Wanted readDailyLimit(SandboxMeetings& settings, const JSONValue& value) {
+    if (value.isNull()) {
+        settings.dailyLimit = std::nullopt;
+        return std::nullopt;
+    }
+    const auto wanted = readCount(settings.dailyLimit.emplace(), value, SandboxMeetings::maximumDailyLimit);
+    return wanted ? Wanted(*wanted + ", or null") : std::nullopt;
+}
+
+Wanted readEmptyList(SandboxMeetings& settings, const JSONValue& value) {
+    return readFlag(settings.emptyList, value);
+}
+
+Wanted readPersonalAccount(SandboxMeetings& settings, const JSONValue& value) {
+    return readFlag(settings.personalAccount, value);
+}
+
+Wanted readLicenses(SandboxMeetings& settings, const JSONValue& value) {
+    settings.licenses = licensesOf(value);
+    return settings.licenses || value.isNull()
+               ? std::nullopt
+               : Wanted("a list of licences, each a list of the texts of its plans' status, or null");
+}
+
+constexpr SettingMember<SandboxMeetings> members[] = {
+    {"additionalMeetings", readAdditionalMeetings},
+    {"dailyLimit", readDailyLimit},
+    {"emptyList", readEmptyList},
+    {"personalAccount", readPersonalAccount},
+    {"licenses", readLicenses},
+};
 
 JSONValue licensesJSON(const std::optional<std::vector<Plans>>& licenses) {
     if (!licenses) {
@@ -86,19 +89,8 @@ JSONValue licensesJSON(const std::optional<std::vector<Plans>>& licenses) {
 
 } // namespace
 
-std::optional<std::string> readMeetings(SandboxMeetings& meetings, const JSONValue& json) {
-    if (!json.asObject()) {
-        return "an object";
-    }
-    for (const auto& [key, value] : *json.asObject()) {
-        if (std::ranges::find(keys, key) == std::end(keys)) {
-            return "an object without \"" + key + "\"";
-        }
-        if (const auto wanted = readMember(meetings, key, value)) {
-            return "an object in which \"" + key + "\" " + *wanted;
-        }
-    }
-    return std::nullopt;
+Wanted readMeetingSettings(SandboxMeetings& settings, const JSONValue& json) {
+    return readMembers(settings, json, members);
 }
 
 JSONObject meetingSettingsJSON(const SandboxMeetings& meetings) {

@@ -2,16 +2,14 @@
 
 #include <Platform/JSON/JSONValue.h>
 #include <ZeltoSandbox/SandboxMeetings.h>
-
-#include <optional>
-#include <string>
+#include <ZeltoSandbox/SettingMembers.h>
 
 namespace zelto::sandbox {
 
-// What "meetings" of the control API's settings has to be; nullopt if it is valid. Those of its members that
-// are left out stay as they are.
-std::optional<std::string> readMeetings(SandboxMeetings& meetings, const JSONValue& json);
+// What the setting "meetings" of the control API has to be. Those of its members that are left out stay as
+// they are.
+Wanted readMeetingSettings(SandboxMeetings& settings, const JSONValue& json);
 
-JSONObject meetingSettingsJSON(const SandboxMeetings& meetings);
+JSONObject meetingSettingsJSON(const SandboxMeetings& settings);
 
 } // namespace zelto::sandbox
