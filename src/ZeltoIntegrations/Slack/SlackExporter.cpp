@@ -39,21 +39,13 @@ void SlackExporter::loadConfiguration(Completion<SlackExportConfiguration, Integ
 SlackExportConfiguration SlackExporter::offered() const {
     const auto types = contentTypes(exportTarget());
     SlackExportConfiguration configuration{
-        .saveTo = lastExportInfo().or_else([this] { return createDefaultSaveToInfo(); }),
+        .saveTo = lastExportInfo(),
         .saveAs = ExportServiceHelper::saveAs(lastExportContentType(), types),
         .userTitle = dataInteractor().title(),
         .supportedContentTypes = types.supported,
     };
     webLinks.offerTo(configuration);
     return configuration;
-}
-
-std::optional<SlackSaveToInfo> SlackExporter::createDefaultSaveToInfo() const {
-    const auto known = channels();
-    if (!known || known->empty()) {
-        return std::nullopt;
-    }
-    return SlackSaveToInfo::to(known->front());
 }
 
 IntegrationExportContentTypes SlackExporter::contentTypes(IntegrationExportTarget target) const {

@@ -30,8 +30,8 @@ class SlackExporter final : public AccountDataExporter<SlackFullData> {
     CachedValue<std::vector<SlackChannel>> channels{*this, "channels"};
     CachedValue<std::vector<SlackUser>> users{*this, "users"};
 
-    // A stored target is offered as it stands, whether or not its channel is still there; without one the
-    // first channel.
+    // A stored target is offered as it stands, whether or not its channel is still there. Without one there
+    // is none: a message must not appear where nobody has chosen to post it.
     void loadConfiguration(Completion<SlackExportConfiguration, IntegrationLoadError> completion);
 
     IntegrationExportContentTypes contentTypes(IntegrationExportTarget target) const;
@@ -52,7 +52,6 @@ class SlackExporter final : public AccountDataExporter<SlackFullData> {
 
   private:
     SlackExportConfiguration offered() const;
-    std::optional<SlackSaveToInfo> createDefaultSaveToInfo() const;
 
     void fetchData(StepRun& run, DataCompletion done) override;
     std::optional<SlackFullData> loadedData() const override;
