@@ -103,6 +103,11 @@ bool AccountAuthoriser::authorize(URLRequest& request) {
     return true;
 }
 
+std::optional<std::string> AccountAuthoriser::accessToken() const {
+    const std::lock_guard guard(lock_);
+    return sentToken(accountCredentials_.accessToken);
+}
+
 bool AccountAuthoriser::shouldRefreshToken() {
     if (!rules_.margin) {
         return false;

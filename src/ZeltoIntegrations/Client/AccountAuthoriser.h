@@ -74,6 +74,7 @@ class AccountAuthoriser : public ServiceAuthoriser {
     void setAccountCredentials(ServiceAccountCredentials accountCredentials);
 
     bool authorize(URLRequest& request) override;
+    std::optional<std::string> accessToken() const override;
     bool shouldRefreshToken() override;
     std::optional<URLRequest> createRefreshTokenRequest() override;
     // A token that was given is stored. A refusal by the service wipes the tokens, here and in the key chain,

@@ -20,6 +20,10 @@ class ServiceAuthoriser {
     // sent.
     virtual bool authorize(URLRequest& request) = 0;
 
+    // The token as it is sent, for a request that names it elsewhere too; no value when there is none, or
+    // when another credential is sent.
+    virtual std::optional<std::string> accessToken() const { return std::nullopt; }
+
     // The present token must not be sent any more.
     virtual bool shouldRefreshToken() = 0;
 

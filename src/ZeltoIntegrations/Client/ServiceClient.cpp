@@ -94,7 +94,7 @@ class ServiceClient::Core : public std::enable_shared_from_this<Core> {
 
     static ServiceRefusal ofBothTries(ServiceRefusal first, ServiceRefusal second) {
         return {second.words.empty() ? std::move(first.words) : std::move(second.words),
-                first.nothingWasSent && second.nothingWasSent, second.excessiveSize};
+                first.nothingWasSent && second.nothingWasSent, second.excessiveSize, second.isConflict};
     }
 
     void enqueueSecond(Retry first, RequestTry refused) {

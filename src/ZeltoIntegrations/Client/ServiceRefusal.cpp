@@ -97,6 +97,8 @@ std::string messageOfBody(const JSONValue& body) {
     return array ? messagesOf(*array) : textOf(&body);
 }
 
+constexpr int conflict = 409;
+
 bool isForSize(int status) {
     constexpr int contentTooLarge = 413;
     constexpr int addressTooLong = 414;
@@ -141,6 +143,7 @@ std::optional<ServiceRefusal> serviceRefusal(std::uint64_t requestSize, const st
     if (http && isForSize(http->statusCode())) {
         refusal.excessiveSize = requestSize;
     }
+    refusal.isConflict = http && http->statusCode() == conflict;
     return refusal;
 }
 

@@ -23,6 +23,8 @@ struct ServiceRefusal {
     // The request is larger than the service takes (status 413 or 414): the bytes of its body, or of its
     // address where it has none.
     std::optional<std::uint64_t> excessiveSize = {};
+    // It goes against what the service has (status 409).
+    bool isConflict = false;
 
     static constexpr std::size_t maximumLength = 300;
 
