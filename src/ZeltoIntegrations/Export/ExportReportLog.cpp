@@ -31,6 +31,12 @@ void ExportReportLog::refused(std::size_t place, ServiceClientError reason) {
     }
 }
 
+void ExportReportLog::withdraw(std::size_t place) {
+    const std::lock_guard guard(lock_);
+    noted_.reset();
+    entries_[place].isWithdrawn = true;
+}
+
 void ExportReportLog::refusedUnsent(std::string kind, std::string name, ServiceClientError reason) {
     const std::lock_guard guard(lock_);
     auto refusal = std::exchange(noted_, std::nullopt).value_or(ServiceRefusal());
@@ -56,6 +62,9 @@ ExportReport ExportReportLog::report() const {
     const std::lock_guard guard(lock_);
     ExportReport report;
     for (const auto& each : entries_) {
+        if (each.isWithdrawn) {
+            continue;
+        }
         if (each.isMade) {
             report.made.push_back({each.kind, each.name, each.identifier, each.leftOutBlocks});
         } else if (each.reason || isClosed_) {

@@ -21,6 +21,9 @@ class ExportReportLog {
     void made(std::size_t place, std::optional<std::string> identifier);
     void refused(std::size_t place, ServiceClientError reason);
 
+    // What the request was to make was on the service already.
+    void withdraw(std::size_t place);
+
     // A request that makes nothing has failed, and nothing was sent of what was to be made after it.
     void refusedUnsent(std::string kind, std::string name, ServiceClientError reason);
 
@@ -39,6 +42,7 @@ class ExportReportLog {
         std::optional<std::uint64_t> fileSize;
         std::size_t leftOutBlocks = 0;
         bool isMade = false;
+        bool isWithdrawn = false;
         std::optional<std::string> identifier;
         std::optional<ServiceClientError> reason;
         ServiceRefusal refusal;

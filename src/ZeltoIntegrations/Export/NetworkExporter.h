@@ -82,6 +82,11 @@ class NetworkExporter : public StepExporter {
         };
     }
 
+    // For a step that goes on after some failures: reports and logs the failure of a request that was to make
+    // something, by its place in the report, or had to succeed before.
+    static void refuse(StepRun& run, std::size_t place, const Making& making, ServiceClientError error);
+    static void refuseUnsent(StepRun& run, const Making& making, ServiceClientError error);
+
     // Reports and logs a part of what a request makes that the service refused in these words, while the
     // other parts were made.
     static void reportRefusal(StepRun& run, const Making& making, std::string_view words);
@@ -137,9 +142,7 @@ class NetworkExporter : public StepExporter {
 
     std::shared_ptr<Refusals> newRefusals();
 
-    static void refuse(StepRun& run, std::size_t place, const Making& making, ServiceClientError error);
     static void refuse(StepRun& run, std::size_t place, const Making& making, std::string_view words);
-    static void refuseUnsent(StepRun& run, const Making& making, ServiceClientError error);
 
     mutable std::mutex refusalsLock_;
     std::shared_ptr<const Refusals> refusals_;
