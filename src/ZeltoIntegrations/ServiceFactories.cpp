@@ -10,6 +10,7 @@
 #include <ZeltoIntegrations/GoTo/GoToClient.h>
 #include <ZeltoIntegrations/GoogleDrive/GoogleDriveExporter.h>
 #include <ZeltoIntegrations/GoogleDrive/GoogleDriveImporter.h>
+#include <ZeltoIntegrations/Hubspot/HubspotExporter.h>
 #include <ZeltoIntegrations/ICloud/ICloudExporter.h>
 #include <ZeltoIntegrations/IntegrationsManager.h>
 #include <ZeltoIntegrations/MicrosoftTeams/MicrosoftTeamsAuthoriser.h>
@@ -80,7 +81,7 @@ constexpr ExporterRow exporters[] = {
     {ServiceType::TickTick, nullptr},
     {ServiceType::Agenda, make<AgendaExporter>},
     {ServiceType::Slack, make<SlackExporter>},
-    {ServiceType::Hubspot, nullptr},
+    {ServiceType::Hubspot, make<HubspotExporter>},
     {ServiceType::Notion, make<NotionExporter>},
     {ServiceType::GoogleDrive, make<GoogleDriveExporter>},
     {ServiceType::Dropbox, make<DropboxExporter>},
