@@ -73,7 +73,7 @@ ZELTO_JSON_CODED(HubspotSaveContactsLifecycleStage::CustomStage);
 // The lead status of contacts that are created, in the same form.
 struct HubspotSaveContactsLeadStatus {
     struct CustomStatus {
-        HubspotPayloadLeadStatus status = HubspotPayloadLeadStatus::new_;
+        HubspotPayloadLeadStatus status;
 
         bool operator==(const CustomStatus&) const = default;
     };
