@@ -20,6 +20,11 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     std::optional<std::string> plainText = "Body";
     std::optional<std::string> summary = "Summary";
     std::optional<std::string> summaryHTML;
+    std::optional<std::string> meetingNotes;
+    std::optional<Date> meetingStart;
+    std::optional<Date> meetingEnd;
+    std::optional<std::vector<IntegrationsInteractorAddress>> attendees;
+    IntegrationsInteractorAddresses parties;
     std::optional<std::string> htmlText;
     std::optional<IntegrationLinkComponents> linkParts;
     IntegrationHeaderComponents header;
@@ -57,7 +62,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
 
     IntegrationExportTarget exportTarget() override { return target; }
 
-    IntegrationsInteractorAddresses addresses() override { return {}; }
+    IntegrationsInteractorAddresses addresses() override { return parties; }
 
     IntegrationsInteractorAddresses externalAddresses() override { return {}; }
 
@@ -129,12 +134,12 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
         complete("messagePlainText", std::move(completion), plainText);
     }
 
-    std::optional<Date> meetTranscriptStartDate() override { return std::nullopt; }
+    std::optional<Date> meetTranscriptStartDate() override { return meetingStart; }
 
-    std::optional<Date> meetTranscriptEndDate() override { return std::nullopt; }
+    std::optional<Date> meetTranscriptEndDate() override { return meetingEnd; }
 
     std::optional<std::vector<IntegrationsInteractorAddress>> meetTranscriptAttendees() override {
-        return std::nullopt;
+        return attendees;
     }
 
     void meetTranscript(IntegrationMeetingTranscriptContent content,
@@ -142,9 +147,7 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
                         std::optional<IntegrationLinkType> linkType,
                         Callback<std::optional<std::string>> completion) override {
         ask("meetTranscript", linkType);
-        const auto& given = format == IntegrationMeetingTranscriptFormat::text ? summary : summaryHTML;
-        complete("meetTranscript", std::move(completion),
-                 content == IntegrationMeetingTranscriptContent::summary ? given : std::nullopt);
+        complete("meetTranscript", std::move(completion), pieceOf(content, format));
     }
 
     void availableAttachments(Callback<IntegrationAttachments> completion) override {
@@ -172,6 +175,20 @@ class FakeDataInteractor final : public IntegrationsDataInteractorProtocol {
     }
 
   private:
+    std::optional<std::string> pieceOf(IntegrationMeetingTranscriptContent content,
+                                       IntegrationMeetingTranscriptFormat format) const {
+        const bool isText = format == IntegrationMeetingTranscriptFormat::text;
+        switch (content) {
+        case IntegrationMeetingTranscriptContent::summary:
+            return isText ? summary : summaryHTML;
+        case IntegrationMeetingTranscriptContent::notes:
+            return isText ? meetingNotes : std::nullopt;
+        case IntegrationMeetingTranscriptContent::transcript:
+            return std::nullopt;
+        }
+        return std::nullopt;
+    }
+
     void ask(const std::string& operation, const std::optional<IntegrationLinkType>& type) {
         if (type) {
             const std::lock_guard guard(lock_);

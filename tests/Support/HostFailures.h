@@ -78,6 +78,7 @@ class MistakenHost {
                                                 : data.htmlText) = std::nullopt;
             if (operation_ == "meetTranscript") {
                 data.summaryHTML = std::nullopt;
+                data.meetingNotes = std::nullopt;
             }
         }
     }
