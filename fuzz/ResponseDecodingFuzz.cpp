@@ -8,6 +8,8 @@
 #include <ZeltoIntegrations/Dropbox/DropboxResponses.h>
 #include <ZeltoIntegrations/GoTo/GoToRecords.h>
 #include <ZeltoIntegrations/GoogleDrive/GoogleDriveResponses.h>
+#include <ZeltoIntegrations/Hubspot/HubspotExportConfiguration.h>
+#include <ZeltoIntegrations/Hubspot/HubspotResponses.h>
 #include <ZeltoIntegrations/MicrosoftTeams/MicrosoftTeamsRecords.h>
 #include <ZeltoIntegrations/Notion/NotionResponses.h>
 #include <ZeltoIntegrations/OneNote/OneNoteResponses.h>
@@ -181,6 +183,8 @@ void checkValues(const ServiceResponse& response) {
     checkRecords<SlackSelfUserResponse, SlackChannelListResponse, SlackUserListResponse,
                  SlackPostMessageResponse>(response, {});
     checkSlack(response);
+    checkRecords<HubspotTokenMetadata, HubspotObject, HubspotPayloadGetContactLifecycleStages,
+                 HubspotResponse, HubspotExportConfiguration>(response, {});
     checkDropbox(response);
     checkGoogleDrive(response);
     checkRecords<notion::User, notion::ListResponse<notion::SearchResultItem>, notion::Page>(
