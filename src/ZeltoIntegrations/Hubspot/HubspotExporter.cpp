@@ -295,7 +295,7 @@ HubspotExporter::contactsOf(const HubspotExportConfiguration& configuration, con
         break;
     case IntegrationExportTarget::meetingNote:
         parties =
-            hubspotAttendees(dataInteractor().meetTranscriptAttendees().value_or(std::vector(parties)), user);
+            hubspotAttendees(dataInteractor().meetTranscriptAttendees().value_or(decltype(parties)()), user);
         break;
     }
     std::vector<Contact> contacts;

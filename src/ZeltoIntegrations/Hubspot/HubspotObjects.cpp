@@ -38,7 +38,10 @@ std::vector<HeaderContact> headerContactsOf(const std::vector<Address>& addresse
     std::vector<HeaderContact> contacts;
     contacts.reserve(addresses.size());
     for (const auto& each : addresses) {
-        contacts.push_back(headerContactOf(each));
+        // A group without members has no address.
+        if (!isBlank(each.email)) {
+            contacts.push_back(headerContactOf(each));
+        }
     }
     return contacts;
 }

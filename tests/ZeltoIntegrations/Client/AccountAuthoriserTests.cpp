@@ -300,6 +300,21 @@ TEST(AccountAuthoriser, RefusesATokenThatNoHeaderCanHold) {
     EXPECT_NE(signedItem(*authoriserNamed("Zoom", longToken)), "(refused)");
 }
 
+TEST(AccountAuthoriser, GivesTheTokenAsItSendsIt) {
+    const MemoryKeyChain keyChain;
+    auto given = credentials(now);
+    EXPECT_EQ(authoriserNamed("Hubspot", given)->accessToken(), "token-1");
+    given.accessToken = "token-1\r\n";
+    EXPECT_EQ(authoriserNamed("Hubspot", given)->accessToken(), "token-1");
+    for (const auto& unusable : {std::optional<std::string>(), std::optional<std::string>("to ken")}) {
+        given.accessToken = unusable;
+        EXPECT_EQ(authoriserNamed("Hubspot", given)->accessToken(), std::nullopt);
+    }
+    const auto refreshed = authoriserNamed("Hubspot", credentials(now));
+    EXPECT_TRUE(refreshed->updateToken(newToken));
+    EXPECT_EQ(refreshed->accessToken(), "token-2");
+}
+
 TEST(AccountAuthoriser, ItsSecretsAreMaskedInTheLogFromTheBeginning) {
     const MemoryKeyChain keyChain;
     auto secret = credentials();

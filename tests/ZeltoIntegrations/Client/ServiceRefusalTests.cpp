@@ -188,6 +188,20 @@ TEST(ServiceRefusal, SaysHowLargeARequestWasThatIsTooLarge) {
     EXPECT_EQ(of(415, "12345"), std::nullopt);
 }
 
+TEST(ServiceRefusal, SaysWhetherItIsAConflict) {
+    const auto of = [](Responses responses) {
+        const TestHTTPServer server(std::move(responses));
+        const ServiceRoute route(server);
+        return ObservedClient().refusalsOf(itemRequest("POST")).at(0).isConflict;
+    };
+    EXPECT_TRUE(of({{.status = 409, .body = "exists"}}));
+    EXPECT_FALSE(of({{.status = 400, .body = "exists"}}));
+    EXPECT_FALSE(of({{.status = 410, .body = "exists"}}));
+    EXPECT_TRUE(of({{.status = 401, .body = "expired"},
+                    PlayedResponse::json(R"({"access_token":"new-token","expires_in":3600})"),
+                    {.status = 409, .body = "exists"}}));
+}
+
 TEST(ServiceRefusal, KnowsWhetherAnythingWasSent) {
     const auto of = [](const PlayedResponse& response) {
         const TestHTTPServer server([&](const ReceivedRequest&) { return response; });

@@ -137,6 +137,16 @@ TEST(ExportReportLog, TakesRequestsOfManyThreads) {
     EXPECT_EQ(report.refused, std::vector(800, Refused{"file", "b", Error::forbidden}));
 }
 
+TEST(ExportReportLog, LeavesOutWhatWasThereAlready) {
+    ExportReportLog log;
+    const auto place = log.begin("contact", "a");
+    log.note({.words = "exists already"});
+    log.withdraw(place);
+    log.refused(log.begin("contact", "b"), Error::forbidden);
+    log.close();
+    EXPECT_EQ(log.report(), (ExportReport{{}, {Refused{"contact", "b", Error::forbidden}}}));
+}
+
 TEST(ExportReportLog, BlocksThatAreLeftOutBelongToWhatWasMade) {
     ExportReportLog log;
     log.made(log.begin("page", "a", std::nullopt, 7), "1");

@@ -206,6 +206,17 @@ TEST_F(HubspotExportTest, AnEmailWithoutPartiesHasHeadersAllTheSame) {
     EXPECT_EQ(lastBody().find("associations"), nullptr);
 }
 
+TEST_F(HubspotExportTest, ARecipientWithoutAnAddressIsInNoHeader) {
+    one.data->parties = {.from = HubspotExport::tomas(),
+                         .to = Addresses{HubspotExport::party(""), HubspotExport::user()},
+                         .cc = Addresses{HubspotExport::party(" ")},
+                         .bcc = std::nullopt};
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(
+        lastProperty("hs_email_headers"),
+        JSONValue(R"({"from":{"email":"tomas@example.org"},"to":[{"email":"me@example.org"}],"cc":[]})"));
+}
+
 TEST_F(HubspotExportTest, TheHTMLIsAskedForWithTheFooterAndWithoutHeaderAndImages) {
     ASSERT_TRUE(one.run());
     const auto footer = R"(<p><a href="https://www.zelto.example?utm">Logged into CRM with Zelto</a></p>)";
