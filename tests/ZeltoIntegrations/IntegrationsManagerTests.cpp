@@ -94,6 +94,8 @@ struct PlainMeetingCreator : MeetingCreator {
 
     void cancelAllOperations() override {}
 
+    std::optional<ServiceClientError> lastError() const override { return std::nullopt; }
+
     std::optional<ServiceRefusal> lastRefusal() const override { return std::nullopt; }
 };
 

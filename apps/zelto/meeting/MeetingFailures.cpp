@@ -47,23 +47,29 @@ std::string unknownEffect(const MeetingCircumstances& about) {
 }
 
 Advice internalAdvice(const MeetingCircumstances& about) {
-    const auto& refusal = about.refusal;
-    if (!refusal) {
+    if (about.requestError == ServiceClientError::toManyRequests) {
+        return {about.service + " had too many requests; try again later", NextCommand::again()};
+    }
+    if (about.requestError == ServiceClientError::connectionError) {
+        const bool wasSent = !about.refusal || !about.refusal->nothingWasSent;
+        return {wasSent ? "The connection to " + about.service +
+                              " ended before its whole response had come, so " + unknownEffect(about)
+                        : about.service + " could not be reached",
+                NextCommand::again()};
+    }
+    if (about.requestError == ServiceClientError::dataParseError) {
         return {"The response of " + about.service + " could not be read, so " + unknownEffect(about),
                 NextCommand::againWith("--verbose")};
     }
-    if (refusal->nothingWasSent) {
-        return {about.service + " could not be reached", NextCommand::again()};
+    return {"The request to " + about.service + " could not be made", NextCommand::againWith("--verbose")};
+}
+
+Advice serviceAdvice(const MeetingCircumstances& about) {
+    if (about.requestError == ServiceClientError::serviceInternalError) {
+        return {about.service + " had an error of its own, so " + unknownEffect(about), NextCommand::again()};
     }
-    if (!refusal->words.empty()) {
-        return {about.service + " does not " + infinitive(about.action) + " the meeting now",
-                NextCommand::again()};
-    }
-    return {about.service +
-                " had too many requests, or the connection ended before its whole response had "
-                "come; in that case " +
-                unknownEffect(about),
-            NextCommand::again()};
+    return {about.service + " did not " + infinitive(about.action) + " the meeting",
+            NextCommand::againWith("--verbose")};
 }
 
 Advice notFoundAdvice(const MeetingCircumstances& about) {
@@ -83,8 +89,7 @@ Advice adviceFor(MeetingCreatorError error, const MeetingCircumstances& about) {
     case MeetingCreatorError::invalidAccount:
         return {about.service + " says that the account cannot be used", reconnect(about)};
     case MeetingCreatorError::serviceError:
-        return {about.service + " did not " + infinitive(about.action) + " the meeting",
-                NextCommand::againWith("--verbose")};
+        return serviceAdvice(about);
     case MeetingCreatorError::internalError:
         return internalAdvice(about);
     case MeetingCreatorError::itemNotFound:

@@ -18,6 +18,7 @@ struct MeetingCircumstances {
     std::string service; // as the program shows it
     std::string account; // its identifier
     std::string meeting; // its identifier, of one that there was before
+    std::optional<ServiceClientError> requestError;
     std::optional<ServiceRefusal> refusal;
     bool wasInterrupted = false;
     std::optional<std::chrono::milliseconds> stalledFor; // and was cancelled for that

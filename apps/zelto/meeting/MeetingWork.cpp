@@ -64,6 +64,7 @@ Outcome<ConferenceDetails> MeetingWork::run(const MeetingOperation& operation) {
                                .service = service(),
                                .account = identifier(),
                                .meeting = operation.meeting,
+                               .requestError = creator->lastError(),
                                .refusal = creator->lastRefusal(),
                                .wasInterrupted = interruption.stop().stop_requested(),
                                .stalledFor = {}};

@@ -21,8 +21,12 @@ void MeetingClient::cancelAllOperations() {
     ServiceClient::cancelAllOperations();
 }
 
+std::optional<ServiceClientError> MeetingClient::lastError() const {
+    return lastFailure_->value().error;
+}
+
 std::optional<ServiceRefusal> MeetingClient::lastRefusal() const {
-    return lastRefusal_->value();
+    return lastFailure_->value().refusal;
 }
 
 JSONEncoder MeetingClient::jsonEncoder() {
@@ -30,18 +34,15 @@ JSONEncoder MeetingClient::jsonEncoder() {
 }
 
 void MeetingClient::performChange(ServiceRequest request, ChangeCompletion completion) {
-    beginOperation();
-    performMapped<Empty>(
-        *this, std::move(request), [](Empty) { return Result<void, MeetingCreatorError>(); },
-        meetingCreatorError, std::move(completion));
+    performNoting<Empty>(
+        std::move(request), [](Empty) { return Result<void, MeetingCreatorError>(); }, meetingCreatorError,
+        std::move(completion));
 }
 
-void MeetingClient::beginOperation() {
-    lastRefusal_->exchange(std::nullopt);
-}
-
-ServiceClient::RefusalObserver MeetingClient::refusalNote() const {
-    return [last = lastRefusal_](const ServiceRefusal& refusal) { last->exchange(refusal); };
+RefusalObserver MeetingClient::refusalNote() const {
+    return [last = lastFailure_](const ServiceRefusal& refusal) {
+        last->modify([&](LastFailure& failure) { failure.refusal = refusal; });
+    };
 }
 
 void MeetingClient::logUnencodable(const EncodingError& error) {

@@ -18,6 +18,7 @@ namespace zelto {
 class MeetingClient : public ServiceClient, public MeetingCreator {
   public:
     void cancelAllOperations() final;
+    std::optional<ServiceClientError> lastError() const final;
     std::optional<ServiceRefusal> lastRefusal() const final;
 
   protected:
@@ -39,24 +40,38 @@ class MeetingClient : public ServiceClient, public MeetingCreator {
     // Begins an operation, whose response is an R, and completes with what `map` makes of that.
     template <class R, class Map>
     void performCreation(ServiceRequest request, Map map, CreationCompletion completion) {
-        beginOperation();
-        performMapped<R>(*this, std::move(request), std::move(map), meetingCreatorError,
-                         std::move(completion));
+        performNoting<R>(std::move(request), std::move(map), meetingCreatorError, std::move(completion));
     }
 
     // Begins an operation without a result: the response has the status 204, or is JSON.
     void performChange(ServiceRequest request, ChangeCompletion completion);
 
-    void beginOperation();
+    // The same for any operation; `mapError` makes its error of the request's.
+    template <class R, class T, class E, class Map, class MapError>
+    void performNoting(ServiceRequest request, Map map, MapError mapError, Completion<T, E> completion) {
+        lastFailure_->exchange({});
+        performMapped<R>(
+            *this, std::move(request), std::move(map),
+            [last = lastFailure_, mapError](ServiceClientError error) {
+                last->modify([&](LastFailure& failure) { failure.error = error; });
+                return mapError(error);
+            },
+            std::move(completion));
+    }
 
     // Notes a refusal; may be called after the client was released.
     RefusalObserver refusalNote() const;
 
   private:
+    // Of the operation that was begun last.
+    struct LastFailure {
+        std::optional<ServiceClientError> error;
+        std::optional<ServiceRefusal> refusal;
+    };
+
     static void logUnencodable(const EncodingError& error);
 
-    const std::shared_ptr<Protected<std::optional<ServiceRefusal>>> lastRefusal_ =
-        std::make_shared<Protected<std::optional<ServiceRefusal>>>();
+    const std::shared_ptr<Protected<LastFailure>> lastFailure_ = std::make_shared<Protected<LastFailure>>();
 };
 
 } // namespace zelto

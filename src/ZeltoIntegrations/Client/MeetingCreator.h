@@ -65,8 +65,11 @@ class MeetingCreator {
     // it.
     virtual void cancelAllOperations() = 0;
 
-    // What is known of why the operation that was begun last has failed, beside its error; no value where it
-    // has not, or where its response was one of success that could not be used.
+    // How the request of the operation that was begun last has failed, if it has: a MeetingCreatorError does
+    // not tell a lost connection, too many requests and a response that cannot be read apart.
+    virtual std::optional<ServiceClientError> lastError() const = 0;
+
+    // What else is known of why that operation has failed; no value where it has not.
     virtual std::optional<ServiceRefusal> lastRefusal() const = 0;
 };
 

@@ -41,9 +41,8 @@ void MicrosoftTeamsClient::deleteMeeting(const std::string& id, ChangeCompletion
 }
 
 void MicrosoftTeamsClient::fetchServiceData(Completion<void, IntegrationLoadError> completion) {
-    beginOperation();
-    performMapped<MSLicenceResponse>(
-        *this, ServiceRequest("GET", apiBaseURL, "/me/licenseDetails"),
+    performNoting<MSLicenceResponse>(
+        ServiceRequest("GET", apiBaseURL, "/me/licenseDetails"),
         [note = refusalNote()](const MSLicenceResponse& licences) -> LicenceCheck {
             if (hasWorkingPlan(licences)) {
                 return {};

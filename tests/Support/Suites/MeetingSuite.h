@@ -48,6 +48,7 @@ TYPED_TEST_P(Meetings, AreMadeChangedAndDeletedByOneRequestEach) {
     EXPECT_EQ(this->create(*client), TypeParam::details());
     EXPECT_TRUE(this->update(*client, "1"));
     EXPECT_TRUE(this->remove(*client, "1"));
+    EXPECT_EQ(client->lastError(), std::nullopt);
     EXPECT_EQ(client->lastRefusal(), std::nullopt);
     EXPECT_EQ(this->service.lines().size(), 3U);
 }
@@ -55,9 +56,11 @@ TYPED_TEST_P(Meetings, AreMadeChangedAndDeletedByOneRequestEach) {
 TYPED_TEST_P(Meetings, EndOnceWithTheErrorOfEveryFailingResponse) {
     for (const auto& failing : failingResponses()) {
         this->respondAlways(failing.response);
-        const auto error = meetingCreatorError(fromName<ServiceClientError>(failing.error).value());
+        const auto error = fromName<ServiceClientError>(failing.error).value();
         const auto before = this->service.lines().size();
-        EXPECT_EQ(this->endsOfAll(*this->client()), this->all(error)) << failing.name;
+        const auto client = this->client();
+        EXPECT_EQ(this->endsOfAll(*client), this->all(meetingCreatorError(error))) << failing.name;
+        EXPECT_EQ(client->lastError(), error) << failing.name;
         EXPECT_EQ(this->service.lines().size(), before + 3) << failing.name;
     }
 }
@@ -74,7 +77,7 @@ TYPED_TEST_P(Meetings, AreNotMadeByAResponseThatCannotBeRead) {
         this->respondAlways(PlayedResponse::json(body, 201));
         const auto client = this->client();
         EXPECT_EQ(this->create(*client).error(), MeetingCreatorError::internalError) << body;
-        EXPECT_EQ(client->lastRefusal(), std::nullopt) << body;
+        EXPECT_EQ(client->lastError(), ServiceClientError::dataParseError) << body;
     }
 }
 

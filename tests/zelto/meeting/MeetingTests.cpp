@@ -203,7 +203,8 @@ TEST_F(Meeting, BeyondTheLimitOfADayIsToldInTheWordsOfTheService) {
     sandbox->setMeetings({.dailyLimit = 1});
     EXPECT_EQ(meeting({"create", "zoom"}).status, 0);
     const auto second = meeting({"create", "zoom"});
-    EXPECT_TRUE(firstLine(second).starts_with("zelto: internalError: Zoom does not make the meeting now (\""))
+    EXPECT_TRUE(firstLine(second).starts_with(
+        "zelto: internalError: Zoom had too many requests; try again later (\""))
         << second.errorOutput;
     EXPECT_EQ(second.suggestion(), "zelto meeting create zoom" + surroundings());
 }
@@ -222,11 +223,12 @@ TEST_F(Meeting, OfEveryFailureIsToldInAPlainSentenceWithTheNextCommand) {
         {403, "no", "forbidden: The account may not delete meetings on Zoom (\"no\").",
          "zelto reconnect Zoom+work"},
         {404, "<p>", "itemNotFound: Zoom has no meeting \"7\".", "zelto meeting delete --help"},
-        {429, "",
-         "internalError: Zoom had too many requests, or the connection ended before its whole response had "
-         "come; in that case it is not known whether the meeting was deleted.",
+        {429, "", "internalError: Zoom had too many requests; try again later.",
          "zelto meeting delete zoom 7 "},
-        {500, "<p>", "serviceError: Zoom did not delete the meeting.", "zelto meeting delete zoom 7 "},
+        {400, "<p>", "serviceError: Zoom did not delete the meeting.", "zelto meeting delete zoom 7 "},
+        {500, "<p>",
+         "serviceError: Zoom had an error of its own, so it is not known whether the meeting was deleted.",
+         "zelto meeting delete zoom 7 "},
         {503, "ResponseCode 412",
          "invalidAccount: Zoom says that the account cannot be used (\"ResponseCode "
          "412\").",
