@@ -7,6 +7,7 @@
 #include "accounts/KeyChainCheck.h"
 #include "accounts/ServiceNames.h"
 #include "base/Interruption.h"
+#include "base/Question.h"
 #include "commandline/Commands.h"
 #include "commandline/InvocationCheck.h"
 #include "sandbox/SandboxAccounts.h"
@@ -132,6 +133,24 @@ std::optional<std::string> startingName(const Invocation& invocation, ServiceTyp
     return takesPassword(type) ? invocation.value("--login") : invocation.value("--name");
 }
 
+// Whether the service gives its accounts no name, and somebody is there who can.
+bool asksForName(const Invocation& invocation, ServiceType type) {
+    const bool isNamedByService = IntegrationsManager::accountCheck(type) == AccountCheck::byExporter;
+    const bool isUnattended = invocation.has("--token") || invocation.has("--json") ||
+                              invocation.has("--quiet") || invocation.has("--follow");
+    return !isNamedByService && !takesPassword(type) && !invocation.has("--name") && !isUnattended &&
+           canAsk();
+}
+
+std::optional<std::string> nameForSignIn(const Invocation& invocation, ServiceType type) {
+    if (!asksForName(invocation, type)) {
+        return startingName(invocation, type);
+    }
+    auto typed = typedText("A name for this account of " + displayName(type) +
+                           ", to tell it from others (none with Enter):");
+    return typed.empty() ? std::nullopt : std::optional(std::move(typed));
+}
+
 } // namespace
 
 Outcome<Report> runConnect(const Invocation& invocation, const Terminal& terminal) {
@@ -158,6 +177,7 @@ Outcome<Report> runConnect(const Invocation& invocation, const Terminal& termina
     auto account =
         Outcome<Account>(ofFolder->value_or(Account(*type, startingName(invocation, *type), true)));
     if (needsSignIn) {
+        account = Account(*type, nameForSignIn(invocation, *type), true);
         workspace->storage().setMarksNewOfSandbox(workspace->usesSandbox());
         account = signedIn(invocation, *workspace, *std::move(account));
     }

@@ -3,6 +3,8 @@
 #include "base/Terminal.h"
 
 #include <Platform/ASCII.h>
+#include <Platform/Text.h>
+#include <Platform/UTF8.h>
 
 #include <cerrno>
 #include <unistd.h>
@@ -13,9 +15,9 @@ bool canAsk() {
     return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
 }
 
-bool confirms(const std::string& question) {
-    constexpr std::size_t maximumLine = 80;
-    writeError(question + " [y/N] ");
+std::string typedText(const std::string& question) {
+    constexpr std::size_t maximumLine = 1000;
+    writeError(question + " ");
     std::string line;
     for (char c = 0; line.size() < maximumLine;) {
         const auto count = ::read(STDIN_FILENO, &c, 1);
@@ -27,7 +29,11 @@ bool confirms(const std::string& question) {
         }
         line += c;
     }
-    const auto given = toASCIILower(line);
+    return std::string(trimmed(repairedUTF8(line)));
+}
+
+bool confirms(const std::string& question) {
+    const auto given = toASCIILower(typedText(question + " [y/N]"));
     return given == "y" || given == "yes";
 }
 

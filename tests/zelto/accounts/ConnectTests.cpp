@@ -96,6 +96,25 @@ TEST_F(Connect, KeepsWhatAServiceWithoutACheckGives) {
     EXPECT_TRUE(stored("Zoom").expirationDate);
 }
 
+TEST_F(Connect, AsksAtATerminalForTheNameThatAServiceDoesNotGive) {
+    sandbox->setConsent(SandboxConsent::allow);
+    const auto opener = " --opener " + browser(goThere);
+    const auto asksFor = [](const std::string& service, const std::string& typed) {
+        return "until('A name for this account of " + service + ".*:')\ntype('" + typed + "')\nend()\n";
+    };
+    const auto named = driveTerminal(asksFor("Zoom", " Büro \\n"), "connect zoom" + opener);
+    EXPECT_EQ(named.status, 0) << named.errorOutput;
+    EXPECT_TRUE(stored("Zoom+Büro").accessToken) << named.output;
+    const auto ofTeams = driveTerminal(asksFor("Microsoft Teams", "work\\n"), "connect teams" + opener);
+    EXPECT_EQ(ofTeams.status, 0) << ofTeams.errorOutput;
+    EXPECT_TRUE(stored("Microsoft Teams+work").accessToken) << ofTeams.output;
+    const auto unnamed = driveTerminal(asksFor("GoTo", "\\n"), "connect goto" + opener);
+    EXPECT_EQ(unnamed.status, 0) << unnamed.errorOutput;
+    EXPECT_TRUE(stored("GoTo").accessToken) << unnamed.output;
+    // Trello names its accounts itself.
+    EXPECT_EQ(driveTerminal("end()\n", "connect trello" + opener).status, 0);
+}
+
 TEST_F(Connect, VerifiesTheAccountOfEachServiceThatIsReady) {
     const auto services = checkedServices(true);
     EXPECT_FALSE(services.empty());

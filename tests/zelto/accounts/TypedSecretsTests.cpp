@@ -105,7 +105,7 @@ TEST_F(TypedSecrets, OfAPastedAddressAreTakenUnseen) {
                                                  "until('its end is missing')\n"
                                                  "type(target + '\\n')\n"
                                                  "end()\n",
-                                      "connect zoom --no-browser");
+                                      "connect zoom --name pasted --no-browser");
     EXPECT_EQ(pasted.status, 0) << pasted.errorOutput;
     EXPECT_TRUE(holds(pasted.errorOutput, "What you paste is not shown")) << pasted.errorOutput;
     EXPECT_FALSE(holds(pasted.errorOutput, "?code=")) << pasted.errorOutput;
