@@ -22,7 +22,7 @@ Outcome<Report> meetingDryRun(MeetingWork& work, const MeetingOperation& operati
                               const Terminal& terminal) {
     const auto type = work.serviceType();
     const auto recorder = RequestRecorder::start(
-        [type](const SentRequest& request) { return meetingStandIn(type, request.method); });
+        [type](const SentRequest& request) { return StandInResponse{meetingStandIn(type, request.method)}; });
     if (!recorder) {
         return failure(recorder.error());
     }
