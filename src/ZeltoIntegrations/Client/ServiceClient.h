@@ -33,8 +33,8 @@ class ServiceClient : public CancellableServiceClient, public std::enable_shared
     ServiceClient(const ServiceClient&) = delete;
     ServiceClient& operator=(const ServiceClient&) = delete;
 
-    // Called with what is known of each request that got no response of success, or one that cannot be read,
-    // before its completion and on the same thread. To be set before the first request.
+    // Called with what is known of each request that got no response of success, or one that refuses it all
+    // the same, before its completion and on the same thread. To be set before the first request.
     using RefusalObserver = zelto::RefusalObserver;
     void setRefusalObserver(RefusalObserver observer);
 

@@ -81,12 +81,14 @@ ServiceClientError dataParseError(const ServiceResponse& response, const Decodin
         return "Data parse error for request: " + response.url.absoluteString() +
                " with error: " + error.message();
     });
-    const ServiceRefusal refusal{wordsOfRefusingSuccess(viewOf(response.body))};
-    if (!refusal.words.empty()) {
-        log(LogLevel::error, [&] { return "The service refuses the request: " + refusal.words; });
-    }
-    if (onRefusal) {
-        onRefusal(refusal);
+    if (const auto refusal = refusalInSuccess(viewOf(response.body))) {
+        log(LogLevel::error, [&] {
+            const auto& words = refusal->words;
+            return "The service refuses the request" + (words.empty() ? "" : ": " + words);
+        });
+        if (onRefusal) {
+            onRefusal(*refusal);
+        }
     }
     return ServiceClientError::dataParseError;
 }

@@ -32,7 +32,7 @@ ServiceResult<ServiceResponse> serviceOutcome(URL url, std::optional<Data> data,
                                               const std::optional<URLError>& error);
 
 // The value that a service responded with: the body itself for a text or bytes, else its JSON. The observer,
-// which may be null, gets what a body that is no such value says of why.
+// which may be null, is called where a body that is no such value refuses the request.
 template <class T>
 ServiceResult<T> serviceValue(ServiceResponse response, const JSONDecoder& decoder,
                               const RefusalObserver& onRefusal = nullptr);

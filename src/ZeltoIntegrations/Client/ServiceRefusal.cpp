@@ -122,11 +122,14 @@ std::string wordsOfErrorBody(std::string_view body) {
     return isMessage ? cleanedWords(text) : std::string();
 }
 
-std::string wordsOfRefusingSuccess(std::string_view body) {
+std::optional<ServiceRefusal> refusalInSuccess(std::string_view body) {
     const auto json = JSONValue::parse(body);
     const auto* object = json ? json->asObject() : nullptr;
     const auto* ok = object ? object->find("ok") : nullptr;
-    return ok && *ok == JSONValue(false) ? cleanedWords(messageIn(*object)) : std::string();
+    if (!ok || *ok != JSONValue(false)) {
+        return std::nullopt;
+    }
+    return ServiceRefusal{cleanedWords(messageIn(*object))};
 }
 
 std::optional<ServiceRefusal> serviceRefusal(std::uint64_t requestSize, const std::optional<Data>& data,

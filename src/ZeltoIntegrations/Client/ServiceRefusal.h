@@ -41,9 +41,9 @@ std::string cleanedWords(std::string_view text);
 // plain text that is not HTML.
 std::string wordsOfErrorBody(std::string_view body);
 
-// The words in the body of a response of success that refuses the request all the same, by `"ok":false`;
-// empty for any other body.
-std::string wordsOfRefusingSuccess(std::string_view body);
+// What a response of success says that refuses the request all the same, by `"ok":false` in its body; no
+// value for any other body.
+std::optional<ServiceRefusal> refusalInSuccess(std::string_view body);
 
 // What the end of a data task says of a request of that size; no value for a response with a status of
 // success.

@@ -90,17 +90,22 @@ TEST(ServiceWords, AreTakenFromWhereServicesPutThem) {
     EXPECT_EQ(wordsOfErrorBody(std::string(10'000, 'a')), "") << "a page, not a message";
 }
 
-TEST(ServiceWords, OfASuccessAreThoseOfOneThatIsNotOk) {
-    EXPECT_EQ(wordsOfRefusingSuccess(R"({"ok":false,"error":"channel_not_found"})"), "channel_not_found");
-    EXPECT_EQ(wordsOfRefusingSuccess(R"({"error":" not_in\nchannel ","ok":false,"channel":"C1"})"),
-              "not_in channel");
-    EXPECT_EQ(wordsOfRefusingSuccess(R"({"ok":false,"error":")" + std::string(400, 'e') + R"("})"),
-              std::string(300, 'e'));
+TEST(ServiceRefusal, IsInASuccessThatIsNotOk) {
+    const std::pair<std::string, std::string> rows[] = {
+        {R"({"ok":false,"error":"channel_not_found"})", "channel_not_found"},
+        {R"({"error":" not_in\nchannel ","ok":false,"channel":"C1"})", "not_in channel"},
+        {R"({"ok":false,"error":")" + std::string(400, 'e') + R"("})", std::string(300, 'e')},
+        {R"({"ok":false})", ""},
+        {R"({"ok":false,"error":7})", ""},
+    };
+    for (const auto& [body, words] : rows) {
+        EXPECT_EQ(refusalInSuccess(body), (ServiceRefusal{words, false})) << body;
+    }
     for (const auto* body :
-         {R"({"ok":false})", R"({"ok":false,"error":7})", R"({"ok":true,"error":"x"})", R"({"error":"x"})",
-          R"({"ok":0,"error":"x"})", R"({"ok":null,"error":"x"})", R"({"ok":"false","error":"x"})",
-          R"([{"ok":false,"error":"x"}])", R"("text")", "text", "", "{\"ok\":false,\"error\":\"x\xff\"}"}) {
-        EXPECT_EQ(wordsOfRefusingSuccess(body), "") << body;
+         {R"({"ok":true,"error":"x"})", R"({"error":"x"})", R"({"ok":0,"error":"x"})",
+          R"({"ok":null,"error":"x"})", R"({"ok":"false","error":"x"})", R"([{"ok":false,"error":"x"}])",
+          R"("text")", "text", "", "{\"ok\":false,\"error\":\"x\xff\"}"}) {
+        EXPECT_EQ(refusalInSuccess(body), std::nullopt) << body;
     }
 }
 
@@ -140,20 +145,22 @@ TEST(ServiceRefusal, IsNoneOfASuccessNorOfATryThatWasRepeated) {
     EXPECT_TRUE(client.refusalsOf(itemRequest()).empty());
 }
 
-TEST(ServiceRefusal, IsToldOnceOfAResponseOfSuccessThatCannotBeRead) {
-    const std::pair<const char*, const char*> rows[] = {
-        {R"({"ok":false,"error":"is_archived"})", "is_archived"},
-        {R"({"error":"of another kind"})", ""},
-        {"<html>", ""},
+TEST(ServiceRefusal, IsToldOnceOfASuccessThatCannotBeReadAndIsNotOk) {
+    using Refusals = std::vector<ServiceRefusal>;
+    const std::pair<const char*, Refusals> rows[] = {
+        {R"({"ok":false,"error":"is_archived"})", {{"is_archived", false}}},
+        {R"({"ok":false})", {{"", false}}},
+        {R"({"error":"of another kind"})", {}},
+        {"<html>", {}},
     };
-    for (const auto& [body, words] : rows) {
+    for (const auto& [body, refusals] : rows) {
         const TestHTTPServer server(Responses{PlayedResponse::json(body)});
         const ServiceRoute route(server);
         ObservedClient observed;
         Completed<ServiceResult<int>> completed;
         observed.client().perform<int>(itemRequest(), nullptr, completed.callback<ServiceCompletion<int>>());
         EXPECT_EQ(completed.value().error(), E::dataParseError);
-        EXPECT_EQ(observed.refusals(), (std::vector<ServiceRefusal>{{words, false}})) << body;
+        EXPECT_EQ(observed.refusals(), refusals) << body;
     }
 }
 
