@@ -14,9 +14,9 @@ constexpr std::uint64_t mebibyte = std::uint64_t{1} << 20;
 template <class Adapter, class Export>
 std::vector<std::string> passedLimits(Export& one, const std::vector<cli::SentRequest>& requests) {
     std::vector<std::string> all;
-    for (const auto& [what, limit, actual, unit] :
-         Adapter::passedLimits(*one.exporter(), one.configuration, requests)) {
-        all.push_back(what + ": " + std::to_string(actual) + " of " + std::to_string(limit) + " " + unit);
+    for (const auto& each : Adapter::passedLimits(*one.exporter(), one.configuration, requests)) {
+        all.push_back(each.what + ": " + std::to_string(each.actual) + " of " + std::to_string(each.limit) +
+                      " " + each.unit);
     }
     return all;
 }

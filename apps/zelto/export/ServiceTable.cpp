@@ -10,6 +10,7 @@
 #include "export/services/ICloudAdapter.h"
 #include "export/services/NotionAdapter.h"
 #include "export/services/OneNoteAdapter.h"
+#include "export/services/SlackAdapter.h"
 #include "export/services/TodoistAdapter.h"
 #include "export/services/TrelloAdapter.h"
 
@@ -46,8 +47,9 @@ constexpr ServiceRow rows[] = {
     {ServiceType::Evernote, open<EvernoteAdapter>},   {ServiceType::GoogleDrive, open<GoogleDriveAdapter>},
     {ServiceType::iCloudDrive, open<ICloudAdapter>},  {ServiceType::Notion, open<NotionAdapter>},
     {ServiceType::OmniFocus, open<OmniFocusAdapter>}, {ServiceType::OneNote, open<OneNoteAdapter>},
-    {ServiceType::Things, open<ThingsAdapter>},       {ServiceType::TodoIst, open<TodoistAdapter>},
-    {ServiceType::Trello, open<TrelloAdapter>},       {ServiceType::Type2Do, open<TwoDoAdapter>},
+    {ServiceType::Slack, open<SlackAdapter>},         {ServiceType::Things, open<ThingsAdapter>},
+    {ServiceType::TodoIst, open<TodoistAdapter>},     {ServiceType::Trello, open<TrelloAdapter>},
+    {ServiceType::Type2Do, open<TwoDoAdapter>},
 };
 
 } // namespace
