@@ -105,21 +105,39 @@ void addUnusedOptions(JSONObject& members, const ExportPlan& plan) {
     }
 }
 
-// Of a long message, whose end the service has no room for.
-void addBlocksLeftOut(JSONObject& members, const MessageWork& work, std::string_view verb) {
-    std::size_t count = 0;
+// A count of what each thing that was made may lack of the message.
+struct LeftOut {
+    std::size_t ExportReport::Made::*count;
+    std::string_view unit;
+    std::string_view key; // in JSON
+};
+
+constexpr LeftOut leftOutKinds[] = {
+    {&ExportReport::Made::leftOutBlocks, "block", "leftOutBlocks"},
+    {&ExportReport::Made::leftOutCharacters, "character", "leftOutCharacters"}};
+
+void addLeftOut(JSONObject& members, const MessageWork& work, std::string_view verb, const LeftOut& kind) {
+    std::size_t total = 0;
     for (const auto& made : work.session->report().made) {
-        if (made.leftOutBlocks == 0) {
+        const auto count = made.*kind.count;
+        if (count == 0) {
             continue;
         }
-        count += made.leftOutBlocks;
+        total += count;
         writeError("zelto: warning: the " + escapeControlCharacters(listOf({made})) + " " +
-                   std::string(verb) + " the end of the message, " + std::to_string(made.leftOutBlocks) +
-                   (made.leftOutBlocks == 1 ? " block: " : " blocks: ") + work.service() +
+                   std::string(verb) + " the end of the message, " + std::to_string(count) + " " +
+                   std::string(kind.unit) + (count == 1 ? ": " : "s: ") + work.service() +
                    " takes no more at once.\n");
     }
-    if (count > 0) {
-        members.set("leftOutBlocks", count);
+    if (total > 0) {
+        members.set(kind.key, total);
+    }
+}
+
+// Of a long message, whose end the service has no room for.
+void addEndLeftOut(JSONObject& members, const MessageWork& work, std::string_view verb) {
+    for (const auto& kind : leftOutKinds) {
+        addLeftOut(members, work, verb, kind);
     }
 }
 
@@ -168,7 +186,7 @@ Report reportOf(const MessageWork& work, const ExportPlan& plan, bool isDryRun, 
     }
     addWhatWasLeftOut(report.members, work, plan);
     addUnusedOptions(report.members, plan);
-    addBlocksLeftOut(report.members, work, "lacks");
+    addEndLeftOut(report.members, work, "lacks");
     addNotes(report.members, *work.notes);
     return report;
 }
@@ -181,7 +199,7 @@ Outcome<Report> shownRequests(const Invocation& invocation, const Terminal& term
     if (report) {
         addWhatWasLeftOut(report->members, work, plan);
         addUnusedOptions(report->members, plan);
-        addBlocksLeftOut(report->members, work, "would lack");
+        addEndLeftOut(report->members, work, "would lack");
         addNotes(report->members, *work.notes);
     }
     return report;

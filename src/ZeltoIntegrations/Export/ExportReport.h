@@ -21,6 +21,7 @@ struct ExportReport {
         std::optional<std::string> identifier; // the service's own, where it gives one
         // Of the blocks of its content, those from the end on that the service has no room for.
         std::size_t leftOutBlocks = 0;
+        std::size_t leftOutCharacters = 0; // the same of a text
 
         bool operator==(const Made&) const = default;
     };

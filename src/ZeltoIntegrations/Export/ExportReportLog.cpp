@@ -5,13 +5,14 @@
 namespace zelto {
 
 std::size_t ExportReportLog::begin(std::string kind, std::string name, std::optional<std::uint64_t> fileSize,
-                                   std::size_t leftOutBlocks) {
+                                   std::size_t leftOutBlocks, std::size_t leftOutCharacters) {
     const std::lock_guard guard(lock_);
     noted_.reset();
     entries_.push_back({.kind = std::move(kind),
                         .name = std::move(name),
                         .fileSize = fileSize,
-                        .leftOutBlocks = leftOutBlocks});
+                        .leftOutBlocks = leftOutBlocks,
+                        .leftOutCharacters = leftOutCharacters});
     return entries_.size() - 1;
 }
 
@@ -66,7 +67,8 @@ ExportReport ExportReportLog::report() const {
             continue;
         }
         if (each.isMade) {
-            report.made.push_back({each.kind, each.name, each.identifier, each.leftOutBlocks});
+            report.made.push_back(
+                {each.kind, each.name, each.identifier, each.leftOutBlocks, each.leftOutCharacters});
         } else if (each.reason || isClosed_) {
             report.refused.push_back(
                 {each.kind, each.name, each.reason.value_or(ServiceClientError::connectionError),

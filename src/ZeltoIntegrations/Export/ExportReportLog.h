@@ -17,7 +17,7 @@ class ExportReportLog {
     // A request begins that makes something, of a file of that many bytes where it is one, without so many
     // blocks of its content; gives its place.
     std::size_t begin(std::string kind, std::string name, std::optional<std::uint64_t> fileSize = {},
-                      std::size_t leftOutBlocks = 0);
+                      std::size_t leftOutBlocks = 0, std::size_t leftOutCharacters = 0);
     void made(std::size_t place, std::optional<std::string> identifier);
     void refused(std::size_t place, ServiceClientError reason);
 
@@ -41,6 +41,7 @@ class ExportReportLog {
         std::string name;
         std::optional<std::uint64_t> fileSize;
         std::size_t leftOutBlocks = 0;
+        std::size_t leftOutCharacters = 0;
         bool isMade = false;
         bool isWithdrawn = false;
         std::optional<std::string> identifier;

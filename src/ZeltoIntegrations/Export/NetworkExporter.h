@@ -35,7 +35,9 @@ class NetworkExporter : public StepExporter {
         std::string_view warning;  // in the log, before the name of the request's error
         std::string_view function; // that logs it
         std::optional<std::uint64_t> fileSize = {};
-        std::size_t leftOutBlocks = 0; // of its content, for which the service has no room
+        // Of its content, for which the service has no room.
+        std::size_t leftOutBlocks = 0;
+        std::size_t leftOutCharacters = 0;
     };
 
     // The upload of a file, which fails with `uploadAttachmentError`.
@@ -152,7 +154,8 @@ template <class T, class R, class ResultOf, class IdentifierOf, class RefusalOf>
 Completion<T, ServiceClientError> NetworkExporter::reported(StepRun& run, Making making,
                                                             StepCompletion<R> done, ResultOf resultOf,
                                                             IdentifierOf identifierOf, RefusalOf refusalOf) {
-    const auto place = run.report().begin(making.kind, making.name, making.fileSize, making.leftOutBlocks);
+    const auto place = run.report().begin(making.kind, making.name, making.fileSize, making.leftOutBlocks,
+                                          making.leftOutCharacters);
     return [&run, place, making = std::move(making), done = std::move(done), resultOf, identifierOf,
             refusalOf](Result<T, ServiceClientError> value) mutable {
         if (!value) {

@@ -410,7 +410,8 @@ void HubspotExporter::createNote(StepRun& run, const Step<std::string>& body,
                                  .name = dataInteractor().title(),
                                  .error = std::nullopt,
                                  .warning = "Hubspot creation note error: ",
-                                 .function = "createNote(configuration:updateProgress:)"},
+                                 .function = "createNote(configuration:updateProgress:)",
+                                 .leftOutCharacters = leftOutOfHubspotNote(*resultOf(body))},
                                 std::move(done)));
 }
 

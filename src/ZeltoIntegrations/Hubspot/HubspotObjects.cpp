@@ -85,6 +85,11 @@ HubspotPayloadCreateNote hubspotNote(const std::string& text, const std::vector<
             .associations = associationsOf(contactIds, AssociationId::noteToContact)};
 }
 
+std::size_t leftOutOfHubspotNote(const std::string& text) {
+    const auto kept = prefixCharacters(text, maximumHubspotNote);
+    return characterCount(std::string_view(text).substr(kept.size()));
+}
+
 HubspotPayloadCreateMeeting hubspotMeeting(std::string title, HubspotMeetingContent content,
                                            std::optional<Date> start, std::optional<Date> end,
                                            const std::vector<std::string>& contactIds, Date now) {

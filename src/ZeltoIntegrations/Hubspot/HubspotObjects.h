@@ -47,6 +47,9 @@ std::optional<HubspotPayloadCreateEmail> hubspotEmail(std::string subject,
 HubspotPayloadCreateNote hubspotNote(const std::string& text, const std::vector<std::string>& contactIds,
                                      Date now);
 
+// How many characters of the text the note lacks.
+std::size_t leftOutOfHubspotNote(const std::string& text);
+
 // Begins at `now` without a start, and lasts an hour without an end.
 HubspotPayloadCreateMeeting hubspotMeeting(std::string title, HubspotMeetingContent content,
                                            std::optional<Date> start, std::optional<Date> end,
