@@ -227,7 +227,7 @@ const std::vector<CommandSpec> table = {
       {"--contacts",
        "WHOSE",
        "Which addresses of the mail it belongs to as contacts, for a service that keeps contacts; a contact "
-       "that is missing is made. This and the next two are remembered",
+       "that is missing is made. This and the next three are remembered",
        ValueKind::text,
        {"senderOnly", "allExternalRecipients", "none"}},
       {"--stage", "ID|LABEL",

@@ -128,9 +128,9 @@ template <class Adapter> class AdaptedSession final : public ExportSession {
         return {};
     }
 
-    std::string assumption() const override {
+    std::string assumption(const std::vector<SentRequest>& requests) const override {
         if (!Adapter::takesPolicy || policy_ == ExportFilePolicy::keepBoth) {
-            return Adapter::assumption(*prepared_);
+            return Adapter::assumption(requests);
         }
         return std::string("Shown as for a folder without files of these names, which is not looked at; ") +
                (policy_ ? "such files would be replaced." : "with such files the export would end there.");

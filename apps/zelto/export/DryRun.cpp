@@ -86,7 +86,7 @@ Outcome<Report> dryRun(const MessageWork& work, const ExportPlan& plan, const Te
     const auto limits = work.session->passedLimits(requests);
     const auto refusals = work.session->refusals(requests);
     auto sentences = refusals;
-    const auto assumption = result ? work.session->assumption() : std::string();
+    const auto assumption = result ? work.session->assumption(requests) : std::string();
     if (!assumption.empty()) {
         sentences.insert(sentences.begin(), assumption);
     }

@@ -386,6 +386,18 @@ JSONObject membersOf(const ExportReport& report) {
     return members;
 }
 
+std::string thereAlready(const ExportCircumstances& about, const std::string& how, bool isContact) {
+    auto made = about.report.made;
+    std::erase_if(made,
+                  [&](const ExportReport::Made& each) { return (each.kind == "contact") != isContact; });
+    return made.empty() ? "" : " On " + about.service + " already" + how + ": " + cli::listOf(made) + ".";
+}
+
+// A contact is found by the next export; anything else is made once more.
+std::string whatIsThere(const ExportCircumstances& about) {
+    return thereAlready(about, ", and made again by another export", false) + thereAlready(about, "", true);
+}
+
 // Without the full stop.
 Advice loadAdvice(IntegrationLoadError error, const std::string& service, const std::string& account) {
     switch (error) {
@@ -414,11 +426,7 @@ Failure exportFailure(IntegrationExportError error, const ExportCircumstances& a
     auto [message, next] = isForWantOfTarget(error, about)
                                ? Advice{about.missingTarget->message, about.missingTarget->next}
                                : adviceOn(error, about);
-    if (!about.report.made.empty()) {
-        message += " On " + about.service +
-                   " already, and made again by another export: " + listOf(about.report.made) + ".";
-    }
-    message += otherRefusals(error, about) + unknownOutcome(about);
+    message += whatIsThere(about) + otherRefusals(error, about) + unknownOutcome(about);
     const bool hasStalled = error == IntegrationExportError::canceled && about.hasStalled;
     const auto status = error == IntegrationExportError::canceled && !hasStalled ? ExitStatus::interrupted
                                                                                  : ExitStatus::failed;

@@ -101,7 +101,7 @@ class ExportSession {
     virtual StandInResponse standInResponse(const SentRequest& request) const = 0;
     virtual std::vector<PassedLimit> passedLimits(const std::vector<SentRequest>& requests) const = 0;
     virtual std::vector<std::string> refusals(const std::vector<SentRequest>& requests) const = 0;
-    virtual std::string assumption() const = 0;
+    virtual std::string assumption(const std::vector<SentRequest>& requests) const = 0;
 };
 
 } // namespace zelto::cli

@@ -95,7 +95,7 @@ template <class E> struct ServiceAdapter {
     static std::optional<RefusalAdvice> adviceOn(const RefusedRequest& /*refused*/) { return std::nullopt; }
 
     // In a dry run: a sentence about what is taken for granted of the service; empty for nothing.
-    static std::string assumption(const Configuration& /*configuration*/) { return {}; }
+    static std::string assumption(const std::vector<SentRequest>& /*requests*/) { return {}; }
 
     // In a dry run: what of the requests the service would refuse, beside what passes a limit; in sentences.
     static std::vector<std::string> refusals(const std::vector<SentRequest>& /*requests*/) { return {}; }

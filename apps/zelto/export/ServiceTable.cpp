@@ -7,6 +7,7 @@
 #include "export/services/DropboxAdapter.h"
 #include "export/services/EvernoteAdapter.h"
 #include "export/services/GoogleDriveAdapter.h"
+#include "export/services/HubspotAdapter.h"
 #include "export/services/ICloudAdapter.h"
 #include "export/services/NotionAdapter.h"
 #include "export/services/OneNoteAdapter.h"
@@ -42,14 +43,14 @@ std::unique_ptr<ExportSession> open(IntegrationsManager& manager, const ServiceA
 
 // Every service that the program can export to. Nothing else of the program names one.
 constexpr ServiceRow rows[] = {
-    {ServiceType::Agenda, open<AgendaAdapter>},       {ServiceType::Asana, open<AsanaAdapter>},
-    {ServiceType::Bear, open<BearAdapter>},           {ServiceType::Dropbox, open<DropboxAdapter>},
-    {ServiceType::Evernote, open<EvernoteAdapter>},   {ServiceType::GoogleDrive, open<GoogleDriveAdapter>},
-    {ServiceType::iCloudDrive, open<ICloudAdapter>},  {ServiceType::Notion, open<NotionAdapter>},
-    {ServiceType::OmniFocus, open<OmniFocusAdapter>}, {ServiceType::OneNote, open<OneNoteAdapter>},
-    {ServiceType::Slack, open<SlackAdapter>},         {ServiceType::Things, open<ThingsAdapter>},
-    {ServiceType::TodoIst, open<TodoistAdapter>},     {ServiceType::Trello, open<TrelloAdapter>},
-    {ServiceType::Type2Do, open<TwoDoAdapter>},
+    {ServiceType::Agenda, open<AgendaAdapter>},     {ServiceType::Asana, open<AsanaAdapter>},
+    {ServiceType::Bear, open<BearAdapter>},         {ServiceType::Dropbox, open<DropboxAdapter>},
+    {ServiceType::Evernote, open<EvernoteAdapter>}, {ServiceType::GoogleDrive, open<GoogleDriveAdapter>},
+    {ServiceType::Hubspot, open<HubspotAdapter>},   {ServiceType::iCloudDrive, open<ICloudAdapter>},
+    {ServiceType::Notion, open<NotionAdapter>},     {ServiceType::OmniFocus, open<OmniFocusAdapter>},
+    {ServiceType::OneNote, open<OneNoteAdapter>},   {ServiceType::Slack, open<SlackAdapter>},
+    {ServiceType::Things, open<ThingsAdapter>},     {ServiceType::TodoIst, open<TodoistAdapter>},
+    {ServiceType::Trello, open<TrelloAdapter>},     {ServiceType::Type2Do, open<TwoDoAdapter>},
 };
 
 } // namespace

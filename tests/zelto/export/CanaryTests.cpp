@@ -91,7 +91,8 @@ TEST(Canary, AppearsInNoByteThatTheCommandsWrite) {
     {
         const auto storage = SQLiteAccountStorage::open(zelto.dataDirectory());
         ASSERT_TRUE(storage);
-        for (const auto type : {ServiceType::Bear, ServiceType::Trello, ServiceType::Things}) {
+        for (const auto type :
+             {ServiceType::Bear, ServiceType::Trello, ServiceType::Things, ServiceType::Hubspot}) {
             ServiceAccountConfiguration account(type, "user", true);
             account.credentials = canaries(account.identifier());
             ServiceCredentialsManager::store(*account.credentials);
@@ -121,6 +122,7 @@ TEST(Canary, AppearsInNoByteThatTheCommandsWrite) {
         {"export", mail, "--to", "Things+user", "--opener", "-"},
         {"export", mail, "--to", "Things+user", "--opener", "false"},
         {"export", mail, "--to", "Trello+user", "--dry-run"},
+        {"export", mail, "--to", "Hubspot+user", "--contacts", "senderOnly", "--dry-run"},
         {"export", mail, "--to", "omnifocus", "--progress", "json", "--opener", opener},
         {"accounts", "restore", "Trello+user"},
         {"accounts", "remove", "Nobody"},

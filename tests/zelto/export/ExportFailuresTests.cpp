@@ -299,6 +299,16 @@ TEST(ExportFailures, SayWhatTheServicesOwnWordsMeanAndWhatHelps) {
     EXPECT_EQ(failureBy(log).next, NextCommand::againWith("--verbose"));
 }
 
+TEST(ExportFailures, TellContactsThatAreFoundAgainFromWhatIsMadeAgain) {
+    auto about = refused({.kind = "meeting", .name = "M", .reason = ServiceClientError::apiCallError});
+    about.tellsMissingTargets = true;
+    about.report.made = {{"contact", "a@b.example", {}}, {"note", "N", {}}, {"contact", "c@d.example", {}}};
+    EXPECT_EQ(exportFailure(Error::internalError, about).message,
+              "Trello did not take the meeting \"M\": it refused the request. On Trello already, and made "
+              "again by another export: note \"N\". On Trello already: contact \"a@b.example\", contact "
+              "\"c@d.example\".");
+}
+
 TEST(ExportFailures, OfLoadingSayWhatTheServicesOwnWordsMean) {
     using enum RefusalAdvice::Remedy;
     const ServiceRefusal refusal{"token_revoked"};
