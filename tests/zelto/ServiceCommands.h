@@ -23,7 +23,8 @@ namespace zelto {
 // alone. Each suite says which further facts it needs. A service that tells the failures of its sign-in and
 // of the connection from others has `static constexpr bool tellsErrorsApart = true`; one whose exports have
 // the mail's subject for their title, `static constexpr bool takesTitle = false`; one that shows its first
-// target otherwise than it is typed, `firstTarget`.
+// target otherwise than it is typed, `firstTarget`; one that goes nowhere unless a target was chosen once,
+// `static constexpr bool offersTarget = false`: of its account the first target was.
 template <class T>
 concept CommandFacts = requires(typename T::Server& service) {
     { T::name } -> std::convertible_to<std::string>; // as the program shows it
@@ -75,6 +76,10 @@ template <CommandFacts Facts> class ServiceCommands : public testing::Test {
         const auto loaded = run({"targets", account, "--refresh"});
         ASSERT_EQ(loaded.status, 0) << loaded.errorOutput;
         ASSERT_GT(service.lines().size(), 0U);
+        if (!offersTarget()) {
+            const auto chosen = exportTitle({"--target", targets().front()});
+            ASSERT_EQ(chosen.status, 0) << chosen.errorOutput;
+        }
         loadedBy_ = service.server.requests().size();
     }
 
@@ -156,6 +161,23 @@ template <CommandFacts Facts> class ServiceCommands : public testing::Test {
         return first == "/" ? "" : first;
     }
 
+    static constexpr bool offersTarget() {
+        if constexpr (requires { Facts::offersTarget; }) {
+            return Facts::offersTarget;
+        }
+        return true;
+    }
+
+    // From here on the commands have another account, of which nothing is remembered.
+    void useNewAccount() {
+        const ServiceAccountConfiguration added(Facts::type, "new@example.org", true);
+        addAccount(zelto, added);
+        account = added.identifier();
+        to = account;
+        refresh = "zelto targets " + account + " --refresh";
+        reconnect = "zelto reconnect " + account;
+    }
+
     static constexpr bool takesTitle() {
         if constexpr (requires { Facts::takesTitle; }) {
             return Facts::takesTitle;
@@ -189,10 +211,10 @@ template <CommandFacts Facts> class ServiceCommands : public testing::Test {
 
     const std::string name = Facts::name;
     const std::string mail = ZeltoProgram::sample("project-kickoff.eml");
-    const std::string account = ServiceAccountConfiguration(Facts::type, "me@example.org", true).identifier();
-    const std::string to = toASCIILower(Facts::name);
-    const std::string refresh = "zelto targets " + account + " --refresh";
-    const std::string reconnect = "zelto reconnect " + account;
+    std::string account = ServiceAccountConfiguration(Facts::type, "me@example.org", true).identifier();
+    std::string to = toASCIILower(Facts::name);
+    std::string refresh = "zelto targets " + account + " --refresh";
+    std::string reconnect = "zelto reconnect " + account;
     ZeltoProgram zelto;
     const std::string converter = zelto.home.write("converter", "printf '%%PDF-1.7 page' > \"$2\"\n");
     typename Facts::Server service;

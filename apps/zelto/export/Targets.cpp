@@ -404,6 +404,9 @@ bool holdsTargets(const TargetTree& tree) {
 
 Failure noTarget(const TargetTree& tree, const std::string& service, const std::string& account) {
     const bool isKnown = !tree.levels.empty();
+    if (holdsTargets(tree) && !tree.suggestsFirst) {
+        return {"noTarget", "No target is chosen.", targetsCommand(account)};
+    }
     if (holdsTargets(tree)) {
         const auto paths = pathLinesOf(tree);
         return {"noTarget", "No target is chosen.",
@@ -420,8 +423,12 @@ Failure targetsUnknown(const std::string& service, const std::string& account, s
             refreshCommand(account)};
 }
 
+std::string targetsCommand(const std::string& account) {
+    return "zelto targets " + shellWord(account);
+}
+
 std::string refreshCommand(const std::string& account) {
-    return "zelto targets " + shellWord(account) + " --refresh";
+    return targetsCommand(account) + " --refresh";
 }
 
 } // namespace zelto::cli

@@ -34,6 +34,8 @@ struct TargetTree {
     // "channel", "user".
     std::vector<std::string_view> kinds = {};
     std::string_view option = "--target"; // what chooses in it
+    // Whether the first target may be suggested to somebody who has chosen none.
+    bool suggestsFirst = true;
 };
 
 // Which node on each level, from the top.
@@ -78,6 +80,9 @@ std::string pathLinesOf(const TargetTree& tree);
 // "Trello shows no board with a list to put it into; make one there first."; where another option chooses,
 // "Hubspot shows no lifecycle stage for --stage; make one there first."
 std::string nothingToChoose(const TargetTree& tree, const std::string& service);
+
+// "zelto targets ID"
+std::string targetsCommand(const std::string& account);
 
 // "zelto targets ID --refresh"
 std::string refreshCommand(const std::string& account);

@@ -88,6 +88,16 @@ TEST(Targets, AreListedWithARemarkAndAreNamedWithoutIt) {
               "C1  (private)\n");
 }
 
+TEST(Targets, OfWhichNoneIsChosenAreSuggestedOrListed) {
+    TargetTree channels{.levels = {"channel"}, .nodes = {{"C1", "general"}}};
+    EXPECT_EQ(noTarget(channels, "Slack", "Slack+me").next, NextCommand::again("--target", "general"));
+    channels.suggestsFirst = false;
+    EXPECT_EQ(noTarget(channels, "Slack", "Slack+me").next, "zelto targets Slack+me");
+    EXPECT_EQ(noTarget(channels, "Slack", "Slack+me").message, "No target is chosen.");
+    channels.nodes.clear();
+    EXPECT_EQ(noTarget(channels, "Slack", "Slack+me").next, "zelto targets Slack+me --refresh");
+}
+
 TEST(Targets, OfAnotherOptionAreNamedForIt) {
     const TargetTree stages{.levels = {"stage"}, .nodes = {}, .option = "--stage"};
     EXPECT_EQ(nothingToChoose(stages, "CRM"), "CRM shows no stage for --stage; make one there first.");

@@ -124,7 +124,11 @@ std::vector<UnusedOption> SlackAdapter::unusedOptions(IntegrationExportContentTy
 }
 
 TargetTree SlackAdapter::targetTree(const SlackFullData& data) {
-    TargetTree tree{.levels = {"channel or person"}, .nodes = {}, .kinds = {channelKind, userKind}};
+    // A message must not appear where nobody has chosen to post it.
+    TargetTree tree{.levels = {"channel or person"},
+                    .nodes = {},
+                    .kinds = {channelKind, userKind},
+                    .suggestsFirst = false};
     const auto makeNode = [](const auto& each) { return nodeOf(each); };
     std::ranges::transform(data.channels, std::back_inserter(tree.nodes), makeNode);
     std::ranges::transform(data.users, std::back_inserter(tree.nodes), makeNode);

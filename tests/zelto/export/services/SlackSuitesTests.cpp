@@ -36,6 +36,7 @@ struct SlackFacts {
     static constexpr auto type = ServiceType::Slack;
     static constexpr auto exportType = "backLink";
     static constexpr bool takesTitle = false;
+    static constexpr bool offersTarget = false;
     static constexpr auto made = "message \"Project kick-off: lighthouse relaunch & first week\"";
 
     static void listTargets(Server& service) {

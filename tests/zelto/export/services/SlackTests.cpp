@@ -186,6 +186,15 @@ TEST_F(SlackCommands, AMailBecomesAMessageInAChannelByAnyOfItsNames) {
     EXPECT_EQ((std::set<std::string>{messages.begin(), messages.end()}).size(), 1U);
 }
 
+TEST_F(SlackCommands, AMailGoesNowhereUnlessATargetWasChosen) {
+    const auto outcome = exportOf(mail, {"--json"});
+    EXPECT_EQ(outcome.status, 1);
+    EXPECT_EQ(outcome.text("error"), "createTaskError");
+    EXPECT_EQ(outcome.text("message"), "No target is chosen.");
+    EXPECT_TRUE(outcome.text("next").starts_with("zelto targets " + account)) << outcome.output;
+    EXPECT_TRUE(messagesIn("announcements").empty());
+}
+
 TEST_F(SlackCommands, AMailGoesToAPersonByAnyOfTheirNames) {
     for (const auto* target : {"@zoe", "zoe", "Zoë ✨", "zoë ✨", "U0SANDBOX02"}) {
         const auto outcome = exportOf(mail, {"--target", target, "--as", "backLink"});
