@@ -77,7 +77,9 @@ template <CommandFacts Facts> class ServiceCommands : public testing::Test {
         ASSERT_EQ(loaded.status, 0) << loaded.errorOutput;
         ASSERT_GT(service.lines().size(), 0U);
         if (!offersTarget()) {
-            const auto chosen = exportTitle({"--target", targets().front()});
+            // Of the usual type, which is remembered too.
+            const auto chosen = run(
+                withMail("export", {"--target", targets().front(), "--web-link", "https://mail.example/1"}));
             ASSERT_EQ(chosen.status, 0) << chosen.errorOutput;
         }
         loadedBy_ = service.server.requests().size();

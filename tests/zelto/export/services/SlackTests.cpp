@@ -251,7 +251,7 @@ TEST_F(SlackCommands, ALongMessageIsNamedByTheDryRun) {
         body += std::string(70, 'a') + "\r\n";
     }
     const auto large = zelto.home.write("large.eml", mailWith("Large", body)).string();
-    const auto outcome = exportOf(large, {"--as", "emailBacklink", "--dry-run"});
+    const auto outcome = exportOf(large, {"--target", "general", "--as", "emailBacklink", "--dry-run"});
     EXPECT_NE(outcome.output.find("\nThe message's text would pass the limit of 40000 characters: it has "),
               std::string::npos)
         << outcome.output.substr(0, 1000);
