@@ -63,7 +63,7 @@ class MeetingClient : public ServiceClient, public MeetingCreator {
     RefusalObserver refusalNote() const;
 
   private:
-    // Of the operation that was begun last.
+    // Since the operation that was begun last.
     struct LastFailure {
         std::optional<ServiceClientError> error;
         std::optional<ServiceRefusal> refusal;

@@ -50,7 +50,7 @@ class MeetingCreator {
     using CreationCompletion = Completion<ConferenceDetails, MeetingCreatorError>;
     using ChangeCompletion = Completion<void, MeetingCreatorError>;
 
-    // Without both dates it is a meeting at no fixed time, as far as the service has such.
+    // Unless both dates are given it is a meeting at no fixed time, as far as the service has such.
     virtual void createMeeting(const std::optional<std::string>& title, std::optional<Date> startDate,
                                std::optional<Date> endDate, CreationCompletion completion) = 0;
 
@@ -65,11 +65,12 @@ class MeetingCreator {
     // it.
     virtual void cancelAllOperations() = 0;
 
-    // How the request of the operation that was begun last has failed, if it has: a MeetingCreatorError does
-    // not tell a lost connection, too many requests and a response that cannot be read apart.
+    // Of the last request that failed since an operation was begun last; no value where none has. A
+    // MeetingCreatorError does not tell a lost connection, too many requests and a response that cannot be
+    // read apart. Of operations under way at once it is not known whose request it was.
     virtual std::optional<ServiceClientError> lastError() const = 0;
 
-    // What else is known of why that operation has failed; no value where it has not.
+    // What else is known of that request; no value where nothing is.
     virtual std::optional<ServiceRefusal> lastRefusal() const = 0;
 };
 

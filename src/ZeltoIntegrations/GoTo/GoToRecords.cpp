@@ -21,7 +21,7 @@ ZELTO_JSON_RECORD(GoToMeetingResponse, meetingid, joinURL, conferenceCallInfo);
 namespace {
 
 constexpr TimeInterval anHour{3600};
-constexpr TimeInterval longestScheduled{36000};
+constexpr TimeInterval maximumScheduled{36000};
 
 } // namespace
 
@@ -33,7 +33,7 @@ GoToMeetingRequest goToMeetingRequest(const std::optional<std::string>& title, s
     if (startDate && endDate) {
         request.starttime = *startDate;
         request.endtime = *endDate;
-        request.meetingtype = *endDate - *startDate > longestScheduled ? GoToMeetingType::recurring
+        request.meetingtype = *endDate - *startDate > maximumScheduled ? GoToMeetingType::recurring
                                                                        : GoToMeetingType::scheduled;
     }
     return request;

@@ -6,7 +6,7 @@
 
 namespace zelto {
 
-// "ok" comes first in each, so that a refusal is told as such and not as what it lacks.
+// "ok" comes first in each, so that the error of a refusal is that, and not what the refusal lacks.
 ZELTO_JSON_RECORD(SlackSelfUserResponse, ok, user_id, user, team);
 ZELTO_JSON_RECORD(SlackResponseMetadata, (nextCursor, "next_cursor"));
 ZELTO_JSON_RECORD(SlackChannelListResponse, ok, channels, (responseMetadata, "response_metadata"));

@@ -103,7 +103,7 @@ TEST_F(MicrosoftTeamsClientTest, AnyPlanOfAnyLicenceThatWorksWillDo) {
     EXPECT_TRUE(checkWith(licences({{}, {"PendingActivation", "PendingProvisioning", "Success"}})));
 }
 
-TEST_F(MicrosoftTeamsClientTest, AUserWithoutAWorkingPlanIsRefusedAndIsToldWhy) {
+TEST_F(MicrosoftTeamsClientTest, AUserWithoutAWorkingPlanIsRefusedAndTheReasonIsKept) {
     for (const auto& each : std::vector<std::vector<Texts>>{
              {{"Disabled", "Disabled"}}, {}, {{}}, {{"Error"}, {"PendingInput"}}}) {
         service.onRequest = [text = licences(each)](const auto&) { return PlayedResponse::json(text); };

@@ -155,7 +155,7 @@ TEST(SlackResponses, AreNoneUnlessTheServiceSaysOkThoughAllElseIsThere) {
     expectNoneUnlessOk<SlackPostMessageResponse>(R"("channel":"C","ts":"1.2")");
 }
 
-TEST(SlackResponses, ARefusalIsToldAsOneAndNotAsWhatItLacks) {
+TEST(SlackResponses, TheErrorOfARefusalIsThatAndNotWhatItLacks) {
     for (const auto& error : {errorIn<SlackSelfUserResponse>(R"({"ok":false,"error":"invalid_auth"})"),
                               errorIn<SlackChannelListResponse>(R"({"error":"invalid_auth","ok":false})"),
                               errorIn<SlackUserListResponse>(R"({"ok":false})"),

@@ -199,7 +199,7 @@ TEST_F(Meeting, IsRefusedInTheWordsOfItsService) {
         << personal.output;
 }
 
-TEST_F(Meeting, BeyondTheLimitOfADayIsToldInTheWordsOfTheService) {
+TEST_F(Meeting, BeyondTheLimitOfADayIsRefusedInTheWordsOfItsService) {
     sandbox->setMeetings({.dailyLimit = 1});
     EXPECT_EQ(meeting({"create", "zoom"}).status, 0);
     const auto second = meeting({"create", "zoom"});
@@ -209,7 +209,7 @@ TEST_F(Meeting, BeyondTheLimitOfADayIsToldInTheWordsOfTheService) {
     EXPECT_EQ(second.suggestion(), "zelto meeting create zoom" + surroundings());
 }
 
-TEST_F(Meeting, OfEveryFailureIsToldInAPlainSentenceWithTheNextCommand) {
+TEST_F(Meeting, FailsWithAPlainSentenceAndTheNextCommandEachTime) {
     struct Row {
         int status;
         std::string body;
