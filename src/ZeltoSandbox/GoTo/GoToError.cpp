@@ -13,7 +13,7 @@ SandboxResponse GoToError::ofStatus(int status) {
     switch (status) {
     case 401:
         return SandboxResponse::json(
-                   JSONObject{{"int.err.code", "InvalidToken"}, {"msg", "Invalid token passed"}}, status)
+                   JSONObject{{"int_err_code", "InvalidToken"}, {"msg", "Invalid token passed"}}, status)
             .because("Invalid token passed");
     case 403:
         return GoToError{status, "PermissionDenied", "The user has no permission for this request."}

@@ -201,7 +201,7 @@ TEST_F(GoToSandboxTest, DeletesAMeetingOnce) {
 }
 
 TEST_F(GoToSandboxTest, RefusesARequestWithoutAGoodToken) {
-    const std::string refusal = R"({"int.err.code":"InvalidToken","msg":"Invalid token passed"})";
+    const std::string refusal = R"({"int_err_code":"InvalidToken","msg":"Invalid token passed"})";
     caller.server->expireTokens("GoTo");
     const auto expired = create();
     EXPECT_EQ(expired.status, 401);

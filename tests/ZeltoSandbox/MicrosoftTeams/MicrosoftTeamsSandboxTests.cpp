@@ -281,4 +281,12 @@ TEST_F(MicrosoftTeamsSandboxTest, ShowsAJoinPageAtTheJoinURL) {
     EXPECT_NE(untitled.body.find("Meeting without a title"), std::string::npos) << untitled.body;
 }
 
+TEST_F(MicrosoftTeamsSandboxTest, HasAdditionalMeetingsOnDemandAndForgetsEverythingAtAReset) {
+    set(R"({"additionalMeetings":1000})");
+    createdID();
+    EXPECT_EQ(caller.meetingCount(), 1001U);
+    caller.server->reset();
+    EXPECT_EQ(caller.meetingCount(), 0U);
+}
+
 } // namespace zelto
