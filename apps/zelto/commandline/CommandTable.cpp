@@ -316,8 +316,8 @@ const std::vector<CommandSpec> table = {
       "zelto meeting create zoom --title 'Open house' --json"}},
     {"meeting update",
      "Change a meeting",
-     "Writes a meeting anew, as `zelto meeting create` would make it with the same options: what is left out is "
-     "not kept by Zoom and GoTo; Microsoft Teams keeps it.",
+     "Writes a meeting anew, as `zelto meeting create` would make it with the same options, of --title, --start "
+     "and --end at least one: what is left out is not kept by Zoom and GoTo; Microsoft Teams keeps it.",
      {meetingAccount, meeting},
      withMeetingOptions(true),
      {"zelto meeting update zoom 92674392836 --title 'Weekly' --start 2026-12-24T11:00:00+01:00 --end "

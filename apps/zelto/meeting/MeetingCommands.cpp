@@ -50,6 +50,16 @@ MeetingOperation deletion(const std::string& id, ServiceType type) {
             }};
 }
 
+// Without any of them it would take from the meeting all that it has, on a service that keeps nothing that is
+// left out.
+Outcome<MeetingFields> fieldsOfUpdate(const Invocation& invocation) {
+    auto fields = MeetingFields::from(invocation);
+    if (fields && *fields == MeetingFields()) {
+        return wrongUsage("There is nothing to write into the meeting; give --title, --start or --end.");
+    }
+    return fields;
+}
+
 JSONObject described(const ConferenceDetails& details) {
     JSONObject members{{"id", details.id}};
     if (details.joinURL) {
@@ -112,7 +122,7 @@ Outcome<Report> runMeetingCreate(const Invocation& invocation, const Terminal& t
 }
 
 Outcome<Report> runMeetingUpdate(const Invocation& invocation, const Terminal& terminal) {
-    const auto fields = MeetingFields::from(invocation);
+    const auto fields = fieldsOfUpdate(invocation);
     auto work = fields ? MeetingWork::open(invocation) : failure(fields.error());
     if (!work) {
         return failure(work.error());

@@ -18,6 +18,8 @@ struct MeetingFields {
 
     // A date has a zone, and the end does not lie before the start.
     static Outcome<MeetingFields> from(const Invocation& invocation);
+
+    bool operator==(const MeetingFields&) const = default;
 };
 
 } // namespace zelto::cli

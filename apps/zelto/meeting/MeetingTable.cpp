@@ -61,7 +61,7 @@ std::string meetingStandIn(ServiceType type, const std::string& method) {
 std::vector<PassedLimit> passedMeetingLimits(ServiceType type, const std::optional<std::string>& title) {
     LimitCheck limits;
     if (const auto limit = rowOf(type)->titleLimit; limit && title) {
-        limits.check("the meeting's title", codePointCount(*title), *limit, "characters");
+        limits.check("the meeting's title", characterCount(*title), *limit, "characters");
     }
     return limits.passed();
 }

@@ -122,6 +122,22 @@ TEST_F(Meeting, ThatWouldEndBeforeItStartsIsWrongUsage) {
     EXPECT_EQ(meeting({"create", "zoom", "--start", start, "--end", start}).status, 0);
 }
 
+TEST_F(Meeting, ThatNothingIsWrittenIntoIsNotChanged) {
+    for (const auto& service : services) {
+        for (const auto& more : std::vector<ZeltoProgram::Arguments>{{}, {"--dry-run"}}) {
+            ZeltoProgram::Arguments arguments{"update", service, "7"};
+            arguments.insert(arguments.end(), more.begin(), more.end());
+            const auto outcome = meeting(arguments);
+            EXPECT_EQ(outcome.status, 2) << service;
+            EXPECT_EQ(firstLine(outcome),
+                      "zelto: wrongUsage: There is nothing to write into the meeting; give "
+                      "--title, --start or --end.");
+        }
+        EXPECT_EQ(meeting({"update", service, "7", "--title", "", "--dry-run"}).status, 0) << service;
+    }
+    EXPECT_EQ(sent().size(), 0U);
+}
+
 TEST_F(Meeting, WithADateWithoutAZoneIsWrongUsageAndNamesTheZoneOfTheMachine) {
     zelto.variables["TZ"] = "Asia/Kolkata";
     for (const std::string date : {"2026-12-24T10:00", "2026-12-24T10:00:00", "2026-12-24T10:00:00.5"}) {
@@ -321,6 +337,30 @@ TEST_F(Meeting, OfADryRunIsShownAndNotAskedFor) {
         EXPECT_EQ(meeting({"create", service, "--dry-run"}).status, 0);
     }
     EXPECT_EQ(sent().size(), 0U);
+}
+
+TEST_F(Meeting, HasATitleWhoseCharactersAreCountedAsItsServiceCountsThem) {
+    const auto titleOf = [](std::size_t count) {
+        std::string title;
+        for (std::size_t i = 0; i < count; ++i) {
+            title += "e\xCC\x81"; // one character of two code points
+        }
+        return title;
+    };
+    const std::pair<std::string, std::size_t> limits[] = {{"zoom", 200}, {"goto", 100}};
+    for (const auto& [service, limit] : limits) {
+        const auto passedBy = [&](std::size_t count) {
+            return meeting({"create", service, "--title", titleOf(count), "--dry-run", "--json"})
+                .json()
+                .find("limits")
+                ->asArray()
+                ->size();
+        };
+        EXPECT_EQ(passedBy(limit), 0U) << service;
+        EXPECT_EQ(passedBy(limit + 1), 1U) << service;
+        EXPECT_EQ(meeting({"create", service, "--title", titleOf(limit)}).status, 0) << service;
+        EXPECT_EQ(meeting({"create", service, "--title", titleOf(limit + 1)}).status, 1) << service;
+    }
 }
 
 TEST_F(Meeting, HasCommandsThatAreListed) {
