@@ -245,6 +245,8 @@ void AccountAuthoriser::takeIn(const OAuthToken& token, const AuthorisationRules
     if (rules.setsExpiration) {
         credentials.expirationDate = Date::now() + TimeInterval(token.expiresIn);
     }
+    // Before a request can have the token in its address; that of a removed account is never stored.
+    maskInLog(credentials);
 }
 
 void AccountAuthoriser::forgetTokens() {

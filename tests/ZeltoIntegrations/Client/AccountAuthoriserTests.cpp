@@ -327,6 +327,18 @@ TEST(AccountAuthoriser, ItsSecretsAreMaskedInTheLogFromTheBeginning) {
     EXPECT_FALSE(log.contains("canary"));
 }
 
+TEST(AccountAuthoriser, ATokenThatComesAfterTheRemovalOfItsAccountIsMaskedInTheLogToo) {
+    const MemoryKeyChain keyChain;
+    ServiceCredentialsManager::store(credentials(now));
+    const auto authoriser = authoriserNamed("Hubspot", credentials(now));
+    ServiceCredentialsManager::remove(credentials());
+    EXPECT_TRUE(authoriser->updateToken(OAuthToken{"canary-after-removal", std::nullopt, 3600}));
+    EXPECT_EQ(authoriser->accessToken(), "canary-after-removal");
+    const LogCapture log;
+    Logger::shared().error("https://api.example/tokens/canary-after-removal", "test()");
+    EXPECT_FALSE(log.contains("canary"));
+}
+
 TEST(TrelloAuthoriser, KeepsTheItemsOfTheQueryAndAddsItsOwnLast) {
     const MemoryKeyChain keyChain;
     const auto authoriser = authoriserNamed("Trello", credentials());
