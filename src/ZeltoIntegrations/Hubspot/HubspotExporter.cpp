@@ -348,6 +348,8 @@ void HubspotExporter::takeCreated(StepRun& run, Contact& contact,
     contact.conflict = lastRefusal();
     if (created.error() == ServiceClientError::apiCallError && contact.conflict &&
         contact.conflict->isConflict) {
+        // A second look-up that fails has words of its own, or none.
+        run.report().note({});
         return findContactAgain(run, contact, std::move(done));
     }
     refuse(run, contact.place, contact.creating(), created.error());

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <iterator>
 
 namespace zelto {
 
@@ -46,6 +47,14 @@ std::string associations(const std::string& type) {
     const auto types =
         R"("types":[{"associationCategory":"HUBSPOT_DEFINED","associationTypeId":)" + type + "}]}";
     return R"("associations":[{"to":{"id":"101"},)" + types + R"(,{"to":{"id":"12"},)" + types + "]";
+}
+
+// All but "404", which says that there is no such contact.
+std::vector<FailingResponse> failuresOfALookUp() {
+    auto all = unreadableResponses();
+    std::ranges::copy_if(failingResponses(), std::back_inserter(all),
+                         [](const auto& failing) { return failing.name != "404"; });
+    return all;
 }
 
 class HubspotExportTest : public testing::Test {
@@ -170,6 +179,15 @@ TEST_F(HubspotExportTest, AMeetingWithoutAnEndLastsAnHour) {
     EXPECT_EQ(lastProperty("hs_meeting_end_time"), JSONValue("2026-11-21T08:30:00Z"));
 }
 
+TEST_F(HubspotExportTest, AMeetingWithAnEndAloneBeginsNow) {
+    one.exportNote();
+    one.data->meetingEnd = moment + TimeInterval(1800);
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(lastProperty("hs_timestamp"), JSONValue("2026-11-21T09:30:00Z"));
+    EXPECT_EQ(lastProperty("hs_meeting_start_time"), JSONValue("2026-11-21T09:30:00Z"));
+    EXPECT_EQ(lastProperty("hs_meeting_end_time"), JSONValue("2026-11-21T10:00:00Z"));
+}
+
 TEST_F(HubspotExportTest, AMeetingWithoutDatesBeginsNow) {
     one.exportNote();
     one.data->summary = std::nullopt;
@@ -278,6 +296,12 @@ TEST_F(HubspotExportTest, TheSenderAloneIsLookedUpWhoeverItIs) {
     EXPECT_EQ(lookedUp(), (Texts{"ana@example.org", "me@example.org"}));
 }
 
+TEST_F(HubspotExportTest, TheUserIsNoExternalPartyOfAMailThatTheyHaveSent) {
+    one.data->parties.from = HubspotExport::party("Me@Example.org");
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(lookedUp(), Texts{"tomas@example.org"});
+}
+
 TEST_F(HubspotExportTest, WithoutAChoiceThereAreNoContacts) {
     one.configuration.emailCreateContacts = std::nullopt;
     ASSERT_TRUE(one.run());
@@ -383,6 +407,34 @@ TEST_F(HubspotExportTest, AConflictWhoseLookUpFailsEndsAsThat) {
                                                ServiceClientError::serviceInternalError, "broken"}}}));
 }
 
+TEST_F(HubspotExportTest, EachFailureOfTheSecondLookUpEndsTheExportAndIsReportedOnce) {
+    std::atomic<bool> hasConflict = false;
+    for (const auto& failing : failuresOfALookUp()) {
+        SCOPED_TRACE(failing.name);
+        one.releaseExporter();
+        hasConflict = false;
+        service.onRequest = [&](const ReceivedRequest& request) -> std::optional<PlayedResponse> {
+            if (request.method == "POST") {
+                hasConflict = true;
+                return HubspotService::refusal(409, "exists");
+            }
+            return hasConflict ? std::optional(failing.response) : std::nullopt;
+        };
+        const LogCapture log;
+        const auto error = fromName<ServiceClientError>(failing.error).value();
+        EXPECT_EQ(one.run(), failure(exportError(error)));
+        EXPECT_EQ(log.messages(LogLevel::warn), Texts{"Hubspot creation contact error: " + failing.error});
+        EXPECT_EQ(report().made, std::vector<Made>{});
+        ASSERT_EQ(report().refused.size(), 1U);
+        EXPECT_EQ(report().refused.front().kind, "contact");
+        EXPECT_EQ(report().refused.front().name, "ana@example.org");
+        EXPECT_EQ(report().refused.front().reason, error);
+        // They would be those of the conflict.
+        EXPECT_FALSE(report().refused.front().words.contains("exists"));
+    }
+    EXPECT_EQ(std::ranges::count(service.made(), "email"), 0);
+}
+
 TEST_F(HubspotExportTest, ARefusedCreationIsNotLookedUpAgain) {
     service.respondTo("POST /crm/v3/objects/contacts",
                       HubspotService::refusal(400, "Property values were not valid"));
@@ -394,10 +446,7 @@ TEST_F(HubspotExportTest, ARefusedCreationIsNotLookedUpAgain) {
 }
 
 TEST_F(HubspotExportTest, EachFailureOfALookUpEndsTheExportAndIsReportedOnce) {
-    for (const auto& failing : failingResponses()) {
-        if (failing.name == "404") {
-            continue; // there is no such contact, and it is created
-        }
+    for (const auto& failing : failuresOfALookUp()) {
         SCOPED_TRACE(failing.name);
         one.releaseExporter();
         service.respondTo("GET /crm/v3/objects/contacts/tomas", failing.response);
