@@ -8,7 +8,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
 #include <functional>
 
 namespace zelto {
@@ -50,7 +49,7 @@ class HubspotClientTest : public testing::Test {
         return perform<HubspotObject>(&HubspotClient::findContact, email);
     }
 
-    // Each request of the client, with how often it has completed.
+    // A request of the client; gives the error that it completes with.
     struct Operation {
         std::string name;
         std::function<std::optional<Error>()> perform;
