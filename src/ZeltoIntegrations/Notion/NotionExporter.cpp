@@ -14,9 +14,6 @@ namespace {
 using ExportError = IntegrationExportError;
 using Source = ContentText::Source;
 
-// The service gets the text of a link and its address apart.
-constexpr auto texts = textContents(ContentText::Link::backlink, IntegrationLinkFormat::raw);
-
 constexpr std::size_t stepCount = 2;
 
 constexpr auto titleKey = "title";
@@ -53,15 +50,6 @@ std::optional<NotionSaveToInfo> NotionExporter::createDefaultSaveToInfo() const 
         return std::nullopt;
     }
     return NotionSaveToInfo::journal(std::move(known->front()));
-}
-
-IntegrationExportContentTypes NotionExporter::contentTypes(IntegrationExportTarget target) const {
-    return textContentTypes(target);
-}
-
-void NotionExporter::loadPreview(IntegrationExportContentType type,
-                                 Callback<std::optional<IntegrationExportPreview>> completion) {
-    loadTextPreview(dataInteractor(), type, texts, webLinks.settings(), std::move(completion));
 }
 
 void NotionExporter::fetchData(StepRun& run, DataCompletion done) {

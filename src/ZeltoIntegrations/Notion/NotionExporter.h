@@ -1,7 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/Export/AccountDataExporter.h>
-#include <ZeltoIntegrations/Export/WebLinkCache.h>
+#include <ZeltoIntegrations/Export/TextExporter.h>
 #include <ZeltoIntegrations/Notion/NotionExportConfiguration.h>
 #include <ZeltoIntegrations/Notion/NotionPageContent.h>
 #include <ZeltoIntegrations/Notion/NotionRecords.h>
@@ -18,16 +17,17 @@ class NotionClient;
 struct NotionDatabases;
 
 // Makes a page of a database: a note of the user, the message's header and body, and a link to it; or the
-// note and the link alone. The report says how many blocks at its end a long message has lost.
-class NotionExporter final : public AccountDataExporter<NotionFullData> {
+// note and the link alone. The service gets the text of a link and its address apart. The report says how
+// many blocks at its end a long message has lost.
+class NotionExporter final
+    : public TextExporter<NotionFullData, ContentText::Link::backlink, IntegrationLinkFormat::raw> {
   public:
-    using AccountDataExporter::AccountDataExporter;
+    using TextExporter::TextExporter;
 
     using Configuration = NotionExportConfiguration;
 
     // What was loaded last, and where the last page went; kept in the account.
     CachedValue<NotionSaveToInfo> lastExportInfo{*this, "lastExportInfo"};
-    WebLinkCache webLinks{*this};
     CachedValue<NotionUser> me{*this, "me"};
     CachedValue<std::vector<NotionDatabase>> databases{*this, "databases"};
     CachedValue<std::vector<NotionUser>> users{*this, "users"};
@@ -38,12 +38,6 @@ class NotionExporter final : public AccountDataExporter<NotionFullData> {
     // A stored target is offered as it stands, whether or not its database is still there; without one the
     // first database.
     void loadConfiguration(Completion<NotionExportConfiguration, IntegrationLoadError> completion);
-
-    IntegrationExportContentTypes contentTypes(IntegrationExportTarget target) const;
-
-    // No value for a type that is not supported, and where the host has no text.
-    void loadPreview(IntegrationExportContentType type,
-                     Callback<std::optional<IntegrationExportPreview>> completion);
 
     // Fails with `unsupportedFormat` before it returns; with `createBodyError` if there should be a link
     // alone and the host has none, `createTaskError` without a target, `oauthError` without credentials, and

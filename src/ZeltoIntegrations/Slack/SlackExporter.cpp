@@ -15,8 +15,6 @@ namespace {
 
 using ExportError = IntegrationExportError;
 
-constexpr auto texts = textContents(ContentText::Link::altBacklink, IntegrationLinkFormat::mrkdwn);
-
 constexpr std::size_t stepCount = 2;
 
 constexpr auto afterNote = "\n\n";
@@ -46,15 +44,6 @@ SlackExportConfiguration SlackExporter::offered() const {
     };
     webLinks.offerTo(configuration);
     return configuration;
-}
-
-IntegrationExportContentTypes SlackExporter::contentTypes(IntegrationExportTarget target) const {
-    return textContentTypes(target);
-}
-
-void SlackExporter::loadPreview(IntegrationExportContentType type,
-                                Callback<std::optional<IntegrationExportPreview>> completion) {
-    loadTextPreview(dataInteractor(), type, texts, webLinks.settings(), std::move(completion));
 }
 
 void SlackExporter::fetchData(StepRun& run, DataCompletion done) {

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <ZeltoIntegrations/Export/AccountDataExporter.h>
-#include <ZeltoIntegrations/Export/WebLinkCache.h>
+#include <ZeltoIntegrations/Export/TextExporter.h>
 #include <ZeltoIntegrations/Slack/SlackExportConfiguration.h>
 #include <ZeltoIntegrations/Slack/SlackRecords.h>
 
@@ -17,15 +16,15 @@ class SlackClient;
 // Posts a message to a channel or a person: a note of the user, and the message's text with a link to it, or
 // the link alone. The text is sent whole, however long it is. What the host gives is sent as it is, as text
 // in Slack's mrkdwn: the host escapes in it what is no markup. The note is sent as it was typed.
-class SlackExporter final : public AccountDataExporter<SlackFullData> {
+class SlackExporter final
+    : public TextExporter<SlackFullData, ContentText::Link::altBacklink, IntegrationLinkFormat::mrkdwn> {
   public:
-    using AccountDataExporter::AccountDataExporter;
+    using TextExporter::TextExporter;
 
     using Configuration = SlackExportConfiguration;
 
     // What was loaded last, and where the last message went; kept in the account.
     CachedValue<SlackSaveToInfo> lastExportInfo{*this, "lastExportInfo"};
-    WebLinkCache webLinks{*this};
     CachedValue<SlackSelfUser> me{*this, "me"};
     CachedValue<std::vector<SlackChannel>> channels{*this, "channels"};
     CachedValue<std::vector<SlackUser>> users{*this, "users"};
@@ -33,12 +32,6 @@ class SlackExporter final : public AccountDataExporter<SlackFullData> {
     // A stored target is offered as it stands, whether or not its channel is still there. Without one there
     // is none: a message must not appear where nobody has chosen to post it.
     void loadConfiguration(Completion<SlackExportConfiguration, IntegrationLoadError> completion);
-
-    IntegrationExportContentTypes contentTypes(IntegrationExportTarget target) const;
-
-    // No value for a type that is not supported, and where the host has no text.
-    void loadPreview(IntegrationExportContentType type,
-                     Callback<std::optional<IntegrationExportPreview>> completion);
 
     // Fails with `unsupportedFormat` before it returns; with `createBodyError` without a text,
     // `createTaskError` without a target, `oauthError` without credentials, and `canceled`. When the service

@@ -13,8 +13,6 @@ namespace {
 
 using ExportError = IntegrationExportError;
 
-constexpr auto texts = textContents(ContentText::Link::altBacklink, IntegrationLinkFormat::markdown);
-
 // A time without a zone, which the service takes as one of the user's day.
 constexpr auto dateFormat = "yyyy-MM-dd'T'HH:mm:ss";
 constexpr auto dateLocale = "en_US_POSIX";
@@ -56,15 +54,6 @@ ServiceExporterAttachmentsValidator TodoistExporter::createAttachmentsValidator(
     const auto known = myUser();
     return ServiceExporterAttachmentsValidator(TodoistConstants::fileSizeLimit(known && known->isPremium),
                                                std::nullopt, std::nullopt);
-}
-
-IntegrationExportContentTypes TodoistExporter::contentTypes(IntegrationExportTarget target) const {
-    return textContentTypes(target);
-}
-
-void TodoistExporter::loadPreview(IntegrationExportContentType type,
-                                  Callback<std::optional<IntegrationExportPreview>> completion) {
-    loadTextPreview(dataInteractor(), type, texts, webLinks.settings(), std::move(completion));
 }
 
 void TodoistExporter::fetchData(StepRun& run, DataCompletion done) {

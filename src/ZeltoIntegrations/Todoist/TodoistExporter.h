@@ -1,8 +1,7 @@
 #pragma once
 
 #include <ZeltoIntegrations/Content/AttachmentsValidation.h>
-#include <ZeltoIntegrations/Export/AccountDataExporter.h>
-#include <ZeltoIntegrations/Export/WebLinkCache.h>
+#include <ZeltoIntegrations/Export/TextExporter.h>
 #include <ZeltoIntegrations/Todoist/TodoistExportConfiguration.h>
 #include <ZeltoIntegrations/Todoist/TodoistRecords.h>
 
@@ -22,15 +21,15 @@ struct TodoistUploadResponse;
 // Makes a task in a project, with the message's text or link as a comment and a comment for each attachment.
 // Files are uploaded first, since the one request that makes the task refers to them. The first failure ends
 // the export, and what was uploaded by then stays on the service.
-class TodoistExporter final : public AccountDataExporter<TodoistFullData> {
+class TodoistExporter final
+    : public TextExporter<TodoistFullData, ContentText::Link::altBacklink, IntegrationLinkFormat::markdown> {
   public:
-    using AccountDataExporter::AccountDataExporter;
+    using TextExporter::TextExporter;
 
     using Configuration = TodoistExportConfiguration;
 
     // What was loaded last, and where the last task went; kept in the account.
     CachedValue<TodoistSaveToInfo> lastExportInfo{*this, "lastExportInfo"};
-    WebLinkCache webLinks{*this};
     CachedValue<TodoistUser> myUser{*this, "myUser"};
     CachedValue<std::vector<TodoistProject>> myProjects{*this, "myProjects"};
 
@@ -39,12 +38,6 @@ class TodoistExporter final : public AccountDataExporter<TodoistFullData> {
 
     // The size of a file is limited by the account's plan; without a known user by that of a free account.
     ServiceExporterAttachmentsValidator createAttachmentsValidator() const;
-
-    IntegrationExportContentTypes contentTypes(IntegrationExportTarget target) const;
-
-    // No value for a type that is not supported, and where the host has no text.
-    void loadPreview(IntegrationExportContentType type,
-                     Callback<std::optional<IntegrationExportPreview>> completion);
 
     // Fails with `unsupportedFormat` before it returns; with `createBodyError` without a text, `oauthError`
     // without credentials, `uploadAttachmentError` when a file is missing on one side or the other,
