@@ -1,11 +1,11 @@
 #include <Support/LogCapture.h>
 #include <Support/NotionExport.h>
+#include <Support/Suites/ExportTextSuite.h>
+#include <Support/WithoutLengths.h>
 
 #include <Platform/JSON/JSONValue.h>
 
 #include <gtest/gtest.h>
-
-#include <regex>
 
 namespace zelto {
 
@@ -14,13 +14,9 @@ namespace {
 using Texts = std::vector<std::string>;
 using Type = IntegrationExportContentType;
 using Error = IntegrationExportError;
-using Link = IntegrationLinkType;
-using Visibility = IntegrationWebLinkVisibility;
 using Made = ExportReport::Made;
 using Refused = ExportReport::Refused;
 using Component = FormattedBodyComponent;
-
-constexpr auto raw = IntegrationLinkFormat::raw;
 
 std::string textItem(const std::string& content) {
     return R"({"type":"text","text":{"content":")" + content + R"("}})";
@@ -57,17 +53,37 @@ std::string pageText(const std::string& children, const std::string& database = 
            children + "]}";
 }
 
+struct NotionText {
+    using Export = NotionExport;
+    using Server = NotionServer;
+    static constexpr auto name = "Page";
+    static constexpr auto linkFormat = IntegrationLinkFormat::raw;
+    static constexpr int unitCount = 2;
+
+    static IntegrationLinkType linkOfText() { return IntegrationLinkType::backlink(linkFormat); }
+
+    static std::string request(const std::optional<std::string>& text) {
+        return pageText(text ? header + "," + paragraph(textItem(*text)) + "," + link : link);
+    }
+
+    static ExportReport report() { return {{Made{"page", "Title", "p1"}}, {}}; }
+
+    static NotionSaveToInfo storedTarget() {
+        return NotionSaveToInfo::task({.project = {"gone", "Gone"}, .dueDate = Date()});
+    }
+
+    static void withoutTargets(NotionExporter& exporter) {
+        exporter.databases.set(std::vector<NotionDatabase>());
+    }
+
+    static std::optional<NotionSaveToInfo> offeredTarget() {
+        return NotionSaveToInfo::journal({"d1", "Journal"});
+    }
+};
+
 class NotionExportTest : public testing::Test {
   protected:
-    // The requests without lengths, which are compared where the client is tested.
-    Texts texts() const {
-        static const std::regex pattern("Content-Length: [0-9]+\n");
-        Texts all;
-        for (const auto& text : service.texts()) {
-            all.push_back(std::regex_replace(text, pattern, ""));
-        }
-        return all;
-    }
+    Texts texts() const { return withoutLengths(service.texts()); }
 
     ExportReport report() { return one.exporter()->exportReport(); }
 
@@ -77,37 +93,7 @@ class NotionExportTest : public testing::Test {
 
 } // namespace
 
-TEST_F(NotionExportTest, EachTypeHasItsBodyAndItsLink) {
-    struct Row {
-        Type type;
-        Link link;
-        std::string children;
-    };
-
-    const auto webLink = Link::webLink(raw, Visibility::team, 7);
-    const auto mail = header + "," + paragraph(textItem("Body")) + "," + link;
-    const auto meeting = header + "," + paragraph(textItem("Summary")) + "," + link;
-    const Row rows[] = {
-        {Type::emailBacklink, Link::backlink(raw), mail},
-        {Type::emailWeblink, webLink, mail},
-        {Type::mtSummaryBacklink, Link::backlink(raw), meeting},
-        {Type::mtSummaryWeblink, webLink, meeting},
-        {Type::backLink, Link::backlink(raw), link},
-        {Type::webLink, webLink, link},
-    };
-    one.configuration.webLinkVisibility = Visibility::team;
-    one.configuration.teamId = 7;
-    for (const auto& row : rows) {
-        one.configuration.saveAs = row.type;
-        ASSERT_TRUE(one.run());
-        EXPECT_EQ(one.data->askedLinks().back(), row.link);
-        EXPECT_EQ(one.progress->totalUnitCount(), 2);
-        EXPECT_EQ(one.progress->completedUnitCount(), 2);
-        EXPECT_EQ(texts().back(), pageText(row.children));
-        EXPECT_EQ(report(), (ExportReport{{Made{"page", "Title", "p1"}}, {}}));
-    }
-    EXPECT_EQ(service.lines().size(), std::size(rows));
-}
+INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportText, NotionText, NamedByFacts);
 
 TEST_F(NotionExportTest, TheNoteStandsAboveTheBodyAndAboveALinkAlone) {
     one.configuration.userNote = "My note";
@@ -128,16 +114,6 @@ TEST_F(NotionExportTest, ATaskIsAPageWithNothingButItsTitle) {
     ASSERT_TRUE(one.run());
     EXPECT_EQ(texts(), Texts{pageText(link, "d2")});
     EXPECT_EQ(one.exporter()->lastExportInfo(), one.configuration.saveTo);
-}
-
-TEST_F(NotionExportTest, WhatWasChosenIsStored) {
-    one.configuration.webLinkVisibility = Visibility::team;
-    one.configuration.teamId = 7;
-    ASSERT_TRUE(one.run());
-    const auto stored = one.storage->load(one.account.identifier()).value();
-    EXPECT_EQ(stored.getCachedItem<NotionSaveToInfo>("lastExportInfo"), one.configuration.saveTo);
-    EXPECT_EQ(stored.getCachedItem<Visibility>("lastWebLinkVisibility"), Visibility::team);
-    EXPECT_EQ(stored.getCachedItem<std::uint64_t>("lastTeamId"), 7U);
 }
 
 TEST_F(NotionExportTest, WithoutALinkThePageHasNone) {

@@ -11,11 +11,6 @@ namespace zelto {
 namespace {
 
 using Texts = std::vector<std::string>;
-using Type = IntegrationExportContentType;
-using Visibility = IntegrationWebLinkVisibility;
-using Link = IntegrationLinkType;
-
-constexpr auto raw = IntegrationLinkFormat::raw;
 
 class NotionExporterTest : public testing::Test {
   protected:
@@ -43,73 +38,6 @@ class NotionExporterTest : public testing::Test {
 };
 
 } // namespace
-
-TEST_F(NotionExporterTest, ContentTypesAreThoseOfTheTarget) {
-    EXPECT_EQ(
-        one.exporter()->contentTypes(IntegrationExportTarget::email),
-        (IntegrationExportContentTypes{
-            Type::emailWeblink, {Type::emailBacklink, Type::emailWeblink, Type::backLink, Type::webLink}}));
-    EXPECT_EQ(one.exporter()->contentTypes(IntegrationExportTarget::meetingNote),
-              (IntegrationExportContentTypes{
-                  Type::mtSummaryWeblink,
-                  {Type::mtSummaryBacklink, Type::mtSummaryWeblink, Type::backLink, Type::webLink}}));
-}
-
-TEST_F(NotionExporterTest, PreviewIsTheTextOrTheLink) {
-    one.exporter()->webLinks.storeFrom(
-        NotionExportConfiguration{.webLinkVisibility = Visibility::team, .teamId = 7});
-    one.data->linkText = "zelto://m";
-    EXPECT_EQ(one.preview(Type::emailBacklink), IntegrationExportPreview::email("Body"));
-    EXPECT_EQ(one.preview(Type::emailWeblink), IntegrationExportPreview::email("Body"));
-    EXPECT_EQ(one.preview(Type::mtSummaryBacklink), IntegrationExportPreview::email("Summary"));
-    EXPECT_EQ(one.preview(Type::mtSummaryWeblink), IntegrationExportPreview::email("Summary"));
-    EXPECT_EQ(one.preview(Type::backLink), IntegrationExportPreview::backLink("zelto://m"));
-    EXPECT_EQ(one.preview(Type::webLink), IntegrationExportPreview::webLink("zelto://m"));
-    const auto webLink = Link::webLink(raw, Visibility::team, 7);
-    EXPECT_EQ(one.data->askedLinks(), (std::vector{Link::backlink(raw), webLink, Link::backlink(raw), webLink,
-                                                   Link::backlink(raw), webLink}));
-    for (const auto type : {Type::pdf, Type::externalLink, Type::plainText, Type::attachment}) {
-        EXPECT_EQ(one.preview(type), std::nullopt);
-    }
-}
-
-TEST_F(NotionExporterTest, ConfigurationOffersTheFirstDatabaseAsAJournal) {
-    one.data->titleText = "Subject";
-    NotionExportConfiguration expected{
-        .saveTo = std::nullopt,
-        .saveAs = Type::emailWeblink,
-        .userTitle = "Subject",
-        .webLinkVisibility = Visibility::onlyMe,
-        .teamId = std::nullopt,
-        .userNote = std::nullopt,
-        .supportedContentTypes = {Type::emailBacklink, Type::emailWeblink, Type::backLink, Type::webLink}};
-    EXPECT_EQ(one.offered(), expected);
-    one.exporter()->databases.set(std::vector<NotionDatabase>{});
-    EXPECT_EQ(one.offered(), expected);
-    one.exporter()->databases.set(notionDatabases());
-    expected.saveTo = NotionSaveToInfo::journal({"d1", "Journal"});
-    EXPECT_EQ(one.offered(), expected);
-
-    one.data->target = IntegrationExportTarget::meetingNote;
-    expected.saveAs = Type::mtSummaryWeblink;
-    expected.supportedContentTypes = {Type::mtSummaryBacklink, Type::mtSummaryWeblink, Type::backLink,
-                                      Type::webLink};
-    EXPECT_EQ(one.offered(), expected);
-}
-
-TEST_F(NotionExporterTest, ConfigurationOffersWhatWasChosenLast) {
-    const auto gone = NotionSaveToInfo::task({.project = {"gone", "Gone"}, .dueDate = Date()});
-    one.exporter()->lastExportInfo.set(gone);
-    one.exporter()->databases.set(notionDatabases());
-    one.exporter()->setLastExportContentType(Type::backLink);
-    one.exporter()->webLinks.storeFrom(
-        NotionExportConfiguration{.webLinkVisibility = Visibility::team, .teamId = 7});
-    const auto offered = one.offered();
-    EXPECT_EQ(offered.saveTo, gone);
-    EXPECT_EQ(offered.saveAs, Type::backLink);
-    EXPECT_EQ(offered.webLinkVisibility, Visibility::team);
-    EXPECT_EQ(offered.teamId, 7U);
-}
 
 TEST_F(NotionExporterTest, WhatIsLoadedAlreadyIsGivenWithoutARequest) {
     const NotionFullData kept{.me = {.id = "k"}, .databases = {{"d", "Kept"}}, .users = {}};

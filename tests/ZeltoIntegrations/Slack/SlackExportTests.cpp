@@ -1,11 +1,11 @@
 #include <Support/LogCapture.h>
 #include <Support/SlackExport.h>
+#include <Support/Suites/ExportTextSuite.h>
+#include <Support/WithoutLengths.h>
 
 #include <Platform/JSON/JSONValue.h>
 
 #include <gtest/gtest.h>
-
-#include <regex>
 
 namespace zelto {
 
@@ -14,12 +14,8 @@ namespace {
 using Texts = std::vector<std::string>;
 using Type = IntegrationExportContentType;
 using Error = IntegrationExportError;
-using Link = IntegrationLinkType;
-using Visibility = IntegrationWebLinkVisibility;
 using Made = ExportReport::Made;
 using Refused = ExportReport::Refused;
-
-constexpr auto mrkdwn = IntegrationLinkFormat::mrkdwn;
 
 // The request of a message as it goes out, without its length.
 std::string messageText(const std::string& text, const std::string& channel = "C1") {
@@ -28,17 +24,35 @@ std::string messageText(const std::string& text, const std::string& channel = "C
            channel + R"(","text":")" + text + R"("})";
 }
 
+struct SlackText {
+    using Export = SlackExport;
+    using Server = SlackServer;
+    static constexpr auto name = "Message";
+    static constexpr auto linkFormat = IntegrationLinkFormat::mrkdwn;
+    static constexpr int unitCount = 2;
+
+    static IntegrationLinkType linkOfText() { return IntegrationLinkType::altBacklink(linkFormat); }
+
+    static std::string request(const std::optional<std::string>& text) {
+        return messageText(text.value_or("<mid:1@example.org|Title>"));
+    }
+
+    static ExportReport report() { return {{Made{"message", "Title", "1503435956.000247"}}, {}}; }
+
+    static SlackSaveToInfo storedTarget() { return SlackSaveToInfo::user("gone"); }
+
+    static void withoutTargets(SlackExporter& exporter) {
+        exporter.channels.set(std::vector<SlackChannel>());
+        exporter.users.set(std::vector<SlackUser>());
+    }
+
+    // A message must not appear where nobody has chosen to post it.
+    static std::optional<SlackSaveToInfo> offeredTarget() { return std::nullopt; }
+};
+
 class SlackExportTest : public testing::Test {
   protected:
-    // The requests without lengths, which are compared where the client is tested.
-    Texts texts() const {
-        static const std::regex pattern("Content-Length: [0-9]+\n");
-        Texts all;
-        for (const auto& text : service.texts()) {
-            all.push_back(std::regex_replace(text, pattern, ""));
-        }
-        return all;
-    }
+    Texts texts() const { return withoutLengths(service.texts()); }
 
     std::string lastText() const {
         const auto body = JSONValue::parse(service.server.requests().back().body);
@@ -53,44 +67,7 @@ class SlackExportTest : public testing::Test {
 
 } // namespace
 
-TEST_F(SlackExportTest, EachTypeHasItsTextWithItsLink) {
-    struct Row {
-        Type type;
-        Link link;
-        std::string text;
-    };
-
-    const auto webLink = Link::webLink(mrkdwn, Visibility::team, 7);
-    const Row rows[] = {
-        {Type::emailBacklink, Link::altBacklink(mrkdwn), "Body"},
-        {Type::emailWeblink, webLink, "Body"},
-        {Type::mtSummaryBacklink, Link::altBacklink(mrkdwn), "Summary"},
-        {Type::mtSummaryWeblink, webLink, "Summary"},
-        {Type::backLink, Link::backlink(mrkdwn), "<mid:1@example.org|Title>"},
-        {Type::webLink, webLink, "<mid:1@example.org|Title>"},
-    };
-    one.configuration.webLinkVisibility = Visibility::team;
-    one.configuration.teamId = 7;
-    for (const auto& row : rows) {
-        one.configuration.saveAs = row.type;
-        ASSERT_TRUE(one.run());
-        EXPECT_EQ(one.data->askedLinks().back(), row.link);
-        EXPECT_EQ(one.progress->totalUnitCount(), 2);
-        EXPECT_EQ(one.progress->completedUnitCount(), 2);
-        EXPECT_EQ(texts().back(), messageText(row.text));
-        EXPECT_EQ(report(), (ExportReport{{Made{"message", "Title", "1503435956.000247"}}, {}}));
-    }
-    EXPECT_EQ(service.lines().size(), std::size(rows));
-}
-
-TEST_F(SlackExportTest, NoOtherTypeIsSent) {
-    for (const auto type : {Type::pdf, Type::externalLink, Type::plainText, Type::attachment}) {
-        one.configuration.saveAs = type;
-        EXPECT_EQ(one.run(), failure(Error::unsupportedFormat));
-        EXPECT_EQ(one.progress->totalUnitCount(), 0);
-    }
-    EXPECT_EQ(service.lines(), Texts{});
-}
+INSTANTIATE_TYPED_TEST_SUITE_P(Slack, ExportText, SlackText, NamedByFacts);
 
 TEST_F(SlackExportTest, TheNoteStandsAboveTheTextAndALineBetweenThem) {
     one.configuration.userNote = "My note";
@@ -141,16 +118,6 @@ TEST_F(SlackExportTest, TheTitleNamesTheMessageInTheReportAndIsNotSent) {
     EXPECT_EQ(report().made, std::vector{(Made{"message", "Other", "1503435956.000247"})});
 }
 
-TEST_F(SlackExportTest, WhatWasChosenIsStored) {
-    one.configuration.webLinkVisibility = Visibility::team;
-    one.configuration.teamId = 7;
-    ASSERT_TRUE(one.run());
-    const auto stored = one.storage->load(one.account.identifier()).value();
-    EXPECT_EQ(stored.getCachedItem<SlackSaveToInfo>("lastExportInfo"), SlackSaveToInfo::channel("C1"));
-    EXPECT_EQ(stored.getCachedItem<Visibility>("lastWebLinkVisibility"), Visibility::team);
-    EXPECT_EQ(stored.getCachedItem<std::uint64_t>("lastTeamId"), 7U);
-}
-
 TEST_F(SlackExportTest, WithoutATextNothingIsSent) {
     one.data->plainText = std::nullopt;
     one.data->summary = std::nullopt;
@@ -160,12 +127,6 @@ TEST_F(SlackExportTest, WithoutATextNothingIsSent) {
         one.configuration.saveAs = type;
         EXPECT_EQ(one.run(), failure(Error::createBodyError));
     }
-    EXPECT_EQ(service.lines(), Texts{});
-}
-
-TEST_F(SlackExportTest, WithoutCredentialsNothingIsSent) {
-    one.account.credentials = std::nullopt;
-    EXPECT_EQ(one.run(), failure(Error::oauthError));
     EXPECT_EQ(service.lines(), Texts{});
 }
 

@@ -2,19 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 namespace zelto {
 
 namespace {
 
 using Texts = std::vector<std::string>;
-using Type = IntegrationExportContentType;
-using Visibility = IntegrationWebLinkVisibility;
-using Link = IntegrationLinkType;
-
-constexpr auto mrkdwn = IntegrationLinkFormat::mrkdwn;
-constexpr auto raw = IntegrationLinkFormat::raw;
 
 class SlackExporterTest : public testing::Test {
   protected:
@@ -35,71 +27,6 @@ Texts identifiersOf(const std::vector<SlackChannel>& channels) {
 }
 
 } // namespace
-
-TEST_F(SlackExporterTest, ContentTypesAreThoseOfTheTarget) {
-    EXPECT_EQ(
-        one.exporter()->contentTypes(IntegrationExportTarget::email),
-        (IntegrationExportContentTypes{
-            Type::emailWeblink, {Type::emailBacklink, Type::emailWeblink, Type::backLink, Type::webLink}}));
-    EXPECT_EQ(one.exporter()->contentTypes(IntegrationExportTarget::meetingNote),
-              (IntegrationExportContentTypes{
-                  Type::mtSummaryWeblink,
-                  {Type::mtSummaryBacklink, Type::mtSummaryWeblink, Type::backLink, Type::webLink}}));
-}
-
-TEST_F(SlackExporterTest, PreviewIsTheTextOrTheAddress) {
-    one.exporter()->webLinks.storeFrom(
-        SlackExportConfiguration{.webLinkVisibility = Visibility::team, .teamId = 7});
-    one.data->rawLinkText = "zelto://m";
-    EXPECT_EQ(one.preview(Type::emailBacklink), IntegrationExportPreview::email("Body"));
-    EXPECT_EQ(one.preview(Type::emailWeblink), IntegrationExportPreview::email("Body"));
-    EXPECT_EQ(one.preview(Type::mtSummaryBacklink), IntegrationExportPreview::email("Summary"));
-    EXPECT_EQ(one.preview(Type::mtSummaryWeblink), IntegrationExportPreview::email("Summary"));
-    EXPECT_EQ(one.preview(Type::backLink), IntegrationExportPreview::backLink("zelto://m"));
-    EXPECT_EQ(one.preview(Type::webLink), IntegrationExportPreview::webLink("zelto://m"));
-    const auto webLink = Link::webLink(mrkdwn, Visibility::team, 7);
-    EXPECT_EQ(one.data->askedLinks(),
-              (std::vector{Link::altBacklink(mrkdwn), webLink, Link::altBacklink(mrkdwn), webLink,
-                           Link::backlink(raw), Link::webLink(raw, Visibility::team, 7)}));
-    for (const auto type : {Type::pdf, Type::externalLink, Type::plainText, Type::attachment}) {
-        EXPECT_EQ(one.preview(type), std::nullopt);
-    }
-}
-
-TEST_F(SlackExporterTest, ConfigurationOffersNoTargetThatNobodyChose) {
-    one.data->titleText = "Subject";
-    SlackExportConfiguration expected{
-        .saveTo = std::nullopt,
-        .saveAs = Type::emailWeblink,
-        .userTitle = "Subject",
-        .userNote = std::nullopt,
-        .webLinkVisibility = Visibility::onlyMe,
-        .teamId = std::nullopt,
-        .supportedContentTypes = {Type::emailBacklink, Type::emailWeblink, Type::backLink, Type::webLink}};
-    EXPECT_EQ(one.offered(), expected);
-    one.exporter()->users.set(slackUsers());
-    one.exporter()->channels.set(slackChannels());
-    EXPECT_EQ(one.offered(), expected);
-
-    one.data->target = IntegrationExportTarget::meetingNote;
-    expected.saveAs = Type::mtSummaryWeblink;
-    expected.supportedContentTypes = {Type::mtSummaryBacklink, Type::mtSummaryWeblink, Type::backLink,
-                                      Type::webLink};
-    EXPECT_EQ(one.offered(), expected);
-}
-
-TEST_F(SlackExporterTest, ConfigurationOffersWhatWasChosenLast) {
-    one.exporter()->lastExportInfo.set(SlackSaveToInfo::user("gone"));
-    one.exporter()->channels.set(slackChannels());
-    one.exporter()->setLastExportContentType(Type::backLink);
-    one.exporter()->webLinks.storeFrom(
-        SlackExportConfiguration{.webLinkVisibility = Visibility::team, .teamId = 7});
-    const auto offered = one.offered();
-    EXPECT_EQ(offered.saveTo, SlackSaveToInfo::user("gone"));
-    EXPECT_EQ(offered.saveAs, Type::backLink);
-    EXPECT_EQ(offered.webLinkVisibility, Visibility::team);
-    EXPECT_EQ(offered.teamId, 7U);
-}
 
 TEST_F(SlackExporterTest, ChannelsAreInTheOrderOfTheirNamesWithoutRegardToCaseAndUsersAsTheyCome) {
     service.channels = R"({"ok":true,"channels":[)" + channelNamed("zebra", "1") + "," +

@@ -1,5 +1,7 @@
 #include <Support/LogCapture.h>
+#include <Support/Suites/ExportTextSuite.h>
 #include <Support/TodoistExport.h>
+#include <Support/WithoutLengths.h>
 
 #include <gtest/gtest.h>
 
@@ -12,12 +14,9 @@ namespace {
 using Texts = std::vector<std::string>;
 using Type = IntegrationExportContentType;
 using Error = IntegrationExportError;
-using Link = IntegrationLinkType;
-using Visibility = IntegrationWebLinkVisibility;
 using Made = ExportReport::Made;
 using Refused = ExportReport::Refused;
 
-constexpr auto markdown = IntegrationLinkFormat::markdown;
 constexpr auto refused = ServiceClientError::apiCallError;
 
 // A request of commands as it goes out, with letters in place of the UUIDs.
@@ -35,11 +34,30 @@ std::string noteText(const std::string& content) {
            R"("}})";
 }
 
-// Lengths are compared where a client is tested.
-std::string withoutLength(const std::string& text) {
-    static const std::regex pattern("Content-Length: [0-9]+\n");
-    return std::regex_replace(text, pattern, "");
-}
+struct TodoistText {
+    using Export = TodoistExport;
+    using Server = TodoistServer;
+    static constexpr auto name = "Task";
+    static constexpr auto linkFormat = IntegrationLinkFormat::markdown;
+    static constexpr int unitCount = 3;
+
+    static IntegrationLinkType linkOfText() { return IntegrationLinkType::altBacklink(linkFormat); }
+
+    static std::string request(const std::optional<std::string>& text) {
+        return syncText(itemText(R"("content":"Title","project_id":"p2")") + "," +
+                        noteText(text.value_or("[mail](zelto://m)")));
+    }
+
+    static ExportReport report() { return {{Made{"task", "Title", "id0"}}, {}}; }
+
+    static TodoistSaveToInfo storedTarget() { return {{.id = "gone"}}; }
+
+    static void withoutTargets(TodoistExporter& exporter) {
+        exporter.myProjects.set(std::vector<TodoistProject>());
+    }
+
+    static std::optional<TodoistSaveToInfo> offeredTarget() { return {{{"p1", "Inbox"}}}; }
+};
 
 class TodoistExportTest : public testing::Test {
   protected:
@@ -47,14 +65,8 @@ class TodoistExportTest : public testing::Test {
 
     ExportReport report() { return one.exporter()->exportReport(); }
 
-    // The requests, with letters in place of the UUIDs, "B" for the boundary of a form, and without lengths.
-    Texts texts() const {
-        Texts all;
-        for (const auto& text : service.texts()) {
-            all.push_back(withoutLength(text));
-        }
-        return all;
-    }
+    // With letters in place of the UUIDs, and "B" for the boundary of a form.
+    Texts texts() const { return withoutLengths(service.texts()); }
 
     // Refuses the commands of the next export by these statuses, and gives the words that are reported.
     std::string wordsReportedFor(const std::string& status) {
@@ -71,34 +83,7 @@ class TodoistExportTest : public testing::Test {
 
 } // namespace
 
-TEST_F(TodoistExportTest, EachTypeHasItsTextWithItsLink) {
-    struct Row {
-        Type type;
-        Link link;
-        std::string text;
-    };
-
-    const Row rows[] = {
-        {Type::emailBacklink, Link::altBacklink(markdown), "Body"},
-        {Type::emailWeblink, Link::webLink(markdown, Visibility::team, 7), "Body"},
-        {Type::mtSummaryBacklink, Link::altBacklink(markdown), "Summary"},
-        {Type::mtSummaryWeblink, Link::webLink(markdown, Visibility::team, 7), "Summary"},
-        {Type::backLink, Link::backlink(markdown), "[mail](zelto://m)"},
-        {Type::webLink, Link::webLink(markdown, Visibility::team, 7), "[mail](zelto://m)"},
-    };
-    one.configuration.webLinkVisibility = Visibility::team;
-    one.configuration.teamId = 7;
-    for (const auto& row : rows) {
-        one.configuration.saveAs = row.type;
-        ASSERT_TRUE(one.run()) << row.text;
-        EXPECT_EQ(one.data->askedLinks().back(), row.link);
-        EXPECT_EQ(one.progress->totalUnitCount(), 3);
-        EXPECT_EQ(one.progress->completedUnitCount(), 3);
-        EXPECT_EQ(texts().back(),
-                  syncText(itemText(R"("content":"Title","project_id":"p2")") + "," + noteText(row.text)));
-    }
-    EXPECT_EQ(service.lines().size(), std::size(rows));
-}
+INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, ExportText, TodoistText, NamedByFacts);
 
 TEST_F(TodoistExportTest, TwoAttachmentsAreUploadedFirstAndAreFourCommandsThen) {
     one.attach("a.txt", "first");
@@ -257,20 +242,13 @@ TEST_F(TodoistExportTest, TwoExportsAtOnceKeepTheirFilesApart) {
     EXPECT_EQ(TodoistService::commands(service.server.requests()[2]).size(), 2U);
 }
 
-TEST_F(TodoistExportTest, WhoMayOpenTheLinkIsStoredAlsoAfterAFailureAndTheDateIsNot) {
-    one.configuration.saveAs = Type::backLink;
+TEST_F(TodoistExportTest, TheDateIsOfThisTaskAlone) {
     one.configuration.dueDate = Date();
-    one.configuration.webLinkVisibility = Visibility::team;
-    one.configuration.teamId = 7;
+    ASSERT_TRUE(one.run());
+    EXPECT_EQ(one.offered().dueDate, std::nullopt);
     service.refuse("commands", 404);
     ASSERT_FALSE(one.run());
-    const auto next = one.offered();
-    EXPECT_EQ(next.webLinkVisibility, Visibility::team);
-    EXPECT_EQ(next.teamId, 7U);
-    EXPECT_EQ(next.dueDate, std::nullopt);
-    const auto stored = one.storage->load(one.account.identifier()).value();
-    EXPECT_EQ(stored.getCachedItem<Visibility>("lastWebLinkVisibility"), Visibility::team);
-    EXPECT_EQ(stored.getCachedItem<std::uint64_t>("lastTeamId"), 7U);
+    EXPECT_EQ(one.offered().dueDate, std::nullopt);
 }
 
 TEST_F(TodoistExportTest, AnalyticsNameWhatTheUserChanged) {
