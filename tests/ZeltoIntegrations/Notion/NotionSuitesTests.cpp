@@ -1,10 +1,6 @@
 #include <Support/NotionExport.h>
-#include <Support/Suites/ExportCancellationSuite.h>
-#include <Support/Suites/ExportHostSuite.h>
-#include <Support/Suites/ExportStatusSuite.h>
-#include <Support/Suites/ExportTargetSuite.h>
-#include <Support/Suites/ExportTitleSuite.h>
-#include <Support/Suites/LoadedDataSuite.h>
+#include <Support/Suites/ExportSuites.h>
+#include <Support/TextScenario.h>
 
 #include <gtest/gtest.h>
 
@@ -17,14 +13,8 @@ using Error = IntegrationExportError;
 using Type = IntegrationExportContentType;
 using enum HostMistake;
 
-struct NotionScenario {
-    using Export = NotionExport;
-    using Server = NotionServer;
+struct NotionScenario : TextScenario<NotionExport, NotionServer> {
     static constexpr auto name = "Page";
-    static constexpr int refusedFormatUnits = 0;
-    static constexpr auto noTargetError = Error::createTaskError;
-
-    static void prepare(Export&) {}
 
     static Texts events() {
         return {"started",
@@ -44,8 +34,6 @@ struct NotionScenario {
     }
 
     static Texts made() { return {"page"}; }
-
-    static Texts madeWithoutTarget() { return {}; }
 
     // What the host has not got is not on the page.
     static std::vector<HostFailure> hostFailures() {
@@ -145,17 +133,10 @@ struct NotionData {
     }
 };
 
+using Scenarios = testing::Types<NotionScenario, MeetingNoteScenario, LinkScenario>;
+
 } // namespace
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportCancellation, NotionScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(NotionMeetingNote, ExportCancellation, MeetingNoteScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(NotionLink, ExportCancellation, LinkScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportHost, NotionScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(NotionMeetingNote, ExportHost, MeetingNoteScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(NotionLink, ExportHost, LinkScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportStatus, NotionScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportTitle, NotionScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Notion, ExportTarget, NotionScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Notion, LoadedData, NotionData, NamedByFacts);
+ZELTO_EXPORT_SUITES(Notion, Scenarios, NotionScenario, NotionData);
 
 } // namespace zelto

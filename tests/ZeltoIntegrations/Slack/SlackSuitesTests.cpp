@@ -1,10 +1,6 @@
 #include <Support/SlackExport.h>
-#include <Support/Suites/ExportCancellationSuite.h>
-#include <Support/Suites/ExportHostSuite.h>
-#include <Support/Suites/ExportStatusSuite.h>
-#include <Support/Suites/ExportTargetSuite.h>
-#include <Support/Suites/ExportTitleSuite.h>
-#include <Support/Suites/LoadedDataSuite.h>
+#include <Support/Suites/ExportSuites.h>
+#include <Support/TextScenario.h>
 
 #include <gtest/gtest.h>
 
@@ -17,14 +13,8 @@ using Error = IntegrationExportError;
 using Type = IntegrationExportContentType;
 using enum HostMistake;
 
-struct SlackScenario {
-    using Export = SlackExport;
-    using Server = SlackServer;
+struct SlackScenario : TextScenario<SlackExport, SlackServer> {
     static constexpr auto name = "Message";
-    static constexpr int refusedFormatUnits = 0;
-    static constexpr auto noTargetError = Error::createTaskError;
-
-    static void prepare(Export&) {}
 
     static Texts events() { return eventsWith("messagePlainText"); }
 
@@ -35,8 +25,6 @@ struct SlackScenario {
     }
 
     static Texts made() { return {"message"}; }
-
-    static Texts madeWithoutTarget() { return {}; }
 
     static std::vector<HostFailure> hostFailures() { return failuresOf("messagePlainText"); }
 
@@ -118,17 +106,10 @@ struct SlackData {
     }
 };
 
+using Scenarios = testing::Types<SlackScenario, MeetingNoteScenario, LinkScenario>;
+
 } // namespace
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Slack, ExportCancellation, SlackScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(SlackMeetingNote, ExportCancellation, MeetingNoteScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(SlackLink, ExportCancellation, LinkScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Slack, ExportHost, SlackScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(SlackMeetingNote, ExportHost, MeetingNoteScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(SlackLink, ExportHost, LinkScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Slack, ExportStatus, SlackScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Slack, ExportTitle, SlackScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Slack, ExportTarget, SlackScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Slack, LoadedData, SlackData, NamedByFacts);
+ZELTO_EXPORT_SUITES(Slack, Scenarios, SlackScenario, SlackData);
 
 } // namespace zelto

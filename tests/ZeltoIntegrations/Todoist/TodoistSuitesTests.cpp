@@ -1,10 +1,5 @@
 #include <Support/Suites/ExportAttachmentsSuite.h>
-#include <Support/Suites/ExportCancellationSuite.h>
-#include <Support/Suites/ExportHostSuite.h>
-#include <Support/Suites/ExportStatusSuite.h>
-#include <Support/Suites/ExportTargetSuite.h>
-#include <Support/Suites/ExportTitleSuite.h>
-#include <Support/Suites/LoadedDataSuite.h>
+#include <Support/Suites/ExportSuites.h>
 #include <Support/TodoistExport.h>
 
 #include <gtest/gtest.h>
@@ -129,12 +124,7 @@ struct TodoistData {
 
 } // namespace
 
-INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, ExportCancellation, TodoistScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, ExportHost, TodoistScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, ExportStatus, TodoistScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, ExportTitle, TodoistScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, ExportTarget, TodoistScenario, NamedByFacts);
+ZELTO_EXPORT_SUITES(Todoist, TodoistScenario, TodoistScenario, TodoistData);
 INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, ExportAttachments, TodoistScenario, NamedByFacts);
-INSTANTIATE_TYPED_TEST_SUITE_P(Todoist, LoadedData, TodoistData, NamedByFacts);
 
 } // namespace zelto
