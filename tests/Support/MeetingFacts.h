@@ -14,11 +14,13 @@
 namespace zelto {
 
 // What the tests of all meeting services know of each: as MeetingFixture and the suite Meetings ask.
-
-struct ZoomFacts {
-    using Client = ZoomClient;
-    using Authoriser = ZoomAuthoriser;
+template <class ServiceClient, class ServiceAuthoriser> struct MeetingFacts {
+    using Client = ServiceClient;
+    using Authoriser = ServiceAuthoriser;
     using Refusals = std::vector<std::pair<std::string, std::string>>;
+};
+
+struct ZoomFacts : MeetingFacts<ZoomClient, ZoomAuthoriser> {
     static constexpr auto service = ServiceType::ZoomMeeting;
     static constexpr auto tokenPath = "/oauth/token";
     static constexpr auto created =
@@ -50,10 +52,7 @@ struct ZoomFacts {
     }
 };
 
-struct GoToFacts {
-    using Client = GoToClient;
-    using Authoriser = GoToAuthoriser;
-    using Refusals = std::vector<std::pair<std::string, std::string>>;
+struct GoToFacts : MeetingFacts<GoToClient, GoToAuthoriser> {
     static constexpr auto service = ServiceType::G2Meeting;
     static constexpr auto tokenPath = "/oauth/token";
     static constexpr auto created =
@@ -78,10 +77,7 @@ struct GoToFacts {
     }
 };
 
-struct MicrosoftTeamsFacts {
-    using Client = MicrosoftTeamsClient;
-    using Authoriser = MicrosoftTeamsAuthoriser;
-    using Refusals = std::vector<std::pair<std::string, std::string>>;
+struct MicrosoftTeamsFacts : MeetingFacts<MicrosoftTeamsClient, MicrosoftTeamsAuthoriser> {
     static constexpr auto service = ServiceType::MicrosoftTeams;
     static constexpr auto tokenPath = "/organizations/oauth2/v2.0/token";
     static constexpr auto created =
