@@ -1,3 +1,4 @@
+#include <ZeltoSandbox/Graph/GraphRefusal.h>
 #include <ZeltoSandbox/Meetings/MeetingCaller.h>
 
 #include <Platform/Base64.h>
@@ -15,17 +16,6 @@ const std::string host = "graph.microsoft.com";
 const std::string meetings = "/v1.0/me/onlineMeetings";
 const std::string kickOff =
     R"({"subject":"Kick-off","startDateTime":"2026-12-24T09:00:00Z","endDateTime":"2026-12-24T09:45:00Z"})";
-
-// "404 NotFound The meeting does not exist."
-std::string refusal(const CallerResponse& response) {
-    const auto body = response.json();
-    const auto* error = body.find("error");
-    if (!error || !error->find("innerError") || !error->find("innerError")->find("request-id")) {
-        return "no refusal: " + response.body;
-    }
-    return std::to_string(response.status) + " " + *error->find("code")->asString() + " " +
-           *error->find("message")->asString();
-}
 
 class MicrosoftTeamsSandboxTest : public testing::Test {
   protected:

@@ -1,3 +1,4 @@
+#include <ZeltoSandbox/Graph/GraphRefusal.h>
 #include <ZeltoSandbox/MultipartBody.h>
 #include <ZeltoSandbox/SandboxCaller.h>
 
@@ -19,17 +20,6 @@ std::string document(const std::string& body) {
 
 std::string object(const std::string& part, const std::string& file = "a.txt") {
     return "<object data-attachment=\"" + file + "\" data=\"name:" + part + "\" type=\"text/plain\" />";
-}
-
-// "404 20102 The specified resource does not exist."
-std::string refusal(const CallerResponse& response) {
-    const auto body = response.json();
-    const auto* error = body.find("error");
-    if (!error || !error->find("innerError") || !error->find("innerError")->find("request-id")) {
-        return "no refusal: " + response.body;
-    }
-    return std::to_string(response.status) + " " + *error->find("code")->asString() + " " +
-           *error->find("message")->asString();
 }
 
 class OneNoteSandboxTest : public testing::Test {
