@@ -283,6 +283,8 @@ TEST_F(HubspotExportTest, ANoteIsCutToWhatTheServiceHolds) {
         one.data->plainText = text;
         ASSERT_TRUE(one.run());
         EXPECT_EQ(*lastProperty("hs_note_body").asString(), text.substr(0, size));
+        const auto leftOut = characterCount(text) - characterCount(text.substr(0, size));
+        EXPECT_EQ(report().made.back().leftOutCharacters, leftOut);
     }
 }
 
