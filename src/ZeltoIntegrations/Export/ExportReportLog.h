@@ -15,7 +15,7 @@ namespace zelto {
 class ExportReportLog {
   public:
     // A request begins that makes something, of a file of that many bytes where it is one, without so many
-    // blocks of its content; gives its place.
+    // blocks, or characters, of its content; gives its place.
     std::size_t begin(std::string kind, std::string name, std::optional<std::uint64_t> fileSize = {},
                       std::size_t leftOutBlocks = 0, std::size_t leftOutCharacters = 0);
     void made(std::size_t place, std::optional<std::string> identifier);
