@@ -148,9 +148,15 @@ std::optional<HubspotFullData> HubspotAdapter::keptData(const HubspotExporter& e
 }
 
 std::optional<RefusalAdvice> HubspotAdapter::adviceOn(const RefusedRequest& refused) {
-    if (refused.reason == ServiceClientError::forbidden) {
+    // Where the reason is not known, the service's sentence names the scopes.
+    const bool lacksScope = !refused.reason && refused.words.contains("scopes");
+    if (refused.reason == ServiceClientError::forbidden || lacksScope) {
         return RefusalAdvice{"the account's sign-in lacks a permission that this needs",
                              RefusalAdvice::Remedy::reconnect};
+    }
+    if (refused.reason == ServiceClientError::itemNotFound) {
+        return RefusalAdvice{"a contact that it belongs to is not there any more",
+                             RefusalAdvice::Remedy::again};
     }
     return std::nullopt;
 }

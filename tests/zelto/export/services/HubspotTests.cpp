@@ -205,10 +205,13 @@ TEST(HubspotAdapter, AssumesSomethingOfContactsWhereThereAreAny) {
                     .starts_with("Shown as for addresses that are no contacts yet"));
 }
 
-TEST(HubspotAdapter, ExplainsAMissingPermission) {
+TEST(HubspotAdapter, ExplainsAMissingPermissionAndAContactThatIsGone) {
     using Adapter = cli::HubspotAdapter;
-    EXPECT_EQ(Adapter::adviceOn({ServiceClientError::forbidden, "x"})->remedy,
-              cli::RefusalAdvice::Remedy::reconnect);
+    using Remedy = cli::RefusalAdvice::Remedy;
+    EXPECT_EQ(Adapter::adviceOn({ServiceClientError::forbidden, "x"})->remedy, Remedy::reconnect);
+    EXPECT_EQ(Adapter::adviceOn({std::nullopt, "One or more of the following scopes are required."})->remedy,
+              Remedy::reconnect);
+    EXPECT_EQ(Adapter::adviceOn({ServiceClientError::itemNotFound, "x"})->remedy, Remedy::again);
     EXPECT_EQ(Adapter::adviceOn({ServiceClientError::apiCallError, "x"}), std::nullopt);
     EXPECT_EQ(Adapter::adviceOn({std::nullopt, "x"}), std::nullopt);
 }
@@ -406,6 +409,14 @@ TEST_F(HubspotCommands, AMissingPermissionNamesTheWayToReconnect) {
         "that this needs"))
         << outcome.output;
     EXPECT_TRUE(outcome.text("next").starts_with("zelto reconnect " + account)) << outcome.output;
+}
+
+TEST_F(HubspotCommands, AContactThatIsGoneMeanwhileIsSaidAndTheExportRepeated) {
+    sandbox->addFault({.path = "/crm/v3/objects/emails", .status = 404});
+    const auto outcome = exportOf(mail, {"--contacts", "senderOnly", "--json"});
+    EXPECT_TRUE(outcome.text("message").contains(": a contact that it belongs to is not there any more"))
+        << outcome.output;
+    EXPECT_TRUE(outcome.text("next").starts_with("zelto export ")) << outcome.output;
 }
 
 TEST_F(HubspotCommands, AnExpiredTokenIsRefreshed) {
