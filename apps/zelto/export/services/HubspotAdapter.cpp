@@ -8,8 +8,10 @@
 #include <Platform/Text.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <iterator>
 #include <limits>
+#include <map>
 #include <string_view>
 #include <utility>
 
@@ -96,14 +98,15 @@ bool isLookUp(const SentRequest& request) {
 TargetTree HubspotAdapter::targetTree(const HubspotFullData& data) {
     auto stages = data.contactLifecycleStages.value_or(std::vector<HubspotPayloadContactLifecycleStage>());
     std::erase_if(stages, &HubspotPayloadContactLifecycleStage::archived);
-    // The sort must keep the order of equals; std::stable_sort is what each compiler has.
-    std::stable_sort(stages.begin(), stages.end(), [](const auto& one, const auto& other) {
-        constexpr auto last = std::numeric_limits<std::int64_t>::max();
-        return one.displayOrder.value_or(last) < other.displayOrder.value_or(last);
-    });
-    TargetTree tree{.levels = {"lifecycle stage"}, .nodes = {}, .option = "--stage"};
+    // Which keeps the order of equals.
+    std::multimap<std::int64_t, const HubspotPayloadContactLifecycleStage*> ordered;
     for (const auto& stage : stages) {
-        tree.nodes.push_back({stage.id, stage.label.value_or("")});
+        constexpr auto last = std::numeric_limits<std::int64_t>::max();
+        ordered.emplace(stage.displayOrder.value_or(last), &stage);
+    }
+    TargetTree tree{.levels = {"lifecycle stage"}, .nodes = {}, .option = "--stage"};
+    for (const auto& [order, stage] : ordered) {
+        tree.nodes.push_back({stage->id, stage->label.value_or("")});
     }
     return tree;
 }
