@@ -237,7 +237,8 @@ TEST_F(DropboxClientTest, ARefusedDownloadLeavesNoFileAndSaysTheServicesWords) {
         return PlayedResponse::json(R"({"error_summary":"path/not_found/..","error":{".tag":"path"}})", 409);
     };
     EXPECT_EQ(download("id:gone").error(),
-              (DownloadError{.service = Error::apiCallError, .refusal = {.words = "path/not_found/.."}}));
+              (DownloadError{.service = Error::apiCallError,
+                             .refusal = {.words = "path/not_found/..", .isConflict = true}}));
     EXPECT_TRUE(std::filesystem::is_empty(folder.path()));
 }
 
