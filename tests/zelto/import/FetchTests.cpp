@@ -211,15 +211,16 @@ TEST_F(Fetch, SaysThatTheDiskIsFullAndFreesWhatItWrote) {
     const auto large = zelto.home.write("large.eml", mailWith("Large", std::string(100'000, 'x')));
     ASSERT_EQ(run({"export", large, "--to", "drive", "--as", "plainText"}).status, 0);
     const auto file = idOf("drive", "Large.txt") + ":Large.txt";
+    const auto mount = "mount -t tmpfs -o size=16k none " + out.string();
+    if (const auto mounted = zelto.runShell("unshare -rm " + mount); mounted.status != 0) {
+        GTEST_SKIP() << "no file system can be mounted here: " << mounted.errorOutput;
+    }
     // A file system of 16 KiB, which this shell alone sees.
-    const auto script = zelto.home.write("fetch", "mount -t tmpfs -o size=16k none " + out.string() +
-                                                      " || exit 99\nzelto fetch drive '" + file + "' '" +
+    const auto script = zelto.home.write("fetch", mount + "\nzelto fetch drive '" + file + "' '" +
                                                       readMeFile + "' --json --out " + out.string() +
                                                       surroundings() + "\nls -A " + out.string() + "\n");
     const auto outcome = zelto.runShell("unshare -rm sh " + script.string());
-    if (outcome.status == 99 || outcome.output.empty()) {
-        GTEST_SKIP() << "no file system can be mounted here: " << outcome.errorOutput;
-    }
+    ASSERT_NE(outcome.output, "") << outcome.errorOutput;
     const auto end = outcome.output.find('\n') + 1;
     const auto document = JSONValue::parse(outcome.output.substr(0, end)).value();
     EXPECT_EQ(*document.find("error")->asString(), "noSpace");
