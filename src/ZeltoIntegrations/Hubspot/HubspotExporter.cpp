@@ -345,9 +345,9 @@ void HubspotExporter::takeCreated(StepRun& run, Contact& contact,
         run.report().made(contact.place, contact.id);
         return done({});
     }
-    contact.conflict = lastRefusal();
-    if (created.error() == ServiceClientError::apiCallError && contact.conflict &&
-        contact.conflict->isConflict) {
+    const auto refusal = lastRefusal();
+    if (created.error() == ServiceClientError::apiCallError && refusal && refusal->isConflict) {
+        contact.conflict = refusal;
         // A second look-up that fails has words of its own, or none.
         run.report().note({});
         return findContactAgain(run, contact, std::move(done));
