@@ -2,6 +2,7 @@
 
 #include <Support/ExportScenario.h>
 #include <Support/NetworkExport.h>
+#include <Support/TestHTTPServer.h>
 
 #include <gtest/gtest.h>
 
